@@ -1,0 +1,40 @@
+# How every target of the project is compiled. What is particular to a compiler or a build kind
+# stands here and nowhere else. The options name their languages: the resource compiler takes none.
+
+add_library(mvp_options INTERFACE)
+
+function(mvp_compile languages)
+  target_compile_options(mvp_options INTERFACE "$<$<COMPILE_LANGUAGE:${languages}>:${ARGN}>")
+endfunction()
+
+mvp_compile(C,CXX -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-qual
+            -Wduplicated-cond -Wlogical-op -Werror)
+mvp_compile(CXX -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
+            -Wzero-as-null-pointer-constant)
+
+if(WIN32)
+  # Windows 7 is the oldest system served; the ANSI functions are the interface of the suite.
+  target_compile_definitions(mvp_options INTERFACE
+    _WIN32_WINNT=0x0601 WINVER=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
+  # A library that is loaded into foreign processes must not meet another build of the language's
+  # runtime there, so every binary carries its own.
+  target_link_options(mvp_options INTERFACE
+    -static -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+  mvp_compile(C,CXX -fstack-protector-strong)
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    target_compile_definitions(mvp_options INTERFACE _FORTIFY_SOURCE=2)
+    target_link_options(mvp_options INTERFACE -s)
+  endif()
+  if(MVP_TRAP_UNDEFINED)
+    mvp_compile(C,CXX -fsanitize=undefined -fsanitize-undefined-trap-on-error)
+  endif()
+endif()
+
+if(MVP_SANITIZE)
+  mvp_compile(C,CXX -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(mvp_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(MVP_COVERAGE)
+  mvp_compile(C,CXX --coverage)
+  target_link_options(mvp_options INTERFACE --coverage)
+endif()

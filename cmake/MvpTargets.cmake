@@ -1,0 +1,50 @@
+# The kinds of target the project is made of.
+
+# mvp_core(name SOURCES...): pure code, without windows.h; built for Windows and natively.
+function(mvp_core name)
+  add_library(${name} STATIC ${ARGN})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PRIVATE mvp_options)
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# mvp_version(target FILE TYPE DESCRIPTION): VERSIONINFO for a Windows binary. TYPE is VFT_DLL or
+# VFT_APP.
+function(mvp_version target MVP_FILE_NAME MVP_FILE_TYPE MVP_DESCRIPTION)
+  set(rc ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${rc} @ONLY)
+  target_sources(${target} PRIVATE ${rc})
+endfunction()
+
+# mvp_dll(name DESCRIPTION SOURCES...): a shipped library; its sources see <NAME>_EXPORTS.
+function(mvp_dll name description)
+  add_library(${name} SHARED ${ARGN})
+  string(TOUPPER ${name} upper)
+  set_target_properties(${name} PROPERTIES DEFINE_SYMBOL ${upper}_EXPORTS)
+  target_link_libraries(${name} PRIVATE mvp_options)
+  mvp_version(${name} ${name}.dll VFT_DLL "${description}")
+  install(TARGETS ${name} EXPORT mvpingui RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endfunction()
+
+# mvp_unit_test(name SOURCES... [LIBS libraries...]): a native GoogleTest program for pure code.
+function(mvp_unit_test name)
+  cmake_parse_arguments(arg "" "" "LIBS" ${ARGN})
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE mvp_options ${arg_LIBS} gtest_main)
+  add_test(NAME unit.${name} COMMAND ${name})
+  set_tests_properties(unit.${name} PROPERTIES TIMEOUT 300 LABELS unit)
+endfunction()
+
+# mvp_ui_test(name SOURCES... [LIBS libraries...]): a Windows GoogleTest program, run under Wine.
+# It lies in testbin/, beside copies of the product's libraries and the recording modules that
+# stand in for the suite's own.
+function(mvp_ui_test name)
+  cmake_parse_arguments(arg "" "" "LIBS" ${ARGN})
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE mvp_options ${arg_LIBS} mvp_test_support)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
+  add_dependencies(${name} test_modules)
+  add_test(NAME ui.${name} COMMAND ${name} WORKING_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
+  set_tests_properties(ui.${name} PROPERTIES TIMEOUT 240 LABELS ui RUN_SERIAL ON)
+endfunction()
