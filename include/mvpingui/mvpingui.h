@@ -42,6 +42,26 @@ MVPINGUI_API void InitGUIDll(void);
  * a code without a text it is that of the previous call (empty before the first). */
 MVPINGUI_API const char* GetErrorString(int32_t nCode);
 
+/* Asks the user for a card's PIN. The dialog's OK button is enabled while the PIN's length lies
+ * within the bounds, and the dialog closes when the card leaves its reader.
+ *
+ * hParent       parent window; may be null. It is disabled while the dialog is up
+ * pszReader     the reader that holds the card; null or empty: a card in any reader
+ * bShowLastTry  nonzero: DisplayLastPINTry comes first, and its refusal is this call's
+ * dwMinLength, dwMaxLength  bounds of the PIN's length in bytes, inclusive
+ * ppPin         receives a buffer that holds exactly the PIN's bytes, without a terminator, or null
+ *               for an empty PIN. It belongs to the caller until it is given to FreeGetPinBuffer
+ * pcbPin        receives the PIN's length in bytes
+ *
+ * Returns MVPINGUI_OK when the user confirmed. Otherwise MVPINGUI_REFUSED, and the two out arguments
+ * are as they were: the user cancelled or declined the last try, the card was removed, the dialog
+ * could not be shown, memory is short, or an earlier request is still outstanding. One PIN is in
+ * flight at a time: after every call, whatever its result, call FreeGetPinBuffer (with a null buffer
+ * when there is none) before the next. */
+MVPINGUI_API uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_t bShowLastTry,
+                                     uint32_t dwMinLength, uint32_t dwMaxLength, char** ppPin,
+                                     uint32_t* pcbPin);
+
 /* Warns that the next wrong PIN blocks the card, and lets the user go on or step back.
  *
  * pszReader  the reader's name, shown with the warning; may be null or empty.

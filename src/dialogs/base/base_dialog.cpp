@@ -1,4 +1,4 @@
-#include "dialogs/base/base_dialog.h"
+#include "mvpingui/base_dialog.h"
 
 #include <dlgfw/dc.h>
 #include <dlgfw/module_state.h>

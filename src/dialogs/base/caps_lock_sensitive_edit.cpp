@@ -1,4 +1,4 @@
-#include "dialogs/base/caps_lock_sensitive_edit.h"
+#include "mvpingui/caps_lock_sensitive_edit.h"
 
 #include <commctrl.h>
 
