@@ -3,7 +3,6 @@
 #pragma once
 
 #include <dlgfw/string.h>
-
 #include <mvpingui/base_dialog.h>
 
 class VKDelegateSubscriberCardRemoved;

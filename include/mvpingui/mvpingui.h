@@ -11,12 +11,11 @@
 #ifndef MVPINGUI_MVPINGUI_H
 #define MVPINGUI_MVPINGUI_H
 
-#include <stddef.h>
-#include <stdint.h>
-
 #include <windows.h>
 
 #include <mvpingui/export.h>
+#include <stddef.h>
+#include <stdint.h>
 
 /* The user confirmed. */
 #define MVPINGUI_OK 0u
@@ -53,11 +52,11 @@ MVPINGUI_API const char* GetErrorString(int32_t nCode);
  *               for an empty PIN. It belongs to the caller until it is given to FreeGetPinBuffer
  * pcbPin        receives the PIN's length in bytes
  *
- * Returns MVPINGUI_OK when the user confirmed. Otherwise MVPINGUI_REFUSED, and the two out arguments
- * are as they were: the user cancelled or declined the last try, the card was removed, the dialog
- * could not be shown, memory is short, or an earlier request is still outstanding. One PIN is in
- * flight at a time: after every call, whatever its result, call FreeGetPinBuffer (with a null buffer
- * when there is none) before the next. */
+ * Returns MVPINGUI_OK when the user confirmed. Otherwise MVPINGUI_REFUSED, and the two out
+ * arguments are as they were: the user cancelled or declined the last try, the card was removed,
+ * the dialog could not be shown, memory is short, or an earlier request is still outstanding. One
+ * PIN is in flight at a time: after every call, whatever its result, call FreeGetPinBuffer (with a
+ * null buffer when there is none) before the next. */
 MVPINGUI_API uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_t bShowLastTry,
                                      uint32_t dwMinLength, uint32_t dwMaxLength, char** ppPin,
                                      uint32_t* pcbPin);

@@ -4,11 +4,10 @@
 // destroys the target: the destructor unsubscribes, which waits for a call that is running.
 #pragma once
 
-#include <dlgfw/wnd.h>
-
-#include <vkevtsub/vkevtsub.h>
-
 #include <windows.h>
+
+#include <dlgfw/wnd.h>
+#include <vkevtsub/vkevtsub.h>
 
 // Turns the removal of a card into a message posted to a window.
 class VKDelegateSubscriberCardRemoved : public VKDelegateSubscriber {

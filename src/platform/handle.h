@@ -8,9 +8,9 @@
 //     RegQueryValueExA(key.get(), ...);
 #pragma once
 
-#include <utility>
-
 #include <windows.h>
+
+#include <utility>
 
 namespace mvp {
 
@@ -129,8 +129,7 @@ private:
 // An object selected into a device context for as long as this lives.
 class DcSelection {
 public:
-    DcSelection(HDC hDC, HGDIOBJ object) noexcept
-        : m_hDC(hDC), m_old(SelectObject(hDC, object)) {}
+    DcSelection(HDC hDC, HGDIOBJ object) noexcept : m_hDC(hDC), m_old(SelectObject(hDC, object)) {}
     DcSelection(const DcSelection&) = delete;
     DcSelection& operator=(const DcSelection&) = delete;
     ~DcSelection() {

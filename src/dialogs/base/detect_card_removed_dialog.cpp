@@ -48,7 +48,8 @@ void VKDetectCardRemovedDlg::StopDetectingRemoveEvent() {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::StopDetectingRemoveEvent");
     if (m_pCardRemoved == nullptr)
         return;
-    vklogLog(g_szLogTag, kLogInfo, "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed");
+    vklogLog(g_szLogTag, kLogInfo,
+             "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed");
     delete m_pCardRemoved;
     m_pCardRemoved = nullptr;
 }

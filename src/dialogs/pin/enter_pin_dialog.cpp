@@ -44,8 +44,8 @@ CEnterPinDlg::CEnterPinDlg(CWnd* pParent, const char* pszReader, std::uint32_t d
       m_dwMinLength(dwMinLength),
       m_dwMaxLength(dwMaxLength) {
     const mvp::LogScope scope("CEnterPinDlg");
-    vklogLog(g_szLogTag, kLogInfo, "CEnterPinDlg: pParent = %x, Reader = %s",
-             mvp::LowBits(pParent), pszReader != nullptr ? pszReader : "");
+    vklogLog(g_szLogTag, kLogInfo, "CEnterPinDlg: pParent = %x, Reader = %s", mvp::LowBits(pParent),
+             pszReader != nullptr ? pszReader : "");
     m_bHighColor = IsHighColorSupported();
 }
 
@@ -130,8 +130,8 @@ void CEnterPinDlg::ShowBranding(const CString& strFile, int nDefaultPicture, CSt
     CWnd* pDefault = GetDlgItem(nDefaultPicture);
     if (strFile.IsEmpty() || pDefault == nullptr)
         return;
-    bitmap.reset(static_cast<HBITMAP>(
-        LoadImageA(nullptr, strFile, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE)));
+    bitmap.reset(
+        static_cast<HBITMAP>(LoadImageA(nullptr, strFile, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE)));
     if (!bitmap) {
         picture.ShowWindow(SW_HIDE);
         return;
@@ -140,8 +140,7 @@ void CEnterPinDlg::ShowBranding(const CString& strFile, int nDefaultPicture, CSt
     picture.SendMessage(STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(bitmap.get()));
     CRect client;
     pDefault->GetClientRect(&client);
-    picture.SetWindowPos(nullptr, 0, 0, client.Width(), client.Height(),
-                         SWP_NOMOVE | SWP_NOZORDER);
+    picture.SetWindowPos(nullptr, 0, 0, client.Width(), client.Height(), SWP_NOMOVE | SWP_NOZORDER);
     picture.ShowWindow(SW_SHOW);
 }
 
