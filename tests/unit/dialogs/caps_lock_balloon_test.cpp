@@ -31,7 +31,10 @@ TEST(CapsLockBalloon, StaysOnTheScreen) {
 }
 
 TEST(CapsLockBalloon, OnlyTypingHidesIt) {
-    constexpr unsigned kBackspace = 0x08, kTab = 0x09, kShift = 0x10, kCapsLock = 0x14;
+    constexpr unsigned kBackspace = 0x08;
+    constexpr unsigned kTab = 0x09;
+    constexpr unsigned kShift = 0x10;
+    constexpr unsigned kCapsLock = 0x14;
     EXPECT_EQ(BalloonActionForKey(kCapsLock), BalloonAction::Check);
     for (const unsigned key : {kBackspace, kTab, kShift})
         EXPECT_EQ(BalloonActionForKey(key), BalloonAction::Leave) << key;
