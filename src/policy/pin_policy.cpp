@@ -9,25 +9,6 @@ std::uint8_t StepTo(std::string_view pin, std::size_t i) noexcept {
     return static_cast<std::uint8_t>(pin[i] - pin[i - 1]);
 }
 
-// Asked only of rules in force.
-bool IsViolated(PinRule rule, const PinRules& rules, const PinTexts& texts) noexcept {
-    switch (rule) {
-        case PinRule::MinLength:
-            return texts.value.size() < rules.dwMinPINLen;
-        case PinRule::MaxLength:
-            return texts.value.size() > rules.dwMaxPINLen;
-        case PinRule::NotWeak:
-            return IsPinWeak(texts.value);
-        case PinRule::NotSame:
-            return texts.newValue == texts.oldValue;
-        case PinRule::DigitsOnly:
-            return IsAlphaPinWeak(texts.value);
-        case PinRule::Confirmation:
-            return texts.newValue != texts.confirmValue;
-    }
-    return true;
-}
-
 }  // namespace
 
 PinRules::PinRules(const PwdRuleArgs* pRules) noexcept {
@@ -64,11 +45,16 @@ bool PinCheck::Verdict() const noexcept {
 
 PinCheck CheckPin(const PinRules& rules, const PinTexts& texts) noexcept {
     PinCheck check;
-    for (const PinRule rule : kPinCheckingOrder) {
+    const auto judge = [&check, &rules](PinRule rule, bool violated) {
         if (rules.InForce(rule))
-            check.m_states[IndexOf(rule)] =
-                IsViolated(rule, rules, texts) ? RuleState::Violated : RuleState::Satisfied;
-    }
+            check.m_states[IndexOf(rule)] = violated ? RuleState::Violated : RuleState::Satisfied;
+    };
+    judge(PinRule::MinLength, texts.value.size() < rules.dwMinPINLen);
+    judge(PinRule::MaxLength, texts.value.size() > rules.dwMaxPINLen);
+    judge(PinRule::NotSame, texts.newValue == texts.oldValue);
+    judge(PinRule::NotWeak, IsPinWeak(texts.value));
+    judge(PinRule::DigitsOnly, IsAlphaPinWeak(texts.value));
+    judge(PinRule::Confirmation, texts.newValue != texts.confirmValue);
     return check;
 }
 
