@@ -7,8 +7,7 @@
 // control's number means something only together with its dialog. A control's name therefore
 // begins with its dialog's: IDC_POLICIES_ belongs to IDD_POLICIES. OK and Cancel are IDOK (1) and
 // IDCANCEL (2) everywhere; a static that no code asks for is IDC_STATIC (-1).
-#ifndef MVP_RESOURCES_RESOURCE_NUMBERS_H
-#define MVP_RESOURCES_RESOURCE_NUMBERS_H
+#pragma once
 
 #ifndef IDC_STATIC
 #define IDC_STATIC (-1)
@@ -113,5 +112,3 @@
 
 #define IDB_ENTER_PIN_BANNER 3201
 #define IDB_ENTER_PIN_PROGRESS 3202
-
-#endif
