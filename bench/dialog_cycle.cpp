@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include <dlgfw/dialog.h>
+#include <dlgfw/message_map.h>
 
 #include "bench.h"
 
@@ -83,7 +84,7 @@ protected:
 };
 
 BEGIN_MESSAGE_MAP(BenchDialog, CDialog)
-    ON_MESSAGE(WM_APP, OnEnd)
+    ON_MESSAGE(WM_APP, &BenchDialog::OnEnd)
 END_MESSAGE_MAP()
 
 }  // namespace

@@ -12,9 +12,8 @@ int main() {
     constexpr int kRepeats = 10'000'000;
     vklogSetOutput(nullptr, 0);
     int i = 0;
-    mvp::bench::Print(
-        "vklogLog, level off", "empty call",
-        mvp::bench::Compare(
-            kRepeats, [&] { vklogLog("MVPINGUI", 8, "line %d of %s", ++i, "bench"); },
-            [&] { BenchEmptyLog("MVPINGUI", 8, "line %d of %s", ++i, "bench"); }));
+    mvp::bench::Print("vklogLog, level off", "empty call",
+                      mvp::bench::Compare(
+                          kRepeats, [&] { vklogLog("MVPINGUI", 8, "line %d of %s", ++i, "bench"); },
+                          [&] { BenchEmptyLog("MVPINGUI", 8, "line %d of %s", ++i, "bench"); }));
 }

@@ -1,7 +1,5 @@
 #include "frame/module.h"
 
-#include <new>
-
 #include <dlgfw/module_state.h>
 
 #include "frame/log.h"
@@ -55,7 +53,7 @@ extern "C" void InitGUIDll(void) {
         0,
         [] {
             // Owned by the framework, which frees it when the library is detached.
-            new (std::nothrow) CDynLinkLibrary(g_extensionModule);
+            new CDynLinkLibrary(g_extensionModule);
             return 0;
         },
         [] { vklogLog(g_szLogTag, kLogError, "InitGUIDll failed"); });

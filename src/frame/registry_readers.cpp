@@ -93,7 +93,7 @@ int ReadString(const CString& strKeyPath, const CString& strValueName, CString* 
     // A text that fills the buffer has lost its terminator on the way into the registry.
     if (buffer.back() != '\0') {
         vklogLog(g_szLogTag, kLogError, "RegQueryValueEx (2) returns the error %d",
-                 ERROR_MORE_DATA);
+                 static_cast<int>(ERROR_MORE_DATA));
         return kFailure;
     }
     if (pstrValue != nullptr)

@@ -79,7 +79,7 @@ struct ModuleTraits {
     static Handle None() noexcept { return nullptr; }
     static void Close(Handle handle) noexcept { FreeLibrary(handle); }
 };
-using Module = UniqueHandle<ModuleTraits>;
+using ModuleHandle = UniqueHandle<ModuleTraits>;
 
 struct IconTraits {
     using Handle = HICON;

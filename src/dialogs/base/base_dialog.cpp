@@ -1,6 +1,7 @@
 #include "mvpingui/base_dialog.h"
 
 #include <dlgfw/dc.h>
+#include <dlgfw/message_map.h>
 #include <dlgfw/module_state.h>
 
 #include "frame/log.h"

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <dlgfw/message_map.h>
+
 #include "dialogs/base/caps_lock_balloon.h"
 #include "frame/module.h"
 #include "frame/resource_module.h"
@@ -147,7 +149,7 @@ void CCapsLockSensitiveEdit::CreateBalloon() {
     ::SetWindowPos(m_hBalloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     AddTool();
     Send(m_hBalloon, TTM_SETDELAYTIME, TTDT_INITIAL, nullptr);
-    SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, kLargestTipWidth);
+    ::SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, kLargestTipWidth);
     Send(m_hBalloon, TTM_SETTITLEA, kWarningIcon, m_szTitle.data());
 }
 

@@ -2,13 +2,15 @@
 
 #include <new>
 
+#include <dlgfw/message_map.h>
+
 #include "frame/log.h"
 #include "notify/card_removed_message.h"
 #include "notify/card_removed_subscriber.h"
 
 BEGIN_MESSAGE_MAP(VKDetectCardRemovedDlg, CBaseDialog)
     ON_WM_DESTROY()
-    ON_REGISTERED_MESSAGE(mvp::g_nCardRemovedMessage, OnCardEvent)
+    ON_REGISTERED_MESSAGE(mvp::g_nCardRemovedMessage, &VKDetectCardRemovedDlg::OnCardEvent)
 END_MESSAGE_MAP()
 
 VKDetectCardRemovedDlg::VKDetectCardRemovedDlg(UINT nTemplate, CWnd* pParent, const char* pszReader)

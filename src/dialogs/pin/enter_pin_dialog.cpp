@@ -3,6 +3,7 @@
 #include <array>
 
 #include <dlgfw/data_exchange.h>
+#include <dlgfw/message_map.h>
 
 #include "dialogs/pin/enter_pin_rules.h"
 #include "frame/help_topic.h"
@@ -12,7 +13,7 @@
 #include "resources/resource_numbers.h"
 
 BEGIN_MESSAGE_MAP(CEnterPinDlg, VKDetectCardRemovedDlg)
-    ON_EN_CHANGE(IDC_ENTER_PIN_EDIT, OnEnChangeEditPassword)
+    ON_EN_CHANGE(IDC_ENTER_PIN_EDIT, &CEnterPinDlg::OnEnChangeEditPassword)
     ON_WM_MOVE()
     ON_WM_HELPINFO()
 END_MESSAGE_MAP()
@@ -34,6 +35,11 @@ bool ReadPath(HKEY hKey, const char* pszValueName, CString& strPath) {
         return false;
     strPath = buffer.data();
     return true;
+}
+
+// For the log texts that print a pointer or handle whole.
+void* Pointer(void* p) {
+    return p;
 }
 
 }  // namespace
@@ -75,9 +81,35 @@ BOOL CEnterPinDlg::OnInitDialog() {
         SetDlgItemText(IDC_ENTER_PIN_PROMPT, mvp::Module().strPrompt);
     TryToInsertBitmap();
     SetForegroundWindow();
-    ::SetWindowPos(m_hWnd, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    SetWindowPos(&wndTopMost, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     OnEnChangeEditPassword();
     return TRUE;
+}
+
+BOOL CEnterPinDlg::CreateModalWindow(LPCDLGTEMPLATE pTemplate, ModalParent& parent,
+                                     HINSTANCE hInst) {
+    // These lines have always carried the help handler's name; log readers search for it.
+    vklogLog(g_szLogTag, kLogInfo,
+             "CEnterPinDlg::OnContextualHelp: this:%p,hWndParent:%p,m_hWnd:%p,hInst:%p",
+             Pointer(this), Pointer(parent.hWnd), Pointer(m_hWnd), Pointer(hInst));
+    vklogLog(g_szLogTag, kLogInfo,
+             "CEnterPinDlg::OnContextualHelp: CreateDlgIndirect with hWndParent");
+    BOOL created = VKDetectCardRemovedDlg::CreateModalWindow(pTemplate, parent, hInst);
+    // A dialog that was made and ended at once is no failure of its parent.
+    if (!created && (m_nFlags & WF_CONTINUEMODAL) != 0) {
+        vklogLog(g_szLogTag, kLogInfo,
+                 "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL");
+        // The disabled parent stays disabled: a window that cannot own a dialog is not in a state
+        // to be given back to the user.
+        parent = {nullptr, FALSE};
+        created = VKDetectCardRemovedDlg::CreateModalWindow(pTemplate, parent, hInst);
+    }
+    if (created)
+        vklogLog(
+            g_szLogTag, kLogInfo,
+            "CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success (Flags 0x%x, m_hWnd:%p)",
+            m_nFlags, Pointer(m_hWnd));
+    return created;
 }
 
 void CEnterPinDlg::OnEnChangeEditPassword() {
