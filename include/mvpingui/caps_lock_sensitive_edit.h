@@ -5,6 +5,8 @@
 // library's words. On the oldest system, whose edits have none, the control makes its own balloon
 // and shows and hides it by the focus and the keys.
 //
+// What was typed is overwritten inside the system's control before its window goes.
+//
 // Bind it to a dialog's edit by data exchange or SubclassDlgItem. A dialog that moves calls
 // ResetToolTip, so that no balloon stays behind.
 #pragma once
@@ -31,6 +33,9 @@ public:
     void CheckCapsLockMessage();
 
 protected:
+    void PreSubclassWindow() override;
+    BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+    afx_msg void OnDestroy();
     afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
     afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
@@ -62,6 +67,8 @@ private:
     Text m_szPinWarning;
     Text m_szPasswordWarning;
     bool m_bPinMode = true;
+    // The text changes for the edit's own sake: nobody is told.
+    bool m_bScrubbing = false;
     // What the system asks for in wide characters must outlive the answer.
     std::array<wchar_t, 260> m_szWideWarning{};
 };

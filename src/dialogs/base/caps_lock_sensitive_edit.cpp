@@ -8,12 +8,14 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/caps_lock_balloon.h"
+#include "dialogs/base/edit_scrubber.h"
 #include "frame/module.h"
 #include "frame/resource_module.h"
 #include "platform/barrier.h"
 #include "resources/resource_numbers.h"
 
 BEGIN_MESSAGE_MAP(CCapsLockSensitiveEdit, CEdit)
+    ON_WM_DESTROY()
     ON_WM_SETFOCUS()
     ON_WM_KILLFOCUS()
     ON_WM_KEYUP()
@@ -81,6 +83,27 @@ CCapsLockSensitiveEdit::CCapsLockSensitiveEdit() : m_bOldSystem(IsSystemWithoutW
 CCapsLockSensitiveEdit::~CCapsLockSensitiveEdit() {
     if (m_hBalloon != nullptr)
         ::DestroyWindow(m_hBalloon);
+}
+
+void CCapsLockSensitiveEdit::PreSubclassWindow() {
+    CEdit::PreSubclassWindow();
+    if (GetWindowTextLength() != 0)
+        return;
+    m_bScrubbing = true;
+    mvp::PrepareEditForSecret(m_hWnd);
+    m_bScrubbing = false;
+}
+
+void CCapsLockSensitiveEdit::OnDestroy() {
+    m_bScrubbing = true;
+    mvp::ScrubEdit(m_hWnd);
+    m_bScrubbing = false;
+    CEdit::OnDestroy();
+}
+
+BOOL CCapsLockSensitiveEdit::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam,
+                                           LRESULT* pResult) {
+    return m_bScrubbing || CEdit::OnChildNotify(message, wParam, lParam, pResult);
 }
 
 void CCapsLockSensitiveEdit::ResetToolTip() {
