@@ -134,7 +134,7 @@ public:
     DcSelection(const DcSelection&) = delete;
     DcSelection& operator=(const DcSelection&) = delete;
     ~DcSelection() {
-        if (m_old != nullptr && m_old != HGDI_ERROR)
+        if (m_old != nullptr)
             SelectObject(m_hDC, m_old);
     }
 
