@@ -21,6 +21,8 @@ if(WIN32)
   target_link_options(mvp_options INTERFACE
     -static -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
   mvp_compile(C,CXX -fstack-protector-strong)
+  # Its support library is linked only when the linker is told as well.
+  target_link_options(mvp_options INTERFACE -fstack-protector-strong)
   if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_compile_definitions(mvp_options INTERFACE _FORTIFY_SOURCE=2)
     target_link_options(mvp_options INTERFACE -s)

@@ -1,0 +1,60 @@
+// Where log lines go: the settings, the file and the levels that are on.
+//
+// The state sits behind one lock. The file is opened at the first line that is wanted and kept
+// open; every line is one append, under a named mutex that the processes sharing the file hold in
+// turn. On a local disk of Windows an append is one step anyway; elsewhere (Wine, a network share)
+// the mutex makes it one.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+
+#include "platform/critical_section.h"
+#include "platform/handle.h"
+#include "suite/vklog/log_line.h"
+
+namespace mvp {
+
+class CLogOutput {
+public:
+    CLogOutput() noexcept = default;
+    CLogOutput(const CLogOutput&) = delete;
+    CLogOutput& operator=(const CLogOutput&) = delete;
+    ~CLogOutput();
+
+    // One load and test. True for every level until the settings have been read.
+    bool MayWant(int nLevel) const noexcept {
+        return (m_nLevelMask.load(std::memory_order_relaxed) & LogLevelBits(nLevel)) != 0;
+    }
+
+    // Whether a line of this level would reach the file now. Reads the settings and opens the file
+    // when that is still to do.
+    bool Wants(int nLevel) noexcept;
+
+    void Write(const LogLine& line) noexcept;
+
+    // Takes the place of the registry's settings; see vklogSetOutput.
+    void Set(const char* pszFile, unsigned nLevelMask) noexcept;
+
+private:
+    static constexpr unsigned kUnreadMask = ~0U;
+    static constexpr ULONGLONG kRetryAfterMs = 5000;
+    // A process that hangs while it holds the mutex delays a line of another one by this much.
+    static constexpr DWORD kMutexWaitMs = 100;
+
+    void ReadSettings() noexcept;
+    void Apply(const char* pszFile, unsigned nLevelMask) noexcept;
+    bool OpenFile() noexcept;
+    void CloseFileForNow() noexcept;
+
+    CCriticalSection m_lock;
+    std::atomic<unsigned> m_nLevelMask{kUnreadMask};
+    bool m_bSettingsRead = false;
+    char m_szFile[MAX_PATH] = {};
+    FileHandle m_file;
+    KernelHandle m_mutex;
+    ULONGLONG m_nRetryAt = 0;  // by GetTickCount64
+};
+
+}  // namespace mvp

@@ -1,0 +1,79 @@
+#include "suite/vklog/log_line.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace mvp {
+namespace {
+
+std::string Compose(const char* pszTag, int nLevel, const std::string& text) {
+    LogLine line;
+    ComposeLogLine({{2024, 3, 9, 4, 5, 6, 7}, 4711, 12, pszTag, nLevel, text.c_str()}, line);
+    return {line.text, line.nLength};
+}
+
+TEST(LogLine, HoldsTimeIdentifiersTagLevelAndText) {
+    EXPECT_EQ(Compose("MVPINGUI", VKLOG_ENTRY, "GetPINFromUser"),
+              "2024-03-09 04:05:06.007 [4711:12] MVPINGUI entry: GetPINFromUser\r\n");
+}
+
+TEST(LogLine, NamesTheLevelsAndNumbersTheOthers) {
+    const std::pair<int, std::string> levels[] = {{VKLOG_DETAIL, " detail: "},
+                                                  {VKLOG_ERROR, " error: "},
+                                                  {VKLOG_INFORMATION, " information: "},
+                                                  {VKLOG_EXIT, " exit: "},
+                                                  {32, " 32: "},
+                                                  {-1, " -1: "}};
+    for (const auto& [nLevel, name] : levels)
+        EXPECT_NE(Compose("T", nLevel, "x").find("T" + name + "x\r\n"), std::string::npos)
+            << nLevel;
+}
+
+TEST(LogLine, EscapesWhatWouldLeaveTheLine) {
+    const std::pair<std::string, std::string> texts[] = {
+        {"a\r\nb", "a\\r\\nb"},
+        {"\tx\x01\x1b\x7f", "\\tx\\x01\\x1b\\x7f"},
+        {"C:\\new", "C:\\new"},
+        {"caf\xe9 \x80", "caf\xe9 \x80"},
+    };
+    for (const auto& [text, escaped] : texts) {
+        EXPECT_NE(Compose("T", 2, text).find(": " + escaped + "\r\n"), std::string::npos)
+            << escaped;
+        EXPECT_NE(Compose(text.c_str(), 2, "x").find(" " + escaped + " information: x\r\n"),
+                  std::string::npos);
+    }
+}
+
+TEST(LogLine, EveryLengthStaysOneBoundedLine) {
+    const std::string mark = VKLOG_CUT_MARK "\r\n";
+    for (const char filler : {'x', '\n', '\x01'}) {
+        bool bCutSeen = false;
+        for (std::size_t nLength = 900; nLength < VKLOG_LINE_MAX + 10; ++nLength) {
+            const std::string line = Compose("TAG", 2, std::string(nLength, filler));
+            ASSERT_LE(line.size(), std::size_t{VKLOG_LINE_MAX});
+            ASSERT_EQ(line.find_first_of("\r\n"), line.size() - 2) << nLength;
+            const bool bCut = line.ends_with(mark);
+            ASSERT_TRUE(bCut || !bCutSeen) << nLength;
+            // No escape is cut in the middle.
+            ASSERT_TRUE(!bCut || filler != '\x01' || line.ends_with("\\x01" + mark)) << nLength;
+            bCutSeen = bCut;
+        }
+        EXPECT_TRUE(bCutSeen);
+    }
+}
+
+TEST(LogLine, BoundsTheTag) {
+    const std::string line = Compose(std::string(5000, 't').c_str(), 2, "text");
+    EXPECT_LT(line.size(), 200U);
+    EXPECT_TRUE(line.ends_with("t information: text\r\n"));
+}
+
+TEST(LogLine, MaskOfEachLevel) {
+    EXPECT_EQ(LogLevelBits(VKLOG_DETAIL), 4U);
+    for (const int nLevel : {1, 2, 8, 16, 32})
+        EXPECT_EQ(LogLevelBits(nLevel), static_cast<unsigned>(nLevel));
+}
+
+}  // namespace
+}  // namespace mvp
