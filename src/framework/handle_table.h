@@ -7,7 +7,7 @@
 
 #include <unordered_map>
 
-#include "framework/lock.h"
+#include "platform/critical_section.h"
 
 namespace dlgfw {
 
@@ -16,12 +16,12 @@ class HandleTable {
 public:
     // A handle that the system uses again takes its place from the object it belonged to before.
     void Insert(const void* handle, Object* pObject) {
-        const ExclusiveLock lock(m_lock);
+        const mvp::CScopedLock lock(m_lock);
         m_entries[handle] = {pObject, GetCurrentThreadId()};
     }
 
     void Erase(const void* handle, const Object* pObject) noexcept {
-        const ExclusiveLock lock(m_lock);
+        const mvp::CScopedLock lock(m_lock);
         const auto it = m_entries.find(handle);
         if (it != m_entries.end() && it->second.pObject == pObject)
             m_entries.erase(it);
@@ -30,7 +30,7 @@ public:
     Object* Find(const void* handle) const noexcept {
         if (handle == nullptr)
             return nullptr;
-        const SharedLock lock(m_lock);
+        const mvp::CScopedLock lock(m_lock);
         const auto it = m_entries.find(handle);
         if (it == m_entries.end() || it->second.dwThreadId != GetCurrentThreadId())
             return nullptr;
@@ -43,7 +43,7 @@ private:
         DWORD dwThreadId = 0;
     };
 
-    mutable Lock m_lock;
+    mutable mvp::CCriticalSection m_lock;
     std::unordered_map<const void*, Entry> m_entries;
 };
 

@@ -6,12 +6,12 @@
 
 #include <dlgfw/module_state.h>
 
-#include "framework/lock.h"
+#include "platform/critical_section.h"
 
 namespace {
 
 // Guards the chain; never held while foreign code runs.
-dlgfw::Lock g_chainLock;
+mvp::CCriticalSection g_chainLock;
 CDynLinkLibrary* g_pFirstLink = nullptr;
 
 // Null stands for the host's module.
@@ -20,7 +20,7 @@ std::atomic<HINSTANCE> g_hResource = nullptr;
 // The modules to look in, in order.
 std::vector<HINSTANCE> ResourceModules() {
     std::vector<HINSTANCE> modules{AfxGetResourceHandle()};
-    const dlgfw::SharedLock lock(g_chainLock);
+    const mvp::CScopedLock lock(g_chainLock);
     for (const CDynLinkLibrary* pLink = g_pFirstLink; pLink != nullptr; pLink = pLink->m_pNextDLL) {
         if (pLink->m_hResource != nullptr)
             modules.push_back(pLink->m_hResource);
@@ -37,7 +37,7 @@ HINSTANCE FirstThat(Holds holds) {
 
 // A link of the module, or with null any link, taken out of the chain.
 CDynLinkLibrary* UnlinkOne(HMODULE hModule) {
-    const dlgfw::ExclusiveLock lock(g_chainLock);
+    const mvp::CScopedLock lock(g_chainLock);
     for (CDynLinkLibrary** pp = &g_pFirstLink; *pp != nullptr; pp = &(*pp)->m_pNextDLL) {
         if (hModule == nullptr || (*pp)->m_hModule == hModule) {
             CDynLinkLibrary* pLink = *pp;
@@ -68,12 +68,12 @@ void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll) {
 
 CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& state)
     : m_hModule(state.hModule), m_hResource(state.hResource) {
-    const dlgfw::ExclusiveLock lock(g_chainLock);
+    const mvp::CScopedLock lock(g_chainLock);
     m_pNextDLL = std::exchange(g_pFirstLink, this);
 }
 
 CDynLinkLibrary::~CDynLinkLibrary() {
-    const dlgfw::ExclusiveLock lock(g_chainLock);
+    const mvp::CScopedLock lock(g_chainLock);
     for (CDynLinkLibrary** pp = &g_pFirstLink; *pp != nullptr; pp = &(*pp)->m_pNextDLL) {
         if (*pp == this) {
             *pp = m_pNextDLL;

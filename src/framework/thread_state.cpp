@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "framework/lock.h"
+#include "platform/critical_section.h"
 
 namespace dlgfw {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 DWORD g_dwTlsIndex = TLS_OUT_OF_INDEXES;
 
 // All states there are, so that unloading the library frees those of the threads that live on.
-Lock g_statesLock;
+mvp::CCriticalSection g_statesLock;
 std::vector<std::unique_ptr<ThreadState>> g_states;
 
 }  // namespace
@@ -30,7 +30,7 @@ ThreadState& ThreadState::Get() {
     if (pState == nullptr) {
         auto pNew = std::make_unique<ThreadState>();
         pState = pNew.get();
-        const ExclusiveLock lock(g_statesLock);
+        const mvp::CScopedLock lock(g_statesLock);
         g_states.push_back(std::move(pNew));
         TlsSetValue(g_dwTlsIndex, pState);
     }
@@ -47,13 +47,13 @@ void DetachThread() noexcept {
     if (pState == nullptr)
         return;
     TlsSetValue(g_dwTlsIndex, nullptr);
-    const ExclusiveLock lock(g_statesLock);
+    const mvp::CScopedLock lock(g_statesLock);
     std::erase_if(g_states, [=](const auto& p) { return p.get() == pState; });
 }
 
 void DetachProcess() noexcept {
     {
-        const ExclusiveLock lock(g_statesLock);
+        const mvp::CScopedLock lock(g_statesLock);
         g_states.clear();
     }
     TlsFree(g_dwTlsIndex);
