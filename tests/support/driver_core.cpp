@@ -1,0 +1,106 @@
+#include "support/driver_core.h"
+
+#include <array>
+
+#include "support/waiting.h"
+
+namespace mvp::test {
+namespace {
+
+BOOL CALLBACK CollectVisible(HWND hWnd, LPARAM lParam) {
+    if (IsWindowVisible(hWnd))
+        reinterpret_cast<std::vector<HWND>*>(lParam)->push_back(hWnd);
+    return TRUE;
+}
+
+std::vector<HWND> VisibleWindows(DWORD dwThreadId) {
+    std::vector<HWND> windows;
+    EnumThreadWindows(dwThreadId, CollectVisible, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+bool Matches(HWND hWnd, const DialogMatch& match) {
+    return ClassOf(hWnd) == match.strClass &&
+           (match.strTitle.empty() || TitleOf(hWnd) == match.strTitle) &&
+           (!match.isWanted || match.isWanted(hWnd));
+}
+
+}  // namespace
+
+std::string ClassOf(HWND hWnd) {
+    std::array<char, 256> name = {};
+    GetClassNameA(hWnd, name.data(), static_cast<int>(name.size()));
+    return name.data();
+}
+
+// The caption as the system keeps it: asking the window itself could hang.
+std::string TitleOf(HWND hWnd) {
+    std::array<wchar_t, 512> wide = {};
+    std::array<char, 1024> title = {};
+    InternalGetWindowText(hWnd, wide.data(), static_cast<int>(wide.size()));
+    WideCharToMultiByte(CP_ACP, 0, wide.data(), -1, title.data(), static_cast<int>(title.size()),
+                        nullptr, nullptr);
+    return title.data();
+}
+
+LRESULT DriverCore::Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
+    DWORD_PTR dwResult = 0;
+    if (SendMessageTimeoutA(hWnd, nMessage, wParam, lParam, SMTO_ABORTIFHUNG,
+                            static_cast<UINT>(m_deadline.count()), &dwResult) == 0)
+        throw DriverFailure("no answer to message " + std::to_string(nMessage) + " within " +
+                            InMilliseconds(m_deadline));
+    return static_cast<LRESULT>(dwResult);
+}
+
+HWND DriverCore::FindDialog(const DialogMatch& match) const {
+    for (HWND hWnd : VisibleWindows(m_ui.Id()))
+        if (IsWindowEnabled(hWnd) && !m_inHand.contains(hWnd) && Matches(hWnd, match))
+            return hWnd;
+    return nullptr;
+}
+
+Dialog DriverCore::WaitForDialog(const DialogMatch& match) {
+    HWND hFound = nullptr;
+    const bool bFound = WaitFor(m_deadline, [&] {
+        hFound = FindDialog(match);
+        if (hFound == nullptr)
+            return false;
+        // Answered once the dialog's initialisation is over, which may have closed it again.
+        DWORD_PTR dwResult = 0;
+        return SendMessageTimeoutA(hFound, WM_NULL, 0, 0, SMTO_ABORTIFHUNG,
+                                   static_cast<UINT>(m_deadline.count()), &dwResult) != 0 &&
+               IsWindowVisible(hFound) && IsWindowEnabled(hFound);
+    });
+    if (!bFound)
+        throw DriverFailure("waited " + InMilliseconds(m_deadline) + " for " +
+                            match.strDescription + "; open are: " + DescribeWindows());
+    m_inHand.insert(hFound);
+    return Dialog(*this, hFound);
+}
+
+void DriverCore::WaitGone(HWND hWnd) {
+    if (!WaitFor(m_deadline, [&] { return !IsWindow(hWnd) || !IsWindowVisible(hWnd); }))
+        throw DriverFailure("the dialog \"" + TitleOf(hWnd) + "\" is still open after " +
+                            InMilliseconds(m_deadline));
+    m_inHand.erase(hWnd);
+}
+
+std::vector<HWND> DriverCore::OpenDialogs() const {
+    std::vector<HWND> dialogs;
+    for (HWND hWnd : VisibleWindows(m_ui.Id()))
+        if ((m_inHand.contains(hWnd) || ClassOf(hWnd) == "#32770") && !m_leftOpen.contains(hWnd))
+            dialogs.push_back(hWnd);
+    return dialogs;
+}
+
+std::string DriverCore::DescribeWindows() const {
+    std::string strText;
+    for (HWND hWnd : VisibleWindows(m_ui.Id())) {
+        strText += strText.empty() ? "" : ", ";
+        strText += ClassOf(hWnd) + " \"" + TitleOf(hWnd) + "\"";
+        strText += IsWindowEnabled(hWnd) ? "" : " (disabled)";
+    }
+    return strText.empty() ? "none" : strText;
+}
+
+}  // namespace mvp::test
