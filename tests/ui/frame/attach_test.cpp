@@ -83,6 +83,16 @@ TEST(Attach, FallsBackToTheInstallPath) {
     EXPECT_TRUE(log.Texts(1).empty() && log.Texts(2).empty()) << log.Dump();
 }
 
+TEST(Attach, WithoutAnInstallPathAsksTheLoaderItself) {
+    RegistryHive hive;
+    const EmptyDirectory directory;
+    LogRecorder log;
+    const Attached library;
+    // The loader finds the relative path beside the program.
+    EXPECT_NE(ResourceModule(), nullptr);
+    EXPECT_TRUE(log.Contains(2, "Warning : RegOpenKeyEx returns 2")) << log.Dump();
+}
+
 TEST(Attach, LivesWithoutTheModule) {
     struct Case {
         std::string strInstallPath;
@@ -92,15 +102,13 @@ TEST(Attach, LivesWithoutTheModule) {
     const std::string full(511, 'x');
     const std::string nearlyFull(500, 'y');
     const Case cases[] = {
-        {"", "Resources\\Localized\\mvpinguirc.dll"},
         {"C:\\nowhere\\", "C:\\nowhere\\Resources\\Localized\\mvpinguirc.dll"},
         {nearlyFull, nearlyFull + "Resources\\L"},
         {full, full},
     };
     for (const Case& c : cases) {
         RegistryHive hive;
-        if (!c.strInstallPath.empty())
-            hive.SetString(kInstallKey, "VeskaraInstallPath", c.strInstallPath);
+        hive.SetString(kInstallKey, "VeskaraInstallPath", c.strInstallPath);
         const EmptyDirectory directory;
         LogRecorder log;
         const Attached library;

@@ -2,9 +2,9 @@
 //
 //     notice_receiver CLASS MODE FILE
 //
-// makes a window of class CLASS. MODE "answer": writes the first notice to FILE and ends; "hang":
-// writes "ready" to FILE when its window stands, and takes no message until it is ended. FILE is
-// written whole under another name first.
+// makes a window of class CLASS and writes "ready" to FILE. MODE "answer": writes the first notice
+// to FILE and ends; "hang": takes no message until it is ended; "late": takes none until FILE.go
+// exists, then answers. FILE is written whole under another name first.
 #include <windows.h>
 
 #include <cstdio>
@@ -47,11 +47,13 @@ int main(int argc, char** argv) {
     RegisterClassA(&info);
     CreateWindowA(argv[1], "receiver", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
                   info.hInstance, nullptr);
-    if (std::strcmp(argv[2], "hang") == 0) {
-        WriteFileAtOnce("ready");
-        Sleep(INFINITE);
-    }
     WriteFileAtOnce("ready");
+    if (std::strcmp(argv[2], "hang") == 0)
+        Sleep(INFINITE);
+    const std::string go = std::string(g_pszFile) + ".go";
+    while (std::strcmp(argv[2], "late") == 0 &&
+           GetFileAttributesA(go.c_str()) == INVALID_FILE_ATTRIBUTES)
+        Sleep(5);
     MSG message;
     while (GetMessageA(&message, nullptr, 0, 0) > 0)
         DispatchMessageA(&message);

@@ -70,10 +70,16 @@ public:
     ~Receiver() {
         std::error_code ignored;
         std::filesystem::remove(m_strFile, ignored);
+        std::filesystem::remove(m_strFile + ".go", ignored);
     }
+    void Go() const { std::ofstream(m_strFile + ".go") << "go"; }
     std::string Notice() const {
-        EXPECT_TRUE(WaitFor(kDeadline, [this] { return Contents(m_strFile) != "ready"; }));
-        return Contents(m_strFile);
+        std::string text;
+        EXPECT_TRUE(WaitFor(kDeadline, [&] {
+            text = Contents(m_strFile);
+            return !text.empty() && text != "ready";
+        }));
+        return text;
     }
 
 private:
@@ -122,6 +128,14 @@ TEST(NotifyEventTest, SenderMayEndAtOnce) {
     const Program sender("notice_sender.exe");
     EXPECT_EQ(tray.Notice(), "78945 1234 9 Reader B");
     EXPECT_TRUE(sender.HasEnded(10'000));
+}
+
+TEST(NotifyEventTest, NoticeOutlivesItsSender) {
+    const Receiver tray(kTray, "late");
+    const Program sender("notice_sender.exe");
+    ASSERT_TRUE(sender.HasEnded(10'000));
+    tray.Go();
+    EXPECT_EQ(tray.Notice(), "78945 1234 9 Reader B");
 }
 
 TEST(NotifyEventTest, HangingReceiverDelaysNobody) {
