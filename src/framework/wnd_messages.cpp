@@ -51,30 +51,18 @@ private:
     size_t m_nTemporaries = m_state.temporaries.Count();
 };
 
-// What the system is told about a message whose handler threw.
-LRESULT AfterException(CWnd* pWnd, const CWndGuard& guard, HWND hWnd, UINT message) noexcept {
+// Reports the exception that a handler threw and sees that the window gets on without it.
+void AfterException(CWnd* pWnd, const CWndGuard& guard, HWND hWnd, UINT message) noexcept {
     dlgfw::ReportException(message);
-    switch (message) {
-        case WM_CREATE:
-            return -1;  // no window
-        case WM_PAINT:
-            ::ValidateRect(hWnd, nullptr);  // or it would come again at once
-            break;
-        case WM_INITDIALOG:
-            // CreateDlgIndirect sees the end of the modal state and gives the window up.
-            if (guard.IsAlive()) {
-                CWndAccess::SetModalResult(*pWnd, -1);
-                pWnd->m_nFlags &= ~WF_CONTINUEMODAL;
-            }
-            break;
-        case WM_NCDESTROY:
-            if (guard.IsAlive() && pWnd->m_hWnd == hWnd)
-                pWnd->Detach();
-            break;
-        default:
-            break;
+    if (message == WM_PAINT) {
+        ::ValidateRect(hWnd, nullptr);  // or it would come again at once
+    } else if (message == WM_INITDIALOG && guard.IsAlive()) {
+        // CreateDlgIndirect sees the end of the modal state and gives the window up.
+        CWndAccess::SetModalResult(*pWnd, -1);
+        pWnd->m_nFlags &= ~WF_CONTINUEMODAL;
+    } else if (message == WM_NCDESTROY && guard.IsAlive() && pWnd->m_hWnd == hWnd) {
+        pWnd->Detach();
     }
-    return 0;
 }
 
 // The messages that ask for a control's colours share one number in message maps.
@@ -110,8 +98,9 @@ LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lPara
     if (pWnd == nullptr)
         return ::DefWindowProcA(hWnd, message, wParam, lParam);
     const CWndGuard guard(pWnd);
+    const LRESULT lFailed = message == WM_CREATE ? -1 : 0;  // -1: no window
     return mvp::Guarded(
-        LRESULT{0},
+        lFailed,
         [&] {
             const DispatchScope scope(ThreadState::Get(),
                                       MSG{hWnd, message, wParam, lParam, 0, {0, 0}});
