@@ -11,7 +11,6 @@
 
 #include <dlgfw/controls.h>
 #include <dlgfw/string.h>
-
 #include <mvpingui/base_dialog.h>
 #include <mvpingui/caps_lock_sensitive_edit.h>
 #include <mvpingui/pwd_rule_args.h>

@@ -92,8 +92,8 @@ MVPINGUI_API void SetPinPromptString(const char* pszPrompt);
  *
  * The two buffers belong to the caller, who makes them large enough for the longest PIN and
  * overwrites them after use: the library knows no bound but the rules' own maximum. Returns
- * MVPINGUI_OK, or MVPINGUI_REFUSED with nothing written: the user cancelled, the card was removed, the
- * embedded panel's PINs break a rule, or the dialog could not be shown. */
+ * MVPINGUI_OK, or MVPINGUI_REFUSED with nothing written: the user cancelled, the card was removed,
+ * the embedded panel's PINs break a rule, or the dialog could not be shown. */
 MVPINGUI_API uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t bShowLastTry,
                                                char* pszNewPin, uint32_t* pcbNewPin,
                                                char* pszOldPin, uint32_t* pcbOldPin,

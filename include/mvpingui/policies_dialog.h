@@ -1,5 +1,5 @@
-// VKPoliciesDlg: checks a new PIN against the rules of its card, and shows one line for each rule in
-// force with an icon that tells whether it is met.
+// VKPoliciesDlg: checks a new PIN against the rules of its card, and shows one line for each rule
+// in force with an icon that tells whether it is met.
 //
 // The panel stands inside a host dialog. The host creates it with `new` and LocCreate, calls
 // VerifyAndUpdatePolicies whenever one of its edits changes, enables its OK button by the verdict,
@@ -11,14 +11,13 @@
 
 #include <dlgfw/controls.h>
 #include <dlgfw/string.h>
-
 #include <mvpingui/base_dialog.h>
 #include <mvpingui/pwd_rule_args.h>
 
 namespace mvp {
 struct PinRules;
 enum class PinRule : std::uint8_t;
-}
+}  // namespace mvp
 
 class MVPINGUI_API VKPoliciesDlg : public CBaseDialog {
 public:
@@ -35,8 +34,8 @@ public:
     int LocCreate(CWnd* pParent);
 
     // Checks every rule in force, brings the lines up to date and shows the panel. Length, weakness
-    // and digits are judged on `csValue`, sameness and confirmation on `csNewValue`. True when every
-    // rule in force is satisfied. The panel's copies of the texts are overwritten.
+    // and digits are judged on `csValue`, sameness and confirmation on `csNewValue`. True when
+    // every rule in force is satisfied. The panel's copies of the texts are overwritten.
     //
     // With detail logging on, the three values reach the log in clear.
     bool VerifyAndUpdatePolicies(CString csOldValue, CString csValue, CString csNewValue,

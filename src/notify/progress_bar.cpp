@@ -4,6 +4,7 @@
 #include <limits>
 #include <memory>
 
+#include "frame/log.h"
 #include "notify/progress_bar_geometry.h"
 #include "notify/progress_bar_paint.h"
 #include "platform/barrier.h"
@@ -160,7 +161,7 @@ LRESULT CALLBACK ProgressBarProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM
     const LRESULT failed = nMessage == WM_CREATE ? -1 : 0;
     return Guarded(
         failed, [=] { return Dispatch(hWnd, nMessage, wParam, lParam); },
-        [] { OutputDebugStringA("MVPINGUI: a message of VkProgressBar failed\n"); });
+        [] { vklogLog(g_szLogTag, kLogError, "VkProgressBar: exception"); });
 }
 
 }  // namespace

@@ -160,7 +160,9 @@ void VKPoliciesDlg::ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied) 
     }
 }
 
-bool VKPoliciesDlg::IsPinWeak(const CString& strPin) { return mvp::IsPinWeak(View(strPin)); }
+bool VKPoliciesDlg::IsPinWeak(const CString& strPin) {
+    return mvp::IsPinWeak(View(strPin));
+}
 
 bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
     return mvp::IsAlphaPinWeak(View(strPin));
@@ -249,8 +251,10 @@ void VKPoliciesDlg::PutPoliciesInBox() {
     constexpr UINT kMoveOnly = SWP_NOSIZE | SWP_NOZORDER;
     for (const mvp::PlacedPolicyLine& line : layout.Lines()) {
         const LineControls& controls = kLines.at(mvp::IndexOf(line.rule));
-        GetDlgItem(controls.nText)->SetWindowPos(nullptr, line.nTextX, line.nTextY, 0, 0, kMoveOnly);
-        GetDlgItem(controls.nIcon)->SetWindowPos(nullptr, line.nIconX, line.nIconY, 0, 0, kMoveOnly);
+        GetDlgItem(controls.nText)
+            ->SetWindowPos(nullptr, line.nTextX, line.nTextY, 0, 0, kMoveOnly);
+        GetDlgItem(controls.nIcon)
+            ->SetWindowPos(nullptr, line.nIconX, line.nIconY, 0, 0, kMoveOnly);
     }
     ResizeDlg(0, 0, layout.Spare());
     ResizeDlg(IDC_POLICIES_BOX, 0, layout.Spare());

@@ -190,9 +190,8 @@ bool CChangePINDialog::VerifyAndUpdateAllPolicies(CString value) {
     m_editConfirm.GetWindowText(confirmation);
     vklogLog(g_szLogTag, kLogDetail, "m_pPoliciesDlg: %d",
              static_cast<int>(mvp::LowBits(m_pPoliciesDlg)));
-    const bool verdict =
-        m_pPoliciesDlg == nullptr ||
-        m_pPoliciesDlg->VerifyAndUpdatePolicies(currentPin, value, newPin, confirmation);
+    const bool verdict = m_pPoliciesDlg == nullptr || m_pPoliciesDlg->VerifyAndUpdatePolicies(
+                                                          currentPin, value, newPin, confirmation);
     EnableOk(verdict && !(m_bAskCurrentPin && currentPin.IsEmpty()));
     for (CString* pText : {&currentPin, &newPin, &confirmation, &value})
         HidePinFromMemory(*pText);

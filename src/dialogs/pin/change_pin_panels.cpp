@@ -16,17 +16,21 @@ std::vector<CChangePINDialog*>& Panels() {
 
 namespace mvp {
 
-void AddChangePinPanel(CChangePINDialog* pPanel) { Panels().push_back(pPanel); }
+void AddChangePinPanel(CChangePINDialog* pPanel) {
+    Panels().push_back(pPanel);
+}
 
-void RemoveChangePinPanel(const CChangePINDialog* pPanel) noexcept { std::erase(Panels(), pPanel); }
+void RemoveChangePinPanel(const CChangePINDialog* pPanel) noexcept {
+    std::erase(Panels(), pPanel);
+}
 
 bool IsChangePinPanel(const CChangePINDialog* pPanel) noexcept {
     return std::ranges::find(Panels(), pPanel) != Panels().end();
 }
 
 CChangePINDialog* FindChangePinPanel(HWND hHost) noexcept {
-    const auto match = std::find_if(
-        Panels().rbegin(), Panels().rend(), [hHost](const CChangePINDialog* pPanel) {
+    const auto match =
+        std::find_if(Panels().rbegin(), Panels().rend(), [hHost](const CChangePINDialog* pPanel) {
             // A panel without a window is nobody's: a null handle would match it.
             return pPanel->m_hWnd != nullptr && ::GetParent(pPanel->m_hWnd) == hHost;
         });

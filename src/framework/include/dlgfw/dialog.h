@@ -5,9 +5,10 @@
 //         Use(dlg.m_strName);
 //
 // Modal: DoModal creates the window, runs messages until EndDialog, destroys the window and returns
-// the result. The parent is disabled meanwhile. Modeless: Create, and DestroyWindow (not EndDialog,
-// which only hides) in OnOK and OnCancel; an object made with `new` deletes itself in
-// PostNcDestroy.
+// the result. The parent is disabled meanwhile. The dialog stands in the middle of its owner, or of
+// the screen without one, unless the template or OnInitDialog gives it another place than (0, 0).
+// Modeless: Create, and DestroyWindow (not EndDialog, which only hides) in OnOK and OnCancel; an
+// object made with `new` deletes itself in PostNcDestroy.
 //
 // Child panels. A dialog whose template has WS_CHILD (DS_CONTROL or not) and that stands inside
 // another dialog takes part in that dialog's keyboard handling: Tab and the arrow keys walk through
@@ -98,6 +99,9 @@ protected:
 private:
     void SetTemplateName(LPCSTR lpszTemplateName);
     INT_PTR RunModal(LPCDLGTEMPLATE lpDialogTemplate, HINSTANCE hInst);
+    BOOL CreateFromTemplate(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst);
+    void CenterUnlessPlaced(const RECT& rectBefore);
 
     HWND m_hWndTop = nullptr;  // disabled by PreModal
+    bool m_bCenter = false;    // the template says nothing of a place
 };

@@ -200,15 +200,20 @@ public:
     }
 };
 
-// An identifier or a notification code, which some headers define as negative numbers.
-#define AFX_MAP_ID(id) static_cast<WORD>(id)
+// One line of a map. Identifiers and notification codes are 16 bits wide; some headers define them
+// as negative numbers.
+#define AFX_MAP_ENTRY(message, nCode, idFirst, idLast, pnRegistered, memberFxn, kind) \
+    {message,                                                                         \
+     static_cast<WORD>(nCode),                                                        \
+     static_cast<WORD>(idFirst),                                                      \
+     static_cast<WORD>(idLast),                                                       \
+     pnRegistered,                                                                    \
+     &AfxThunk<ThisClass, memberFxn>::kind},
 
-#define ON_CONTROL_RANGE(nCode, idFirst, idLast, memberFxn)      \
-    {WM_COMMAND,         AFX_MAP_ID(nCode), AFX_MAP_ID(idFirst), \
-     AFX_MAP_ID(idLast), nullptr,           &AfxThunk<ThisClass, memberFxn>::Range},
-#define ON_CONTROL(nCode, id, memberFxn)                \
-    {WM_COMMAND,     AFX_MAP_ID(nCode), AFX_MAP_ID(id), \
-     AFX_MAP_ID(id), nullptr,           &AfxThunk<ThisClass, memberFxn>::Plain},
+#define ON_CONTROL_RANGE(nCode, idFirst, idLast, memberFxn) \
+    AFX_MAP_ENTRY(WM_COMMAND, nCode, idFirst, idLast, nullptr, memberFxn, Range)
+#define ON_CONTROL(nCode, id, memberFxn) \
+    AFX_MAP_ENTRY(WM_COMMAND, nCode, id, id, nullptr, memberFxn, Plain)
 #define ON_COMMAND(id, memberFxn) ON_CONTROL(CN_COMMAND, id, memberFxn)
 #define ON_COMMAND_RANGE(idFirst, idLast, memberFxn) \
     ON_CONTROL_RANGE(CN_COMMAND, idFirst, idLast, memberFxn)
@@ -221,35 +226,22 @@ public:
 #define ON_STN_CLICKED(id, memberFxn) ON_CONTROL(STN_CLICKED, id, memberFxn)
 #define ON_STN_DBLCLK(id, memberFxn) ON_CONTROL(STN_DBLCLK, id, memberFxn)
 
-#define ON_NOTIFY(nCode, id, memberFxn)        \
-    {WM_NOTIFY,      static_cast<UINT>(nCode), \
-     AFX_MAP_ID(id), AFX_MAP_ID(id),           \
-     nullptr,        &AfxThunk<ThisClass, memberFxn>::Notify},
+#define ON_NOTIFY(nCode, id, memberFxn) \
+    AFX_MAP_ENTRY(WM_NOTIFY, nCode, id, id, nullptr, memberFxn, Notify)
 
-#define ON_MESSAGE(message, memberFxn) \
-    {message, 0, 0, 0, nullptr, &AfxThunk<ThisClass, memberFxn>::Raw},
+#define ON_MESSAGE(message, memberFxn) AFX_MAP_ENTRY(message, 0, 0, 0, nullptr, memberFxn, Raw)
 // nVariable holds what RegisterWindowMessage returned; it is read when a message arrives.
 #define ON_REGISTERED_MESSAGE(nVariable, memberFxn) \
-    {0xC000, 0, 0, 0, &nVariable, &AfxThunk<ThisClass, memberFxn>::Raw},
+    AFX_MAP_ENTRY(0xC000, 0, 0, 0, &nVariable, memberFxn, Raw)
 
 // In a control's own class, for what it would tell its parent.
-#define ON_CONTROL_REFLECT(nCode, memberFxn)                                  \
-    {WM_COMMAND + WM_REFLECT_BASE,          AFX_MAP_ID(nCode), 0, 0, nullptr, \
-     &AfxThunk<ThisClass, memberFxn>::Plain},
+#define ON_CONTROL_REFLECT(nCode, memberFxn) \
+    AFX_MAP_ENTRY(WM_REFLECT_BASE + WM_COMMAND, nCode, 0, 0, nullptr, memberFxn, Plain)
 #define ON_NOTIFY_REFLECT(nCode, memberFxn) \
-    {WM_NOTIFY + WM_REFLECT_BASE,           \
-     static_cast<UINT>(nCode),              \
-     0,                                     \
-     0,                                     \
-     nullptr,                               \
-     &AfxThunk<ThisClass, memberFxn>::Notify},
-#define ON_WM_CTLCOLOR_REFLECT()    \
-    {WM_CTLCOLOR + WM_REFLECT_BASE, \
-     0,                             \
-     0,                             \
-     0,                             \
-     nullptr,                       \
-     &AfxThunk<ThisClass, &ThisClass::CtlColor>::CtlColorReflect},
+    AFX_MAP_ENTRY(WM_REFLECT_BASE + WM_NOTIFY, nCode, 0, 0, nullptr, memberFxn, Notify)
+#define ON_WM_CTLCOLOR_REFLECT()                                                         \
+    AFX_MAP_ENTRY(WM_REFLECT_BASE + WM_CTLCOLOR, 0, 0, 0, nullptr, &ThisClass::CtlColor, \
+                  CtlColorReflect)
 
 // The message number that stands for the WM_CTLCOLORxxx messages in a map.
 #ifndef WM_CTLCOLOR
@@ -257,7 +249,7 @@ public:
 #endif
 
 #define AFX_ON_WM(message, kind, handler) \
-    {message, 0, 0, 0, nullptr, &AfxThunk<ThisClass, &ThisClass::handler>::kind},
+    AFX_MAP_ENTRY(message, 0, 0, 0, nullptr, &ThisClass::handler, kind)
 
 #define ON_WM_CREATE() AFX_ON_WM(WM_CREATE, Create, OnCreate)
 #define ON_WM_DESTROY() AFX_ON_WM(WM_DESTROY, Plain, OnDestroy)

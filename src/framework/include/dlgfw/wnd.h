@@ -309,8 +309,7 @@ DLGFW_API LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT message, WPARAM wParam, LP
 DLGFW_API LPCSTR AfxRegisterWndClass(UINT nClassStyle, HCURSOR hCursor = nullptr,
                                      HBRUSH hbrBackground = nullptr, HICON hIcon = nullptr);
 
-// One turn of a message loop: waits, translates, dispatches. FALSE at WM_QUIT, which is posted
-// again.
+// One turn of a message loop: waits, translates, dispatches. FALSE at WM_QUIT.
 DLGFW_API BOOL AfxPumpMessage();
 // TRUE when the objects over the message's window ate it.
 DLGFW_API BOOL AfxPreTranslateMessage(MSG* pMsg);
