@@ -14,6 +14,8 @@
 #include <windows.h>
 
 #include <mvpingui/export.h>
+#include <mvpingui/pwd_rule_args.h>
+#include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
 
@@ -72,6 +74,31 @@ MVPINGUI_API uint32_t DisplayLastPINTry(const char* pszReader);
  *
  * pszPrompt  the text, copied; null or empty restores the dialog's own text. */
 MVPINGUI_API void SetPinPromptString(const char* pszPrompt);
+
+/* Asks the user for a new PIN that the card's rules allow, and for the current one.
+ *
+ * When the window `hEmbeddingHost` embeds a CChangePINDialog (the one made last, if several), no
+ * dialog appears: its edits are checked and read. Otherwise the library shows a dialog of its own,
+ * which closes when the card is removed.
+ *
+ * pRules          the card's rules, copied; null: only the confirmation is checked
+ * bShowLastTry    nonzero: DisplayLastPINTry comes first; what it answers other than MVPINGUI_OK is
+ *                 this call's result
+ * pszNewPin, pcbNewPin  receive the new PIN, zero-terminated, and its length without the terminator
+ * pszOldPin, pcbOldPin  likewise the current PIN; an empty text when it was not asked for
+ * pszReader       the reader that holds the card; null or empty: a card in any reader
+ * hEmbeddingHost  see above; null: none
+ * bAskCurrentPin  false: the dialog asks for the new PIN only
+ *
+ * The two buffers belong to the caller, who makes them large enough for the longest PIN and
+ * overwrites them after use: the library knows no bound but the rules' own maximum. Returns
+ * MVPINGUI_OK, or MVPINGUI_REFUSED with nothing written: the user cancelled, the card was removed,
+ * the embedded panel's PINs break a rule, or the dialog could not be shown. */
+MVPINGUI_API uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t bShowLastTry,
+                                               char* pszNewPin, uint32_t* pcbNewPin,
+                                               char* pszOldPin, uint32_t* pcbOldPin,
+                                               const char* pszReader, HWND hEmbeddingHost,
+                                               bool bAskCurrentPin);
 
 /* Gives back what GetPINFromUser handed out: overwrites the PIN with zeros, frees the buffer, and
  * allows the next GetPINFromUser.

@@ -5,9 +5,10 @@
  * padding. A flag counts as set when it is not zero. That the confirmation matches the new PIN is
  * always demanded and has no field.
  */
-#pragma once
+#ifndef MVPINGUI_PWD_RULE_ARGS_H
+#define MVPINGUI_PWD_RULE_ARGS_H
 
-#include <stdint.h>
+#include <stdint.h> /* NOLINT(modernize-deprecated-headers): C reads this header too */
 
 /* In dwMinPINLen or dwMaxPINLen: no such rule. (0 is a real minimum, which every PIN meets, and a
  * real maximum, which only the empty PIN meets.) */
@@ -26,4 +27,6 @@ struct PwdRuleArgs {
 
 #ifndef __cplusplus
 typedef struct PwdRuleArgs PwdRuleArgs;
+#endif
+
 #endif

@@ -13,9 +13,11 @@ namespace {
 constexpr char kTrayAgentClass[] = "VkTrayHandlerClass";
 constexpr char kUserConsoleClass[] = "VKUserConsoleCL";
 
-// How long a notice waits for a receiver that is busy, and how long the caller waits with it: long
-// enough that a receiver in good health has the notice when the caller's process ends.
-constexpr UINT kDeliveryTimeoutMs = 10'000;
+// How long a notice waits for a receiver that is busy.
+constexpr UINT kDeliveryTimeoutMs = 5'000;
+// How long the caller waits for a delivery to begin, which depends on no receiver, and then for it
+// to end: long enough that the notice is with its receiver when the caller's process ends.
+constexpr DWORD kStartTimeoutMs = 5'000;
 constexpr DWORD kCallerTimeoutMs = 50;
 
 // One notice for one receiver. It belongs to the thread that delivers it.
@@ -47,9 +49,17 @@ HMODULE HoldOwnModule() {
     return module;
 }
 
+mvp::KernelHandle Duplicate(HANDLE handle) {
+    HANDLE copy = nullptr;
+    DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE,
+                    DUPLICATE_SAME_ACCESS);
+    return mvp::KernelHandle(copy);
+}
+
 struct Delivery {
     Notice notice;
     HMODULE hModule;
+    mvp::KernelHandle begins;  // signalled right before the notice is sent
 };
 
 DWORD WINAPI DeliveryThread(void* pArgument) {
@@ -57,17 +67,24 @@ DWORD WINAPI DeliveryThread(void* pArgument) {
     {
         const std::unique_ptr<Delivery> delivery(static_cast<Delivery*>(pArgument));
         module = delivery->hModule;
+        // The first call into the user interface connects the thread to it, which takes its time.
+        MSG ignored;
+        PeekMessageA(&ignored, nullptr, 0, 0, PM_NOREMOVE);
+        SetEvent(delivery->begins.get());
         Deliver(delivery->notice);
     }
     FreeLibraryAndExitThread(module, 0);
 }
 
-// Starts the delivery; the thread's handle is signalled when it is over.
+// Starts the delivery and returns when it has begun; the handle is signalled when it is over.
 mvp::KernelHandle StartDelivery(Notice notice) {
-    auto delivery = std::make_unique<Delivery>(Delivery{std::move(notice), HoldOwnModule()});
+    const mvp::KernelHandle begins(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+    auto delivery = std::make_unique<Delivery>(
+        Delivery{std::move(notice), HoldOwnModule(), Duplicate(begins.get())});
     mvp::KernelHandle thread(CreateThread(nullptr, 0, DeliveryThread, delivery.get(), 0, nullptr));
     if (thread) {
         delivery.release();
+        WaitForSingleObject(begins.get(), kStartTimeoutMs);
     } else {
         vklogLog(g_szLogTag, kLogError, "NotifyEvent: CreateThread failed with error code 0x%x",
                  static_cast<unsigned>(GetLastError()));

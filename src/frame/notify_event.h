@@ -15,6 +15,6 @@ constexpr std::uint32_t kEventCardUnlocked = 78946;
 //
 // The notice goes out on a thread of its own with its own copy of the name, so the caller may end
 // or close its window at once. The call itself returns when the receivers have taken the notice,
-// and after 50 ms at the latest: a receiver that hangs delays nobody, and gets the notice when it
-// comes back within ten seconds.
+// and 50 ms after it was sent at the latest: a receiver that hangs delays nobody, and gets the notice when it
+// comes back within five seconds.
 void NotifyEvent(std::uint32_t dwEventCode, const char* pszReader, HWND hSenderWnd);

@@ -8,9 +8,19 @@
 
 namespace {
 
-constexpr char kBesideHost[] = ".\\Resources\\Localized\\mvpinguirc.dll";
+constexpr char kBelowCurrentDirectory[] = ".\\Resources\\Localized\\mvpinguirc.dll";
 constexpr char kUnderInstallPath[] = "Resources\\Localized\\mvpinguirc.dll";
 constexpr DWORD kPathCapacity = 512;
+
+// The current directory's own module and no other: the loader would look for a relative path beside
+// the host's program first, and a host that chooses its language by where it stands would get
+// another one.
+HINSTANCE LoadFromCurrentDirectory() noexcept {
+    std::array<char, kPathCapacity> path{};
+    const DWORD length =
+        GetFullPathNameA(kBelowCurrentDirectory, kPathCapacity, path.data(), nullptr);
+    return length > 0 && length < kPathCapacity ? LoadLibraryA(path.data()) : nullptr;
+}
 
 // The handle belongs to the library's attach and detach, which the loader serialises.
 HINSTANCE g_hResourceModule = nullptr;
@@ -24,7 +34,7 @@ HINSTANCE ResourceModule() noexcept {
 }
 
 void LoadResourceModule() noexcept {
-    g_hResourceModule = LoadLibraryA(kBesideHost);
+    g_hResourceModule = LoadFromCurrentDirectory();
     if (g_hResourceModule != nullptr)
         return;
     std::array<char, kPathCapacity> path{};

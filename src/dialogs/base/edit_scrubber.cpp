@@ -32,8 +32,12 @@ void OverwriteBoth(HWND hEdit, int nLength) {
 
 }  // namespace
 
-void PrepareEditForSecret(HWND hEdit) { OverwriteBoth(hEdit, kRoom); }
+void PrepareEditForSecret(HWND hEdit) {
+    OverwriteBoth(hEdit, kRoom);
+}
 
-void ScrubEdit(HWND hEdit) { OverwriteBoth(hEdit, std::max(kRoom, GetWindowTextLengthA(hEdit))); }
+void ScrubEdit(HWND hEdit) {
+    OverwriteBoth(hEdit, std::max(kRoom, GetWindowTextLengthA(hEdit)));
+}
 
 }  // namespace mvp

@@ -21,7 +21,9 @@ BOOL CALLBACK CollectName(HMODULE, LPCSTR, LPSTR name, LONG_PTR context) {
 }  // namespace
 
 const std::vector<std::string>& Languages() {
-    static const std::vector<std::string> languages = {"en", "fr"};
+    static const std::vector<std::string> languages = {
+#include "languages.inc"
+    };
     return languages;
 }
 

@@ -45,5 +45,5 @@ private:
     std::set<int> ResourceNames(LPCSTR type) const;
 
     std::string m_strLanguage;
-    mvp::Module m_module;
+    mvp::ModuleHandle m_module;
 };

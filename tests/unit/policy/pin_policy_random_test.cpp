@@ -47,11 +47,11 @@ struct Sentence {
 
 const std::array<Sentence, kPinRuleCount> kSentences = {{
     {PinRule::Confirmation, [](const PwdRuleArgs&) { return true; },
-     [](const Attempt& a) { return a.newPin.compare(a.confirmation) != 0; }},
+     [](const Attempt& a) { return a.newPin != a.confirmation; }},
     {PinRule::DigitsOnly, [](const PwdRuleArgs& r) { return r.bPreventAlphaPIN != 0; },
      [](const Attempt& a) { return a.pin.find_first_not_of("0123456789") != std::string::npos; }},
     {PinRule::NotSame, [](const PwdRuleArgs& r) { return r.bPreventSamePIN != 0; },
-     [](const Attempt& a) { return a.oldPin.compare(a.newPin) == 0; }},
+     [](const Attempt& a) { return a.oldPin == a.newPin; }},
     {PinRule::NotWeak, [](const PwdRuleArgs& r) { return r.bPreventWeakPIN != 0; },
      [](const Attempt& a) { return SaysWeak(a.pin); }},
     {PinRule::MaxLength, [](const PwdRuleArgs& r) { return ~r.dwMaxPINLen != 0; },
@@ -129,6 +129,7 @@ public:
     }
 
 private:
+    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): every run asks the same
     std::mt19937_64 m_engine{20'240'611};
 };
 

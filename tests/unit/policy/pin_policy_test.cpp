@@ -8,7 +8,7 @@
 namespace mvp {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 // The state of every rule as one letter, in screen order: minimum, maximum, weak, same, digits,
 // confirmation. '-' not in force, 's' satisfied, 'V' violated.

@@ -1,0 +1,253 @@
+#include <functional>
+#include <iterator>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "suite/mvcext/mvcext.h"
+#include "suite/mvcext/pattern_compiler.h"
+
+namespace mvp {
+namespace {
+
+bool Matches(const std::string& pattern, const std::string& text, bool bIgnoreCase = false) {
+    const auto program = CompilePattern(pattern, bIgnoreCase);
+    EXPECT_TRUE(program) << pattern;
+    return program && program->Matches(text);
+}
+
+TEST(Pattern, MatchesTheWholeText) {
+    const struct {
+        const char* pszPattern;
+        std::vector<std::string> matching;
+        std::vector<std::string> others;
+    } cases[] = {
+        {"", {""}, {"a"}},
+        {"abc", {"abc"}, {"abcd", "xabc", "ab", "ABC"}},
+        {".*<.*href\\s*=.*>.*",
+         {"<a href=x>", "one\n<a\nhref \t\r\n = \"x\"\n>two\n", "<<href=>>", "<p href= <>"},
+         {"href=x", "<a href x>", "<a HREF=x>", ">href=<", "<a href=x", ""}},
+        {"a|bc|", {"a", "bc", ""}, {"ac", "abc", "b"}},
+        {"(ab)*c?", {"", "c", "ababc"}, {"aba", "cc"}},
+        {"(?:x|y)+z", {"xyxz"}, {"z"}},
+        {"a*?b+?c??", {"aabb", "bc"}, {"aac"}},
+        {"[a-cx-]+", {"abcx-"}, {"d", "y"}},
+        {"[^a-c\\]]+", {"xyz\n"}, {"xa", "x]"}},
+        {"[^\\s\\d]+", {"a_"}, {"a ", "1"}},
+        {"[\\x41\\t]+\\.\\\\\\x7a", {"A\t.\\z"}, {"AB.\\z", "A,\\z"}},
+        {"\\d\\D\\w\\W\\s\\S", {"1x_- x"}, {"1x_-xx"}},
+        {"^a$|b^c|d$e|^$", {"a", ""}, {"bc", "de"}},
+        {"\xe9.\xff", {"\xe9\x80\xff"}, {"\xe8\x80\xff"}},
+        {"]-&", {"]-&"}, {}},
+    };
+    for (const auto& each : cases) {
+        for (const std::string& text : each.matching)
+            EXPECT_TRUE(Matches(each.pszPattern, text)) << each.pszPattern << " / " << text;
+        for (const std::string& text : each.others)
+            EXPECT_FALSE(Matches(each.pszPattern, text)) << each.pszPattern << " / " << text;
+    }
+}
+
+TEST(Pattern, IgnoresTheCaseOfAsciiLetters) {
+    EXPECT_TRUE(Matches("hREf[a-c\\x58]+", "HrefBx", true));
+    EXPECT_FALSE(Matches("[^a]", "A", true));
+    EXPECT_FALSE(Matches("[@]", "`", true));
+    EXPECT_FALSE(Matches("\xe9", "\xc9", true));
+}
+
+TEST(Pattern, RefusesWhatIsMalformed) {
+    const std::string malformed[] = {"(",           ")",       "a)",
+                                     "(a",          "(?=a)",   "(?",
+                                     "*",           "a|*",     "(*a)",
+                                     "a**",         "a+*",     "^*",
+                                     "$?",          "[",       "[]",
+                                     "[^]",         "[a",      "[z-a]",
+                                     "[a-\\d]",     "[\\d-a]", "[a-",
+                                     "[[:alpha:]]", "[\\",     "\\",
+                                     "\\1",         "\\b",     "\\q",
+                                     "\\x",         "\\x4",    "\\xg0",
+                                     "a{2}",        "}",       std::string(kPatternMax + 1, 'a')};
+    for (const std::string& pattern : malformed)
+        EXPECT_FALSE(CompilePattern(pattern, false)) << pattern;
+}
+
+// An expression as a pattern, and as a function that gives every place where a match can end that
+// begins at a given place.
+using Places = std::set<std::size_t>;
+using Ends = std::function<Places(const std::string& text, std::size_t nFrom)>;
+struct Expression {
+    std::string strPattern;
+    Ends ends;
+};
+
+Places EndsFromAll(const Ends& ends, const std::string& text, const Places& from) {
+    Places all;
+    for (const std::size_t nFrom : from)
+        all.merge(ends(text, nFrom));
+    return all;
+}
+
+Expression Sequence(const Expression& first, const Expression& second) {
+    return {first.strPattern + second.strPattern, [=](const std::string& text, std::size_t nFrom) {
+                return EndsFromAll(second.ends, text, first.ends(text, nFrom));
+            }};
+}
+
+Expression Either(const Expression& first, const Expression& second) {
+    return {"(" + first.strPattern + "|" + second.strPattern + ")",
+            [=](const std::string& text, std::size_t nFrom) {
+                Places places = first.ends(text, nFrom);
+                places.merge(second.ends(text, nFrom));
+                return places;
+            }};
+}
+
+Expression Repeated(const Expression& body, const std::string& strQuantifier) {
+    const bool bMayBeNone = strQuantifier[0] != '+';
+    const bool bMayBeMany = strQuantifier[0] != '?';
+    return {"(" + body.strPattern + ")" + strQuantifier,
+            [=](const std::string& text, std::size_t nFrom) {
+                Places places = body.ends(text, nFrom);
+                for (std::size_t nBefore = 0; bMayBeMany && nBefore != places.size();) {
+                    nBefore = places.size();
+                    places.merge(EndsFromAll(body.ends, text, places));
+                }
+                if (bMayBeNone)
+                    places.insert(nFrom);
+                return places;
+            }};
+}
+
+Expression OneOf(const std::string& strPattern, const std::string& characters) {
+    return {strPattern, [=](const std::string& text, std::size_t nFrom) {
+                const bool bTaken =
+                    nFrom < text.size() && characters.find(text[nFrom]) != std::string::npos;
+                return bTaken ? Places{nFrom + 1} : Places{};
+            }};
+}
+
+constexpr char kCharacters[] = "abAB\n -";
+
+class CExpressionMaker {
+public:
+    explicit CExpressionMaker(unsigned nSeed) : m_random(nSeed) {}
+
+    Expression Make(int nDepth) {
+        switch (nDepth == 0 ? 0 : Pick(6)) {
+            case 1:
+            case 2:
+                return Sequence(Make(nDepth - 1), Make(nDepth - 1));
+            case 3:
+                return Either(Make(nDepth - 1), Make(nDepth - 1));
+            case 4:
+            case 5: {
+                static const char* const quantifiers[] = {"*", "+", "?", "*?", "+?", "??"};
+                return Repeated(Make(nDepth - 1), quantifiers[Pick(std::size(quantifiers))]);
+            }
+            default:
+                return Leaf();
+        }
+    }
+
+    std::string Text() {
+        std::string text(Pick(7), ' ');
+        for (char& sign : text)
+            sign = kCharacters[Pick(std::size(kCharacters) - 1)];
+        return text;
+    }
+
+private:
+    Expression Leaf() {
+        static const Expression leaves[] = {
+            OneOf("a", "a"),
+            OneOf("B", "B"),
+            OneOf("\n", "\n"),
+            OneOf("[ab]", "ab"),
+            OneOf("[^a]", "bAB\n -"),
+            OneOf("[A-B-]", "AB-"),
+            OneOf("\\s", "\n "),
+            OneOf("\\W", "\n -"),
+            OneOf("[^\\w-]", "\n "),
+            OneOf(".", kCharacters),
+            {"^", [](const std::string&,
+                     std::size_t nFrom) { return nFrom == 0 ? Places{nFrom} : Places{}; }},
+            {"$",
+             [](const std::string& text, std::size_t nFrom) {
+                 return nFrom == text.size() ? Places{nFrom} : Places{};
+             }},
+        };
+        return leaves[Pick(std::size(leaves))];
+    }
+
+    std::size_t Pick(std::size_t nCount) { return m_random() % nCount; }
+
+    std::mt19937 m_random;
+};
+
+TEST(Pattern, AgreesWithTheMeaningOfRandomExpressions) {
+    CExpressionMaker maker(20240309);
+    int nMatching = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const Expression expression = maker.Make(5);
+        const auto program = CompilePattern(expression.strPattern, false);
+        ASSERT_TRUE(program) << expression.strPattern;
+        for (int n = 0; n < 20; ++n) {
+            const std::string text = maker.Text();
+            const bool bMatches = expression.ends(text, 0).contains(text.size());
+            ASSERT_EQ(program->Matches(text), bMatches) << expression.strPattern << " / " << text;
+            nMatching += bMatches;
+        }
+    }
+    EXPECT_GT(nMatching, 4000) << "too few matches to tell anything";
+}
+
+TEST(Pattern, TheExportedClassTakesTextsOrNull) {
+    const CPattern pattern("a.*z");
+    EXPECT_TRUE(pattern.IsValid());
+    EXPECT_TRUE(pattern.IsMatched("a\nz"));
+    EXPECT_FALSE(pattern.IsMatched("A\nz"));
+    EXPECT_FALSE(pattern.IsMatched(nullptr));
+    EXPECT_TRUE(CPattern("a.*z", true).IsMatched("A\nz"));
+    for (const char* pszMalformed : {static_cast<const char*>(nullptr), "("}) {
+        const CPattern malformed(pszMalformed);
+        EXPECT_FALSE(malformed.IsValid());
+        EXPECT_FALSE(malformed.IsMatched("("));
+    }
+}
+
+TEST(Pattern, TakesStepsInProportionToTheText) {
+    std::string optional;
+    for (int i = 0; i < 40; ++i)
+        optional += "a?";
+    for (int i = 0; i < 40; ++i)
+        optional += "a";
+    for (const std::string& pattern : {std::string("(a*)*b"), std::string("((a|a)+)+b"),
+                                       std::string(".*.*.*.*=.*.*b"), optional}) {
+        const auto program = CompilePattern(pattern, false);
+        ASSERT_TRUE(program);
+        for (const std::size_t nLength : {40U, 1000U, 20000U}) {
+            std::size_t nSteps = 0;
+            program->Matches(std::string(nLength, 'a'), &nSteps);
+            EXPECT_GT(nSteps, std::size_t{0});
+            EXPECT_LE(nSteps, (nLength + 1) * program->StateCount()) << pattern;
+        }
+    }
+}
+
+TEST(Pattern, BearsTheLargest) {
+    const std::size_t nDepth = kPatternMax / 2;
+    std::string nested = std::string(nDepth - 2, '(') + "a*" + std::string(nDepth - 2, ')') + "*";
+    EXPECT_TRUE(Matches(nested, std::string(1000, 'a')));
+    EXPECT_FALSE(Matches(nested, "ab"));
+
+    std::string text(1 << 20, '\n');
+    EXPECT_FALSE(Matches(".*<.*href\\s*=.*>.*", text));
+    text.replace(text.size() / 2, 9, "<href\n=x>");
+    EXPECT_TRUE(Matches(".*<.*href\\s*=.*>.*", text));
+}
+
+}  // namespace
+}  // namespace mvp
