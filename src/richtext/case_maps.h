@@ -13,7 +13,7 @@ struct CaseMaps {
     std::array<char, 256> lower = {};
 };
 
-constexpr CaseMaps Windows1252CaseMaps() {
+constexpr CaseMaps MakeWindows1252CaseMaps() {
     CaseMaps maps;
     for (unsigned i = 0; i < 256; ++i) {
         maps.upper[i] = static_cast<char>(i);
@@ -37,5 +37,7 @@ constexpr CaseMaps Windows1252CaseMaps() {
     pair(0x9F, 0xFF);
     return maps;
 }
+
+inline constexpr CaseMaps kWindows1252CaseMaps = MakeWindows1252CaseMaps();
 
 }  // namespace mvp::richtext

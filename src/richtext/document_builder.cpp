@@ -41,8 +41,7 @@ CDocumentBuilder::CDocumentBuilder(std::string_view text, const CStyleSheet& she
       m_elementStyles(sheet, settings.system, document.styles) {
     m_aLast.fill(kNone);
     m_document.strText.reserve(text.size());
-    m_document.aItems.reserve(text.size() / 16 + 8);
-    m_document.aDecorations.emplace_back();
+    m_document.aItems.reserve(text.size() / 24 + 4);
     m_document.styles.Begin(*settings.pMeasurer, settings.font, settings.colour);
     m_aElements.reserve(32);
     m_aElements.emplace_back().bScope = true;
@@ -67,9 +66,9 @@ void CDocumentBuilder::Run() {
         CloseTable();
     }
     PopTo(1);
-    m_document.strText.shrink_to_fit();
-    m_document.strStrings.shrink_to_fit();
-    m_document.aItems.shrink_to_fit();
+    Shrink(m_document.strText);
+    Shrink(m_document.strStrings);
+    Shrink(m_document.aItems);
     m_document.styles.Seal();
 }
 
@@ -144,7 +143,7 @@ void CDocumentBuilder::AppendText(std::string_view text) {
 
 void CDocumentBuilder::Transform(std::size_t nFrom, TextTransform transform) {
     std::string& strText = m_document.strText;
-    const CaseMaps& maps = m_settings.caseMaps;
+    const CaseMaps& maps = *m_settings.pCaseMaps;
     for (std::size_t i = nFrom; i < strText.size(); ++i) {
         const unsigned char c = Byte(strText[i]);
         if (transform == TextTransform::Lowercase) {
@@ -201,7 +200,7 @@ void CDocumentBuilder::OpenTag(const MarkupEvent& event) {
         case TagKind::Bitmap:
         case TagKind::Icon:
         case TagKind::ImageList:
-            AddImage(kind);
+            AddImage(event.tag);
             break;
         case TagKind::String:
             AddString();

@@ -30,7 +30,7 @@ struct BuildSettings {
     FontDescription font{{}, 13, 400, false};
     Colour colour = 0;
     SystemColours system = DefaultSystemColours();
-    CaseMaps caseMaps = Windows1252CaseMaps();
+    const CaseMaps* pCaseMaps = &kWindows1252CaseMaps;  // outlives the call
 };
 
 // Spans are held to these; a table has at most so many columns as well, further cells go on in a

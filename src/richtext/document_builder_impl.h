@@ -33,6 +33,8 @@ private:
         std::size_t nOuterScope = 0;
         std::uint32_t nCell = kNone;  // the open one
         bool bInRow = false;
+        std::uint32_t nPlainCell = kNone;  // one without attributes
+        std::uint32_t nPlainOuter = 0;     // the style it was opened in
     };
 
     // Elements.
@@ -58,7 +60,7 @@ private:
     TextRef Store(std::string_view text);
 
     // Objects.
-    void AddImage(TagKind kind);
+    void AddImage(TagId tag);
     void AddRule();
     void AddString();
     std::int32_t LengthOf(const CAttributes& attributes, AttributeId attribute,
@@ -75,7 +77,7 @@ private:
     void CloseTable();
     void EnsureCell();
     void PushScope(const Element& scope);
-    std::uint32_t BlockStyle(const StyleDelta& delta);
+    std::uint32_t BlockStyle(const StyleDelta& delta, std::optional<TextAlign> align);
     TableSpec ReadTable(const CAttributes& attributes, const StyleDelta& delta);
     CellSpec ReadCell(const CAttributes& attributes, const StyleDelta& delta,
                       const TableSpec& table);

@@ -39,13 +39,13 @@ std::int32_t CDocumentBuilder::LengthOf(const CAttributes& attributes, Attribute
                     m_document.styles.ContextOf(Top().nStyle));
 }
 
-void CDocumentBuilder::AddImage(TagKind kind) {
+void CDocumentBuilder::AddImage(TagId tag) {
     if (BetweenCells()) {
         EnsureCell();
     }
     const CAttributes& attributes = m_reader.Attributes();
     ImageDescription description;
-    description.kind = kind;
+    description.kind = InfoOf(tag).kind;
     description.idres = attributes.Get(AttributeId::IdRes);
     description.module = attributes.Get(attributes.Has(AttributeId::IdDll) ? AttributeId::IdDll
                                                                            : AttributeId::SrcDll);
@@ -54,7 +54,7 @@ void CDocumentBuilder::AddImage(TagKind kind) {
     description.nIndex = LengthOf(attributes, AttributeId::Index, 0);
 
     ImageSpec spec;
-    spec.kind = kind;
+    spec.kind = description.kind;
     spec.idres = Store(description.idres);
     spec.module = Store(description.module);
     spec.handle = Store(description.handle);
@@ -76,8 +76,17 @@ void CDocumentBuilder::AddImage(TagKind kind) {
     spec.nHeight = HeldExtent(LengthOf(attributes, height, natural.nHeight));
     Complete(spec, ReadLength(attributes.Get(width)).has_value(),
              ReadLength(attributes.Get(height)).has_value(), natural);
-    m_document.aImages.push_back(spec);
+        m_document.aImages.push_back(spec);
+    // A class may align the image or frame it: it is an element for as long as its item.
+    Element element;
+    element.tag = tag;
+    element.change = m_elementStyles.ChangeOf(tag, attributes, false);
+    element.nLink = Top().nLink;
+    element.nStyle = m_elementStyles.StyleOf(Top().nStyle, element.change);
+    PushElement(element);
     AddItem(ItemKind::Image, static_cast<std::uint32_t>(m_document.aImages.size() - 1));
+    PopTo(m_aElements.size() - 1);
+
     m_bCollapse = false;
     m_bWordStart = true;
 }

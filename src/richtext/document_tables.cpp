@@ -54,22 +54,23 @@ void CDocumentBuilder::PushScope(const Element& scope) {
     PushElement(scope);
 }
 
-// The style of the text in a table or a cell; its box and background are the block's, not the
-// text's.
-std::uint32_t CDocumentBuilder::BlockStyle(const StyleDelta& delta) {
+// The style of the text in a table or a cell; its box, background and vertical alignment are the
+// block's, not the text's.
+std::uint32_t CDocumentBuilder::BlockStyle(const StyleDelta& delta,
+                                           std::optional<TextAlign> align) {
     CStyleTable& styles = m_document.styles;
-    StyleDelta inner = delta;
-    inner.background.reset();
-    inner.verticalAlign.reset();
-    inner.margin.reset();
-    inner.padding.reset();
-    inner.borderStyle.reset();
-    inner.borderWidth.reset();
-    inner.borderColour.reset();
+    const auto inner = [&](const ComputedStyle& outer) {
+        ComputedStyle style = styles.Derive(ResetForBlock(outer), delta);
+        style.background = kNoColour;
+        style.verticalAlign = VerticalAlign::Baseline;
+        style.nBox = 0;
+        style.align = delta.align.has_value() ? style.align : align.value_or(style.align);
+        return style;
+    };
     const ComputedStyle outer = styles[Top().nStyle];
-    ComputedStyle style = styles.Derive(ResetForBlock(outer), inner);
+    ComputedStyle style = inner(outer);
     if (outer.nHover != kNone) {
-        ComputedStyle hover = styles.Derive(ResetForBlock(styles[outer.nHover]), inner);
+        ComputedStyle hover = inner(ComputedStyle(styles[outer.nHover]));
         hover.nFont = style.nFont;
         style.nHover = styles.Intern(hover);
     }
@@ -85,7 +86,7 @@ void CDocumentBuilder::OpenTable() {
     scope.tag = TagId::Table;
     scope.bScope = true;
     scope.change = m_elementStyles.ChangeOf(TagId::Table, attributes, false);
-    const StyleDelta delta = m_elementStyles.DeltaOf(scope.change.nNormal);
+    const StyleDelta& delta = m_elementStyles.DeltaOf(scope.change.nNormal);
     const TableSpec table = ReadTable(attributes, delta);
     scope.nStyle = table.nStyle;
     scope.nLink = Top().nLink;
@@ -121,8 +122,18 @@ void CDocumentBuilder::OpenCell(const CAttributes& attributes) {
     scope.tag = TagId::Td;
     scope.bScope = true;
     scope.change = m_elementStyles.ChangeOf(TagId::Td, attributes, false);
-    const StyleDelta delta = m_elementStyles.DeltaOf(scope.change.nNormal);
-    const CellSpec cell = ReadCell(attributes, delta, m_document.aTables[state.nTable]);
+    const StyleDelta& delta = m_elementStyles.DeltaOf(scope.change.nNormal);
+    // Most cells of a table have nothing of their own.
+    CellSpec cell;
+    if (attributes.Empty() && state.nPlainCell != kNone && state.nPlainOuter == Top().nStyle) {
+        cell = m_document.aCells[state.nPlainCell];
+    } else {
+        cell = ReadCell(attributes, delta, m_document.aTables[state.nTable]);
+    }
+    if (attributes.Empty()) {
+        state.nPlainCell = static_cast<std::uint32_t>(m_document.aCells.size());
+        state.nPlainOuter = Top().nStyle;
+    }
     scope.nStyle = cell.nStyle;
     scope.nLink = Top().nLink;
     state.nCell = static_cast<std::uint32_t>(m_document.aCells.size());
@@ -211,7 +222,7 @@ Edges CDocumentBuilder::BorderOf(const CAttributes& attributes, const StyleDelta
 
 TableSpec CDocumentBuilder::ReadTable(const CAttributes& attributes, const StyleDelta& delta) {
     TableSpec table;
-    table.nStyle = BlockStyle(delta);
+    table.nStyle = BlockStyle(delta, std::nullopt);
     table.width = ReadWidth(attributes.Get(AttributeId::Width));
     const auto height = ReadLength(attributes.Get(AttributeId::Height));
     if (height.has_value() && height->unit != LengthUnit::Percent) {
@@ -242,11 +253,10 @@ TableSpec CDocumentBuilder::ReadTable(const CAttributes& attributes, const Style
 CellSpec CDocumentBuilder::ReadCell(const CAttributes& attributes, const StyleDelta& delta,
                                     const TableSpec& table) {
     CellSpec cell;
-    StyleDelta aligned = delta;
-    if (!aligned.align.has_value() && attributes.Has(AttributeId::Align)) {
-        aligned.align = ReadTextAlign(attributes.Get(AttributeId::Align));
-    }
-    cell.nStyle = BlockStyle(aligned);
+    cell.nStyle = BlockStyle(delta, attributes.Has(AttributeId::Align)
+                                        ? ReadTextAlign(attributes.Get(AttributeId::Align))
+                                        : std::nullopt);
+
     cell.nColSpan = ReadSpan(attributes.Get(AttributeId::ColSpan), kMaxColSpan);
     cell.nRowSpan = ReadSpan(attributes.Get(AttributeId::RowSpan), kMaxRowSpan);
     cell.width = ReadWidth(attributes.Get(AttributeId::Width));
@@ -325,7 +335,7 @@ std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
     decoration.borderDark =
         colour(AttributeId::BorderColorDark, system.aColour[kButtonShadowColour]);
     m_document.aDecorations.push_back(decoration);
-    return static_cast<std::uint32_t>(m_document.aDecorations.size() - 1);
+    return static_cast<std::uint32_t>(m_document.aDecorations.size());
 }
 
 }  // namespace mvp::richtext

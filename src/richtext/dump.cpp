@@ -115,10 +115,11 @@ std::string StyleText(const CStyleTable& styles, std::uint32_t nStyle) {
 }
 
 std::string DecorationText(const StyledDocument& document, std::uint32_t nDecoration) {
-    if (nDecoration == 0) {
+    const Decoration* const pDecoration = document.DecorationAt(nDecoration);
+    if (pDecoration == nullptr) {
         return "";
     }
-    const Decoration& decoration = document.aDecorations[nDecoration];
+    const Decoration& decoration = *pDecoration;
     std::string strText;
     if (decoration.effect != BackgroundEffect::Transparent) {
         strText += " effect " + Number(static_cast<int>(decoration.effect)) + " " +
@@ -261,8 +262,8 @@ std::string DumpMarkup(std::string_view text) {
         for (int i = 0; bOpen && i < kAttributeCount; ++i) {
             const auto attribute = static_cast<AttributeId>(i);
             if (reader.Attributes().Has(attribute)) {
-                strDump += " " + std::string(NameOf(attribute)) + "=" +
-                           Quoted(reader.Attributes().Get(attribute));
+                strDump.append(1, ' ').append(NameOf(attribute)).append(1, '=');
+                strDump += Quoted(reader.Attributes().Get(attribute));
             }
         }
         strDump += event.bCharacter ? " (character)\n" : "\n";

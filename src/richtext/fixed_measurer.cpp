@@ -27,7 +27,8 @@ ImageSize CFixedMeasurer::SizeOfImage(const ImageDescription& image) {
 
 bool CFixedMeasurer::StringResource(std::string_view idres, std::string_view /*module*/,
                                     std::string& strText) {
-    strText.assign("[").append(idres).append("]");
+    strText.clear();
+    strText.append(1, '[').append(idres).append(1, ']');
     return true;
 }
 

@@ -9,6 +9,15 @@
 
 namespace mvp::richtext {
 
+// Gives back storage that was taken in vain, where it is worth the copying.
+template <class Container>
+void Shrink(Container& container) {
+    constexpr std::size_t kWorthIt = 2048;
+    if ((container.capacity() - container.size()) * sizeof(container[0]) > kWorthIt) {
+        container.shrink_to_fit();
+    }
+}
+
 template <class T>
 class CInternTable {
     // Hashed and compared by its bytes.
@@ -34,7 +43,7 @@ public:
     // No more values will come.
     void Seal() {
         m_aSlots = {};
-        m_aValues.shrink_to_fit();
+        Shrink(m_aValues);
     }
 
 private:
@@ -62,6 +71,7 @@ private:
 
     void Grow() {
         m_aSlots.assign(m_aSlots.empty() ? 16 : m_aSlots.size() * 2, 0);
+        m_aValues.reserve(m_aSlots.size() / 2);
         for (std::uint32_t i = 0; i < m_aValues.size(); ++i) {
             SlotOf(m_aValues[i]) = i + 1;
         }

@@ -1,7 +1,6 @@
 #include "richtext/layout.h"
 
 #include <algorithm>
-#include <deque>
 
 #include "richtext/intrinsic_widths.h"
 #include "richtext/line_builder.h"
@@ -41,7 +40,7 @@ private:
     LayoutBoxes m_boxes;
     DocumentMeasures m_measures;
     CLineBuilder m_lines;
-    std::deque<Flow> m_aFlows;  // a deque, because the line builder points at the last one
+    std::vector<Flow> m_aFlows;  // the line builder points at the last one
     std::vector<OpenTable> m_aTables;
 };
 
@@ -53,6 +52,7 @@ CLayout::CLayout(const StyledDocument& document, CTextMeasurer& measurer, std::i
     m_boxes.aBlocks.reserve(document.aTables.size() + document.aCells.size());
     m_boxes.aFragments.reserve(document.aItems.size() + document.strText.size() / 64);
     m_boxes.aLines.reserve(document.strText.size() / 48 + 4);
+    m_aFlows.reserve(4);
     Flow& flow = m_aFlows.emplace_back();
     flow.nWidth = ToFixed(std::clamp(nWidth, 0, kMaxWidth));
     m_lines.SetFlow(flow);
@@ -65,8 +65,8 @@ LayoutBoxes CLayout::Run() {
     m_lines.EndParagraph();
     m_boxes.nHeight = HeldCoordinate(m_aFlows.front().nY);
     AddUpPositions();
-    m_boxes.aLines.shrink_to_fit();
-    m_boxes.aFragments.shrink_to_fit();
+    Shrink(m_boxes.aLines);
+    Shrink(m_boxes.aFragments);
     return std::move(m_boxes);
 }
 

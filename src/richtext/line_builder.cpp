@@ -113,6 +113,7 @@ void CLineBuilder::PlaceSpace() {
 void CLineBuilder::PlaceLongWord() {
     m_bSpace = false;
     m_aUnit.clear();
+    bool bAfterBreak = false;  // the last character of the word so far is a break character
     for (const Piece& piece : m_aWord) {
         if (piece.kind != PieceKind::Text) {
             m_aUnit.push_back(piece);
@@ -122,22 +123,25 @@ void CLineBuilder::PlaceLongWord() {
         const std::string_view text =
             std::string_view(m_document.strText).substr(piece.nOffset, piece.nLength);
         std::size_t nFrom = 0;
-        for (std::size_t i = 1; i <= text.size(); ++i) {
-            const bool bEnd = i == text.size();
-            if (!bEnd && (ClassOf(text[i - 1]) == BreakClass::Letter ||
-                          ClassOf(text[i]) != BreakClass::Letter)) {
-                continue;
-            }
+        const auto addUpTo = [&](std::size_t nEnd) {
             Piece part = piece;
             part.nOffset += static_cast<std::uint32_t>(nFrom);
-            part.nLength = static_cast<std::uint32_t>(i - nFrom);
-            part.nWidth = std::max(0, m_measurer.TextWidth(font, text.substr(nFrom, i - nFrom)));
+            part.nLength = static_cast<std::uint32_t>(nEnd - nFrom);
+            part.nWidth = std::max(0, m_measurer.TextWidth(font, text.substr(nFrom, nEnd - nFrom)));
             m_aUnit.push_back(part);
-            nFrom = i;
-            if (!bEnd) {
+            nFrom = nEnd;
+        };
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            const bool bLetter = ClassOf(text[i]) == BreakClass::Letter;
+            if (bLetter && bAfterBreak) {
+                if (i != 0) {
+                    addUpTo(i);
+                }
                 PlaceUnit(m_aUnit);
             }
+            bAfterBreak = !bLetter;
         }
+        addUpTo(text.size());
     }
     PlaceUnit(m_aUnit);
 }

@@ -26,7 +26,9 @@ struct Flow {
 class CLineBuilder {
 public:
     CLineBuilder(const StyledDocument& document, CTextMeasurer& measurer, LayoutBoxes& boxes)
-        : m_document(document), m_measurer(measurer), m_boxes(boxes) {}
+        : m_document(document), m_measurer(measurer), m_boxes(boxes) {
+        m_aWord.reserve(8);
+    }
 
     // The lines that follow go to this flow. The one before must be at the end of a paragraph.
     void SetFlow(Flow& flow);

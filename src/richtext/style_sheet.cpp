@@ -91,8 +91,11 @@ void CStyleSheet::Scan(std::string_view text) {
         AddSelectors(text.substr(0, nOpen), Trim(text.substr(nOpen + 1, nClose - nOpen - 1)));
         text.remove_prefix(nClose + 1);
     }
-    std::stable_sort(m_aRules.begin(), m_aRules.end(),
-                     [](const Rule& a, const Rule& b) { return a.selector < b.selector; });
+    // Blocks of one selector stay in the order of the text.
+    std::sort(m_aRules.begin(), m_aRules.end(), [](const Rule& a, const Rule& b) {
+        const int nOrder = a.selector.compare(b.selector);
+        return nOrder != 0 ? nOrder < 0 : a.selector.data() < b.selector.data();
+    });
 }
 
 void CStyleSheet::AddSelectors(std::string_view selectors, std::string_view block) {

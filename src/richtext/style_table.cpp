@@ -29,7 +29,7 @@ void Set(T& target, const std::optional<T>& value) {
 void CStyleTable::Begin(CTextMeasurer& measurer, const FontDescription& font, Colour colour) {
     m_pMeasurer = &measurer;
     m_nDpi = std::clamp(measurer.DotsPerInch(), 1, 10000);
-    m_boxes.Intern({});
+    m_aFonts.reserve(4);
     Font base;
     base.nFace = InternFace(font.face);
     base.nSize = std::clamp(font.nSize, 1, kMaxFontSize);
@@ -120,7 +120,7 @@ std::uint32_t CStyleTable::BoxFor(const StyleDelta& delta, const LengthContext& 
         box.padding = Resolved(*delta.padding, context);
     }
     Set(box.borderColour, delta.borderColour);
-    return m_boxes.Intern(box);
+    return m_boxes.Intern(box) + 1;
 }
 
 ComputedStyle CStyleTable::Derive(const ComputedStyle& parent, const StyleDelta& delta) {
@@ -151,7 +151,7 @@ ComputedStyle CStyleTable::Derive(const ComputedStyle& parent, const StyleDelta&
 void CStyleTable::Seal() {
     m_boxes.Seal();
     m_styles.Seal();
-    m_aFonts.shrink_to_fit();
+    Shrink(m_aFonts);
 }
 
 }  // namespace mvp::richtext

@@ -77,7 +77,11 @@ public:
     const ComputedStyle& operator[](std::uint32_t nStyle) const { return m_styles[nStyle]; }
     const Font& FontOf(std::uint32_t nStyle) const { return m_aFonts[m_styles[nStyle].nFont]; }
     const Font& FontAt(std::uint32_t nFont) const { return m_aFonts[nFont]; }
-    const BoxStyle& BoxOf(std::uint32_t nStyle) const { return m_boxes[m_styles[nStyle].nBox]; }
+    const BoxStyle& BoxOf(std::uint32_t nStyle) const {
+        static constexpr BoxStyle kNoBox;
+        const std::uint32_t nBox = m_styles[nStyle].nBox;
+        return nBox == 0 ? kNoBox : m_boxes[nBox - 1];
+    }
     std::string_view FaceOf(const Font& font) const { return m_aFaces[font.nFace]; }
     std::uint32_t Size() const { return m_styles.Size(); }
     std::uint32_t FontCount() const { return static_cast<std::uint32_t>(m_aFonts.size()); }

@@ -124,11 +124,15 @@ struct StyledDocument {
     std::vector<RuleSpec> aRules;
     std::vector<TableSpec> aTables;
     std::vector<CellSpec> aCells;
-    std::vector<Decoration> aDecorations;  // the first is empty
+    std::vector<Decoration> aDecorations;
     CStyleTable styles;
 
     std::string_view TextOf(const Item& item) const {
         return std::string_view(strText).substr(item.nOffset, item.nLength);
+    }
+    // By the number that specs and blocks carry; null for 0, a block without decoration.
+    const Decoration* DecorationAt(std::uint32_t nDecoration) const {
+        return nDecoration == 0 ? nullptr : &aDecorations[nDecoration - 1];
     }
     std::string_view StringOf(TextRef ref) const {
         return std::string_view(strStrings).substr(ref.nOffset, ref.nLength);

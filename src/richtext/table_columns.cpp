@@ -122,8 +122,11 @@ void SpreadWidths(const ColumnCell& cell, Fixed nSpacing, std::span<Column> colu
 }  // namespace
 
 void MeasureColumns(std::span<ColumnCell> cells, Fixed nSpacing, std::span<Column> columns) {
-    std::stable_sort(cells.begin(), cells.end(),
-                     [](const ColumnCell& a, const ColumnCell& b) { return a.nSpan < b.nSpan; });
+    const auto fewer = [](const ColumnCell& a, const ColumnCell& b) { return a.nSpan < b.nSpan; };
+    if (!std::is_sorted(cells.begin(), cells.end(), fewer)) {
+        std::stable_sort(cells.begin(), cells.end(), fewer);
+    }
+
     auto cell = cells.begin();
     for (; cell != cells.end() && cell->nSpan == 1; ++cell) {
         Encompass(*cell, columns[cell->nColumn]);

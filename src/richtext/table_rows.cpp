@@ -47,8 +47,11 @@ void Fill(std::span<Row> rows, std::int64_t nHeight) {
 
 void MeasureRows(std::span<RowCell> cells, std::int64_t nSpacing, std::int64_t nTableHeight,
                  std::span<Row> rows) {
-    std::stable_sort(cells.begin(), cells.end(),
-                     [](const RowCell& a, const RowCell& b) { return a.nSpan < b.nSpan; });
+    const auto fewer = [](const RowCell& a, const RowCell& b) { return a.nSpan < b.nSpan; };
+    if (!std::is_sorted(cells.begin(), cells.end(), fewer)) {
+        std::stable_sort(cells.begin(), cells.end(), fewer);
+    }
+
     for (const RowCell& cell : cells) {
         Row& row = rows[cell.nRow];
         if (cell.nBaseline >= 0) {

@@ -1,18 +1,18 @@
 // Line breaks and table rectangles against what an independent layout engine gave for the same
 // documents (layout_oracle.json): line texts are equal but for white space, and every edge of a
 // rectangle is within a pixel.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "richtext/dump.h"
 #include "richtext/fixed_measurer.h"
 #include "richtext/rich_text.h"
+#include <nlohmann/json.hpp>
 
 namespace mvp::richtext {
 namespace {
