@@ -65,7 +65,7 @@ void CPcscService::End() noexcept {
 bool CPcscService::Load() {
     if (m_module)
         return true;
-    Module module(LoadLibraryA((m_strModule.empty() ? SystemModule() : m_strModule).c_str()));
+    ModuleHandle module(LoadLibraryA((m_strModule.empty() ? SystemModule() : m_strModule).c_str()));
     if (!module || !Resolve(module.get(), "SCardEstablishContext", m_pEstablishContext) ||
         !Resolve(module.get(), "SCardReleaseContext", m_pReleaseContext) ||
         !Resolve(module.get(), "SCardListReadersA", m_pListReaders) ||
