@@ -46,5 +46,7 @@ function(mvp_ui_test name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
   add_dependencies(${name} test_modules)
   add_test(NAME ui.${name} COMMAND ${name} WORKING_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
-  set_tests_properties(ui.${name} PROPERTIES TIMEOUT 240 LABELS ui RUN_SERIAL ON)
+  # Padded heap blocks, so that the check after each test sees an overrun.
+  set_tests_properties(ui.${name} PROPERTIES TIMEOUT 240 LABELS ui RUN_SERIAL ON
+                       ENVIRONMENT WINEDEBUG=-all,warn+heap)
 endfunction()

@@ -8,9 +8,9 @@
 //     RegQueryValueExA(key.get(), ...);
 #pragma once
 
-#include <utility>
-
 #include <windows.h>
+
+#include <utility>
 
 namespace mvp {
 
@@ -79,7 +79,7 @@ struct ModuleTraits {
     static Handle None() noexcept { return nullptr; }
     static void Close(Handle handle) noexcept { FreeLibrary(handle); }
 };
-using Module = UniqueHandle<ModuleTraits>;
+using ModuleHandle = UniqueHandle<ModuleTraits>;
 
 struct IconTraits {
     using Handle = HICON;
@@ -129,8 +129,7 @@ private:
 // An object selected into a device context for as long as this lives.
 class DcSelection {
 public:
-    DcSelection(HDC hDC, HGDIOBJ object) noexcept
-        : m_hDC(hDC), m_old(SelectObject(hDC, object)) {}
+    DcSelection(HDC hDC, HGDIOBJ object) noexcept : m_hDC(hDC), m_old(SelectObject(hDC, object)) {}
     DcSelection(const DcSelection&) = delete;
     DcSelection& operator=(const DcSelection&) = delete;
     ~DcSelection() {

@@ -33,5 +33,5 @@ public:
     }
 
 private:
-    mvp::Module m_module;
+    mvp::ModuleHandle m_module;
 };

@@ -1,0 +1,74 @@
+// CCapsLockSensitiveEdit: the edit of every PIN. It warns in a balloon while Caps Lock is on, in
+// words about PINs or about passwords.
+//
+// The password edits of newer systems show a balloon of their own, which then only gets the
+// library's words. On the oldest system, whose edits have none, the control makes its own balloon
+// and shows and hides it by the focus and the keys.
+//
+// What was typed is overwritten inside the system's control before its window goes.
+//
+// Bind it to a dialog's edit by data exchange or SubclassDlgItem. A dialog that moves calls
+// ResetToolTip, so that no balloon stays behind.
+#pragma once
+
+#include <array>
+
+#include <dlgfw/controls.h>
+#include <mvpingui/export.h>
+
+class MVPINGUI_API CCapsLockSensitiveEdit : public CEdit {
+public:
+    CCapsLockSensitiveEdit();
+    // Destroys the control's own balloon.
+    ~CCapsLockSensitiveEdit() override;
+
+    // true (the default): the warning speaks of the PIN; false: of the password.
+    void SetMode(bool bPin) { m_bPinMode = bPin; }
+
+    // Takes the control's own balloon down until Caps Lock is noticed again.
+    void ResetToolTip();
+
+    // Shows the control's own balloon when the edit has the focus and Caps Lock is on, else takes
+    // it down.
+    void CheckCapsLockMessage();
+
+protected:
+    void PreSubclassWindow() override;
+    BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+    afx_msg void OnDestroy();
+    afx_msg void OnSetFocus(CWnd* pOldWnd);
+    afx_msg void OnKillFocus(CWnd* pNewWnd);
+    afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
+    BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+
+    DECLARE_MESSAGE_MAP()
+
+    // TRUE on the system whose edits show no Caps-Lock warning.
+    BOOL m_bOldSystem;
+
+private:
+    using Text = std::array<char, 260>;
+
+    void CreateBalloon();
+    void AddTool();
+    void PlaceOwnBalloon();
+    void AdoptSystemBalloon(const NMHDR& header);
+    void GiveText(NMHDR& header);
+    const Text& Warning() const { return m_bPinMode ? m_szPinWarning : m_szPasswordWarning; }
+    static LRESULT CALLBACK BalloonProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnBalloonMessage(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+
+    HWND m_hBalloon = nullptr;
+    BOOL m_bHasFocus = FALSE;
+    BOOL m_bSystemBalloonHooked = FALSE;
+    HWND m_hSystemBalloon = nullptr;
+    WNDPROC m_pOldBalloonProc = nullptr;
+    Text m_szTitle;
+    Text m_szPinWarning;
+    Text m_szPasswordWarning;
+    bool m_bPinMode = true;
+    // The text changes for the edit's own sake: nobody is told.
+    bool m_bScrubbing = false;
+    // What the system asks for in wide characters must outlive the answer.
+    std::array<wchar_t, 260> m_szWideWarning{};
+};

@@ -1,0 +1,96 @@
+// CChangePINDialog: the panel that asks for the current PIN, the new one and its confirmation, and
+// checks the new one against the card's rules while the user types.
+//
+// A window that embeds it creates it with `new` and LocCreate and hands it the OK button, which the
+// panel enables while every rule is met. GetChangePINInfoFromUser, called with the window's handle,
+// then reads the PINs out of the panel. Destroy the window and delete the object when the window
+// goes; the destructor overwrites the PINs. All calls are made on the window's thread.
+#pragma once
+
+#include <cstdint>
+
+#include <dlgfw/controls.h>
+#include <dlgfw/string.h>
+#include <mvpingui/base_dialog.h>
+#include <mvpingui/caps_lock_sensitive_edit.h>
+#include <mvpingui/pwd_rule_args.h>
+
+class VKPoliciesDlg;
+
+class MVPINGUI_API CChangePINDialog : public CBaseDialog {
+public:
+    // nIgnored          accepted and not used
+    // bUseWindowColor   nonzero: drawn on the system's window colour
+    // bAskCurrentPin    false: the current PIN is not asked for and its edit is hidden
+    // pPosition         its left and top place the panel in the parent's client area; may be null
+    // pRules            the card's rules, copied; null: only the confirmation is checked
+    // pOkButton         the host's OK button, not owned; may be null
+    // pParent           the host, not owned
+    // nTopMargin, nLeftIndent, nLineSpacing  layout of the rule lines, see VKPoliciesDlg
+    CChangePINDialog(int nIgnored, int bUseWindowColor, bool bAskCurrentPin, const RECT* pPosition,
+                     const PwdRuleArgs* pRules, CButton* pOkButton, CWnd* pParent, int nTopMargin,
+                     int nLeftIndent, int nLineSpacing);
+    ~CChangePINDialog() override;
+
+    // Creates the panel's window as a child of `pParent`. Nonzero on success.
+    int LocCreate(CWnd* pParent);
+
+    // Checks `value` and the present texts of the edits, brings the rule lines up to date and
+    // enables or disables the OK button. Returns whether every rule is met; OK may be disabled all
+    // the same, while the current PIN is asked for and empty.
+    bool VerifyAndUpdateAllPolicies(CString value);
+
+    // Overwrites the texts last read from the edits.
+    void EraseAllPinBuffers();
+
+    // Takes the Caps-Lock balloons of the three edits down. A host that moves calls it.
+    void ResetToolTip();
+
+    // What was read from the edits last. The caller overwrites its copies.
+    const CString& CurrentPin() const { return m_csPin; }
+    const CString& NewPin() const { return m_csNewPin; }
+
+    // The configuration's "EnableSmallPINEntryPrevention", read when the panel was made; for the
+    // module that embeds the panel.
+    std::uint32_t SmallPinEntryPrevention() const { return m_dwSmallPINEntryPrevention; }
+
+protected:
+    BOOL OnInitDialog() override;
+    void DoDataExchange(CDataExchange* pDX) override;
+    afx_msg void OnEnChangeEditPin();
+    afx_msg void OnEnChangeEditPinNew();
+    afx_msg void OnEnChangeEditPinConfirm();
+    afx_msg void OnEnSetfocusEditPin();
+    afx_msg void OnEnSetfocusEditPinNew();
+    afx_msg void OnEnSetfocusEditPinConfirm();
+    afx_msg void OnDestroy();
+    afx_msg void OnMove(int x, int y);
+
+    DECLARE_MESSAGE_MAP()
+
+private:
+    void SetTexts();
+    void CreatePoliciesPanel();
+    void EnableOk(bool bEnable);
+
+    CString m_csPin;
+    CString m_csNewPin;
+    CStatic m_labelPin;
+    CStatic m_labelNewPin;
+    CStatic m_labelConfirm;
+    CCapsLockSensitiveEdit m_editPin;
+    CCapsLockSensitiveEdit m_editNewPin;
+    CCapsLockSensitiveEdit m_editConfirm;
+    CString m_csConfirmPin;
+    // Without a record: no rule but the confirmation's.
+    PwdRuleArgs m_rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
+    int m_bUseWindowColor;
+    VKPoliciesDlg* m_pPoliciesDlg = nullptr;  // owned
+    CButton* m_pOkButton;
+    CStatic m_instruction;
+    std::uint32_t m_dwSmallPINEntryPrevention = 0;
+    int m_nTopMargin;
+    int m_nLeftIndent;
+    int m_nLineSpacing;
+    bool m_bAskCurrentPin;
+};

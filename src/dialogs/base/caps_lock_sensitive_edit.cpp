@@ -1,0 +1,300 @@
+#include "mvpingui/caps_lock_sensitive_edit.h"
+
+#include <commctrl.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include <dlgfw/message_map.h>
+
+#include "dialogs/base/caps_lock_balloon.h"
+#include "dialogs/base/edit_scrubber.h"
+#include "frame/module.h"
+#include "frame/resource_module.h"
+#include "platform/barrier.h"
+#include "resources/resource_numbers.h"
+
+BEGIN_MESSAGE_MAP(CCapsLockSensitiveEdit, CEdit)
+    ON_WM_DESTROY()
+    ON_WM_SETFOCUS()
+    ON_WM_KILLFOCUS()
+    ON_WM_KEYUP()
+END_MESSAGE_MAP()
+
+namespace {
+
+constexpr char kDefaultTitle[] = "Caps Lock is On";
+constexpr char kDefaultPinWarning[] =
+    "Having Caps Lock on may cause you to enter your PIN incorrectly.\r\n\r\n"
+    "You should press Caps Lock to turn it off before entering your PIN.";
+constexpr char kDefaultPasswordWarning[] =
+    "Having Caps Lock on may cause you to enter your password incorrectly.\r\n\r\n"
+    "You should press Caps Lock to turn it off before entering your password.";
+
+constexpr int kLargestTipWidth = 300;
+// A point of the edit that the balloon takes for the pointer's place.
+constexpr int kPointerOffset = 5;
+// The icon of the balloon's title.
+constexpr WPARAM kWarningIcon = 2;
+
+// Reserves room for the longest text a tool may have.
+constexpr std::size_t kToolTextCapacity = 1040;
+
+template <std::size_t Size>
+void LoadText(UINT nId, const char* pszDefault, std::array<char, Size>& text) {
+    const CString loaded = mvp::ResourceString(nId);
+    std::snprintf(text.data(), text.size(), "%s",
+                  loaded.IsEmpty() ? pszDefault : static_cast<LPCSTR>(loaded));
+}
+
+// The one system whose password edits do not warn of Caps Lock: platform NT, version 5.0.
+BOOL IsSystemWithoutWarning() {
+    OSVERSIONINFOA version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    if (!GetVersionExA(&version))
+        return FALSE;
+    return version.dwPlatformId == VER_PLATFORM_WIN32_NT && version.dwMajorVersion == 5 &&
+           version.dwMinorVersion == 0;
+}
+
+template <std::size_t Size>
+std::array<wchar_t, Size> Widen(const std::array<char, Size>& text) {
+    std::array<wchar_t, Size> wide{};
+    MultiByteToWideChar(CP_ACP, 0, text.data(), -1, wide.data(), static_cast<int>(Size));
+    wide.back() = L'\0';
+    return wide;
+}
+
+LRESULT Send(HWND hWnd, UINT message, WPARAM wParam, const void* pParameter) {
+    return SendMessageA(hWnd, message, wParam, reinterpret_cast<LPARAM>(pParameter));
+}
+
+TOOLINFOA ToolOf(HWND hEdit, UINT_PTR uId) {
+    TOOLINFOA tool{};
+    // The size of the record's first version, which every version of the control accepts.
+    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    tool.hwnd = hEdit;
+    tool.uId = uId;
+    return tool;
+}
+
+}  // namespace
+
+CCapsLockSensitiveEdit::CCapsLockSensitiveEdit() : m_bOldSystem(IsSystemWithoutWarning()) {
+    LoadText(IDS_CAPS_LOCK_TITLE, kDefaultTitle, m_szTitle);
+    LoadText(IDS_CAPS_LOCK_PIN, kDefaultPinWarning, m_szPinWarning);
+    LoadText(IDS_CAPS_LOCK_PASSWORD, kDefaultPasswordWarning, m_szPasswordWarning);
+    const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES};
+    InitCommonControlsEx(&classes);
+}
+
+CCapsLockSensitiveEdit::~CCapsLockSensitiveEdit() {
+    if (m_hBalloon != nullptr)
+        ::DestroyWindow(m_hBalloon);
+}
+
+void CCapsLockSensitiveEdit::PreSubclassWindow() {
+    CEdit::PreSubclassWindow();
+    if (GetWindowTextLength() != 0)
+        return;
+    m_bScrubbing = true;
+    mvp::PrepareEditForSecret(m_hWnd);
+    m_bScrubbing = false;
+}
+
+void CCapsLockSensitiveEdit::OnDestroy() {
+    m_bScrubbing = true;
+    mvp::ScrubEdit(m_hWnd);
+    m_bScrubbing = false;
+    CEdit::OnDestroy();
+}
+
+BOOL CCapsLockSensitiveEdit::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam,
+                                           LRESULT* pResult) {
+    return m_bScrubbing || CEdit::OnChildNotify(message, wParam, lParam, pResult);
+}
+
+void CCapsLockSensitiveEdit::ResetToolTip() {
+    if (m_hBalloon != nullptr)
+        Send(m_hBalloon, TTM_ACTIVATE, FALSE, nullptr);
+}
+
+void CCapsLockSensitiveEdit::CheckCapsLockMessage() {
+    // Positive: toggled on, and the key is not held down.
+    if (!m_bHasFocus || GetKeyState(VK_CAPITAL) <= 0) {
+        ResetToolTip();
+        return;
+    }
+    if (m_hBalloon == nullptr)
+        CreateBalloon();
+    Send(m_hBalloon, TTM_ACTIVATE, TRUE, nullptr);
+    MSG move{};
+    move.hwnd = m_hWnd;
+    move.message = WM_MOUSEMOVE;
+    move.lParam = MAKELPARAM(kPointerOffset, kPointerOffset);
+    Send(m_hBalloon, TTM_RELAYEVENT, 0, &move);
+}
+
+void CCapsLockSensitiveEdit::OnSetFocus(CWnd* pOldWnd) {
+    CEdit::OnSetFocus(pOldWnd);
+    m_bHasFocus = TRUE;
+    if (m_bOldSystem)
+        CheckCapsLockMessage();
+}
+
+void CCapsLockSensitiveEdit::OnKillFocus(CWnd* pNewWnd) {
+    CEdit::OnKillFocus(pNewWnd);
+    m_bHasFocus = FALSE;
+    if (m_bOldSystem)
+        CheckCapsLockMessage();
+}
+
+void CCapsLockSensitiveEdit::OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags) {
+    if (m_bOldSystem) {
+        switch (mvp::BalloonActionForKey(nChar)) {
+            case mvp::BalloonAction::Check:
+                CheckCapsLockMessage();
+                break;
+            case mvp::BalloonAction::Hide:
+                ResetToolTip();
+                break;
+            case mvp::BalloonAction::Leave:
+                break;
+        }
+    }
+    CEdit::OnKeyUp(nChar, nRepCnt, nFlags);
+}
+
+void CCapsLockSensitiveEdit::CreateBalloon() {
+    const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&classes);
+    m_hBalloon = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                                 WS_POPUP | TTS_NOPREFIX | TTS_BALLOON, CW_USEDEFAULT,
+                                 CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, m_hWnd, nullptr,
+                                 mvp::ModuleInstance(), nullptr);
+    if (m_hBalloon == nullptr)
+        return;
+    SetWindowLongPtrA(m_hBalloon, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_pOldBalloonProc = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrA(m_hBalloon, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&BalloonProc)));
+    ::SetWindowPos(m_hBalloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    AddTool();
+    // The system's own delay for tool-tips.
+    ::SendMessageA(m_hBalloon, TTM_SETDELAYTIME, TTDT_INITIAL,
+                   static_cast<LPARAM>(GetDoubleClickTime()));
+    ::SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, kLargestTipWidth);
+    // In wide characters: not every system takes the 8-bit form for what it is.
+    Send(m_hBalloon, TTM_SETTITLEW, kWarningIcon, Widen(m_szTitle).data());
+}
+
+void CCapsLockSensitiveEdit::AddTool() {
+    TOOLINFOA tool = ToolOf(m_hWnd, 0);
+    ::GetClientRect(m_hWnd, &tool.rect);
+    tool.lpszText = LPSTR_TEXTCALLBACKA;
+    Send(m_hBalloon, TTM_ADDTOOLA, 0, &tool);
+}
+
+LRESULT CALLBACK CCapsLockSensitiveEdit::BalloonProc(HWND hWnd, UINT message, WPARAM wParam,
+                                                     LPARAM lParam) {
+    auto* pEdit = reinterpret_cast<CCapsLockSensitiveEdit*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
+    if (pEdit == nullptr)
+        return ::DefWindowProcA(hWnd, message, wParam, lParam);
+    return mvp::Guarded(
+        LRESULT{0}, [=] { return pEdit->OnBalloonMessage(hWnd, message, wParam, lParam); }, [] {});
+}
+
+LRESULT CCapsLockSensitiveEdit::OnBalloonMessage(HWND hWnd, UINT message, WPARAM wParam,
+                                                 LPARAM lParam) {
+    switch (message) {
+        case WM_MOUSEMOVE:
+            // A pointer that passes does not dismiss the warning.
+            return 0;
+        case TTM_WINDOWFROMPOINT: {
+            // To the balloon the pointer always rests on the edit.
+            CRect rect;
+            GetWindowRect(&rect);
+            POINT* pPoint = reinterpret_cast<POINT*>(lParam);
+            *pPoint = {rect.left + kPointerOffset, rect.top + kPointerOffset};
+            break;
+        }
+        case WM_NCDESTROY:
+            // The system may take the balloon down with its owner, before this object goes.
+            m_hBalloon = nullptr;
+            break;
+        default:
+            break;
+    }
+    return CallWindowProcA(m_pOldBalloonProc, hWnd, message, wParam, lParam);
+}
+
+void CCapsLockSensitiveEdit::PlaceOwnBalloon() {
+    CRect edit;
+    GetWindowRect(&edit);
+    CRect balloon;
+    ::GetWindowRect(m_hBalloon, &balloon);
+    const mvp::BalloonPlace place =
+        mvp::PlaceBalloon({edit.left, edit.top, edit.bottom}, {balloon.Width(), balloon.Height()},
+                          GetSystemMetrics(SM_CXSCREEN));
+    ::SetWindowPos(m_hBalloon, nullptr, place.nLeft, place.nTop, 0, 0,
+                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void CCapsLockSensitiveEdit::AdoptSystemBalloon(const NMHDR& header) {
+    if (m_bSystemBalloonHooked && m_hSystemBalloon == header.hwndFrom)
+        return;
+    m_bSystemBalloonHooked = TRUE;
+    m_hSystemBalloon = header.hwndFrom;
+    std::array<char, kToolTextCapacity> text{};
+    TOOLINFOA tool = ToolOf(m_hWnd, header.idFrom);
+    tool.lpszText = text.data();
+    Send(m_hSystemBalloon, TTM_GETTEXTA, text.size(), &tool);
+    text.back() = '\0';
+    const CString systemWording = mvp::ResourceString(IDS_CAPS_LOCK_SYSTEM_BEGIN);
+    if (systemWording.IsEmpty() ||
+        std::strncmp(text.data(), systemWording,
+                     static_cast<std::size_t>(systemWording.GetLength())) != 0)
+        return;
+    tool.lpszText = LPSTR_TEXTCALLBACKA;
+    Send(m_hSystemBalloon, TTM_UPDATETIPTEXTA, 0, &tool);
+}
+
+void CCapsLockSensitiveEdit::GiveText(NMHDR& header) {
+    if (header.code == TTN_GETDISPINFOA) {
+        auto& info = reinterpret_cast<NMTTDISPINFOA&>(header);
+        info.lpszText = const_cast<char*>(Warning().data());
+        info.hinst = nullptr;
+        info.uFlags |= TTF_DI_SETITEM;
+        info.lParam = 0;
+    } else {
+        m_szWideWarning = Widen(Warning());
+        auto& info = reinterpret_cast<NMTTDISPINFOW&>(header);
+        info.lpszText = m_szWideWarning.data();
+        info.hinst = nullptr;
+        info.uFlags |= TTF_DI_SETITEM;
+        info.lParam = 0;
+    }
+    if (m_hSystemBalloon != nullptr)
+        ::RedrawWindow(m_hSystemBalloon, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+}
+
+BOOL CCapsLockSensitiveEdit::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
+    NMHDR& header = *reinterpret_cast<NMHDR*>(lParam);
+    switch (header.code) {
+        case TTN_SHOW:
+            if (m_bOldSystem && m_hBalloon != nullptr) {
+                PlaceOwnBalloon();
+                *pResult = 1;
+                return TRUE;
+            }
+            if (!m_bOldSystem)
+                AdoptSystemBalloon(header);
+            break;
+        case TTN_GETDISPINFOA:
+        case TTN_GETDISPINFOW:
+            GiveText(header);
+            break;
+        default:
+            break;
+    }
+    return CEdit::OnNotify(wParam, lParam, pResult);
+}

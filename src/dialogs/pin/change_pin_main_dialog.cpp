@@ -1,0 +1,161 @@
+#include "dialogs/pin/change_pin_main_dialog.h"
+
+#include <new>
+
+#include <dlgfw/data_exchange.h>
+#include <dlgfw/geometry.h>
+#include <dlgfw/message_map.h>
+
+#include "frame/log.h"
+#include "frame/resource_module.h"
+#include "mvpingui/change_pin_dialog.h"
+#include "notify/card_removed_message.h"
+#include "notify/card_removed_subscriber.h"
+#include "resources/resource_numbers.h"
+
+BEGIN_MESSAGE_MAP(CChangePINDialogMain, CDialog)
+    ON_WM_DESTROY()
+    ON_WM_MOVE()
+    ON_REGISTERED_MESSAGE(mvp::g_nCardRemovedMessage, &CChangePINDialogMain::OnCardEvent)
+END_MESSAGE_MAP()
+
+namespace {
+
+constexpr int kSmallIconSize = 16;
+
+}  // namespace
+
+CChangePINDialogMain::CChangePINDialogMain(const PwdRuleArgs* pRules, int bUseWindowColor,
+                                           bool bAskCurrentPin, CWnd* pParent, int nTopMargin,
+                                           int nLeftIndent, int nLineSpacing, const char* pszReader)
+    : CDialog(IDD_CHANGE_PIN_MAIN, pParent),
+      m_nTopMargin(nTopMargin),
+      m_nLeftIndent(nLeftIndent),
+      m_nLineSpacing(nLineSpacing),
+      m_bUseWindowColor(bUseWindowColor),
+      m_bAskCurrentPin(bAskCurrentPin),
+      m_strReader(pszReader) {
+    const mvp::LogScope scope("CChangePINDialogMain::CChangePINDialogMain");
+    if (pRules != nullptr) {
+        m_rules = *pRules;
+        m_rules.dwUnused = 0;
+    }
+}
+
+CChangePINDialogMain::~CChangePINDialogMain() {
+    const mvp::LogScope scope("CChangePINDialogMain::~CChangePINDialogMain");
+    delete m_pCardRemoved;
+    delete m_pPanel;
+}
+
+INT_PTR CChangePINDialogMain::DoModal() {
+    if (mvp::ResourceModule() == nullptr)
+        return -1;
+    return RunModalFrom(mvp::ResourceModule());
+}
+
+BOOL CChangePINDialogMain::OnInitDialog() {
+    const mvp::LogScope scope("CChangePINDialogMain::OnInitDialog");
+    CDialog::OnInitDialog();
+    SetSmallIcon();
+    m_okButton.SubclassDlgItem(IDOK, this);
+    CWnd* pCancel = GetDlgItem(IDCANCEL);
+    if (m_rules.bCancelDisabled != 0 && pCancel != nullptr)
+        pCancel->EnableWindow(FALSE);
+    CreatePanel();
+    CString title;
+    if (mvp::LoadResourceString(IDS_CARD_PIN_TITLE, title))
+        SetWindowText(title);
+    UpdateWindow();
+    m_pCardRemoved = new (std::nothrow)
+        VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
+    // The panel has put the focus where it belongs.
+    return FALSE;
+}
+
+void CChangePINDialogMain::SetSmallIcon() {
+    vklogLog(g_szLogTag, kLogDetail, "Loading icon...");
+    if (HICON hIcon = mvp::LoadResourceIcon(IDI_CARD_PIN, kSmallIconSize))
+        SetIcon(hIcon, FALSE);
+}
+
+void CChangePINDialogMain::CreatePanel() {
+    CRect place(0, 0, 0, 0);
+    if (const CWnd* pPlace = GetDlgItem(IDC_CHANGE_PIN_MAIN_PANEL_PLACE)) {
+        pPlace->GetWindowRect(&place);
+        ScreenToClient(&place);
+    }
+    m_pPanel = new (std::nothrow)
+        CChangePINDialog(0, m_bUseWindowColor, m_bAskCurrentPin, &place, &m_rules, &m_okButton,
+                         this, m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
+    if (m_pPanel == nullptr || m_pPanel->LocCreate(this) == 0)
+        return;
+    m_pPanel->ShowWindow(SW_SHOW);
+    m_pPanel->UpdateWindow();
+    CRect panel;
+    m_pPanel->GetWindowRect(&panel);
+    ScreenToClient(&panel);
+    ResizeDlg(0, place.bottom - panel.bottom);
+    m_pPanel->SetFocus();
+}
+
+void CChangePINDialogMain::ResizeDlg(int dx, int dy) {
+    const mvp::LogScope scope("CChangePINDialogMain::ResizeDlg");
+    MoveButton(IDCANCEL, dx, dy);
+    MoveButton(IDOK, dx, dy);
+    UpdateWindow();
+    CRect rect;
+    GetWindowRect(&rect);
+    SetWindowPos(nullptr, 0, 0, rect.Width() - dx, rect.Height() - dy,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    UpdateWindow();
+}
+
+void CChangePINDialogMain::MoveButton(int nId, int dx, int dy) {
+    CWnd* pButton = GetDlgItem(nId);
+    if (pButton == nullptr)
+        return;
+    CRect rect;
+    pButton->GetWindowRect(&rect);
+    ScreenToClient(&rect);
+    pButton->SetWindowPos(nullptr, rect.left - dx, rect.top - dy, 0, 0,
+                          SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    pButton->RedrawWindow();
+}
+
+bool CChangePINDialogMain::IsButtonEnabled(int nId) const {
+    const CWnd* pButton = GetDlgItem(nId);
+    return pButton != nullptr && pButton->IsWindowEnabled();
+}
+
+void CChangePINDialogMain::OnOK() {
+    const mvp::LogScope scope("CChangePINDialogMain::OnOK");
+    if (IsButtonEnabled(IDOK))
+        CDialog::OnOK();
+}
+
+void CChangePINDialogMain::OnCancel() {
+    const mvp::LogScope scope("CChangePINDialogMain::OnCancel");
+    if (m_rules.bCancelDisabled == 0 && IsButtonEnabled(IDCANCEL))
+        CDialog::OnCancel();
+}
+
+LRESULT CChangePINDialogMain::OnCardEvent(WPARAM /*wParam*/, LPARAM /*lParam*/) {
+    const mvp::LogScope scope("CChangePINDialogMain::OnCardEvent");
+    m_rules.bCancelDisabled = 0;
+    EndDialog(IDCANCEL);
+    return 0;
+}
+
+void CChangePINDialogMain::OnDestroy() {
+    const mvp::LogScope scope("CChangePINDialogMain::OnDestroy");
+    CDialog::OnDestroy();
+    delete m_pCardRemoved;
+    m_pCardRemoved = nullptr;
+}
+
+void CChangePINDialogMain::OnMove(int x, int y) {
+    CDialog::OnMove(x, y);
+    if (m_pPanel != nullptr)
+        m_pPanel->ResetToolTip();
+}

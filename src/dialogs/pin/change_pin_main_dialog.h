@@ -1,0 +1,55 @@
+// CChangePINDialogMain: the library's own modal frame around a CChangePINDialog, with OK and Cancel.
+// It closes when the card is removed; a mandatory change cannot be left otherwise.
+#pragma once
+
+#include <dlgfw/controls.h>
+#include <dlgfw/dialog.h>
+#include <dlgfw/string.h>
+
+#include "mvpingui/pwd_rule_args.h"
+
+class CChangePINDialog;
+class VKDelegateSubscriberCardRemoved;
+
+class CChangePINDialogMain : public CDialog {
+public:
+    // The arguments are those of CChangePINDialog, and the reader that holds the card (null or
+    // empty: any).
+    CChangePINDialogMain(const PwdRuleArgs* pRules, int bUseWindowColor, bool bAskCurrentPin,
+                         CWnd* pParent, int nTopMargin, int nLeftIndent, int nLineSpacing,
+                         const char* pszReader);
+    ~CChangePINDialogMain() override;
+
+    INT_PTR DoModal() override;
+
+    // The panel, which keeps the PINs after the dialog has ended; null when it could not be made.
+    const CChangePINDialog* Panel() const { return m_pPanel; }
+
+protected:
+    BOOL OnInitDialog() override;
+    void OnOK() override;
+    void OnCancel() override;
+    afx_msg LRESULT OnCardEvent(WPARAM wParam, LPARAM lParam);
+    afx_msg void OnDestroy();
+    afx_msg void OnMove(int x, int y);
+
+    DECLARE_MESSAGE_MAP()
+
+private:
+    void SetSmallIcon();
+    void CreatePanel();
+    void ResizeDlg(int dx, int dy);
+    void MoveButton(int nId, int dx, int dy);
+    bool IsButtonEnabled(int nId) const;
+
+    PwdRuleArgs m_rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
+    CChangePINDialog* m_pPanel = nullptr;  // owned
+    CButton m_okButton;
+    int m_nTopMargin;
+    int m_nLeftIndent;
+    int m_nLineSpacing;
+    int m_bUseWindowColor;
+    bool m_bAskCurrentPin;
+    VKDelegateSubscriberCardRemoved* m_pCardRemoved = nullptr;  // owned
+    CString m_strReader;
+};

@@ -1,0 +1,201 @@
+#include "dialogs/pin/enter_pin_dialog.h"
+
+#include <array>
+
+#include <dlgfw/data_exchange.h>
+#include <dlgfw/message_map.h>
+
+#include "dialogs/pin/enter_pin_rules.h"
+#include "frame/help_topic.h"
+#include "frame/log.h"
+#include "frame/module.h"
+#include "frame/resource_module.h"
+#include "resources/resource_numbers.h"
+
+BEGIN_MESSAGE_MAP(CEnterPinDlg, VKDetectCardRemovedDlg)
+    ON_EN_CHANGE(IDC_ENTER_PIN_EDIT, &CEnterPinDlg::OnEnChangeEditPassword)
+    ON_WM_DESTROY()
+    ON_WM_MOVE()
+    ON_WM_HELPINFO()
+END_MESSAGE_MAP()
+
+namespace {
+
+constexpr char kBrandingKey[] = "SOFTWARE\\Quillon\\Veskara\\AuthenticationDialog";
+constexpr DWORD kPathCapacity = MAX_PATH;
+constexpr int kHelpTopic = 1015;
+
+// Reads one picture's path; returns whether there is one.
+bool ReadPath(HKEY hKey, const char* pszValueName, CString& strPath) {
+    // One byte more than is offered: a value that fills the buffer may come without a terminator.
+    std::array<char, kPathCapacity + 1> buffer{};
+    DWORD size = kPathCapacity;
+    const LSTATUS error = RegQueryValueExA(hKey, pszValueName, nullptr, nullptr,
+                                           reinterpret_cast<BYTE*>(buffer.data()), &size);
+    if (error != ERROR_SUCCESS || buffer.front() == '\0')
+        return false;
+    strPath = buffer.data();
+    return true;
+}
+
+// For the log texts that print a pointer or handle whole.
+void* Pointer(void* p) {
+    return p;
+}
+
+// Takes the picture that the system loaded for a control of the template, which not every system
+// frees with the control.
+mvp::Bitmap TakePicture(CWnd& dialog, int nControl) {
+    return mvp::Bitmap(reinterpret_cast<HBITMAP>(
+        dialog.SendDlgItemMessage(nControl, STM_SETIMAGE, IMAGE_BITMAP, 0)));
+}
+
+}  // namespace
+
+CEnterPinDlg::CEnterPinDlg(CWnd* pParent, const char* pszReader, std::uint32_t dwMinLength,
+                           std::uint32_t dwMaxLength)
+    : VKDetectCardRemovedDlg(IDD_ENTER_PIN, pParent, pszReader),
+      m_dwMinLength(dwMinLength),
+      m_dwMaxLength(dwMaxLength) {
+    const mvp::LogScope scope("CEnterPinDlg");
+    vklogLog(g_szLogTag, kLogInfo, "CEnterPinDlg: pParent = %x, Reader = %s", mvp::LowBits(pParent),
+             pszReader != nullptr ? pszReader : "");
+    m_bHighColor = IsHighColorSupported();
+}
+
+CEnterPinDlg::~CEnterPinDlg() {
+    const mvp::LogScope scope("~CEnterPinDlg");
+    HidePinFromMemory(m_strPin);
+    m_strPin.Empty();
+}
+
+CString CEnterPinDlg::GetPinValue() const {
+    vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::GetPinValue");
+    return m_strPin;
+}
+
+void CEnterPinDlg::DoDataExchange(CDataExchange* pDX) {
+    VKDetectCardRemovedDlg::DoDataExchange(pDX);
+    DDX_Control(pDX, IDC_ENTER_PIN_EDIT, m_editPin);
+    DDX_Control(pDX, IDC_ENTER_PIN_BRAND_BANNER, m_banner);
+    DDX_Control(pDX, IDC_ENTER_PIN_BRAND_PROGRESS, m_progressBar);
+    DDX_Text(pDX, IDC_ENTER_PIN_EDIT, m_strPin);
+}
+
+BOOL CEnterPinDlg::OnInitDialog() {
+    const mvp::LogScope scope("CEnterPinDlg::OnInitDialog");
+    VKDetectCardRemovedDlg::OnInitDialog();
+    if (!mvp::Module().strPrompt.IsEmpty())
+        SetDlgItemText(IDC_ENTER_PIN_PROMPT, mvp::Module().strPrompt);
+    TryToInsertBitmap();
+    SetForegroundWindow();
+    SetWindowPos(&wndTopMost, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    OnEnChangeEditPassword();
+    return TRUE;
+}
+
+BOOL CEnterPinDlg::CreateModalWindow(LPCDLGTEMPLATE pTemplate, ModalParent& parent,
+                                     HINSTANCE hInst) {
+    // These lines have always carried the help handler's name; log readers search for it.
+    vklogLog(g_szLogTag, kLogInfo,
+             "CEnterPinDlg::OnContextualHelp: this:%p,hWndParent:%p,m_hWnd:%p,hInst:%p",
+             Pointer(this), Pointer(parent.hWnd), Pointer(m_hWnd), Pointer(hInst));
+    vklogLog(g_szLogTag, kLogInfo,
+             "CEnterPinDlg::OnContextualHelp: CreateDlgIndirect with hWndParent");
+    BOOL created = VKDetectCardRemovedDlg::CreateModalWindow(pTemplate, parent, hInst);
+    // A dialog that was made and ended at once is no failure of its parent.
+    if (!created && (m_nFlags & WF_CONTINUEMODAL) != 0) {
+        vklogLog(g_szLogTag, kLogInfo,
+                 "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL");
+        // The disabled parent stays disabled: a window that cannot own a dialog is not in a state
+        // to be given back to the user.
+        parent = {nullptr, FALSE};
+        created = VKDetectCardRemovedDlg::CreateModalWindow(pTemplate, parent, hInst);
+    }
+    if (created)
+        vklogLog(
+            g_szLogTag, kLogInfo,
+            "CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success (Flags 0x%x, m_hWnd:%p)",
+            m_nFlags, Pointer(m_hWnd));
+    return created;
+}
+
+void CEnterPinDlg::OnEnChangeEditPassword() {
+    vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnEnChangeEditPassword:BEG");
+    UpdateData(TRUE);
+    const auto length = static_cast<std::size_t>(m_strPin.GetLength());
+    if (CWnd* pOk = GetDlgItem(IDOK))
+        pOk->EnableWindow(mvp::IsPinLengthAllowed(length, m_dwMinLength, m_dwMaxLength));
+    vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnEnChangeEditPassword:END");
+}
+
+void CEnterPinDlg::OnMove(int x, int y) {
+    VKDetectCardRemovedDlg::OnMove(x, y);
+    m_editPin.ResetToolTip();
+}
+
+void CEnterPinDlg::OnDestroy() {
+    TakePicture(*this, IDC_ENTER_PIN_BANNER);
+    TakePicture(*this, IDC_ENTER_PIN_PROGRESS);
+    VKDetectCardRemovedDlg::OnDestroy();
+}
+
+bool CEnterPinDlg::IsHighColorSupported() {
+    const mvp::LogScope scope("CEnterPinDlg::IsHighColorSupported");
+    const mvp::MemoryDc screen(CreateCompatibleDC(nullptr));
+    return GetDeviceCaps(screen.get(), BITSPIXEL) >= mvp::kHighColorBitsPerPixel;
+}
+
+bool CEnterPinDlg::GetBrandingBitmaps(BrandingPaths& paths) {
+    const mvp::LogScope scope("CEnterPinDlg::GetBrandingBitmaps");
+    mvp::RegistryKey key;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kBrandingKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS)
+        return false;
+    bool found = ReadPath(key.get(), "BannerLowRes", paths.strBannerLow);
+    found |= ReadPath(key.get(), "BannerHiRes", paths.strBannerHigh);
+    found |= ReadPath(key.get(), "ProgressBarLowRes", paths.strProgressLow);
+    found |= ReadPath(key.get(), "ProgressBarHiRes", paths.strProgressHigh);
+    return found;
+}
+
+void CEnterPinDlg::TryToInsertBitmap() {
+    const mvp::LogScope scope("CEnterPinDlg::TryToInsertBitmap");
+    m_banner.ShowWindow(SW_HIDE);
+    m_progressBar.ShowWindow(SW_HIDE);
+    BrandingPaths paths;
+    if (!GetBrandingBitmaps(paths))
+        return;
+    ShowBranding(m_bHighColor ? paths.strBannerHigh : paths.strBannerLow, IDC_ENTER_PIN_BANNER,
+                 m_banner, m_hBanner);
+    ShowBranding(m_bHighColor ? paths.strProgressHigh : paths.strProgressLow,
+                 IDC_ENTER_PIN_PROGRESS, m_progressBar, m_hProgressBar);
+}
+
+void CEnterPinDlg::ShowBranding(const CString& strFile, int nDefaultPicture, CStatic& picture,
+                                mvp::Bitmap& bitmap) {
+    CWnd* pDefault = GetDlgItem(nDefaultPicture);
+    if (strFile.IsEmpty() || pDefault == nullptr)
+        return;
+    bitmap.reset(
+        static_cast<HBITMAP>(LoadImageA(nullptr, strFile, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE)));
+    if (!bitmap) {
+        picture.ShowWindow(SW_HIDE);
+        return;
+    }
+    pDefault->ShowWindow(SW_HIDE);
+    picture.SendMessage(STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(bitmap.get()));
+    CRect client;
+    pDefault->GetClientRect(&client);
+    picture.SetWindowPos(nullptr, 0, 0, client.Width(), client.Height(), SWP_NOMOVE | SWP_NOZORDER);
+    picture.ShowWindow(SW_SHOW);
+}
+
+void CEnterPinDlg::OnContextualHelp() {
+    vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnContextualHelp");
+    DoDisplayTopic(kHelpTopic);
+}
+
+BOOL CEnterPinDlg::OnHelpInfo(HELPINFO* /*pHelpInfo*/) {
+    OnContextualHelp();
+    return TRUE;
+}

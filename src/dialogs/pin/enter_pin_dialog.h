@@ -1,0 +1,67 @@
+// CEnterPinDlg: asks for a card's PIN.
+//
+// OK is enabled while the PIN's length lies within the caller's bounds; the dialog closes when the
+// card leaves its reader. It keeps the PIN until it is destroyed, and overwrites it then.
+#pragma once
+
+#include <cstdint>
+
+#include <dlgfw/controls.h>
+#include <dlgfw/dialog.h>
+#include <dlgfw/string.h>
+
+#include "mvpingui/caps_lock_sensitive_edit.h"
+#include "mvpingui/detect_card_removed_dialog.h"
+#include "platform/handle.h"
+
+class CEnterPinDlg : public VKDetectCardRemovedDlg {
+public:
+    // pParent      parent window, not owned; may be null
+    // pszReader    the reader that holds the card; null or empty: any
+    // dwMinLength, dwMaxLength  bounds of the PIN's length in bytes, inclusive
+    CEnterPinDlg(CWnd* pParent, const char* pszReader, std::uint32_t dwMinLength,
+                 std::uint32_t dwMaxLength);
+    ~CEnterPinDlg() override;
+
+    // A copy of what was typed. The caller overwrites it after use.
+    CString GetPinValue() const;
+
+protected:
+    BOOL OnInitDialog() override;
+    void DoDataExchange(CDataExchange* pDX) override;
+    // Logs the creation, and tries it again without a parent when it fails: a parent that cannot be
+    // used must not keep the user from entering the PIN.
+    BOOL CreateModalWindow(LPCDLGTEMPLATE pTemplate, ModalParent& parent, HINSTANCE hInst) override;
+    void OnContextualHelp();
+    // F1.
+    afx_msg BOOL OnHelpInfo(HELPINFO* pHelpInfo);
+    afx_msg void OnEnChangeEditPassword();
+    afx_msg void OnMove(int x, int y);
+    afx_msg void OnDestroy();
+
+    DECLARE_MESSAGE_MAP()
+
+private:
+    struct BrandingPaths {
+        CString strBannerLow;
+        CString strBannerHigh;
+        CString strProgressLow;
+        CString strProgressHigh;
+    };
+
+    static bool IsHighColorSupported();
+    static bool GetBrandingBitmaps(BrandingPaths& paths);
+    void TryToInsertBitmap();
+    void ShowBranding(const CString& strFile, int nDefaultPicture, CStatic& picture,
+                      mvp::Bitmap& bitmap);
+
+    std::uint32_t m_dwMinLength;
+    std::uint32_t m_dwMaxLength;
+    bool m_bHighColor = false;
+    CString m_strPin;
+    CCapsLockSensitiveEdit m_editPin;
+    mvp::Bitmap m_hBanner;
+    mvp::Bitmap m_hProgressBar;
+    CStatic m_banner;
+    CStatic m_progressBar;
+};

@@ -1,0 +1,83 @@
+#include <cstring>
+
+#include "dialogs/pin/change_pin_main_dialog.h"
+#include "dialogs/pin/change_pin_panels.h"
+#include "frame/log.h"
+#include "mvpingui/change_pin_dialog.h"
+#include "mvpingui/mvpingui.h"
+#include "platform/barrier.h"
+
+namespace {
+
+// How the library's own dialog lays the rule lines out, in pixels.
+constexpr int kTopMargin = 15;
+constexpr int kLeftIndent = 0;
+constexpr int kLineSpacing = 6;
+
+struct Output {
+    char* pszNewPin;
+    std::uint32_t* pcbNewPin;
+    char* pszOldPin;
+    std::uint32_t* pcbOldPin;
+};
+
+void CopyOut(const CString& strPin, char* pszPin, std::uint32_t* pcbPin) {
+    const auto length = static_cast<std::uint32_t>(strPin.GetLength());
+    std::memcpy(pszPin, static_cast<LPCSTR>(strPin), length + 1);
+    *pcbPin = length;
+}
+
+// One text carries both PINs on their way out, and leaves nothing behind.
+void HandOut(const CChangePINDialog* pPanel, const Output& output) {
+    CString strPin;
+    if (pPanel != nullptr)
+        strPin = pPanel->CurrentPin();
+    CopyOut(strPin, output.pszOldPin, output.pcbOldPin);
+    CBaseDialog::HidePinFromMemory(strPin);
+    if (pPanel != nullptr)
+        strPin = pPanel->NewPin();
+    CopyOut(strPin, output.pszNewPin, output.pcbNewPin);
+    CBaseDialog::HidePinFromMemory(strPin);
+}
+
+std::uint32_t ReadEmbedded(CChangePINDialog* pPanel, const Output& output) {
+    const bool verdict = pPanel->VerifyAndUpdateAllPolicies(pPanel->NewPin());
+    // The check sends messages, in whose course the host may have destroyed the panel.
+    if (!verdict || !mvp::IsChangePinPanel(pPanel))
+        return MVPINGUI_REFUSED;
+    HandOut(pPanel, output);
+    return MVPINGUI_OK;
+}
+
+std::uint32_t AskModal(const PwdRuleArgs* pRules, bool bAskCurrentPin, const char* pszReader,
+                       const Output& output) {
+    CChangePINDialogMain dialog(pRules, 0, bAskCurrentPin, nullptr, kTopMargin, kLeftIndent,
+                                kLineSpacing, pszReader);
+    if (dialog.DoModal() != IDOK)
+        return MVPINGUI_REFUSED;
+    HandOut(dialog.Panel(), output);
+    return MVPINGUI_OK;
+}
+
+}  // namespace
+
+extern "C" uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t bShowLastTry,
+                                             char* pszNewPin, uint32_t* pcbNewPin, char* pszOldPin,
+                                             uint32_t* pcbOldPin, const char* pszReader,
+                                             HWND hEmbeddingHost, bool bAskCurrentPin) {
+    const mvp::LogScope scope("GetChangePINInfoFromUser");
+    if (bShowLastTry != 0) {
+        const std::uint32_t answer = DisplayLastPINTry(pszReader);
+        if (answer != MVPINGUI_OK)
+            return answer;
+    }
+    const Output output{pszNewPin, pcbNewPin, pszOldPin, pcbOldPin};
+    return mvp::Guarded(
+        MVPINGUI_REFUSED,
+        [&] {
+            if (CChangePINDialog* pPanel = mvp::FindChangePinPanel(hEmbeddingHost))
+                return ReadEmbedded(pPanel, output);
+            return AskModal(pRules, bAskCurrentPin, pszReader, output);
+        },
+        [] { vklogLog(g_szLogTag, kLogError, "GetChangePINInfoFromUser: exception"); });
+}

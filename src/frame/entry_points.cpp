@@ -1,0 +1,76 @@
+#include <array>
+#include <cstdlib>
+#include <cstring>
+
+#include <vkerrmes/vkerrmes.h>
+
+#include "frame/error_text.h"
+#include "frame/log.h"
+#include "frame/module.h"
+#include "frame/resource_module.h"
+#include "mvpingui/mvpingui.h"
+#include "platform/barrier.h"
+#include "resources/resource_numbers.h"
+
+namespace {
+
+constexpr std::size_t kErrorTextCapacity = 4096;
+// The result stays what it was when a code has no text, so the string is loaded beside it first.
+std::array<char, kErrorTextCapacity> g_szErrorText{};
+std::array<char, kErrorTextCapacity> g_szErrorScratch{};
+
+// Free text rather than one of the message-box module's own messages.
+constexpr int kFreeText = -1;
+constexpr int kAccepted = 1;
+
+void LogException(const char* pszFunction) noexcept {
+    vklogLog(g_szLogTag, kLogError, "%s: exception", pszFunction);
+}
+
+}  // namespace
+
+extern "C" const char* GetErrorString(int32_t nCode) {
+    const auto number = mvp::ErrorStringNumber(nCode);
+    if (!number)
+        return g_szErrorText.data();
+    g_szErrorScratch.front() = '\0';
+    if (mvp::ResourceModule() != nullptr)
+        LoadStringA(mvp::ResourceModule(), *number, g_szErrorScratch.data(), kErrorTextCapacity);
+    g_szErrorScratch.back() = '\0';
+    std::memcpy(g_szErrorText.data(), g_szErrorScratch.data(),
+                std::strlen(g_szErrorScratch.data()) + 1);
+    return g_szErrorText.data();
+}
+
+extern "C" uint32_t DisplayLastPINTry(const char* pszReader) {
+    const mvp::LogScope scope("--->DisplayLastPINTry", "<---DisplayLastPINTry");
+    return mvp::Guarded(
+        MVPINGUI_REFUSED,
+        [=] {
+            const CString text = mvp::ResourceString(IDS_LAST_PIN_TRY);
+            const int answer = VKErrMesDisplayExWithParentParamAndReader(
+                nullptr, kFreeText, text, 0, 0, 0, nullptr, pszReader);
+            return answer == kAccepted ? MVPINGUI_OK : MVPINGUI_REFUSED;
+        },
+        [] { LogException("DisplayLastPINTry"); });
+}
+
+extern "C" void SetPinPromptString(const char* pszPrompt) {
+    const mvp::LogScope scope("SetPinPromptString");
+    mvp::Guarded(
+        0,
+        [=] {
+            mvp::Module().strPrompt = pszPrompt;
+            return 0;
+        },
+        [] { LogException("SetPinPromptString"); });
+}
+
+extern "C" void FreeGetPinBuffer(char* pBuffer, size_t cbPin) {
+    const mvp::LogScope scope("--->FreeBuffer", "<---FreeBuffer");
+    mvp::Module().nPinDialogInProgress = 0;
+    if (pBuffer == nullptr)
+        return;
+    SecureZeroMemory(pBuffer, cbPin);
+    std::free(pBuffer);
+}

@@ -1,0 +1,50 @@
+// The library's side of the suite's log: its tag, the levels, and the scope that writes the entry
+// and exit lines of a function.
+//
+// Log texts stand in full where they are written, so that a line of a log file leads straight to
+// its source:
+//
+//     void CEnterPinDlg::OnX() {
+//         const mvp::LogScope scope("CEnterPinDlg::OnX");
+//         vklogLog(g_szLogTag, kLogInfo, "CEnterPinDlg::OnX: %d", n);
+#pragma once
+
+#include <cstdint>
+
+#include <vklog/vklog.h>
+
+// Writable: the log's interface has always been handed an array.
+extern char g_szLogTag[];
+
+enum LogLevel : int {
+    kLogDetail = 0,
+    kLogError = 1,
+    kLogInfo = 2,
+    kLogEntry = 8,
+    kLogExit = 16,
+};
+
+namespace mvp {
+
+class LogScope {
+public:
+    // The same text for both lines. It must outlive the scope: pass a literal.
+    explicit LogScope(const char* pszText) noexcept : LogScope(pszText, pszText) {}
+    LogScope(const char* pszEntry, const char* pszExit) noexcept : m_pszExit(pszExit) {
+        vklogLog(g_szLogTag, kLogEntry, "%s", pszEntry);
+    }
+    LogScope(const LogScope&) = delete;
+    LogScope& operator=(const LogScope&) = delete;
+    ~LogScope() { vklogLog(g_szLogTag, kLogExit, "%s", m_pszExit); }
+
+private:
+    const char* m_pszExit;
+};
+
+// The low 32 bits of a handle or pointer, for the log texts that print them with %x. A handle's
+// upper half carries nothing.
+inline unsigned LowBits(const volatile void* pointer) noexcept {
+    return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(pointer));
+}
+
+}  // namespace mvp

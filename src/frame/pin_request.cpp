@@ -1,0 +1,77 @@
+#include <cstdlib>
+#include <cstring>
+
+#include "dialogs/pin/enter_pin_dialog.h"
+#include "frame/log.h"
+#include "frame/module.h"
+#include "mvpingui/mvpingui.h"
+#include "platform/barrier.h"
+
+namespace {
+
+// Hands the PIN out in a buffer of exactly its length. Returns false when there is no memory.
+bool HandOut(const CEnterPinDlg& dialog, char** ppPin, std::uint32_t* pcbPin) {
+    CString strPin = dialog.GetPinValue();
+    const auto length = static_cast<std::uint32_t>(strPin.GetLength());
+    if (length == 0) {
+        vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: PIN empty");
+        *ppPin = nullptr;
+        *pcbPin = 0;
+        return true;
+    }
+    auto* pBuffer = static_cast<char*>(std::malloc(length));
+    if (pBuffer == nullptr) {
+        vklogLog(g_szLogTag, kLogError, "GetPINFromUser: PIN buffer allocation failed");
+        return false;
+    }
+    std::memcpy(pBuffer, static_cast<LPCSTR>(strPin), length);
+    *pcbPin = length;
+    *ppPin = pBuffer;
+    SecureZeroMemory(strPin.GetBuffer(0), length);
+    return true;
+}
+
+// Runs the dialog. The guard that it sets stays set, whatever the user does: the caller clears it
+// when it gives the PIN back.
+std::uint32_t AskForPin(HWND hParent, const char* pszReader, std::uint32_t dwMinLength,
+                        std::uint32_t dwMaxLength, char** ppPin, std::uint32_t* pcbPin) {
+    vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action allowed");
+    mvp::Module().nPinDialogInProgress = 1;
+    CEnterPinDlg dialog(CWnd::FromHandle(hParent), pszReader, dwMinLength, dwMaxLength);
+    if (dialog.DoModal() != IDOK) {
+        vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action cancelled");
+        return MVPINGUI_REFUSED;
+    }
+    vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action validated");
+    return HandOut(dialog, ppPin, pcbPin) ? MVPINGUI_OK : MVPINGUI_REFUSED;
+}
+
+}  // namespace
+
+extern "C" uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_t bShowLastTry,
+                                   uint32_t dwMinLength, uint32_t dwMaxLength, char** ppPin,
+                                   uint32_t* pcbPin) {
+    // Not a scope: a declined last try leaves without an exit line.
+    vklogLog(g_szLogTag, kLogEntry, "GetPINFromUser");
+    vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: hParent = %x, Reader = %s",
+             mvp::LowBits(hParent), pszReader != nullptr ? pszReader : "");
+    if (bShowLastTry != 0) {
+        vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: DisplayLastPINTry");
+        const std::uint32_t answer = DisplayLastPINTry(pszReader);
+        if (answer != MVPINGUI_OK)
+            return answer;
+    }
+    std::uint32_t result = MVPINGUI_REFUSED;
+    if (mvp::Module().nPinDialogInProgress != 0) {
+        vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action NOT allowed");
+    } else {
+        result = mvp::Guarded(
+            MVPINGUI_REFUSED,
+            [=] { return AskForPin(hParent, pszReader, dwMinLength, dwMaxLength, ppPin, pcbPin); },
+            [] { vklogLog(g_szLogTag, kLogError, "GetPINFromUser: exception"); });
+    }
+    vklogLog(g_szLogTag, result == MVPINGUI_REFUSED ? kLogError : kLogInfo,
+             "GetPINFromUser: returns: %d", static_cast<int>(result));
+    vklogLog(g_szLogTag, kLogExit, "GetPINFromUser");
+    return result;
+}

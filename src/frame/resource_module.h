@@ -1,0 +1,32 @@
+// The localized resource module, mvpinguirc: every string, dialog template, bitmap and icon of the
+// library comes from it. Without the module strings are empty and dialogs cannot be created; the
+// accessors here keep a missing one from turning into a search of the host's own resources, which a
+// null module handle means to the system.
+#pragma once
+
+#include <windows.h>
+
+#include <dlgfw/string.h>
+
+namespace mvp {
+
+// Null while no module is loaded.
+HINSTANCE ResourceModule() noexcept;
+
+// Loads the module: from ".\Resources\Localized" of the process's current directory, else from the
+// same folder under the suite's install path. Logs the failure of both; nothing else is done.
+void LoadResourceModule() noexcept;
+void FreeResourceModule() noexcept;
+
+// Sets `text` to string `nId` and returns true; leaves it as it is and returns false when the
+// module or the string is missing.
+bool LoadResourceString(UINT nId, CString& text);
+
+// The string, or an empty text.
+CString ResourceString(UINT nId);
+
+// An icon of the module that stays valid as long as the module is loaded and is never destroyed;
+// null when missing. `nSize` is its width and height in pixels.
+HICON LoadResourceIcon(UINT nId, int nSize) noexcept;
+
+}  // namespace mvp

@@ -1,0 +1,261 @@
+// CDialog: life from template to result.
+#include <windows.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include <dlgfw/dialog.h>
+#include <dlgfw/message_map.h>
+#include <dlgfw/module_state.h>
+
+#include "framework/dialog_template.h"
+#include "framework/wnd_access.h"
+
+BEGIN_MESSAGE_MAP(CDialog, CWnd)
+    ON_COMMAND(IDOK, &CDialog::OnOK)
+    ON_COMMAND(IDCANCEL, &CDialog::OnCancel)
+    ON_MESSAGE(WM_INITDIALOG, &CDialog::HandleInitDialog)
+END_MESSAGE_MAP()
+
+CDialog::CDialog() = default;
+
+CDialog::CDialog(UINT nIDTemplate, CWnd* pParentWnd)
+    : m_nIDHelp(nIDTemplate),
+      m_lpszTemplateName(MAKEINTRESOURCEA(nIDTemplate)),
+      m_pParentWnd(pParentWnd) {}
+
+CDialog::CDialog(LPCSTR lpszTemplateName, CWnd* pParentWnd) : m_pParentWnd(pParentWnd) {
+    SetTemplateName(lpszTemplateName);
+}
+
+CDialog::~CDialog() {
+    if (m_hWnd != nullptr)
+        CDialog::DestroyWindow();
+    SetTemplateName(nullptr);
+}
+
+void CDialog::SetTemplateName(LPCSTR lpszTemplateName) {
+    if (!IS_INTRESOURCE(m_lpszTemplateName))
+        std::free(const_cast<LPSTR>(m_lpszTemplateName));
+    m_lpszTemplateName = lpszTemplateName;
+    if (!IS_INTRESOURCE(lpszTemplateName))
+        m_lpszTemplateName = _strdup(lpszTemplateName);
+    else if (lpszTemplateName != nullptr)
+        m_nIDHelp = LOWORD(reinterpret_cast<ULONG_PTR>(lpszTemplateName));
+}
+
+BOOL CDialog::InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd) {
+    m_lpDialogTemplate = lpDialogTemplate;
+    m_pParentWnd = pParentWnd;
+    return lpDialogTemplate != nullptr;
+}
+
+BOOL CDialog::InitModalIndirect(HGLOBAL hDialogTemplate, CWnd* pParentWnd) {
+    m_hDialogTemplate = hDialogTemplate;
+    m_pParentWnd = pParentWnd;
+    return hDialogTemplate != nullptr;
+}
+
+INT_PTR CDialog::DoModal() {
+    return RunModalFrom(m_lpszTemplateName == nullptr
+                            ? AfxGetResourceHandle()
+                            : AfxFindResourceHandle(m_lpszTemplateName, RT_DIALOG));
+}
+
+INT_PTR CDialog::RunModalFrom(HINSTANCE hInst) {
+    if (m_lpszTemplateName != nullptr)
+        return RunModal(dlgfw::LockDialogResource(hInst, m_lpszTemplateName), hInst);
+    if (m_hDialogTemplate != nullptr) {
+        const dlgfw::LockedTemplate locked(m_hDialogTemplate);
+        return RunModal(locked.get(), hInst);
+    }
+    return RunModal(m_lpDialogTemplate, hInst);
+}
+
+namespace {
+
+// Whether the window was enabled and is not any more. The desktop stays as it is.
+BOOL Disable(HWND hWnd) {
+    if (hWnd == nullptr || hWnd == ::GetDesktopWindow() || !::IsWindowEnabled(hWnd))
+        return FALSE;
+    ::EnableWindow(hWnd, FALSE);
+    return TRUE;
+}
+
+// Out of sight without giving the activation to some other window: the parent, which is to have it,
+// is still disabled.
+void Hide(HWND hWnd) {
+    ::SetWindowPos(hWnd, nullptr, 0, 0, 0, 0,
+                   SWP_HIDEWINDOW | SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE | SWP_NOZORDER);
+}
+
+}  // namespace
+
+INT_PTR CDialog::RunModal(LPCDLGTEMPLATE lpDialogTemplate, HINSTANCE hInst) {
+    if (lpDialogTemplate == nullptr)
+        return -1;
+    const CWndGuard guard(this);
+    m_nModalResult = -1;
+    ModalParent parent = {PreModal(), FALSE};
+    parent.bReenable = Disable(parent.hWnd);
+    const HWND hWndTop = m_hWndTop;
+
+    try {
+        if (CreateModalWindow(lpDialogTemplate, parent, hInst) &&
+            (m_nFlags & WF_CONTINUEMODAL) != 0) {
+            const bool bNoIdleMessages = (GetStyle() & DS_NOIDLEMSG) != 0;
+            RunModalLoop(MLF_SHOWONIDLE | (bNoIdleMessages ? MLF_NOIDLEMSG : 0));
+        }
+    } catch (...) {
+        dlgfw::ReportException(0);
+        if (guard.IsAlive())
+            m_nModalResult = -1;
+    }
+
+    if (guard.IsAlive() && m_hWnd != nullptr)
+        Hide(m_hWnd);
+    if (parent.bReenable)
+        ::EnableWindow(parent.hWnd, TRUE);
+    if (guard.IsAlive()) {
+        if (parent.hWnd != nullptr && ::GetActiveWindow() == m_hWnd)
+            ::SetActiveWindow(parent.hWnd);
+        DestroyWindow();
+    }
+    if (guard.IsAlive()) {
+        PostModal();
+        return m_nModalResult;
+    }
+    // A handler deleted the dialog; what PreModal did is undone without it.
+    if (hWndTop != nullptr)
+        ::EnableWindow(hWndTop, TRUE);
+    return -1;
+}
+
+BOOL CDialog::CreateModalWindow(LPCDLGTEMPLATE lpDialogTemplate, ModalParent& parent,
+                                HINSTANCE hInst) {
+    return CreateFromTemplate(lpDialogTemplate, FromHandle(parent.hWnd), hInst);
+}
+
+BOOL CDialog::CreateFromTemplate(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd,
+                                 HINSTANCE hInst) {
+    if (lpDialogTemplate == nullptr)
+        return FALSE;
+    m_bCenter = dlgfw::LeavesPlaceOpen(lpDialogTemplate);
+    return CreateDlgIndirect(lpDialogTemplate, pParentWnd, hInst);
+}
+
+HWND CDialog::PreModal() {
+    // A child window cannot own a dialog: the system would take its top-level window anyway.
+    HWND hWnd = m_pParentWnd == nullptr ? nullptr : m_pParentWnd->m_hWnd;
+    while (hWnd != nullptr && (::GetWindowLongPtrA(hWnd, GWL_STYLE) & WS_CHILD) != 0)
+        hWnd = ::GetParent(hWnd);
+    // Whatever that window belongs to must not take input either.
+    HWND hWndTop = hWnd;
+    for (HWND hWndNext = hWnd; hWndNext != nullptr; hWndNext = ::GetWindow(hWndNext, GW_OWNER))
+        hWndTop = hWndNext;
+    m_hWndTop = hWndTop != hWnd && Disable(hWndTop) ? hWndTop : nullptr;
+    return hWnd;
+}
+
+void CDialog::PostModal() {
+    if (const HWND hWndTop = std::exchange(m_hWndTop, nullptr))
+        ::EnableWindow(hWndTop, TRUE);
+}
+
+BOOL CDialog::Create(UINT nIDTemplate, CWnd* pParentWnd) {
+    return Create(MAKEINTRESOURCEA(nIDTemplate), pParentWnd);
+}
+
+BOOL CDialog::Create(LPCSTR lpszTemplateName, CWnd* pParentWnd) {
+    SetTemplateName(lpszTemplateName);
+    m_pParentWnd = pParentWnd;
+    const HINSTANCE hInst = AfxFindResourceHandle(lpszTemplateName, RT_DIALOG);
+    return CreateFromTemplate(dlgfw::LockDialogResource(hInst, lpszTemplateName), pParentWnd,
+                              hInst);
+}
+
+BOOL CDialog::CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst) {
+    m_pParentWnd = pParentWnd;
+    return CreateFromTemplate(lpDialogTemplate, pParentWnd,
+                              hInst != nullptr ? hInst : AfxGetInstanceHandle());
+}
+
+BOOL CDialog::CreateIndirect(HGLOBAL hDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst) {
+    const dlgfw::LockedTemplate locked(hDialogTemplate);
+    return CreateIndirect(locked.get(), pParentWnd, hInst);
+}
+
+// The window procedure's barrier stands right above this, so that an exception out of OnInitDialog
+// does not travel through the system's own dialog procedure.
+LRESULT CDialog::HandleInitDialog(WPARAM, LPARAM) {
+    // Without this the keyboard does not find its way into a panel that lacks DS_CONTROL.
+    if ((GetStyle() & WS_CHILD) != 0)
+        ModifyStyleEx(0, WS_EX_CONTROLPARENT);
+
+    const CWndGuard guard(this);
+    const bool bMayCenter = m_bCenter && (GetStyle() & (WS_VISIBLE | WS_CHILD)) == 0;
+    CRect rectBefore;
+    GetWindowRect(rectBefore);
+    const BOOL bSetFocus = OnInitDialog();
+    if (guard.IsAlive() && m_hWnd != nullptr && bMayCenter)
+        CenterUnlessPlaced(rectBefore);
+    return bSetFocus;
+}
+
+// A modal dialog stands over its owner, if nobody has given it another place.
+void CDialog::CenterUnlessPlaced(const RECT& rectBefore) {
+    CRect rect;
+    GetWindowRect(rect);
+    const HWND hWndOwner = ::GetWindow(m_hWnd, GW_OWNER);
+    const bool bModal = hWndOwner == nullptr || !::IsWindowEnabled(hWndOwner);
+    if (bModal && (GetStyle() & WS_VISIBLE) == 0 && rect.left == rectBefore.left &&
+        rect.top == rectBefore.top)
+        CenterWindow();
+}
+
+BOOL CDialog::OnInitDialog() {
+    if (!UpdateData(FALSE)) {
+        EndDialog(-1);
+        return FALSE;
+    }
+    return TRUE;
+}
+
+void CDialog::EndDialog(int nResult) {
+    const bool bInLoop = (m_nFlags & WF_MODALLOOP) != 0;
+    if (bInLoop || (m_nFlags & WF_CONTINUEMODAL) != 0)
+        EndModalLoop(nResult);
+    if (bInLoop)
+        Hide(m_hWnd);
+    else
+        ::EndDialog(m_hWnd, nResult);
+}
+
+void CDialog::OnOK() {
+    if (UpdateData(TRUE))
+        EndDialog(IDOK);
+}
+
+void CDialog::OnCancel() {
+    EndDialog(IDCANCEL);
+}
+
+void CDialog::MapDialogRect(LPRECT lpRect) const {
+    ::MapDialogRect(m_hWnd, lpRect);
+}
+void CDialog::NextDlgCtrl() const {
+    SendMessage(WM_NEXTDLGCTL, 0, FALSE);
+}
+void CDialog::PrevDlgCtrl() const {
+    SendMessage(WM_NEXTDLGCTL, 1, FALSE);
+}
+void CDialog::GotoDlgCtrl(CWnd* pWndCtrl) {
+    SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(pWndCtrl->m_hWnd), TRUE);
+}
+void CDialog::SetDefID(UINT nID) {
+    SendMessage(DM_SETDEFID, nID);
+}
+DWORD CDialog::GetDefID() const {
+    return static_cast<DWORD>(SendMessage(DM_GETDEFID));
+}

@@ -1,0 +1,67 @@
+// What the parts of CWnd's implementation share: ways to its private members, the watch for its
+// deletion, the binding at creation, the report of exceptions.
+#pragma once
+
+#include <dlgfw/wnd.h>
+
+#include "framework/thread_state.h"
+
+// Knows whether a window object still exists after foreign code ran. Lives on the stack.
+class CWndGuard {
+public:
+    explicit CWndGuard(CWnd* pWnd) noexcept;
+    CWndGuard(const CWndGuard&) = delete;
+    CWndGuard& operator=(const CWndGuard&) = delete;
+    ~CWndGuard();
+
+    bool IsAlive() const noexcept { return m_pWnd != nullptr; }
+
+private:
+    friend class CWndAccess;
+    CWnd* m_pWnd;
+    CWndGuard* m_pNext;
+};
+
+class CWndAccess {
+public:
+    static CWndGuard*& Guards(CWnd& wnd) noexcept { return wnd.m_pGuards; }
+    // From the destructor: tells every guard.
+    static void OnDeleted(CWnd& wnd) noexcept;
+
+    static LRESULT WindowProc(CWnd& wnd, UINT message, WPARAM wParam, LPARAM lParam) {
+        return wnd.WindowProc(message, wParam, lParam);
+    }
+    static void PostNcDestroy(CWnd& wnd) { wnd.PostNcDestroy(); }
+    static void SetModalResult(CWnd& wnd, int nResult) noexcept { wnd.m_nModalResult = nResult; }
+
+    // Makes the object the window's, with PreSubclassWindow between.
+    static void Bind(CWnd& wnd, HWND hWnd);
+    // False when the window is not of this process.
+    static bool Subclass(CWnd& wnd);
+    static void RestoreWindowProc(CWnd& wnd) noexcept;
+};
+
+namespace dlgfw {
+
+// Binds an object to the next window that this thread creates.
+class CreationHook {
+public:
+    explicit CreationHook(CWnd* pWnd);
+    CreationHook(const CreationHook&) = delete;
+    CreationHook& operator=(const CreationHook&) = delete;
+    ~CreationHook();
+
+    // Whether a window came.
+    bool IsDone() const noexcept { return m_state.pCreating != m_pWnd; }
+
+private:
+    ThreadState& m_state;
+    CWnd* m_pWnd;
+    CWnd* m_pOuter;
+    HHOOK m_hOuterHook;
+};
+
+// Inside a catch block.
+void ReportException(UINT message) noexcept;
+
+}  // namespace dlgfw

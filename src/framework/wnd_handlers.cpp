@@ -1,0 +1,132 @@
+// CWnd: its message map and the standard processing of each message.
+#include <dlgfw/message_map.h>
+#include <dlgfw/wnd.h>
+
+#include "framework/wnd_access.h"
+
+BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
+    ON_WM_NCDESTROY()
+END_MESSAGE_MAP()
+
+// The last message of a window. Nothing touches the object after PostNcDestroy.
+void CWnd::OnNcDestroy() {
+    if ((m_nFlags & WF_CONTINUEMODAL) != 0) {
+        // The loop may be waiting for messages, and this window will get none any more.
+        m_nModalResult = -1;
+        m_nFlags &= ~WF_CONTINUEMODAL;
+        if ((m_nFlags & WF_MODALLOOP) != 0)
+            ::PostThreadMessageA(::GetCurrentThreadId(), WM_NULL, 0, 0);
+    }
+    const CWndGuard guard(this);
+    Default();
+    if (!guard.IsAlive())
+        return;
+    CWndAccess::RestoreWindowProc(*this);
+    Detach();
+    PostNcDestroy();
+}
+
+int CWnd::OnCreate(LPCREATESTRUCTA) {
+    return static_cast<int>(Default());
+}
+void CWnd::OnDestroy() {
+    Default();
+}
+void CWnd::OnMove(int, int) {
+    Default();
+}
+void CWnd::OnSize(UINT, int, int) {
+    Default();
+}
+void CWnd::OnWindowPosChanged(WINDOWPOS*) {
+    Default();
+}
+void CWnd::OnPaint() {
+    Default();
+}
+BOOL CWnd::OnEraseBkgnd(CDC*) {
+    return static_cast<BOOL>(Default());
+}
+
+HBRUSH CWnd::OnCtlColor(CDC*, CWnd* pWnd, UINT) {
+    LRESULT lResult = 0;
+    if (pWnd == nullptr || !pWnd->SendChildNotifyLastMsg(&lResult))
+        lResult = Default();
+    return reinterpret_cast<HBRUSH>(lResult);
+}
+
+void CWnd::OnSysColorChange() {
+    Default();
+}
+void CWnd::OnSettingChange(UINT, LPCSTR) {
+    Default();
+}
+void CWnd::OnSetFocus(CWnd*) {
+    Default();
+}
+void CWnd::OnKillFocus(CWnd*) {
+    Default();
+}
+void CWnd::OnKeyDown(UINT, UINT, UINT) {
+    Default();
+}
+void CWnd::OnKeyUp(UINT, UINT, UINT) {
+    Default();
+}
+void CWnd::OnChar(UINT, UINT, UINT) {
+    Default();
+}
+void CWnd::OnTimer(UINT_PTR) {
+    Default();
+}
+void CWnd::OnMouseMove(UINT, CPoint) {
+    Default();
+}
+void CWnd::OnMouseLeave() {
+    Default();
+}
+void CWnd::OnLButtonDown(UINT, CPoint) {
+    Default();
+}
+void CWnd::OnLButtonUp(UINT, CPoint) {
+    Default();
+}
+void CWnd::OnLButtonDblClk(UINT, CPoint) {
+    Default();
+}
+void CWnd::OnRButtonDown(UINT, CPoint) {
+    Default();
+}
+void CWnd::OnRButtonUp(UINT, CPoint) {
+    Default();
+}
+BOOL CWnd::OnSetCursor(CWnd*, UINT, UINT) {
+    return static_cast<BOOL>(Default());
+}
+LRESULT CWnd::OnNcHitTest(CPoint) {
+    return Default();
+}
+void CWnd::OnShowWindow(BOOL, UINT) {
+    Default();
+}
+void CWnd::OnActivate(UINT, CWnd*, BOOL) {
+    Default();
+}
+void CWnd::OnEnable(BOOL) {
+    Default();
+}
+void CWnd::OnClose() {
+    Default();
+}
+BOOL CWnd::OnHelpInfo(HELPINFO*) {
+    return static_cast<BOOL>(Default());
+}
+void CWnd::OnSysCommand(UINT, LPARAM) {
+    Default();
+}
+UINT CWnd::OnGetDlgCode() {
+    return static_cast<UINT>(Default());
+}
+void CWnd::OnContextMenu(CWnd*, CPoint) {
+    Default();
+}

@@ -1,0 +1,64 @@
+#include "notify/card_removed_subscriber.h"
+
+#include <mbstring.h>
+#include <objbase.h>
+
+#include "frame/log.h"
+
+namespace {
+
+const unsigned char* Bytes(const char* pszText) {
+    return reinterpret_cast<const unsigned char*>(pszText);
+}
+
+}  // namespace
+
+VKDelegateSubscriberCardRemoved::VKDelegateSubscriberCardRemoved(CWnd* pWnd, UINT nMessage,
+                                                                 const CString& strReader)
+    : m_pWnd(pWnd), m_nMessage(nMessage), m_strReader(strReader) {
+    const mvp::LogScope scope("VKDelegateSubscriberCardRemoved Constructor");
+    // Not undone by the destructor: what else runs on the thread may have come to count on it.
+    (void)CoInitialize(nullptr);
+    const int result = Subscribe(VKEVENT_CARD_REMOVED);
+    if (result != 0)
+        vklogLog(g_szLogTag, kLogError, "Subscribe failed (%d)", result);
+}
+
+VKDelegateSubscriberCardRemoved::~VKDelegateSubscriberCardRemoved() {
+    const mvp::LogScope scope("VKDelegateSubscriberCardRemoved Destructor");
+    UnSubscribe();
+}
+
+bool VKDelegateSubscriberCardRemoved::Concerns(const VKEvent& event) const {
+    if (m_strReader.IsEmpty())
+        return true;
+    return event.pszReaderName != nullptr &&
+           _mbsicmp(Bytes(event.pszReaderName), Bytes(m_strReader)) == 0;
+}
+
+void VKDelegateSubscriberCardRemoved::HandleEvent(const VKEvent& event) {
+    const mvp::LogScope scope("VKDelegateSubscriberCardRemoved::HandleEvent");
+    const HWND target = m_pWnd != nullptr ? m_pWnd->m_hWnd : nullptr;
+    if (target != nullptr && Concerns(event))
+        ::PostMessageA(target, m_nMessage, 1, 0);
+}
+
+CCardRemoved::CCardRemoved(CHideable* pPopupAlert) : m_pPopupAlert(pPopupAlert) {
+    const mvp::LogScope scope("CCardRemoved::CCardRemoved() - contructor");
+    Subscribe(VKEVENT_CARD_REMOVED);
+}
+
+CCardRemoved::~CCardRemoved() {
+    const mvp::LogScope scope("CCardRemoved::~CCardRemoved() - destructor");
+    UnSubscribe();
+}
+
+void CCardRemoved::HandleEvent(const VKEvent& /*event*/) {
+    const mvp::LogScope scope("CCardRemoved::HandleEvent");
+    if (m_pPopupAlert == nullptr) {
+        vklogLog(g_szLogTag, kLogError, "CCardRemoved::HandleEvent: m_pPopupAlert = NULL");
+        return;
+    }
+    vklogLog(g_szLogTag, kLogInfo, "CCardRemoved::HandleEvent: m_pPopupAlert->Hide ");
+    m_pPopupAlert->Hide();
+}

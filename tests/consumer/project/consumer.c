@@ -1,0 +1,13 @@
+/* Uses the C interface from C. Prints what string of the resource module tells code 11. */
+#include <stdio.h>
+
+#include <mvpingui/mvpingui.h>
+
+int main(void) {
+    InitGUIDll();
+    SetPinPromptString("Your PIN");
+    SetPinPromptString(NULL);
+    FreeGetPinBuffer(NULL, 0);
+    puts(GetErrorString(11));
+    return GetErrorString(11)[0] != '\0' ? 0 : 1;
+}

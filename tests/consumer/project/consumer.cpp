@@ -1,0 +1,26 @@
+// Uses an exported class from C++: a dialog of the host's own on the library's base.
+#include <cstdio>
+
+#include <dlgfw/dlgfw.h>
+#include <mvpingui/base_dialog.h>
+#include <mvpingui/mvpingui.h>
+
+namespace {
+
+class CHostDialog : public CBaseDialog {
+public:
+    // No such template: the modal loop answers -1.
+    CHostDialog() : CBaseDialog(1, 1, nullptr, nullptr) {}
+};
+
+}  // namespace
+
+int main() {
+    InitGUIDll();
+    CString secret("1234");
+    CBaseDialog::HidePinFromMemory(secret);
+    CHostDialog dialog;
+    const bool right = secret.IsEmpty() && dialog.DoModal() == -1;
+    std::puts(right ? "ok" : "wrong");
+    return right ? 0 : 1;
+}

@@ -1,0 +1,92 @@
+// Drives the modal dialogs of a test.
+//
+// A modal dialog keeps the test's thread until it is closed. A driver, made before the dialog is
+// opened, runs beside it on a thread of its own: it waits for the dialog, hands it to the test's
+// script, and waits for it to go. One script for each dialog that opens, in order:
+//
+//     DialogDriver driver(
+//         [](Dialog& warning) { warning.Click(IDOK); },
+//         Step(Titled("Enter PIN"), [](Dialog& dialog) {
+//             dialog.Type(IDC_PIN, "1234");
+//             EXPECT_TRUE(dialog.IsEnabled(IDOK));
+//             dialog.Enter();
+//         }));
+//     EXPECT_EQ(GetPINFromUser(...), 0u);
+//     driver.Join();
+//
+// A dialog that opens over another one is reached from the script of the first:
+// `Dialog help = dialog.Next(); help.Click(IDOK); help.WaitGone();`.
+//
+// A driver without scripts holds that no dialog opens: `DialogDriver noDialog;`.
+//
+// Whatever goes wrong ends in good time with a reason: a missed deadline, a dialog that nobody
+// waits for, a script that leaves its dialog open, a failed ASSERT in a script all fail the test,
+// and every open dialog is cancelled, so that the test's thread gets on. If a dialog cannot be
+// cancelled the process is ended. EXPECT_ and ASSERT_ may be used in scripts.
+//
+// A driver drives the dialogs of the thread that made it, one driver at a time.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <concepts>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/handle.h"
+#include "support/dialog.h"
+
+namespace mvp::test {
+
+using Script = std::function<void(Dialog&)>;
+
+struct Step {
+    template <std::invocable<Dialog&> Function>
+    Step(Function function) : match(AnyDialog()), script(std::move(function)) {}
+    Step(DialogMatch wanted, Script function)
+        : match(std::move(wanted)), script(std::move(function)) {}
+
+    DialogMatch match;
+    Script script;
+};
+
+class DialogDriver {
+public:
+    static constexpr std::chrono::milliseconds kDeadline = std::chrono::seconds(10);
+
+    template <std::convertible_to<Step>... Steps>
+    explicit DialogDriver(Steps&&... steps)
+        : DialogDriver(kDeadline, std::forward<Steps>(steps)...) {}
+    // `deadline` holds for each single wait.
+    template <std::convertible_to<Step>... Steps>
+    explicit DialogDriver(std::chrono::milliseconds deadline, Steps&&... steps)
+        : DialogDriver(deadline, std::vector<Step>{Step(std::forward<Steps>(steps))...}) {}
+    DialogDriver(std::chrono::milliseconds deadline, std::vector<Step> steps);
+    DialogDriver(const DialogDriver&) = delete;
+    DialogDriver& operator=(const DialogDriver&) = delete;
+    ~DialogDriver();
+
+    // Waits until every script has run; the destructor does it too. The thread's messages are
+    // handled meanwhile, so modeless dialogs live on.
+    void Join();
+
+private:
+    void Main(const std::vector<Step>& steps) noexcept;
+    void RunSteps(const std::vector<Step>& steps);
+    void WatchUntilStopped();
+    void CancelDialogs(const std::vector<HWND>& dialogs);
+    void Fail(const std::string& strReason);
+
+    std::unique_ptr<DriverCore> m_core;
+    bool m_bFailed = false;
+    KernelHandle m_scriptsDone;  // set by the driver's thread
+    KernelHandle m_stop;         // set by Join, for the driver's thread to end
+    KernelHandle m_ended;        // set by the driver's thread
+    std::thread m_thread;
+};
+
+}  // namespace mvp::test

@@ -1,0 +1,48 @@
+// A dialog template made in memory, for tests that need a dialog but no resource module:
+//
+//     DialogTemplate form("Enter PIN", {0, 0, 160, 60});
+//     form.Add("EDIT", IDC_PIN, "", {7, 7, 100, 14}, ES_PASSWORD | WS_TABSTOP | WS_BORDER);
+//     form.Add("BUTTON", IDOK, "OK", {7, 40, 50, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP);
+//     DialogBoxIndirectParamA(hInstance, form.Get(), hParent, DialogProc, 0);
+//
+// Places are x, y, width and height in dialog units. Text is ASCII.
+#pragma once
+
+#include <windows.h>
+
+#include <string_view>
+#include <vector>
+
+namespace mvp::test {
+
+struct DialogPlace {
+    short x, y, width, height;
+};
+
+class DialogTemplate {
+public:
+    static constexpr DWORD kPopup =
+        WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER | DS_SETFONT;
+    // For a panel inside another dialog.
+    static constexpr DWORD kChild = WS_CHILD | WS_VISIBLE | DS_CONTROL | DS_SETFONT;
+
+    DialogTemplate(std::string_view title, const DialogPlace& place, DWORD dwStyle = kPopup,
+                   DWORD dwExStyle = 0);
+
+    // Controls are visible unless `bVisible` is false.
+    DialogTemplate& Add(std::string_view className, int nId, std::string_view text,
+                        const DialogPlace& place, DWORD dwStyle, bool bVisible = true);
+
+    // Valid until the next Add or the end of this object.
+    const DLGTEMPLATE* Get() const;
+
+private:
+    void AddWord(WORD wValue);
+    void AddDword(DWORD dwValue);
+    void AddText(std::string_view text);
+    void AddPlace(const DialogPlace& place);
+
+    std::vector<WORD> m_words;
+};
+
+}  // namespace mvp::test

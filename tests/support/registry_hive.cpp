@@ -1,0 +1,93 @@
+#include "support/registry_hive.h"
+
+#include <stdexcept>
+
+namespace mvp::test {
+namespace {
+
+void Check(LSTATUS nStatus, const std::string& strWhat) {
+    if (nStatus != ERROR_SUCCESS)
+        throw std::runtime_error(strWhat + ": error " + std::to_string(nStatus));
+}
+
+RegistryKey CreateVolatile(HKEY hParent, const std::string& strPath) {
+    RegistryKey key;
+    Check(RegCreateKeyExA(hParent, strPath.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+                          nullptr, key.put(), nullptr),
+          "creating the key " + strPath);
+    return key;
+}
+
+}  // namespace
+
+RegistryHive::RegistryHive()
+    : m_strRoot("Software\\MvpTestHive" + std::to_string(GetCurrentProcessId())) {
+    // What a crashed run with this process number may have left.
+    RegDeleteTreeA(HKEY_CURRENT_USER, m_strRoot.c_str());
+    m_root = CreateVolatile(HKEY_CURRENT_USER, m_strRoot);
+    Check(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_root.get()), "taking the hive's place");
+}
+
+RegistryHive::~RegistryHive() {
+    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    m_root.reset();
+    RegDeleteTreeA(HKEY_CURRENT_USER, m_strRoot.c_str());
+}
+
+RegistryKey RegistryHive::Open(const std::string& strPath) {
+    return CreateVolatile(m_root.get(), strPath);
+}
+
+void RegistryHive::CreateKey(const std::string& strPath) {
+    Open(strPath);
+}
+
+void RegistryHive::SetString(const std::string& strPath, const std::string& strName,
+                             std::string_view text) {
+    SetRaw(strPath, strName, REG_SZ, std::string(text) + '\0');
+}
+
+void RegistryHive::SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue) {
+    Check(RegSetValueExA(Open(strPath).get(), strName.c_str(), 0, REG_DWORD,
+                         reinterpret_cast<const BYTE*>(&dwValue), sizeof dwValue),
+          "setting " + strName);
+}
+
+void RegistryHive::SetUnterminated(const std::string& strPath, const std::string& strName,
+                                   std::string_view text) {
+    SetRaw(strPath, strName, REG_SZ, text);
+}
+
+void RegistryHive::SetRaw(const std::string& strPath, const std::string& strName, DWORD dwType,
+                          std::string_view bytes) {
+    const RegistryKey key = Open(strPath);
+    if (dwType != REG_SZ && dwType != REG_EXPAND_SZ && dwType != REG_MULTI_SZ) {
+        Check(RegSetValueExA(key.get(), strName.c_str(), 0, dwType,
+                             reinterpret_cast<const BYTE*>(bytes.data()),
+                             static_cast<DWORD>(bytes.size())),
+              "setting " + strName);
+        return;
+    }
+    // The registry keeps text as 16-bit characters. When it stores them it looks at the character
+    // behind the given ones and takes a terminator that it finds there along: there must be none.
+    std::wstring wide(bytes.size(), L'\0');
+    const int nLength = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(bytes.size()),
+                                            wide.data(), static_cast<int>(wide.size()));
+    wide.resize(static_cast<size_t>(nLength));
+    wide.push_back(L'#');
+    const std::wstring name(strName.begin(), strName.end());
+    Check(RegSetValueExW(key.get(), name.c_str(), 0, dwType,
+                         reinterpret_cast<const BYTE*>(wide.data()),
+                         static_cast<DWORD>(nLength) * sizeof(wchar_t)),
+          "setting " + strName);
+}
+
+void RegistryHive::DeleteValue(const std::string& strPath, const std::string& strName) {
+    Check(RegDeleteValueA(Open(strPath).get(), strName.c_str()), "deleting " + strName);
+}
+
+void RegistryHive::DeleteKey(const std::string& strPath) {
+    Check(RegDeleteTreeA(m_root.get(), strPath.c_str()), "deleting the key " + strPath);
+}
+
+}  // namespace mvp::test

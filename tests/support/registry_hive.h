@@ -1,0 +1,51 @@
+// A machine-wide registry hive of the test's own: empty at first, gone afterwards.
+//
+//     RegistryHive hive;
+//     hive.SetString("Software\\Quillon\\Veskara", "VeskaraInstallPath", "C:\\veskara\\");
+//     ...  // the library now reads what the test has set
+//
+// While it lives, the whole process sees it in place of HKEY_LOCAL_MACHINE. It stands on a volatile
+// key of the current user, unique for the process, so that tests need no rights and leave nothing
+// behind. One at a time; whoever opened keys below HKEY_LOCAL_MACHINE keeps those he opened.
+#pragma once
+
+#include <windows.h>
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/handle.h"
+
+namespace mvp::test {
+
+class RegistryHive {
+public:
+    RegistryHive();
+    RegistryHive(const RegistryHive&) = delete;
+    RegistryHive& operator=(const RegistryHive&) = delete;
+    ~RegistryHive();
+
+    // Each makes the key when it is missing. Paths are relative to HKEY_LOCAL_MACHINE.
+    void CreateKey(const std::string& strPath);
+    void SetString(const std::string& strPath, const std::string& strName, std::string_view text);
+    void SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue);
+    // A string value whose stored bytes end with the text: no terminator.
+    void SetUnterminated(const std::string& strPath, const std::string& strName,
+                         std::string_view text);
+    // Bytes of any type and size. An ANSI reader of the string types gets `bytes` as they stand.
+    void SetRaw(const std::string& strPath, const std::string& strName, DWORD dwType,
+                std::string_view bytes);
+
+    void DeleteValue(const std::string& strPath, const std::string& strName);
+    void DeleteKey(const std::string& strPath);  // with all below it
+
+private:
+    RegistryKey Open(const std::string& strPath);
+
+    std::string m_strRoot;  // below HKEY_CURRENT_USER
+    RegistryKey m_root;
+};
+
+}  // namespace mvp::test

@@ -1,0 +1,79 @@
+#include "frame/help_topic.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/log_recorder.h"
+#include "support/registry_hive.h"
+
+namespace mvp::test {
+namespace {
+
+constexpr char kKey[] = "SOFTWARE\\Quillon\\Veskara\\GlobalConfig";
+
+struct ViewerCall {
+    HWND hCaller;
+    std::string strFile;
+    UINT uCommand;
+    DWORD_PTR dwData;
+};
+std::vector<ViewerCall> g_calls;
+
+HWND WINAPI RecordingViewer(HWND hCaller, LPCSTR pszFile, UINT uCommand, DWORD_PTR dwData) {
+    g_calls.push_back({hCaller, pszFile, uCommand, dwData});
+    return nullptr;
+}
+
+class HelpTopic : public testing::Test {
+protected:
+    HelpTopic() {
+        g_calls.clear();
+        SetHelpViewer(RecordingViewer);
+    }
+    ~HelpTopic() override { SetHelpViewer(nullptr); }
+
+    RegistryHive m_hive;
+    LogRecorder m_log;
+};
+
+TEST_F(HelpTopic, ShowsTheConfiguredFileAtTheTopic) {
+    m_hive.SetString(kKey, "VeskaraHelpPath", "C:\\veskara\\help.chm");
+    DoDisplayTopic(1015);
+    ASSERT_EQ(g_calls.size(), 1U);
+    EXPECT_EQ(g_calls[0].hCaller, GetActiveWindow());
+    EXPECT_EQ(g_calls[0].strFile, "C:\\veskara\\help.chm");
+    EXPECT_EQ(g_calls[0].uCommand, 15U);
+    EXPECT_EQ(g_calls[0].dwData, 1015U);
+    EXPECT_TRUE(m_log.Contains(8, "DoDisplayTopic"));
+    EXPECT_TRUE(m_log.Contains(2, "Displaying topic 1015"));
+    EXPECT_TRUE(m_log.Contains(16, "DoDisplayTopic"));
+}
+
+TEST_F(HelpTopic, TakesAnyTypeAndNeverReadsBeyondTheBuffer) {
+    m_hive.SetRaw(kKey, "VeskaraHelpPath", REG_EXPAND_SZ, std::string("a.chm", 6));
+    DoDisplayTopic(1);
+    m_hive.SetUnterminated(kKey, "VeskaraHelpPath", std::string(260, 'p'));
+    DoDisplayTopic(2);
+    ASSERT_EQ(g_calls.size(), 2U);
+    EXPECT_EQ(g_calls[0].strFile, "a.chm");
+    EXPECT_EQ(g_calls[1].strFile, std::string(260, 'p'));
+}
+
+TEST_F(HelpTopic, WithoutAFileShowsNothing) {
+    DoDisplayTopic(3);
+    EXPECT_TRUE(
+        m_log.Contains(1, "RegOpenKeyEx \"SOFTWARE\\Quillon\\Veskara\\GlobalConfig\" failed"))
+        << m_log.Dump();
+    m_hive.CreateKey(kKey);
+    DoDisplayTopic(3);
+    m_hive.SetString(kKey, "VeskaraHelpPath", std::string(260, 'p'));
+    DoDisplayTopic(3);
+    EXPECT_EQ(m_log.Texts(1).size(), 3U) << m_log.Dump();
+    EXPECT_TRUE(m_log.Contains(1, "RegQueryValueEx \"VeskaraHelpPath\" failed"));
+    EXPECT_TRUE(g_calls.empty());
+}
+
+}  // namespace
+}  // namespace mvp::test

@@ -1,0 +1,54 @@
+#include "ui/framework/form.h"
+
+#include <dlgfw/message_map.h>
+
+namespace mvp::test {
+
+BEGIN_MESSAGE_MAP(CFormDlg, CDialog)
+    ON_BN_CLICKED(kFormButton, &CFormDlg::OnButton)
+    ON_MESSAGE(kFormAsk, &CFormDlg::OnAsk)
+    ON_WM_DESTROY()
+END_MESSAGE_MAP()
+
+CFormDlg::CFormDlg(CWnd* pParent, DWORD dwStyle) : m_template("Form", {0, 0, 180, 60}, dwStyle) {
+    m_template.Add("EDIT", kFormEdit, "", {7, 7, 100, 14}, WS_BORDER | WS_TABSTOP)
+        .Add("BUTTON", kFormButton, "&Go", {120, 7, 50, 14}, WS_TABSTOP)
+        .Add("BUTTON", IDOK, "OK", {7, 40, 50, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP)
+        .Add("BUTTON", IDCANCEL, "Cancel", {67, 40, 50, 14}, WS_TABSTOP);
+    InitModalIndirect(m_template.Get(), pParent);
+}
+
+BOOL CFormDlg::OnInitDialog() {
+    const BOOL bSetFocus = CDialog::OnInitDialog();
+    if (m_onInit)
+        m_onInit();
+    return bSetFocus;
+}
+
+void CFormDlg::OnButton() {
+    // The dialog, and the function object in it, may go meanwhile.
+    if (const auto onButton = m_onButton)
+        onButton();
+}
+
+LRESULT CFormDlg::OnAsk(WPARAM wParam, LPARAM) {
+    const auto onAsk = m_onAsk;
+    return onAsk ? onAsk(wParam) : 0;
+}
+
+void CFormDlg::OnDestroy() {
+    if (m_onDestroy)
+        m_onDestroy();
+    CDialog::OnDestroy();
+}
+
+BOOL CFormDlg::PreTranslateMessage(MSG* pMsg) {
+    return (m_onPreTranslate && m_onPreTranslate(pMsg)) || CDialog::PreTranslateMessage(pMsg);
+}
+
+CHostWnd::CHostWnd() {
+    CreateEx(0, nullptr, "host", WS_POPUP | WS_CAPTION | WS_VISIBLE, 100, 100, 700, 600, nullptr,
+             nullptr);
+}
+
+}  // namespace mvp::test

@@ -1,0 +1,53 @@
+// The dialog that these tests open: an edit, OK and Cancel, and what each test does in its
+// handlers.
+#pragma once
+
+#include <functional>
+
+#include <dlgfw/dialog.h>
+
+#include "support/dialog_template.h"
+
+namespace mvp::test {
+
+constexpr int kFormEdit = 1001;
+constexpr int kFormButton = 1002;
+constexpr UINT kFormAsk = WM_APP + 7;
+
+class CFormDlg : public CDialog {
+public:
+    explicit CFormDlg(CWnd* pParent = nullptr, DWORD dwStyle = DialogTemplate::kPopup);
+
+    // Called from the handlers of the same names, where set.
+    std::function<void()> m_onInit;
+    std::function<void()> m_onButton;
+    std::function<LRESULT(WPARAM)> m_onAsk;  // kFormAsk
+    std::function<void()> m_onDestroy;
+    std::function<bool(MSG*)> m_onPreTranslate;
+
+    using CDialog::CreateModalWindow;
+    using CDialog::m_nModalResult;
+
+    BOOL PreTranslateMessage(MSG* pMsg) override;
+    // Modeless.
+    BOOL Open(CWnd* pParent) { return CreateIndirect(m_template.Get(), pParent); }
+    DialogTemplate& Template() { return m_template; }
+
+protected:
+    BOOL OnInitDialog() override;
+    afx_msg void OnButton();
+    afx_msg LRESULT OnAsk(WPARAM wParam, LPARAM lParam);
+    afx_msg void OnDestroy();
+    DECLARE_MESSAGE_MAP()
+
+private:
+    DialogTemplate m_template;
+};
+
+// A visible window of this thread to be a parent.
+class CHostWnd : public CWnd {
+public:
+    CHostWnd();
+};
+
+}  // namespace mvp::test

@@ -1,0 +1,308 @@
+#include "notify/progress_bar.h"
+
+#include <windows.h>
+#include <uxtheme.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <vssym32.h>
+
+#include "platform/handle.h"
+#include "platform/system_library.h"
+
+namespace mvp {
+namespace {
+
+constexpr DWORD kVisible = WS_POPUP | WS_VISIBLE;
+
+class ProgressBarTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(RegisterProgressBarClass(GetModuleHandleA(nullptr))); }
+    void TearDown() override {
+        if (m_hBar != nullptr)
+            DestroyWindow(m_hBar);
+        UnregisterProgressBarClass(GetModuleHandleA(nullptr));
+    }
+
+    HWND Create(DWORD style, int width = 204, int height = 15) {
+        m_hBar = CreateWindowExA(0, kProgressBarClass, "", style, 20, 20, width, height, nullptr,
+                                 nullptr, GetModuleHandleA(nullptr), nullptr);
+        EXPECT_NE(m_hBar, nullptr);
+        UpdateWindow(m_hBar);
+        return m_hBar;
+    }
+    void Destroy() {
+        EXPECT_TRUE(DestroyWindow(m_hBar));
+        m_hBar = nullptr;
+    }
+
+    // The test serves no queue, so the bar's own timer never comes between.
+    void Tick(int times) {
+        for (int i = 0; i < times; ++i)
+            SendMessageA(m_hBar, WM_TIMER, kProgressTimer, 0);
+    }
+    LRESULT Send(UINT nMessage, WPARAM wParam = 0) {
+        return SendMessageA(m_hBar, nMessage, wParam, 0);
+    }
+    // Asks by taking the timer away.
+    bool HadTimer() { return KillTimer(m_hBar, kProgressTimer) != FALSE; }
+
+    // The colours on the line halfway down.
+    std::vector<COLORREF> MiddleLine() {
+        RECT client{};
+        GetClientRect(m_hBar, &client);
+        const WindowDc dc(m_hBar);
+        std::vector<COLORREF> line(static_cast<std::size_t>(client.right));
+        for (std::size_t x = 0; x < line.size(); ++x)
+            line[x] = GetPixel(dc.get(), static_cast<int>(x), client.bottom / 2);
+        return line;
+    }
+    // "102-110 92-100": the runs of the highlight colour from the right.
+    std::string HighlightedRuns() {
+        const std::vector<COLORREF> line = MiddleLine();
+        const COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
+        std::string runs;
+        for (std::size_t x = 0; x < line.size();) {
+            const std::size_t start = x;
+            while (x < line.size() && line[x] == highlight)
+                ++x;
+            if (x > start)
+                runs.insert(0, std::to_string(start) + '-' + std::to_string(x) + ' ');
+            else
+                ++x;
+        }
+        return runs;
+    }
+
+    HWND m_hBar = nullptr;
+};
+
+TEST_F(ProgressBarTest, RegistersTheClassAsHostsExpectIt) {
+    WNDCLASSEXA info{};
+    info.cbSize = sizeof info;
+    ASSERT_TRUE(GetClassInfoExA(GetModuleHandleA(nullptr), "VkProgressBar", &info));
+    EXPECT_EQ(info.style, 0x4003u);
+    EXPECT_EQ(info.hIcon, nullptr);
+    EXPECT_EQ(info.hCursor, nullptr);
+    EXPECT_EQ(info.hbrBackground, nullptr);
+    EXPECT_FALSE(RegisterProgressBarClass(GetModuleHandleA(nullptr)));
+
+    UnregisterProgressBarClass(GetModuleHandleA(nullptr));
+    EXPECT_FALSE(GetClassInfoExA(GetModuleHandleA(nullptr), "VkProgressBar", &info));
+    EXPECT_TRUE(RegisterProgressBarClass(GetModuleHandleA(nullptr)));
+}
+
+TEST_F(ProgressBarTest, KeepsIntervalAndBlocks) {
+    Create(kVisible);
+    EXPECT_EQ(Send(WM_USER), 18);
+    EXPECT_EQ(Send(WM_USER + 2), 5);
+
+    EXPECT_EQ(Send(WM_USER + 1, 250), 1);
+    EXPECT_EQ(Send(WM_USER), 250);
+
+    for (const WPARAM refused : {WPARAM{0}, WPARAM{21}, WPARAM{0x100000005}, ~WPARAM{0}}) {
+        EXPECT_EQ(Send(WM_USER + 3, refused), 0) << refused;
+        EXPECT_EQ(Send(WM_USER + 2), 5) << refused;
+    }
+    for (const WPARAM taken : {WPARAM{1}, WPARAM{20}}) {
+        EXPECT_EQ(Send(WM_USER + 3, taken), 1);
+        EXPECT_EQ(Send(WM_USER + 2), static_cast<LRESULT>(taken));
+    }
+}
+
+TEST_F(ProgressBarTest, HasATimerWhileItIsEnabled) {
+    Create(kVisible);
+    EXPECT_TRUE(HadTimer());
+    Send(WM_USER + 1, 100);
+    EXPECT_TRUE(HadTimer());
+    Send(WM_USER + 1, 100);
+    EnableWindow(m_hBar, FALSE);
+    EXPECT_FALSE(HadTimer());
+    Send(WM_USER + 1, 50);
+    EXPECT_FALSE(HadTimer());
+    EnableWindow(m_hBar, TRUE);
+    EXPECT_TRUE(HadTimer());
+    Destroy();
+
+    Create(kVisible | WS_DISABLED);
+    EXPECT_EQ(Send(WM_USER), 18);
+    EXPECT_FALSE(HadTimer());
+}
+
+TEST_F(ProgressBarTest, MovesWithEveryTickAndStartsAgain) {
+    Create(kVisible | kProgressClassicLook);
+    EXPECT_EQ(HighlightedRuns(), "2-10 ");
+    SendMessageA(m_hBar, WM_TIMER, kProgressTimer + 1, 0);
+    Tick(4);
+    EXPECT_EQ(HighlightedRuns(), "2-10 ");
+    Tick(1);
+    EXPECT_EQ(HighlightedRuns(), "12-20 2-10 ");
+    Tick(36);
+    EXPECT_EQ(HighlightedRuns(), "102-110 92-100 82-90 72-80 62-70 ");
+    Send(WM_USER + 3, 2);
+    InvalidateRect(m_hBar, nullptr, FALSE);
+    UpdateWindow(m_hBar);
+    EXPECT_EQ(HighlightedRuns(), "102-110 92-100 ");
+    Send(WM_USER + 3, 5);
+    Tick(60);
+    EXPECT_EQ(HighlightedRuns(), "") << "after 101 ticks the last chunk is beyond the right edge";
+    Tick(1);
+    EXPECT_EQ(HighlightedRuns(), "2-10 ");
+    Tick(4);
+    EXPECT_EQ(HighlightedRuns(), "12-20 2-10 ");
+}
+
+TEST_F(ProgressBarTest, GoesBackToTheStartWhenDisabled) {
+    Create(kVisible | kProgressClassicLook);
+    Tick(41);
+    EnableWindow(m_hBar, FALSE);
+    EXPECT_EQ(HighlightedRuns(), "2-10 ");
+    EnableWindow(m_hBar, TRUE);
+    Tick(5);
+    EXPECT_EQ(HighlightedRuns(), "12-20 2-10 ");
+}
+
+TEST_F(ProgressBarTest, DrawsTheClassicBarSunkenOnTheButtonFace) {
+    Create(kVisible | kProgressClassicLook);
+    const WindowDc dc(m_hBar);
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    EXPECT_EQ(GetPixel(dc.get(), 0, 0), GetSysColor(COLOR_BTNSHADOW));
+    EXPECT_EQ(GetPixel(dc.get(), 203, 14), GetSysColor(COLOR_BTNHIGHLIGHT));
+    EXPECT_EQ(GetPixel(dc.get(), 100, 7), face);
+    // The first chunk fills the height inside the edge: lines 2 to 12 of 15.
+    const COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
+    EXPECT_NE(GetPixel(dc.get(), 5, 1), highlight);
+    EXPECT_EQ(GetPixel(dc.get(), 5, 2), highlight);
+    EXPECT_EQ(GetPixel(dc.get(), 5, 12), highlight);
+    EXPECT_NE(GetPixel(dc.get(), 5, 13), highlight);
+}
+
+TEST_F(ProgressBarTest, RepaintsOnlyAPartOnTheRightPlace) {
+    Create(kVisible | kProgressClassicLook);
+    Tick(41);
+    const RECT part = {90, 3, 120, 12};
+    {
+        const WindowDc dc(m_hBar);
+        FillRect(dc.get(), &part, GetSysColorBrush(COLOR_WINDOWTEXT));
+    }
+    InvalidateRect(m_hBar, &part, FALSE);
+    UpdateWindow(m_hBar);
+    EXPECT_EQ(HighlightedRuns(), "102-110 92-100 82-90 72-80 62-70 ");
+}
+
+TEST_F(ProgressBarTest, TakesAnySizeAndOutOfPlaceMessages) {
+    for (const DWORD look : {DWORD{0}, kProgressClassicLook}) {
+        for (const int width : {0, 1, 3, 4, 5, 20'000}) {
+            for (const int height : {0, 1, 4, 5, 6, 300}) {
+                Create(kVisible | look, width, height);
+                Tick(3);
+                Destroy();
+            }
+        }
+    }
+    Create(kVisible | kProgressClassicLook);
+    Send(WM_USER + 3, 7);
+    Send(WM_CREATE);
+    EXPECT_EQ(Send(WM_USER + 2), 7);
+    Send(WM_NCDESTROY);
+    Tick(3);
+    Send(WM_PAINT);
+    Send(WM_ENABLE, FALSE);
+    EXPECT_EQ(Send(WM_USER + 2), 0);
+}
+
+// What the system says of the bar's theme; empty when it has no theme library.
+struct ThemeFacts {
+    bool bHasLibrary = false;
+    bool bIsThemed = false;
+    RECT content{};
+    SIZE chunk{};
+};
+
+ThemeFacts AskTheme(HWND hBar) {
+    ThemeFacts facts;
+    const auto library = LoadSystemLibrary("UxTheme.dll");
+    facts.bHasLibrary = static_cast<bool>(library);
+    if (!library)
+        return facts;
+    const HMODULE h = library.get();
+    facts.bIsThemed = FindFunction<decltype(&IsAppThemed)>(h, "IsAppThemed")() != FALSE;
+    const WindowDc dc(hBar);
+    RECT bar{};
+    GetClientRect(hBar, &bar);
+    const HTHEME theme =
+        FindFunction<decltype(&OpenThemeData)>(h, "OpenThemeData")(hBar, L"Progress");
+    FindFunction<decltype(&GetThemeBackgroundContentRect)>(h, "GetThemeBackgroundContentRect")(
+        theme, dc.get(), PP_BAR, 0, &bar, &facts.content);
+    FindFunction<decltype(&GetThemePartSize)>(h, "GetThemePartSize")(
+        theme, dc.get(), PP_CHUNK, 0, nullptr, TS_TRUE, &facts.chunk);
+    FindFunction<decltype(&CloseThemeData)>(h, "CloseThemeData")(theme);
+    return facts;
+}
+
+// Run a second time by ctest with the theme library taken away.
+TEST_F(ProgressBarTest, FollowsTheThemeWhereThereIsOne) {
+    Create(kVisible | kProgressClassicLook);
+    const std::vector<COLORREF> classic = MiddleLine();
+    Destroy();
+
+    Create(kVisible);
+    const ThemeFacts facts = AskTheme(m_hBar);
+    const std::vector<COLORREF> atStart = MiddleLine();
+    if (!facts.bHasLibrary) {
+        EXPECT_EQ(atStart, classic);
+        return;
+    }
+    ASSERT_TRUE(facts.bIsThemed) << "this test wants a theme to be switched on";
+    EXPECT_NE(atStart, classic);
+
+    // When the head has gone one step, what is new is one chunk beside the first, nothing else.
+    const int places = (facts.content.right - facts.content.left) / facts.chunk.cx;
+    ASSERT_GT(places, 1);
+    Tick(1 + (100 + places - 1) / places);
+    const std::vector<COLORREF> oneStep = MiddleLine();
+    const int left = facts.content.left + facts.chunk.cx + 2;
+    for (int x = 0; x < static_cast<int>(oneStep.size()); ++x) {
+        const auto i = static_cast<std::size_t>(x);
+        EXPECT_EQ(oneStep[i] != atStart[i], x >= left && x < left + facts.chunk.cx) << x;
+    }
+}
+
+// The system counts the objects, but under Wine its answer is 0: there every handle's low word is
+// tried, which alone names the object.
+unsigned CountGdiObjects() {
+    if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS))
+        return count;
+    unsigned count = 0;
+    for (ULONG_PTR n = 4; n <= 0xFFFF; ++n)
+        count += GetObjectType(reinterpret_cast<HGDIOBJ>(n)) != 0 ? 1u : 0u;
+    return count;
+}
+
+TEST_F(ProgressBarTest, KeepsNoGdiObjects) {
+    const auto live = [this] {
+        for (const DWORD look : {DWORD{0}, kProgressClassicLook}) {
+            Create(kVisible | look);
+            Tick(30);
+            Destroy();
+        }
+    };
+    live();  // what the system keeps for later is made here
+    const unsigned before = CountGdiObjects();
+    ASSERT_GT(before, 0u);
+    for (int i = 0; i < 20; ++i)
+        live();
+    EXPECT_LE(CountGdiObjects(), before + 5);
+
+    // Nor between two paintings of one window.
+    Create(kVisible);
+    const unsigned between = CountGdiObjects();
+    Tick(50);
+    EXPECT_LE(CountGdiObjects(), between);
+}
+
+}  // namespace
+}  // namespace mvp

@@ -1,0 +1,73 @@
+#include "resource_module.h"
+
+#include <array>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "resources/resource_numbers.h"
+
+namespace {
+
+BOOL CALLBACK CollectName(HMODULE, LPCSTR, LPSTR name, LONG_PTR context) {
+    if (IS_INTRESOURCE(name))
+        reinterpret_cast<std::set<int>*>(context)->insert(
+            static_cast<int>(reinterpret_cast<ULONG_PTR>(name)));
+    else
+        ADD_FAILURE() << "resource without a number: " << name;
+    return TRUE;
+}
+
+}  // namespace
+
+const std::vector<std::string>& Languages() {
+    static const std::vector<std::string> languages = {
+#include "languages.inc"
+    };
+    return languages;
+}
+
+std::vector<NamedNumber> NamedNumbers(const std::string& prefix) {
+    static const NamedNumber namedNumbers[] = {
+#include "named_numbers.inc"
+    };
+    std::vector<NamedNumber> found;
+    for (const NamedNumber& named : namedNumbers) {
+        if (named.name.compare(0, prefix.size(), prefix) == 0)
+            found.push_back(named);
+    }
+    return found;
+}
+
+ResourceModule::ResourceModule(const std::string& language) : m_strLanguage(language) {
+    const std::string path = "..\\bin\\" + language + "\\Resources\\Localized\\mvpinguirc.dll";
+    m_module.reset(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+    if (!m_module)
+        throw std::runtime_error("cannot open " + path);
+}
+
+std::set<int> ResourceModule::ResourceNames(LPCSTR type) const {
+    std::set<int> names;
+    EnumResourceNamesA(get(), type, CollectName, reinterpret_cast<LONG_PTR>(&names));
+    return names;
+}
+
+std::set<int> ResourceModule::Numbers(LPCSTR type) const {
+    if (type != RT_STRING)
+        return ResourceNames(type);
+    // Strings are stored in blocks of sixteen; block n begins with string 16 (n - 1).
+    std::set<int> numbers;
+    for (const int block : ResourceNames(type)) {
+        for (int number = 16 * (block - 1); number < 16 * block; ++number) {
+            if (!Text(number).empty())
+                numbers.insert(number);
+        }
+    }
+    return numbers;
+}
+
+std::string ResourceModule::Text(int number) const {
+    std::array<char, 4096> text{};
+    LoadStringA(get(), static_cast<UINT>(number), text.data(), static_cast<int>(text.size()));
+    return text.data();
+}

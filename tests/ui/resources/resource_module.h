@@ -1,0 +1,49 @@
+// A language's resource module, opened as data, and what it holds by number.
+//
+//     const ResourceModule english("en");
+//     english.Text(IDS_POLICIES_BOX);
+#pragma once
+
+#include <windows.h>
+
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/handle.h"
+
+// The languages built.
+const std::vector<std::string>& Languages();
+
+// A number of the module and the name that resource_numbers.h gives it.
+struct NamedNumber {
+    std::string name;
+    int number;
+
+    // How test reports print it.
+    friend std::ostream& operator<<(std::ostream& out, const NamedNumber& named) {
+        return out << named.name;
+    }
+};
+// All names that begin with `prefix`, for example "IDS_".
+std::vector<NamedNumber> NamedNumbers(const std::string& prefix);
+
+class ResourceModule {
+public:
+    explicit ResourceModule(const std::string& language);
+
+    HMODULE get() const { return m_module.get(); }
+    const std::string& Language() const { return m_strLanguage; }
+
+    // The numbers of one type: RT_DIALOG, RT_BITMAP, RT_GROUP_ICON, RT_STRING.
+    std::set<int> Numbers(LPCSTR type) const;
+    // Empty when there is no such string.
+    std::string Text(int number) const;
+
+private:
+    std::set<int> ResourceNames(LPCSTR type) const;
+
+    std::string m_strLanguage;
+    mvp::ModuleHandle m_module;
+};

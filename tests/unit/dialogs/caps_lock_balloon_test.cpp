@@ -1,0 +1,46 @@
+#include "dialogs/base/caps_lock_balloon.h"
+
+#include <gtest/gtest.h>
+
+namespace mvp {
+namespace {
+
+TEST(CapsLockBalloon, StaysOnTheScreen) {
+    struct Case {
+        const char* pszWhat;
+        BalloonAnchor edit;
+        BalloonSize balloon;
+        BalloonPlace expected;
+    };
+    constexpr int kScreenWidth = 1000;
+    const Case cases[] = {
+        {"room above", {300, 400, 420}, {200, 100}, {300, 304}},
+        {"the last place above", {300, 151, 171}, {200, 100}, {300, 55}},
+        {"no room above", {300, 150, 170}, {200, 100}, {300, 162}},
+        {"edit at the very top", {300, 0, 20}, {200, 100}, {300, 12}},
+        {"edit left of the screen", {-40, 400, 420}, {200, 100}, {0, 304}},
+        {"ends at the right edge", {800, 400, 420}, {200, 100}, {800, 304}},
+        {"beyond the right edge", {801, 400, 420}, {200, 100}, {800, 304}},
+        {"wider than the screen", {10, 400, 420}, {1200, 100}, {0, 304}},
+    };
+    for (const Case& c : cases) {
+        const BalloonPlace place = PlaceBalloon(c.edit, c.balloon, kScreenWidth);
+        EXPECT_EQ(place.nLeft, c.expected.nLeft) << c.pszWhat;
+        EXPECT_EQ(place.nTop, c.expected.nTop) << c.pszWhat;
+    }
+}
+
+TEST(CapsLockBalloon, OnlyTypingHidesIt) {
+    constexpr unsigned kBackspace = 0x08;
+    constexpr unsigned kTab = 0x09;
+    constexpr unsigned kShift = 0x10;
+    constexpr unsigned kCapsLock = 0x14;
+    EXPECT_EQ(BalloonActionForKey(kCapsLock), BalloonAction::Check);
+    for (const unsigned key : {kBackspace, kTab, kShift})
+        EXPECT_EQ(BalloonActionForKey(key), BalloonAction::Leave) << key;
+    for (const unsigned key : {unsigned{'A'}, unsigned{'7'}, 0x0Du, 0x1Bu, 0x25u, 0x2Eu, 0x11u})
+        EXPECT_EQ(BalloonActionForKey(key), BalloonAction::Hide) << key;
+}
+
+}  // namespace
+}  // namespace mvp

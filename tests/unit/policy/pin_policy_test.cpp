@@ -1,0 +1,128 @@
+#include "policy/pin_policy.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace mvp {
+namespace {
+
+using namespace std::string_literals;
+
+// The state of every rule as one letter, in screen order: minimum, maximum, weak, same, digits,
+// confirmation. '-' not in force, 's' satisfied, 'V' violated.
+std::string Letters(const PinCheck& check) {
+    std::string letters;
+    for (const PinRule rule : kPinScreenOrder)
+        letters += "-sV"[static_cast<int>(check.State(rule))];
+    return letters;
+}
+
+TEST(PinPredicates, JudgeEdgeCases) {
+    struct Case {
+        std::string pin;
+        bool weak;
+        bool alpha;
+    };
+    const std::vector<Case> cases = {
+        {"", true, false},
+        {"1", true, false},
+        {"12", true, false},
+        {"19", true, false},
+        {"a", true, true},
+        {"121", false, false},
+        {"111", true, false},
+        {"135", true, false},
+        {"2468", true, false},
+        {"9876", true, false},
+        {"7890", false, false},
+        {"1235", false, false},
+        {"0123456789", true, false},
+        {"01234567890", false, false},
+        {"zyx", true, true},
+        {"abc", true, true},
+        {"aceg", true, true},
+        {"123 ", false, true},
+        {" 123", false, true},
+        {"12/4", false, true},
+        {"12:4", false, true},
+        {"/0123456789:"s, true, true},
+        // Steps wrap modulo 256, on the whole byte range.
+        {"\xFE\xFF\x00\x01"s, true, true},
+        {"\x01\x00\xFF\xFE"s, true, true},
+        {"\x00\x80\x00\x80"s, true, true},
+        {"\x7F\x80\x81"s, true, true},
+        {"\x00\xFF\x00"s, false, true},
+        // Superscript digits of the Western code page are digits for some locales, never here.
+        {"1234\xB2", false, true},
+        {"\xB2\xB3\xB9", false, true},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(IsPinWeak(c.pin), c.weak) << '"' << c.pin << '"';
+        EXPECT_EQ(IsAlphaPinWeak(c.pin), c.alpha) << '"' << c.pin << '"';
+    }
+}
+
+TEST(CheckPin, GivesEveryRulesState) {
+    constexpr std::uint32_t none = MVP_NO_PIN_LENGTH_RULE;
+    struct Case {
+        PwdRuleArgs rules;  // unused, alpha, weak, same, minimum, maximum, no-cancel
+        PinTexts texts;     // old, value, new, confirmation
+        std::string letters;
+    };
+    const std::vector<Case> cases = {
+        // Nothing demanded but the confirmation, which is exact.
+        {{1, 0, 0, 0, none, none, 1}, {"", "", "", ""}, "-----s"},
+        {{0, 0, 0, 0, none, none, 0}, {"", "", "1234", "1234 "}, "-----V"},
+        {{0, 0, 0, 0, none, none, 0}, {"", "", "abcd", "abcD"}, "-----V"},
+        {{0, 0, 0, 0, none, none, 0}, {"", "", "", "1"}, "-----V"},
+        // Both bounds belong to what is allowed.
+        {{0, 0, 0, 0, 4, 8, 0}, {"", "123", "", ""}, "Vs---s"},
+        {{0, 0, 0, 0, 4, 8, 0}, {"", "1234", "", ""}, "ss---s"},
+        {{0, 0, 0, 0, 4, 8, 0}, {"", "12345678", "", ""}, "ss---s"},
+        {{0, 0, 0, 0, 4, 8, 0}, {"", "123456789", "", ""}, "sV---s"},
+        {{0, 0, 0, 0, 8, 4, 0}, {"", "123456", "", ""}, "VV---s"},
+        // 0 is a bound, only the all-ones value is none, and large bounds are not negative.
+        {{0, 0, 0, 0, 0, none, 0}, {"", "", "", ""}, "s----s"},
+        {{0, 0, 0, 0, none, 0, 0}, {"", "", "", ""}, "-s---s"},
+        {{0, 0, 0, 0, none, 0, 0}, {"", "1", "", ""}, "-V---s"},
+        {{0, 0, 0, 0, 0xFFFFFFFEu, 0xFFFFFFFEu, 0}, {"", "1", "", ""}, "Vs---s"},
+        {{0, 0, 0, 0, 0x80000000u, 0x80000000u, 0}, {"", "1", "", ""}, "Vs---s"},
+        // Any bit sets a flag; each flag is its own rule.
+        {{0, 0x80000000u, 0, 0, none, none, 0}, {"", "12a", "", ""}, "----Vs"},
+        {{0, 0, 0x100u, 0, none, none, 0}, {"", "123", "", ""}, "--V--s"},
+        {{0, 0, 0, none, none, none, 0}, {"7", "", "7", "7"}, "---V-s"},
+        // Which rule looks at which value.
+        {{0, 1, 1, 1, 2, 2, 0}, {"1357a", "77", "1357a", "1357a"}, "ssVVss"},
+        {{0, 1, 1, 1, 4, 5, 0}, {"x", "1357a", "88", "88"}, "ssssVs"},
+        {{0, 1, 1, 1, 3, 4, 0}, {"1357", "1352", "1357", "1352"}, "sssVsV"},
+        {{0, 1, 1, 1, 3, 4, 0}, {"135", "abc", "1357", "1357"}, "ssVsVs"},
+        {{0, 0, 0, 1, none, none, 0}, {"pin", "", "Pin", "Pin"}, "---s-s"},
+        // Empty texts: weak, same, digits only, confirmed.
+        {{0, 1, 1, 1, 1, 8, 0}, {"", "", "", ""}, "VsVVss"},
+    };
+    for (const Case& c : cases) {
+        const PinCheck check = CheckPin(PinRules(&c.rules), c.texts);
+        EXPECT_EQ(Letters(check), c.letters) << c.texts.oldValue << '|' << c.texts.value << '|'
+                                             << c.texts.newValue << '|' << c.texts.confirmValue;
+        EXPECT_EQ(check.Verdict(), c.letters.find('V') == std::string::npos) << c.letters;
+    }
+}
+
+TEST(CheckPin, WithoutARecordDemandsOnlyTheConfirmation) {
+    EXPECT_EQ(Letters(CheckPin(PinRules(nullptr), {"", "a", "a", "a"})), "-----s");
+    EXPECT_EQ(Letters(CheckPin(PinRules(nullptr), {"", "a", "a", ""})), "-----V");
+}
+
+TEST(CheckPin, ReadsLongTextsToTheirEnd) {
+    const PwdRuleArgs record = {0, 1, 1, 1, 100'000, 100'000, 0};
+    const std::string even(100'000, '7');
+    std::string odd = even;
+    odd.back() = 'x';
+    EXPECT_EQ(Letters(CheckPin(PinRules(&record), {even, even, even, odd})), "ssVVsV");
+    EXPECT_EQ(Letters(CheckPin(PinRules(&record), {even, odd, odd, odd})), "ssssVs");
+}
+
+}  // namespace
+}  // namespace mvp
