@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <vkevtsub/vkevtsub.h>
 
 #include "frame/resource_module.h"
 #include "mvpingui/mvpingui.h"
@@ -40,6 +41,10 @@ void TypeAll(Dialog& d, const char* pszCurrent, const char* pszNew, const char* 
     d.Type(kCurrent, pszCurrent);
     d.Type(kNew, pszNew);
     d.Type(kConfirm, pszConfirm);
+}
+
+void RemoveCard(const char* pszReader) {
+    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
 }
 
 HICON IconOf(Dialog& d, int nId) {
@@ -232,9 +237,7 @@ TEST_F(ChangePin, EveryWayToCancelWritesNothing) {
         [](Dialog& d) { d.Click(IDCANCEL); },
         [](Dialog& d) { PostMessageA(d.Handle(), WM_SYSCOMMAND, SC_CLOSE, 0); },
         [](Dialog& d) { d.RealKey(VK_F4, {VK_MENU}); },
-        [](Dialog& d) {
-            PostMessageA(d.Handle(), RegisterWindowMessageA("VKCardRemovedEvent"), 1, 0);
-        },
+        [](Dialog&) { RemoveCard("READER a"); },
     };
     for (const Script& leave : ways) {
         ChangePinRequest request{.rules = kAllRules};
@@ -256,7 +259,6 @@ TEST_F(ChangePin, MandatoryChangeEndsByOkOrRemovalOnly) {
             TypeAll(d, "1234", "5838", "583");
             d.Escape();
             d.Cancel();
-            d.Send(kNew, WM_NULL);
             PostMessageA(d.Handle(), WM_SYSCOMMAND, SC_CLOSE, 0);
             d.Settle();
             d.RealKey(VK_F4, {VK_MENU});
@@ -265,8 +267,11 @@ TEST_F(ChangePin, MandatoryChangeEndsByOkOrRemovalOnly) {
             // Enabled from outside, it still cancels nothing.
             d.Run([&] { EnableWindow(d.Control(IDCANCEL), TRUE); });
             d.Click(IDCANCEL);
+            RemoveCard("Reader B");
+            EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+            d.Settle();
             EXPECT_TRUE(d.IsOpen());
-            PostMessageA(d.Handle(), RegisterWindowMessageA("VKCardRemovedEvent"), 1, 0);
+            RemoveCard("Reader A");
         });
         EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
     }
