@@ -78,9 +78,9 @@ private:
     void EnsureCell();
     void PushScope(const Element& scope);
     std::uint32_t BlockStyle(const StyleDelta& delta, std::optional<TextAlign> align);
-    TableSpec ReadTable(const CAttributes& attributes, const StyleDelta& delta);
-    CellSpec ReadCell(const CAttributes& attributes, const StyleDelta& delta,
-                      const TableSpec& table);
+    TableAttributes ReadTable(const CAttributes& attributes, const StyleDelta& delta);
+    CellAttributes ReadCell(const CAttributes& attributes, const StyleDelta& delta,
+                            const TableAttributes& table);
     Edges BorderOf(const CAttributes& attributes, const StyleDelta& delta,
                    std::int32_t nDefault) const;
     Edges EdgesOf(const std::optional<EdgeLengths>& lengths, std::int32_t nDefault) const;

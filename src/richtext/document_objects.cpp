@@ -21,14 +21,14 @@ ImageStyle ReadImageStyle(std::string_view value) {
 }
 
 // Where one side of an image is given and the other is not, its shape is kept.
-void Complete(ImageSpec& spec, bool bWidth, bool bHeight, ImageSize natural) {
+void Complete(ImageAttributes& wanted, bool bWidth, bool bHeight, ImageSize natural) {
     if (bWidth && !bHeight && natural.nWidth > 0) {
-        spec.nHeight = MulDivRounded(natural.nHeight, spec.nWidth, natural.nWidth);
+        wanted.nHeight = MulDivRounded(natural.nHeight, wanted.nWidth, natural.nWidth);
     } else if (bHeight && !bWidth && natural.nHeight > 0) {
-        spec.nWidth = MulDivRounded(natural.nWidth, spec.nHeight, natural.nHeight);
+        wanted.nWidth = MulDivRounded(natural.nWidth, wanted.nHeight, natural.nHeight);
     }
-    spec.nWidth = HeldExtent(spec.nWidth);
-    spec.nHeight = HeldExtent(spec.nHeight);
+    wanted.nWidth = HeldExtent(wanted.nWidth);
+    wanted.nHeight = HeldExtent(wanted.nHeight);
 }
 
 }  // namespace
@@ -53,30 +53,30 @@ void CDocumentBuilder::AddImage(TagId tag) {
     description.file = attributes.Get(AttributeId::File);
     description.nIndex = LengthOf(attributes, AttributeId::Index, 0);
 
-    ImageSpec spec;
-    spec.kind = description.kind;
-    spec.idres = Store(description.idres);
-    spec.module = Store(description.module);
-    spec.handle = Store(description.handle);
-    spec.file = Store(description.file);
-    spec.nIndex = description.nIndex;
-    spec.nSpeed = std::max(0, LengthOf(attributes, AttributeId::Speed, 0));
-    spec.mask =
+    ImageAttributes wanted;
+    wanted.kind = description.kind;
+    wanted.idres = Store(description.idres);
+    wanted.module = Store(description.module);
+    wanted.handle = Store(description.handle);
+    wanted.file = Store(description.file);
+    wanted.nIndex = description.nIndex;
+    wanted.nSpeed = std::max(0, LengthOf(attributes, AttributeId::Speed, 0));
+    wanted.mask =
         ReadColour(attributes.Get(AttributeId::Mask), m_settings.system).value_or(kNoColour);
-    spec.style = ReadImageStyle(Trim(attributes.Get(AttributeId::Style)));
-    spec.hotStyle = attributes.Has(AttributeId::HotStyle)
-                        ? ReadImageStyle(Trim(attributes.Get(AttributeId::HotStyle)))
-                        : spec.style;
+    wanted.style = ReadImageStyle(Trim(attributes.Get(AttributeId::Style)));
+    wanted.hotStyle = attributes.Has(AttributeId::HotStyle)
+                          ? ReadImageStyle(Trim(attributes.Get(AttributeId::HotStyle)))
+                          : wanted.style;
     const ImageSize natural = m_settings.pMeasurer->SizeOfImage(description);
     const AttributeId width =
         attributes.Has(AttributeId::Cx) ? AttributeId::Cx : AttributeId::Width;
     const AttributeId height =
         attributes.Has(AttributeId::Cy) ? AttributeId::Cy : AttributeId::Height;
-    spec.nWidth = HeldExtent(LengthOf(attributes, width, natural.nWidth));
-    spec.nHeight = HeldExtent(LengthOf(attributes, height, natural.nHeight));
-    Complete(spec, ReadLength(attributes.Get(width)).has_value(),
+    wanted.nWidth = HeldExtent(LengthOf(attributes, width, natural.nWidth));
+    wanted.nHeight = HeldExtent(LengthOf(attributes, height, natural.nHeight));
+    Complete(wanted, ReadLength(attributes.Get(width)).has_value(),
              ReadLength(attributes.Get(height)).has_value(), natural);
-        m_document.aImages.push_back(spec);
+    m_document.aImages.push_back(wanted);
     // A class may align the image or frame it: it is an element for as long as its item.
     Element element;
     element.tag = tag;

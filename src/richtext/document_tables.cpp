@@ -87,7 +87,7 @@ void CDocumentBuilder::OpenTable() {
     scope.bScope = true;
     scope.change = m_elementStyles.ChangeOf(TagId::Table, attributes, false);
     const StyleDelta& delta = m_elementStyles.DeltaOf(scope.change.nNormal);
-    const TableSpec table = ReadTable(attributes, delta);
+    const TableAttributes table = ReadTable(attributes, delta);
     scope.nStyle = table.nStyle;
     scope.nLink = Top().nLink;
     TableState state;
@@ -124,7 +124,7 @@ void CDocumentBuilder::OpenCell(const CAttributes& attributes) {
     scope.change = m_elementStyles.ChangeOf(TagId::Td, attributes, false);
     const StyleDelta& delta = m_elementStyles.DeltaOf(scope.change.nNormal);
     // Most cells of a table have nothing of their own.
-    CellSpec cell;
+    CellAttributes cell;
     if (attributes.Empty() && state.nPlainCell != kNone && state.nPlainOuter == Top().nStyle) {
         cell = m_document.aCells[state.nPlainCell];
     } else {
@@ -220,8 +220,9 @@ Edges CDocumentBuilder::BorderOf(const CAttributes& attributes, const StyleDelta
     return border;
 }
 
-TableSpec CDocumentBuilder::ReadTable(const CAttributes& attributes, const StyleDelta& delta) {
-    TableSpec table;
+TableAttributes CDocumentBuilder::ReadTable(const CAttributes& attributes,
+                                            const StyleDelta& delta) {
+    TableAttributes table;
     table.nStyle = BlockStyle(delta, std::nullopt);
     table.width = ReadWidth(attributes.Get(AttributeId::Width));
     const auto height = ReadLength(attributes.Get(AttributeId::Height));
@@ -250,9 +251,9 @@ TableSpec CDocumentBuilder::ReadTable(const CAttributes& attributes, const Style
     return table;
 }
 
-CellSpec CDocumentBuilder::ReadCell(const CAttributes& attributes, const StyleDelta& delta,
-                                    const TableSpec& table) {
-    CellSpec cell;
+CellAttributes CDocumentBuilder::ReadCell(const CAttributes& attributes, const StyleDelta& delta,
+                                          const TableAttributes& table) {
+    CellAttributes cell;
     cell.nStyle = BlockStyle(delta, attributes.Has(AttributeId::Align)
                                         ? ReadTextAlign(attributes.Get(AttributeId::Align))
                                         : std::nullopt);

@@ -141,7 +141,7 @@ std::string DecorationText(const StyledDocument& document, std::uint32_t nDecora
     return strText;
 }
 
-std::string ImageText(const StyledDocument& document, const ImageSpec& image) {
+std::string ImageText(const StyledDocument& document, const ImageAttributes& image) {
     static constexpr const char* kKinds[] = {"bmp", "icon", "ilst"};
     std::string strText =
         std::string("image ") +
@@ -172,7 +172,7 @@ std::string ImageText(const StyledDocument& document, const ImageSpec& image) {
     return strText;
 }
 
-std::string TableText(const StyledDocument& document, const TableSpec& table) {
+std::string TableText(const StyledDocument& document, const TableAttributes& table) {
     std::string strText = "table width " + LengthText(table.width) + " height " +
                           Number(table.nHeight) + " padding " + Number(table.nCellPadding) +
                           " spacing " + Number(table.nCellSpacing);
@@ -185,7 +185,7 @@ std::string TableText(const StyledDocument& document, const TableSpec& table) {
     return strText + DecorationText(document, table.nDecoration);
 }
 
-std::string CellText(const StyledDocument& document, const CellSpec& cell) {
+std::string CellText(const StyledDocument& document, const CellAttributes& cell) {
     std::string strText = "cell";
     if (cell.nColSpan != 1 || cell.nRowSpan != 1) {
         strText += " span " + Number(cell.nColSpan) + "x" + Number(cell.nRowSpan);
@@ -303,7 +303,7 @@ std::string DumpStyles(const StyledDocument& document) {
 std::string DumpLayout(const StyledDocument& document, const LayoutBoxes& boxes) {
     std::string strDump = "size " + Number(boxes.nWidth) + "x" + Number(boxes.nHeight) + "\n";
     for (const BlockBox& block : boxes.aBlocks) {
-        strDump += std::string(block.bCell ? "cell " : "table ") + Number(block.nSpec) + " " +
+        strDump += std::string(block.bCell ? "cell " : "table ") + Number(block.nIndex) + " " +
                    RectText(block);
         if (block.bCell) {
             strDump += " content " + Number(block.nContentY);
@@ -313,7 +313,7 @@ std::string DumpLayout(const StyledDocument& document, const LayoutBoxes& boxes)
     for (const LineBox& line : boxes.aLines) {
         strDump += "line " + RectText(line) + " baseline " + Number(line.nBaseline);
         if (line.nBlock != kNone) {
-            strDump += " cell " + Number(boxes.aBlocks[line.nBlock].nSpec);
+            strDump += " cell " + Number(boxes.aBlocks[line.nBlock].nIndex);
         }
         strDump += "\n";
         for (std::uint32_t i = 0; i < line.nFragments; ++i) {

@@ -175,24 +175,24 @@ void CIntrinsicWidths::CloseCell(std::uint32_t nCell) {
     EndLine();
     const Content content = Top();
     m_aContents.pop_back();
-    const CellSpec& spec = m_document.aCells[nCell];
-    const std::int64_t nInsets = CellInsets(spec);
+    const CellAttributes& wanted = m_document.aCells[nCell];
+    const std::int64_t nInsets = CellInsets(wanted);
     const auto outer = [&](std::int64_t nWidth) {
         return ToFixed(std::min(nWidth + nInsets, kMaxCellWidth));
     };
     ColumnCell widths;
     widths.nMin = outer(content.nMin);
     widths.nMax = std::max(widths.nMin, outer(content.nMax));
-    if (spec.width.has_value() && spec.width->unit == LengthUnit::Percent) {
-        widths.nPercent = std::min(spec.width->nValue, 100);
-    } else if (spec.width.has_value()) {
-        const std::int32_t nWidth = ResolveLength(*spec.width, 0, LengthUse::Size,
-                                                  m_document.styles.ContextOf(spec.nStyle));
+    if (wanted.width.has_value() && wanted.width->unit == LengthUnit::Percent) {
+        widths.nPercent = std::min(wanted.width->nValue, 100);
+    } else if (wanted.width.has_value()) {
+        const std::int32_t nWidth = ResolveLength(*wanted.width, 0, LengthUse::Size,
+                                                  m_document.styles.ContextOf(wanted.nStyle));
         widths.nMax = std::max(widths.nMin, outer(std::clamp(nWidth, 0, kMaxExtent)));
         widths.bFixed = true;
     }
     OpenTable& table = m_aTables.back();
-    table.grid.Place(spec.nColSpan, spec.nRowSpan);
+    table.grid.Place(wanted.nColSpan, wanted.nRowSpan);
     table.aWidths.push_back(widths);
     table.aCells.push_back(nCell);
 }
@@ -217,18 +217,18 @@ void CIntrinsicWidths::CloseTable(std::uint32_t nTable) {
     }
     m_measures.aColumns.resize(m_measures.aColumns.size() + measure.nColumns);
     const auto columns = std::span(m_measures.aColumns).subspan(measure.nFirstColumn);
-    const TableSpec& spec = m_document.aTables[nTable];
-    MeasureColumns(table.aWidths, ToFixed(spec.nCellSpacing), columns);
+    const TableAttributes& wanted = m_document.aTables[nTable];
+    MeasureColumns(table.aWidths, ToFixed(wanted.nCellSpacing), columns);
     const ColumnTotals totals = TotalOf(columns);
-    const Fixed nInsets = ToFixed(TableInsets(spec, measure.nColumns));
+    const Fixed nInsets = ToFixed(TableInsets(wanted, measure.nColumns));
     measure.nMinWidth = totals.nMin + nInsets;
     measure.nMaxWidth = totals.nMax + nInsets;
     if (m_aTables.empty()) {
         return;
     }
-    const std::int64_t nMargins = spec.margin[kLeft] + spec.margin[kRight];
+    const std::int64_t nMargins = wanted.margin[kLeft] + wanted.margin[kRight];
     const auto pixels = [&](Fixed n) { return FloorPixels(n + kFixedOne - 1) + nMargins; };
-    if (const std::int64_t nGiven = GivenWidth(spec, m_document); nGiven >= 0) {
+    if (const std::int64_t nGiven = GivenWidth(wanted, m_document); nGiven >= 0) {
         const Fixed nWidth = std::max(measure.nMinWidth, ToFixed(nGiven));
         AddBlock(pixels(nWidth), pixels(nWidth));
     } else {
@@ -238,16 +238,16 @@ void CIntrinsicWidths::CloseTable(std::uint32_t nTable) {
 
 }  // namespace
 
-std::int64_t TableInsets(const TableSpec& table, std::uint32_t nColumns) {
+std::int64_t TableInsets(const TableAttributes& table, std::uint32_t nColumns) {
     const std::int64_t nSpacings = nColumns != 0 ? std::int64_t{nColumns} + 1 : 0;
     return table.border[kLeft] + table.border[kRight] + table.nCellSpacing * nSpacings;
 }
 
-std::int32_t CellInsets(const CellSpec& cell) {
+std::int32_t CellInsets(const CellAttributes& cell) {
     return cell.border[kLeft] + cell.border[kRight] + cell.padding[kLeft] + cell.padding[kRight];
 }
 
-std::int64_t GivenWidth(const TableSpec& table, const StyledDocument& document) {
+std::int64_t GivenWidth(const TableAttributes& table, const StyledDocument& document) {
     if (!table.width.has_value() || table.width->unit == LengthUnit::Percent) {
         return -1;
     }

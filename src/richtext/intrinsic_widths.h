@@ -35,12 +35,12 @@ struct DocumentMeasures {
 };
 
 // Border and spacing of a table besides its columns.
-std::int64_t TableInsets(const TableSpec& table, std::uint32_t nColumns);
+std::int64_t TableInsets(const TableAttributes& table, std::uint32_t nColumns);
 // Border and padding of a cell, both sides.
-std::int32_t CellInsets(const CellSpec& cell);
+std::int32_t CellInsets(const CellAttributes& cell);
 
 // A table whose width is given in pixels, or -1.
-std::int64_t GivenWidth(const TableSpec& table, const StyledDocument& document);
+std::int64_t GivenWidth(const TableAttributes& table, const StyledDocument& document);
 
 DocumentMeasures MeasureDocument(const StyledDocument& document, CTextMeasurer& measurer);
 

@@ -118,20 +118,20 @@ void CLayout::Visit(const Item& item) {
 void CLayout::BeginTable(std::uint32_t nTable) {
     m_lines.EndParagraph();
     Flow& flow = m_aFlows.back();
-    const TableSpec& spec = m_document.aTables[nTable];
+    const TableAttributes& wanted = m_document.aTables[nTable];
     const TableMeasure& measure = m_measures.aTables[nTable];
     const Fixed nAvailable =
-        std::max<Fixed>(0, flow.nWidth - ToFixed(spec.margin[kLeft] + spec.margin[kRight]));
+        std::max<Fixed>(0, flow.nWidth - ToFixed(wanted.margin[kLeft] + wanted.margin[kRight]));
     Fixed nWidth = std::min(measure.nMaxWidth, std::max(nAvailable, measure.nMinWidth));
-    if (const std::int64_t nGiven = GivenWidth(spec, m_document); nGiven >= 0) {
+    if (const std::int64_t nGiven = GivenWidth(wanted, m_document); nGiven >= 0) {
         nWidth = std::max(measure.nMinWidth, ToFixed(nGiven));
-    } else if (spec.width.has_value()) {
-        const std::int64_t nPercent = std::min(spec.width->nValue, 1000);
+    } else if (wanted.width.has_value()) {
+        const std::int64_t nPercent = std::min(wanted.width->nValue, 1000);
         nWidth = std::max(measure.nMinWidth, nAvailable * nPercent / 100);
     }
-    Fixed nX = flow.nX + ToFixed(spec.margin[kLeft]);
-    if (const Fixed nRoom = nAvailable - nWidth; nRoom > 0 && spec.align != BlockAlign::Left) {
-        nX += spec.align == BlockAlign::Center ? nRoom / 2 : nRoom;
+    Fixed nX = flow.nX + ToFixed(wanted.margin[kLeft]);
+    if (const Fixed nRoom = nAvailable - nWidth; nRoom > 0 && wanted.align != BlockAlign::Left) {
+        nX += wanted.align == BlockAlign::Center ? nRoom / 2 : nRoom;
     }
     OpenTable& table = m_aTables.emplace_back();
     table.nTable = nTable;
@@ -139,51 +139,51 @@ void CLayout::BeginTable(std::uint32_t nTable) {
     BlockBox& block = m_boxes.aBlocks.emplace_back();
     block.nX = HeldCoordinate(RoundPixels(nX));
     block.nWidth = HeldCoordinate(RoundPixels(nX + nWidth) - block.nX);
-    block.nY = HeldCoordinate(flow.nY + spec.margin[kTop]);
-    block.nDecoration = spec.nDecoration;
-    block.nSpec = nTable;
+    block.nY = HeldCoordinate(flow.nY + wanted.margin[kTop]);
+    block.nDecoration = wanted.nDecoration;
+    block.nIndex = nTable;
     block.nParent = flow.nBlock;
     PlaceColumns(table, nX, nWidth);
 }
 
 void CLayout::PlaceColumns(OpenTable& table, Fixed nX, Fixed nWidth) {
-    const TableSpec& spec = m_document.aTables[table.nTable];
+    const TableAttributes& wanted = m_document.aTables[table.nTable];
     const TableMeasure& measure = m_measures.aTables[table.nTable];
     const auto columns =
         std::span(m_measures.aColumns).subspan(measure.nFirstColumn, measure.nColumns);
     std::vector<Fixed> widths(columns.size());
-    ShareWidth(columns, nWidth - ToFixed(TableInsets(spec, measure.nColumns)), widths);
-    Fixed nAt = nX + ToFixed(spec.border[kLeft] + spec.nCellSpacing);
+    ShareWidth(columns, nWidth - ToFixed(TableInsets(wanted, measure.nColumns)), widths);
+    Fixed nAt = nX + ToFixed(wanted.border[kLeft] + wanted.nCellSpacing);
     table.aColumnX.reserve(widths.size() + 1);
     for (const Fixed nColumn : widths) {
         table.aColumnX.push_back(nAt);
-        nAt += nColumn + ToFixed(spec.nCellSpacing);
+        nAt += nColumn + ToFixed(wanted.nCellSpacing);
     }
     table.aColumnX.push_back(nAt);
 }
 
 void CLayout::BeginCell(std::uint32_t nCell) {
     OpenTable& table = m_aTables.back();
-    const TableSpec& tableSpec = m_document.aTables[table.nTable];
-    const CellSpec& spec = m_document.aCells[nCell];
+    const TableAttributes& wantedTable = m_document.aTables[table.nTable];
+    const CellAttributes& wanted = m_document.aCells[nCell];
     const GridCell& grid = m_measures.aCells[nCell].grid;
     const Fixed nX = table.aColumnX[static_cast<std::size_t>(grid.nColumn)];
     const Fixed nEnd = table.aColumnX[static_cast<std::size_t>(grid.nColumn + grid.nColSpan)] -
-                       ToFixed(tableSpec.nCellSpacing);
+                       ToFixed(wantedTable.nCellSpacing);
     table.aBlocks.push_back(static_cast<std::uint32_t>(m_boxes.aBlocks.size()));
     BlockBox& block = m_boxes.aBlocks.emplace_back();
     block.bCell = true;
     block.nX = HeldCoordinate(RoundPixels(nX));
     block.nWidth = HeldCoordinate(RoundPixels(nEnd) - block.nX);
-    block.nDecoration = spec.nDecoration;
-    block.nSpec = nCell;
+    block.nDecoration = wanted.nDecoration;
+    block.nIndex = nCell;
     block.nParent = table.nBlock;
 
     Flow flow;
-    flow.nX = nX + ToFixed(spec.border[kLeft] + spec.padding[kLeft]);
-    flow.nWidth = std::max<Fixed>(0, nEnd - nX - ToFixed(CellInsets(spec)));
+    flow.nX = nX + ToFixed(wanted.border[kLeft] + wanted.padding[kLeft]);
+    flow.nWidth = std::max<Fixed>(0, nEnd - nX - ToFixed(CellInsets(wanted)));
     flow.nBlock = table.aBlocks.back();
-    flow.nStyle = spec.nStyle;
+    flow.nStyle = wanted.nStyle;
     flow.nOuterBoxes = m_lines.OpenBoxes();
     m_lines.SetFlow(m_aFlows.emplace_back(flow));
 }
@@ -193,16 +193,16 @@ void CLayout::EndCell(std::uint32_t nCell) {
     const Flow flow = m_aFlows.back();
     m_aFlows.pop_back();
     m_lines.SetFlow(m_aFlows.back());
-    const CellSpec& spec = m_document.aCells[nCell];
+    const CellAttributes& wanted = m_document.aCells[nCell];
     const GridCell& grid = m_measures.aCells[nCell].grid;
-    const std::int64_t nTop = spec.border[kTop] + spec.padding[kTop];
+    const std::int64_t nTop = wanted.border[kTop] + wanted.padding[kTop];
     RowCell cell;
     cell.nRow = static_cast<std::uint32_t>(grid.nRow);
     cell.nSpan = static_cast<std::uint32_t>(grid.nRowSpan);
-    cell.nHeight = std::max<std::int64_t>(flow.nY, spec.nHeight) + nTop + spec.border[kBottom] +
-                   spec.padding[kBottom];
-    cell.bFixed = spec.nHeight != 0;
-    if (spec.verticalAlign == VerticalAlign::Baseline && flow.nFirstBaseline >= 0) {
+    cell.nHeight = std::max<std::int64_t>(flow.nY, wanted.nHeight) + nTop + wanted.border[kBottom] +
+                   wanted.padding[kBottom];
+    cell.bFixed = wanted.nHeight != 0;
+    if (wanted.verticalAlign == VerticalAlign::Baseline && flow.nFirstBaseline >= 0) {
         cell.nBaseline = nTop + flow.nFirstBaseline;
     }
     m_aTables.back().aRowCells.push_back(cell);
@@ -212,12 +212,12 @@ void CLayout::EndCell(std::uint32_t nCell) {
 
 // The cell's place in its row is known; its content stands in it as its alignment says.
 void CLayout::PlaceContent(BlockBox& block, const RowCell& cell, const Row& row) const {
-    const CellSpec& spec = m_document.aCells[block.nSpec];
-    const std::int64_t nTop = spec.border[kTop] + spec.padding[kTop];
+    const CellAttributes& wanted = m_document.aCells[block.nIndex];
+    const std::int64_t nTop = wanted.border[kTop] + wanted.padding[kTop];
     const std::int64_t nRoom =
-        block.nHeight - nTop - spec.border[kBottom] - spec.padding[kBottom] - block.nContentY;
+        block.nHeight - nTop - wanted.border[kBottom] - wanted.padding[kBottom] - block.nContentY;
     std::int64_t nOffset = 0;
-    switch (spec.verticalAlign) {
+    switch (wanted.verticalAlign) {
         case VerticalAlign::Middle:
             nOffset = nRoom / 2;
             break;
@@ -234,14 +234,14 @@ void CLayout::PlaceContent(BlockBox& block, const RowCell& cell, const Row& row)
 }
 
 void CLayout::PlaceRows(OpenTable& table, std::vector<Row>& rows) {
-    const TableSpec& spec = m_document.aTables[table.nTable];
-    const std::int64_t nSpacing = spec.nCellSpacing;
-    const std::int64_t nEdges = spec.border[kTop] + spec.border[kBottom] + 2 * nSpacing;
+    const TableAttributes& wanted = m_document.aTables[table.nTable];
+    const std::int64_t nSpacing = wanted.nCellSpacing;
+    const std::int64_t nEdges = wanted.border[kTop] + wanted.border[kBottom] + 2 * nSpacing;
     // MeasureRows sorts its cells; the order of the blocks is needed again below.
     std::vector<RowCell> sorted = table.aRowCells;
-    MeasureRows(sorted, nSpacing, spec.nHeight - nEdges, rows);
+    MeasureRows(sorted, nSpacing, wanted.nHeight - nEdges, rows);
     std::vector<std::int64_t> aTop(rows.size() + 1);
-    aTop[0] = spec.border[kTop] + nSpacing;
+    aTop[0] = wanted.border[kTop] + nSpacing;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         aTop[i + 1] = aTop[i] + rows[i].nHeight + nSpacing;
     }
@@ -252,20 +252,20 @@ void CLayout::PlaceRows(OpenTable& table, std::vector<Row>& rows) {
         block.nHeight = HeldCoordinate(aTop[cell.nRow + cell.nSpan] - nSpacing - aTop[cell.nRow]);
         PlaceContent(block, cell, rows[cell.nRow]);
     }
-    const std::int64_t nHeight = rows.empty() ? spec.border[kTop] + spec.border[kBottom]
-                                              : aTop.back() + spec.border[kBottom];
+    const std::int64_t nHeight = rows.empty() ? wanted.border[kTop] + wanted.border[kBottom]
+                                              : aTop.back() + wanted.border[kBottom];
     m_boxes.aBlocks[table.nBlock].nHeight =
-        HeldCoordinate(std::max<std::int64_t>(nHeight, spec.nHeight));
+        HeldCoordinate(std::max<std::int64_t>(nHeight, wanted.nHeight));
 }
 
 void CLayout::EndTable() {
     OpenTable table = std::move(m_aTables.back());
     m_aTables.pop_back();
-    const TableSpec& spec = m_document.aTables[table.nTable];
+    const TableAttributes& wanted = m_document.aTables[table.nTable];
     std::vector<Row> rows(m_measures.aTables[table.nTable].nRows);
     PlaceRows(table, rows);
     const std::int64_t nHeight = m_boxes.aBlocks[table.nBlock].nHeight;
-    m_aFlows.back().nY += spec.margin[kTop] + nHeight + spec.margin[kBottom];
+    m_aFlows.back().nY += wanted.margin[kTop] + nHeight + wanted.margin[kBottom];
 }
 
 // Blocks stand behind the blocks around them, so one walk makes every position absolute.

@@ -63,7 +63,7 @@ struct BlockBox {
     std::int32_t nHeight = 0;
     std::int32_t nContentY = 0;  // a cell's: where its lines begin
     std::uint32_t nDecoration = 0;
-    std::uint32_t nSpec = 0;        // of the document's aTables or aCells
+    std::uint32_t nIndex = 0;       // of the document's aTables or aCells
     std::uint32_t nParent = kNone;  // the block around it; always before it
     bool bCell = false;
 };

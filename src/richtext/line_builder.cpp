@@ -191,7 +191,7 @@ void CLineBuilder::Place(const Piece& piece) {
             PlaceBoxClose(piece);
             return;
         case PieceKind::Image: {
-            const ImageSpec& image = m_document.aImages[piece.nOffset];
+            const ImageAttributes& image = m_document.aImages[piece.nOffset];
             AddFragment(FragmentKind::Image, piece.nWidth, piece.nStyle, piece.nLink).nOffset =
                 piece.nOffset;
             TouchObject(m_document.styles[piece.nStyle].verticalAlign, image.nHeight);

@@ -53,7 +53,7 @@ struct Link {
 // How an image is to be drawn: the values of its style and hotstyle attributes.
 enum class ImageStyle : std::uint8_t { Normal, Disabled, Blend, Hidden };
 
-struct ImageSpec {
+struct ImageAttributes {
     TagKind kind = TagKind::Bitmap;
     TextRef idres;
     TextRef module;
@@ -68,7 +68,7 @@ struct ImageSpec {
     std::int32_t nHeight = 0;
 };
 
-struct RuleSpec {
+struct RuleAttributes {
     std::optional<Length> width;  // without: as wide as there is room
 };
 
@@ -91,7 +91,7 @@ struct Decoration {
 // Where a table stands in its container.
 enum class BlockAlign : std::uint8_t { Left, Center, Right };
 
-struct TableSpec {
+struct TableAttributes {
     std::uint32_t nStyle = 0;
     std::uint32_t nDecoration = 0;
     std::optional<Length> width;
@@ -103,7 +103,7 @@ struct TableSpec {
     BlockAlign align = BlockAlign::Left;
 };
 
-struct CellSpec {
+struct CellAttributes {
     std::uint32_t nStyle = 0;
     std::uint32_t nDecoration = 0;
     std::int32_t nColSpan = 1;
@@ -120,17 +120,17 @@ struct StyledDocument {
     std::string strStrings;
     std::vector<Item> aItems;
     std::vector<Link> aLinks;
-    std::vector<ImageSpec> aImages;
-    std::vector<RuleSpec> aRules;
-    std::vector<TableSpec> aTables;
-    std::vector<CellSpec> aCells;
+    std::vector<ImageAttributes> aImages;
+    std::vector<RuleAttributes> aRules;
+    std::vector<TableAttributes> aTables;
+    std::vector<CellAttributes> aCells;
     std::vector<Decoration> aDecorations;
     CStyleTable styles;
 
     std::string_view TextOf(const Item& item) const {
         return std::string_view(strText).substr(item.nOffset, item.nLength);
     }
-    // By the number that specs and blocks carry; null for 0, a block without decoration.
+    // By the number that tables, cells and blocks carry; null for 0, a block without decoration.
     const Decoration* DecorationAt(std::uint32_t nDecoration) const {
         return nDecoration == 0 ? nullptr : &aDecorations[nDecoration - 1];
     }
