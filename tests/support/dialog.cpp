@@ -196,6 +196,8 @@ void Dialog::Press(WORD vk) {
     Post(hTarget, WM_KEYDOWN, vk, KeyData(vk, false));
     PostMessageA(hTarget, WM_KEYUP, vk,
                  KeyData(vk, true));  // unless it has gone at the key's press
+    // The press posts the key's character, which the second one waits for.
+    Settle();
     Settle();
 }
 

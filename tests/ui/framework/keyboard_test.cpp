@@ -1,0 +1,242 @@
+// Keyboard navigation with real key strokes through a dialog, a panel in it, and a panel in that.
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <dlgfw/dialog.h>
+#include <dlgfw/message_map.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/dialog_driver.h"
+#include "support/dialog_template.h"
+
+namespace mvp::test {
+namespace {
+
+using testing::ElementsAre;
+
+enum : int {
+    kHostEdit = 1001,
+    kPanelEdit,
+    kPanelButton,
+    kInnerEdit,
+    kInnerCheck,
+    kInnerOption1,
+    kInnerOption2,
+    kHostButton
+};
+
+constexpr DWORD kPlainChild = WS_CHILD | WS_VISIBLE | DS_SETFONT;  // without DS_CONTROL
+
+// Which commands reached which dialog.
+std::vector<std::string> g_commands;
+
+class CKeysDlg : public CDialog {
+public:
+    CKeysDlg(const char* name, DialogTemplate form) : m_name(name), m_template(std::move(form)) {
+        InitModalIndirect(m_template.Get());
+    }
+    BOOL Open(CWnd* pParent) { return CreateIndirect(m_template.Get(), pParent); }
+
+    CKeysDlg* m_pPanel = nullptr;
+    bool m_bCloses = false;
+
+protected:
+    BOOL OnInitDialog() override {
+        if (m_pPanel != nullptr) {
+            EXPECT_TRUE(m_pPanel->Open(this));
+            // The panel's place in the order of Tab is where it stands among the children.
+            m_pPanel->SetWindowPos(GetDlgItem(kHostEdit), 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
+        }
+        return CDialog::OnInitDialog();
+    }
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override {
+        if (HIWORD(wParam) == BN_CLICKED)
+            g_commands.push_back(std::string(m_name) + ":" + std::to_string(LOWORD(wParam)));
+        return CDialog::OnCommand(wParam, lParam);
+    }
+    void OnOK() override { End(IDOK); }
+    void OnCancel() override { End(IDCANCEL); }
+
+private:
+    void End(int nResult) {
+        if (m_bCloses)
+            EndDialog(nResult);
+    }
+    const char* m_name;
+    DialogTemplate m_template;
+};
+
+class KeyboardTest : public testing::TestWithParam<DWORD> {
+protected:
+    KeyboardTest()
+        : m_inner("inner",
+                  DialogTemplate("", {2, 20, 120, 40}, GetParam())
+                      .Add("EDIT", kInnerEdit, "", {2, 2, 40, 12}, WS_BORDER | WS_TABSTOP)
+                      .Add("BUTTON", kInnerCheck, "&Remember", {45, 2, 70, 12},
+                           BS_AUTOCHECKBOX | WS_TABSTOP)
+                      .Add("BUTTON", kInnerOption1, "o&ne", {2, 20, 40, 12},
+                           BS_AUTORADIOBUTTON | WS_TABSTOP | WS_GROUP)
+                      .Add("BUTTON", kInnerOption2, "&two", {45, 20, 40, 12}, BS_AUTORADIOBUTTON)),
+          m_panel("panel", DialogTemplate("", {7, 25, 130, 65}, GetParam())
+                               .Add("EDIT", kHostEdit, "", {0, 0, 0, 0}, WS_DISABLED, false)
+                               .Add("EDIT", kPanelEdit, "", {2, 2, 40, 12}, WS_BORDER | WS_TABSTOP)
+                               .Add("BUTTON", kPanelButton, "&Panel", {45, 2, 40, 12}, WS_TABSTOP)),
+          m_host("host",
+                 DialogTemplate("Keys", {0, 0, 150, 120})
+                     .Add("EDIT", kHostEdit, "", {7, 7, 40, 12}, WS_BORDER | WS_TABSTOP)
+                     .Add("BUTTON", kHostButton, "&Host", {60, 7, 40, 12}, WS_TABSTOP)
+                     .Add("BUTTON", IDOK, "OK", {7, 100, 50, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP)
+                     .Add("BUTTON", IDCANCEL, "Cancel", {67, 100, 50, 14}, WS_TABSTOP)) {
+        m_panel.m_pPanel = &m_inner;
+        m_host.m_pPanel = &m_panel;
+        m_host.m_bCloses = true;
+        g_commands.clear();
+    }
+
+    static bool IsDefault(const Dialog& dialog, int nId) {
+        return (dialog.Send(nId, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON) != 0;
+    }
+
+    CKeysDlg m_inner;
+    CKeysDlg m_panel;
+    CKeysDlg m_host;
+};
+
+INSTANTIATE_TEST_SUITE_P(Panels, KeyboardTest, testing::Values(DialogTemplate::kChild, kPlainChild),
+                         [](const auto& style) {
+                             return style.param == kPlainChild ? "plain" : "control";
+                         });
+
+TEST_P(KeyboardTest, TabWalksThroughEveryPanelAndBack) {
+    DialogDriver driver([](Dialog& dialog) {
+        std::vector<int> way;
+        for (int i = 0; i < 9; ++i) {
+            way.push_back(dialog.FocusedId());
+            dialog.RealKey(VK_TAB);
+        }
+        EXPECT_THAT(way, ElementsAre(kHostEdit, kInnerEdit, kInnerCheck, kInnerOption1, kPanelEdit,
+                                     kPanelButton, kHostButton, IDOK, IDCANCEL));
+        EXPECT_EQ(dialog.FocusedId(), kHostEdit);
+        way.clear();
+        for (int i = 0; i < 5; ++i) {
+            dialog.RealKey(VK_TAB, {VK_SHIFT});
+            way.push_back(dialog.FocusedId());
+        }
+        EXPECT_THAT(way, ElementsAre(IDCANCEL, IDOK, kHostButton, kPanelButton, kPanelEdit));
+        dialog.RealKey(VK_ESCAPE);
+    });
+    EXPECT_EQ(m_host.DoModal(), IDCANCEL);
+}
+
+TEST_P(KeyboardTest, ArrowsMoveWithinAGroup) {
+    DialogDriver driver([](Dialog& dialog) {
+        dialog.Focus(kInnerOption1);
+        dialog.RealKey(VK_DOWN);
+        EXPECT_EQ(dialog.FocusedId(), kInnerOption2);
+        EXPECT_TRUE(dialog.IsChecked(kInnerOption2));
+        dialog.RealKey(VK_UP);
+        EXPECT_EQ(dialog.FocusedId(), kInnerOption1);
+        dialog.RealKey(VK_ESCAPE);
+    });
+    EXPECT_EQ(m_host.DoModal(), IDCANCEL);
+}
+
+TEST_P(KeyboardTest, EnterAndEscapeInAPanelAreTheHosts) {
+    for (const auto& [nFocus, vk, nResult] : {std::tuple{kInnerEdit, WORD{VK_RETURN}, IDOK},
+                                              {kPanelEdit, WORD{VK_RETURN}, IDOK},
+                                              {kInnerCheck, WORD{VK_RETURN}, IDOK},
+                                              {kInnerEdit, WORD{VK_ESCAPE}, IDCANCEL},
+                                              {kPanelButton, WORD{VK_ESCAPE}, IDCANCEL}}) {
+        SCOPED_TRACE(nFocus);
+        g_commands.clear();
+        DialogDriver driver([&](Dialog& dialog) {
+            dialog.Focus(nFocus);
+            dialog.RealKey(vk);
+        });
+        EXPECT_EQ(m_host.DoModal(), nResult);
+        EXPECT_THAT(g_commands, ElementsAre("host:" + std::to_string(nResult)));
+    }
+}
+
+TEST_P(KeyboardTest, EnterDoesNothingWhileOkIsDisabled) {
+    DialogDriver driver([](Dialog& dialog) {
+        HWND hOk = dialog.Control(IDOK);
+        dialog.Run([=] { EnableWindow(hOk, FALSE); });
+        dialog.Focus(kInnerEdit);
+        dialog.RealKey(VK_RETURN);
+        EXPECT_TRUE(dialog.IsOpen());
+        dialog.RealKey(VK_ESCAPE);
+    });
+    EXPECT_EQ(m_host.DoModal(), IDCANCEL);
+    EXPECT_THAT(g_commands, ElementsAre("host:2"));
+}
+
+TEST_P(KeyboardTest, EnterPressesTheFocusedButtonOfAPanel) {
+    DialogDriver driver([](Dialog& dialog) {
+        dialog.Focus(kPanelEdit);
+        EXPECT_TRUE(IsDefault(dialog, IDOK));
+        dialog.RealKey(VK_TAB);
+        ASSERT_EQ(dialog.FocusedId(), kPanelButton);
+        EXPECT_TRUE(IsDefault(dialog, kPanelButton));  // the border follows the focus
+        EXPECT_FALSE(IsDefault(dialog, IDOK));
+        dialog.RealKey(VK_RETURN);
+        EXPECT_TRUE(dialog.IsOpen());
+        dialog.RealKey(VK_TAB, {VK_SHIFT});
+        EXPECT_FALSE(IsDefault(dialog, kPanelButton));
+        EXPECT_TRUE(IsDefault(dialog, IDOK));
+        dialog.RealKey(VK_RETURN);
+    });
+    EXPECT_EQ(m_host.DoModal(), IDOK);
+    EXPECT_THAT(g_commands, ElementsAre("panel:" + std::to_string(kPanelButton), "host:1"));
+}
+
+TEST_P(KeyboardTest, MnemonicsWorkAcrossPanels) {
+    DialogDriver driver([](Dialog& dialog) {
+        dialog.Focus(kInnerEdit);
+        dialog.RealKey('H', {VK_MENU});
+        EXPECT_THAT(std::exchange(g_commands, {}),
+                    ElementsAre("host:" + std::to_string(kHostButton)));
+        dialog.Focus(kHostEdit);
+        dialog.RealKey('P', {VK_MENU});
+        EXPECT_THAT(std::exchange(g_commands, {}),
+                    ElementsAre("panel:" + std::to_string(kPanelButton)));
+        dialog.Focus(kHostEdit);
+        dialog.RealKey('R', {VK_MENU});
+        EXPECT_TRUE(dialog.IsChecked(kInnerCheck));
+        dialog.RealType(kInnerEdit, "abc");
+        EXPECT_EQ(dialog.Text(kInnerEdit), "abc");
+        dialog.RealKey(VK_ESCAPE);
+    });
+    EXPECT_EQ(m_host.DoModal(), IDCANCEL);
+}
+
+// A dialog of the bare system that has a panel of the framework's: its own loop knows nothing of
+// it.
+TEST_P(KeyboardTest, PanelWorksInADialogOfTheBareSystem) {
+    static CKeysDlg* pPanel = nullptr;
+    pPanel = &m_panel;
+    DialogTemplate form("Bare", {0, 0, 150, 120});
+    form.Add("EDIT", kHostEdit, "", {7, 7, 40, 12}, WS_BORDER | WS_TABSTOP)
+        .Add("BUTTON", IDOK, "OK", {7, 100, 50, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP);
+    const auto proc = [](HWND hDialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
+        if (message == WM_INITDIALOG)
+            return pPanel->Open(CWnd::FromHandle(hDialog));
+        if (message == WM_COMMAND && LOWORD(wParam) == IDOK)
+            return EndDialog(hDialog, 5);
+        return FALSE;
+    };
+    DialogDriver driver([](Dialog& dialog) {
+        dialog.Focus(kPanelButton);
+        dialog.RealKey(VK_TAB);
+        EXPECT_EQ(dialog.FocusedId(), kHostEdit);
+        dialog.Focus(kInnerEdit);
+        dialog.RealKey(VK_RETURN);
+    });
+    EXPECT_EQ(DialogBoxIndirectParamA(GetModuleHandleA(nullptr), form.Get(), nullptr, proc, 0), 5);
+}
+
+}  // namespace
+}  // namespace mvp::test

@@ -1,0 +1,127 @@
+// Where strings, dialogs and bitmaps are found.
+#include <string>
+
+#include <dlgfw/dialog.h>
+#include <dlgfw/gdi_object.h>
+#include <dlgfw/module_state.h>
+#include <dlgfw/string.h>
+#include <gtest/gtest.h>
+
+#include "platform/handle.h"
+#include "support/dialog_driver.h"
+
+namespace mvp::test {
+namespace {
+
+class ResourceChainTest : public testing::Test {
+protected:
+    ResourceChainTest() : m_a(LoadLibraryA("chain_a.dll")), m_b(LoadLibraryA("chain_b.dll")) {
+        EXPECT_TRUE(m_a);
+        EXPECT_TRUE(m_b);
+    }
+    ~ResourceChainTest() override {
+        AfxTermExtensionModule(m_stateA);
+        AfxTermExtensionModule(m_stateB);
+        AfxSetResourceHandle(nullptr);
+    }
+
+    static std::string String(UINT nID) {
+        CString str("unchanged");
+        const bool bLoaded = str.LoadString(nID) != FALSE;
+        EXPECT_EQ(bLoaded, str != "unchanged");
+        return str.GetString();
+    }
+    void LinkA() {
+        EXPECT_TRUE(AfxInitExtensionModule(m_stateA, m_a.get()));
+        new CDynLinkLibrary(m_stateA);
+    }
+    void LinkB() {
+        EXPECT_TRUE(AfxInitExtensionModule(m_stateB, m_b.get()));
+        new CDynLinkLibrary(m_stateB);
+    }
+
+    ModuleHandle m_a;
+    ModuleHandle m_b;
+    AFX_EXTENSION_MODULE m_stateA;
+    AFX_EXTENSION_MODULE m_stateB;
+};
+
+TEST_F(ResourceChainTest, LinksAreSearchedNewestFirstAfterTheCurrentHandle) {
+    EXPECT_EQ(String(100), "unchanged");
+    EXPECT_EQ(AfxFindResourceHandle(MAKEINTRESOURCEA(200), RT_DIALOG), GetModuleHandleA(nullptr));
+    LinkA();
+    EXPECT_EQ(AfxFindResourceHandle(MAKEINTRESOURCEA(200), RT_DIALOG), m_a.get());
+    EXPECT_EQ(String(100), "from A");
+    LinkB();
+    EXPECT_EQ(String(100), "from B");
+    EXPECT_EQ(String(101), "only in A");  // B has others of the same block
+    EXPECT_EQ(String(103), "unchanged");
+    AfxSetResourceHandle(m_a.get());
+    EXPECT_EQ(AfxGetResourceHandle(), m_a.get());
+    EXPECT_EQ(String(100), "from A");
+    AfxSetResourceHandle(nullptr);
+    EXPECT_EQ(AfxGetResourceHandle(), GetModuleHandleA(nullptr));
+
+    AfxTermExtensionModule(m_stateB);
+    EXPECT_EQ(String(100), "from A");
+    AfxTermExtensionModule(m_stateA);
+    EXPECT_EQ(String(100), "unchanged");
+    LinkA();
+    LinkB();
+    AfxTermExtensionModule(m_stateA, TRUE);  // all of them
+    EXPECT_EQ(String(100), "unchanged");
+}
+
+TEST_F(ResourceChainTest, ModuleMayNameAnotherOneForItsResources) {
+    EXPECT_TRUE(AfxInitExtensionModule(m_stateB, m_b.get()));
+    m_stateB.hResource = m_a.get();
+    {
+        const CDynLinkLibrary link(m_stateB);
+        EXPECT_EQ(String(101), "only in A");
+    }
+    EXPECT_EQ(String(101), "unchanged");  // it left the chain when it went
+    EXPECT_FALSE(AfxInitExtensionModule(m_stateA, nullptr));
+    EXPECT_FALSE(m_stateA.bInitialized);
+    m_stateB.hResource = nullptr;
+    new CDynLinkLibrary(m_stateB);
+    EXPECT_EQ(String(101), "unchanged");
+}
+
+TEST_F(ResourceChainTest, StringsAreLoadedByNumber) {
+    LinkA();
+    CString str;
+    str.Format(102u, 3, "ten");
+    EXPECT_STREQ(str, "3 of ten");
+    EXPECT_STREQ(CString(MAKEINTRESOURCEA(101)), "only in A");
+    EXPECT_TRUE(str.LoadString(m_b.get(), 100));
+    EXPECT_STREQ(str, "from B");
+    EXPECT_FALSE(str.LoadString(m_b.get(), 101));
+    EXPECT_STREQ(str, "from B");
+    char szBuffer[5] = "xxxx";
+    EXPECT_EQ(AfxLoadString(101, szBuffer, sizeof(szBuffer)), 4);
+    EXPECT_STREQ(szBuffer, "only");
+    EXPECT_EQ(AfxLoadString(999, szBuffer, sizeof(szBuffer)), 0);
+    EXPECT_STREQ(szBuffer, "");
+}
+
+TEST_F(ResourceChainTest, DialogsAndBitmapsComeFromTheChain) {
+    LinkA();
+    LinkB();
+    CBitmap bitmap;
+    BITMAP size = {};
+    ASSERT_TRUE(bitmap.LoadBitmap(300u));
+    EXPECT_GT(bitmap.GetBitmap(&size), 0);
+    EXPECT_EQ(size.bmWidth, 1);
+    EXPECT_FALSE(bitmap.LoadBitmap(301u));
+
+    CDialog by_number(200u);
+    CDialog by_name("NAMED");
+    DialogDriver driver(
+        Step(Titled("Dialog of A"), [](Dialog& dialog) { dialog.Click(IDOK); }),
+        Step(Titled("Named dialog of A"), [](Dialog& dialog) { dialog.Click(IDOK); }));
+    EXPECT_EQ(by_number.DoModal(), IDOK);
+    EXPECT_EQ(by_name.DoModal(), IDOK);
+}
+
+}  // namespace
+}  // namespace mvp::test
