@@ -5,6 +5,7 @@
 
 #include "common/keyboard.h"
 #include "common/screenshot.h"
+#include "common/thread_windows.h"
 #include "support/clipboard.h"
 #include "support/driver_core.h"
 #include "support/waiting.h"
@@ -21,8 +22,7 @@ std::vector<HWND> Children(HWND hWnd) {
 }
 
 bool IsPanel(HWND hWnd) {
-    return (GetWindowLongA(hWnd, GWL_EXSTYLE) & WS_EX_CONTROLPARENT) != 0 ||
-           ClassOf(hWnd) == "#32770";
+    return (GetWindowLongA(hWnd, GWL_EXSTYLE) & WS_EX_CONTROLPARENT) != 0 || IsDialog(hWnd);
 }
 
 // Breadth first: a dialog's own control stands before one of the same number in a panel.
@@ -85,7 +85,7 @@ RECT Dialog::ScreenRect() const {
 std::vector<Dialog> Dialog::Panels() const {
     std::vector<Dialog> panels;
     for (HWND hChild : Children(m_hWnd))
-        if (ClassOf(hChild) == "#32770" && IsWindowVisible(hChild))
+        if (IsDialog(hChild) && IsWindowVisible(hChild))
             panels.emplace_back(m_core, hChild);
     return panels;
 }
@@ -196,6 +196,8 @@ void Dialog::Press(WORD vk) {
     Post(hTarget, WM_KEYDOWN, vk, KeyData(vk, false));
     PostMessageA(hTarget, WM_KEYUP, vk,
                  KeyData(vk, true));  // unless it has gone at the key's press
+    // The press posts the key's character, which the second one waits for.
+    Settle();
     Settle();
 }
 

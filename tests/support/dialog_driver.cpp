@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/thread_windows.h"
 #include "platform/barrier.h"
 #include "support/driver_core.h"
 #include "support/waiting.h"
@@ -103,7 +104,7 @@ void DialogDriver::WatchUntilStopped() {
 void DialogDriver::CancelDialogs(const std::vector<HWND>& dialogs) {
     for (HWND hDialog : dialogs) {
         const std::string strTitle = TitleOf(hDialog);
-        const auto isGone = [hDialog] { return !IsWindow(hDialog) || !IsWindowVisible(hDialog); };
+        const auto isGone = [hDialog] { return IsGone(hDialog); };
         const auto end = Clock::now() + kCancelDeadline;
         // A dialog below another one takes the command only when that has gone, so it is repeated;
         // a dialog that knows no Cancel may know the close box or another answer.

@@ -1,23 +1,10 @@
 #include "support/driver_core.h"
 
-#include <array>
-
+#include "common/thread_windows.h"
 #include "support/waiting.h"
 
 namespace mvp::test {
 namespace {
-
-BOOL CALLBACK CollectVisible(HWND hWnd, LPARAM lParam) {
-    if (IsWindowVisible(hWnd))
-        reinterpret_cast<std::vector<HWND>*>(lParam)->push_back(hWnd);
-    return TRUE;
-}
-
-std::vector<HWND> VisibleWindows(DWORD dwThreadId) {
-    std::vector<HWND> windows;
-    EnumThreadWindows(dwThreadId, CollectVisible, reinterpret_cast<LPARAM>(&windows));
-    return windows;
-}
 
 bool Matches(HWND hWnd, const DialogMatch& match) {
     return ClassOf(hWnd) == match.strClass &&
@@ -26,22 +13,6 @@ bool Matches(HWND hWnd, const DialogMatch& match) {
 }
 
 }  // namespace
-
-std::string ClassOf(HWND hWnd) {
-    std::array<char, 256> name = {};
-    GetClassNameA(hWnd, name.data(), static_cast<int>(name.size()));
-    return name.data();
-}
-
-// The caption as the system keeps it: asking the window itself could hang.
-std::string TitleOf(HWND hWnd) {
-    std::array<wchar_t, 512> wide = {};
-    std::array<char, 1024> title = {};
-    InternalGetWindowText(hWnd, wide.data(), static_cast<int>(wide.size()));
-    WideCharToMultiByte(CP_ACP, 0, wide.data(), -1, title.data(), static_cast<int>(title.size()),
-                        nullptr, nullptr);
-    return title.data();
-}
 
 LRESULT DriverCore::Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
     DWORD_PTR dwResult = 0;
@@ -79,7 +50,7 @@ Dialog DriverCore::WaitForDialog(const DialogMatch& match) {
 }
 
 void DriverCore::WaitGone(HWND hWnd) {
-    if (!WaitFor(m_deadline, [&] { return !IsWindow(hWnd) || !IsWindowVisible(hWnd); }))
+    if (!WaitFor(m_deadline, [&] { return IsGone(hWnd); }))
         throw DriverFailure("the dialog \"" + TitleOf(hWnd) + "\" is still open after " +
                             InMilliseconds(m_deadline));
     m_inHand.erase(hWnd);
@@ -88,7 +59,7 @@ void DriverCore::WaitGone(HWND hWnd) {
 std::vector<HWND> DriverCore::OpenDialogs() const {
     std::vector<HWND> dialogs;
     for (HWND hWnd : VisibleWindows(m_ui.Id()))
-        if ((m_inHand.contains(hWnd) || ClassOf(hWnd) == "#32770") && !m_leftOpen.contains(hWnd))
+        if ((m_inHand.contains(hWnd) || IsDialog(hWnd)) && !m_leftOpen.contains(hWnd))
             dialogs.push_back(hWnd);
     return dialogs;
 }

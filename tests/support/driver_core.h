@@ -44,7 +44,4 @@ private:
     std::set<HWND> m_leftOpen;
 };
 
-std::string ClassOf(HWND hWnd);
-std::string TitleOf(HWND hWnd);
-
 }  // namespace mvp::test

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "common/wait_for.h"
+
 namespace mvp::test {
 
 // Why a driver gave up. Thrown and caught inside the driver's thread.
@@ -15,17 +17,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Asks `condition` every few milliseconds until it holds. False when it did not within `timeout`.
-template <class Condition>
-bool WaitFor(std::chrono::milliseconds timeout, Condition&& condition) {
-    const auto end = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= end)
-            return false;
-        Sleep(2);
-    }
-    return true;
-}
+using mvp::WaitFor;
 
 // For when a test cannot even be failed in good order: reports the reason as a failure of the test
 // that is running and ends the process with exit code 3.

@@ -57,6 +57,14 @@ BOOL IsSystemWithoutWarning() {
            version.dwMinorVersion == 0;
 }
 
+template <std::size_t Size>
+std::array<wchar_t, Size> Widen(const std::array<char, Size>& text) {
+    std::array<wchar_t, Size> wide{};
+    MultiByteToWideChar(CP_ACP, 0, text.data(), -1, wide.data(), static_cast<int>(Size));
+    wide.back() = L'\0';
+    return wide;
+}
+
 LRESULT Send(HWND hWnd, UINT message, WPARAM wParam, const void* pParameter) {
     return SendMessageA(hWnd, message, wParam, reinterpret_cast<LPARAM>(pParameter));
 }
@@ -171,9 +179,12 @@ void CCapsLockSensitiveEdit::CreateBalloon() {
         SetWindowLongPtrA(m_hBalloon, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&BalloonProc)));
     ::SetWindowPos(m_hBalloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     AddTool();
-    Send(m_hBalloon, TTM_SETDELAYTIME, TTDT_INITIAL, nullptr);
+    // The system's own delay for tool-tips.
+    ::SendMessageA(m_hBalloon, TTM_SETDELAYTIME, TTDT_INITIAL,
+                   static_cast<LPARAM>(GetDoubleClickTime()));
     ::SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, kLargestTipWidth);
-    Send(m_hBalloon, TTM_SETTITLEA, kWarningIcon, m_szTitle.data());
+    // In wide characters: not every system takes the 8-bit form for what it is.
+    Send(m_hBalloon, TTM_SETTITLEW, kWarningIcon, Widen(m_szTitle).data());
 }
 
 void CCapsLockSensitiveEdit::AddTool() {
@@ -255,9 +266,7 @@ void CCapsLockSensitiveEdit::GiveText(NMHDR& header) {
         info.uFlags |= TTF_DI_SETITEM;
         info.lParam = 0;
     } else {
-        MultiByteToWideChar(CP_ACP, 0, Warning().data(), -1, m_szWideWarning.data(),
-                            static_cast<int>(m_szWideWarning.size()));
-        m_szWideWarning.back() = L'\0';
+        m_szWideWarning = Widen(Warning());
         auto& info = reinterpret_cast<NMTTDISPINFOW&>(header);
         info.lpszText = m_szWideWarning.data();
         info.hinst = nullptr;

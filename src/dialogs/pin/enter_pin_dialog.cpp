@@ -14,6 +14,7 @@
 
 BEGIN_MESSAGE_MAP(CEnterPinDlg, VKDetectCardRemovedDlg)
     ON_EN_CHANGE(IDC_ENTER_PIN_EDIT, &CEnterPinDlg::OnEnChangeEditPassword)
+    ON_WM_DESTROY()
     ON_WM_MOVE()
     ON_WM_HELPINFO()
 END_MESSAGE_MAP()
@@ -40,6 +41,13 @@ bool ReadPath(HKEY hKey, const char* pszValueName, CString& strPath) {
 // For the log texts that print a pointer or handle whole.
 void* Pointer(void* p) {
     return p;
+}
+
+// Takes the picture that the system loaded for a control of the template, which not every system
+// frees with the control.
+mvp::Bitmap TakePicture(CWnd& dialog, int nControl) {
+    return mvp::Bitmap(reinterpret_cast<HBITMAP>(
+        dialog.SendDlgItemMessage(nControl, STM_SETIMAGE, IMAGE_BITMAP, 0)));
 }
 
 }  // namespace
@@ -124,6 +132,12 @@ void CEnterPinDlg::OnEnChangeEditPassword() {
 void CEnterPinDlg::OnMove(int x, int y) {
     VKDetectCardRemovedDlg::OnMove(x, y);
     m_editPin.ResetToolTip();
+}
+
+void CEnterPinDlg::OnDestroy() {
+    TakePicture(*this, IDC_ENTER_PIN_BANNER);
+    TakePicture(*this, IDC_ENTER_PIN_PROGRESS);
+    VKDetectCardRemovedDlg::OnDestroy();
 }
 
 bool CEnterPinDlg::IsHighColorSupported() {

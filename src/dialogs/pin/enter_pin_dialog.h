@@ -37,6 +37,7 @@ protected:
     afx_msg BOOL OnHelpInfo(HELPINFO* pHelpInfo);
     afx_msg void OnEnChangeEditPassword();
     afx_msg void OnMove(int x, int y);
+    afx_msg void OnDestroy();
 
     DECLARE_MESSAGE_MAP()
 

@@ -1,0 +1,164 @@
+// Parse + style + layout of the rich-text engine with a fixed-advance measurer, against a floor: a
+// loop that does no more than cut the same bytes into words, measure them and break lines greedily.
+//
+//     bench_richtext_layout [ROUNDS]     best of ROUNDS runs each (default 15)
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <time.h>
+
+#include "counting_heap.h"
+#include "richtext/fixed_measurer.h"
+#include "richtext/rich_text.h"
+#include "richtext_documents.h"
+
+namespace {
+
+using mvp::bench::CDocumentGenerator;
+using mvp::bench::CountHeap;
+using mvp::bench::HeapCount;
+using mvp::richtext::CFixedMeasurer;
+using mvp::richtext::CRichText;
+
+constexpr std::int32_t kWidth = 360;
+
+// Keeps the optimiser from leaving work out.
+volatile std::int64_t g_nSink;
+
+struct Token {
+    std::uint32_t nOffset;
+    std::uint32_t nLength;
+    std::int32_t nWidth;
+};
+
+// The floor.
+void BreakGreedily(const std::string& strText) {
+    CFixedMeasurer measurer;
+    mvp::richtext::CTextMeasurer& interface = measurer;
+    mvp::richtext::FontMetrics metrics;
+    const auto font = interface.OpenFont({{}, 13, 400, false}, metrics);
+    std::vector<Token> tokens;
+    const char* const pText = strText.data();
+    const char* const pEnd = pText + strText.size();
+    for (const char* p = pText; p != pEnd;) {
+        if (*p == '<') {
+            while (p != pEnd && *p != '>') {
+                ++p;
+            }
+        } else if (*p != ' ' && *p != '>') {
+            const char* const pWord = p;
+            while (p != pEnd && *p != ' ' && *p != '<') {
+                ++p;
+            }
+            const auto nLength = static_cast<std::size_t>(p - pWord);
+            tokens.push_back({static_cast<std::uint32_t>(pWord - pText),
+                              static_cast<std::uint32_t>(nLength),
+                              interface.TextWidth(font, {pWord, nLength})});
+            continue;
+        }
+        p += p != pEnd ? 1 : 0;
+    }
+    const std::int32_t nSpace = interface.TextWidth(font, " ");
+    std::vector<std::uint32_t> lines;
+    std::int32_t nX = 0;
+    for (const Token& token : tokens) {
+        if (nX != 0 && nX + nSpace + token.nWidth > kWidth) {
+            lines.push_back(token.nOffset);
+            nX = 0;
+        }
+        nX += token.nWidth + (nX != 0 ? nSpace : 0);
+    }
+    g_nSink = static_cast<std::int64_t>(lines.size());
+}
+
+std::unique_ptr<CRichText> LayOut(CFixedMeasurer& measurer, const std::string& strText) {
+    auto pText = std::make_unique<CRichText>(measurer);
+    pText->SetStyleSheet(std::nullopt);
+    pText->SetText(strText);
+    if (!pText->Layout(kWidth)) {
+        std::fputs("layout failed\n", stderr);
+        std::exit(1);
+    }
+    return pText;
+}
+
+// Processor time, which other programs on the machine disturb less than the time of day.
+double CpuNanoseconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+}
+
+// Nanoseconds of one run, of so many.
+double TimeOf(long nRuns, const std::function<void()>& run) {
+    const double start = CpuNanoseconds();
+    for (long i = 0; i < nRuns; ++i) {
+        run();
+    }
+    return (CpuNanoseconds() - start) / static_cast<double>(nRuns);
+}
+
+struct Times {
+    double floor;
+    double whole;
+};
+
+// The best of so many rounds of enough runs each to be measurable; the two take turns.
+Times BestOf(int nRounds, const std::function<void()>& floor, const std::function<void()>& whole) {
+    constexpr double kRoundNs = 5e6;
+    const auto runsOf = [](double ns) {
+        return std::max(1L, static_cast<long>(kRoundNs / std::max(1.0, ns)));
+    };
+    Times best{TimeOf(3, floor), TimeOf(3, whole)};
+    const long nFloorRuns = runsOf(best.floor);
+    const long nWholeRuns = runsOf(best.whole);
+    for (int i = 0; i < nRounds; ++i) {
+        best.floor = std::min(best.floor, TimeOf(nFloorRuns, floor));
+        best.whole = std::min(best.whole, TimeOf(nWholeRuns, whole));
+    }
+    return best;
+}
+
+void Report(const char* pszName, const std::string& strText, int nRounds) {
+    const auto nBytes = static_cast<double>(strText.size());
+    const Times times = BestOf(
+        nRounds, [&] { BreakGreedily(strText); },
+        [&] {
+            CFixedMeasurer measurer;
+            g_nSink = LayOut(measurer, strText)->Boxes().nHeight;
+        });
+    const double floor = times.floor / nBytes;
+    const double whole = times.whole;
+    CFixedMeasurer measurer;
+    const HeapCount before = CountHeap();
+    mvp::bench::ResetPeak();
+    const auto pText = LayOut(measurer, strText);
+    const HeapCount after = CountHeap();
+    std::printf("%-22s %9zu %11.2f %9.2f %9.2f %7.1f %9.1f %9.1f %10.1f\n", pszName, strText.size(),
+                whole / 1000, whole / nBytes, floor, whole / nBytes / floor,
+                static_cast<double>(after.nLive - before.nLive) / nBytes,
+                static_cast<double>(after.nPeak - before.nLive) / nBytes,
+                static_cast<double>(after.nAllocations - before.nAllocations) * 1024 / nBytes);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int nRounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 15;
+    std::printf("%-22s %9s %11s %9s %9s %7s %9s %9s %10s\n", "document", "bytes", "us", "ns/byte",
+                "floor", "ratio", "live B/B", "peak B/B", "allocs/KB");
+    Report("notification 200 B", CDocumentGenerator::Notification(), nRounds);
+    Report("notification 2 KB", CDocumentGenerator::Report(), nRounds);
+    Report("mixed 50 KB", CDocumentGenerator::Mixed(50 * 1024), nRounds);
+    Report("table 50 x 20", CDocumentGenerator::Table(), nRounds);
+    Report("mixed 1 MB", CDocumentGenerator::Mixed(1024 * 1024), nRounds);
+    Report("100 nested tables", CDocumentGenerator::Nested(100), nRounds);
+    return 0;
+}

@@ -1,0 +1,75 @@
+// Any bytes through all stages: a byte that gives the width, a style sheet up to a byte 1 (none:
+// the built-in one), the markup.
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "fuzz_check.h"
+#include "richtext/dump.h"
+#include "richtext/fixed_measurer.h"
+#include "richtext/href_filter.h"
+#include "richtext/rich_text.h"
+
+namespace {
+
+using namespace mvp::richtext;
+
+void Check(const CRichText& text, std::string_view markup) {
+    const StyledDocument& document = text.Document();
+    const LayoutBoxes& boxes = text.Boxes();
+    FUZZ_CHECK(document.strText.size() <= markup.size() + (std::size_t{64} << 10));
+    FUZZ_CHECK(boxes.aBlocks.size() == document.aTables.size() + document.aCells.size());
+    std::size_t nFragments = 0;
+    for (const LineBox& line : boxes.aLines) {
+        FUZZ_CHECK(line.nFirstFragment == nFragments);
+        nFragments += line.nFragments;
+        FUZZ_CHECK(line.nHeight >= 0 && line.nWidth >= 0);
+        FUZZ_CHECK(line.nBlock == kNone || boxes.aBlocks[line.nBlock].bCell);
+    }
+    FUZZ_CHECK(nFragments == boxes.aFragments.size());
+    for (const Fragment& fragment : boxes.aFragments) {
+        FUZZ_CHECK(fragment.nWidth >= 0 && fragment.nHeight >= 0);
+        FUZZ_CHECK(fragment.nStyle < document.styles.Size());
+        FUZZ_CHECK(fragment.nLink == kNone || fragment.nLink < document.aLinks.size());
+        FUZZ_CHECK(fragment.kind != FragmentKind::Text ||
+                   std::size_t{fragment.nOffset} + fragment.nLength <= document.strText.size());
+    }
+    for (std::size_t i = 0; i < boxes.aBlocks.size(); ++i) {
+        const BlockBox& block = boxes.aBlocks[i];
+        FUZZ_CHECK(block.nWidth >= 0 && block.nHeight >= 0);
+        FUZZ_CHECK(block.nParent == kNone || block.nParent < i);
+        FUZZ_CHECK(block.nDecoration <= document.aDecorations.size());
+    }
+    for (const Link& link : document.aLinks) {
+        FUZZ_CHECK(!link.bHref || MatchesHrefFilter(markup));
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
+    if (nSize == 0) {
+        return 0;
+    }
+    const std::int32_t nWidth = pData[0] * 3;
+    std::string_view rest(reinterpret_cast<const char*>(pData) + 1, nSize - 1);
+    const std::size_t nEnd = rest.find('\x01');
+    CFixedMeasurer measurer;
+    CRichText text(measurer);
+    if (nEnd != std::string_view::npos) {
+        FUZZ_CHECK(text.SetStyleSheet(rest.substr(0, nEnd)));
+        rest.remove_prefix(nEnd + 1);
+    }
+    FUZZ_CHECK(text.SetText(rest));
+    FUZZ_CHECK(text.Layout(nWidth));
+    Check(text, rest);
+    const std::string strFirst = DumpLayout(text.Document(), text.Boxes());
+    FUZZ_CHECK(text.Layout(nWidth / 4));
+    Check(text, rest);
+    HitTest(text.Boxes(), nWidth / 8, text.Boxes().nHeight / 2);
+    LinkBoxes(text.Boxes(), 0);
+    // A layout depends on the width alone, not on the one before.
+    FUZZ_CHECK(text.Layout(nWidth));
+    FUZZ_CHECK(DumpLayout(text.Document(), text.Boxes()) == strFirst);
+    return 0;
+}

@@ -1,0 +1,38 @@
+// Any bytes through every value reader.
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "fuzz_check.h"
+#include "richtext/markup_tables.h"
+#include "richtext/value_readers.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
+    using namespace mvp::richtext;
+    const std::string_view value(reinterpret_cast<const char*>(pData), nSize);
+    const SystemColours& system = DefaultSystemColours();
+    const LengthContext context{7, 13, 96};
+    const auto colour = ReadColour(value, system);
+    FUZZ_CHECK(!colour.has_value() || ReadPropertyColour(value, system) == colour);
+    const auto length = ReadLength(value);
+    for (const std::int32_t nDefault : {0, 1, -1, 2147483647, -2147483647 - 1}) {
+        const std::int32_t nSize32 = LengthOr(value, nDefault, LengthUse::Size, context);
+        FUZZ_CHECK(length.has_value() || nSize32 == nDefault);
+        LengthOr(value, nDefault, LengthUse::FontSize, context);
+    }
+    const auto effect = ReadBackgroundEffect(value, context);
+    FUZZ_CHECK(!effect.has_value() ||
+               (static_cast<int>(*effect) >= -1 && static_cast<int>(*effect) <= 15));
+    ReadFontStyle(value);
+    ReadFontWeight(value);
+    ReadTextAlign(value);
+    ReadVerticalAlign(value);
+    ReadTextTransform(value);
+    ReadTextDecoration(value);
+    ReadBorderWidth(value);
+    ReadBorderStyle(value);
+    FindTag(value);
+    FindAttribute(value);
+    MatchEntity(value);
+    return 0;
+}

@@ -1,0 +1,197 @@
+#include "pinhost/automatic_user.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <stdexcept>
+
+#include "common/keyboard.h"
+#include "common/screenshot.h"
+#include "common/thread_windows.h"
+#include "common/wait_for.h"
+#include "pinhost/command.h"
+#include "pinhost/text.h"
+#include "platform/barrier.h"
+
+namespace pinhost {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kDeadline = 20s;        // for what should happen at once
+constexpr auto kOkDeadline = 1s;       // for OK to follow the typing
+constexpr auto kCancelDeadline = 10s;  // for a dialog to obey Cancel
+
+class Failure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+template <class Condition>
+void Await(const char* pszWhat, Condition&& condition) {
+    if (!mvp::WaitFor(kDeadline, condition))
+        throw Failure(std::string("the automatic user waited in vain: ") + pszWhat);
+}
+
+BOOL CALLBACK FindEditProc(HWND hWnd, LPARAM lParam) {
+    if (lstrcmpiA(mvp::ClassOf(hWnd).c_str(), "EDIT") != 0 || !IsWindowVisible(hWnd) ||
+        !IsWindowEnabled(hWnd))
+        return TRUE;
+    *reinterpret_cast<HWND*>(lParam) = hWnd;
+    return FALSE;
+}
+
+// Answered when the dialog's initialisation is over.
+bool Answers(HWND hDialog) {
+    DWORD_PTR dwResult = 0;
+    return SendMessageTimeoutA(hDialog, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 1000, &dwResult) != 0;
+}
+
+HWND FocusOf(DWORD dwThreadId) {
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof info;
+    return GetGUIThreadInfo(dwThreadId, &info) ? info.hwndFocus : nullptr;
+}
+
+void AwaitForeground(HWND hDialog) {
+    SetForegroundWindow(hDialog);
+    Await("the dialog did not come to the foreground",
+          [hDialog] { return GetForegroundWindow() == hDialog; });
+}
+
+void AwaitKeys(DWORD dwThreadId) {
+    if (!mvp::WaitForKeys(dwThreadId, kDeadline))
+        throw Failure("the dialog did not take the typed keys");
+}
+
+}  // namespace
+
+HWND FindEdit(HWND hDialog) {
+    HWND hEdit = nullptr;
+    EnumChildWindows(hDialog, FindEditProc, reinterpret_cast<LPARAM>(&hEdit));
+    return hEdit;
+}
+
+void AddPlanOptions(CLI::App& command, UserPlan& plan) {
+    if (plan.bNeedsEdit)
+        command
+            .add_option("--type", plan.strTyped,
+                        "type this text into the dialog, with real key strokes")
+            ->each([&plan](const std::string&) { plan.bTypes = true; });
+    const std::map<std::string, Press> presses{{"ok", Press::kOk}, {"cancel", Press::kCancel}};
+    command.add_option("--press", plan.press, "then press ok or cancel")
+        ->transform(CLI::CheckedTransformer(presses).description("ok|cancel"));
+    command
+        .add_option("--screenshot", plan.strScreenshot,
+                    "before that, save a picture of the dialog as this PNG file")
+        ->type_name("FILE.png");
+}
+
+AutomaticUser::AutomaticUser(UserPlan plan, DWORD dwUiThreadId)
+    : m_plan(std::move(plan)), m_dwUiThreadId(dwUiThreadId) {
+    if (!m_plan.IsEmpty())
+        m_thread = std::jthread([this](const std::stop_token& stop) { Main(stop); });
+}
+
+void AutomaticUser::Finish() {
+    m_thread = {};  // asks it to stop, and waits
+    if (!m_strFailure.empty())
+        throw EnvironmentError(m_strFailure);
+}
+
+void AutomaticUser::Main(const std::stop_token& stop) noexcept {
+    mvp::Guarded(
+        0,
+        [&] {
+            try {
+                ServeDialogs(stop);
+            } catch (const std::exception& error) {
+                m_strFailure = error.what();
+                CancelUntil(stop);
+            }
+            return 0;
+        },
+        [] { TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::kEnvironment)); });
+}
+
+void AutomaticUser::ServeDialogs(const std::stop_token& stop) {
+    HWND hDialog = WaitForDialog(stop, nullptr);
+    while (hDialog != nullptr && m_plan.bNeedsEdit && FindEdit(hDialog) == nullptr) {
+        Answer(hDialog, Press::kOk);
+        hDialog = WaitForDialog(stop, hDialog);
+    }
+    if (hDialog != nullptr)
+        Serve(hDialog);
+}
+
+// Null when the library returns without opening one.
+HWND AutomaticUser::WaitForDialog(const std::stop_token& stop, HWND hAfter) const {
+    HWND hFound = nullptr;
+    Await("no dialog was opened", [&] {
+        for (HWND hWnd : mvp::VisibleWindows(m_dwUiThreadId))
+            if (hWnd != hAfter && mvp::IsDialog(hWnd) && IsWindowEnabled(hWnd) && Answers(hWnd))
+                hFound = hWnd;
+        return hFound != nullptr || stop.stop_requested();
+    });
+    return hFound;
+}
+
+void AutomaticUser::Serve(HWND hDialog) {
+    if (m_plan.bTypes) {
+        AwaitForeground(hDialog);
+        Await("no edit got the focus", [&] {
+            return lstrcmpiA(mvp::ClassOf(FocusOf(m_dwUiThreadId)).c_str(), "EDIT") == 0;
+        });
+        if (!mvp::SendText(m_plan.strTyped))
+            throw Failure("the system refused the typed keys");
+        AwaitKeys(m_dwUiThreadId);
+    }
+    if (!m_plan.strScreenshot.empty()) {
+        AwaitForeground(hDialog);
+        std::string strError;
+        if (!mvp::SaveWindowPng(hDialog, m_plan.strScreenshot, strError))
+            throw Failure("no screenshot " + Utf8FromAnsi(m_plan.strScreenshot) + ": " + strError);
+    }
+    Press press = m_plan.press;
+    const auto isOkEnabled = [hDialog] { return IsWindowEnabled(GetDlgItem(hDialog, IDOK)); };
+    if (press == Press::kOk && !mvp::WaitFor(kOkDeadline, isOkEnabled)) {
+        m_strRemark = "OK stayed disabled, so the dialog was cancelled";
+        press = Press::kCancel;
+    }
+    if (press != Press::kNothing)
+        Answer(hDialog, press);
+}
+
+void AutomaticUser::Answer(HWND hDialog, Press press) {
+    AwaitForeground(hDialog);
+    if (press == Press::kOk && FindEdit(hDialog) == nullptr)
+        // Of a dialog's buttons Enter presses the one with the focus, wherever it begins.
+        Await("OK did not get the focus", [&] {
+            if (FocusOf(m_dwUiThreadId) == GetDlgItem(hDialog, IDOK))
+                return true;
+            mvp::SendKey(VK_TAB);
+            AwaitKeys(m_dwUiThreadId);
+            return false;
+        });
+    // A card that leaves may have closed the dialog meanwhile.
+    if (!mvp::IsGone(hDialog))
+        mvp::SendKey(press == Press::kOk ? VK_RETURN : VK_ESCAPE);
+    Await("the dialog stayed open", [hDialog] { return mvp::IsGone(hDialog); });
+}
+
+void AutomaticUser::CancelUntil(const std::stop_token& stop) const {
+    const bool bStopped = mvp::WaitFor(kCancelDeadline, [&] {
+        for (HWND hWnd : mvp::VisibleWindows(m_dwUiThreadId))
+            if (mvp::IsDialog(hWnd))
+                PostMessageA(hWnd, WM_COMMAND, IDCANCEL, 0);
+        Sleep(50);
+        return stop.stop_requested();
+    });
+    if (!bStopped) {
+        std::fprintf(stderr, "pinhost: %s; a dialog cannot be cancelled\n", m_strFailure.c_str());
+        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::kEnvironment));
+    }
+}
+
+}  // namespace pinhost

@@ -1,0 +1,240 @@
+#include "pinhost/card_file.h"
+
+#include <algorithm>
+#include <fstream>
+#include <limits>
+
+#include <nlohmann/json.hpp>
+
+namespace pinhost {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kMaxFileSize = 16 * 1024;
+constexpr std::size_t kMaxReaderLength = 127;
+constexpr std::size_t kMaxSecretLength = 255;
+constexpr std::uint32_t kMaxTries = 255;
+
+[[noreturn]] void Refuse(const char* pszField, const char* pszFault) {
+    std::string strText(1, '"');
+    throw CardFileError(strText.append(pszField).append("\" ").append(pszFault));
+}
+
+// Text holds PINs: the document is overwritten when it goes.
+class Document {
+public:
+    explicit Document(Json json) : m_json(std::move(json)) {}
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+    ~Document() {
+        for (Json& value : m_json)
+            if (auto* pText = value.get_ptr<std::string*>())
+                Wipe(pText->data(), pText->size());
+    }
+    const Json& Root() const { return m_json; }
+
+private:
+    Json m_json;
+};
+
+const Json& Field(const Json& object, const char* pszField) {
+    const auto it = object.find(pszField);
+    if (it == object.end())
+        Refuse(pszField, "is missing");
+    return *it;
+}
+
+const std::string& TextField(const Json& object, const char* pszField) {
+    const Json& value = Field(object, pszField);
+    if (!value.is_string())
+        Refuse(pszField, "is not a text");
+    return value.get_ref<const std::string&>();
+}
+
+std::uint32_t NumberField(const Json& object, const char* pszField, std::uint32_t nMax) {
+    const Json& value = Field(object, pszField);
+    if (!value.is_number_unsigned())
+        Refuse(pszField, "is not a whole number");
+    const auto nValue = value.get<std::uint64_t>();
+    if (nValue > nMax)
+        Refuse(pszField, "is too large");
+    return static_cast<std::uint32_t>(nValue);
+}
+
+bool FlagField(const Json& object, const char* pszField) {
+    const Json& value = Field(object, pszField);
+    if (!value.is_boolean())
+        Refuse(pszField, "is neither true nor false");
+    return value.get<bool>();
+}
+
+std::string ReaderField(const Json& object) {
+    const std::string& strReader = TextField(object, "reader");
+    if (strReader.size() > kMaxReaderLength)
+        Refuse("reader", "is too long");
+    if (std::any_of(strReader.begin(), strReader.end(),
+                    [](char ch) { return static_cast<unsigned char>(ch) < 0x20; }))
+        Refuse("reader", "has control characters");
+    return strReader;
+}
+
+// The text is valid UTF-8: the parser has seen to it.
+Secret SecretField(const Json& object, const char* pszField) {
+    const std::string& strText = TextField(object, pszField);
+    Secret secret;
+    secret.reserve(strText.size());
+    for (std::size_t i = 0; i < strText.size(); ++i) {
+        const auto nByte = static_cast<unsigned char>(strText[i]);
+        if (nByte >= 0xC4)
+            Refuse(pszField, "has a character beyond U+00FF");
+        if (nByte < 0x80)
+            secret.push_back(strText[i]);
+        else
+            secret.push_back(static_cast<char>(((nByte & 0x03) << 6) |
+                                               (static_cast<unsigned char>(strText[++i]) & 0x3F)));
+    }
+    if (secret.empty() || secret.size() > kMaxSecretLength)
+        Refuse(pszField, "is empty or too long");
+    return secret;
+}
+
+std::string SecretText(const Secret& secret) {
+    std::string strText;
+    strText.reserve(secret.size() * 2);
+    for (const char ch : secret) {
+        const auto nByte = static_cast<unsigned char>(ch);
+        if (nByte >= 0x80)
+            strText.push_back(static_cast<char>(0xC0 | (nByte >> 6)));
+        strText.push_back(nByte < 0x80 ? ch : static_cast<char>(0x80 | (nByte & 0x3F)));
+    }
+    return strText;
+}
+
+CardPolicy PolicyField(const Json& object) {
+    const Json& value = Field(object, "policy");
+    if (!value.is_object())
+        Refuse("policy", "is not an object");
+    constexpr auto kAny = std::numeric_limits<std::uint32_t>::max();
+    CardPolicy policy;
+    policy.dwMinPinLength = NumberField(value, "minLength", kAny);
+    policy.dwMaxPinLength = NumberField(value, "maxLength", kAny);
+    policy.bPreventAlphaPin = FlagField(value, "digitsOnly");
+    policy.bPreventWeakPin = FlagField(value, "notWeak");
+    policy.bPreventSamePin = FlagField(value, "notSame");
+    if (policy.dwMinPinLength > policy.dwMaxPinLength)
+        Refuse("minLength", "is greater than \"maxLength\"");
+    return policy;
+}
+
+SoftwareCard CardOf(const Json& root) {
+    if (!root.is_object())
+        throw CardFileError("it is not a JSON object");
+    SoftwareCard card;
+    card.strReader = ReaderField(root);
+    card.pin = SecretField(root, "pin");
+    card.unlockCode = SecretField(root, "unlockCode");
+    card.nMaxTries = NumberField(root, "maxTries", kMaxTries);
+    card.nTriesLeft = NumberField(root, "triesLeft", kMaxTries);
+    card.policy = PolicyField(root);
+    if (card.nMaxTries == 0)
+        Refuse("maxTries", "is 0");
+    if (card.nTriesLeft > card.nMaxTries)
+        Refuse("triesLeft", "is greater than \"maxTries\"");
+    return card;
+}
+
+[[noreturn]] void RefuseFile(const std::filesystem::path& file, const std::string& strFault) {
+    throw CardFileError("card file " + file.string() + ": " + strFault);
+}
+
+// Without a buffer of its own, which nobody would overwrite.
+template <class Stream>
+Stream OpenUnbuffered(const std::filesystem::path& file, std::ios::openmode mode) {
+    Stream stream;
+    stream.rdbuf()->pubsetbuf(nullptr, 0);
+    stream.open(file, mode | std::ios::binary);
+    return stream;
+}
+
+// One byte more than allowed, for the parser to refuse.
+Secret ReadAll(std::istream& stream) {
+    Secret text(kMaxFileSize + 1);
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(stream.gcount()));
+    return text;
+}
+
+}  // namespace
+
+SoftwareCard ParseCard(std::string_view text) {
+    if (text.size() > kMaxFileSize)
+        throw CardFileError("it is too large");
+    try {
+        const Document document(Json::parse(text));
+        return CardOf(document.Root());
+    } catch (const Json::exception&) {
+        // The parser's own text quotes what it read, which may be the PIN.
+        throw CardFileError("it is not valid JSON");
+    }
+}
+
+Secret FormatCard(const SoftwareCard& card) {
+    const Document document(Json{
+        {"reader", card.strReader},
+        {"pin", SecretText(card.pin)},
+        {"unlockCode", SecretText(card.unlockCode)},
+        {"triesLeft", card.nTriesLeft},
+        {"maxTries", card.nMaxTries},
+        {"policy",
+         {{"minLength", card.policy.dwMinPinLength},
+          {"maxLength", card.policy.dwMaxPinLength},
+          {"digitsOnly", card.policy.bPreventAlphaPin},
+          {"notWeak", card.policy.bPreventWeakPin},
+          {"notSame", card.policy.bPreventSamePin}}},
+    });
+    std::string strText = document.Root().dump(2);
+    strText += '\n';
+    Secret text(strText.begin(), strText.end());
+    Wipe(strText.data(), strText.size());
+    return text;
+}
+
+SoftwareCard ReadCard(const std::filesystem::path& file) {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error) && !error)
+        return {};
+    auto stream = OpenUnbuffered<std::ifstream>(file, std::ios::in);
+    if (!stream)
+        RefuseFile(file, "it cannot be opened");
+    const Secret text = ReadAll(stream);
+    if (stream.bad() || (text.empty() && !stream.eof()))
+        RefuseFile(file, "it cannot be read");
+    try {
+        return ParseCard({text.data(), text.size()});
+    } catch (const CardFileError& fault) {
+        RefuseFile(file, fault.what());
+    }
+}
+
+void WriteCard(const std::filesystem::path& file, const SoftwareCard& card) {
+    const Secret text = FormatCard(card);
+    std::filesystem::path fresh = file;
+    fresh += ".new";
+    {
+        auto stream = OpenUnbuffered<std::ofstream>(fresh, std::ios::out | std::ios::trunc);
+        stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+        stream.close();
+        if (!stream)
+            RefuseFile(file, "it cannot be written");
+    }
+    std::error_code error;
+    std::filesystem::rename(fresh, file, error);
+    if (error) {
+        std::error_code ignored;
+        std::filesystem::remove(fresh, ignored);
+        RefuseFile(file, "it cannot be replaced");
+    }
+}
+
+}  // namespace pinhost

@@ -1,0 +1,48 @@
+#include "pinhost/card_remover.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "common/thread_windows.h"
+#include "common/wait_for.h"
+#include "pinhost/automatic_user.h"
+#include "pinhost/pin_library.h"
+
+namespace pinhost {
+namespace {
+
+constexpr int kCardRemovedEvent = 2;
+
+// A person may take his time with a warning that comes first.
+constexpr auto kForever = std::chrono::hours(24);
+
+}  // namespace
+
+CardRemover::CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId)
+    : m_events(LoadOwnModule("vkevtsub.dll")),
+      m_strReader(std::move(strReader)),
+      m_delay(delay),
+      m_dwUiThreadId(dwUiThreadId) {
+    Find(m_events, "VKRaiseEvent", m_pRaiseEvent);
+    m_thread = std::jthread([this](const std::stop_token& stop) { Main(stop); });
+}
+
+bool CardRemover::Finish() {
+    m_thread = {};  // asks it to stop, and waits
+    return m_bRemoved;
+}
+
+void CardRemover::Main(const std::stop_token& stop) noexcept {
+    const auto isDialogOpen = [this] {
+        const auto windows = mvp::VisibleWindows(m_dwUiThreadId);
+        return std::any_of(windows.begin(), windows.end(),
+                           [](HWND hWnd) { return FindEdit(hWnd) != nullptr; });
+    };
+    mvp::WaitFor(kForever, [&] { return stop.stop_requested() || isDialogOpen(); });
+    mvp::WaitFor(m_delay, [&] { return stop.stop_requested(); });
+    if (stop.stop_requested())
+        return;
+    m_bRemoved = m_pRaiseEvent(kCardRemovedEvent, m_strReader.c_str()) == 0;
+}
+
+}  // namespace pinhost

@@ -1,0 +1,38 @@
+// Pulls the software card out of its reader some time after the dialog has opened: raises the
+// suite's card-removed event.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include "platform/handle.h"
+
+namespace pinhost {
+
+class CardRemover {
+public:
+    // Throws EnvironmentError when the suite's event module is missing.
+    CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId);
+    CardRemover(const CardRemover&) = delete;
+    CardRemover& operator=(const CardRemover&) = delete;
+    ~CardRemover() = default;
+
+    // To be called when the library has returned. Whether the card was removed by then.
+    bool Finish();
+
+private:
+    void Main(const std::stop_token& stop) noexcept;
+
+    mvp::ModuleHandle m_events;
+    int (*m_pRaiseEvent)(int, const char*) = nullptr;
+    std::string m_strReader;
+    std::chrono::milliseconds m_delay;
+    DWORD m_dwUiThreadId;
+    bool m_bRemoved = false;
+    std::jthread m_thread;  // last: it uses the others
+};
+
+}  // namespace pinhost

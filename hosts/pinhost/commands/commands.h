@@ -1,0 +1,14 @@
+// The commands, each in a file of its own.
+#pragma once
+
+#include <memory>
+
+#include "pinhost/command.h"
+
+namespace pinhost {
+
+std::unique_ptr<Command> MakeErrorTextCommand();
+std::unique_ptr<Command> MakeLastTryCommand();
+std::unique_ptr<Command> MakeGetPinCommand();
+
+}  // namespace pinhost

@@ -1,0 +1,46 @@
+// last-try: the warning that the next wrong PIN blocks the card.
+#include "pinhost/automatic_user.h"
+#include "pinhost/commands/commands.h"
+#include "pinhost/pin_library.h"
+#include "pinhost/text.h"
+
+namespace pinhost {
+namespace {
+
+class LastTryCommand : public Command {
+public:
+    CLI::App* AddTo(CLI::App& app) override {
+        CLI::App* pCommand =
+            app.add_subcommand("last-try", "Warn that the next wrong PIN blocks the card");
+        pCommand->add_option("--reader", m_strReader, "name of the reader");
+        AddPlanOptions(*pCommand, m_plan);
+        return pCommand;
+    }
+
+    Outcome Run(const HostOptions& options) override {
+        m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
+        const PinLibrary library(options);
+        AutomaticUser user(m_plan, GetCurrentThreadId());
+        const bool bAccepted = library.DisplayLastPINTry(m_strReader.c_str()) == MVPINGUI_OK;
+        user.Finish();
+        Outcome outcome;
+        outcome.code = bAccepted ? ExitCode::kAccepted : ExitCode::kNotAccepted;
+        outcome.strText =
+            bAccepted ? "The user accepted the warning." : "The user declined the last try.";
+        outcome.json["reader"] = Utf8FromAnsi(m_strReader);
+        outcome.json["result"] = bAccepted ? "accepted" : "declined";
+        return outcome;
+    }
+
+private:
+    std::string m_strReader = "Veskara Software Reader 0";
+    UserPlan m_plan;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeLastTryCommand() {
+    return std::make_unique<LastTryCommand>();
+}
+
+}  // namespace pinhost

@@ -1,0 +1,211 @@
+#include "suite/vkevtsub/event_dispatcher.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "platform/barrier.h"
+#include "suite/vkevtsub/module_thread.h"
+#include "suite/vkevtsub/sent_message_wait.h"
+
+namespace mvp {
+
+CEventDispatcher::CEventDispatcher() noexcept : m_idle(CreateEventA(nullptr, TRUE, TRUE, nullptr)) {
+    InitializeConditionVariable(&m_wake);
+}
+
+int CEventDispatcher::Subscribe(VKDelegateSubscriber& subscriber, int nKind) {
+    if (nKind <= 0)
+        return VKEVTSUB_INVALID;
+    const auto subscription = std::make_shared<Subscription>();
+    subscription->pSubscriber = &subscriber;
+    subscription->nKind = nKind;
+    subscription->noCall.reset(CreateEventA(nullptr, TRUE, TRUE, nullptr));
+    if (!subscription->noCall)
+        return VKEVTSUB_NO_RESOURCES;
+
+    const CScopedLock lock(m_lock);
+    if (IsSubscribed(subscriber))
+        return VKEVTSUB_SUBSCRIBED;
+    m_subscriptions.reserve(m_subscriptions.size() + 1);
+    if (!StartThreads(nKind))
+        return VKEVTSUB_NO_RESOURCES;
+    subscription->nNumber = m_nNextNumber++;
+    m_subscriptions.push_back(subscription);
+    return VKEVTSUB_OK;
+}
+
+int CEventDispatcher::UnSubscribe(VKDelegateSubscriber& subscriber) noexcept {
+    SubscriptionPtr called;
+    ThreadPtr thread;
+    std::shared_ptr<CCardWatch> watch;
+    std::size_t nErased = 0;
+    {
+        const CScopedLock lock(m_lock);
+        nErased = std::erase_if(m_subscriptions, [&](const SubscriptionPtr& each) {
+            return each->pSubscriber == &subscriber;
+        });
+        watch = TakeWatchNobodyNeeds();
+        if (m_subscriptions.empty())
+            WakeConditionVariable(&m_wake);
+        // Another thread may be unsubscribing it as well; then both wait.
+        if (m_called && m_called->pSubscriber == &subscriber && !IsOnDeliveryThread()) {
+            called = m_called;
+            thread = m_thread;
+        }
+    }
+    // Outside of the lock: the service's part in it may take long.
+    if (watch)
+        watch->End();
+    if (called)
+        WaitForEndOfCall(called, thread);
+    return nErased > 0 ? VKEVTSUB_OK : VKEVTSUB_NOT_SUBSCRIBED;
+}
+
+int CEventDispatcher::Raise(int nKind, const char* pszReaderName) {
+    const char* const pszReader = pszReaderName != nullptr ? pszReaderName : "";
+    if (nKind <= 0 || strnlen(pszReader, kReaderNameMax + 1) > kReaderNameMax)
+        return VKEVTSUB_INVALID;
+    std::string strReader = pszReader;
+    const CScopedLock lock(m_lock);
+    return Enqueue(nKind, std::move(strReader));
+}
+
+int CEventDispatcher::WaitForIdle(DWORD nTimeoutMs) noexcept {
+    {
+        const CScopedLock lock(m_lock);
+        if (IsOnDeliveryThread())
+            return VKEVTSUB_INVALID;
+    }
+    return WaitServingSentMessages({m_idle.get()}, nTimeoutMs) ? VKEVTSUB_OK : VKEVTSUB_TIMEOUT;
+}
+
+bool CEventDispatcher::IsSubscribed(const VKDelegateSubscriber& subscriber) const noexcept {
+    return std::ranges::any_of(m_subscriptions, [&](const SubscriptionPtr& each) {
+        return each->pSubscriber == &subscriber;
+    });
+}
+
+// Starts what a subscription to `nKind` needs and is not there. A delivery thread that is started
+// in vain ends by itself.
+bool CEventDispatcher::StartThreads(int nKind) {
+    if (!m_thread) {
+        const auto thread = std::make_shared<KernelHandle>();
+        *thread = StartModuleThread([this] { Run(); });
+        if (!*thread)
+            return false;
+        m_thread = thread;
+    }
+    if (nKind == VKEVENT_CARD_REMOVED && !m_watch)
+        m_watch = CCardWatch::Start([this](const CCardWatch& watch, const std::string& strReader) {
+            OnCardRemoved(watch, strReader);
+        });
+    return nKind != VKEVENT_CARD_REMOVED || m_watch;
+}
+
+std::shared_ptr<CCardWatch> CEventDispatcher::TakeWatchNobodyNeeds() noexcept {
+    const bool bNeeded = std::ranges::any_of(m_subscriptions, [](const SubscriptionPtr& each) {
+        return each->nKind == VKEVENT_CARD_REMOVED;
+    });
+    return bNeeded ? nullptr : std::exchange(m_watch, nullptr);
+}
+
+int CEventDispatcher::Enqueue(int nKind, std::string strReader) {
+    if (m_subscriptions.empty())
+        return VKEVTSUB_OK;
+    if (m_queue.size() >= kQueueMax)
+        return VKEVTSUB_NO_RESOURCES;
+    m_queue.push_back({nKind, std::move(strReader), m_nNextNumber++});
+    ResetEvent(m_idle.get());
+    WakeConditionVariable(&m_wake);
+    return VKEVTSUB_OK;
+}
+
+void CEventDispatcher::OnCardRemoved(const CCardWatch& watch,
+                                     const std::string& strReader) noexcept {
+    Guarded(
+        0,
+        [&] {
+            const CScopedLock lock(m_lock);
+            // A watch that has been ended may still be reporting what it saw before.
+            return m_watch.get() == &watch ? Enqueue(VKEVENT_CARD_REMOVED, strReader) : 0;
+        },
+        [] { OutputDebugStringA("vkevtsub: no memory, a card event is lost\n"); });
+}
+
+bool CEventDispatcher::IsOnDeliveryThread() const noexcept {
+    return m_thread && m_nThreadId == GetCurrentThreadId();
+}
+
+void CEventDispatcher::WaitForEndOfCall(const SubscriptionPtr& subscription,
+                                        const ThreadPtr& thread) noexcept {
+    // A process that ends kills the delivery thread, and the call with it.
+    const std::initializer_list<HANDLE> objects = {subscription->noCall.get(), thread->get()};
+    if (WaitServingSentMessages(objects, kReplyAfterMs))
+        return;
+    ReplyToSender();
+    WaitServingSentMessages(objects, INFINITE);
+}
+
+void CEventDispatcher::Run() noexcept {
+    Event event;
+    while (TakeEvent(event))
+        Deliver(event);
+}
+
+// Waits for the next event. False when nobody subscribes any more; the delivery thread is forgotten
+// then, and the next subscription starts another one.
+bool CEventDispatcher::TakeEvent(Event& event) noexcept {
+    const CScopedLock lock(m_lock);
+    m_nThreadId = GetCurrentThreadId();
+    if (m_queue.empty())
+        SetEvent(m_idle.get());
+    while (m_queue.empty() && !m_subscriptions.empty())
+        SleepConditionVariableCS(&m_wake, m_lock.get(), INFINITE);
+    if (m_subscriptions.empty()) {
+        m_queue.clear();
+        SetEvent(m_idle.get());
+        m_thread = nullptr;
+        m_nThreadId = 0;
+        return false;
+    }
+    event = std::move(m_queue.front());
+    m_queue.pop_front();
+    return true;
+}
+
+void CEventDispatcher::Deliver(const Event& event) noexcept {
+    const VKEvent delivered = {event.strReader.c_str(), event.nKind};
+    std::uint64_t nLast = 0;
+    m_lock.Enter();
+    while (const SubscriptionPtr subscription = NextFor(event, nLast)) {
+        nLast = subscription->nNumber;
+        m_called = subscription;
+        ResetEvent(subscription->noCall.get());
+        m_lock.Leave();
+        Guarded(
+            0,
+            [&] {
+                subscription->pSubscriber->HandleEvent(delivered);
+                return 0;
+            },
+            [] { OutputDebugStringA("vkevtsub: HandleEvent threw an exception\n"); });
+        m_lock.Enter();
+        m_called = nullptr;
+        SetEvent(subscription->noCall.get());
+    }
+    m_lock.Leave();
+}
+
+// The first subscription after number `nAfter` that is to get the event. The list is looked through
+// anew each time, for every call may have changed it.
+CEventDispatcher::SubscriptionPtr CEventDispatcher::NextFor(const Event& event,
+                                                            std::uint64_t nAfter) const noexcept {
+    const auto next = std::ranges::find_if(m_subscriptions, [&](const SubscriptionPtr& each) {
+        return each->nNumber > nAfter && each->nNumber < event.nNumber &&
+               each->nKind == event.nKind;
+    });
+    return next != m_subscriptions.end() ? *next : nullptr;
+}
+
+}  // namespace mvp

@@ -1,0 +1,38 @@
+#include "suite/vkevtsub/module_thread.h"
+
+#include <memory>
+#include <utility>
+
+namespace mvp {
+namespace {
+
+struct ThreadStart {
+    std::function<void()> body;
+    HMODULE hModule = nullptr;
+};
+
+DWORD WINAPI RunThread(void* pStart) {
+    std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(pStart));
+    const HMODULE hModule = start->hModule;
+    start->body();
+    start.reset();
+    FreeLibraryAndExitThread(hModule, 0);
+}
+
+}  // namespace
+
+KernelHandle StartModuleThread(std::function<void()> body) {
+    auto start = std::make_unique<ThreadStart>();
+    start->body = std::move(body);
+    if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                            reinterpret_cast<LPCSTR>(&RunThread), &start->hModule))
+        return {};
+    KernelHandle thread(CreateThread(nullptr, 0, RunThread, start.get(), 0, nullptr));
+    if (thread)
+        start.release();
+    else
+        FreeLibrary(start->hModule);
+    return thread;
+}
+
+}  // namespace mvp

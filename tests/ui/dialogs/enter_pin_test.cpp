@@ -1,0 +1,334 @@
+// GetPINFromUser from the call to its result, and the dialog in between.
+#include <algorithm>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "frame/help_topic.h"
+#include "frame/module.h"
+#include "frame/resource_module.h"
+#include "mvpingui/mvpingui.h"
+#include "resources/resource_numbers.h"
+#include "support/dialog_driver.h"
+#include "support/log_recorder.h"
+#include "support/message_box_recorder.h"
+#include "support/registry_hive.h"
+#include "support/resource_counts.h"
+#include "ui/dialogs/attached_library.h"
+#include "ui/dialogs/pin_request.h"
+
+namespace mvp::test {
+namespace {
+
+using Request = PinRequest;
+
+class EnterPin : public testing::Test {
+protected:
+    ~EnterPin() override {
+        FreeGetPinBuffer(nullptr, 0);
+        SetPinPromptString(nullptr);
+    }
+
+    AttachedLibrary m_library;
+    RegistryHive m_hive;
+    LogRecorder m_log;
+    MessageBoxRecorder m_boxes;
+};
+
+TEST_F(EnterPin, HandsOutExactlyWhatWasTyped) {
+    struct Case {
+        uint32_t dwMin;
+        uint32_t dwMax;
+        std::string strPin;
+    };
+    const Case cases[] = {
+        {4, 8, "123456"},       {1, 1, "7"},
+        {4, 4, "0000"},         {0, 8, "\xE9\xE8\xFC\xDF"},
+        {0, 0xFFFFFFFF, "a b"}, {1, 20'000, std::string(10'000, '5')},
+    };
+    for (const Case& c : cases) {
+        Request request{.dwMin = c.dwMin, .dwMax = c.dwMax};
+        DialogDriver driver([&](Dialog& d) {
+            if (c.strPin.size() > 100)
+                d.Paste(IDC_ENTER_PIN_EDIT, c.strPin);
+            else
+                d.Type(IDC_ENTER_PIN_EDIT, c.strPin);
+            d.Click(IDOK);
+        });
+        EXPECT_EQ(request.Call(), MVPINGUI_OK) << m_log.Dump();
+        driver.Join();
+        ASSERT_EQ(request.cbPin, c.strPin.size());
+        EXPECT_TRUE(request.Pin() == c.strPin);
+        FreeGetPinBuffer(request.pPin, request.cbPin);
+    }
+}
+
+TEST_F(EnterPin, EmptyPinIsAnAnswerWhenAllowed) {
+    Request request{.dwMin = 0};
+    DialogDriver driver([](Dialog& d) {
+        EXPECT_TRUE(d.IsEnabled(IDOK));
+        d.Enter();
+    });
+    EXPECT_EQ(request.Call(), MVPINGUI_OK);
+    EXPECT_EQ(request.pPin, nullptr);
+    EXPECT_EQ(request.cbPin, 0U);
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: PIN empty"));
+}
+
+TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
+    Request request;
+    DialogDriver driver([](Dialog& d) {
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        EXPECT_EQ(d.FocusedId(), IDC_ENTER_PIN_EDIT);
+        for (int length = 1; length <= 9; ++length) {
+            d.Type(IDC_ENTER_PIN_EDIT, "\xE9");
+            EXPECT_EQ(d.IsEnabled(IDOK), length >= 4 && length <= 8) << length;
+        }
+        for (int length = 8; length >= 0; --length) {
+            d.Press(VK_BACK);
+            EXPECT_EQ(d.IsEnabled(IDOK), length >= 4 && length <= 8) << length;
+        }
+        d.Paste(IDC_ENTER_PIN_EDIT, "12345");
+        EXPECT_TRUE(d.IsEnabled(IDOK));
+        d.Send(IDC_ENTER_PIN_EDIT, EM_SETSEL, 0, -1);
+        d.Send(IDC_ENTER_PIN_EDIT, WM_CLEAR);
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        d.Enter();
+        EXPECT_TRUE(d.IsOpen());
+        d.Escape();
+    });
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_TRUE(request.IsUntouched());
+}
+
+TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {
+    Request request;
+    DialogDriver driver([](Dialog& d) {
+        d.Type(IDC_ENTER_PIN_EDIT, "1234");
+        d.Click(IDOK);
+    });
+    request.Call();
+    driver.Join();
+    EXPECT_EQ(m_log.Texts(8).front(), "GetPINFromUser");
+    EXPECT_EQ(m_log.Texts(16).back(), "GetPINFromUser");
+    for (const char* pszText :
+         {"GetPINFromUser: hParent = 0, Reader = Reader A",
+          "GetPINFromUser: Enter PIN action allowed",
+          "VKDetectCardRemovedDlg: pParent = 0, Reader = Reader A",
+          "CEnterPinDlg: pParent = 0, Reader = Reader A",
+          "CEnterPinDlg::OnContextualHelp: CreateDlgIndirect with hWndParent",
+          "GetPINFromUser: Enter PIN action validated", "GetPINFromUser: returns: 0"})
+        EXPECT_TRUE(m_log.Contains(2, pszText)) << pszText << m_log.Dump();
+    EXPECT_TRUE(m_log.ContainsPart("CEnterPinDlg::OnContextualHelp: this:"));
+    EXPECT_TRUE(
+        m_log.ContainsPart("CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success (Flags 0x"));
+    for (const char* pszText :
+         {"CEnterPinDlg::OnEnChangeEditPassword:BEG", "CEnterPinDlg::OnEnChangeEditPassword:END",
+          "CEnterPinDlg::GetPinValue"})
+        EXPECT_TRUE(m_log.Contains(0, pszText)) << pszText;
+    // Once at the opening, once for each of four characters: overwriting the edit at the end is
+    // nobody's change.
+    EXPECT_EQ(std::ranges::count(m_log.Texts(0), "CEnterPinDlg::OnEnChangeEditPassword:BEG"), 5);
+    for (const RecordedLine& line : m_log.Lines())
+        EXPECT_EQ(line.strText.find("1234"), std::string::npos) << line.strText;
+    FreeGetPinBuffer(request.pPin, request.cbPin);
+}
+
+TEST_F(EnterPin, OneRequestAtATime) {
+    Request first;
+    {
+        DialogDriver driver([](Dialog& d) {
+            d.Type(IDC_ENTER_PIN_EDIT, "1234");
+            d.Click(IDOK);
+        });
+        ASSERT_EQ(first.Call(), MVPINGUI_OK);
+    }
+    Request second;
+    {
+        DialogDriver noDialog;
+        EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
+    }
+    EXPECT_TRUE(second.IsUntouched());
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"));
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: returns: -1"));
+    FreeGetPinBuffer(first.pPin, first.cbPin);
+    {
+        DialogDriver driver([](Dialog& d) { d.Escape(); });
+        EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
+    }
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action cancelled"));
+    // Cancelled, and refused all the same until the caller has said that it holds nothing.
+    {
+        DialogDriver noDialog;
+        EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
+    }
+    FreeGetPinBuffer(nullptr, 0);
+    DialogDriver driver([](Dialog& d) { d.Escape(); });
+    EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
+}
+
+TEST_F(EnterPin, LastTryComesFirst) {
+    Request request{.bShowLastTry = 1};
+    m_boxes.SetAnswer(0);
+    {
+        DialogDriver noDialog;
+        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    }
+    EXPECT_TRUE(request.IsUntouched());
+    EXPECT_EQ(Module().nPinDialogInProgress, 0);
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: DisplayLastPINTry"));
+    EXPECT_FALSE(m_log.ContainsPart("returns:")) << m_log.Dump();
+    EXPECT_FALSE(m_log.Contains(16, "GetPINFromUser"));
+    m_boxes.SetAnswer(1);
+    DialogDriver driver([](Dialog& d) { d.Escape(); });
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_EQ(m_boxes.Calls().size(), 2U);
+}
+
+TEST_F(EnterPin, MissingTemplateIsACancelledRequest) {
+    FreeResourceModule();
+    Request request;
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_TRUE(request.IsUntouched());
+    EXPECT_EQ(Module().nPinDialogInProgress, 1);
+    LoadResourceModule();
+}
+
+TEST_F(EnterPin, PromptReplacesTheText) {
+    std::string standard;
+    const auto textOfPrompt = [] {
+        std::string text;
+        Request request;
+        DialogDriver driver([&](Dialog& d) {
+            text = d.Text(IDC_ENTER_PIN_PROMPT);
+            d.Escape();
+        });
+        request.Call();
+        driver.Join();
+        FreeGetPinBuffer(nullptr, 0);
+        return text;
+    };
+    standard = textOfPrompt();
+    EXPECT_FALSE(standard.empty());
+    SetPinPromptString("PIN of the payroll card, please");
+    EXPECT_EQ(textOfPrompt(), "PIN of the payroll card, please");
+    SetPinPromptString(nullptr);
+    EXPECT_EQ(textOfPrompt(), standard);
+}
+
+TEST_F(EnterPin, StandsOnTop) {
+    Request request;
+    DialogDriver driver([](Dialog& d) {
+        EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+        d.Run([&] { EXPECT_EQ(GetForegroundWindow(), d.Handle()); });
+        d.Escape();
+    });
+    request.Call();
+}
+
+std::string g_strHelpFile;
+DWORD_PTR g_nTopic;
+
+HWND WINAPI RecordTopic(HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) {
+    g_strHelpFile = pszFile;
+    g_nTopic = nTopic;
+    return nullptr;
+}
+
+TEST_F(EnterPin, F1ShowsItsTopic) {
+    m_hive.SetString("SOFTWARE\\Quillon\\Veskara\\GlobalConfig", "VeskaraHelpPath", "v.chm");
+    SetHelpViewer(RecordTopic);
+    Request request;
+    DialogDriver driver([](Dialog& d) {
+        HELPINFO info{};
+        info.cbSize = sizeof info;
+        d.Run([&] { SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&info)); });
+        d.Escape();
+    });
+    request.Call();
+    driver.Join();
+    SetHelpViewer(nullptr);
+    EXPECT_EQ(g_strHelpFile, "v.chm");
+    EXPECT_EQ(g_nTopic, 1015U);
+}
+
+HWND MakeParent() {
+    return CreateWindowExA(0, "STATIC", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 300, 300, 200,
+                           100, nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
+    HWND hParent = MakeParent();
+    Request request{.hParent = hParent};
+    for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
+        DialogDriver driver([&](Dialog& d) {
+            EXPECT_FALSE(IsWindowEnabled(hParent));
+            d.Type(IDC_ENTER_PIN_EDIT, "1234");
+            d.Press(key);
+        });
+        request.Call();
+        driver.Join();
+        EXPECT_TRUE(IsWindowEnabled(hParent));
+        FreeGetPinBuffer(key == VK_RETURN ? request.pPin : nullptr, 4);
+    }
+    DestroyWindow(hParent);
+}
+
+TEST_F(EnterPin, ParentDestroyedMeanwhileCancels) {
+    HWND hParent = MakeParent();
+    Request request{.hParent = hParent};
+    DialogDriver driver([&](Dialog& d) { d.Run([&] { DestroyWindow(hParent); }); });
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_TRUE(request.IsUntouched());
+}
+
+TEST_F(EnterPin, UnusableParentIsTriedWithout) {
+    HWND hParent = MakeParent();
+    DestroyWindow(hParent);
+    Request request{.hParent = hParent};
+    DialogDriver driver([](Dialog& d) {
+        EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), nullptr);
+        d.Escape();
+    });
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_TRUE(
+        m_log.Contains(2, "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL"))
+        << m_log.Dump();
+}
+
+TEST_F(EnterPin, CardRemovalCancels) {
+    const UINT message = RegisterWindowMessageA("VKCardRemovedEvent");
+    Request request;
+    DialogDriver driver([&](Dialog& d) {
+        d.Type(IDC_ENTER_PIN_EDIT, "1234");
+        PostMessageA(d.Handle(), message, 1, 0);
+        d.WaitGone();
+    });
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_TRUE(request.IsUntouched());
+    EXPECT_TRUE(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"));
+}
+
+TEST_F(EnterPin, ManyRequestsKeepNothing) {
+    const auto cycle = [] {
+        Request request;
+        DialogDriver driver([](Dialog& d) {
+            d.Type(IDC_ENTER_PIN_EDIT, "1234");
+            d.Click(IDOK);
+        });
+        request.Call();
+        driver.Join();
+        FreeGetPinBuffer(request.pPin, request.cbPin);
+    };
+    cycle();
+    m_log.Clear();
+    const auto before = ResourceCounts::Now();
+    for (int i = 0; i < 50; ++i) {
+        cycle();
+        m_log.Clear();
+    }
+    ExpectNoGrowth(before, ResourceCounts::Now());
+}
+
+}  // namespace
+}  // namespace mvp::test

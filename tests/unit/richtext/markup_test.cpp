@@ -1,0 +1,212 @@
+// The markup reader, the style sheet, and what may open things.
+#include <algorithm>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "href_filter.h"
+#include "richtext/dump.h"
+#include "richtext/fixed_measurer.h"
+#include "richtext/markup_reader.h"
+#include "richtext/rich_text.h"
+#include "richtext/style_sheet.h"
+
+namespace mvp::richtext {
+namespace {
+
+TEST(MarkupReader, CutsTextIntoEvents) {
+    struct Case {
+        const char* pszMarkup;
+        const char* pszEvents;
+    };
+    constexpr Case kCases[] = {
+        {"a<b>c</B>", "text \"a\"\nopen b\ntext \"c\"\nclose b\n"},
+        {"a\nb\r\nc\rd",
+         "text \"a\"\nopen br (character)\ntext \"b\"\nopen br (character)\ntext \"c\"\n"
+         "open br (character)\ntext \"d\"\n"},
+        {"a\tb<br/><t>", "text \"a\"\nopen t (character)\ntext \"b\"\nopen br\nopen t\n"},
+        // One visible bracket each, and none of them a tag.
+        {"&lt;b>", "text \"<\"\ntext \"b>\"\n"},
+        {"<<b>", "text \"<\"\ntext \"b>\"\n"},
+        {"a < b <4 <",
+         "text \"a \"\ntext \"<\"\ntext \" b \"\ntext \"<\"\ntext \"4 \"\n"
+         "text \"<\"\n"},
+        {"&euro;&nbsp;&foo;&amp", "text \"\\x88\"\ntext \" \"\ntext \"&foo;\"\ntext \"&amp\"\n"},
+        {"x<!-- <b> -->y<!doctype>z<?p?></>w</ >",
+         "text \"x\"\ntext \"y\"\ntext \"z\"\ntext \"w\"\n"},
+        {"x<!-->y", "text \"x\"\ntext \"y\"\n"},
+        {"x<div a=b>y</div>", "text \"x\"\ntext \"y\"\n"},
+        // Without an end, a tag swallows the rest.
+        {"x<b y", "text \"x\"\n"},
+        {"x<font color=\"red>y", "text \"x\"\n"},
+        // Attributes: quotes of both kinds or none, unknown ones skipped, the first one counts.
+        {"<FONT Color = 'a b' size=3/ x=y face=\"A>B\" SIZE=4>",
+         "open font size=\"3/\" color=\"a b\" face=\"A>B\"\n"},
+        {"<a msg=\"say &quot;&lt;hi&gt;&quot; &no;\">", "open a msg=\"say \\\"<hi>\\\" &no;\"\n"},
+        {"<td\nrowspan=2\n colspan='3'>", "open td rowspan=\"2\" colspan=\"3\"\n"},
+        {"<table border>", "open table border=\"\"\n"},
+        // href: in lower case and with its equals sign only.
+        {"<a href=x>", "open a href=\"x\"\n"},
+        {"<a href \n = x>", "open a href=\"x\"\n"},
+        {"<a HREF=x>", "open a\n"},
+        {"<a href>", "open a\n"},
+    };
+    for (const Case& c : kCases) {
+        EXPECT_EQ(DumpMarkup(c.pszMarkup), c.pszEvents) << c.pszMarkup;
+    }
+}
+
+// Nothing opens that a plain text filter for .*<.*href\s*=.*>.* would have let through.
+TEST(MarkupReader, HrefIsNeverReadWhereTheFilterFindsNone) {
+    constexpr const char* kPieces[] = {
+        "<",  ">",     "a",   " ",   "href", "=",  "\"",   "'",   "&lt;", "/",     "<a ",  "\n",
+        "\t", "HREF=", "hre", "f=x", "x",    "<<", "<!--", "-->", "&gt;", "hr ef", "\x0b", "href="};
+
+    std::uint32_t nState = 1;
+    int nRead = 0;
+    int nFound = 0;
+    for (int i = 0; i < 20000; ++i) {
+        std::string strMarkup;
+        nState = nState * 1664525U + 1013904223U;
+        const std::uint32_t nPieces = 2 + (nState >> 8) % 12;
+        for (std::uint32_t j = 0; j < nPieces; ++j) {
+            nState = nState * 1664525U + 1013904223U;
+            strMarkup += kPieces[(nState >> 8) % std::size(kPieces)];
+        }
+        CMarkupReader reader(strMarkup);
+        bool bHref = false;
+        for (MarkupEvent event = reader.Next(); event.kind != MarkupEvent::Kind::End;
+             event = reader.Next()) {
+            bHref = bHref || (event.kind == MarkupEvent::Kind::Open &&
+                              reader.Attributes().Has(AttributeId::Href));
+        }
+        const bool bFilter = MatchesHrefFilter(strMarkup);
+        EXPECT_TRUE(!bHref || bFilter) << strMarkup;
+        nRead += bHref ? 1 : 0;
+        nFound += bFilter ? 1 : 0;
+    }
+    // The texts were of the kind that matters.
+    EXPECT_GT(nRead, 50);
+    EXPECT_GT(nFound, nRead);
+}
+
+TEST(StyleSheet, ScansRuleByRule) {
+    struct Case {
+        const char* pszText;
+        const char* pszRules;
+    };
+    constexpr Case kCases[] = {
+        {"", ""},
+        {"b{color:red}", "b {color:red}\n"},
+        {" b \r\n { color : red } \r\n i {x}", "b {color : red}\ni {x}\n"},
+        {"{lost} b {x} c {unended", "b {x}\n"},
+        {"z {1} a {2} z {3}", "a {2}\nz {1}\nz {3}\n"},
+        {"H1, A:Link, .Warn {x}", ".Warn {x}\na:link {x}\nh1 {x}\n"},
+        {"b {x}/* i {y} */u {z}/* open", "b {x}\nu {z}\n"},
+        {"}} b {x}", "}} b {x}\n"},
+    };
+    for (const Case& c : kCases) {
+        CStyleSheet sheet;
+        sheet.Load(c.pszText);
+        EXPECT_EQ(sheet.Dump(), c.pszRules) << c.pszText;
+    }
+}
+
+TEST(StyleSheet, BuiltInOneIsLoadedForNoText) {
+    CStyleSheet sheet;
+    sheet.Load("b {x}");
+    sheet.Load(std::nullopt);
+    EXPECT_EQ(sheet.Rules().size(), 17U);
+    EXPECT_TRUE(sheet.Find("b").empty());
+    ASSERT_EQ(sheet.Find("h6").size(), 1U);
+    EXPECT_EQ(sheet.Find("h6")[0].block,
+              "font-size: 65%; color:#626262; font-family:Verdana; font-weight:normal");
+    ASSERT_EQ(sheet.FindClass("cpp-comment").size(), 1U);
+    EXPECT_TRUE(sheet.FindClass("cpp").empty());
+    // Each line ends with carriage return and line feed.
+    const std::string_view text = BuiltInStyleSheet();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 17);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\r'), 17);
+    EXPECT_EQ(text.substr(0, 62),
+              "body {font-size: 10pt; color:black; font-family:Verdana}\r\np {f");
+
+    sheet.Load("");
+    EXPECT_TRUE(sheet.Rules().empty());
+}
+
+TEST(StyleSheet, TakesLinkRulesOfTheHost) {
+    CStyleSheet sheet;
+    sheet.Load("a:link {color:red} b {color:blue}");
+    sheet.SetLinkRules(0x123456, false, 0xFF, true);
+    EXPECT_EQ(sheet.Dump(),
+              "a:hover {color:0x0000FF; text-decoration:underline}\n"
+              "a:link {color:0x123456; text-decoration:none}\n"
+              "b {color:blue}\n");
+}
+
+// What holds of the last text item of a document.
+std::string LastStyle(const char* pszMarkup, std::optional<std::string_view> sheet) {
+    CFixedMeasurer measurer;
+    CRichText text(measurer);
+    EXPECT_TRUE(text.SetStyleSheet(sheet));
+    EXPECT_TRUE(text.SetText(pszMarkup));
+    EXPECT_TRUE(text.Layout(1000));
+    std::string strStyle;
+    const std::string strDump = DumpStyles(text.Document());
+    for (const Item& item : text.Document().aItems) {
+        if (item.kind == ItemKind::Text) {
+            const std::string strName = "\nstyle " + std::to_string(item.nStyle) + ": font ";
+            const std::size_t nAt = strDump.find(strName) + strName.size();
+            strStyle = strDump.substr(nAt, strDump.find('\n', nAt) - nAt);
+        }
+    }
+    return strStyle;
+}
+
+TEST(Styles, FollowTheCascade) {
+    struct Case {
+        const char* pszMarkup;
+        const char* pszSheet;
+        const char* pszStyle;  // of the last text
+    };
+    constexpr Case kCases[] = {
+        {"<b>x", "", "\"\" 13 weight 700 colour 0x000000"},
+        {"<b>x", "bold {font-weight:500}", "\"\" 13 weight 500 colour 0x000000"},
+        {"<i><u>x", "italic {color:red}", "\"\" 13 weight 400 italic colour 0x0000FF underline"},
+        {"<strike>x", "strikeout {text-decoration:none}", "\"\" 13 weight 400 colour 0x000000"},
+        {"<u><span class=n>x", ".n {text-decoration:none}",
+         "\"\" 13 weight 400 colour 0x000000 underline"},
+        {"<bottom>x", "", "\"\" 13 weight 400 colour 0x000000 valign bottom"},
+        {"<bottom>x", "vcenter {color:red}", "\"\" 13 weight 400 colour 0x0000FF valign bottom"},
+        {"<middle>x", "bottom {color:red}", "\"\" 13 weight 400 colour 0x000000 valign middle"},
+        {"<font size=5 color=0x0000FF face='Arial, x' style=italic weight=bold bkgnd=white>x", "",
+         "\"Arial\" 18 weight 700 italic colour 0x0000FF background 0xFFFFFF"},
+        // A rule comes before an attribute, a class before the tag's rule.
+        {"<font size=5>x", "font {font-size:9px}", "\"\" 9 weight 400 colour 0x000000"},
+        {"<span class='B A'>x", "span {color:1} .A {color:2} .B {color:3}",
+         "\"\" 13 weight 400 colour 0x000002"},
+        {"<span class=a>x", ".A {color:2}", "\"\" 13 weight 400 colour 0x000000"},
+        {"<b>x", "bold {color:1; font-size:9px} bold {color:2}",
+         "\"\" 9 weight 700 colour 0x000002"},
+        {"<b>x", "bold {color:1; color:nonsense; font-size:; font-style:; bad}",
+         "\"\" 13 weight 700 colour 0x000001"},
+        // What a closing tag leaves.
+        {"<b><i>x</b>y", "", "\"\" 13 weight 400 italic colour 0x000000"},
+        {"<b>x</i>y", "", "\"\" 13 weight 700 colour 0x000000"},
+        {"<i>x</em>y", "", "\"\" 13 weight 400 italic colour 0x000000"},
+        {"<b><table><tr><td>x</b>y", "", "\"\" 13 weight 700 colour 0x000000"},
+        {"<table><tr><td><b>x</table>y", "", "\"\" 13 weight 400 colour 0x000000"},
+        {"<a msg=1>x<b>y</a>z", "a:link {color:red}", "\"\" 13 weight 700 colour 0x000000"},
+        {"<center><right>x</right>y", "", "\"\" 13 weight 400 colour 0x000000 align center"},
+    };
+    for (const Case& c : kCases) {
+        EXPECT_EQ(LastStyle(c.pszMarkup, c.pszSheet), c.pszStyle) << c.pszMarkup;
+    }
+    // 14 points at 96 dots an inch.
+    EXPECT_EQ(LastStyle("<h1>x", std::nullopt), "\"Verdana\" 18 weight 700 colour 0x000000");
+    // p is in the sheet, but no tag of the language.
+    EXPECT_EQ(LastStyle("<p>x", std::nullopt), "\"\" 13 weight 400 colour 0x000000");
+}
+
+}  // namespace
+}  // namespace mvp::richtext
