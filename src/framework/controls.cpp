@@ -172,7 +172,7 @@ BOOL CListCtrl::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT n
     return CWnd::Create(WC_LISTVIEWA, nullptr, dwStyle, rect, pParentWnd, nID);
 }
 CImageList* CListCtrl::SetImageList(CImageList* pImageList, int nImageList) {
-    const HIMAGELIST hNew = pImageList == nullptr ? nullptr : pImageList->m_hImageList;
+    HIMAGELIST hNew = pImageList == nullptr ? nullptr : pImageList->m_hImageList;
     return CImageList::FromHandle(
         ToHandle<HIMAGELIST>(SendMessage(LVM_SETIMAGELIST, Index(nImageList), ToParam(hNew))));
 }
@@ -345,7 +345,7 @@ UINT CSpinButtonCtrl::GetBase() const {
     return static_cast<UINT>(SendMessage(UDM_GETBASE));
 }
 CWnd* CSpinButtonCtrl::SetBuddy(CWnd* pWndBuddy) {
-    const HWND hNew = pWndBuddy == nullptr ? nullptr : pWndBuddy->m_hWnd;
+    HWND hNew = pWndBuddy == nullptr ? nullptr : pWndBuddy->m_hWnd;
     return FromHandle(ToHandle<HWND>(SendMessage(UDM_SETBUDDY, reinterpret_cast<WPARAM>(hNew))));
 }
 CWnd* CSpinButtonCtrl::GetBuddy() const {

@@ -86,7 +86,7 @@ BOOL CWnd::UpdateData(BOOL bSaveAndValidate) {
 void CWnd::DoDataExchange(CDataExchange*) {}
 
 HWND CDataExchange::PrepareCtrl(int nIDC) {
-    const HWND hWndCtrl = ::GetDlgItem(m_pDlgWnd->m_hWnd, nIDC);
+    HWND hWndCtrl = ::GetDlgItem(m_pDlgWnd->m_hWnd, nIDC);
     if (hWndCtrl == nullptr)
         throw ExchangeFailed();
     m_hWndLastControl = hWndCtrl;
@@ -95,7 +95,7 @@ HWND CDataExchange::PrepareCtrl(int nIDC) {
 }
 
 HWND CDataExchange::PrepareEditCtrl(int nIDC) {
-    const HWND hWndCtrl = PrepareCtrl(nIDC);
+    HWND hWndCtrl = PrepareCtrl(nIDC);
     m_bEditLastControl = TRUE;
     return hWndCtrl;
 }
@@ -110,13 +110,13 @@ void CDataExchange::Fail() {
 }
 
 void DDX_Control(CDataExchange* pDX, int nIDC, CWnd& rControl) {
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
+    HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
     if (rControl.m_hWnd == nullptr && !rControl.SubclassWindow(hWndCtrl))
         pDX->Fail();
 }
 
 void DDX_Text(CDataExchange* pDX, int nIDC, CString& value) {
-    const HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
+    HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
     if (pDX->m_bSaveAndValidate)
         ReadText(hWndCtrl, value);
     else
@@ -124,7 +124,7 @@ void DDX_Text(CDataExchange* pDX, int nIDC, CString& value) {
 }
 
 void DDX_Text(CDataExchange* pDX, int nIDC, int& value) {
-    const HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
+    HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
     CString strText;
     if (pDX->m_bSaveAndValidate) {
         ReadText(hWndCtrl, strText);
@@ -139,7 +139,7 @@ void DDX_Text(CDataExchange* pDX, int nIDC, int& value) {
 }
 
 void DDX_Text(CDataExchange* pDX, int nIDC, UINT& value) {
-    const HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
+    HWND hWndCtrl = pDX->PrepareEditCtrl(nIDC);
     CString strText;
     if (pDX->m_bSaveAndValidate) {
         ReadText(hWndCtrl, strText);
@@ -154,7 +154,7 @@ void DDX_Text(CDataExchange* pDX, int nIDC, UINT& value) {
 }
 
 void DDX_Check(CDataExchange* pDX, int nIDC, int& value) {
-    const HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
+    HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
     if (pDX->m_bSaveAndValidate)
         value = static_cast<int>(::SendMessageA(hWndCtrl, BM_GETCHECK, 0, 0));
     else

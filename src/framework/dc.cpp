@@ -26,7 +26,7 @@ template <class Kind, class Handle>
 Kind* Select(HDC hDC, const Kind* pObject) {
     if (pObject == nullptr)
         return nullptr;
-    const HGDIOBJ hOld = ::SelectObject(hDC, pObject->m_hObject);
+    HGDIOBJ hOld = ::SelectObject(hDC, pObject->m_hObject);
     return Kind::FromHandle(static_cast<Handle>(hOld));
 }
 
@@ -52,7 +52,7 @@ BOOL CDC::Attach(HDC hDC) {
 }
 
 HDC CDC::Detach() {
-    const HDC hDC = std::exchange(m_hDC, nullptr);
+    HDC hDC = std::exchange(m_hDC, nullptr);
     DeviceContexts().Erase(hDC, this);
     return hDC;
 }
@@ -68,7 +68,7 @@ BOOL CDC::CreateDC(LPCSTR lpszDriverName, LPCSTR lpszDeviceName, LPCSTR lpszOutp
 }
 
 BOOL CDC::DeleteDC() {
-    const HDC hDC = Detach();
+    HDC hDC = Detach();
     return hDC != nullptr && ::DeleteDC(hDC);
 }
 

@@ -86,8 +86,9 @@ BOOL Disable(HWND hWnd) {
 // Out of sight without giving the activation to some other window: the parent, which is to have it,
 // is still disabled.
 void Hide(HWND hWnd) {
-    ::SetWindowPos(hWnd, nullptr, 0, 0, 0, 0,
-                   SWP_HIDEWINDOW | SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE | SWP_NOZORDER);
+    if (::IsWindowVisible(hWnd))
+        ::SetWindowPos(hWnd, nullptr, 0, 0, 0, 0,
+                       SWP_HIDEWINDOW | SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE | SWP_NOZORDER);
 }
 
 }  // namespace
@@ -99,7 +100,7 @@ INT_PTR CDialog::RunModal(LPCDLGTEMPLATE lpDialogTemplate, HINSTANCE hInst) {
     m_nModalResult = -1;
     ModalParent parent = {PreModal(), FALSE};
     parent.bReenable = Disable(parent.hWnd);
-    const HWND hWndTop = m_hWndTop;
+    HWND hWndTop = m_hWndTop;
 
     try {
         if (CreateModalWindow(lpDialogTemplate, parent, hInst) &&
@@ -159,7 +160,7 @@ HWND CDialog::PreModal() {
 }
 
 void CDialog::PostModal() {
-    if (const HWND hWndTop = std::exchange(m_hWndTop, nullptr))
+    if (HWND hWndTop = std::exchange(m_hWndTop, nullptr))
         ::EnableWindow(hWndTop, TRUE);
 }
 
@@ -170,7 +171,7 @@ BOOL CDialog::Create(UINT nIDTemplate, CWnd* pParentWnd) {
 BOOL CDialog::Create(LPCSTR lpszTemplateName, CWnd* pParentWnd) {
     SetTemplateName(lpszTemplateName);
     m_pParentWnd = pParentWnd;
-    const HINSTANCE hInst = AfxFindResourceHandle(lpszTemplateName, RT_DIALOG);
+    HINSTANCE hInst = AfxFindResourceHandle(lpszTemplateName, RT_DIALOG);
     return CreateFromTemplate(dlgfw::LockDialogResource(hInst, lpszTemplateName), pParentWnd,
                               hInst);
 }
@@ -207,7 +208,7 @@ LRESULT CDialog::HandleInitDialog(WPARAM, LPARAM) {
 void CDialog::CenterUnlessPlaced(const RECT& rectBefore) {
     CRect rect;
     GetWindowRect(rect);
-    const HWND hWndOwner = ::GetWindow(m_hWnd, GW_OWNER);
+    HWND hWndOwner = ::GetWindow(m_hWnd, GW_OWNER);
     const bool bModal = hWndOwner == nullptr || !::IsWindowEnabled(hWndOwner);
     if (bModal && (GetStyle() & WS_VISIBLE) == 0 && rect.left == rectBefore.left &&
         rect.top == rectBefore.top)

@@ -33,8 +33,8 @@ HWND OutermostDialog(HWND hWnd) {
 bool PressesPanelButton(HWND hWndOutermost, MSG* pMsg) {
     if (pMsg->message != WM_KEYDOWN || (pMsg->wParam != VK_RETURN && pMsg->wParam != VK_EXECUTE))
         return false;
-    const HWND hWndFocus = ::GetFocus();
-    const HWND hWndParent = ::GetAncestor(hWndFocus, GA_PARENT);
+    HWND hWndFocus = ::GetFocus();
+    HWND hWndParent = ::GetAncestor(hWndFocus, GA_PARENT);
     if (hWndFocus != pMsg->hwnd || hWndParent == hWndOutermost ||
         !::IsChild(hWndOutermost, hWndFocus))
         return false;
@@ -53,7 +53,7 @@ bool PressesPanelButton(HWND hWndOutermost, MSG* pMsg) {
 BOOL CDialog::PreTranslateMessage(MSG* pMsg) {
     if (CWnd::PreTranslateMessage(pMsg))
         return TRUE;
-    const HWND hWndOutermost = OutermostDialog(m_hWnd);
+    HWND hWndOutermost = OutermostDialog(m_hWnd);
     // One with an object is asked in its turn, on the way up.
     if (hWndOutermost != m_hWnd && FromHandlePermanent(hWndOutermost) != nullptr)
         return FALSE;

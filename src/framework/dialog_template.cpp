@@ -23,11 +23,11 @@ struct ExtendedTemplate {
 }  // namespace
 
 LPCDLGTEMPLATE LockDialogResource(HINSTANCE hInst, LPCSTR lpszName) noexcept {
-    const HRSRC hResource = ::FindResourceA(hInst, lpszName, RT_DIALOG);
+    HRSRC hResource = ::FindResourceA(hInst, lpszName, RT_DIALOG);
     if (hResource == nullptr || ::SizeofResource(hInst, hResource) < sizeof(ExtendedTemplate))
         return nullptr;
     // Loaded resources lie in the module and need no release.
-    const HGLOBAL hLoaded = ::LoadResource(hInst, hResource);
+    HGLOBAL hLoaded = ::LoadResource(hInst, hResource);
     return hLoaded == nullptr ? nullptr : static_cast<LPCDLGTEMPLATE>(::LockResource(hLoaded));
 }
 

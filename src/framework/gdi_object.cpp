@@ -43,13 +43,13 @@ BOOL CGdiObject::Attach(HGDIOBJ hObject) {
 }
 
 HGDIOBJ CGdiObject::Detach() {
-    const HGDIOBJ hObject = std::exchange(m_hObject, nullptr);
+    HGDIOBJ hObject = std::exchange(m_hObject, nullptr);
     GdiObjects().Erase(hObject, this);
     return hObject;
 }
 
 BOOL CGdiObject::DeleteObject() {
-    const HGDIOBJ hObject = Detach();
+    HGDIOBJ hObject = Detach();
     return hObject != nullptr && ::DeleteObject(hObject);
 }
 
@@ -89,7 +89,7 @@ BOOL CFont::CreatePointFont(int nPointSize, LPCSTR lpszFaceName, CDC* pDC) {
 
 BOOL CFont::CreatePointFontIndirect(const LOGFONTA* lpLogFont, CDC* pDC) {
     const CClientDC screen(nullptr);
-    const HDC hDC = pDC != nullptr ? pDC->m_hDC : screen.m_hDC;
+    HDC hDC = pDC != nullptr ? pDC->m_hDC : screen.m_hDC;
     LOGFONTA logFont = *lpLogFont;
     // From tenths of a point to logical units of the context, whatever its mapping mode is.
     POINT size = {0, ::MulDiv(::GetDeviceCaps(hDC, LOGPIXELSY), logFont.lfHeight, 720)};

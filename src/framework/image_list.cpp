@@ -25,7 +25,7 @@ BOOL CImageList::Attach(HIMAGELIST hImageList) {
 }
 
 HIMAGELIST CImageList::Detach() {
-    const HIMAGELIST hImageList = std::exchange(m_hImageList, nullptr);
+    HIMAGELIST hImageList = std::exchange(m_hImageList, nullptr);
     dlgfw::ImageLists().Erase(hImageList, this);
     return hImageList;
 }
@@ -35,7 +35,7 @@ BOOL CImageList::Create(int cx, int cy, UINT nFlags, int nInitial, int nGrow) {
 }
 
 BOOL CImageList::DeleteImageList() {
-    const HIMAGELIST hImageList = Detach();
+    HIMAGELIST hImageList = Detach();
     return hImageList != nullptr && ImageList_Destroy(hImageList);
 }
 

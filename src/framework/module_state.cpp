@@ -94,7 +94,7 @@ HINSTANCE AfxGetInstanceHandle() {
 }
 
 HINSTANCE AfxGetResourceHandle() {
-    const HINSTANCE hResource = g_hResource;
+    HINSTANCE hResource = g_hResource;
     return hResource != nullptr ? hResource : AfxGetInstanceHandle();
 }
 

@@ -128,7 +128,8 @@ CString::~CString() {
 }
 
 CString& CString::operator=(const CString& strSource) {
-    SetString(strSource.m_pszData, strSource.m_nLength);
+    if (this != &strSource)
+        SetString(strSource.m_pszData, strSource.m_nLength);
     return *this;
 }
 

@@ -4,7 +4,9 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <dlgfw/dc.h>
@@ -32,7 +34,7 @@ public:
     // The temporary object for the handle, made when there is none yet.
     template <class Object, class Handle>
     Object* Get(Handle handle) {
-        Object* pObject = Find<Object>(handle);
+        auto* pObject = Find<Object>(handle);
         if (pObject == nullptr) {
             auto pHolder = std::make_unique<Holder<Object>>();
             pObject = &pHolder->object;
@@ -70,13 +72,12 @@ private:
     // There are few at a time, and the newest are asked for most.
     template <class Object>
     Object* Find(const void* handle) const noexcept {
-        for (auto it = m_entries.rbegin(); it != m_entries.rend(); ++it) {
-            if (it->handle == handle) {
-                if (auto* pHolder = dynamic_cast<Holder<Object>*>(it->pHolder.get()))
-                    return &pHolder->object;
-            }
-        }
-        return nullptr;
+        const auto it = std::find_if(m_entries.rbegin(), m_entries.rend(), [=](const Entry& entry) {
+            return entry.handle == handle &&
+                   dynamic_cast<Holder<Object>*>(entry.pHolder.get()) != nullptr;
+        });
+        return it == m_entries.rend() ? nullptr
+                                      : &static_cast<Holder<Object>&>(*it->pHolder).object;
     }
 
     std::vector<Entry> m_entries;

@@ -67,8 +67,8 @@ LRESULT CALLBACK CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
     ThreadState* pState = ThreadState::TryGet();
     if (pState == nullptr)
         return 0;
-    const HHOOK hHook = pState->hCreationHook;
-    const auto hWnd = reinterpret_cast<HWND>(wParam);
+    HHOOK hHook = pState->hCreationHook;
+    auto* hWnd = reinterpret_cast<HWND>(wParam);
     if (nCode != HCBT_CREATEWND || pState->pCreating == nullptr || IsInputMethodWindow(hWnd))
         return ::CallNextHookEx(hHook, nCode, wParam, lParam);
 
@@ -135,7 +135,7 @@ BOOL CWnd::Attach(HWND hWnd) {
 }
 
 HWND CWnd::Detach() {
-    const HWND hWnd = std::exchange(m_hWnd, nullptr);
+    HWND hWnd = std::exchange(m_hWnd, nullptr);
     Windows().Erase(hWnd, this);
     return hWnd;
 }
@@ -254,8 +254,8 @@ BOOL CWnd::CreateDlgIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, 
     m_nModalResult = -1;
     m_nFlags |= WF_CONTINUEMODAL;
     const CWndGuard guard(this);
-    const HWND hWndParent = pParentWnd == nullptr ? nullptr : pParentWnd->m_hWnd;
-    const HWND hWnd = CreateBound(*this, [=] {
+    HWND hWndParent = pParentWnd == nullptr ? nullptr : pParentWnd->m_hWnd;
+    HWND hWnd = CreateBound(*this, [=] {
         return ::CreateDialogIndirectParamA(hInst, lpDialogTemplate, hWndParent, &DialogProc, 0);
     });
     if (hWnd == nullptr)

@@ -50,12 +50,12 @@ void SendToDescendants(HWND hWnd, const MSG& message, BOOL bDeep, BOOL bOnlyPerm
 }
 
 HWND FindDescendant(HWND hWnd, int nID, BOOL bOnlyPerm) {
-    const HWND hWndItem = ::GetDlgItem(hWnd, nID);
+    HWND hWndItem = ::GetDlgItem(hWnd, nID);
     if (hWndItem != nullptr && (!bOnlyPerm || CWnd::FromHandlePermanent(hWndItem) != nullptr))
         return hWndItem;
     for (HWND hWndChild = ::GetTopWindow(hWnd); hWndChild != nullptr;
          hWndChild = ::GetWindow(hWndChild, GW_HWNDNEXT)) {
-        if (const HWND hWndFound = FindDescendant(hWndChild, nID, bOnlyPerm))
+        if (HWND hWndFound = FindDescendant(hWndChild, nID, bOnlyPerm))
             return hWndFound;
     }
     return nullptr;
@@ -91,7 +91,7 @@ int CWnd::GetWindowTextLength() const {
 }
 
 void CWnd::SetFont(CFont* pFont, BOOL bRedraw) {
-    const HGDIOBJ hFont = pFont == nullptr ? nullptr : pFont->m_hObject;
+    HGDIOBJ hFont = pFont == nullptr ? nullptr : pFont->m_hObject;
     SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(hFont), bRedraw);
 }
 CFont* CWnd::GetFont() const {
@@ -233,7 +233,7 @@ BOOL CWnd::GetUpdateRect(LPRECT lpRect, BOOL bErase) {
     return ::GetUpdateRect(m_hWnd, lpRect, bErase);
 }
 BOOL CWnd::RedrawWindow(LPCRECT lpRectUpdate, CRgn* prgnUpdate, UINT flags) {
-    const HGDIOBJ hRgn = prgnUpdate == nullptr ? nullptr : prgnUpdate->m_hObject;
+    HGDIOBJ hRgn = prgnUpdate == nullptr ? nullptr : prgnUpdate->m_hObject;
     return ::RedrawWindow(m_hWnd, lpRectUpdate, static_cast<HRGN>(hRgn), flags);
 }
 void CWnd::SetRedraw(BOOL bRedraw) {
@@ -306,7 +306,7 @@ int CWnd::GetDlgItemText(int nID, LPSTR lpStr, int nMaxCount) const {
     return static_cast<int>(::GetDlgItemTextA(m_hWnd, nID, lpStr, nMaxCount));
 }
 int CWnd::GetDlgItemText(int nID, CString& rString) const {
-    const HWND hWndItem = ::GetDlgItem(m_hWnd, nID);
+    HWND hWndItem = ::GetDlgItem(m_hWnd, nID);
     if (hWndItem == nullptr)
         rString.Empty();
     else
@@ -352,7 +352,7 @@ void CWnd::CenterWindow(CWnd* pAlternateOwner) {
     CRect rectCenter;
     CRect rectArea;
     if (bChild) {
-        const HWND hWndParent = ::GetParent(m_hWnd);
+        HWND hWndParent = ::GetParent(m_hWnd);
         ::GetClientRect(hWndParent, rectArea);
         ::GetClientRect(hWndCenter, rectCenter);
         ::MapWindowPoints(hWndCenter, hWndParent, reinterpret_cast<LPPOINT>(&rectCenter), 2);

@@ -160,7 +160,7 @@ BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult
 
 BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam) {
     const UINT nID = LOWORD(wParam);
-    const auto hWndCtrl = reinterpret_cast<HWND>(lParam);
+    auto* hWndCtrl = reinterpret_cast<HWND>(lParam);
     if (hWndCtrl == nullptr)
         return nID != 0 && OnCmdMsg(nID, CN_COMMAND, nullptr, nullptr);
 

@@ -82,7 +82,7 @@ TEST(WindowTest, ObjectIsBoundFromTheFirstToTheLastMessage) {
     std::vector<std::string> log;
     CProbeWnd wnd(&log);
     ASSERT_TRUE(wnd.CreatePopup());
-    const HWND hWnd = wnd.m_hWnd;
+    HWND hWnd = wnd.m_hWnd;
     EXPECT_EQ(CWnd::FromHandle(hWnd), &wnd);
     EXPECT_TRUE(wnd.DestroyWindow());
     EXPECT_EQ(wnd.m_hWnd, nullptr);
@@ -124,7 +124,7 @@ TEST(WindowTest, DeletingTheObjectDestroysItsWindow) {
     ASSERT_TRUE(pWnd->CreatePopup());
     CStatic label;
     ASSERT_TRUE(label.Create("text", WS_CHILD, kPlace, pWnd.get()));
-    const HWND hWnd = pWnd->m_hWnd;
+    HWND hWnd = pWnd->m_hWnd;
     pWnd.reset();
     EXPECT_FALSE(IsWindow(hWnd));
     EXPECT_EQ(label.m_hWnd, nullptr);  // it went with its parent
@@ -159,7 +159,7 @@ TEST(WindowTest, ObjectDeletedInItsHandlerIsNotTouchedAgain) {
     };
     // The function object goes with the window, so the handler keeps one of its own.
     const auto onAsk = pWnd->m_onAsk;
-    const HWND hWnd = pWnd->m_hWnd;
+    HWND hWnd = pWnd->m_hWnd;
     pWnd->m_onAsk = [&onAsk] { return onAsk(); };
     EXPECT_EQ(SendMessageA(hWnd, kAsk, 0, 0), 7);
     EXPECT_FALSE(IsWindow(hWnd));
@@ -215,7 +215,7 @@ TEST(WindowTest, PermanentObjectsAreThoseOfTheThread) {
 TEST(WindowTest, TemporariesLastUntilTheThreadIsIdle) {
     CProbeWnd wnd;
     ASSERT_TRUE(wnd.CreatePopup());
-    const HWND hDesktop = GetDesktopWindow();
+    HWND hDesktop = GetDesktopWindow();
     CWnd* pOuter = CWnd::FromHandle(hDesktop);  // made outside of any handler
     EXPECT_EQ(CWnd::FromHandlePermanent(hDesktop), nullptr);
     EXPECT_EQ(pOuter->DestroyWindow(), FALSE);
@@ -226,7 +226,7 @@ TEST(WindowTest, TemporariesLastUntilTheThreadIsIdle) {
             CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 1, 1, wnd, nullptr, nullptr, nullptr));
     wnd.m_onAsk = [&] {
         CWnd* pFirst = CWnd::FromHandle(windows[0]);
-        for (const HWND hWnd : windows)
+        for (HWND hWnd : windows)
             EXPECT_EQ(CWnd::FromHandle(hWnd)->m_hWnd, hWnd);
         EXPECT_EQ(CWnd::FromHandle(windows[0]), pFirst);
         return 0;
@@ -331,7 +331,7 @@ TEST(WindowTest, NotificationsGoToTheControlFirstAndThenToTheParent) {
     EXPECT_TRUE(family.parent.m_ids.empty());
 
     // A null brush leaves the colours to the parent's own answer.
-    const HDC hDC = GetDC(edit);
+    HDC hDC = GetDC(edit);
     const auto color = [&] {
         return family.parent.SendMessage(WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(hDC),
                                          reinterpret_cast<LPARAM>(edit.m_hWnd));

@@ -20,7 +20,9 @@
 
 // Lets the compiler compare a printf-style format with its arguments, the object itself counting as
 // the first one.
-#ifdef __GNUC__
+#if defined(__clang__)
+#define AFX_PRINTF(nFormat, nFirst) __attribute__((format(printf, nFormat, nFirst)))
+#elif defined(__GNUC__)
 #define AFX_PRINTF(nFormat, nFirst) __attribute__((format(gnu_printf, nFormat, nFirst)))
 #else
 #define AFX_PRINTF(nFormat, nFirst)

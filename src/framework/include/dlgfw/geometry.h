@@ -10,9 +10,12 @@ class CPoint;
 class CSize : public tagSIZE {
 public:
     CSize() noexcept : CSize(0, 0) {}
-    CSize(int initCX, int initCY) noexcept : tagSIZE{initCX, initCY} {}
-    CSize(SIZE initSize) noexcept : tagSIZE(initSize) {}
-    explicit CSize(POINT initPt) noexcept : tagSIZE{initPt.x, initPt.y} {}
+    CSize(int initCX, int initCY) noexcept {
+        cx = initCX;
+        cy = initCY;
+    }
+    CSize(SIZE initSize) noexcept : CSize(initSize.cx, initSize.cy) {}
+    explicit CSize(POINT initPt) noexcept : CSize(initPt.x, initPt.y) {}
 
     void SetSize(int CX, int CY) noexcept { *this = CSize(CX, CY); }
     bool operator==(SIZE size) const noexcept { return cx == size.cx && cy == size.cy; }
@@ -33,12 +36,15 @@ public:
 class CPoint : public tagPOINT {
 public:
     CPoint() noexcept : CPoint(0, 0) {}
-    CPoint(int initX, int initY) noexcept : tagPOINT{initX, initY} {}
-    CPoint(POINT initPt) noexcept : tagPOINT(initPt) {}
-    explicit CPoint(SIZE initSize) noexcept : tagPOINT{initSize.cx, initSize.cy} {}
+    CPoint(int initX, int initY) noexcept {
+        x = initX;
+        y = initY;
+    }
+    CPoint(POINT initPt) noexcept : CPoint(initPt.x, initPt.y) {}
+    explicit CPoint(SIZE initSize) noexcept : CPoint(initSize.cx, initSize.cy) {}
     // The two signed halves that mouse messages carry.
     explicit CPoint(LPARAM dwPoint) noexcept
-        : tagPOINT{static_cast<short>(LOWORD(dwPoint)), static_cast<short>(HIWORD(dwPoint))} {}
+        : CPoint(static_cast<short>(LOWORD(dwPoint)), static_cast<short>(HIWORD(dwPoint))) {}
 
     void SetPoint(int X, int Y) noexcept { *this = CPoint(X, Y); }
     void Offset(int xOffset, int yOffset) noexcept {
@@ -63,9 +69,15 @@ public:
 class CRect : public tagRECT {
 public:
     CRect() noexcept : CRect(0, 0, 0, 0) {}
-    CRect(int l, int t, int r, int b) noexcept : tagRECT{l, t, r, b} {}
-    CRect(const RECT& srcRect) noexcept : tagRECT(srcRect) {}
-    CRect(LPCRECT lpSrcRect) noexcept : tagRECT(*lpSrcRect) {}
+    CRect(int l, int t, int r, int b) noexcept {
+        left = l;
+        top = t;
+        right = r;
+        bottom = b;
+    }
+    CRect(const RECT& srcRect) noexcept
+        : CRect(srcRect.left, srcRect.top, srcRect.right, srcRect.bottom) {}
+    CRect(LPCRECT lpSrcRect) noexcept : CRect(*lpSrcRect) {}
     CRect(POINT point, SIZE size) noexcept
         : CRect(point.x, point.y, point.x + size.cx, point.y + size.cy) {}
     CRect(POINT topLeft, POINT bottomRight) noexcept

@@ -116,7 +116,7 @@ public:
     }
     // HBRUSH (CDC*, UINT nCtlColor), in the control itself; a null brush leaves it to the parent.
     static BOOL CtlColorReflect(Target pTarget, Message msg, Result lResult) {
-        const HBRUSH hBrush =
+        HBRUSH hBrush =
             Call<HBRUSH, CDC*, UINT>(pTarget, CDC::FromHandle(reinterpret_cast<HDC>(msg.wParam)),
                                      msg.message - WM_REFLECT_BASE - WM_CTLCOLORMSGBOX);
         lResult = reinterpret_cast<LRESULT>(hBrush);
@@ -232,7 +232,7 @@ public:
 #define ON_MESSAGE(message, memberFxn) AFX_MAP_ENTRY(message, 0, 0, 0, nullptr, memberFxn, Raw)
 // nVariable holds what RegisterWindowMessage returned; it is read when a message arrives.
 #define ON_REGISTERED_MESSAGE(nVariable, memberFxn) \
-    AFX_MAP_ENTRY(0xC000, 0, 0, 0, &nVariable, memberFxn, Raw)
+    AFX_MAP_ENTRY(0xC000, 0, 0, 0, &(nVariable), memberFxn, Raw)
 
 // In a control's own class, for what it would tell its parent.
 #define ON_CONTROL_REFLECT(nCode, memberFxn) \
