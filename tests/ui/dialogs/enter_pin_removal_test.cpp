@@ -195,7 +195,8 @@ TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
         m_log.Clear();
     }
     EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
-    ExpectNoGrowth(before, ResourceCounts::Now());
+    // The heaps fetch memory from the system in steps; what is in use of it may not grow.
+    ExpectNoGrowth(before, ResourceCounts::Now(), {.privateBytes = 4 << 20});
 }
 
 }  // namespace
