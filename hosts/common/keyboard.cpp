@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <vector>
 
 #include "platform/handle.h"
@@ -10,8 +11,10 @@ namespace mvp {
 namespace {
 
 // No keyboard has this key and no layout assigns it: its release does nothing anywhere, but it
-// takes its turn in the queue behind the strokes before it.
+// takes its turn in the queue behind the strokes before it. Its scan code tells one marker from
+// another, as one that was given up may still arrive.
 constexpr WORD kMarkerKey = 0xE8;
+std::atomic<WORD> s_wMarkerScan = 0;
 
 // Kept for the life of the process: the hook may still be running when a wait is given up.
 HANDLE MarkerSeen() {
@@ -71,7 +74,7 @@ bool Send(std::vector<INPUT>& inputs) {
 LRESULT CALLBACK OnMessageTaken(int nCode, WPARAM wParam, LPARAM lParam) {
     const auto* pMessage = reinterpret_cast<const MSG*>(lParam);
     if (nCode == HC_ACTION && wParam == PM_REMOVE && pMessage->message == WM_KEYUP &&
-        pMessage->wParam == kMarkerKey)
+        pMessage->wParam == kMarkerKey && ((pMessage->lParam >> 16) & 0xFF) == s_wMarkerScan)
         SetEvent(MarkerSeen());
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
@@ -102,9 +105,11 @@ bool SendText(std::string_view text) {
 
 bool WaitForKeys(DWORD dwThreadId, std::chrono::milliseconds timeout) {
     ResetEvent(MarkerSeen());
+    s_wMarkerScan = static_cast<WORD>(s_wMarkerScan % 127 + 1);
     const UniqueHandle<HookTraits> hook(
         SetWindowsHookExA(WH_GETMESSAGE, OnMessageTaken, nullptr, dwThreadId));
     INPUT marker = KeyInput(kMarkerKey, KEYEVENTF_KEYUP);
+    marker.ki.wScan = s_wMarkerScan;
     if (!hook || SendInput(1, &marker, sizeof marker) != 1)
         return false;
     return WaitForSingleObject(MarkerSeen(), static_cast<DWORD>(timeout.count())) == WAIT_OBJECT_0;

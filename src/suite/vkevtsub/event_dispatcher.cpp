@@ -144,7 +144,13 @@ void CEventDispatcher::WaitForEndOfCall(const SubscriptionPtr& subscription,
     if (WaitServingSentMessages(objects, kReplyAfterMs))
         return;
     ReplyToSender();
-    WaitServingSentMessages(objects, INFINITE);
+    while (!WaitServingSentMessages(objects, INFINITE) && IsBeingCalled(subscription))
+        Sleep(1);  // the system could not wait
+}
+
+bool CEventDispatcher::IsBeingCalled(const SubscriptionPtr& subscription) noexcept {
+    const CScopedLock lock(m_lock);
+    return m_called == subscription;
 }
 
 void CEventDispatcher::Run() noexcept {

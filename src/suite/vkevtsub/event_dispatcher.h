@@ -69,6 +69,7 @@ private:
 
     // Without the lock.
     void OnCardRemoved(const CCardWatch& watch, const std::string& strReader) noexcept;
+    bool IsBeingCalled(const SubscriptionPtr& subscription) noexcept;
     void WaitForEndOfCall(const SubscriptionPtr& subscription, const ThreadPtr& thread) noexcept;
 
     // On the delivery thread.

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -13,11 +13,14 @@
 #include <gtest/gtest.h>
 
 #include "fake_winscard.h"
-#include "waiting.h"
+#include "support/waiting.h"
 
 namespace mvp {
 namespace {
 
+using test::WaitFor;
+
+constexpr std::chrono::seconds kDeadline{20};
 constexpr DWORD kEmpty = SCARD_STATE_EMPTY;
 constexpr DWORD kCard = SCARD_STATE_PRESENT;
 constexpr DWORD kMove = 0x10000;  // one movement more on the counter
@@ -43,7 +46,7 @@ protected:
         if (m_watch)
             m_watch->End();
         // The watch's thread holds it as well, and lets it go when it ends.
-        EXPECT_TRUE(WaitUntil([&] { return !m_watch || m_watch.use_count() == 1; }));
+        EXPECT_TRUE(WaitFor(kDeadline, [&] { return !m_watch || m_watch.use_count() == 1; }));
         EXPECT_EQ(FakeContexts(), 0);
         for (const char* pszReader : {"A", "B"})
             FakeRemoveReader(pszReader);
@@ -52,7 +55,7 @@ protected:
 
     // Whether these, and no others, were reported in time.
     testing::AssertionResult Removed(const std::vector<std::string>& expected) {
-        const bool bAll = WaitUntil([&] {
+        const bool bAll = WaitFor(kDeadline, [&] {
             const std::lock_guard lock(m_lock);
             return m_removed.size() >= expected.size();
         });
@@ -64,7 +67,7 @@ protected:
     }
     // Waits until the watch knows how things are now.
     void LetItLook() {
-        EXPECT_TRUE(WaitUntil([] { return FakeIsSettled() != FALSE; }));
+        EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeIsSettled() != FALSE; }));
     }
 
     std::mutex m_lock;
@@ -101,7 +104,7 @@ TEST_F(CardWatch, OutlivesTheService) {
     FakeSetUp(TRUE);
     LetItLook();
     FakeSetUp(FALSE);
-    EXPECT_TRUE(WaitUntil([] { return FakeContexts() == 0; }));
+    EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeContexts() == 0; }));
     FakeSetReader("A", kEmpty);
     FakeSetUp(TRUE);
     EXPECT_TRUE(Removed({"A"}));
@@ -114,7 +117,7 @@ TEST_F(CardWatch, EndsSoonWhereverItIs) {
             Start();
             Sleep(nDelay);
             m_watch->End();
-            EXPECT_TRUE(WaitUntil([&] { return m_watch.use_count() == 1; }));
+            EXPECT_TRUE(WaitFor(kDeadline, [&] { return m_watch.use_count() == 1; }));
         }
     }
 }
@@ -124,7 +127,7 @@ TEST_F(CardWatch, EndsAWaitThatWouldLast) {
     Start();
     LetItLook();
     m_watch->End();
-    EXPECT_TRUE(WaitUntil([&] { return m_watch.use_count() == 1; }));
+    EXPECT_TRUE(WaitFor(kDeadline, [&] { return m_watch.use_count() == 1; }));
     FakeSetPatient(FALSE);
 }
 

@@ -2,13 +2,14 @@
 // against it; a client library is.
 #include <windows.h>
 
+#include <chrono>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "platform/handle.h"
+#include "support/waiting.h"
 #include "vkevtsub_client.h"
-#include "waiting.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ public:
     }
 
 private:
-    mvp::Module m_module;
+    mvp::ModuleHandle m_module;
 };
 
 bool IsLoaded() {
@@ -38,7 +39,8 @@ TEST(VkEvtSubUnload, LeavesNothingBehindThatRunsInIt) {
             ASSERT_TRUE(IsLoaded());
         }
         // Freed by the client; its own threads free it too, as they end.
-        ASSERT_TRUE(WaitUntil([] { return !IsLoaded(); })) << "cycle " << i;
+        ASSERT_TRUE(mvp::test::WaitFor(std::chrono::seconds(20), [] { return !IsLoaded(); }))
+            << "cycle " << i;
     }
 }
 

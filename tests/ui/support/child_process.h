@@ -1,10 +1,12 @@
-// Runs a disabled test of the calling program in a process of its own, for failures that would end
-// this one.
+// Runs a disabled test of the calling program in a process of its own: for failures that would end
+// this one, and where another process is needed.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
+
+#include "platform/handle.h"
 
 namespace mvp::test {
 
@@ -13,6 +15,20 @@ struct ChildResult {
     std::string strOutput;
 };
 
-ChildResult RunDisabledTest(const std::string& strName);
+class DisabledTest {
+public:
+    explicit DisabledTest(const std::string& strName);
+
+    HANDLE Process() const { return m_process.get(); }
+    ChildResult Wait();
+
+private:
+    KernelHandle m_output;
+    KernelHandle m_process;
+};
+
+inline ChildResult RunDisabledTest(const std::string& strName) {
+    return DisabledTest(strName).Wait();
+}
 
 }  // namespace mvp::test
