@@ -138,6 +138,8 @@ TEST_F(ChangePin, OkFollowsEveryEdit) {
         d.Type(kConfirm, " ");
         EXPECT_FALSE(d.IsEnabled(IDOK));
         d.Enter();
+        // The command itself, whoever sends it.
+        d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
         EXPECT_TRUE(d.IsOpen());
         d.Send(kConfirm, EM_SETSEL, 0, -1);
         d.Paste(kConfirm, "5838");
