@@ -81,8 +81,7 @@ void AddPlanOptions(CLI::App& command, UserPlan& plan) {
             ->each([&plan](const std::string&) { plan.bTypes = true; });
     const std::map<std::string, Press> presses{{"ok", Press::kOk}, {"cancel", Press::kCancel}};
     command.add_option("--press", plan.press, "then press ok or cancel")
-        ->transform(CLI::Transformer(presses))
-        ->check(CLI::IsMember(presses));
+        ->transform(CLI::CheckedTransformer(presses).description("ok|cancel"));
     command
         .add_option("--screenshot", plan.strScreenshot,
                     "before that, save a picture of the dialog as this PNG file")

@@ -42,8 +42,7 @@ void CardRemover::Main(const std::stop_token& stop) noexcept {
     mvp::WaitFor(m_delay, [&] { return stop.stop_requested(); });
     if (stop.stop_requested())
         return;
-    m_bRemoved = true;
-    m_pRaiseEvent(kCardRemovedEvent, m_strReader.c_str());
+    m_bRemoved = m_pRaiseEvent(kCardRemovedEvent, m_strReader.c_str()) == 0;
 }
 
 }  // namespace pinhost

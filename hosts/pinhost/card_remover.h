@@ -27,7 +27,7 @@ private:
     void Main(const std::stop_token& stop) noexcept;
 
     mvp::ModuleHandle m_events;
-    void (*m_pRaiseEvent)(int, const char*) = nullptr;
+    int (*m_pRaiseEvent)(int, const char*) = nullptr;
     std::string m_strReader;
     std::chrono::milliseconds m_delay;
     DWORD m_dwUiThreadId;

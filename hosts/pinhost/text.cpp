@@ -9,28 +9,36 @@
 namespace pinhost {
 namespace {
 
-std::wstring Wide(std::string_view text) {
+std::wstring Wide(UINT nCodePage, std::string_view text) {
     std::wstring wide(text.size(), L'\0');
-    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(),
-                                                        static_cast<int>(text.size()), wide.data(),
-                                                        static_cast<int>(wide.size()))));
+    const int nLength =
+        MultiByteToWideChar(nCodePage, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                            static_cast<int>(wide.size()));
+    wide.resize(static_cast<size_t>(nLength));
     return wide;
+}
+
+std::string Narrow(UINT nCodePage, std::wstring_view wide) {
+    std::string text(wide.size() * 4, '\0');
+    const int nLength =
+        WideCharToMultiByte(nCodePage, 0, wide.data(), static_cast<int>(wide.size()), text.data(),
+                            static_cast<int>(text.size()), nullptr, nullptr);
+    text.resize(static_cast<size_t>(nLength));
+    return text;
 }
 
 }  // namespace
 
 std::string Utf8FromAnsi(std::string_view text) {
-    const std::wstring wide = Wide(text);
-    const int nWide = static_cast<int>(wide.size());
-    std::string utf8(wide.size() * 3, '\0');
-    utf8.resize(
-        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, wide.data(), nWide, utf8.data(),
-                                                static_cast<int>(utf8.size()), nullptr, nullptr)));
-    return utf8;
+    return Narrow(CP_UTF8, Wide(CP_ACP, text));
+}
+
+std::string AnsiFromUtf8(std::string_view text) {
+    return Narrow(CP_ACP, Wide(CP_UTF8, text));
 }
 
 std::filesystem::path PathFromAnsi(std::string_view path) {
-    return Wide(path);
+    return Wide(CP_ACP, path);
 }
 
 std::string AbsolutePath(const std::string& strPath) {

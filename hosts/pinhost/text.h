@@ -9,6 +9,7 @@
 namespace pinhost {
 
 std::string Utf8FromAnsi(std::string_view text);
+std::string AnsiFromUtf8(std::string_view text);
 std::filesystem::path PathFromAnsi(std::string_view path);
 
 // The path as it is meant now, before the current directory changes; empty stays empty. ANSI.

@@ -36,8 +36,8 @@ protected:
     afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
     afx_msg void OnSysColorChange();
 
-    // What DoModal and LocCreate of the panels need: the dialog created as a modeless child of
-    // `pParent`, from the resource module. Returns nonzero on success.
+    // Creates a panel's window as a modeless child of `pParent`, from the resource module. Returns
+    // nonzero on success.
     int CreateFromResourceModule(CWnd* pParent);
 
     DECLARE_MESSAGE_MAP()

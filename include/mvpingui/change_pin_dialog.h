@@ -71,6 +71,7 @@ protected:
 private:
     void SetTexts();
     void CreatePoliciesPanel();
+    void DestroyPoliciesPanel();
     void EnableOk(bool bEnable);
 
     CString m_csPin;

@@ -9,6 +9,7 @@
 
 #include "frame/log.h"
 #include "frame/resource_module.h"
+#include "policy/integer_format.h"
 #include "policy/pin_policy.h"
 #include "policy/policy_layout.h"
 #include "resources/resource_numbers.h"
@@ -51,8 +52,11 @@ CRect ClientRectOf(const CWnd& parent, const CWnd& control) {
 }
 
 CString FormatLength(UINT nFormat, int nLength) {
+    const CString format = mvp::ResourceString(nFormat);
+    if (!mvp::TakesOneInteger(View(format)))
+        return format;
     CString text;
-    text.Format(mvp::ResourceString(nFormat), nLength);
+    text.Format(format, nLength);
     return text;
 }
 

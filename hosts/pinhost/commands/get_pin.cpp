@@ -74,10 +74,21 @@ CLI::App* GetPinCommand::AddTo(CLI::App& app) {
     return pCommand;
 }
 
+// The card, and from it what the command line leaves open.
 SoftwareCard GetPinCommand::LoadCard() {
     m_strCardFile =
         m_strCardFile.empty() ? OwnFolder() + "\\pinhost-card.json" : AbsolutePath(m_strCardFile);
-    return ReadCard(PathFromAnsi(m_strCardFile));
+    SoftwareCard card = ReadCard(PathFromAnsi(m_strCardFile));
+    m_dwMin = m_dwMin.value_or(card.policy.dwMinPinLength);
+    m_dwMax = m_dwMax.value_or(card.policy.dwMaxPinLength);
+    if (*m_dwMin > *m_dwMax)
+        throw UsageError("the shortest PIN (--min) is longer than the longest (--max)");
+    if (m_strReader.empty())
+        m_strReader = AnsiFromUtf8(card.strReader);
+    // A card that cannot be written would give tries for nothing: this is found out before the
+    // user is asked.
+    WriteCard(PathFromAnsi(m_strCardFile), card);
+    return card;
 }
 
 void Tell(Outcome& outcome, ExitCode code, const char* pszResult, const std::string& strText) {
@@ -106,9 +117,8 @@ bool GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, 
                         GetCurrentThreadId());
     AutomaticUser user(m_plan, GetCurrentThreadId());
     PinRequest request(library);
-    const bool bConfirmed = request.Ask(
-        owner ? owner->Handle() : nullptr, m_strReader, card.IsLastTry(),
-        m_dwMin.value_or(card.policy.dwMinPinLength), m_dwMax.value_or(card.policy.dwMaxPinLength));
+    const bool bConfirmed = request.Ask(owner ? owner->Handle() : nullptr, m_strReader,
+                                        card.IsLastTry(), *m_dwMin, *m_dwMax);
     const bool bRemoved = remover && remover->Finish();
     user.Finish();
     if (bConfirmed) {
@@ -130,10 +140,6 @@ bool GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, 
 
 Outcome GetPinCommand::Run(const HostOptions& options) {
     SoftwareCard card = LoadCard();
-    if (m_dwMin.value_or(card.policy.dwMinPinLength) > m_dwMax.value_or(card.policy.dwMaxPinLength))
-        throw UsageError("the shortest PIN (--min) is longer than the longest (--max)");
-    if (m_strReader.empty())
-        m_strReader = card.strReader;
     m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
     Outcome outcome;
     outcome.json["reader"] = Utf8FromAnsi(m_strReader);

@@ -85,9 +85,10 @@ CChangePINDialog::CChangePINDialog(int /*nIgnored*/, int bUseWindowColor, bool b
 
 CChangePINDialog::~CChangePINDialog() {
     const mvp::LogScope scope("CChangePINDialog::~CChangePINDialog");
-    // With its window the panel loses its rule panel too; the handler for that is this class's.
+    // While WM_DESTROY still finds this class's handler.
     if (m_hWnd != nullptr)
         DestroyWindow();
+    DestroyPoliciesPanel();
     mvp::RemoveChangePinPanel(this);
     EraseAllPinBuffers();
 }
@@ -221,10 +222,14 @@ void CChangePINDialog::OnMove(int x, int y) {
 
 void CChangePINDialog::OnDestroy() {
     const mvp::LogScope scope("CChangePINDialog::OnDestroy");
-    if (m_pPoliciesDlg != nullptr) {
-        m_pPoliciesDlg->DestroyWindow();
-        delete m_pPoliciesDlg;
-        m_pPoliciesDlg = nullptr;
-    }
+    DestroyPoliciesPanel();
     CBaseDialog::OnDestroy();
+}
+
+void CChangePINDialog::DestroyPoliciesPanel() {
+    if (m_pPoliciesDlg == nullptr)
+        return;
+    m_pPoliciesDlg->DestroyWindow();
+    delete m_pPoliciesDlg;
+    m_pPoliciesDlg = nullptr;
 }

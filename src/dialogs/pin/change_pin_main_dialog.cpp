@@ -69,8 +69,7 @@ BOOL CChangePINDialogMain::OnInitDialog() {
     UpdateWindow();
     m_pCardRemoved = new (std::nothrow)
         VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
-    // The panel has put the focus where it belongs.
-    return FALSE;
+    return TRUE;
 }
 
 void CChangePINDialogMain::SetSmallIcon() {
@@ -90,6 +89,9 @@ void CChangePINDialogMain::CreatePanel() {
                          this, m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
     if (m_pPanel == nullptr || m_pPanel->LocCreate(this) == 0)
         return;
+    // First in the tab order, before the buttons: the system's choice of a first focus, made when
+    // this dialog's initialisation is over, is then the panel's as well.
+    m_pPanel->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     m_pPanel->ShowWindow(SW_SHOW);
     m_pPanel->UpdateWindow();
     CRect panel;

@@ -1,5 +1,5 @@
-// CChangePINDialogMain: the library's own modal frame around a CChangePINDialog, with OK and Cancel.
-// It closes when the card is removed; a mandatory change cannot be left otherwise.
+// CChangePINDialogMain: the library's own modal frame around a CChangePINDialog, with OK and
+// Cancel. It closes when the card is removed; a mandatory change cannot be left otherwise.
 #pragma once
 
 #include <dlgfw/controls.h>

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/system_library.h"
+
 namespace mvp {
 namespace {
 
@@ -14,19 +16,9 @@ static_assert(reader_state::kPresent == SCARD_STATE_PRESENT);
 constexpr char kComingAndGoing[] = "\\\\?PnP?\\Notification";
 constexpr DWORD kReaderListMax = 65536;
 
-std::string SystemModule() {
-    char folder[MAX_PATH] = {};
-    const UINT nLength = GetSystemDirectoryA(folder, sizeof(folder));
-    if (nLength == 0 || nLength >= sizeof(folder))
-        return {};
-    // A full path: no other module of that name is to be taken for it.
-    return std::string(folder) + "\\winscard.dll";
-}
-
 template <class Function>
-bool Resolve(HMODULE hModule, const char* pszName, Function& pFunction) {
-    pFunction =
-        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(hModule, pszName)));
+bool Resolve(HMODULE hModule, const char* pszName, Function& pFunction) noexcept {
+    pFunction = FindFunction<Function>(hModule, pszName);
     return pFunction != nullptr;
 }
 
@@ -65,7 +57,8 @@ void CPcscService::End() noexcept {
 bool CPcscService::Load() {
     if (m_module)
         return true;
-    Module module(LoadLibraryA((m_strModule.empty() ? SystemModule() : m_strModule).c_str()));
+    ModuleHandle module = m_strModule.empty() ? LoadSystemLibrary("winscard.dll")
+                                              : ModuleHandle(LoadLibraryA(m_strModule.c_str()));
     if (!module || !Resolve(module.get(), "SCardEstablishContext", m_pEstablishContext) ||
         !Resolve(module.get(), "SCardReleaseContext", m_pReleaseContext) ||
         !Resolve(module.get(), "SCardListReadersA", m_pListReaders) ||

@@ -38,7 +38,7 @@ private:
     bool Load();
 
     std::string m_strModule;
-    Module m_module;
+    ModuleHandle m_module;
     decltype(&SCardEstablishContext) m_pEstablishContext = nullptr;
     decltype(&SCardReleaseContext) m_pReleaseContext = nullptr;
     decltype(&SCardListReadersA) m_pListReaders = nullptr;

@@ -15,30 +15,12 @@
 #include "support/registry_hive.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/attached_library.h"
+#include "ui/dialogs/pin_request.h"
 
 namespace mvp::test {
 namespace {
 
-char* const kUntouchedBuffer = reinterpret_cast<char*>(UINT_PTR{0x1234});
-constexpr uint32_t kUntouchedLength = 0xCAFE;
-
-// One call, and what came of it. Gives the PIN back at the end unless it is kept.
-struct Request {
-    HWND hParent = nullptr;
-    const char* pszReader = "Reader A";
-    int bShowLastTry = 0;
-    uint32_t dwMin = 4;
-    uint32_t dwMax = 8;
-
-    char* pPin = kUntouchedBuffer;
-    uint32_t cbPin = kUntouchedLength;
-
-    uint32_t Call() {
-        return GetPINFromUser(hParent, pszReader, bShowLastTry, dwMin, dwMax, &pPin, &cbPin);
-    }
-    bool IsUntouched() const { return pPin == kUntouchedBuffer && cbPin == kUntouchedLength; }
-    std::string Pin() const { return std::string(pPin, cbPin); }
-};
+using Request = PinRequest;
 
 class EnterPin : public testing::Test {
 protected:

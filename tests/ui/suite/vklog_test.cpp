@@ -14,41 +14,12 @@
 #include <vector>
 
 #include "real_module.h"
+#include "support/registry_hive.h"
 
 namespace {
 
 constexpr char kKey[] = "SOFTWARE\\Quillon\\Veskara\\Logging";
 constexpr unsigned kAllLevels = 1 | 2 | VKLOG_DETAIL_BIT | 8 | 16;
-
-// A local-machine hive of the test's own.
-class CTestHive {
-public:
-    CTestHive() {
-        RegCreateKeyExA(HKEY_CURRENT_USER, kPlace, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
-                        nullptr, m_key.put(), nullptr);
-        EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_key.get()), ERROR_SUCCESS);
-    }
-    ~CTestHive() {
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-        RegDeleteTreeA(HKEY_CURRENT_USER, kPlace);
-    }
-
-    void Set(const char* pszName, DWORD nType, const std::string& value) {
-        mvp::RegistryKey key;
-        RegCreateKeyExA(m_key.get(), kKey, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                        key.put(), nullptr);
-        RegSetValueExA(key.get(), pszName, 0, nType, reinterpret_cast<const BYTE*>(value.data()),
-                       static_cast<DWORD>(value.size()));
-    }
-    void SetLevels(DWORD nMask) {
-        Set("LogLevels", REG_DWORD,
-            std::string(reinterpret_cast<const char*>(&nMask), sizeof(nMask)));
-    }
-
-private:
-    static constexpr char kPlace[] = "Software\\VeskaraLogTest";
-    mvp::RegistryKey m_key;
-};
 
 // The module, loaded afresh: it reads its settings once in its life.
 struct Log {
@@ -119,12 +90,12 @@ TEST_F(VkLog, WritesTheLevelsThatAreOnAndFormatsNoOthers) {
 }
 
 TEST_F(VkLog, ReadsTheRegistryOnceAndAtTheFirstCall) {
-    CTestHive hive;
+    mvp::test::RegistryHive hive;
     const Log log;
-    hive.Set("LogFile", REG_SZ, m_strFile + '\0');
-    hive.SetLevels(VKLOG_INFORMATION);
+    hive.SetString(kKey, "LogFile", m_strFile);
+    hive.SetDword(kKey, "LogLevels", VKLOG_INFORMATION);
     log.pLog("TAG", VKLOG_ERROR, "off");
-    hive.SetLevels(kAllLevels);
+    hive.SetDword(kKey, "LogLevels", kAllLevels);
     log.pLog("TAG", VKLOG_ERROR, "still off");
     log.pLog("TAG", VKLOG_INFORMATION, "on");
     EXPECT_EQ(Lines(), Strings{"TAG information: on"});
@@ -149,11 +120,11 @@ TEST_F(VkLog, StaysOffWithoutUsableSettings) {
         {"levels too short", REG_SZ, file, REG_DWORD, "\x1f"},
     };
     for (const auto& each : cases) {
-        CTestHive hive;
+        mvp::test::RegistryHive hive;
         if (each.nFileType != REG_NONE)
-            hive.Set("LogFile", each.nFileType, each.file);
+            hive.SetRaw(kKey, "LogFile", each.nFileType, each.file);
         if (each.nLevelsType != REG_NONE)
-            hive.Set("LogLevels", each.nLevelsType, each.levels);
+            hive.SetRaw(kKey, "LogLevels", each.nLevelsType, each.levels);
         const Log log;
         log.pLog("TAG", VKLOG_ERROR, "x");
         EXPECT_FALSE(FileExists()) << each.pszName;

@@ -1,0 +1,125 @@
+// The customer's pictures in the enter-PIN dialog.
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "resources/resource_numbers.h"
+#include "support/dialog_driver.h"
+#include "support/log_recorder.h"
+#include "support/registry_hive.h"
+#include "ui/dialogs/attached_library.h"
+#include "ui/dialogs/pin_request.h"
+
+namespace mvp::test {
+namespace {
+
+constexpr char kKey[] = "SOFTWARE\\Quillon\\Veskara\\AuthenticationDialog";
+
+// A file of the test's own, removed at the end.
+class TestFile {
+public:
+    TestFile(const std::string& strName, const std::string& strBytes)
+        : m_path(std::filesystem::absolute(strName + std::to_string(GetCurrentProcessId()))) {
+        std::ofstream(m_path, std::ios::binary) << strBytes;
+    }
+    TestFile(const TestFile&) = delete;
+    TestFile& operator=(const TestFile&) = delete;
+    ~TestFile() {
+        std::error_code ignored;
+        std::filesystem::remove(m_path, ignored);
+    }
+    std::string Path() const { return m_path.string(); }
+
+private:
+    std::filesystem::path m_path;
+};
+
+// A bitmap file of one colour. The header may claim another size than the pixels have.
+std::string BitmapFile(int nWidth, int nHeight, std::size_t nPixelBytes) {
+    BITMAPFILEHEADER file{};
+    file.bfType = 0x4D42;
+    file.bfOffBits = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
+    file.bfSize = static_cast<DWORD>(file.bfOffBits + nPixelBytes);
+    BITMAPINFOHEADER info{};
+    info.biSize = sizeof info;
+    info.biWidth = nWidth;
+    info.biHeight = nHeight;
+    info.biPlanes = 1;
+    info.biBitCount = 24;
+    std::string bytes(sizeof file + sizeof info, '\0');
+    std::memcpy(bytes.data(), &file, sizeof file);
+    std::memcpy(bytes.data() + sizeof file, &info, sizeof info);
+    return bytes + std::string(nPixelBytes, '\x40');
+}
+
+class Branding : public testing::Test {
+protected:
+    // Which of the four pictures the dialog shows: built-in banner and strip, then the customer's.
+    std::vector<bool> Shown() {
+        std::vector<bool> shown;
+        PinRequest request;
+        DialogDriver driver([&](Dialog& d) {
+            for (const int id : {IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
+                                 IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS})
+                shown.push_back(d.IsVisible(id));
+            const RECT brand = d.Rect(IDC_ENTER_PIN_BRAND_BANNER);
+            const RECT standard = d.Rect(IDC_ENTER_PIN_BANNER);
+            if (d.IsVisible(IDC_ENTER_PIN_BRAND_BANNER)) {
+                EXPECT_EQ(brand.right - brand.left, standard.right - standard.left);
+                EXPECT_EQ(brand.bottom - brand.top, standard.bottom - standard.top);
+            }
+            d.Escape();
+        });
+        request.Call();
+        driver.Join();
+        request.Free();
+        return shown;
+    }
+
+    AttachedLibrary m_library;
+    RegistryHive m_hive;
+    LogRecorder m_log;
+};
+
+using Flags = std::vector<bool>;
+const Flags kBuiltIn = {true, true, false, false};
+
+TEST_F(Branding, BuiltInPicturesStayWithoutUsableOnes) {
+    EXPECT_EQ(Shown(), kBuiltIn);
+    m_hive.CreateKey(kKey);
+    EXPECT_EQ(Shown(), kBuiltIn);
+    const TestFile text("notabitmap", "this is not a bitmap");
+    const TestFile huge("hugebitmap", BitmapFile(0x7FFFFFFF, 0x7FFFFFFF, 100));
+    for (const std::string& path : {std::string("C:\\missing.bmp"), text.Path(), huge.Path(),
+                                    std::string(255, 'p'), std::string()}) {
+        m_hive.SetString(kKey, "BannerHiRes", path);
+        EXPECT_EQ(Shown(), kBuiltIn) << path;
+    }
+    m_hive.SetUnterminated(kKey, "BannerHiRes", std::string(260, 'u'));
+    EXPECT_EQ(Shown(), kBuiltIn);
+}
+
+TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {
+    const TestFile picture("picture", BitmapFile(20, 20, 60 * 20));
+    m_hive.SetString(kKey, "BannerLowRes", picture.Path());
+    EXPECT_EQ(Shown(), kBuiltIn) << "the other resolution's picture is no fallback";
+    m_hive.SetString(kKey, "BannerHiRes", picture.Path());
+    EXPECT_EQ(Shown(), (Flags{false, true, true, false}));
+    m_hive.SetString(kKey, "ProgressBarHiRes", picture.Path());
+    EXPECT_EQ(Shown(), (Flags{false, false, true, true}));
+    m_hive.DeleteValue(kKey, "BannerHiRes");
+    EXPECT_EQ(Shown(), (Flags{true, false, false, true}));
+}
+
+TEST_F(Branding, LargePictureIsCutToThePlace) {
+    const TestFile large("large", BitmapFile(3000, 2000, std::size_t{9000} * 2000));
+    m_hive.SetString(kKey, "BannerHiRes", large.Path());
+    EXPECT_EQ(Shown(), (Flags{false, true, true, false}));
+}
+
+}  // namespace
+}  // namespace mvp::test

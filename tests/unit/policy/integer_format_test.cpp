@@ -1,0 +1,20 @@
+#include "policy/integer_format.h"
+
+#include <gtest/gtest.h>
+
+namespace mvp {
+namespace {
+
+TEST(IntegerFormat, TakesOneIntegerAndNothingElse) {
+    for (const char* pszFormat : {"%d", "Minimum length: %d", "%u characters", "100%% of %d",
+                                  "%-4d|", "%+03i", "%ld", "%x%%"})
+        EXPECT_TRUE(TakesOneInteger(pszFormat)) << pszFormat;
+    for (const char* pszFormat :
+         {"",     "no number", "%%",    "%d and %d", "%s",   "%n", "%",   "%5",    "%d%",     "%*d",
+          "%.*d", "%1$d",      "%100d", "%I64d",     "%lld", "%f", "%ls", "%d %s", "%%%%n%n", "%-"})
+        EXPECT_FALSE(TakesOneInteger(pszFormat)) << pszFormat;
+    EXPECT_FALSE(TakesOneInteger(std::string_view("%\0d", 3)));
+}
+
+}  // namespace
+}  // namespace mvp
