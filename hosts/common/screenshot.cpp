@@ -57,6 +57,22 @@ RECT ScreenRect() {
             top + GetSystemMetrics(SM_CYVIRTUALSCREEN)};
 }
 
+// The bitmap's own pixels; it must not be selected.
+bool ReadPixels(HDC hDC, HBITMAP hBitmap, Pixels& pixels, std::string& strError) {
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = pixels.width;
+    info.bmiHeader.biHeight = -pixels.height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 24;
+    info.bmiHeader.biCompression = BI_RGB;
+    pixels.bgr.resize(pixels.Stride() * static_cast<size_t>(pixels.height));
+    if (GetDIBits(hDC, hBitmap, 0, static_cast<UINT>(pixels.height), pixels.bgr.data(), &info,
+                  DIB_RGB_COLORS) != pixels.height)
+        return Fail(strError, "the picture's pixels could not be read", GetLastError());
+    return true;
+}
+
 bool Capture(const RECT& rect, Pixels& pixels, std::string& strError) {
     pixels.width = rect.right - rect.left;
     pixels.height = rect.bottom - rect.top;
@@ -72,18 +88,7 @@ bool Capture(const RECT& rect, Pixels& pixels, std::string& strError) {
                     rect.top, SRCCOPY | CAPTUREBLT))
             return Fail(strError, "the screen could not be read", GetLastError());
     }
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = pixels.width;
-    info.bmiHeader.biHeight = -pixels.height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
-    info.bmiHeader.biCompression = BI_RGB;
-    pixels.bgr.resize(pixels.Stride() * static_cast<size_t>(pixels.height));
-    if (GetDIBits(memory.get(), bitmap.get(), 0, static_cast<UINT>(pixels.height),
-                  pixels.bgr.data(), &info, DIB_RGB_COLORS) != pixels.height)
-        return Fail(strError, "the picture's pixels could not be read", GetLastError());
-    return true;
+    return ReadPixels(memory.get(), bitmap.get(), pixels, strError);
 }
 
 // The display lags behind what the windows have drawn: the picture is good when two in a row are
@@ -161,6 +166,14 @@ HRESULT Encode(Pixels& pixels, const std::wstring& strFile) {
     return hr;
 }
 
+bool Write(Pixels& pixels, const std::string& strFile, std::string& strError) {
+    const ComScope com;
+    const HRESULT hr = Encode(pixels, Widen(strFile));
+    if (FAILED(hr))
+        return Fail(strError, "the picture could not be written", static_cast<unsigned long>(hr));
+    return true;
+}
+
 }  // namespace
 
 bool SaveScreenPng(const RECT& rect, const std::string& strFile, std::string& strError) {
@@ -169,13 +182,18 @@ bool SaveScreenPng(const RECT& rect, const std::string& strFile, std::string& st
     if (!IntersectRect(&part, &rect, &screen))
         return Fail(strError, "nothing of it lies on the screen", 0);
     Pixels pixels;
-    if (!CaptureAtRest(part, pixels, strError))
-        return false;
-    const ComScope com;
-    const HRESULT hr = Encode(pixels, Widen(strFile));
-    if (FAILED(hr))
-        return Fail(strError, "the picture could not be written", static_cast<unsigned long>(hr));
-    return true;
+    return CaptureAtRest(part, pixels, strError) && Write(pixels, strFile, strError);
+}
+
+bool SaveBitmapPng(HBITMAP hBitmap, const std::string& strFile, std::string& strError) {
+    BITMAP bitmap = {};
+    if (GetObjectA(hBitmap, sizeof bitmap, &bitmap) != sizeof bitmap)
+        return Fail(strError, "no such bitmap", GetLastError());
+    Pixels pixels;
+    pixels.width = bitmap.bmWidth;
+    pixels.height = bitmap.bmHeight;
+    const WindowDc screen(nullptr);
+    return ReadPixels(screen.get(), hBitmap, pixels, strError) && Write(pixels, strFile, strError);
 }
 
 bool SaveWindowPng(HWND hWnd, const std::string& strFile, std::string& strError) {

@@ -7,9 +7,9 @@
 //     if (!mvp::SaveWindowPng(hDlg, "dialog.png", strError))
 //         ...
 //
-// Both take some 50 ms, to see that the picture has come to rest, and may be called from any
-// thread. They return false with the reason in `strError`; a file that could not be completed is
-// not left behind.
+// The two that look at the screen take some 50 ms, to see that the picture has come to rest. All
+// may be called from any thread. They return false with the reason in `strError`; a file that could
+// not be completed is not left behind.
 #pragma once
 
 #include <windows.h>
@@ -19,6 +19,9 @@
 namespace mvp {
 
 bool SaveWindowPng(HWND hWnd, const std::string& strFile, std::string& strError);
+
+// A picture drawn off the screen; the bitmap must not be selected anywhere. Takes no time to rest.
+bool SaveBitmapPng(HBITMAP hBitmap, const std::string& strFile, std::string& strError);
 
 // `rect` is in screen coordinates, clipped to the screen.
 bool SaveScreenPng(const RECT& rect, const std::string& strFile, std::string& strError);

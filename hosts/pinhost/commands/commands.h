@@ -10,5 +10,6 @@ namespace pinhost {
 std::unique_ptr<Command> MakeErrorTextCommand();
 std::unique_ptr<Command> MakeLastTryCommand();
 std::unique_ptr<Command> MakeGetPinCommand();
+std::unique_ptr<Command> MakeRichTextCommand();
 
 }  // namespace pinhost

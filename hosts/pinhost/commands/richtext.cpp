@@ -1,0 +1,118 @@
+// richtext FILE: a rich text as the library shows it, as a picture or as the text of one of its
+// stages.
+#include <windows.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "common/screenshot.h"
+#include "pinhost/commands/commands.h"
+#include "pinhost/text.h"
+#include "platform/handle.h"
+#include "richtext/dump.h"
+#include "richtext/html_drawer.h"
+
+namespace pinhost {
+namespace {
+
+constexpr int kMargin = 8;
+// Nobody looks at more; a bitmap of this size is what any display can have.
+constexpr LONG kMaxPicture = 8192;
+
+std::string ReadTextFile(const std::string& strFile) {
+    std::ifstream file(PathFromAnsi(strFile), std::ios::binary);
+    std::string strText{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (!file)
+        throw EnvironmentError("the file " + Utf8FromAnsi(strFile) + " cannot be read");
+    return strText;
+}
+
+class RichTextCommand : public Command {
+public:
+    CLI::App* AddTo(CLI::App& app) override {
+        CLI::App* pCommand = app.add_subcommand("richtext", "Lay a rich text out and show it");
+        pCommand->add_option("file", m_strFile, "the markup, in the system's ANSI code page")
+            ->required();
+        pCommand->add_option("--width", m_nWidth, "width of the text in pixels")
+            ->check(CLI::Range(1, 4000))
+            ->capture_default_str();
+        auto* pPicture = pCommand->add_option("--screenshot", m_strScreenshot,
+                                              "write a picture of the text to this PNG file");
+        pCommand->add_option("--hover", m_nHover, "draw link N as if the mouse were over it")
+            ->needs(pPicture);
+        pCommand->add_option("--focus", m_nFocus, "draw link N with the keyboard's focus")
+            ->needs(pPicture);
+        pCommand->add_option("--dump", m_strDump, "print a stage as text")
+            ->check(CLI::IsMember({"markup", "style", "layout"}));
+        return pCommand;
+    }
+
+    Outcome Run(const HostOptions&) override {
+        if (m_strScreenshot.empty() && m_strDump.empty())
+            throw UsageError("--screenshot or --dump is needed");
+        const std::string strMarkup = ReadTextFile(m_strFile);
+        CHtmlDrawer drawer;
+        drawer.SetText(strMarkup);
+        if (!m_strScreenshot.empty())
+            drawer.SetMargins(kMargin, kMargin);
+        const SIZE size = drawer.Measure(PictureWidth());
+        if (!m_strScreenshot.empty())
+            TakePicture(drawer, size);
+
+        Outcome outcome;
+        outcome.strText = m_strDump.empty() ? drawer.PlainText() : Dump(drawer, strMarkup);
+        outcome.strText = Utf8FromAnsi(outcome.strText);
+        outcome.json["width"] = size.cx;
+        outcome.json["height"] = size.cy;
+        outcome.json["links"] = drawer.LinkCount();
+        outcome.json["text"] = outcome.strText;
+        return outcome;
+    }
+
+private:
+    int PictureWidth() const { return m_strScreenshot.empty() ? m_nWidth : m_nWidth + 2 * kMargin; }
+
+    std::string Dump(const CHtmlDrawer& drawer, const std::string& strMarkup) const {
+        const mvp::richtext::CRichText& text = drawer.RichText();
+        if (m_strDump == "markup")
+            return mvp::richtext::DumpMarkup(strMarkup);
+        if (m_strDump == "style")
+            return mvp::richtext::DumpStyles(text.Document());
+        return mvp::richtext::DumpLayout(text.Document(), text.Boxes());
+    }
+
+    void TakePicture(CHtmlDrawer& drawer, SIZE size) const {
+        const RECT area = {0, 0, PictureWidth(), std::clamp(size.cy, 1L, kMaxPicture)};
+        const mvp::WindowDc screen(nullptr);
+        const mvp::MemoryDc memory(CreateCompatibleDC(screen.get()));
+        const mvp::Bitmap bitmap(CreateCompatibleBitmap(screen.get(), area.right, area.bottom));
+        if (!memory || !bitmap)
+            throw EnvironmentError("no bitmap for the picture");
+        drawer.SetHoverLink(m_nHover);
+        drawer.SetFocusLink(m_nFocus);
+        {
+            const mvp::DcSelection selection(memory.get(), bitmap.get());
+            FillRect(memory.get(), &area, GetSysColorBrush(COLOR_WINDOW));
+            drawer.Draw(memory.get(), area, area);
+        }
+        std::string strError;
+        if (!mvp::SaveBitmapPng(bitmap.get(), AbsolutePath(m_strScreenshot), strError))
+            throw EnvironmentError("the picture failed: " + strError);
+    }
+
+    std::string m_strFile;
+    std::string m_strScreenshot;
+    std::string m_strDump;
+    int m_nWidth = 360;
+    int m_nHover = kNoLink;
+    int m_nFocus = kNoLink;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeRichTextCommand() {
+    return std::make_unique<RichTextCommand>();
+}
+
+}  // namespace pinhost

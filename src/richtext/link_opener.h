@@ -1,0 +1,28 @@
+// Opens the target of an href link: with the shell, or if that fails with the program that opens
+// HTML files.
+#pragma once
+
+#include <string>
+
+namespace mvp::richtext {
+
+// The calls to the system, so that a test can record them instead.
+class CShell {
+public:
+    CShell() = default;
+    CShell(const CShell&) = delete;
+    CShell& operator=(const CShell&) = delete;
+    virtual ~CShell() = default;
+
+    // The verb "open", shown normally. Above 32 on success, like the system's own call.
+    virtual long long Open(const std::string& strTarget) = 0;
+    // The command that the file type ".htm" is opened with; empty when there is none.
+    virtual std::string HtmlCommand() = 0;
+    virtual void Start(const std::string& strCommandLine) = 0;
+};
+
+CShell& SystemShell();
+
+void OpenLinkTarget(CShell& shell, const std::string& strTarget);
+
+}  // namespace mvp::richtext
