@@ -6,13 +6,16 @@
 #include <array>
 #include <chrono>
 #include <string>
+#include <string_view>
 
 #include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 
+#include "dialogs/base/edit_scrubber.h"
 #include "frame/resource_module.h"
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "resources/resource_numbers.h"
+#include "support/memory_scan.h"
 #include "support/waiting.h"
 #include "ui/dialogs/attached_library.h"
 
@@ -269,6 +272,30 @@ TEST(SystemsBalloon, KeepsOtherWords) {
     SystemBalloon balloon(window.Edit().m_hWnd, "You can only type a number here.");
     balloon.Show();
     EXPECT_EQ(balloon.Text(), "You can only type a number here.");
+}
+
+// What the system's edit remembers, seen while its window still lives.
+TEST(Scrubbing, LeavesNothingInTheEdit) {
+    static constexpr std::string_view kSecret = "71935482";
+    const auto hits = [] { return ScanOwnMemory(Needle(kSecret.substr(2))).size(); };
+    const HWND hEdit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD, 0, 0, 100, 20,
+                                       nullptr, nullptr, nullptr, nullptr);
+    const auto type = [hEdit] {
+        for (const char c : kSecret)
+            SendMessageA(hEdit, WM_CHAR, static_cast<unsigned char>(c), 1);
+    };
+    PrepareEditForSecret(hEdit);
+    EXPECT_EQ(GetWindowTextLengthA(hEdit), 0);
+    type();
+    SendMessageA(hEdit, EM_SETSEL, 0, -1);
+    SendMessageA(hEdit, WM_CLEAR, 0, 0);
+    type();
+    EXPECT_GE(hits(), 2U) << "the text, and the one that was deleted";
+    ScrubEdit(hEdit);
+    EXPECT_EQ(hits(), 0U);
+    EXPECT_EQ(GetWindowTextLengthA(hEdit), 0);
+    EXPECT_FALSE(SendMessageA(hEdit, EM_CANUNDO, 0, 0));
+    DestroyWindow(hEdit);
 }
 
 TEST(WithoutModule, BuiltInWordsAreUsed) {
