@@ -218,12 +218,11 @@ TEST(WindowTest, TemporariesLastUntilTheThreadIsIdle) {
     HWND hDesktop = GetDesktopWindow();
     CWnd* pOuter = CWnd::FromHandle(hDesktop);  // made outside of any handler
     EXPECT_EQ(CWnd::FromHandlePermanent(hDesktop), nullptr);
-    EXPECT_EQ(pOuter->DestroyWindow(), FALSE);
 
-    std::vector<HWND> windows;
-    for (int i = 0; i < 50; ++i)
-        windows.push_back(
-            CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 1, 1, wnd, nullptr, nullptr, nullptr));
+    std::vector<HWND> windows(50);
+    for (HWND& hWnd : windows)
+        hWnd =
+            CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 1, 1, wnd, nullptr, nullptr, nullptr);
     wnd.m_onAsk = [&] {
         CWnd* pFirst = CWnd::FromHandle(windows[0]);
         for (HWND hWnd : windows)
