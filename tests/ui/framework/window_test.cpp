@@ -319,6 +319,25 @@ TEST(WindowTest, SubclassedControlAnswersFirstAndIsGivenBack) {
     EXPECT_EQ(second.m_hWnd, nullptr);
 }
 
+TEST(WindowTest, SystemChangesReachTheObjectsBelowATopLevelWindow) {
+    struct Listening : CStatic {
+        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+            m_nHeard += message == WM_SYSCOLORCHANGE || message == WM_SETTINGCHANGE ? 1 : 0;
+            return CStatic::WindowProc(message, wParam, lParam);
+        }
+        int m_nHeard = 0;
+    };
+    Family family;
+    Listening panel;
+    ASSERT_TRUE(panel.Create("", WS_CHILD, kPlace, &family.parent));
+    Listening label;
+    ASSERT_TRUE(label.Create("", WS_CHILD, kPlace, &panel));
+    family.parent.SendMessage(WM_SYSCOLORCHANGE);
+    family.parent.SendMessage(WM_SETTINGCHANGE);
+    EXPECT_EQ(panel.m_nHeard, 2);
+    EXPECT_EQ(label.m_nHeard, 2);
+}
+
 TEST(WindowTest, NotificationsGoToTheControlFirstAndThenToTheParent) {
     Family family;
     SetWindowTextA(family.hEdit, "a");
