@@ -141,7 +141,8 @@ HWND CWnd::Detach() {
 }
 
 BOOL CWnd::SubclassWindow(HWND hWnd) {
-    if (!Attach(hWnd))
+    // The messages of another thread's window would not find the object.
+    if (::GetWindowThreadProcessId(hWnd, nullptr) != ::GetCurrentThreadId() || !Attach(hWnd))
         return FALSE;
     PreSubclassWindow();
     if (CWndAccess::Subclass(*this))

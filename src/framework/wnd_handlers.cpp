@@ -6,6 +6,8 @@
 
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
     ON_WM_NCDESTROY()
+    ON_WM_SYSCOLORCHANGE()
+    ON_WM_SETTINGCHANGE()
 END_MESSAGE_MAP()
 
 // The last message of a window. Nothing touches the object after PostNcDestroy.
@@ -55,12 +57,23 @@ HBRUSH CWnd::OnCtlColor(CDC*, CWnd* pWnd, UINT) {
     return reinterpret_cast<HBRUSH>(lResult);
 }
 
+// The system tells top-level windows only.
 void CWnd::OnSysColorChange() {
+    SendCurrentToDescendants();
     Default();
 }
+
 void CWnd::OnSettingChange(UINT, LPCSTR) {
+    SendCurrentToDescendants();
     Default();
 }
+
+void CWnd::SendCurrentToDescendants() {
+    const MSG message = *GetCurrentMessage();
+    if ((GetStyle() & WS_CHILD) == 0)
+        SendMessageToDescendants(message.message, message.wParam, message.lParam, TRUE, TRUE);
+}
+
 void CWnd::OnSetFocus(CWnd*) {
     Default();
 }

@@ -127,7 +127,8 @@ TEST(DialogTest, NestedDialogsEndInTurn) {
         EXPECT_FALSE(IsWindowEnabled(first.Handle()));
         second.Click(IDCANCEL);
         second.WaitGone();
-        EXPECT_TRUE(IsWindowEnabled(first.Handle()));
+        first.WaitUntil("the first is enabled again",
+                        [&] { return IsWindowEnabled(first.Handle()) != FALSE; });
         EXPECT_FALSE(host.IsWindowEnabled());
         first.Click(IDOK);
     });

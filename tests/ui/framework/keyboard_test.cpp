@@ -1,6 +1,5 @@
 // Keyboard navigation with real key strokes through a dialog, a panel in it, and a panel in that.
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -145,19 +144,22 @@ TEST_P(KeyboardTest, ArrowsMoveWithinAGroup) {
 }
 
 TEST_P(KeyboardTest, EnterAndEscapeInAPanelAreTheHosts) {
-    for (const auto& [nFocus, vk, nResult] : {std::tuple{kInnerEdit, WORD{VK_RETURN}, IDOK},
-                                              {kPanelEdit, WORD{VK_RETURN}, IDOK},
-                                              {kInnerCheck, WORD{VK_RETURN}, IDOK},
-                                              {kInnerEdit, WORD{VK_ESCAPE}, IDCANCEL},
-                                              {kPanelButton, WORD{VK_ESCAPE}, IDCANCEL}}) {
-        SCOPED_TRACE(nFocus);
+    struct Case {
+        int nFocus;
+        WORD vk;
+        int nResult;
+    };
+    for (const Case& c : {Case{kInnerEdit, VK_RETURN, IDOK}, Case{kPanelEdit, VK_RETURN, IDOK},
+                          Case{kInnerCheck, VK_RETURN, IDOK}, Case{kInnerEdit, VK_ESCAPE, IDCANCEL},
+                          Case{kPanelButton, VK_ESCAPE, IDCANCEL}}) {
+        SCOPED_TRACE(c.nFocus);
         g_commands.clear();
         DialogDriver driver([&](Dialog& dialog) {
-            dialog.Focus(nFocus);
-            dialog.RealKey(vk);
+            dialog.Focus(c.nFocus);
+            dialog.RealKey(c.vk);
         });
-        EXPECT_EQ(m_host.DoModal(), nResult);
-        EXPECT_THAT(g_commands, ElementsAre("host:" + std::to_string(nResult)));
+        EXPECT_EQ(m_host.DoModal(), c.nResult);
+        EXPECT_THAT(g_commands, ElementsAre("host:" + std::to_string(c.nResult)));
     }
 }
 

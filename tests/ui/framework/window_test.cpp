@@ -218,12 +218,11 @@ TEST(WindowTest, TemporariesLastUntilTheThreadIsIdle) {
     HWND hDesktop = GetDesktopWindow();
     CWnd* pOuter = CWnd::FromHandle(hDesktop);  // made outside of any handler
     EXPECT_EQ(CWnd::FromHandlePermanent(hDesktop), nullptr);
-    EXPECT_EQ(pOuter->DestroyWindow(), FALSE);
 
-    std::vector<HWND> windows;
-    for (int i = 0; i < 50; ++i)
-        windows.push_back(
-            CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 1, 1, wnd, nullptr, nullptr, nullptr));
+    std::vector<HWND> windows(50);
+    for (HWND& hWnd : windows)
+        hWnd =
+            CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 1, 1, wnd, nullptr, nullptr, nullptr);
     wnd.m_onAsk = [&] {
         CWnd* pFirst = CWnd::FromHandle(windows[0]);
         for (HWND hWnd : windows)
@@ -318,6 +317,25 @@ TEST(WindowTest, SubclassedControlAnswersFirstAndIsGivenBack) {
     ASSERT_TRUE(second.SubclassWindow(family.hEdit));
     DestroyWindow(family.hEdit);
     EXPECT_EQ(second.m_hWnd, nullptr);
+}
+
+TEST(WindowTest, SystemChangesReachTheObjectsBelowATopLevelWindow) {
+    struct Listening : CStatic {
+        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+            m_nHeard += message == WM_SYSCOLORCHANGE || message == WM_SETTINGCHANGE ? 1 : 0;
+            return CStatic::WindowProc(message, wParam, lParam);
+        }
+        int m_nHeard = 0;
+    };
+    Family family;
+    Listening panel;
+    ASSERT_TRUE(panel.Create("", WS_CHILD, kPlace, &family.parent));
+    Listening label;
+    ASSERT_TRUE(label.Create("", WS_CHILD, kPlace, &panel));
+    family.parent.SendMessage(WM_SYSCOLORCHANGE);
+    family.parent.SendMessage(WM_SETTINGCHANGE);
+    EXPECT_EQ(panel.m_nHeard, 2);
+    EXPECT_EQ(label.m_nHeard, 2);
 }
 
 TEST(WindowTest, NotificationsGoToTheControlFirstAndThenToTheParent) {

@@ -116,7 +116,7 @@ public:
     }
     // HBRUSH (CDC*, UINT nCtlColor), in the control itself; a null brush leaves it to the parent.
     static BOOL CtlColorReflect(Target pTarget, Message msg, Result lResult) {
-        HBRUSH hBrush =
+        auto* hBrush =
             Call<HBRUSH, CDC*, UINT>(pTarget, CDC::FromHandle(reinterpret_cast<HDC>(msg.wParam)),
                                      msg.message - WM_REFLECT_BASE - WM_CTLCOLORMSGBOX);
         lResult = reinterpret_cast<LRESULT>(hBrush);

@@ -71,7 +71,8 @@ public:
     // Frees this thread's temporary objects. For hosts that run their own message loop for long.
     static void DeleteTempMap();
 
-    // FALSE when hWnd is null or has an object already. The window is not destroyed by Detach.
+    // FALSE when hWnd is null or has an object already, and for SubclassWindow when the window is
+    // of another thread. The window is not destroyed by Detach.
     BOOL Attach(HWND hWnd);
     HWND Detach();
     BOOL SubclassWindow(HWND hWnd);
@@ -257,6 +258,7 @@ protected:
     afx_msg BOOL OnEraseBkgnd(CDC* pDC);
     // nCtlColor: CTLCOLOR_*. Asks the control first (ON_WM_CTLCOLOR_REFLECT).
     afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
+    // These two are sent on to the objects' windows below a top-level window.
     afx_msg void OnSysColorChange();
     afx_msg void OnSettingChange(UINT uFlags, LPCSTR lpszSection);
     afx_msg void OnSetFocus(CWnd* pOldWnd);
@@ -289,6 +291,7 @@ private:
     friend class CWndAccess;  // the window procedure's and the handle maps' way in
 
     explicit CWnd(HWND hWnd) noexcept : m_hWnd(hWnd) {}
+    void SendCurrentToDescendants();
 
     WNDPROC m_pfnSuper = nullptr;          // the procedure that was subclassed
     HWND m_hWndOwner = nullptr;            // set by SetOwner
