@@ -74,13 +74,8 @@ HWND FindEdit(HWND hDialog) {
 }
 
 void AddPlanOptions(CLI::App& command, UserPlan& plan) {
-    if (plan.bNeedsEdit)
-        command
-            .add_option("--type", plan.strTyped,
-                        "type this text into the dialog, with real key strokes")
-            ->each([&plan](const std::string&) { plan.bTypes = true; });
     const std::map<std::string, Press> presses{{"ok", Press::kOk}, {"cancel", Press::kCancel}};
-    command.add_option("--press", plan.press, "then press ok or cancel")
+    command.add_option("--press", plan.press, "after typing, press ok or cancel")
         ->transform(CLI::CheckedTransformer(presses).description("ok|cancel"));
     command
         .add_option("--screenshot", plan.strScreenshot,
@@ -137,16 +132,28 @@ HWND AutomaticUser::WaitForDialog(const std::stop_token& stop, HWND hAfter) cons
     return hFound;
 }
 
-void AutomaticUser::Serve(HWND hDialog) {
-    if (m_plan.bTypes) {
-        AwaitForeground(hDialog);
+void AutomaticUser::Type(HWND hDialog) const {
+    AwaitForeground(hDialog);
+    HWND hBefore = nullptr;
+    for (const std::string& strText : m_plan.typed) {
+        if (hBefore != nullptr)
+            mvp::SendKey(VK_TAB);
         Await("no edit got the focus", [&] {
-            return lstrcmpiA(mvp::ClassOf(FocusOf(m_dwUiThreadId)).c_str(), "EDIT") == 0;
+            const HWND hFocus = FocusOf(m_dwUiThreadId);
+            if (hFocus == hBefore || lstrcmpiA(mvp::ClassOf(hFocus).c_str(), "EDIT") != 0)
+                return false;
+            hBefore = hFocus;
+            return true;
         });
-        if (!mvp::SendText(m_plan.strTyped))
+        if (!mvp::SendText(strText))
             throw Failure("the system refused the typed keys");
         AwaitKeys(m_dwUiThreadId);
     }
+}
+
+void AutomaticUser::Serve(HWND hDialog) {
+    if (!m_plan.typed.empty())
+        Type(hDialog);
     if (!m_plan.strScreenshot.empty()) {
         AwaitForeground(hDialog);
         std::string strError;

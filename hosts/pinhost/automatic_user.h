@@ -22,18 +22,19 @@ namespace pinhost {
 enum class Press { kNothing, kOk, kCancel };
 
 struct UserPlan {
-    bool bTypes = false;
-    std::string strTyped;  // goes where the dialog puts the focus
+    // The first text goes where the dialog puts the focus, each other one to the next edit (Tab).
+    std::vector<std::string> typed;
     Press press = Press::kNothing;
     std::string strScreenshot;  // a PNG file; taken after typing, before pressing. Empty: none
     // The dialog meant is one with an edit; one without that opens before it is accepted.
     bool bNeedsEdit = false;
 
-    bool IsEmpty() const { return !bTypes && press == Press::kNothing && strScreenshot.empty(); }
+    bool IsEmpty() const {
+        return typed.empty() && press == Press::kNothing && strScreenshot.empty();
+    }
 };
 
-// The command-line options of a plan: --press, --screenshot, and --type when the dialog has an
-// edit.
+// The command-line options --press and --screenshot of a plan.
 void AddPlanOptions(CLI::App& command, UserPlan& plan);
 
 class AutomaticUser {
@@ -55,6 +56,7 @@ private:
     void Main(const std::stop_token& stop) noexcept;
     void ServeDialogs(const std::stop_token& stop);
     void Serve(HWND hDialog);
+    void Type(HWND hDialog) const;
     void Answer(HWND hDialog, Press press);
     HWND WaitForDialog(const std::stop_token& stop, HWND hAfter) const;
     void CancelUntil(const std::stop_token& stop) const;

@@ -82,8 +82,8 @@ ExitCode Main(int argc, char** argv) {
     HostOptions options;
     AddHostOptions(app, options);
     Commands commands;
-    for (auto* pMake :
-         {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand, MakeRichTextCommand}) {
+    for (auto* pMake : {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand,
+                        MakeChangePinCommand, MakeRichTextCommand}) {
         auto pCommand = pMake();
         CLI::App* pAdded = pCommand->AddTo(app);
         commands.emplace_back(pAdded, std::move(pCommand));

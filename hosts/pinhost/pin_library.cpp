@@ -63,6 +63,7 @@ PinLibrary::PinLibrary(const HostOptions& options) : m_log(TurnLogOn(options)) {
     Find(m_library, "DisplayLastPINTry", DisplayLastPINTry);
     Find(m_library, "SetPinPromptString", SetPinPromptString);
     Find(m_library, "GetPINFromUser", GetPINFromUser);
+    Find(m_library, "GetChangePINInfoFromUser", GetChangePINInfoFromUser);
     Find(m_library, "FreeGetPinBuffer", FreeGetPinBuffer);
     decltype(&::InitGUIDll) pInit = nullptr;
     Find(m_library, "InitGUIDll", pInit);

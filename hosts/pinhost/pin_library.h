@@ -32,6 +32,7 @@ public:
     decltype(&::DisplayLastPINTry) DisplayLastPINTry = nullptr;
     decltype(&::SetPinPromptString) SetPinPromptString = nullptr;
     decltype(&::GetPINFromUser) GetPINFromUser = nullptr;
+    decltype(&::GetChangePINInfoFromUser) GetChangePINInfoFromUser = nullptr;
     decltype(&::FreeGetPinBuffer) FreeGetPinBuffer = nullptr;
 };
 

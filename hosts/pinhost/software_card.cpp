@@ -28,4 +28,11 @@ Verdict SoftwareCard::Verify(std::span<const char> candidate) noexcept {
     return IsBlocked() ? Verdict::kBlocked : Verdict::kWrong;
 }
 
+bool SoftwareCard::SetPin(std::span<const char> newPin) {
+    if (newPin.empty() || newPin.size() > kMaxSecretLength)
+        return false;
+    pin = Secret(newPin.begin(), newPin.end());
+    return true;
+}
+
 }  // namespace pinhost

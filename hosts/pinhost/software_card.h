@@ -11,6 +11,9 @@
 
 namespace pinhost {
 
+// The longest PIN or code that a card stores, in bytes; the shortest has one.
+constexpr std::size_t kMaxSecretLength = 255;
+
 // The card's rules for a new PIN.
 struct CardPolicy {
     bool bPreventAlphaPin = false;  // digits only
@@ -41,6 +44,10 @@ struct SoftwareCard {
     // The right PIN gives all tries back. A wrong one costs a try: kBlocked when it was the last. A
     // blocked card compares nothing.
     Verdict Verify(std::span<const char> candidate) noexcept;
+
+    // False, with nothing changed, when the card has no room for such a PIN. The rules of `policy`
+    // are the caller's affair.
+    bool SetPin(std::span<const char> newPin);
 };
 
 }  // namespace pinhost

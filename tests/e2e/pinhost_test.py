@@ -16,6 +16,7 @@ import unittest
 PROGRAM = []  # set from the command line
 
 PIN = "73519"
+NEW_PIN = "x8442"
 
 
 class PinHostTest(unittest.TestCase):
@@ -34,7 +35,8 @@ class PinHostTest(unittest.TestCase):
         self.assertEqual(run.returncode, code, run)
         actual = json.loads(run.stdout)
         self.assertEqual(actual, {"command": arguments[0], **result})
-        self.assertNotIn(PIN, run.stdout + run.stderr)
+        for pin in (PIN, NEW_PIN):
+            self.assertNotIn(pin, run.stdout + run.stderr)
 
     def make_card(self, **changes):
         card = {"reader": "Lecteur é", "pin": PIN, "unlockCode": "12345678", "triesLeft": 3,
@@ -62,6 +64,8 @@ class PinHostTest(unittest.TestCase):
         for arguments in ([], ["frobnicate"], ["error-text"], ["error-text", "eleven"],
                           ["last-try", "--press", "maybe"], ["last-try", "--type", "1"],
                           ["get-pin", "--min", "9", "--max", "8", "--card", "card.json"],
+                          ["change-pin", "--no-current", "--type", "1"],
+                          ["change-pin", "--mandatory", "--press", "cancel"],
                           ["get-pin", "--min", "-1"], ["get-pin", "--log-detail"],
                           ["error-text", "1", "--language", "..\\fr"]):
             with self.subTest(arguments):
@@ -124,6 +128,45 @@ class PinHostTest(unittest.TestCase):
                      "--remove-card-after", "300", "--prompt", "Your PIN, please", "--language",
                      "fr")
         self.assertEqual(self.tries_left(), 3)
+
+    def change_pin(self, code, result, *options):
+        self.expect(code, {"reader": "Lecteur é", "lastTry": False, **result}, "change-pin",
+                    "--card", "card.json", *options)
+
+    def test_a_changed_pin_is_the_one_asked_for(self):
+        for embedded in ((), ("--embedded", "--language", "fr")):
+            with self.subTest(embedded):
+                self.make_card()
+                self.change_pin(0, {"result": "changed", "triesLeft": 3}, "--type", PIN,
+                                "--type-new", NEW_PIN, "--press", "ok", "--screenshot",
+                                "dialog.png", "--log", "log.txt", *embedded)
+                self.check_picture("dialog.png")
+                log_file = self.folder / "log.txt"
+                log = log_file.read_text(encoding="latin-1")
+                log_file.unlink()
+                for pin in (PIN, NEW_PIN):
+                    self.assertNotIn(pin, log)
+                self.assertIn("CChangePINDialog::OnInitDialog", log)
+                self.assertEqual("CChangePINDialogMain::OnInitDialog" in log, not embedded)
+                self.get_pin(1, {"result": "wrong", "triesLeft": 2}, "--type", PIN, "--press", "ok")
+                self.get_pin(0, {"result": "accepted", "triesLeft": 3}, "--type", NEW_PIN,
+                             "--press", "ok")
+
+    def test_a_change_costs_a_try_only_when_the_current_pin_is_wrong(self):
+        self.make_card()
+        remark = {"result": "cancelled", "remark": "OK stayed disabled, so the dialog was cancelled"}
+        change = ("--type", PIN, "--type-new", NEW_PIN, "--press", "ok")
+        self.change_pin(1, {**remark, "triesLeft": 3}, *change, "--digits-only")
+        self.change_pin(1, {**remark, "triesLeft": 3}, *change, "--type-confirm", PIN, "--embedded")
+        for embedded in ((), ("--embedded",)):
+            self.change_pin(1, {"result": "removed", "triesLeft": 3}, "--mandatory", "--press",
+                            "cancel", "--remove-card-after", "300", *embedded)
+        self.change_pin(1, {"result": "wrong", "triesLeft": 2}, "--type", "0000", "--type-new",
+                        NEW_PIN, "--press", "ok")
+        # The card has been opened otherwise, which gives no try back.
+        self.change_pin(0, {"result": "changed", "triesLeft": 2}, "--no-current", "--type-new",
+                        NEW_PIN, "--press", "ok")
+        self.get_pin(0, {"result": "accepted", "triesLeft": 3}, "--type", NEW_PIN, "--press", "ok")
 
 
 if __name__ == "__main__":

@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "pinhost/automatic_user.h"
-#include "pinhost/card_file.h"
 #include "pinhost/card_remover.h"
+#include "pinhost/commands/card_flow.h"
 #include "pinhost/commands/commands.h"
 #include "pinhost/owner_window.h"
 #include "pinhost/pin_library.h"
@@ -41,70 +41,26 @@ public:
     Outcome Run(const HostOptions& options) override;
 
 private:
-    SoftwareCard LoadCard();
     bool AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome);
 
-    std::string m_strReader;
+    CardOptions m_options;
     std::string m_strPrompt;
-    std::string m_strCardFile;
-    std::optional<std::uint32_t> m_dwMin;
-    std::optional<std::uint32_t> m_dwMax;
-    std::optional<std::uint32_t> m_dwRemoveAfter;
     bool m_bParent = false;
+    std::optional<std::string> m_strTyped;
     UserPlan m_plan;
 };
 
 CLI::App* GetPinCommand::AddTo(CLI::App& app) {
     CLI::App* pCommand =
         app.add_subcommand("get-pin", "Ask for the card's PIN and verify it against the card");
-    pCommand->add_option("--card", m_strCardFile,
-                         "file of the software card; made anew when there is none "
-                         "(pinhost-card.json beside the program)");
-    pCommand->add_option("--reader", m_strReader, "name of the reader (the card's own)");
-    pCommand->add_option("--min", m_dwMin, "shortest PIN in bytes (the card's own rule)");
-    pCommand->add_option("--max", m_dwMax, "longest PIN in bytes (the card's own rule)");
+    m_options.AddTo(*pCommand);
     pCommand->add_option("--prompt", m_strPrompt, "text above the edit");
     pCommand->add_flag("--parent", m_bParent, "open a window and show the dialog over it");
-    pCommand
-        ->add_option("--remove-card-after", m_dwRemoveAfter,
-                     "pull the card this many milliseconds after the dialog has opened")
-        ->type_name("MS");
+    pCommand->add_option("--type", m_strTyped,
+                         "type this text into the dialog, with real key strokes");
     m_plan.bNeedsEdit = true;
     AddPlanOptions(*pCommand, m_plan);
     return pCommand;
-}
-
-// The card, and from it what the command line leaves open.
-SoftwareCard GetPinCommand::LoadCard() {
-    m_strCardFile =
-        m_strCardFile.empty() ? OwnFolder() + "\\pinhost-card.json" : AbsolutePath(m_strCardFile);
-    SoftwareCard card = ReadCard(PathFromAnsi(m_strCardFile));
-    m_dwMin = m_dwMin.value_or(card.policy.dwMinPinLength);
-    m_dwMax = m_dwMax.value_or(card.policy.dwMaxPinLength);
-    if (*m_dwMin > *m_dwMax)
-        throw UsageError("the shortest PIN (--min) is longer than the longest (--max)");
-    if (m_strReader.empty())
-        m_strReader = AnsiFromUtf8(card.strReader);
-    // A card that cannot be written would give tries for nothing: this is found out before the
-    // user is asked.
-    WriteCard(PathFromAnsi(m_strCardFile), card);
-    return card;
-}
-
-void Tell(Outcome& outcome, ExitCode code, const char* pszResult, const std::string& strText) {
-    outcome.code = code;
-    outcome.strText = strText;
-    outcome.json["result"] = pszResult;
-}
-
-void TellVerdict(Outcome& outcome, Verdict verdict, const SoftwareCard& card) {
-    const std::string strTries = std::to_string(card.nTriesLeft);
-    if (verdict == Verdict::kAccepted)
-        Tell(outcome, ExitCode::kAccepted, "accepted", "PIN accepted.");
-    else if (verdict == Verdict::kBlocked)
-        Tell(outcome, ExitCode::kNotAccepted, "blocked", "Wrong PIN. The card is blocked.");
-    else
-        Tell(outcome, ExitCode::kNotAccepted, "wrong", "Wrong PIN. Tries left: " + strTries + ".");
 }
 
 bool GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome) {
@@ -112,37 +68,37 @@ bool GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, 
     if (m_bParent)
         owner.emplace();
     std::optional<CardRemover> remover;
-    if (m_dwRemoveAfter)
-        remover.emplace(m_strReader, std::chrono::milliseconds(*m_dwRemoveAfter),
+    if (m_options.dwRemoveAfter)
+        remover.emplace(m_options.strReader, std::chrono::milliseconds(*m_options.dwRemoveAfter),
                         GetCurrentThreadId());
     AutomaticUser user(m_plan, GetCurrentThreadId());
     PinRequest request(library);
-    const bool bConfirmed = request.Ask(owner ? owner->Handle() : nullptr, m_strReader,
-                                        card.IsLastTry(), *m_dwMin, *m_dwMax);
+    const bool bConfirmed = request.Ask(owner ? owner->Handle() : nullptr, m_options.strReader,
+                                        card.IsLastTry(), *m_options.dwMin, *m_options.dwMax);
     const bool bRemoved = remover && remover->Finish();
     user.Finish();
     if (bConfirmed) {
         const Verdict verdict = card.Verify(request.Pin());
-        TellVerdict(outcome, verdict, card);
-    } else if (bRemoved) {
-        Tell(outcome, ExitCode::kNotAccepted, "removed", "The card was removed.");
+        if (verdict == Verdict::kAccepted)
+            Tell(outcome, ExitCode::kAccepted, "accepted", "PIN accepted.");
+        else
+            TellRefusal(outcome, verdict, card);
     } else {
-        Tell(outcome, ExitCode::kNotAccepted, "cancelled", "No PIN was entered.");
+        TellNoPin(outcome, bRemoved);
     }
-    if (!user.Remark().empty()) {
-        outcome.json["remark"] = user.Remark();
-        outcome.strText.append(" (").append(user.Remark()).append(")");
-    }
+    TellRemark(outcome, user);
     if (owner)
         outcome.json["parentEnabled"] = IsWindowEnabled(owner->Handle()) != FALSE;
     return bConfirmed;
 }
 
 Outcome GetPinCommand::Run(const HostOptions& options) {
-    SoftwareCard card = LoadCard();
+    SoftwareCard card = m_options.Load();
+    if (m_strTyped)
+        m_plan.typed = {*m_strTyped};
     m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
     Outcome outcome;
-    outcome.json["reader"] = Utf8FromAnsi(m_strReader);
+    outcome.json["reader"] = Utf8FromAnsi(m_options.strReader);
     outcome.json["lastTry"] = card.IsLastTry();
     if (card.IsBlocked()) {
         Tell(outcome, ExitCode::kNotAccepted, "blocked", "The card is blocked.");
@@ -150,7 +106,7 @@ Outcome GetPinCommand::Run(const HostOptions& options) {
         const PinLibrary library(options);
         library.SetPinPromptString(m_strPrompt.c_str());
         if (AskAndVerify(library, card, outcome))
-            WriteCard(PathFromAnsi(m_strCardFile), card);
+            m_options.Save(card);
     }
     outcome.json["triesLeft"] = card.nTriesLeft;
     return outcome;

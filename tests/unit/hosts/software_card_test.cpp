@@ -40,5 +40,16 @@ TEST(SoftwareCard, AcceptsNothingButThePin) {
     EXPECT_EQ(Try(card, strTooLong), Verdict::kWrong);
 }
 
+TEST(SoftwareCard, StoresWhatItsFileHolds) {
+    SoftwareCard card;
+    for (const std::size_t nLength : {std::size_t{0}, kMaxSecretLength + 1}) {
+        EXPECT_FALSE(card.SetPin(std::string(nLength, '7'))) << nLength;
+        EXPECT_EQ(Try(card, "1234"), Verdict::kAccepted) << nLength;
+    }
+    const std::string strLongest(kMaxSecretLength, '7');
+    EXPECT_TRUE(card.SetPin(strLongest));
+    EXPECT_EQ(Try(card, strLongest), Verdict::kAccepted);
+}
+
 }  // namespace
 }  // namespace pinhost

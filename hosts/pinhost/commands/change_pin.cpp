@@ -1,0 +1,195 @@
+// change-pin: asks the user for a new PIN and the current one, and changes the software card's.
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+#include "pinhost/automatic_user.h"
+#include "pinhost/card_remover.h"
+#include "pinhost/commands/card_flow.h"
+#include "pinhost/commands/commands.h"
+#include "pinhost/embed/change_pin_window.h"
+#include "pinhost/pin_library.h"
+#include "pinhost/text.h"
+
+namespace pinhost {
+namespace {
+
+// The library bounds a PIN by its rules alone, and those may set no maximum. This is the most that
+// a user can type into an edit, and the terminator.
+constexpr std::size_t kPinCapacity = 32767 + 1;
+
+// What one request brings back; wiped when it goes.
+class ChangeRequest {
+public:
+    // Through the library's own dialog.
+    bool Ask(const PinLibrary& library, const PwdRuleArgs& rules, bool bLastTry,
+             const std::string& strReader, bool bAskCurrentPin) {
+        return library.GetChangePINInfoFromUser(
+                   &rules, bLastTry ? 1 : 0, m_newPin.data(), &m_cbNewPin, m_oldPin.data(),
+                   &m_cbOldPin, strReader.c_str(), nullptr, bAskCurrentPin) == MVPINGUI_OK;
+    }
+
+    // Through a window of the host's own. The warning comes before it: the window could not be
+    // left in favour of the warning.
+    bool AskEmbedded(const PinLibrary& library, const PwdRuleArgs& rules, bool bLastTry,
+                     const std::string& strReader, bool bAskCurrentPin) {
+        const mvp::ModuleHandle embed = LoadOwnModule("pinhost_embed.dll");
+        decltype(&::PinHostChangePinEmbedded) pChangePin = nullptr;
+        Find(embed, "PinHostChangePinEmbedded", pChangePin);
+        if (bLastTry && library.DisplayLastPINTry(strReader.c_str()) != MVPINGUI_OK)
+            return false;
+        const PinHostChangePin request{&rules,          strReader.c_str(), bAskCurrentPin,
+                                       m_newPin.data(), &m_cbNewPin,       m_oldPin.data(),
+                                       &m_cbOldPin};
+        return pChangePin(&request) == MVPINGUI_OK;
+    }
+
+    std::span<const char> NewPin() const { return {m_newPin.data(), m_cbNewPin}; }
+    std::span<const char> OldPin() const { return {m_oldPin.data(), m_cbOldPin}; }
+
+private:
+    Secret m_newPin = Secret(kPinCapacity);
+    Secret m_oldPin = Secret(kPinCapacity);
+    std::uint32_t m_cbNewPin = 0;
+    std::uint32_t m_cbOldPin = 0;
+};
+
+class ChangePinCommand : public Command {
+public:
+    CLI::App* AddTo(CLI::App& app) override;
+    Outcome Run(const HostOptions& options) override;
+
+private:
+    void AddTypingTo(CLI::App& command);
+    void MakePlan();
+    PwdRuleArgs Rules(const CardPolicy& policy) const;
+    void AskAndChange(const PinLibrary& library, SoftwareCard& card, Outcome& outcome);
+    void Change(const ChangeRequest& request, SoftwareCard& card, Outcome& outcome) const;
+
+    CardOptions m_options;
+    bool m_bNotWeak = false;
+    bool m_bDigitsOnly = false;
+    bool m_bNotSame = false;
+    bool m_bNoCurrent = false;
+    bool m_bMandatory = false;
+    bool m_bEmbedded = false;
+    std::optional<std::string> m_strCurrent;
+    std::optional<std::string> m_strNew;
+    std::optional<std::string> m_strConfirmation;
+    UserPlan m_plan;
+};
+
+CLI::App* ChangePinCommand::AddTo(CLI::App& app) {
+    CLI::App* pCommand =
+        app.add_subcommand("change-pin", "Ask for a new PIN and change the card's");
+    m_options.AddTo(*pCommand);
+    pCommand->add_flag("--no-weak", m_bNotWeak,
+                       "refuse simple series such as 1234, whatever the card's own rule");
+    pCommand->add_flag("--digits-only", m_bDigitsOnly,
+                       "refuse all but digits, whatever the card's own rule");
+    pCommand->add_flag("--not-same", m_bNotSame,
+                       "refuse the current PIN as the new one, whatever the card's own rule");
+    pCommand->add_flag("--no-current", m_bNoCurrent,
+                       "do not ask for the current PIN: the card has been opened otherwise");
+    pCommand->add_flag("--mandatory", m_bMandatory,
+                       "the dialog cannot be cancelled; the card's removal closes it");
+    pCommand->add_flag("--embedded", m_bEmbedded, "show the panel inside a window of the host's");
+    AddTypingTo(*pCommand);
+    m_plan.bNeedsEdit = true;
+    AddPlanOptions(*pCommand, m_plan);
+    return pCommand;
+}
+
+void ChangePinCommand::AddTypingTo(CLI::App& command) {
+    command
+        .add_option("--type", m_strCurrent, "type this as the current PIN, with real key strokes")
+        ->type_name("CURRENT");
+    command.add_option("--type-new", m_strNew, "type this as the new PIN")->type_name("NEW");
+    command
+        .add_option("--type-confirm", m_strConfirmation,
+                    "type this as the confirmation (NEW when that is typed)")
+        ->type_name("CONFIRM");
+}
+
+void ChangePinCommand::MakePlan() {
+    if (m_bNoCurrent && m_strCurrent)
+        throw UsageError("--no-current leaves no edit for the current PIN (--type)");
+    // Nothing but the card's removal would close the dialog.
+    if (m_bMandatory && m_plan.press == Press::kCancel && !m_options.dwRemoveAfter)
+        throw UsageError("what is mandatory cannot be cancelled: --remove-card-after is needed");
+    m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
+    if (!m_strCurrent && !m_strNew && !m_strConfirmation)
+        return;
+    if (!m_bNoCurrent)
+        m_plan.typed.push_back(m_strCurrent.value_or(""));
+    m_plan.typed.push_back(m_strNew.value_or(""));
+    m_plan.typed.push_back(m_strConfirmation.value_or(m_plan.typed.back()));
+}
+
+PwdRuleArgs ChangePinCommand::Rules(const CardPolicy& policy) const {
+    PwdRuleArgs rules{};
+    rules.bPreventAlphaPIN = m_bDigitsOnly || policy.bPreventAlphaPin ? 1 : 0;
+    rules.bPreventWeakPIN = m_bNotWeak || policy.bPreventWeakPin ? 1 : 0;
+    rules.bPreventSamePIN = m_bNotSame || policy.bPreventSamePin ? 1 : 0;
+    rules.dwMinPINLen = *m_options.dwMin;
+    rules.dwMaxPINLen = *m_options.dwMax;
+    rules.bCancelDisabled = m_bMandatory ? 1 : 0;
+    return rules;
+}
+
+void ChangePinCommand::AskAndChange(const PinLibrary& library, SoftwareCard& card,
+                                    Outcome& outcome) {
+    const PwdRuleArgs rules = Rules(card.policy);
+    ChangeRequest request;
+    std::optional<CardRemover> remover;
+    if (m_options.dwRemoveAfter)
+        remover.emplace(m_options.strReader, std::chrono::milliseconds(*m_options.dwRemoveAfter),
+                        GetCurrentThreadId());
+    AutomaticUser user(m_plan, GetCurrentThreadId());
+    // Without the current PIN no try is at stake.
+    const bool bLastTry = card.IsLastTry() && !m_bNoCurrent;
+    const auto pAsk = m_bEmbedded ? &ChangeRequest::AskEmbedded : &ChangeRequest::Ask;
+    const bool bConfirmed =
+        (request.*pAsk)(library, rules, bLastTry, m_options.strReader, !m_bNoCurrent);
+    const bool bRemoved = remover && remover->Finish();
+    user.Finish();
+    if (bConfirmed)
+        Change(request, card, outcome);
+    else
+        TellNoPin(outcome, bRemoved);
+    TellRemark(outcome, user);
+}
+
+void ChangePinCommand::Change(const ChangeRequest& request, SoftwareCard& card,
+                              Outcome& outcome) const {
+    const Verdict verdict = m_bNoCurrent ? Verdict::kAccepted : card.Verify(request.OldPin());
+    if (verdict != Verdict::kAccepted)
+        TellRefusal(outcome, verdict, card);
+    else if (card.SetPin(request.NewPin()))
+        Tell(outcome, ExitCode::kAccepted, "changed", "PIN changed.");
+    else
+        Tell(outcome, ExitCode::kNotAccepted, "refused", "The card cannot store this PIN.");
+    m_options.Save(card);
+}
+
+Outcome ChangePinCommand::Run(const HostOptions& options) {
+    MakePlan();
+    SoftwareCard card = m_options.Load();
+    Outcome outcome;
+    outcome.json["reader"] = Utf8FromAnsi(m_options.strReader);
+    outcome.json["lastTry"] = card.IsLastTry();
+    if (card.IsBlocked())
+        Tell(outcome, ExitCode::kNotAccepted, "blocked", "The card is blocked.");
+    else
+        AskAndChange(PinLibrary(options), card, outcome);
+    outcome.json["triesLeft"] = card.nTriesLeft;
+    return outcome;
+}
+
+}  // namespace
+
+std::unique_ptr<Command> MakeChangePinCommand() {
+    return std::make_unique<ChangePinCommand>();
+}
+
+}  // namespace pinhost

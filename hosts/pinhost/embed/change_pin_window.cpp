@@ -1,0 +1,168 @@
+#include "pinhost/embed/change_pin_window.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+#include <dlgfw/dlgfw.h>
+#include <mvpingui/change_pin_dialog.h>
+#include <mvpingui/mvpingui.h>
+#include <vkevtsub/vkevtsub.h>
+
+#include "pinhost/embed/embed_resources.h"
+#include "platform/barrier.h"
+
+namespace {
+
+constexpr UINT kCardRemoved = WM_APP;
+// How the panel lays its rule lines out, in pixels.
+constexpr int kTopMargin = 15;
+constexpr int kLeftIndent = 0;
+constexpr int kLineSpacing = 6;
+
+// Tells the window, from the thread that delivers the events, that its card is gone.
+class CCardGone : public VKDelegateSubscriber {
+public:
+    CCardGone(HWND hWnd, CString strReader) : m_hWnd(hWnd), m_strReader(std::move(strReader)) {
+        Subscribe(VKEVENT_CARD_REMOVED);
+    }
+    ~CCardGone() override { UnSubscribe(); }
+
+    void HandleEvent(const VKEvent& event) override {
+        if (m_strReader.IsEmpty() || lstrcmpiA(event.pszReaderName, m_strReader) == 0)
+            ::PostMessageA(m_hWnd, kCardRemoved, 0, 0);
+    }
+
+private:
+    HWND m_hWnd;
+    CString m_strReader;
+};
+
+class CChangePinWindow : public CDialog {
+public:
+    explicit CChangePinWindow(const PinHostChangePin& request)
+        : CDialog(IDD_CHANGE_PIN_WINDOW), m_request(request) {}
+    CChangePinWindow(const CChangePinWindow&) = delete;
+    CChangePinWindow& operator=(const CChangePinWindow&) = delete;
+    ~CChangePinWindow() override {
+        if (m_hWnd != nullptr)
+            DestroyWindow();
+    }
+
+    INT_PTR DoModal() override { return RunModalFrom(GetModuleHandleA("pinhost_embed.dll")); }
+
+protected:
+    BOOL OnInitDialog() override;
+    void OnOK() override;
+    void OnCancel() override;
+    afx_msg LRESULT OnCardRemoved(WPARAM wParam, LPARAM lParam);
+    afx_msg void OnMove(int x, int y);
+    afx_msg void OnDestroy();
+
+    DECLARE_MESSAGE_MAP()
+
+private:
+    bool CreatePanel();
+    void EndBelowPanel(int nMargin);
+
+    const PinHostChangePin& m_request;
+    CButton m_okButton;
+    std::optional<CChangePINDialog> m_panel;
+    std::optional<CCardGone> m_cardGone;
+};
+
+BOOL CChangePinWindow::OnInitDialog() {
+    CDialog::OnInitDialog();
+    m_okButton.SubclassDlgItem(IDOK, this);
+    if (m_request.pRules->bCancelDisabled != 0)
+        GetDlgItem(IDCANCEL)->EnableWindow(FALSE);
+    if (!CreatePanel()) {
+        EndDialog(-1);
+        return TRUE;
+    }
+    m_cardGone.emplace(m_hWnd, m_request.pszReader);
+    return TRUE;
+}
+
+bool CChangePinWindow::CreatePanel() {
+    CRect place;
+    GetDlgItem(IDC_PANEL_PLACE)->GetWindowRect(&place);
+    ScreenToClient(&place);
+    m_panel.emplace(0, 0, m_request.bAskCurrentPin, &place, m_request.pRules, &m_okButton, this,
+                    kTopMargin, kLeftIndent, kLineSpacing);
+    if (m_panel->LocCreate(this) == 0)
+        return false;
+    // First in the tab order, so that the panel gets the first focus.
+    m_panel->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    m_panel->ShowWindow(SW_SHOW);
+    EndBelowPanel(place.left);
+    m_panel->SetFocus();
+    return true;
+}
+
+// The panel is as tall as its rules need; only now is that known.
+void CChangePinWindow::EndBelowPanel(int nMargin) {
+    CRect panel;
+    m_panel->GetWindowRect(&panel);
+    ScreenToClient(&panel);
+    CRect client;
+    GetClientRect(&client);
+    CRect window;
+    GetWindowRect(&window);
+    const int nHeight = window.Height() + panel.bottom + nMargin - client.bottom;
+    SetWindowPos(nullptr, 0, 0, window.Width(), nHeight,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void CChangePinWindow::OnOK() {
+    // Enter comes here also while the button is disabled.
+    if (!m_okButton.IsWindowEnabled())
+        return;
+    const PinHostChangePin& request = m_request;
+    if (GetChangePINInfoFromUser(request.pRules, 0, request.pszNewPin, request.pcbNewPin,
+                                 request.pszOldPin, request.pcbOldPin, request.pszReader, m_hWnd,
+                                 request.bAskCurrentPin) == MVPINGUI_OK)
+        EndDialog(IDOK);
+}
+
+void CChangePinWindow::OnCancel() {
+    if (m_request.pRules->bCancelDisabled == 0)
+        EndDialog(IDCANCEL);
+}
+
+LRESULT CChangePinWindow::OnCardRemoved(WPARAM /*wParam*/, LPARAM /*lParam*/) {
+    EndDialog(IDCANCEL);
+    return 0;
+}
+
+void CChangePinWindow::OnMove(int x, int y) {
+    CDialog::OnMove(x, y);
+    if (m_panel)
+        m_panel->ResetToolTip();
+}
+
+void CChangePinWindow::OnDestroy() {
+    m_cardGone.reset();
+    m_panel.reset();
+    CDialog::OnDestroy();
+}
+
+BEGIN_MESSAGE_MAP(CChangePinWindow, CDialog)
+    ON_MESSAGE(kCardRemoved, &CChangePinWindow::OnCardRemoved)
+    ON_WM_MOVE()
+    ON_WM_DESTROY()
+END_MESSAGE_MAP()
+
+}  // namespace
+
+extern "C" std::uint32_t PinHostChangePinEmbedded(const PinHostChangePin* pRequest) {
+    return mvp::Guarded(
+        MVPINGUI_REFUSED,
+        [pRequest] {
+            CChangePinWindow window(*pRequest);
+            return window.DoModal() == IDOK ? MVPINGUI_OK : MVPINGUI_REFUSED;
+        },
+        [] { std::fputs("pinhost_embed: the window failed\n", stderr); });
+}
