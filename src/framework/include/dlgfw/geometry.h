@@ -14,7 +14,7 @@ public:
     CSize(SIZE initSize) noexcept : tagSIZE(initSize) {}
     explicit CSize(POINT initPt) noexcept : tagSIZE{initPt.x, initPt.y} {}
 
-    void SetSize(int CX, int CY) noexcept { *this = CSize(CX, CY); }
+    void SetSize(int nCX, int nCY) noexcept { *this = CSize(nCX, nCY); }
     bool operator==(SIZE size) const noexcept { return cx == size.cx && cy == size.cy; }
     bool operator!=(SIZE size) const noexcept { return !(*this == size); }
     void operator+=(SIZE size) noexcept {
