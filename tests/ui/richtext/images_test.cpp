@@ -207,7 +207,7 @@ TEST(Images, AnimatedListsMoveWithTheClock) {
     const struct {
         UINT nClock;
         COLORREF colour;
-    } kMoments[] = {{0, kGreen}, {99, kGreen}, {100, kBlue}, {200, kRed}, {4294967200u, kGreen}};
+    } kMoments[] = {{0, kGreen}, {99, kGreen}, {100, kBlue}, {200, kRed}, {4294967200u, kBlue}};
     for (const auto& moment : kMoments) {
         const Canvas canvas(32, 40);
         drawer.SetClock(moment.nClock);

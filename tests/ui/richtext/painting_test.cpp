@@ -26,7 +26,7 @@ TEST(BorderPainting, DrawsEveryStyle) {
         {"border=3 borderstyle=double bordercolor=red", "40r", "1r 1w 1r 34w 1r 1w 1r",
          "1r 1w 1r 24w 1r 1w 1r"},
         {"border=2 borderstyle=dotted bordercolor=blue",
-         "2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w", "40w", "2b 26w 2b"},
+         "2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 2b 2w 4b", "40w", "2b 26w 2b"},
         {"border=1 borderstyle=dashed bordercolor=blue", "3b 3w 3b 3w 3b 3w 3b 3w 3b 3w 3b 3w 4b",
          "1b 38w 1b", "1b 28w 1b"},
         {"border=2 borderstyle=none bordercolor=blue", "40w", "40w", "30w"},
