@@ -8,7 +8,11 @@
 namespace mvp::richtext {
 namespace {
 
-constexpr std::string_view kSample = "nnnnnnnnnnnnnnnn";
+// Letters of every width; the last one has feet that reach far to the right.
+constexpr std::string_view kSample = "The quick brown fox jumps over a lazy dog and returns mm";
+
+// Pixels of difference over the whole sample; less is not to be seen.
+constexpr std::int32_t kWorthIt = 4;
 
 // Central European, Cyrillic, Latin, Greek, Turkish, Baltic. Elsewhere letters join, stack, run
 // from right to left or take two bytes.
@@ -37,7 +41,7 @@ std::int32_t DrawnWidth(HDC hDC, std::int32_t nRoom) {
     const DcSelection font(dc.get(), GetCurrentObject(hDC, OBJ_FONT));
     SetTextColor(dc.get(), 0xFFFFFF);
     SetBkMode(dc.get(), TRANSPARENT);
-    // The feet of the letters are enough.
+    // The feet of the letters are enough: the picture is as high as they are.
     SetTextAlign(dc.get(), TA_LEFT | TA_BASELINE);
     ExtTextOutA(dc.get(), 0, picture.Height() - 1, 0, nullptr, kSample.data(),
                 static_cast<UINT>(kSample.size()), nullptr);
@@ -52,14 +56,18 @@ std::int32_t DrawnWidth(HDC hDC, std::int32_t nRoom) {
     return nLast + 1;
 }
 
-bool IsDrawnFromBitmaps(HDC hDC, std::int32_t nTold) {
-    const auto nInBitmap = AdvanceInBitmap(hDC, Byte(kSample[0]));
-    if (!nInBitmap || *nInBitmap <= 0 || *nInBitmap == nTold) {
+// Whether the advances inside the font's bitmaps are the ones that count.
+bool IsDrawnFromBitmaps(HDC hDC, const GlyphAdvances& told) {
+    std::int32_t nInBitmaps = 0;
+    for (const char c : kSample) {
+        nInBitmaps += AdvanceInBitmap(hDC, Byte(c)).value_or(told[Byte(c)]);
+    }
+    const auto nTold = static_cast<std::int32_t>(WidthOf(told, kSample));
+    if (nInBitmaps <= 0 || std::abs(nTold - nInBitmaps) < kWorthIt) {
         return false;
     }
-    const auto nLetters = static_cast<std::int32_t>(kSample.size());
-    const std::int32_t nDrawn = DrawnWidth(hDC, nLetters * (std::max(nTold, *nInBitmap) + 2));
-    return std::abs(nDrawn - nLetters * *nInBitmap) < std::abs(nDrawn - nLetters * nTold);
+    const std::int32_t nDrawn = DrawnWidth(hDC, std::max(nTold, nInBitmaps) + 16);
+    return std::abs(nDrawn - nInBitmaps) < std::abs(nDrawn - nTold);
 }
 
 }  // namespace
@@ -69,7 +77,7 @@ std::optional<GlyphAdvances> ReadGlyphAdvances(HDC hDC) {
     if (!IsSimpleCodePage() || !GetCharWidth32A(hDC, 0, 255, advances.data())) {
         return std::nullopt;
     }
-    if (IsDrawnFromBitmaps(hDC, advances[Byte(kSample[0])])) {
+    if (IsDrawnFromBitmaps(hDC, advances)) {
         for (unsigned n = 0; n < advances.size(); ++n) {
             advances[n] = AdvanceInBitmap(hDC, n).value_or(advances[n]);
         }
