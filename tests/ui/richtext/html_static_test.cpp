@@ -82,6 +82,15 @@ TEST(HtmlStatic, IsBoundToAControlOfADialog) {
     dialog.DestroyWindow();
 }
 
+TEST(HtmlStatic, KnowsItsLinksBeforeItIsPainted) {
+    CHtmlHost host;
+    host.ShowWindow(SW_HIDE);
+    CHtmlStatic& control = host.Add("one two three <a msg=m>link</a>");
+    EXPECT_EQ(control.Drawer().LinkRects(0).at(0).top, 0) << "all on one line";
+    control.MoveWindow(0, 0, 40, 80, FALSE);
+    EXPECT_GT(control.Drawer().LinkRects(0).at(0).top, 10);
+}
+
 TEST(HtmlStatic, LinksDoWhatTheySay) {
     CHtmlHost host;
     CHtmlStatic& control = host.Add(
