@@ -18,6 +18,12 @@ bool IsBlank(std::string_view text) {
     return std::all_of(text.begin(), text.end(), IsSpace);
 }
 
+// Whether the letter behind this one goes on with its word.
+bool IsInWord(char cLetter, const CaseMaps& maps) {
+    const unsigned char c = Byte(cLetter);
+    return maps.lower[c] != maps.upper[c] || c >= 0x80 || c == '\'' || IsDigit(cLetter);
+}
+
 }  // namespace
 
 std::int32_t HeldExtent(std::int32_t nSize) {
@@ -103,6 +109,7 @@ void CDocumentBuilder::AddText(std::string_view text) {
         transform != TextTransform::None) {
         Transform(nFrom, transform);
     }
+    m_bWordStart = !IsInWord(m_document.strText.back(), *m_settings.pCaseMaps);
     const auto nOffset = static_cast<std::uint32_t>(nFrom);
     if (!m_document.aItems.empty()) {
         Item& last = m_document.aItems.back();
@@ -153,9 +160,7 @@ void CDocumentBuilder::Transform(std::size_t nFrom, TextTransform transform) {
         if (transform == TextTransform::Uppercase || m_bWordStart) {
             strText[i] = maps.upper[c];
         }
-        const bool bInWord = maps.lower[c] != maps.upper[c] || c >= 0x80 || c == '\'' ||
-                             IsDigit(static_cast<char>(c));
-        m_bWordStart = !bInWord;
+        m_bWordStart = !IsInWord(strText[i], maps);
     }
 }
 

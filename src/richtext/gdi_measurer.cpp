@@ -77,9 +77,10 @@ FontHandle CGdiMeasurer::OpenFont(const FontDescription& font, FontMetrics& metr
                 std::min(face.size(), std::size_t{LF_FACESIZE - 1}));
 
     const auto handle = static_cast<FontHandle>(m_aFonts.size());
-    m_aFonts.push_back({mvp::Font(CreateFontIndirectA(&logFont)), {}});
+    m_aFonts.push_back({mvp::Font(CreateFontIndirectA(&logFont)), {}, {}});
     Select(handle);
     metrics = m_aFonts[handle].metrics = Measure();
+    m_aFonts[handle].advances = ReadGlyphAdvances(m_dc.get());
     m_byDescription.emplace(std::move(strKey), handle);
     return handle;
 }
@@ -101,7 +102,10 @@ void CGdiMeasurer::Select(FontHandle font) {
     m_selected = font;
 }
 
-std::int32_t CGdiMeasurer::TextWidth(FontHandle font, std::string_view text) {
+std::int64_t CGdiMeasurer::Width(FontHandle font, std::string_view text) {
+    if (font < m_aFonts.size() && m_aFonts[font].advances) {
+        return WidthOf(*m_aFonts[font].advances, text);
+    }
     Select(font);
     std::int64_t nWidth = 0;
     while (!text.empty()) {
@@ -111,8 +115,12 @@ std::int32_t CGdiMeasurer::TextWidth(FontHandle font, std::string_view text) {
         nWidth += size.cx;
         text.remove_prefix(part.size());
     }
+    return nWidth;
+}
+
+std::int32_t CGdiMeasurer::TextWidth(FontHandle font, std::string_view text) {
     return static_cast<std::int32_t>(
-        std::min<std::int64_t>(nWidth, std::numeric_limits<std::int32_t>::max()));
+        std::min<std::int64_t>(Width(font, text), std::numeric_limits<std::int32_t>::max()));
 }
 
 ImageSize CGdiMeasurer::SizeOfImage(const ImageDescription& image) {

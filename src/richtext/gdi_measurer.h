@@ -10,11 +10,14 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "platform/handle.h"
+#include "richtext/glyph_advances.h"
 #include "richtext/picture_store.h"
 #include "richtext/text_measurer.h"
 
@@ -51,8 +54,10 @@ private:
     struct OpenedFont {
         mvp::Font font;
         FontMetrics metrics;
+        std::optional<GlyphAdvances> advances;
     };
 
+    std::int64_t Width(FontHandle font, std::string_view text);
     void Select(FontHandle font);
     void Drop();
     FontMetrics Measure() const;

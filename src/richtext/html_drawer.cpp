@@ -131,8 +131,12 @@ bool CHtmlDrawer::Layout() noexcept {
     return m_text.Layout(std::max(0, m_nWidth - 2 * static_cast<int>(m_margins.x)));
 }
 
-SIZE CHtmlDrawer::Measure(int nWidth) noexcept {
+void CHtmlDrawer::SetWidth(int nWidth) noexcept {
     m_nWidth = std::max(nWidth, 0);
+}
+
+SIZE CHtmlDrawer::Measure(int nWidth) noexcept {
+    SetWidth(nWidth);
     Layout();
     const LayoutBoxes& boxes = m_text.Boxes();
     return {boxes.nWidth + 2 * m_margins.x, boxes.nHeight + 2 * m_margins.y};
@@ -140,7 +144,7 @@ SIZE CHtmlDrawer::Measure(int nWidth) noexcept {
 
 void CHtmlDrawer::Draw(HDC hDC, const RECT& area, const RECT& dirty) noexcept {
     RECT visible{};
-    m_nWidth = std::max(0, static_cast<int>(area.right - area.left));
+    SetWidth(static_cast<int>(area.right - area.left));
     if (!Layout() || !IntersectRect(&visible, &area, &dirty)) {
         return;
     }

@@ -56,13 +56,15 @@ public:
     // The same, with the number of the link under the mouse, or kNoLink, as wParam.
     void SetHoverCallback(HWND hWnd, UINT nMessage, LPARAM lParam) noexcept;
 
-    // Size of the text with its margins in a width of `nWidth` pixels; wider than that when
+    // Width of the area the text will be drawn in, margins included. Draw sets it too.
+    void SetWidth(int nWidth) noexcept;
+    // Size of the text with its margins in that width, which it takes over; wider than that when
     // something does not fit.
     SIZE Measure(int nWidth) noexcept;
     // Draws what lies in `dirty`. Both in logical coordinates of the context.
     void Draw(HDC hDC, const RECT& area, const RECT& dirty) noexcept;
 
-    // The questions below are about the layout of the last Draw or Measure.
+    // The questions below are about the layout in the width set last.
     int LinkCount() noexcept;
     // The point counts from the area's top left corner.
     int LinkAt(POINT point) noexcept;
@@ -112,7 +114,7 @@ private:
     mvp::richtext::BuildSettings m_settings;
     LOGFONTA m_font{};
     POINT m_margins{};
-    int m_nWidth = 0;  // of the area, margins included
+    int m_nWidth = 0;
     int m_nHover = kNoLink;
     int m_nTracked = kNoLink;
     int m_nFocus = kNoLink;

@@ -73,6 +73,9 @@ CHtmlStatic::~CHtmlStatic() {
 void CHtmlStatic::PreSubclassWindow() {
     CStatic::PreSubclassWindow();
     m_drawer.SetHoverCallback(m_hWnd, kHoverMessage, 0);
+    CRect client;
+    GetClientRect(&client);
+    m_drawer.SetWidth(client.Width());
     CString strText;
     GetWindowText(strText);
     TakeText(strText);
@@ -198,6 +201,7 @@ void CHtmlStatic::OnSysColorChange() {
 
 void CHtmlStatic::OnSize(UINT nType, int cx, int cy) {
     CStatic::OnSize(nType, cx, cy);
+    m_drawer.SetWidth(cx);  // links are asked for before anything is painted, too
     Repaint();
 }
 

@@ -115,8 +115,8 @@ Icon LoadIconFile(std::string_view file, SIZE size) {
         !opened.file || opened.nSize > kMaxIconFile) {
         return {};
     }
-    return Icon(static_cast<HICON>(
-        LoadImageA(nullptr, strFile.c_str(), IMAGE_ICON, size.cx, size.cy, LR_LOADFROMFILE)));
+    return Icon(static_cast<HICON>(LoadImageA(nullptr, strFile.c_str(), IMAGE_ICON, size.cx,
+                                              size.cy, LR_LOADFROMFILE | LR_DEFAULTSIZE)));
 }
 
 Icon LoadIconResource(const CResourceFinder& resources, std::string_view module,
@@ -127,7 +127,7 @@ Icon LoadIconResource(const CResourceFinder& resources, std::string_view module,
         return {};
     }
     return Icon(static_cast<HICON>(
-        LoadImageA(found.hModule, name.Get(), IMAGE_ICON, size.cx, size.cy, LR_DEFAULTCOLOR)));
+        LoadImageA(found.hModule, name.Get(), IMAGE_ICON, size.cx, size.cy, LR_DEFAULTSIZE)));
 }
 
 HANDLE ReadHandle(std::string_view value) {

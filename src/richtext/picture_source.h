@@ -22,7 +22,7 @@ Bitmap LoadBitmapFile(std::string_view file);
 Bitmap LoadBitmapResource(const CResourceFinder& resources, std::string_view module,
                           std::string_view idres);
 
-// In the given size; 0: the icon's own.
+// In the given size; 0: the system's size of icons.
 Icon LoadIconFile(std::string_view file, SIZE size);
 Icon LoadIconResource(const CResourceFinder& resources, std::string_view module,
                       std::string_view idres, SIZE size);

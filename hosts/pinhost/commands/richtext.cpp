@@ -37,6 +37,8 @@ public:
         pCommand->add_option("--width", m_nWidth, "width of the text in pixels")
             ->check(CLI::Range(1, 4000))
             ->capture_default_str();
+        pCommand->add_option("--style-sheet", m_strSheet,
+                             "a file with the style sheet to use in place of the built-in one");
         auto* pPicture = pCommand->add_option("--screenshot", m_strScreenshot,
                                               "write a picture of the text to this PNG file");
         pCommand->add_option("--hover", m_nHover, "draw link N as if the mouse were over it")
@@ -53,6 +55,8 @@ public:
             throw UsageError("--screenshot or --dump is needed");
         const std::string strMarkup = ReadTextFile(m_strFile);
         CHtmlDrawer drawer;
+        if (!m_strSheet.empty())
+            drawer.SetStyleSheet(ReadTextFile(m_strSheet).c_str());
         drawer.SetText(strMarkup);
         if (!m_strScreenshot.empty())
             drawer.SetMargins(kMargin, kMargin);
@@ -102,6 +106,7 @@ private:
     }
 
     std::string m_strFile;
+    std::string m_strSheet;
     std::string m_strScreenshot;
     std::string m_strDump;
     int m_nWidth = 360;

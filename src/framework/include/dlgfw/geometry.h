@@ -17,7 +17,7 @@ public:
     CSize(SIZE initSize) noexcept : CSize(initSize.cx, initSize.cy) {}
     explicit CSize(POINT initPt) noexcept : CSize(initPt.x, initPt.y) {}
 
-    void SetSize(int CX, int CY) noexcept { *this = CSize(CX, CY); }
+    void SetSize(int nCX, int nCY) noexcept { *this = CSize(nCX, nCY); }
     bool operator==(SIZE size) const noexcept { return cx == size.cx && cy == size.cy; }
     bool operator!=(SIZE size) const noexcept { return !(*this == size); }
     void operator+=(SIZE size) noexcept {

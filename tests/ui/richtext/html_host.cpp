@@ -1,0 +1,78 @@
+#include "html_host.h"
+
+#include <dlgfw/message_map.h>
+
+namespace mvp::test {
+
+BEGIN_MESSAGE_MAP(CHtmlHost, CWnd)
+    ON_WM_ERASEBKGND()
+    ON_WM_CTLCOLOR()
+    ON_MESSAGE(kLinkMessage, &CHtmlHost::OnLink)
+END_MESSAGE_MAP()
+
+CHtmlHost::CHtmlHost() {
+    CreateEx(WS_EX_TOPMOST, AfxRegisterWndClass(0), "host", WS_POPUP | WS_VISIBLE, 40, 40, 300, 200,
+             nullptr, nullptr);
+}
+
+CHtmlHost::~CHtmlHost() {
+    m_pStatic.reset();
+    CHtmlHost::DestroyWindow();
+}
+
+CHtmlStatic& CHtmlHost::Add(LPCSTR pszText, DWORD dwStyle) {
+    m_pStatic = std::make_unique<CHtmlStatic>(m_shell);
+    m_pStatic->Create(pszText, WS_CHILD | WS_VISIBLE | dwStyle, CRect(10, 20, 210, 100), this, 789);
+    m_pStatic->SetLinkCallback(m_hWnd, kLinkMessage, 77);
+    UpdateWindow();
+    return *m_pStatic;
+}
+
+void CHtmlHost::MoveTo(int nLink) {
+    CPoint point(199, 79);
+    if (nLink != kNoLink) {
+        const RECT area = m_pStatic->Drawer().LinkRects(nLink).at(0);
+        point = CPoint((area.left + area.right) / 2, (area.top + area.bottom) / 2);
+    }
+    m_pStatic->ClientToScreen(&point);
+    SetCursorPos(point.x, point.y);
+    m_pStatic->SendMessage(WM_SETCURSOR, reinterpret_cast<WPARAM>(m_pStatic->m_hWnd),
+                           MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+}
+
+void CHtmlHost::Click(int nLink) {
+    const RECT area = m_pStatic->Drawer().LinkRects(nLink).at(0);
+    const LPARAM where = MAKELPARAM(area.left + 2, area.top + 2);
+    const HWND hWnd = m_pStatic->m_hWnd;
+    ::SendMessageA(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, where);
+    ::SendMessageA(hWnd, WM_LBUTTONUP, 0, where);
+}
+
+COLORREF CHtmlHost::At(int x, int y) {
+    m_pStatic->UpdateWindow();
+    CClientDC dc(m_pStatic.get());
+    return dc.GetPixel(x, y);
+}
+
+BOOL CHtmlHost::OnEraseBkgnd(CDC* pDC) {
+    CRect all;
+    GetClientRect(&all);
+    pDC->FillRect(&all, &m_background);
+    // A mark that lies under the control's corner.
+    pDC->FillSolidRect(200, 90, 10, 10, RGB(255, 255, 0));
+    return TRUE;
+}
+
+HBRUSH CHtmlHost::OnCtlColor(CDC*, CWnd*, UINT) {
+    return m_static;
+}
+
+LRESULT CHtmlHost::OnLink(WPARAM wParam, LPARAM lParam) {
+    m_aMessages.emplace_back(reinterpret_cast<const char*>(wParam));
+    m_lParam = lParam;
+    if (m_bDeletesControl)
+        m_pStatic.reset();
+    return 0;
+}
+
+}  // namespace mvp::test

@@ -1,0 +1,67 @@
+// The window that the tests' control stands in: it paints a pattern, records what the control tells
+// it, and stands for the shell.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <dlgfw/wnd.h>
+
+#include "richtext/html_static.h"
+
+namespace mvp::test {
+
+constexpr UINT kLinkMessage = WM_USER + 200;
+
+// Records what would be opened and started.
+class RecordedShell : public richtext::CShell {
+public:
+    long long Open(const std::string& strTarget) override {
+        m_aOpened.push_back(strTarget);
+        return m_nResult;
+    }
+    std::string HtmlCommand() override { return m_strCommand; }
+    void Start(const std::string& strCommandLine) override { m_aStarted.push_back(strCommandLine); }
+
+    long long m_nResult = 33;
+    std::string m_strCommand = "\"C:\\Programs\\browser.exe\" -new \"%1\"";
+    std::vector<std::string> m_aOpened;
+    std::vector<std::string> m_aStarted;
+};
+
+class CHtmlHost : public CWnd {
+public:
+    static constexpr COLORREF kBackground = RGB(0, 128, 0);
+    static constexpr COLORREF kStatic = RGB(200, 220, 240);
+
+    CHtmlHost();
+    ~CHtmlHost() override;
+
+    // A control of 200 x 80 at (10, 20), with the link callback set to this window.
+    CHtmlStatic& Add(LPCSTR pszText, DWORD dwStyle = 0);
+
+    // Moves the mouse to the middle of a link, or away with kNoLink, and clicks it.
+    void MoveTo(int nLink);
+    void Click(int nLink);
+    // What has been painted at a point of the control.
+    COLORREF At(int x, int y);
+
+    RecordedShell m_shell;
+    std::unique_ptr<CHtmlStatic> m_pStatic;
+    std::vector<std::string> m_aMessages;
+    LPARAM m_lParam = 0;             // of the last
+    bool m_bDeletesControl = false;  // when a link is followed
+
+protected:
+    afx_msg BOOL OnEraseBkgnd(CDC* pDC);
+    afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
+    afx_msg LRESULT OnLink(WPARAM wParam, LPARAM lParam);
+    DECLARE_MESSAGE_MAP()
+
+private:
+    CBrush m_background{kBackground};
+    CBrush m_static{kStatic};
+};
+
+}  // namespace mvp::test
