@@ -195,8 +195,9 @@ TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
         m_log.Clear();
     }
     EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
-    // The heaps fetch memory from the system in steps; what is in use of it may not grow.
-    ExpectNoGrowth(before, ResourceCounts::Now(), {.privateBytes = 4 << 20});
+    // Blocks, handles and threads are counted strictly. What the heaps have fetched from the system
+    // is not: with their checks on they hold freed blocks back for a while.
+    ExpectNoGrowth(before, ResourceCounts::Now(), {.privateBytes = 64 << 20});
 }
 
 }  // namespace
