@@ -95,14 +95,14 @@ void AskBare() {
 }
 
 void AskCredentials() {
-    char user[CREDUI_MAX_USERNAME_LENGTH + 1] = "";
-    char password[CREDUI_MAX_PASSWORD_LENGTH + 1] = "";
-    CREDUI_INFOA info{};
+    wchar_t user[CREDUI_MAX_USERNAME_LENGTH + 1] = L"";
+    wchar_t password[CREDUI_MAX_PASSWORD_LENGTH + 1] = L"";
+    CREDUI_INFOW info{};
     info.cbSize = sizeof info;
-    info.pszMessageText = "Reader A";
-    info.pszCaptionText = "PIN";
-    CredUIPromptForCredentialsA(&info, "bench", nullptr, 0, user, sizeof user, password,
-                                sizeof password, nullptr,
+    info.pszMessageText = L"Reader A";
+    info.pszCaptionText = L"PIN";
+    CredUIPromptForCredentialsW(&info, L"bench", nullptr, 0, user, CREDUI_MAX_USERNAME_LENGTH,
+                                password, CREDUI_MAX_PASSWORD_LENGTH, nullptr,
                                 CREDUI_FLAGS_GENERIC_CREDENTIALS | CREDUI_FLAGS_ALWAYS_SHOW_UI |
                                     CREDUI_FLAGS_DO_NOT_PERSIST);
 }
