@@ -219,15 +219,15 @@ TEST(WindowTest, TemporariesLastUntilTheThreadIsIdle) {
     CWnd* pOuter = CWnd::FromHandle(hDesktop);  // made outside of any handler
     EXPECT_EQ(CWnd::FromHandlePermanent(hDesktop), nullptr);
 
-    std::vector<HWND> windows(50);
-    for (HWND& hWnd : windows)
-        hWnd =
-            CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 1, 1, wnd, nullptr, nullptr, nullptr);
+    // Temporaries ask nothing of their handles, so made-up ones will do.
+    ULONG_PTR nNext = 0x10000;
     wnd.m_onAsk = [&] {
-        CWnd* pFirst = CWnd::FromHandle(windows[0]);
-        for (HWND hWnd : windows)
-            EXPECT_EQ(CWnd::FromHandle(hWnd)->m_hWnd, hWnd);
-        EXPECT_EQ(CWnd::FromHandle(windows[0]), pFirst);
+        for (int i = 0; i < 50; ++i) {
+            auto* hMadeUp = reinterpret_cast<HWND>(nNext += 2);
+            CWnd* pFirst = CWnd::FromHandle(hMadeUp);
+            EXPECT_EQ(pFirst->m_hWnd, hMadeUp);
+            EXPECT_EQ(CWnd::FromHandle(hMadeUp), pFirst);
+        }
         return 0;
     };
     wnd.SendMessage(kAsk);

@@ -8,7 +8,9 @@
 // the result. The parent is disabled meanwhile. The dialog stands in the middle of its owner, or of
 // the screen without one, unless the template or OnInitDialog gives it another place than (0, 0).
 // Modeless: Create, and DestroyWindow (not EndDialog, which only hides) in OnOK and OnCancel; an
-// object made with `new` deletes itself in PostNcDestroy.
+// object made with `new` deletes itself in PostNcDestroy. Its keyboard handling works in the modal
+// loops of this framework, and in a message loop that calls AfxPumpMessage, or
+// AfxPreTranslateMessage before it dispatches.
 //
 // Child panels. A dialog whose template has WS_CHILD (DS_CONTROL or not) and that stands inside
 // another dialog takes part in that dialog's keyboard handling: Tab and the arrow keys walk through
