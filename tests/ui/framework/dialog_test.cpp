@@ -226,6 +226,7 @@ TEST(DialogTest, ThrowingHandlerDoesNotEndTheDialog) {
 UINT g_nReports = 0;
 
 TEST(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
+    g_nReports = 0;
     const auto pfnOld = AfxSetExceptionReporter([](UINT) { ++g_nReports; });
     CHostWnd host;
     {
