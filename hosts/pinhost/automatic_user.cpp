@@ -28,10 +28,20 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// The dialog has closed by itself, as one does whose card is pulled: nothing is left to do.
+struct DialogGone {};
+
 template <class Condition>
 void Await(const char* pszWhat, Condition&& condition) {
     if (!mvp::WaitFor(kDeadline, condition))
         throw Failure(std::string("the automatic user waited in vain: ") + pszWhat);
+}
+
+template <class Condition>
+void AwaitWhileOpen(HWND hDialog, const char* pszWhat, Condition&& condition) {
+    Await(pszWhat, [&] { return mvp::IsGone(hDialog) || condition(); });
+    if (mvp::IsGone(hDialog))
+        throw DialogGone();
 }
 
 BOOL CALLBACK FindEditProc(HWND hWnd, LPARAM lParam) {
@@ -55,14 +65,16 @@ HWND FocusOf(DWORD dwThreadId) {
 }
 
 void AwaitForeground(HWND hDialog) {
-    SetForegroundWindow(hDialog);
-    Await("the dialog did not come to the foreground",
-          [hDialog] { return GetForegroundWindow() == hDialog; });
+    if (GetForegroundWindow() != hDialog)
+        SetForegroundWindow(hDialog);
+    AwaitWhileOpen(hDialog, "the dialog did not come to the foreground",
+                   [hDialog] { return GetForegroundWindow() == hDialog; });
 }
 
-void AwaitKeys(DWORD dwThreadId) {
-    if (!mvp::WaitForKeys(dwThreadId, kDeadline))
-        throw Failure("the dialog did not take the typed keys");
+void AwaitKeys(HWND hDialog) {
+    const DWORD dwThreadId = GetWindowThreadProcessId(hDialog, nullptr);
+    AwaitWhileOpen(hDialog, "the dialog did not take the typed keys",
+                   [&] { return mvp::WaitForKeys(dwThreadId, 200ms); });
 }
 
 }  // namespace
@@ -106,6 +118,9 @@ void AutomaticUser::Main(const std::stop_token& stop) noexcept {
         [&] {
             try {
                 ServeDialogs(stop);
+            } catch (const DialogGone&) {
+                // The library returns, and its result says why.
+                return 0;
             } catch (const std::exception& error) {
                 m_strFailure = error.what();
                 CancelUntil(stop);
@@ -140,12 +155,12 @@ HWND AutomaticUser::WaitForDialog(const std::stop_token& stop, HWND hAfter) cons
 void AutomaticUser::Serve(HWND hDialog) {
     if (m_plan.bTypes) {
         AwaitForeground(hDialog);
-        Await("no edit got the focus", [&] {
+        AwaitWhileOpen(hDialog, "no edit got the focus", [&] {
             return lstrcmpiA(mvp::ClassOf(FocusOf(m_dwUiThreadId)).c_str(), "EDIT") == 0;
         });
         if (!mvp::SendText(m_plan.strTyped))
             throw Failure("the system refused the typed keys");
-        AwaitKeys(m_dwUiThreadId);
+        AwaitKeys(hDialog);
     }
     if (!m_plan.strScreenshot.empty()) {
         AwaitForeground(hDialog);
@@ -155,7 +170,7 @@ void AutomaticUser::Serve(HWND hDialog) {
     }
     Press press = m_plan.press;
     const auto isOkEnabled = [hDialog] { return IsWindowEnabled(GetDlgItem(hDialog, IDOK)); };
-    if (press == Press::kOk && !mvp::WaitFor(kOkDeadline, isOkEnabled)) {
+    if (press == Press::kOk && !mvp::WaitFor(kOkDeadline, isOkEnabled) && !mvp::IsGone(hDialog)) {
         m_strRemark = "OK stayed disabled, so the dialog was cancelled";
         press = Press::kCancel;
     }
@@ -163,20 +178,18 @@ void AutomaticUser::Serve(HWND hDialog) {
         Answer(hDialog, press);
 }
 
-void AutomaticUser::Answer(HWND hDialog, Press press) {
+void AutomaticUser::Answer(HWND hDialog, Press press) const {
     AwaitForeground(hDialog);
     if (press == Press::kOk && FindEdit(hDialog) == nullptr)
         // Of a dialog's buttons Enter presses the one with the focus, wherever it begins.
-        Await("OK did not get the focus", [&] {
+        AwaitWhileOpen(hDialog, "OK did not get the focus", [&] {
             if (FocusOf(m_dwUiThreadId) == GetDlgItem(hDialog, IDOK))
                 return true;
             mvp::SendKey(VK_TAB);
-            AwaitKeys(m_dwUiThreadId);
+            AwaitKeys(hDialog);
             return false;
         });
-    // A card that leaves may have closed the dialog meanwhile.
-    if (!mvp::IsGone(hDialog))
-        mvp::SendKey(press == Press::kOk ? VK_RETURN : VK_ESCAPE);
+    mvp::SendKey(press == Press::kOk ? VK_RETURN : VK_ESCAPE);
     Await("the dialog stayed open", [hDialog] { return mvp::IsGone(hDialog); });
 }
 

@@ -55,7 +55,7 @@ private:
     void Main(const std::stop_token& stop) noexcept;
     void ServeDialogs(const std::stop_token& stop);
     void Serve(HWND hDialog);
-    void Answer(HWND hDialog, Press press);
+    void Answer(HWND hDialog, Press press) const;
     HWND WaitForDialog(const std::stop_token& stop, HWND hAfter) const;
     void CancelUntil(const std::stop_token& stop) const;
 
