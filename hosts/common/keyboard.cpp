@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <ranges>
 #include <vector>
 
 #include "platform/handle.h"
@@ -44,8 +45,8 @@ void AddStroke(std::vector<INPUT>& inputs, WORD vk, const std::vector<WORD>& mod
         inputs.push_back(KeyInput(modifier, 0));
     inputs.push_back(KeyInput(vk, 0));
     inputs.push_back(KeyInput(vk, KEYEVENTF_KEYUP));
-    for (auto it = modifiers.rbegin(); it != modifiers.rend(); ++it)
-        inputs.push_back(KeyInput(*it, KEYEVENTF_KEYUP));
+    for (const WORD modifier : std::views::reverse(modifiers))
+        inputs.push_back(KeyInput(modifier, KEYEVENTF_KEYUP));
 }
 
 void AddCharacter(std::vector<INPUT>& inputs, char ch) {

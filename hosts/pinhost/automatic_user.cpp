@@ -28,10 +28,20 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// The dialog has closed by itself, as one does whose card is pulled: nothing is left to do.
+struct DialogGone {};
+
 template <class Condition>
 void Await(const char* pszWhat, Condition&& condition) {
     if (!mvp::WaitFor(kDeadline, condition))
         throw Failure(std::string("the automatic user waited in vain: ") + pszWhat);
+}
+
+template <class Condition>
+void AwaitWhileOpen(HWND hDialog, const char* pszWhat, Condition&& condition) {
+    Await(pszWhat, [&] { return mvp::IsGone(hDialog) || condition(); });
+    if (mvp::IsGone(hDialog))
+        throw DialogGone();
 }
 
 BOOL CALLBACK FindEditProc(HWND hWnd, LPARAM lParam) {
@@ -55,14 +65,16 @@ HWND FocusOf(DWORD dwThreadId) {
 }
 
 void AwaitForeground(HWND hDialog) {
-    SetForegroundWindow(hDialog);
-    Await("the dialog did not come to the foreground",
-          [hDialog] { return GetForegroundWindow() == hDialog; });
+    if (GetForegroundWindow() != hDialog)
+        SetForegroundWindow(hDialog);
+    AwaitWhileOpen(hDialog, "the dialog did not come to the foreground",
+                   [hDialog] { return GetForegroundWindow() == hDialog; });
 }
 
-void AwaitKeys(DWORD dwThreadId) {
-    if (!mvp::WaitForKeys(dwThreadId, kDeadline))
-        throw Failure("the dialog did not take the typed keys");
+void AwaitKeys(HWND hDialog) {
+    const DWORD dwThreadId = GetWindowThreadProcessId(hDialog, nullptr);
+    AwaitWhileOpen(hDialog, "the dialog did not take the typed keys",
+                   [&] { return mvp::WaitForKeys(dwThreadId, 200ms); });
 }
 
 }  // namespace
@@ -101,6 +113,9 @@ void AutomaticUser::Main(const std::stop_token& stop) noexcept {
         [&] {
             try {
                 ServeDialogs(stop);
+            } catch (const DialogGone&) {
+                // The library returns, and its result says why.
+                return 0;
             } catch (const std::exception& error) {
                 m_strFailure = error.what();
                 CancelUntil(stop);
@@ -138,7 +153,7 @@ void AutomaticUser::Type(HWND hDialog) const {
     for (const std::string& strText : m_plan.typed) {
         if (hBefore != nullptr)
             mvp::SendKey(VK_TAB);
-        Await("no edit got the focus", [&] {
+        AwaitWhileOpen(hDialog, "no edit got the focus", [&] {
             const HWND hFocus = FocusOf(m_dwUiThreadId);
             if (hFocus == hBefore || lstrcmpiA(mvp::ClassOf(hFocus).c_str(), "EDIT") != 0)
                 return false;
@@ -147,7 +162,7 @@ void AutomaticUser::Type(HWND hDialog) const {
         });
         if (!mvp::SendText(strText))
             throw Failure("the system refused the typed keys");
-        AwaitKeys(m_dwUiThreadId);
+        AwaitKeys(hDialog);
     }
 }
 
@@ -157,12 +172,15 @@ void AutomaticUser::Serve(HWND hDialog) {
     if (!m_plan.strScreenshot.empty()) {
         AwaitForeground(hDialog);
         std::string strError;
-        if (!mvp::SaveWindowPng(hDialog, m_plan.strScreenshot, strError))
+        const bool bSaved = mvp::SaveWindowPng(hDialog, m_plan.strScreenshot, strError);
+        if (!bSaved && mvp::IsGone(hDialog))
+            throw DialogGone();
+        if (!bSaved)
             throw Failure("no screenshot " + Utf8FromAnsi(m_plan.strScreenshot) + ": " + strError);
     }
     Press press = m_plan.press;
     const auto isOkEnabled = [hDialog] { return IsWindowEnabled(GetDlgItem(hDialog, IDOK)); };
-    if (press == Press::kOk && !mvp::WaitFor(kOkDeadline, isOkEnabled)) {
+    if (press == Press::kOk && !mvp::WaitFor(kOkDeadline, isOkEnabled) && !mvp::IsGone(hDialog)) {
         m_strRemark = "OK stayed disabled, so the dialog was cancelled";
         press = Press::kCancel;
     }
@@ -170,20 +188,18 @@ void AutomaticUser::Serve(HWND hDialog) {
         Answer(hDialog, press);
 }
 
-void AutomaticUser::Answer(HWND hDialog, Press press) {
+void AutomaticUser::Answer(HWND hDialog, Press press) const {
     AwaitForeground(hDialog);
     if (press == Press::kOk && FindEdit(hDialog) == nullptr)
         // Of a dialog's buttons Enter presses the one with the focus, wherever it begins.
-        Await("OK did not get the focus", [&] {
+        AwaitWhileOpen(hDialog, "OK did not get the focus", [&] {
             if (FocusOf(m_dwUiThreadId) == GetDlgItem(hDialog, IDOK))
                 return true;
             mvp::SendKey(VK_TAB);
-            AwaitKeys(m_dwUiThreadId);
+            AwaitKeys(hDialog);
             return false;
         });
-    // A card that leaves may have closed the dialog meanwhile.
-    if (!mvp::IsGone(hDialog))
-        mvp::SendKey(press == Press::kOk ? VK_RETURN : VK_ESCAPE);
+    mvp::SendKey(press == Press::kOk ? VK_RETURN : VK_ESCAPE);
     Await("the dialog stayed open", [hDialog] { return mvp::IsGone(hDialog); });
 }
 

@@ -57,7 +57,7 @@ private:
     void ServeDialogs(const std::stop_token& stop);
     void Serve(HWND hDialog);
     void Type(HWND hDialog) const;
-    void Answer(HWND hDialog, Press press);
+    void Answer(HWND hDialog, Press press) const;
     HWND WaitForDialog(const std::stop_token& stop, HWND hAfter) const;
     void CancelUntil(const std::stop_token& stop) const;
 

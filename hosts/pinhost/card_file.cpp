@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kMaxFileSize = 16 * 1024;
+constexpr std::size_t kMaxFileSize = 16384;
 constexpr std::size_t kMaxReaderLength = 127;
 constexpr std::uint32_t kMaxTries = 255;
 

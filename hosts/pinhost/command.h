@@ -18,6 +18,7 @@ enum class ExitCode {
     kNotAccepted = 1,  // wrong, blocked, cancelled, refused
     kUsage = 2,        // the command line is wrong
     kEnvironment = 3,  // a library, a file, the display: the flow could not be run
+    kCrashed = 4,
 };
 
 // The command line asks for what does not fit together.

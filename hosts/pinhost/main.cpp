@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/crash_exit.h"
 #include "pinhost/card_file.h"
 #include "pinhost/command.h"
 #include "pinhost/commands/commands.h"
@@ -22,7 +23,8 @@ constexpr char kFooter[] =
     "  0  accepted, confirmed, shown\n"
     "  1  wrong PIN, blocked, cancelled, refused\n"
     "  2  wrong command line\n"
-    "  3  a library, a file or the display failed";
+    "  3  a library, a file or the display failed\n"
+    "  4  the host crashed";
 
 // The console shows UTF-8 while this lives.
 class Utf8Console {
@@ -104,6 +106,7 @@ ExitCode Main(int argc, char** argv) {
 }  // namespace pinhost
 
 int main(int argc, char** argv) {
+    mvp::EndWithCodeOnCrash(static_cast<unsigned>(pinhost::ExitCode::kCrashed));
     return mvp::Guarded(
         static_cast<int>(pinhost::ExitCode::kEnvironment),
         [&] { return static_cast<int>(pinhost::Main(argc, argv)); },

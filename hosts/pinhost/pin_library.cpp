@@ -35,7 +35,7 @@ void EnterLanguageFolder(const std::string& strLanguage) {
             throw UsageError("not a language: " + Utf8FromAnsi(strLanguage));
         strFolder.append("\\").append(strLanguage);
         // The library itself would go on without any text.
-        const std::string strModule = strFolder + "\\Resources\\Localized\\mvpinguirc.dll";
+        const std::string strModule = strFolder + R"(\Resources\Localized\mvpinguirc.dll)";
         if (GetFileAttributesA(strModule.c_str()) == INVALID_FILE_ATTRIBUTES)
             throw EnvironmentError("no texts for the language " + strLanguage + ": " +
                                    Utf8FromAnsi(strModule) + " is missing");

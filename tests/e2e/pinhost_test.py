@@ -168,6 +168,15 @@ class PinHostTest(unittest.TestCase):
                         NEW_PIN, "--press", "ok")
         self.get_pin(0, {"result": "accepted", "triesLeft": 3}, "--type", NEW_PIN, "--press", "ok")
 
+    def test_a_card_pulled_at_any_moment_ends_the_request(self):
+        for delay in ("0", "15", "30", "45", "60"):
+            self.make_card()
+            run = self.run_host("get-pin", "--card", "card.json", "--type", PIN, "--press", "ok",
+                                "--remove-card-after", delay, "--json")
+            self.assertIn(run.returncode, (0, 1), run)
+            result = json.loads(run.stdout)["result"]
+            self.assertIn((run.returncode, result), ((0, "accepted"), (1, "removed")), run)
+
 
 if __name__ == "__main__":
     PROGRAM = sys.argv[1:]

@@ -46,7 +46,7 @@ Dialog DriverCore::WaitForDialog(const DialogMatch& match) {
         throw DriverFailure("waited " + InMilliseconds(m_deadline) + " for " +
                             match.strDescription + "; open are: " + DescribeWindows());
     m_inHand.insert(hFound);
-    return Dialog(*this, hFound);
+    return {*this, hFound};
 }
 
 void DriverCore::WaitGone(HWND hWnd) {

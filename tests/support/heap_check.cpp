@@ -8,7 +8,7 @@ namespace mvp::test {
 
 bool HeapsAreValid() {
     // The value has no other type than an integer in the runtime's interface.
-    const auto hRuntimeHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    auto* const hRuntimeHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
     return HeapValidate(hRuntimeHeap, 0, nullptr) != FALSE &&
            HeapValidate(GetProcessHeap(), 0, nullptr) != FALSE;
 }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kCode = '\x5A';
 constexpr size_t kMaxHits = 4096;
-constexpr size_t kChunk = 256 * 1024;
+constexpr size_t kChunk = size_t{1} << 18;
 
 struct RawHit {
     ULONG_PTR address;

@@ -137,7 +137,7 @@ void FlushFreedBlocks(HANDLE hHeap) {
 }
 
 void CountHeap(ResourceCounts& counts) {
-    const auto hHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    auto* const hHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
     FlushFreedBlocks(hHeap);
     PROCESS_HEAP_ENTRY entry = {};
     HeapLock(hHeap);
