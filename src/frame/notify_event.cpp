@@ -1,6 +1,6 @@
 #include "frame/notify_event.h"
 
-#include <array>
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -15,12 +15,11 @@ constexpr char kUserConsoleClass[] = "VKUserConsoleCL";
 
 // How long a notice waits for a receiver that is busy.
 constexpr UINT kDeliveryTimeoutMs = 5'000;
-// How long the caller waits for a delivery to begin, which depends on no receiver, and then for it
-// to end: long enough that the notice is with its receiver when the caller's process ends.
+// How long the caller waits for the notice to get into the receiver's queue, which depends on no
+// receiver.
 constexpr DWORD kStartTimeoutMs = 5'000;
-constexpr DWORD kCallerTimeoutMs = 50;
 
-// One notice for one receiver. It belongs to the thread that delivers it.
+// One notice for one receiver.
 struct Notice {
     HWND hReceiver;
     HWND hSender;
@@ -49,60 +48,62 @@ HMODULE HoldOwnModule() {
     return module;
 }
 
-mvp::KernelHandle Duplicate(HANDLE handle) {
-    HANDLE copy = nullptr;
-    DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE,
-                    DUPLICATE_SAME_ACCESS);
-    return mvp::KernelHandle(copy);
-}
-
+// One notice on its way; the caller and the thread that delivers it share it.
 struct Delivery {
+    explicit Delivery(Notice what) : notice(std::move(what)) {}
+
     Notice notice;
-    HMODULE hModule;
-    mvp::KernelHandle begins;  // signalled right before the notice is sent
+    HMODULE hModule = HoldOwnModule();
+    mvp::KernelHandle begins{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
+    std::atomic<HWND> hProbe = nullptr;  // the thread's window, there when `begins` is signalled
 };
+using SharedDelivery = std::shared_ptr<Delivery>;
 
 DWORD WINAPI DeliveryThread(void* pArgument) {
     HMODULE module = nullptr;
     {
-        const std::unique_ptr<Delivery> delivery(static_cast<Delivery*>(pArgument));
-        module = delivery->hModule;
-        // The first call into the user interface connects the thread to it, which takes its time.
-        MSG ignored;
-        PeekMessageA(&ignored, nullptr, 0, 0, PM_NOREMOVE);
-        SetEvent(delivery->begins.get());
-        Deliver(delivery->notice);
+        const std::unique_ptr<SharedDelivery> owned(static_cast<SharedDelivery*>(pArgument));
+        Delivery& delivery = **owned;
+        module = delivery.hModule;
+        const HWND probe = CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                           nullptr, nullptr);
+        delivery.hProbe = probe;
+        SetEvent(delivery.begins.get());
+        Deliver(delivery.notice);
+        DestroyWindow(probe);
     }
     FreeLibraryAndExitThread(module, 0);
 }
 
-// Starts the delivery and returns when it has begun; the handle is signalled when it is over.
-mvp::KernelHandle StartDelivery(Notice notice) {
-    const mvp::KernelHandle begins(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-    auto delivery = std::make_unique<Delivery>(
-        Delivery{std::move(notice), HoldOwnModule(), Duplicate(begins.get())});
-    mvp::KernelHandle thread(CreateThread(nullptr, 0, DeliveryThread, delivery.get(), 0, nullptr));
-    if (thread) {
-        delivery.release();
-        WaitForSingleObject(begins.get(), kStartTimeoutMs);
-    } else {
+// Returns when the notice is in its receiver's queue.
+void StartDelivery(Notice notice) {
+    const auto delivery = std::make_shared<Delivery>(std::move(notice));
+    auto forThread = std::make_unique<SharedDelivery>(delivery);
+    const mvp::KernelHandle thread(
+        CreateThread(nullptr, 0, DeliveryThread, forThread.get(), 0, nullptr));
+    if (!thread) {
         vklogLog(g_szLogTag, kLogError, "NotifyEvent: CreateThread failed with error code 0x%x",
                  static_cast<unsigned>(GetLastError()));
         FreeLibrary(delivery->hModule);
+        return;
     }
-    return thread;
+    static_cast<void>(forThread.release());  // the thread's now
+    WaitForSingleObject(delivery->begins.get(), kStartTimeoutMs);
+    // A thread takes what is sent to its windows only while it waits, and this one waits only for
+    // the answer to its notice: whoever gets through to it knows that the notice has been sent.
+    DWORD_PTR ignored = 0;
+    SendMessageTimeoutA(delivery->hProbe, WM_NULL, 0, 0, SMTO_BLOCK, kStartTimeoutMs, &ignored);
 }
 
 void Notify(std::uint32_t dwEventCode, const char* pszReader, HWND hSenderWnd) {
     const std::string reader(pszReader != nullptr ? pszReader : "");
     const int code = static_cast<int>(dwEventCode);
-    std::array<mvp::KernelHandle, 2> threads;
     if (const HWND tray = FindWindowA(kTrayAgentClass, nullptr)) {
         vklogLog(g_szLogTag, kLogDetail,
                  "NotifyEvent: Posting registered window message: %d, on reader %s to the Smart "
                  "Card Agent",
                  code, reader.c_str());
-        threads[0] = StartDelivery({tray, hSenderWnd, dwEventCode, reader});
+        StartDelivery({tray, hSenderWnd, dwEventCode, reader});
     }
     const HWND console = FindWindowA(kUserConsoleClass, nullptr);
     if (console != nullptr && IsWindow(console)) {
@@ -110,16 +111,8 @@ void Notify(std::uint32_t dwEventCode, const char* pszReader, HWND hSenderWnd) {
                  "NotifyEvent: Posting registered window message: %d, on reader %s to the User "
                  "Console",
                  code, reader.c_str());
-        threads[1] = StartDelivery({console, hSenderWnd, dwEventCode, reader});
+        StartDelivery({console, hSenderWnd, dwEventCode, reader});
     }
-    std::array<HANDLE, 2> started{};
-    DWORD count = 0;
-    for (const mvp::KernelHandle& thread : threads) {
-        if (thread)
-            started.at(count++) = thread.get();
-    }
-    if (count > 0)
-        WaitForMultipleObjects(count, started.data(), TRUE, kCallerTimeoutMs);
 }
 
 }  // namespace

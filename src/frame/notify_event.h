@@ -14,7 +14,6 @@ constexpr std::uint32_t kEventCardUnlocked = 78946;
 // `hSenderWnd`. A receiver that is not running is skipped.
 //
 // The notice goes out on a thread of its own with its own copy of the name, so the caller may end
-// or close its window at once. The call itself returns when the receivers have taken the notice,
-// and 50 ms after it was sent at the latest: a receiver that hangs delays nobody, and gets the notice when it
-// comes back within five seconds.
+// or close its window at once. The call itself returns when the notice is in the receivers' queues:
+// a receiver that hangs delays nobody, and gets the notice when it comes back within five seconds.
 void NotifyEvent(std::uint32_t dwEventCode, const char* pszReader, HWND hSenderWnd);

@@ -2,9 +2,10 @@
 //
 //     notice_receiver CLASS MODE FILE
 //
-// makes a window of class CLASS and writes "ready" to FILE. MODE "answer": writes the first notice
+// makes a window of class CLASS, then the file FILE.ready. MODE "answer": writes the first notice
 // to FILE and ends; "hang": takes no message until it is ended; "late": takes none until FILE.go
-// exists, then answers. FILE is written whole under another name first.
+// exists, then answers. A file appears whole, by its renaming; none is replaced, which would fail
+// while another process reads it.
 #include <windows.h>
 
 #include <cstdio>
@@ -13,14 +14,14 @@
 
 namespace {
 
-const char* g_pszFile;
+std::string g_strFile;
 
-void WriteFileAtOnce(const std::string& strText) {
-    const std::string temporary = std::string(g_pszFile) + ".tmp";
+void WriteFileAtOnce(const std::string& strFile, const std::string& strText) {
+    const std::string temporary = strFile + ".tmp";
     if (FILE* pFile = std::fopen(temporary.c_str(), "wb")) {
         std::fwrite(strText.data(), 1, strText.size(), pFile);
         std::fclose(pFile);
-        MoveFileExA(temporary.c_str(), g_pszFile, MOVEFILE_REPLACE_EXISTING);
+        MoveFileA(temporary.c_str(), strFile.c_str());
     }
 }
 
@@ -28,8 +29,9 @@ LRESULT CALLBACK Proc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_COPYDATA)
         return DefWindowProcA(hWnd, message, wParam, lParam);
     const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-    WriteFileAtOnce(std::to_string(record.dwData) + " " + std::to_string(wParam) + " " +
-                    std::to_string(record.cbData) + " " + static_cast<const char*>(record.lpData));
+    WriteFileAtOnce(g_strFile, std::to_string(record.dwData) + " " + std::to_string(wParam) + " " +
+                                   std::to_string(record.cbData) + " " +
+                                   static_cast<const char*>(record.lpData));
     PostQuitMessage(0);
     return TRUE;
 }
@@ -39,7 +41,7 @@ LRESULT CALLBACK Proc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
 int main(int argc, char** argv) {
     if (argc != 4)
         return 2;
-    g_pszFile = argv[3];
+    g_strFile = argv[3];
     WNDCLASSA info{};
     info.lpfnWndProc = Proc;
     info.hInstance = GetModuleHandleA(nullptr);
@@ -47,10 +49,10 @@ int main(int argc, char** argv) {
     RegisterClassA(&info);
     CreateWindowA(argv[1], "receiver", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
                   info.hInstance, nullptr);
-    WriteFileAtOnce("ready");
+    WriteFileAtOnce(g_strFile + ".ready", "");
     if (std::strcmp(argv[2], "hang") == 0)
         Sleep(INFINITE);
-    const std::string go = std::string(g_pszFile) + ".go";
+    const std::string go = g_strFile + ".go";
     while (std::strcmp(argv[2], "late") == 0 &&
            GetFileAttributesA(go.c_str()) == INVALID_FILE_ATTRIBUTES)
         Sleep(5);

@@ -63,21 +63,23 @@ public:
         : m_strFile("notice_" + std::string(pszClass) + std::to_string(GetCurrentProcessId())),
           m_program("notice_receiver.exe " + std::string(pszClass) + " " + pszMode + " " +
                     m_strFile) {
-        EXPECT_TRUE(WaitFor(kDeadline, [this] { return Contents(m_strFile) == "ready"; }));
+        EXPECT_TRUE(
+            WaitFor(kDeadline, [this] { return std::filesystem::exists(m_strFile + ".ready"); }));
     }
     Receiver(const Receiver&) = delete;
     Receiver& operator=(const Receiver&) = delete;
     ~Receiver() {
         std::error_code ignored;
-        std::filesystem::remove(m_strFile, ignored);
-        std::filesystem::remove(m_strFile + ".go", ignored);
+        for (const char* pszSuffix : {"", ".ready", ".go"})
+            std::filesystem::remove(m_strFile + pszSuffix, ignored);
     }
     void Go() const { std::ofstream(m_strFile + ".go") << "go"; }
     std::string Notice() const {
         std::string text;
+        // A file that has just appeared may not be readable yet.
         EXPECT_TRUE(WaitFor(kDeadline, [&] {
             text = Contents(m_strFile);
-            return !text.empty() && text != "ready";
+            return !text.empty();
         }));
         return text;
     }
