@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <atomic>
-#include <ranges>
 #include <vector>
 
 #include "platform/handle.h"
@@ -45,7 +44,7 @@ void AddStroke(std::vector<INPUT>& inputs, WORD vk, const std::vector<WORD>& mod
         inputs.push_back(KeyInput(modifier, 0));
     inputs.push_back(KeyInput(vk, 0));
     inputs.push_back(KeyInput(vk, KEYEVENTF_KEYUP));
-    for (const WORD modifier : std::views::reverse(modifiers))
+    for (const WORD modifier : std::vector<WORD>(modifiers.rbegin(), modifiers.rend()))
         inputs.push_back(KeyInput(modifier, KEYEVENTF_KEYUP));
 }
 
