@@ -93,6 +93,28 @@ TEST_F(CardRemoval, WhileTheDialogOpensCloses) {
     request.Free();
 }
 
+TEST_F(CardRemoval, AroundThePressOfOkCountsWhatCameFirst) {
+    for (const bool bOkFirst : {true, false}) {
+        PinRequest request;
+        DialogDriver driver([&](Dialog& d) {
+            d.Type(IDC_ENTER_PIN_EDIT, "1234");
+            // In one go, so that the dialog's thread has not taken up what was posted to it.
+            d.Run([&] {
+                if (bOkFirst)
+                    SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+                Remove("Reader A");
+                EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
+                if (!bOkFirst)
+                    PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            });
+            d.WaitGone();
+        });
+        EXPECT_EQ(request.Call(), bOkFirst ? MVPINGUI_OK : MVPINGUI_REFUSED);
+        driver.Join();
+        request.Free();
+    }
+}
+
 // What the user and the card do, in an order drawn by chance; the outcome must fit what was done.
 class Interleaving {
 public:

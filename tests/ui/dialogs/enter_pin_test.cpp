@@ -252,50 +252,6 @@ TEST_F(EnterPin, F1ShowsItsTopic) {
     EXPECT_EQ(g_nTopic, 1015U);
 }
 
-HWND MakeParent() {
-    return CreateWindowExA(0, "STATIC", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 300, 300, 200,
-                           100, nullptr, nullptr, nullptr, nullptr);
-}
-
-TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
-    HWND hParent = MakeParent();
-    Request request{.hParent = hParent};
-    for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
-        DialogDriver driver([&](Dialog& d) {
-            EXPECT_FALSE(IsWindowEnabled(hParent));
-            d.Type(IDC_ENTER_PIN_EDIT, "1234");
-            d.Press(key);
-        });
-        request.Call();
-        driver.Join();
-        EXPECT_TRUE(IsWindowEnabled(hParent));
-        FreeGetPinBuffer(key == VK_RETURN ? request.pPin : nullptr, 4);
-    }
-    DestroyWindow(hParent);
-}
-
-TEST_F(EnterPin, ParentDestroyedMeanwhileCancels) {
-    HWND hParent = MakeParent();
-    Request request{.hParent = hParent};
-    DialogDriver driver([&](Dialog& d) { d.Run([&] { DestroyWindow(hParent); }); });
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    EXPECT_TRUE(request.IsUntouched());
-}
-
-TEST_F(EnterPin, UnusableParentIsTriedWithout) {
-    HWND hParent = MakeParent();
-    DestroyWindow(hParent);
-    Request request{.hParent = hParent};
-    DialogDriver driver([](Dialog& d) {
-        EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), nullptr);
-        d.Escape();
-    });
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    EXPECT_TRUE(
-        m_log.Contains(2, "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL"))
-        << m_log.Dump();
-}
-
 TEST_F(EnterPin, CardRemovalCancels) {
     const UINT message = RegisterWindowMessageA("VKCardRemovedEvent");
     Request request;
