@@ -15,9 +15,11 @@
 
 #include <mvpingui/export.h>
 #include <mvpingui/pwd_rule_args.h>
+/* NOLINTBEGIN(modernize-deprecated-headers): a C compiler reads this file too */
 #include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
+/* NOLINTEND(modernize-deprecated-headers) */
 
 /* The user confirmed. */
 #define MVPINGUI_OK 0u

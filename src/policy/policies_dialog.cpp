@@ -7,6 +7,7 @@
 #include <dlgfw/geometry.h>
 #include <dlgfw/message_map.h>
 
+#include "dialogs/base/control_place.h"
 #include "frame/log.h"
 #include "frame/resource_module.h"
 #include "policy/integer_format.h"
@@ -43,16 +44,8 @@ std::string_view View(const CString& text) {
     return {static_cast<LPCSTR>(text), static_cast<std::size_t>(text.GetLength())};
 }
 
-// The control's rectangle in the client coordinates of its parent.
-CRect ClientRectOf(const CWnd& parent, const CWnd& control) {
-    CRect rect;
-    control.GetWindowRect(&rect);
-    parent.ScreenToClient(&rect);
-    return rect;
-}
-
 CString FormatLength(UINT nFormat, int nLength) {
-    const CString format = mvp::ResourceString(nFormat);
+    CString format = mvp::ResourceString(nFormat);
     if (!mvp::TakesOneInteger(View(format)))
         return format;
     CString text;
@@ -228,7 +221,7 @@ void VKPoliciesDlg::UpdateLine(CStatic& text, int nIconControl, const CString& s
 void VKPoliciesDlg::SetPolicyIcon(CWnd* pIconControl, HICON hIcon) {
     if (pIconControl == nullptr)
         return;
-    const auto current = reinterpret_cast<HICON>(pIconControl->SendMessage(STM_GETICON));
+    auto* const current = reinterpret_cast<HICON>(pIconControl->SendMessage(STM_GETICON));
     if (current == hIcon)
         return;
     pIconControl->SendMessage(STM_SETICON, reinterpret_cast<WPARAM>(hIcon));
@@ -240,15 +233,15 @@ void VKPoliciesDlg::PutPoliciesInBox() {
     const CWnd* pBox = GetDlgItem(IDC_POLICIES_BOX);
     if (pBox == nullptr)
         return;
-    const CRect group = ClientRectOf(*this, *pBox);
+    const CRect group = mvp::ClientRectOf(*this, *pBox);
     mvp::PolicyBox box{group.top, group.Height(), {}};
     for (std::size_t i = 0; i < kLines.size(); ++i) {
         const CWnd* pText = GetDlgItem(kLines.at(i).nText);
         const CWnd* pIcon = GetDlgItem(kLines.at(i).nIcon);
         if (pText == nullptr || pIcon == nullptr)
             return;
-        const CRect text = ClientRectOf(*this, *pText);
-        box.lines.at(i) = {text.left, text.Height(), ClientRectOf(*this, *pIcon).left};
+        const CRect text = mvp::ClientRectOf(*this, *pText);
+        box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, *pIcon).left};
     }
     const mvp::PolicyLayout layout =
         mvp::LayOutPolicies(box, Rules(), {m_nTopMargin, m_nLeftIndent, m_nLineSpacing});

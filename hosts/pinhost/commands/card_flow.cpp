@@ -1,6 +1,9 @@
 #include "pinhost/commands/card_flow.h"
 
+#include <chrono>
+
 #include "pinhost/card_file.h"
+#include "pinhost/card_remover.h"
 #include "pinhost/text.h"
 
 namespace pinhost {
@@ -59,11 +62,39 @@ void TellNoPin(Outcome& outcome, bool bCardRemoved) {
         Tell(outcome, ExitCode::kNotAccepted, "cancelled", "No PIN was entered.");
 }
 
-void TellRemark(Outcome& outcome, const AutomaticUser& user) {
-    if (user.Remark().empty())
+Outcome RunOnCard(CardOptions& options,
+                  const std::function<void(SoftwareCard& card, Outcome& outcome)>& flow) {
+    SoftwareCard card = options.Load();
+    Outcome outcome;
+    outcome.json["reader"] = Utf8FromAnsi(options.strReader);
+    outcome.json["lastTry"] = card.IsLastTry();
+    if (card.IsBlocked())
+        Tell(outcome, ExitCode::kNotAccepted, "blocked", "The card is blocked.");
+    else
+        flow(card, outcome);
+    outcome.json["triesLeft"] = card.nTriesLeft;
+    return outcome;
+}
+
+Asked AskUser(const CardOptions& options, const UserPlan& plan, const std::function<bool()>& ask) {
+    Asked asked;
+    std::optional<CardRemover> remover;
+    if (options.dwRemoveAfter)
+        remover.emplace(options.strReader, std::chrono::milliseconds(*options.dwRemoveAfter),
+                        GetCurrentThreadId());
+    AutomaticUser user(plan, GetCurrentThreadId());
+    asked.bConfirmed = ask();
+    asked.bCardRemoved = remover && remover->Finish();
+    user.Finish();
+    asked.strRemark = user.Remark();
+    return asked;
+}
+
+void TellRemark(Outcome& outcome, const std::string& strRemark) {
+    if (strRemark.empty())
         return;
-    outcome.json["remark"] = user.Remark();
-    outcome.strText.append(" (").append(user.Remark()).append(")");
+    outcome.json["remark"] = strRemark;
+    outcome.strText.append(" (").append(strRemark).append(")");
 }
 
 }  // namespace pinhost

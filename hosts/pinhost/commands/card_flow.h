@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -35,6 +36,20 @@ void TellRefusal(Outcome& outcome, Verdict verdict, const SoftwareCard& card);
 // For a dialog that ended without a PIN.
 void TellNoPin(Outcome& outcome, bool bCardRemoved);
 
-void TellRemark(Outcome& outcome, const AutomaticUser& user);
+// Runs `flow` on the card, unless it is blocked, and tells the card's state before and after.
+Outcome RunOnCard(CardOptions& options,
+                  const std::function<void(SoftwareCard& card, Outcome& outcome)>& flow);
+
+struct Asked {
+    bool bConfirmed = false;
+    bool bCardRemoved = false;
+    std::string strRemark;  // what the automatic user could not do; empty: nothing
+};
+
+// Runs `ask`, which calls the library and returns whether the user has confirmed, while the plan's
+// user serves the dialog and the card is pulled when the options say so.
+Asked AskUser(const CardOptions& options, const UserPlan& plan, const std::function<bool()>& ask);
+
+void TellRemark(Outcome& outcome, const std::string& strRemark);
 
 }  // namespace pinhost

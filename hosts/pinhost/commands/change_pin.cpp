@@ -1,10 +1,7 @@
 // change-pin: asks the user for a new PIN and the current one, and changes the software card's.
-#include <chrono>
 #include <cstdint>
 #include <optional>
 
-#include "pinhost/automatic_user.h"
-#include "pinhost/card_remover.h"
 #include "pinhost/commands/card_flow.h"
 #include "pinhost/commands/commands.h"
 #include "pinhost/embed/change_pin_window.h"
@@ -141,23 +138,17 @@ void ChangePinCommand::AskAndChange(const PinLibrary& library, SoftwareCard& car
                                     Outcome& outcome) {
     const PwdRuleArgs rules = Rules(card.policy);
     ChangeRequest request;
-    std::optional<CardRemover> remover;
-    if (m_options.dwRemoveAfter)
-        remover.emplace(m_options.strReader, std::chrono::milliseconds(*m_options.dwRemoveAfter),
-                        GetCurrentThreadId());
-    AutomaticUser user(m_plan, GetCurrentThreadId());
     // Without the current PIN no try is at stake.
     const bool bLastTry = card.IsLastTry() && !m_bNoCurrent;
     const auto pAsk = m_bEmbedded ? &ChangeRequest::AskEmbedded : &ChangeRequest::Ask;
-    const bool bConfirmed =
-        (request.*pAsk)(library, rules, bLastTry, m_options.strReader, !m_bNoCurrent);
-    const bool bRemoved = remover && remover->Finish();
-    user.Finish();
-    if (bConfirmed)
+    const Asked asked = AskUser(m_options, m_plan, [&] {
+        return (request.*pAsk)(library, rules, bLastTry, m_options.strReader, !m_bNoCurrent);
+    });
+    if (asked.bConfirmed)
         Change(request, card, outcome);
     else
-        TellNoPin(outcome, bRemoved);
-    TellRemark(outcome, user);
+        TellNoPin(outcome, asked.bCardRemoved);
+    TellRemark(outcome, asked.strRemark);
 }
 
 void ChangePinCommand::Change(const ChangeRequest& request, SoftwareCard& card,
@@ -174,16 +165,9 @@ void ChangePinCommand::Change(const ChangeRequest& request, SoftwareCard& card,
 
 Outcome ChangePinCommand::Run(const HostOptions& options) {
     MakePlan();
-    SoftwareCard card = m_options.Load();
-    Outcome outcome;
-    outcome.json["reader"] = Utf8FromAnsi(m_options.strReader);
-    outcome.json["lastTry"] = card.IsLastTry();
-    if (card.IsBlocked())
-        Tell(outcome, ExitCode::kNotAccepted, "blocked", "The card is blocked.");
-    else
+    return RunOnCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
         AskAndChange(PinLibrary(options), card, outcome);
-    outcome.json["triesLeft"] = card.nTriesLeft;
-    return outcome;
+    });
 }
 
 }  // namespace

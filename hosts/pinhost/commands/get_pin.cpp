@@ -1,10 +1,7 @@
 // get-pin: asks the user for the card's PIN and lets the software card verify it.
-#include <chrono>
 #include <cstdint>
 #include <optional>
 
-#include "pinhost/automatic_user.h"
-#include "pinhost/card_remover.h"
 #include "pinhost/commands/card_flow.h"
 #include "pinhost/commands/commands.h"
 #include "pinhost/owner_window.h"
@@ -41,7 +38,7 @@ public:
     Outcome Run(const HostOptions& options) override;
 
 private:
-    bool AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome);
+    void AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome);
 
     CardOptions m_options;
     std::string m_strPrompt;
@@ -63,53 +60,39 @@ CLI::App* GetPinCommand::AddTo(CLI::App& app) {
     return pCommand;
 }
 
-bool GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome) {
+void GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome) {
     std::optional<OwnerWindow> owner;
     if (m_bParent)
         owner.emplace();
-    std::optional<CardRemover> remover;
-    if (m_options.dwRemoveAfter)
-        remover.emplace(m_options.strReader, std::chrono::milliseconds(*m_options.dwRemoveAfter),
-                        GetCurrentThreadId());
-    AutomaticUser user(m_plan, GetCurrentThreadId());
     PinRequest request(library);
-    const bool bConfirmed = request.Ask(owner ? owner->Handle() : nullptr, m_options.strReader,
-                                        card.IsLastTry(), *m_options.dwMin, *m_options.dwMax);
-    const bool bRemoved = remover && remover->Finish();
-    user.Finish();
-    if (bConfirmed) {
+    const Asked asked = AskUser(m_options, m_plan, [&] {
+        return request.Ask(owner ? owner->Handle() : nullptr, m_options.strReader, card.IsLastTry(),
+                           *m_options.dwMin, *m_options.dwMax);
+    });
+    if (asked.bConfirmed) {
         const Verdict verdict = card.Verify(request.Pin());
+        m_options.Save(card);
         if (verdict == Verdict::kAccepted)
             Tell(outcome, ExitCode::kAccepted, "accepted", "PIN accepted.");
         else
             TellRefusal(outcome, verdict, card);
     } else {
-        TellNoPin(outcome, bRemoved);
+        TellNoPin(outcome, asked.bCardRemoved);
     }
-    TellRemark(outcome, user);
+    TellRemark(outcome, asked.strRemark);
     if (owner)
         outcome.json["parentEnabled"] = IsWindowEnabled(owner->Handle()) != FALSE;
-    return bConfirmed;
 }
 
 Outcome GetPinCommand::Run(const HostOptions& options) {
-    SoftwareCard card = m_options.Load();
     if (m_strTyped)
         m_plan.typed = {*m_strTyped};
     m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
-    Outcome outcome;
-    outcome.json["reader"] = Utf8FromAnsi(m_options.strReader);
-    outcome.json["lastTry"] = card.IsLastTry();
-    if (card.IsBlocked()) {
-        Tell(outcome, ExitCode::kNotAccepted, "blocked", "The card is blocked.");
-    } else {
+    return RunOnCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
         const PinLibrary library(options);
         library.SetPinPromptString(m_strPrompt.c_str());
-        if (AskAndVerify(library, card, outcome))
-            m_options.Save(card);
-    }
-    outcome.json["triesLeft"] = card.nTriesLeft;
-    return outcome;
+        AskAndVerify(library, card, outcome);
+    });
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <dlgfw/geometry.h>
 #include <dlgfw/message_map.h>
 
+#include "dialogs/base/control_place.h"
 #include "dialogs/pin/change_pin_panels.h"
 #include "frame/log.h"
 #include "frame/resource_module.h"
@@ -49,16 +50,6 @@ void SetTextFromResource(CWnd& control, UINT nString) {
     CString text;
     if (mvp::LoadResourceString(nString, text))
         control.SetWindowText(text);
-}
-
-// A control's rectangle in its parent's client coordinates; empty when the control is missing.
-CRect PlaceOf(const CWnd& parent, int nControl) {
-    CRect rect(0, 0, 0, 0);
-    if (const CWnd* pControl = parent.GetDlgItem(nControl)) {
-        pControl->GetWindowRect(&rect);
-        parent.ScreenToClient(&rect);
-    }
-    return rect;
 }
 
 }  // namespace
@@ -135,7 +126,8 @@ void CChangePINDialog::SetTexts() {
 }
 
 void CChangePINDialog::CreatePoliciesPanel() {
-    const CRect place = PlaceOf(*this, IDC_CHANGE_PIN_PANEL_POLICIES_PLACE);
+    const CWnd* pPlace = GetDlgItem(IDC_CHANGE_PIN_PANEL_POLICIES_PLACE);
+    const CRect place = pPlace != nullptr ? mvp::ClientRectOf(*this, *pPlace) : CRect(0, 0, 0, 0);
     m_pPoliciesDlg = new (std::nothrow) VKPoliciesDlg(&m_rules, m_bUseWindowColor, &place, this,
                                                       m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
     if (m_pPoliciesDlg == nullptr || m_pPoliciesDlg->LocCreate(this) == 0)

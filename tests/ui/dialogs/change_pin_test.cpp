@@ -313,7 +313,7 @@ TEST_F(ChangePin, OpeningAndClosingKeepsNothing) {
     cycle(false);
     m_log.Clear();
     const auto before = ResourceCounts::Now();
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 40; ++i) {
         cycle(i % 2 == 0);
         m_log.Clear();
     }
