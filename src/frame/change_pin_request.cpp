@@ -61,10 +61,12 @@ std::uint32_t AskModal(const PwdRuleArgs* pRules, bool bAskCurrentPin, const cha
 
 }  // namespace
 
+// NOLINTBEGIN(readability-non-const-parameter): written to through `output`
 extern "C" uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t bShowLastTry,
                                              char* pszNewPin, uint32_t* pcbNewPin, char* pszOldPin,
                                              uint32_t* pcbOldPin, const char* pszReader,
                                              HWND hEmbeddingHost, bool bAskCurrentPin) {
+    // NOLINTEND(readability-non-const-parameter)
     const mvp::LogScope scope("GetChangePINInfoFromUser");
     if (bShowLastTry != 0) {
         const std::uint32_t answer = DisplayLastPINTry(pszReader);

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr char kConfigKey[] = "SOFTWARE\\Quillon\\Veskara\\GlobalConfig";
+constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
 constexpr DWORD kPathCapacity = MAX_PATH;
 // HH_HELP_CONTEXT of the HTML Help interface: the data is a topic number of the file's map.
 constexpr UINT kHelpContext = 15;

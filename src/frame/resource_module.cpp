@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char kBelowCurrentDirectory[] = ".\\Resources\\Localized\\mvpinguirc.dll";
+constexpr char kBelowCurrentDirectory[] = R"(.\Resources\Localized\mvpinguirc.dll)";
 constexpr char kUnderInstallPath[] = "Resources\\Localized\\mvpinguirc.dll";
 constexpr DWORD kPathCapacity = 512;
 

@@ -210,8 +210,10 @@ void CDialog::CenterUnlessPlaced(const RECT& rectBefore) {
     GetWindowRect(rect);
     HWND hWndOwner = ::GetWindow(m_hWnd, GW_OWNER);
     const bool bModal = hWndOwner == nullptr || !::IsWindowEnabled(hWndOwner);
-    if (bModal && (GetStyle() & WS_VISIBLE) == 0 && rect.left == rectBefore.left &&
-        rect.top == rectBefore.top)
+    // Moved to (0, 0) is moved nowhere: that is the place of whoever was given none.
+    const bool bPlaced =
+        rect.TopLeft() != CRect(rectBefore).TopLeft() && rect.TopLeft() != CPoint();
+    if (bModal && (GetStyle() & WS_VISIBLE) == 0 && !bPlaced)
         CenterWindow();
 }
 

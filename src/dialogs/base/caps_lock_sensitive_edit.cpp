@@ -213,7 +213,7 @@ LRESULT CCapsLockSensitiveEdit::OnBalloonMessage(HWND hWnd, UINT message, WPARAM
             // To the balloon the pointer always rests on the edit.
             CRect rect;
             GetWindowRect(&rect);
-            POINT* pPoint = reinterpret_cast<POINT*>(lParam);
+            auto* pPoint = reinterpret_cast<POINT*>(lParam);
             *pPoint = {rect.left + kPointerOffset, rect.top + kPointerOffset};
             break;
         }

@@ -29,7 +29,7 @@ END_MESSAGE_MAP()
 
 namespace {
 
-constexpr char kConfigKey[] = "Software\\Quillon\\Veskara\\PXRM";
+constexpr char kConfigKey[] = R"(Software\Quillon\Veskara\PXRM)";
 // What is offered for a value that is a number of four bytes when it is well.
 constexpr DWORD kOfferedSize = 255;
 

@@ -21,7 +21,7 @@ END_MESSAGE_MAP()
 
 namespace {
 
-constexpr char kBrandingKey[] = "SOFTWARE\\Quillon\\Veskara\\AuthenticationDialog";
+constexpr char kBrandingKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
 constexpr DWORD kPathCapacity = MAX_PATH;
 constexpr int kHelpTopic = 1015;
 

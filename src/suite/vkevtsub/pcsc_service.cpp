@@ -13,7 +13,7 @@ static_assert(reader_state::kPresent == SCARD_STATE_PRESENT);
 
 // The reader that is none: it changes when readers come or go. The upper half of its known state is
 // the number of readers.
-constexpr char kComingAndGoing[] = "\\\\?PnP?\\Notification";
+constexpr char kComingAndGoing[] = R"(\\?PnP?\Notification)";
 constexpr DWORD kReaderListMax = 65536;
 
 template <class Function>

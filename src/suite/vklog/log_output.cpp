@@ -7,7 +7,7 @@
 namespace mvp {
 namespace {
 
-constexpr char kSettingsKey[] = "SOFTWARE\\Quillon\\Veskara\\Logging";
+constexpr char kSettingsKey[] = R"(SOFTWARE\Quillon\Veskara\Logging)";
 
 // The mutex of a file is named after a hash of its path: a path may be too long for a name and
 // holds backslashes, which a name may not.

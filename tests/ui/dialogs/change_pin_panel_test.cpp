@@ -250,7 +250,7 @@ TEST_F(ChangePinPanel, ErasesItsPinsInPlace) {
 }
 
 TEST_F(ChangePinPanel, ReadsItsConfiguration) {
-    constexpr char kKey[] = "Software\\Quillon\\Veskara\\PXRM";
+    constexpr char kKey[] = R"(Software\Quillon\Veskara\PXRM)";
     constexpr char kValue[] = "EnableSmallPINEntryPrevention";
     const auto read = [] {
         return CChangePINDialog(0, 0, true, nullptr, nullptr, nullptr, nullptr, 0, 0, 0)

@@ -17,7 +17,7 @@
 namespace mvp::test {
 namespace {
 
-constexpr char kKey[] = "SOFTWARE\\Quillon\\Veskara\\AuthenticationDialog";
+constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
 
 // A file of the test's own, removed at the end.
 class TestFile {

@@ -236,7 +236,7 @@ HWND WINAPI RecordTopic(HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) {
 }
 
 TEST_F(EnterPin, F1ShowsItsTopic) {
-    m_hive.SetString("SOFTWARE\\Quillon\\Veskara\\GlobalConfig", "VeskaraHelpPath", "v.chm");
+    m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
     SetHelpViewer(RecordTopic);
     Request request;
     DialogDriver driver([](Dialog& d) {

@@ -102,7 +102,7 @@ TEST(Attach, LivesWithoutTheModule) {
     const std::string full(511, 'x');
     const std::string nearlyFull(500, 'y');
     const Case cases[] = {
-        {"C:\\nowhere\\", "C:\\nowhere\\Resources\\Localized\\mvpinguirc.dll"},
+        {"C:\\nowhere\\", R"(C:\nowhere\Resources\Localized\mvpinguirc.dll)"},
         {nearlyFull, nearlyFull + "Resources\\L"},
         {full, full},
     };

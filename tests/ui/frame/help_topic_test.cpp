@@ -11,7 +11,7 @@
 namespace mvp::test {
 namespace {
 
-constexpr char kKey[] = "SOFTWARE\\Quillon\\Veskara\\GlobalConfig";
+constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
 
 struct ViewerCall {
     HWND hCaller;

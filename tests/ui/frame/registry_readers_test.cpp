@@ -12,7 +12,7 @@
 namespace mvp::test {
 namespace {
 
-constexpr char kKey[] = "SOFTWARE\\Quillon\\Veskara\\Test";
+constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\Test)";
 constexpr DWORD kDefault = 0xABCD1234;
 
 // The lines of level 1, in one text.
@@ -51,7 +51,7 @@ TEST_F(RegistryReaders, NumbersAreReadOrDefaulted) {
     };
     const Case cases[] = {
         {kKey, "Number", 0, 42, ""},
-        {"software\\quillon\\VESKARA\\test", "nUMBER", 0, 42, ""},
+        {R"(software\quillon\VESKARA\test)", "nUMBER", 0, 42, ""},
         {kKey, "Text", -1, kDefault, "dwType(1) <> REG_DWORD"},
         {kKey, "Binary", -1, kDefault, "dwType(3) <> REG_DWORD"},
         {kKey, "Missing", -1, kDefault, "RegQueryValueEx returns the error 2"},

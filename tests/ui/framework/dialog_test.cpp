@@ -333,6 +333,10 @@ TEST(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     const CRect rectCentered = open(dwPlain, [](CFormDlg&) {});
     EXPECT_LE(std::abs(rectCentered.CenterPoint().x - rectHost.CenterPoint().x), 1);
     EXPECT_LE(std::abs(rectCentered.CenterPoint().y - rectHost.CenterPoint().y), 1);
+    const CRect rectAtOrigin = open(dwPlain, [](CFormDlg& dlg) {
+        dlg.SetWindowPos(nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    });
+    EXPECT_EQ(rectAtOrigin, rectCentered);
     const CRect rectMoved = open(dwPlain, [](CFormDlg& dlg) {
         dlg.SetWindowPos(nullptr, 5, 6, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     });

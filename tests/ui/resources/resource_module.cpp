@@ -40,7 +40,7 @@ std::vector<NamedNumber> NamedNumbers(const std::string& prefix) {
 }
 
 ResourceModule::ResourceModule(const std::string& language) : m_strLanguage(language) {
-    const std::string path = "..\\bin\\" + language + "\\Resources\\Localized\\mvpinguirc.dll";
+    const std::string path = "..\\bin\\" + language + R"(\Resources\Localized\mvpinguirc.dll)";
     m_module.reset(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
     if (!m_module)
         throw std::runtime_error("cannot open " + path);

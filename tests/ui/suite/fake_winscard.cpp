@@ -33,7 +33,7 @@ struct World {
 };
 World g_world;
 
-constexpr char kComingAndGoing[] = "\\\\?PnP?\\Notification";
+constexpr char kComingAndGoing[] = R"(\\?PnP?\Notification)";
 
 // What a wait finds now; SCARD_E_TIMEOUT when nothing differs from what is known.
 LONG Look(LPSCARD_READERSTATEA pStates, DWORD nStates) {

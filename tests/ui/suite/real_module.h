@@ -29,7 +29,7 @@ public:
         char program[MAX_PATH] = {};
         GetModuleFileNameA(nullptr, program, sizeof(program));
         const std::string strProgram = program;
-        return strProgram.substr(0, strProgram.rfind('\\')) + "\\..\\bin\\" + strName + ".dll";
+        return strProgram.substr(0, strProgram.rfind('\\')) + R"(\..\bin\)" + strName + ".dll";
     }
 
 private:

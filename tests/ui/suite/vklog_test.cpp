@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr char kKey[] = "SOFTWARE\\Quillon\\Veskara\\Logging";
+constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\Logging)";
 constexpr unsigned kAllLevels = 1 | 2 | VKLOG_DETAIL_BIT | 8 | 16;
 
 // The module, loaded afresh: it reads its settings once in its life.

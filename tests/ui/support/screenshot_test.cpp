@@ -91,7 +91,7 @@ TEST_F(Screenshot, TellsWhyThereIsNone) {
     std::string strError;
     EXPECT_FALSE(SaveWindowPng(nullptr, "screenshot_test.png", strError));
     EXPECT_NE(strError.find("no such window"), std::string::npos);
-    EXPECT_FALSE(SaveScreenPng({0, 0, 9, 9}, "no\\such\\folder\\a.png", strError));
+    EXPECT_FALSE(SaveScreenPng({0, 0, 9, 9}, R"(no\such\folder\a.png)", strError));
     EXPECT_NE(strError.find("could not be written"), std::string::npos);
 }
 

@@ -33,7 +33,7 @@ TEST(LogLine, NamesTheLevelsAndNumbersTheOthers) {
 TEST(LogLine, EscapesWhatWouldLeaveTheLine) {
     const std::pair<std::string, std::string> texts[] = {
         {"a\r\nb", "a\\r\\nb"},
-        {"\tx\x01\x1b\x7f", "\\tx\\x01\\x1b\\x7f"},
+        {"\tx\x01\x1b\x7f", R"(\tx\x01\x1b\x7f)"},
         {"C:\\new", "C:\\new"},
         {"caf\xe9 \x80", "caf\xe9 \x80"},
     };
