@@ -105,7 +105,9 @@ BOOL CChangePINDialog::OnInitDialog() {
     const BOOL result = CBaseDialog::OnInitDialog();
     SetTexts();
     CreatePoliciesPanel();
-    SetForegroundWindow();
+    // The window around the panel: not every system looks it up for a child that is brought
+    // forward.
+    ::SetForegroundWindow(::GetAncestor(m_hWnd, GA_ROOT));
     // The focus brings the first check of the rules, so that every icon is right before the user
     // types.
     (m_bAskCurrentPin ? m_editPin : m_editNewPin).SetFocus();

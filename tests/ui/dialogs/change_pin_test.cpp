@@ -51,6 +51,17 @@ HICON IconOf(Dialog& d, int nId) {
     return reinterpret_cast<HICON>(d.Send(nId, STM_GETICON));
 }
 
+// The middle of the caption, right of its text.
+COLORREF CaptionColor(HWND hWnd) {
+    RECT rect;
+    GetWindowRect(hWnd, &rect);
+    HDC dc = GetWindowDC(hWnd);
+    const COLORREF color =
+        GetPixel(dc, (rect.right - rect.left) / 2, GetSystemMetrics(SM_CYCAPTION) / 2);
+    ReleaseDC(hWnd, dc);
+    return color;
+}
+
 TEST_F(ChangePin, OpensReadyToType) {
     ChangePinRequest request{.rules = kAllRules};
     DialogDriver driver([](Dialog& d) {
@@ -72,6 +83,7 @@ TEST_F(ChangePin, OpensReadyToType) {
             EXPECT_EQ(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0),
                       reinterpret_cast<LRESULT>(LoadResourceIcon(IDI_CARD_PIN, 16)));
             EXPECT_EQ(GetForegroundWindow(), d.Handle());
+            EXPECT_EQ(CaptionColor(d.Handle()), GetSysColor(COLOR_ACTIVECAPTION));
         });
         d.Escape();
     });
