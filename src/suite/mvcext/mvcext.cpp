@@ -15,7 +15,7 @@ mvp::CPatternProgram* Compile(const char* pszPattern, bool bIgnoreCase) {
 
 }  // namespace
 
-CPattern::CPattern(const char* pszPattern, bool bIgnoreCase) noexcept : m_pProgram(nullptr) {
+CPattern::CPattern(const char* pszPattern, bool bIgnoreCase) noexcept {
     if (pszPattern != nullptr)
         m_pProgram = mvp::Guarded<mvp::CPatternProgram*>(
             nullptr, [&] { return Compile(pszPattern, bIgnoreCase); }, [] {});

@@ -51,5 +51,5 @@ public:
     bool IsMatched(const char* pszText) const noexcept;
 
 private:
-    mvp::CPatternProgram* m_pProgram;  // owned; null when the pattern is not valid
+    mvp::CPatternProgram* m_pProgram = nullptr;  // owned; null when the pattern is not valid
 };

@@ -12,7 +12,7 @@ CCardWatch::CCardWatch(OnRemoved onRemoved, const std::string& strModule)
     : m_service(strModule), m_onRemoved(std::move(onRemoved)) {}
 
 std::shared_ptr<CCardWatch> CCardWatch::Start(OnRemoved onRemoved, const std::string& strModule) {
-    const std::shared_ptr<CCardWatch> watch(new CCardWatch(std::move(onRemoved), strModule));
+    std::shared_ptr<CCardWatch> watch(new CCardWatch(std::move(onRemoved), strModule));
     if (!watch->m_service.IsUsable() || !StartModuleThread([watch] { watch->Run(); }))
         return nullptr;
     return watch;

@@ -29,7 +29,7 @@ KernelHandle StartModuleThread(std::function<void()> body) {
         return {};
     KernelHandle thread(CreateThread(nullptr, 0, RunThread, start.get(), 0, nullptr));
     if (thread)
-        start.release();
+        static_cast<void>(start.release());  // the thread's now
     else
         FreeLibrary(start->hModule);
     return thread;

@@ -46,7 +46,7 @@ extern "C" __declspec(dllexport) void MvcextRecordTo(mvp::test::PatternReceiver 
     g_pContext = pContext;
 }
 
-CPattern::CPattern(const char* pszPattern, bool bIgnoreCase) noexcept : m_pProgram(nullptr) {
+CPattern::CPattern(const char* pszPattern, bool bIgnoreCase) noexcept {
     if (pszPattern != nullptr)
         m_pProgram = mvp::Guarded<mvp::CPatternProgram*>(
             nullptr, [&] { return Compile(pszPattern, bIgnoreCase); }, [] {});

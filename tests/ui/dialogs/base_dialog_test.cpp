@@ -77,7 +77,7 @@ TEST_F(BaseDialog, ColourModeDecidesTheBackground) {
             d.Run([&] {
                 const WindowDc dc(d.Handle());
                 SetBkMode(dc.get(), OPAQUE);
-                const auto brush = reinterpret_cast<HBRUSH>(
+                auto* const brush = reinterpret_cast<HBRUSH>(
                     SendMessageA(d.Handle(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc.get()),
                                  reinterpret_cast<LPARAM>(d.Control(IDC_ENTER_PIN_PROMPT))));
                 LOGBRUSH logBrush{};
@@ -103,7 +103,7 @@ TEST_F(BaseDialog, BackgroundFollowsTheColourScheme) {
             SetSysColors(1, &index, &kNew);
             SendMessageA(d.Handle(), WM_SYSCOLORCHANGE, 0, 0);
             const WindowDc dc(d.Handle());
-            const auto brush = reinterpret_cast<HBRUSH>(
+            auto* const brush = reinterpret_cast<HBRUSH>(
                 SendMessageA(d.Handle(), WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(dc.get()),
                              reinterpret_cast<LPARAM>(d.Handle())));
             LOGBRUSH logBrush{};

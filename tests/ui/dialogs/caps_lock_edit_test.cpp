@@ -109,7 +109,7 @@ std::string TextOf(HWND hBalloon, HWND hEdit, UINT_PTR uId) {
 }
 
 std::string Resource(UINT nId) {
-    return std::string(ResourceString(nId));
+    return {ResourceString(nId)};
 }
 
 class OwnBalloon : public testing::Test {

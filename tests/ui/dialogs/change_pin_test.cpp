@@ -34,7 +34,7 @@ protected:
 };
 
 std::string StringOf(UINT nId) {
-    return std::string(ResourceString(nId));
+    return {ResourceString(nId)};
 }
 
 void TypeAll(Dialog& d, const char* pszCurrent, const char* pszNew, const char* pszConfirm) {

@@ -104,7 +104,7 @@ TEST_F(Branding, BuiltInPicturesStayWithoutUsableOnes) {
 }
 
 TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {
-    const TestFile picture("picture", BitmapFile(20, 20, 60 * 20));
+    const TestFile picture("picture", BitmapFile(20, 20, 1200));
     m_hive.SetString(kKey, "BannerLowRes", picture.Path());
     EXPECT_EQ(Shown(), kBuiltIn) << "the other resolution's picture is no fallback";
     m_hive.SetString(kKey, "BannerHiRes", picture.Path());

@@ -203,7 +203,7 @@ private:
 TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
     // A run by hand may ask for more: MVP_SOAK_ROUNDS=10000.
     const char* pszRounds = std::getenv("MVP_SOAK_ROUNDS");
-    const int rounds = pszRounds != nullptr ? std::atoi(pszRounds) : 200;
+    const long rounds = pszRounds != nullptr ? std::strtol(pszRounds, nullptr, 10) : 200;
     const unsigned seed = 20261121;
     std::mt19937 random(seed);
     const auto round = [&] { Interleaving(seed, random).Run(); };

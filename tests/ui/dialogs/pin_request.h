@@ -24,7 +24,7 @@ struct PinRequest {
         return GetPINFromUser(hParent, pszReader, bShowLastTry, dwMin, dwMax, &pPin, &cbPin);
     }
     bool IsUntouched() const { return pPin == kUntouchedBuffer && cbPin == kUntouchedLength; }
-    std::string Pin() const { return std::string(pPin, cbPin); }
+    std::string Pin() const { return {pPin, cbPin}; }
     // Gives back what the call handed out, or nothing.
     void Free() { FreeGetPinBuffer(IsUntouched() ? nullptr : pPin, IsUntouched() ? 0 : cbPin); }
 };

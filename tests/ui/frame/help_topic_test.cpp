@@ -52,7 +52,7 @@ TEST_F(HelpTopic, ShowsTheConfiguredFileAtTheTopic) {
 }
 
 TEST_F(HelpTopic, TakesAnyTypeAndNeverReadsBeyondTheBuffer) {
-    m_hive.SetRaw(kKey, "VeskaraHelpPath", REG_EXPAND_SZ, std::string("a.chm", 6));
+    m_hive.SetRaw(kKey, "VeskaraHelpPath", REG_EXPAND_SZ, std::string("a.chm\0", 6));
     DoDisplayTopic(1);
     m_hive.SetUnterminated(kKey, "VeskaraHelpPath", std::string(260, 'p'));
     DoDisplayTopic(2);

@@ -68,7 +68,7 @@ private:
             return '?';
         if (!bVisible)
             return '-';
-        const auto hShown = reinterpret_cast<HICON>(SendMessageA(hIcon, STM_GETICON, 0, 0));
+        auto* const hShown = reinterpret_cast<HICON>(SendMessageA(hIcon, STM_GETICON, 0, 0));
         if (hShown == LoadResourceIcon(IDI_RULE_SATISFIED, 16))
             return 's';
         return hShown == LoadResourceIcon(IDI_RULE_VIOLATED, 16) ? 'v' : '?';

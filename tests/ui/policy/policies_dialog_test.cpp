@@ -52,7 +52,7 @@ TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
         for (int i = 0; i < 4; ++i)
             for (const char* pszLevel : {"8", "16"})
                 expected.push_back(std::string(pszLevel) + " CBaseDialog::HidePinFromMemory");
-        expected.push_back("16 VKPoliciesDlg::VerifyAndUpdatePolicies");
+        expected.emplace_back("16 VKPoliciesDlg::VerifyAndUpdatePolicies");
         EXPECT_EQ(lines, expected);
     }
 }

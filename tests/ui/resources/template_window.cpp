@@ -72,7 +72,7 @@ Control ControlOf(HWND hWnd, HWND hDialog) {
 // The size that the text takes, drawn with the control's font and broken at `width`.
 SIZE TextSize(const Control& control, UINT format, int width) {
     const mvp::WindowDc dc(control.hWnd);
-    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageA(control.hWnd, WM_GETFONT, 0, 0));
+    auto* const font = reinterpret_cast<HGDIOBJ>(SendMessageA(control.hWnd, WM_GETFONT, 0, 0));
     const mvp::DcSelection selection(dc.get(), font);
     RECT rect{0, 0, width, 0};
     DrawTextA(dc.get(), control.strText.c_str(), -1, &rect, DT_CALCRECT | DT_EXPANDTABS | format);

@@ -4,6 +4,7 @@
 #include <windows.h>
 #include <winscard.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <set>
@@ -125,7 +126,7 @@ __declspec(dllexport) LONG WINAPI
         return SCARD_S_SUCCESS;
     if (nRoom < list.size())
         return SCARD_E_INSUFFICIENT_BUFFER;
-    std::memcpy(pszReaders, list.data(), list.size());
+    std::ranges::copy(list, pszReaders);
     return SCARD_S_SUCCESS;
 }
 
