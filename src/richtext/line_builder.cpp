@@ -146,7 +146,7 @@ void CLineBuilder::PlaceLongWord() {
     PlaceUnit(m_aUnit);
 }
 
-void CLineBuilder::PlaceUnit(std::vector<Piece>& pieces) {
+void CLineBuilder::PlaceUnit(std::pmr::vector<Piece>& pieces) {
     std::int64_t nWidth = 0;
     for (const Piece& piece : pieces) {
         nWidth += piece.nWidth;
