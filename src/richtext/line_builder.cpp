@@ -276,8 +276,9 @@ void CLineBuilder::EndParagraph() {
     EndWord();
     if (m_bContent) {
         FinishLine(true);
+    } else {
+        ResetLine();
     }
-    ResetLine();
 }
 
 void CLineBuilder::AddRule(const Item& item) {
