@@ -70,8 +70,8 @@ const char* NameFrom(const char* const (&names)[N], Enum value) {
 }
 
 std::string FontText(const Font& font) {
-    return Quoted(font.strFace) + " " + Number(font.nSize) + " weight " +
-           Number(font.nWeight) + (font.bItalic ? " italic" : "");
+    return Quoted(font.strFace) + " " + Number(font.nSize) + " weight " + Number(font.nWeight) +
+           (font.bItalic ? " italic" : "");
 }
 
 std::string BoxText(const BoxStyle& box) {
