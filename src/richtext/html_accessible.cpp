@@ -284,9 +284,9 @@ STDMETHODIMP CHtmlAccessible::get_accSelection(VARIANT* pChildren) {
     return S_FALSE;
 }
 
-// The system translates the names of roles and states itself, but has no text for actions. "Jump"
-// is what readers know a link's action by; they and scripts go by the word, which nobody is shown
-// in a window, so it is not one of the texts that are translated.
+// The system has texts of its own for roles and states (GetRoleText, GetStateText), but none for
+// actions, so there is no translation to take. "Jump" is the customary word for links. It is not in
+// the resource module, which holds what windows show: no window shows this.
 STDMETHODIMP CHtmlAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrAction) {
     if (pstrAction == nullptr) {
         return E_POINTER;
