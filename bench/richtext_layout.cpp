@@ -6,15 +6,13 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <time.h>
-
 #include "counting_heap.h"
+#include "processor_time.h"
 #include "richtext/fixed_measurer.h"
 #include "richtext/rich_text.h"
 #include "richtext_documents.h"
@@ -89,53 +87,16 @@ std::unique_ptr<CRichText> LayOut(CFixedMeasurer& measurer, const std::string& s
     return pText;
 }
 
-// Processor time, which other programs on the machine disturb less than the time of day.
-double CpuNanoseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-}
-
-// Nanoseconds of one run, of so many.
-double TimeOf(long nRuns, const std::function<void()>& run) {
-    const double start = CpuNanoseconds();
-    for (long i = 0; i < nRuns; ++i) {
-        run();
-    }
-    return (CpuNanoseconds() - start) / static_cast<double>(nRuns);
-}
-
-struct Times {
-    double floor;
-    double whole;
-};
-
-// The best of so many rounds of enough runs each to be measurable; the two take turns.
-Times BestOf(int nRounds, const std::function<void()>& floor, const std::function<void()>& whole) {
-    constexpr double kRoundNs = 5e6;
-    const auto runsOf = [](double ns) {
-        return std::max(1L, static_cast<long>(kRoundNs / std::max(1.0, ns)));
-    };
-    Times best{TimeOf(3, floor), TimeOf(3, whole)};
-    const long nFloorRuns = runsOf(best.floor);
-    const long nWholeRuns = runsOf(best.whole);
-    for (int i = 0; i < nRounds; ++i) {
-        best.floor = std::min(best.floor, TimeOf(nFloorRuns, floor));
-        best.whole = std::min(best.whole, TimeOf(nWholeRuns, whole));
-    }
-    return best;
-}
-
 void Report(const char* pszName, const std::string& strText, int nRounds) {
     const auto nBytes = static_cast<double>(strText.size());
-    const Times times = BestOf(
+    const mvp::bench::Times times = mvp::bench::BestOf(
         nRounds, [&] { BreakGreedily(strText); },
         [&] {
             CFixedMeasurer measurer;
             g_nSink = LayOut(measurer, strText)->Boxes().nHeight;
         });
-    const double floor = times.floor / nBytes;
-    const double whole = times.whole;
+    const double floor = times.baseline / nBytes;
+    const double whole = times.value;
     CFixedMeasurer measurer;
     const HeapCount before = CountHeap();
     mvp::bench::ResetPeak();

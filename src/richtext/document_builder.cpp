@@ -44,7 +44,8 @@ CDocumentBuilder::CDocumentBuilder(std::string_view text, const CStyleSheet& she
       m_sheet(sheet),
       m_settings(settings),
       m_document(document),
-      m_elementStyles(sheet, settings.system, document.styles) {
+      m_elementStyles(sheet, settings.system, document.styles, m_scratch.Resource()),
+      m_aElements(m_scratch.Resource()) {
     m_aLast.fill(kNone);
     m_document.strText.reserve(text.size());
     m_document.aItems.reserve(text.size() / 24 + 4);

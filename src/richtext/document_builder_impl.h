@@ -7,6 +7,7 @@
 
 #include "richtext/document_builder.h"
 #include "richtext/element_styles.h"
+#include "richtext/scratch_memory.h"
 
 namespace mvp::richtext {
 
@@ -93,8 +94,9 @@ private:
     const CStyleSheet& m_sheet;
     const BuildSettings& m_settings;
     StyledDocument& m_document;
+    CScratchMemory<6144> m_scratch;
     CElementStyles m_elementStyles;
-    std::vector<Element> m_aElements;
+    std::pmr::vector<Element> m_aElements;
     std::array<std::uint32_t, kTagCount> m_aLast;  // innermost open element of each tag
     std::size_t m_nScope = 0;                      // the innermost scope on the stack
     std::vector<TableState> m_aTables;

@@ -69,9 +69,9 @@ const char* NameFrom(const char* const (&names)[N], Enum value) {
     return names[static_cast<std::size_t>(value)];
 }
 
-std::string FontText(const CStyleTable& styles, const Font& font) {
-    return Quoted(styles.FaceOf(font)) + " " + Number(font.nSize) + " weight " +
-           Number(font.nWeight) + (font.bItalic ? " italic" : "");
+std::string FontText(const Font& font) {
+    return Quoted(font.strFace) + " " + Number(font.nSize) + " weight " + Number(font.nWeight) +
+           (font.bItalic ? " italic" : "");
 }
 
 std::string BoxText(const BoxStyle& box) {
@@ -83,7 +83,7 @@ std::string BoxText(const BoxStyle& box) {
 std::string StyleText(const CStyleTable& styles, std::uint32_t nStyle) {
     const ComputedStyle& style = styles[nStyle];
     std::string strText =
-        "font " + FontText(styles, styles.FontOf(nStyle)) + " colour " + ColourText(style.colour);
+        "font " + FontText(styles.FontOf(nStyle)) + " colour " + ColourText(style.colour);
     if (style.background != kNoColour) {
         strText += " background " + ColourText(style.background);
     }

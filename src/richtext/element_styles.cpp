@@ -46,31 +46,22 @@ StyleDelta CElementStyles::MakeDelta(TagId tag, const CAttributes* pAttributes,
 
 std::uint32_t CElementStyles::SharedDelta(TagId tag, std::span<const CStyleSheet::Rule> classRules,
                                           LinkState state) {
-    const bool bPlain = classRules.empty() && state == LinkState::None;
-    std::uint32_t& nPlain = m_aPlain[static_cast<std::size_t>(tag)];
-    if (bPlain && nPlain != 0) {
-        return nPlain - 1;
-    }
-    // Rules of one class stand together, so the first of them names the class.
-    const std::uint64_t nClass =
-        classRules.empty()
-            ? 0
-            : static_cast<std::uint64_t>(classRules.data() - m_sheet.Rules().data()) + 1;
-    const std::uint64_t nKey =
-        (nClass << 16) | (static_cast<std::uint64_t>(tag) << 8) | static_cast<std::uint64_t>(state);
-    if (!bPlain) {
-        if (const auto found = m_shared.find(nKey); found != m_shared.end()) {
-            return found->second;
-        }
-    }
-    m_aShared.push_back(MakeDelta(tag, nullptr, classRules, state));
-    const auto nDelta = static_cast<std::uint32_t>(m_aShared.size() - 1);
-    if (bPlain) {
-        nPlain = nDelta + 1;
+    std::uint32_t* pPlace = nullptr;  // in m_aShared + 1
+    if (classRules.empty()) {
+        const std::size_t nLinkState = static_cast<std::size_t>(state);
+        pPlace = &m_aPlain[state == LinkState::None ? static_cast<std::size_t>(tag)
+                                                    : kTagCount - 1 + nLinkState];
     } else {
-        m_shared.emplace(nKey, nDelta);
+        // Rules of one class stand together, so the first of them names the class.
+        const auto nClass = static_cast<std::uint64_t>(classRules.data() - m_sheet.Rules().data());
+        pPlace = &m_byClass[(nClass << 16) | (static_cast<std::uint64_t>(tag) << 8) |
+                            static_cast<std::uint64_t>(state)];
     }
-    return nDelta;
+    if (*pPlace == 0) {
+        m_aShared.push_back(MakeDelta(tag, nullptr, classRules, state));
+        *pPlace = static_cast<std::uint32_t>(m_aShared.size());
+    }
+    return *pPlace - 1;
 }
 
 CElementStyles::Change CElementStyles::ChangeOf(TagId tag, const CAttributes& attributes,

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory_resource>
 #include <unordered_map>
 #include <vector>
 
@@ -19,9 +20,10 @@ enum class LinkState : std::uint8_t { None, Link, Hover };
 
 class CElementStyles {
 public:
-    // All three must outlive the object.
-    CElementStyles(const CStyleSheet& sheet, const SystemColours& system, CStyleTable& styles)
-        : m_sheet(sheet), m_system(system), m_styles(styles) {}
+    // All four must outlive the object.
+    CElementStyles(const CStyleSheet& sheet, const SystemColours& system, CStyleTable& styles,
+                   std::pmr::memory_resource* pMemory)
+        : m_sheet(sheet), m_system(system), m_styles(styles), m_aShared(pMemory), m_aOwn(pMemory) {}
 
     // What an element changes. Good for as long as the element is open: give it back with Release,
     // the last one taken first.
@@ -51,10 +53,11 @@ private:
     const CStyleSheet& m_sheet;
     const SystemColours& m_system;
     CStyleTable& m_styles;
-    std::vector<StyleDelta> m_aShared;
-    std::vector<StyleDelta> m_aOwn;                      // of the open elements, innermost last
-    std::array<std::uint32_t, kTagCount> m_aPlain = {};  // place in m_aShared + 1
-    std::unordered_map<std::uint64_t, std::uint32_t> m_shared;
+    std::pmr::vector<StyleDelta> m_aShared;
+    std::pmr::vector<StyleDelta> m_aOwn;  // of the open elements, innermost last
+    // Place in m_aShared + 1: of the tags without a class, and behind them of the states of a link.
+    std::array<std::uint32_t, kTagCount + 2> m_aPlain = {};
+    std::unordered_map<std::uint64_t, std::uint32_t> m_byClass;
 
     struct Known {
         std::uint32_t nParent = kNone;

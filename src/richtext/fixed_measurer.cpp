@@ -9,13 +9,11 @@ FontHandle CFixedMeasurer::OpenFont(const FontDescription& font, FontMetrics& me
     metrics.nAscent = font.nSize * 8 / 10;
     metrics.nDescent = font.nSize - metrics.nAscent;
     metrics.nXHeight = font.nSize / 2;
-    m_aSize.push_back(font.nSize);
-    return static_cast<FontHandle>(m_aSize.size() - 1);
+    return static_cast<FontHandle>(font.nSize);
 }
 
 std::int32_t CFixedMeasurer::TextWidth(FontHandle font, std::string_view text) {
-    const std::int64_t nWidth =
-        std::int64_t{m_aSize[font]} * static_cast<std::int64_t>(text.size()) / 2;
+    const std::int64_t nWidth = std::int64_t{font} * static_cast<std::int64_t>(text.size()) / 2;
     return static_cast<std::int32_t>(
         std::min<std::int64_t>(nWidth, std::numeric_limits<std::int32_t>::max()));
 }

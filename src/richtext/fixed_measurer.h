@@ -2,8 +2,6 @@
 // are the same on every machine, which is what tests and benchmarks need.
 #pragma once
 
-#include <vector>
-
 #include "richtext/text_measurer.h"
 
 namespace mvp::richtext {
@@ -12,6 +10,7 @@ class CFixedMeasurer : public CTextMeasurer {
 public:
     explicit CFixedMeasurer(std::int32_t nDpi = 96) : m_nDpi(nDpi) {}
 
+    // The size is all that counts, so it is the handle too.
     FontHandle OpenFont(const FontDescription& font, FontMetrics& metrics) override;
     std::int32_t TextWidth(FontHandle font, std::string_view text) override;
     // The image's index attribute is its width and height, so that a test can choose.
@@ -23,7 +22,6 @@ public:
 
 private:
     std::int32_t m_nDpi;
-    std::vector<std::int32_t> m_aSize;  // by font handle
 };
 
 }  // namespace mvp::richtext

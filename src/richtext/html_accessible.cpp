@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "frame/log.h"
 #include "platform/barrier.h"
 #include "platform/system_library.h"
 
@@ -52,8 +53,9 @@ void SetNumber(VARIANT& variant, long nValue) noexcept {
 }
 
 template <class Body>
-HRESULT Answer(Body body) noexcept {
-    return Guarded(E_FAIL, body, [] {});
+HRESULT Answer(const char* pszFunction, Body body) noexcept {
+    return Guarded(E_FAIL, body,
+                   [&] { vklogLog(g_szLogTag, kLogError, "%s: exception", pszFunction); });
 }
 
 }  // namespace
@@ -173,7 +175,7 @@ STDMETHODIMP CHtmlAccessible::get_accName(VARIANT child, BSTR* pstrName) {
         return E_POINTER;
     }
     *pstrName = nullptr;
-    return Answer([&]() -> HRESULT {
+    return Answer("CHtmlAccessible::get_accName", [&]() -> HRESULT {
         int nLink = kNoLink;
         if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
             return hr;
@@ -192,7 +194,7 @@ STDMETHODIMP CHtmlAccessible::get_accValue(VARIANT child, BSTR* pstrValue) {
         return E_POINTER;
     }
     *pstrValue = nullptr;
-    return Answer([&]() -> HRESULT {
+    return Answer("CHtmlAccessible::get_accValue", [&]() -> HRESULT {
         int nLink = kNoLink;
         const HRESULT hr = FindLink(child, nLink);
         return hr == S_OK ? MakeString(m_pDrawer->LinkTarget(nLink), pstrValue) : hr;
@@ -282,12 +284,15 @@ STDMETHODIMP CHtmlAccessible::get_accSelection(VARIANT* pChildren) {
     return S_FALSE;
 }
 
+// The system has texts of its own for roles and states (GetRoleText, GetStateText), but none for
+// actions, so there is no translation to take. "Jump" is the customary word for links. It is not in
+// the resource module, which holds what windows show: no window shows this.
 STDMETHODIMP CHtmlAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrAction) {
     if (pstrAction == nullptr) {
         return E_POINTER;
     }
     *pstrAction = nullptr;
-    return Answer([&]() -> HRESULT {
+    return Answer("CHtmlAccessible::get_accDefaultAction", [&]() -> HRESULT {
         int nLink = kNoLink;
         const HRESULT hr = FindLink(child, nLink);
         return hr == S_OK ? MakeString("Jump", pstrAction) : hr;
@@ -325,7 +330,7 @@ STDMETHODIMP CHtmlAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWid
         return E_POINTER;
     }
     *pnLeft = *pnTop = *pnWidth = *pnHeight = 0;
-    return Answer([&]() -> HRESULT {
+    return Answer("CHtmlAccessible::accLocation", [&]() -> HRESULT {
         int nLink = kNoLink;
         if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
             return hr;

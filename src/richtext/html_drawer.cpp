@@ -45,15 +45,32 @@ int HeightOf(const LOGFONTA& font) {
         kMaxFontSize);
 }
 
+void Report(CHtmlDrawer::ReportFailure pfnReport, const char* pszFailure) noexcept {
+    if (pfnReport != nullptr) {
+        pfnReport(pszFailure);
+    }
+}
+
+// Takes a copy of the function, as the body may end the drawer.
 template <class Body>
-auto OrNothing(Body body) noexcept -> decltype(body()) {
-    return mvp::Guarded(decltype(body()){}, body, [] {});
+void OrReport(CHtmlDrawer::ReportFailure pfnReport, const char* pszFailure, Body body) noexcept {
+    mvp::Guarded(
+        false,
+        [&] {
+            body();
+            return true;
+        },
+        [&] { Report(pfnReport, pszFailure); });
 }
 
 }  // namespace
 
-CHtmlDrawer::CHtmlDrawer(FindResourceModule pfnFind, CShell& shell)
-    : m_pictures(pfnFind), m_measurer(m_pictures), m_text(m_measurer), m_shell(shell) {
+CHtmlDrawer::CHtmlDrawer(FindResourceModule pfnFind, CShell& shell, ReportFailure pfnReport)
+    : m_pictures(pfnFind),
+      m_measurer(m_pictures),
+      m_text(m_measurer),
+      m_shell(shell),
+      m_pfnReport(pfnReport) {
     m_settings.colour = GetSysColor(COLOR_WINDOWTEXT);
     m_settings.pCaseMaps = &CodePageCaseMaps();
     NONCLIENTMETRICSA metrics{};
@@ -65,24 +82,31 @@ CHtmlDrawer::CHtmlDrawer(FindResourceModule pfnFind, CShell& shell)
     }
 }
 
+void CHtmlDrawer::Check(bool bDone, const char* pszFailure) const noexcept {
+    if (!bDone) {
+        Report(m_pfnReport, pszFailure);
+    }
+}
+
 // What the text starts from has changed, or what the desktop's colours may be.
 void CHtmlDrawer::Rebuild() noexcept {
     m_settings.system = DesktopColours();
     m_settings.font.face = m_font.lfFaceName;
-    m_text.SetSettings(m_settings);
+    Check(m_text.SetSettings(m_settings), "CHtmlDrawer::Rebuild: the settings were not taken");
     m_measurer.DropFontsBeyond(kKeptFonts);
 }
 
 void CHtmlDrawer::SetText(std::string_view markup) noexcept {
     m_pictures.Clear();
-    m_text.SetText(markup);
+    Check(m_text.SetText(markup), "CHtmlDrawer::SetText: the text was not taken");
     m_nHover = m_nTracked = m_nFocus = kNoLink;
     Rebuild();
 }
 
 void CHtmlDrawer::SetStyleSheet(const char* pszSheet) noexcept {
-    m_text.SetStyleSheet(pszSheet == nullptr ? std::nullopt
-                                             : std::optional<std::string_view>(pszSheet));
+    const auto sheet =
+        pszSheet == nullptr ? std::nullopt : std::optional<std::string_view>(pszSheet);
+    Check(m_text.SetStyleSheet(sheet), "CHtmlDrawer::SetStyleSheet: the sheet was not taken");
     Rebuild();
 }
 
@@ -96,7 +120,8 @@ void CHtmlDrawer::SetTextColor(COLORREF colour) noexcept {
 }
 
 void CHtmlDrawer::SetLinkColors(COLORREF link, COLORREF hover) noexcept {
-    m_text.SetLinkRules(link & 0xFFFFFF, false, hover & 0xFFFFFF, true);
+    Check(m_text.SetLinkRules(link & 0xFFFFFF, false, hover & 0xFFFFFF, true),
+          "CHtmlDrawer::SetLinkColors: the colours were not taken");
     Rebuild();
 }
 
@@ -107,10 +132,8 @@ void CHtmlDrawer::SetFont(const LOGFONTA& font) noexcept {
     m_settings.font.nSize = nHeight != 0 ? nHeight : 13;
     m_settings.font.nWeight = font.lfWeight != 0 ? std::clamp<int>(font.lfWeight, 1, 1000) : 400;
     m_settings.font.bItalic = font.lfItalic != 0;
-    OrNothing([&] {
-        m_measurer.SetBaseFont(m_font);
-        return true;
-    });
+    OrReport(m_pfnReport, "CHtmlDrawer::SetFont: exception",
+             [&] { m_measurer.SetBaseFont(m_font); });
     Rebuild();
 }
 
@@ -128,7 +151,9 @@ void CHtmlDrawer::SetHoverCallback(HWND hWnd, UINT nMessage, LPARAM lParam) noex
 }
 
 bool CHtmlDrawer::Layout() noexcept {
-    return m_text.Layout(std::max(0, m_nWidth - 2 * static_cast<int>(m_margins.x)));
+    const bool bDone = m_text.Layout(std::max(0, m_nWidth - 2 * static_cast<int>(m_margins.x)));
+    Check(bDone, "CHtmlDrawer::Layout: the text was not laid out");
+    return bDone;
 }
 
 void CHtmlDrawer::SetWidth(int nWidth) noexcept {
@@ -148,7 +173,7 @@ void CHtmlDrawer::Draw(HDC hDC, const RECT& area, const RECT& dirty) noexcept {
     if (!Layout() || !IntersectRect(&visible, &area, &dirty)) {
         return;
     }
-    OrNothing([&] {
+    OrReport(m_pfnReport, "CHtmlDrawer::Draw: exception", [&] {
         const auto number = [](int nLink) {
             return nLink == kNoLink ? kNone : static_cast<std::uint32_t>(nLink);
         };
@@ -156,7 +181,6 @@ void CHtmlDrawer::Draw(HDC hDC, const RECT& area, const RECT& dirty) noexcept {
         painter.MoveTo({area.left + m_margins.x, area.top + m_margins.y});
         painter.Paint(m_text.Document(), m_text.Boxes(),
                       {number(m_nHover), number(m_nFocus), m_nClock});
-        return true;
     });
 }
 
@@ -264,7 +288,8 @@ void CHtmlDrawer::FollowLink(int nLink) noexcept {
     if (!IsLink(nLink)) {
         return;
     }
-    OrNothing([&] {
+    const ReportFailure pfnReport = m_pfnReport;
+    OrReport(pfnReport, "CHtmlDrawer::FollowLink: exception", [&] {
         const StyledDocument& document = m_text.Document();
         const Link& link = document.aLinks[static_cast<std::size_t>(nLink)];
         // Copies: whoever is told may set another text, or end this object.
@@ -275,9 +300,9 @@ void CHtmlDrawer::FollowLink(int nLink) noexcept {
                 SendMessageA(callback.hWnd, callback.nMessage,
                              reinterpret_cast<WPARAM>(strMessage.c_str()), callback.lParam);
             }
-        } else if (link.bHref) {
-            OpenLinkTarget(m_shell, std::string(document.StringOf(link.href)));
+        } else if (link.bHref &&
+                   !OpenLinkTarget(m_shell, std::string(document.StringOf(link.href)))) {
+            Report(pfnReport, "CHtmlDrawer::FollowLink: the link was not opened");
         }
-        return true;
     });
 }

@@ -24,9 +24,13 @@ constexpr int kNoLink = -1;
 
 class CHtmlDrawer {
 public:
-    // Called when a resource is needed and no module is named; null: the program itself.
+    // Is told what failed inside, as a line for the log; must not throw.
+    using ReportFailure = void (*)(const char* pszFailure) noexcept;
+
+    // pfnFind is called when a resource is needed and no module is named; null: the program itself.
     explicit CHtmlDrawer(mvp::richtext::FindResourceModule pfnFind = nullptr,
-                         mvp::richtext::CShell& shell = mvp::richtext::SystemShell());
+                         mvp::richtext::CShell& shell = mvp::richtext::SystemShell(),
+                         ReportFailure pfnReport = nullptr);
     CHtmlDrawer(const CHtmlDrawer&) = delete;
     CHtmlDrawer& operator=(const CHtmlDrawer&) = delete;
 
@@ -103,6 +107,7 @@ private:
 
     bool Layout() noexcept;
     void Rebuild() noexcept;
+    void Check(bool bDone, const char* pszFailure) const noexcept;
     bool IsLink(int nLink) const noexcept;
     RECT RectOf(std::int32_t nX, std::int32_t nY, std::int32_t nWidth,
                 std::int32_t nHeight) const noexcept;
@@ -111,6 +116,7 @@ private:
     mvp::richtext::CGdiMeasurer m_measurer;
     mvp::richtext::CRichText m_text;
     mvp::richtext::CShell& m_shell;
+    ReportFailure m_pfnReport;
     mvp::richtext::BuildSettings m_settings;
     LOGFONTA m_font{};
     POINT m_margins{};

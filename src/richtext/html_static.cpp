@@ -5,6 +5,7 @@
 #include <dlgfw/message_map.h>
 #include <dlgfw/module_state.h>
 
+#include "frame/log.h"
 #include "platform/handle.h"
 #include "richtext/html_accessible.h"
 
@@ -21,6 +22,10 @@ constexpr UINT kShortestAnimation = 20;  // milliseconds
 RECT WithOverhang(RECT area) {
     InflateRect(&area, (area.bottom - area.top) / 6, 0);
     return area;
+}
+
+void LogFailure(const char* pszFailure) noexcept {
+    vklogLog(g_szLogTag, kLogError, "%s", pszFailure);
 }
 
 bool IsDown(int nKey) {
@@ -61,7 +66,8 @@ void CHtmlStatic::ReleaseAccessible::operator()(CHtmlAccessible* pAccessible) co
     pAccessible->Release();
 }
 
-CHtmlStatic::CHtmlStatic(mvp::richtext::CShell& shell) : m_drawer(&AfxFindResourceHandle, shell) {}
+CHtmlStatic::CHtmlStatic(mvp::richtext::CShell& shell)
+    : m_drawer(&AfxFindResourceHandle, shell, &LogFailure) {}
 
 // While the object is still whole: WM_DESTROY and the last repaints are its own.
 CHtmlStatic::~CHtmlStatic() {

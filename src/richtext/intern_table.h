@@ -26,6 +26,16 @@ class CInternTable {
 
 public:
     std::uint32_t Intern(const T& value) {
+        if (m_aSlots.empty()) {
+            if (const std::uint32_t nKnown = Search(value); nKnown < Size()) {
+                return nKnown;
+            }
+            if (Size() < kFew) {
+                m_aValues.reserve(kFew);
+                m_aValues.push_back(value);
+                return Size() - 1;
+            }
+        }
         if ((m_aValues.size() + 1) * 2 > m_aSlots.size()) {
             Grow();
         }
@@ -47,6 +57,18 @@ public:
     }
 
 private:
+    // So many are told apart without slots.
+    static constexpr std::size_t kFew = 8;
+
+    // The value's number, or the number of values.
+    std::uint32_t Search(const T& value) const {
+        std::uint32_t i = 0;
+        while (i < Size() && std::memcmp(&m_aValues[i], &value, sizeof(T)) != 0) {
+            ++i;
+        }
+        return i;
+    }
+
     static std::size_t HashOf(const T& value) {
         std::uint32_t aWords[sizeof(T) / sizeof(std::uint32_t)];
         std::memcpy(aWords, &value, sizeof(T));
@@ -70,7 +92,7 @@ private:
     }
 
     void Grow() {
-        m_aSlots.assign(m_aSlots.empty() ? 16 : m_aSlots.size() * 2, 0);
+        m_aSlots.assign(m_aSlots.empty() ? 4 * kFew : m_aSlots.size() * 2, 0);
         m_aValues.reserve(m_aSlots.size() / 2);
         for (std::uint32_t i = 0; i < m_aValues.size(); ++i) {
             SlotOf(m_aValues[i]) = i + 1;

@@ -34,9 +34,12 @@ private:
         WordState state;
     };
     struct OpenTable {
-        CTableGrid grid;
-        std::vector<std::uint32_t> aCells;  // in their order
-        std::vector<ColumnCell> aWidths;    // of these
+        std::size_t nFirstCell = 0;  // of m_aClosed and m_aWidths
+        std::uint32_t nRows = 0;     // begun so far
+    };
+    struct ClosedCell {
+        std::uint32_t nCell;
+        std::uint32_t nRow;  // how many rows were begun before it
     };
 
     void Visit(const Item& item);
@@ -45,6 +48,7 @@ private:
     void EndWord();
     void EndLine();
     void CloseCell(std::uint32_t nCell);
+    void PlaceCells(const OpenTable& table);
     void CloseTable(std::uint32_t nTable);
     Content& Top() { return m_aContents.back(); }
 
@@ -53,6 +57,10 @@ private:
     DocumentMeasures m_measures;
     std::vector<Content> m_aContents;
     std::vector<OpenTable> m_aTables;
+    // Of the open tables: an inner one's stand behind those of the table around it, and go with it.
+    std::vector<ClosedCell> m_aClosed;
+    std::vector<ColumnCell> m_aWidths;
+    CTableGrid m_grid;
 };
 
 void CIntrinsicWidths::Visit(const Item& item) {
@@ -98,13 +106,13 @@ void CIntrinsicWidths::Visit(const Item& item) {
             break;
         }
         case ItemKind::TableOpen:
-            m_aTables.emplace_back();
+            m_aTables.push_back({m_aClosed.size(), 0});
             break;
         case ItemKind::TableClose:
             CloseTable(item.nOffset);
             break;
         case ItemKind::RowOpen:
-            m_aTables.back().grid.BeginRow();
+            ++m_aTables.back().nRows;
             break;
         case ItemKind::CellOpen:
             m_aContents.emplace_back();
@@ -191,34 +199,49 @@ void CIntrinsicWidths::CloseCell(std::uint32_t nCell) {
         widths.nMax = std::max(widths.nMin, outer(std::clamp(nWidth, 0, kMaxExtent)));
         widths.bFixed = true;
     }
-    OpenTable& table = m_aTables.back();
-    table.grid.Place(wanted.nColSpan, wanted.nRowSpan);
-    table.aWidths.push_back(widths);
-    table.aCells.push_back(nCell);
+    m_aWidths.push_back(widths);
+    m_aClosed.push_back({nCell, m_aTables.back().nRows});
+}
+
+// Finds the places of the table's cells.
+void CIntrinsicWidths::PlaceCells(const OpenTable& table) {
+    m_grid.Clear();
+    std::uint32_t nRow = 0;
+    const auto beginRows = [&](std::uint32_t nUpTo) {
+        for (; nRow < nUpTo; ++nRow) {
+            m_grid.BeginRow();
+        }
+    };
+    for (std::size_t i = table.nFirstCell; i < m_aClosed.size(); ++i) {
+        beginRows(m_aClosed[i].nRow);
+        const CellAttributes& wanted = m_document.aCells[m_aClosed[i].nCell];
+        m_grid.Place(wanted.nColSpan, wanted.nRowSpan);
+    }
+    beginRows(table.nRows);
+    m_grid.Finish();
+    for (std::size_t i = table.nFirstCell; i < m_aClosed.size(); ++i) {
+        const GridCell& cell = m_grid.Cells()[i - table.nFirstCell];
+        m_measures.aCells[m_aClosed[i].nCell] = cell;
+        m_aWidths[i].nColumn = static_cast<std::uint32_t>(cell.nColumn);
+        m_aWidths[i].nSpan = static_cast<std::uint32_t>(cell.nColSpan);
+    }
 }
 
 void CIntrinsicWidths::CloseTable(std::uint32_t nTable) {
-    OpenTable table = std::move(m_aTables.back());
+    const OpenTable table = m_aTables.back();
     m_aTables.pop_back();
-    table.grid.Finish();
+    PlaceCells(table);
     TableMeasure& measure = m_measures.aTables[nTable];
     measure.nFirstColumn = static_cast<std::uint32_t>(m_measures.aColumns.size());
-    measure.nColumns = static_cast<std::uint32_t>(table.grid.Columns());
-    measure.nRows = static_cast<std::uint32_t>(table.grid.Rows());
-    std::uint32_t* pLink = &measure.nFirstCell;
-    for (std::size_t i = 0; i < table.aCells.size(); ++i) {
-        const GridCell& grid = table.grid.Cells()[i];
-        CellMeasure& cell = m_measures.aCells[table.aCells[i]];
-        cell.grid = grid;
-        *pLink = table.aCells[i];
-        pLink = &cell.nNextInTable;
-        table.aWidths[i].nColumn = static_cast<std::uint32_t>(grid.nColumn);
-        table.aWidths[i].nSpan = static_cast<std::uint32_t>(grid.nColSpan);
-    }
+    measure.nColumns = static_cast<std::uint32_t>(m_grid.Columns());
+    measure.nRows = static_cast<std::uint32_t>(m_grid.Rows());
     m_measures.aColumns.resize(m_measures.aColumns.size() + measure.nColumns);
     const auto columns = std::span(m_measures.aColumns).subspan(measure.nFirstColumn);
     const TableAttributes& wanted = m_document.aTables[nTable];
-    MeasureColumns(table.aWidths, ToFixed(wanted.nCellSpacing), columns);
+    MeasureColumns(std::span(m_aWidths).subspan(table.nFirstCell), ToFixed(wanted.nCellSpacing),
+                   columns);
+    m_aClosed.resize(table.nFirstCell);
+    m_aWidths.resize(table.nFirstCell);
     const ColumnTotals totals = TotalOf(columns);
     const Fixed nInsets = ToFixed(TableInsets(wanted, measure.nColumns));
     measure.nMinWidth = totals.nMin + nInsets;

@@ -14,13 +14,7 @@
 
 namespace mvp::richtext {
 
-struct CellMeasure {
-    std::uint32_t nNextInTable = kNone;
-    GridCell grid;
-};
-
 struct TableMeasure {
-    std::uint32_t nFirstCell = kNone;
     std::uint32_t nFirstColumn = 0;  // of aColumns
     std::uint32_t nColumns = 0;
     std::uint32_t nRows = 0;
@@ -29,7 +23,7 @@ struct TableMeasure {
 };
 
 struct DocumentMeasures {
-    std::vector<CellMeasure> aCells;    // parallel to the document's
+    std::vector<GridCell> aCells;       // parallel to the document's
     std::vector<TableMeasure> aTables;  // parallel to the document's
     std::vector<Column> aColumns;
 };

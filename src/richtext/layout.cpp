@@ -4,6 +4,7 @@
 
 #include "richtext/intrinsic_widths.h"
 #include "richtext/line_builder.h"
+#include "richtext/scratch_memory.h"
 #include "richtext/table_rows.h"
 
 namespace mvp::richtext {
@@ -17,42 +18,50 @@ public:
     LayoutBoxes Run();
 
 private:
-    // An open table. Cells are placed from aColumnX, spacing in front of each column.
     struct OpenTable {
         std::uint32_t nTable = 0;
         std::uint32_t nBlock = 0;
-        std::vector<Fixed> aColumnX;  // absolute; one more than there are columns
-        std::vector<RowCell> aRowCells;
-        std::vector<std::uint32_t> aBlocks;  // of these cells
+        std::size_t nFirstColumn = 0;  // of m_aColumnX
+        std::size_t nFirstCell = 0;    // of m_aRowCells and m_aCellBlocks
     };
 
     void Visit(const Item& item);
     void BeginTable(std::uint32_t nTable);
     void EndTable();
-    void PlaceColumns(OpenTable& table, Fixed nX, Fixed nWidth);
+    void PlaceColumns(const OpenTable& table, Fixed nX, Fixed nWidth);
     void BeginCell(std::uint32_t nCell);
     void EndCell(std::uint32_t nCell);
-    void PlaceRows(OpenTable& table, std::vector<Row>& rows);
+    void PlaceRows(const OpenTable& table);
     void PlaceContent(BlockBox& block, const RowCell& cell, const Row& row) const;
     void AddUpPositions();
 
     const StyledDocument& m_document;
     LayoutBoxes m_boxes;
     DocumentMeasures m_measures;
+    CScratchMemory<2048> m_scratch;
     CLineBuilder m_lines;
-    std::vector<Flow> m_aFlows;  // the line builder points at the last one
+    std::pmr::vector<Flow> m_aFlows;  // the line builder points at the last one
     std::vector<OpenTable> m_aTables;
+    // Of the open tables: an inner one's stand behind those of the table around it, and go with it.
+    std::vector<Fixed> m_aColumnX;  // absolute; one more than there are columns
+    std::vector<RowCell> m_aRowCells;
+    std::vector<std::uint32_t> m_aCellBlocks;  // of these cells
+    // Of the table at hand; kept for their storage.
+    std::vector<Fixed> m_aWidths;
+    std::vector<Row> m_aRows;
+    std::vector<std::int64_t> m_aRowTop;
 };
 
 CLayout::CLayout(const StyledDocument& document, CTextMeasurer& measurer, std::int32_t nWidth)
-    : m_document(document), m_lines(document, measurer, m_boxes) {
+    : m_document(document),
+      m_lines(document, measurer, m_boxes, m_scratch.Resource()),
+      m_aFlows(m_scratch.Resource()) {
     if (!document.aTables.empty()) {
         m_measures = MeasureDocument(document, measurer);
     }
     m_boxes.aBlocks.reserve(document.aTables.size() + document.aCells.size());
     m_boxes.aFragments.reserve(document.aItems.size() + document.strText.size() / 64);
     m_boxes.aLines.reserve(document.strText.size() / 48 + 4);
-    m_aFlows.reserve(4);
     Flow& flow = m_aFlows.emplace_back();
     flow.nWidth = ToFixed(std::clamp(nWidth, 0, kMaxWidth));
     m_lines.SetFlow(flow);
@@ -136,6 +145,8 @@ void CLayout::BeginTable(std::uint32_t nTable) {
     OpenTable& table = m_aTables.emplace_back();
     table.nTable = nTable;
     table.nBlock = static_cast<std::uint32_t>(m_boxes.aBlocks.size());
+    table.nFirstColumn = m_aColumnX.size();
+    table.nFirstCell = m_aRowCells.size();
     BlockBox& block = m_boxes.aBlocks.emplace_back();
     block.nX = HeldCoordinate(RoundPixels(nX));
     block.nWidth = HeldCoordinate(RoundPixels(nX + nWidth) - block.nX);
@@ -146,31 +157,32 @@ void CLayout::BeginTable(std::uint32_t nTable) {
     PlaceColumns(table, nX, nWidth);
 }
 
-void CLayout::PlaceColumns(OpenTable& table, Fixed nX, Fixed nWidth) {
+// Spacing stands in front of each column and behind the last.
+void CLayout::PlaceColumns(const OpenTable& table, Fixed nX, Fixed nWidth) {
     const TableAttributes& wanted = m_document.aTables[table.nTable];
     const TableMeasure& measure = m_measures.aTables[table.nTable];
     const auto columns =
         std::span(m_measures.aColumns).subspan(measure.nFirstColumn, measure.nColumns);
-    std::vector<Fixed> widths(columns.size());
-    ShareWidth(columns, nWidth - ToFixed(TableInsets(wanted, measure.nColumns)), widths);
+    m_aWidths.resize(columns.size());
+    ShareWidth(columns, nWidth - ToFixed(TableInsets(wanted, measure.nColumns)), m_aWidths);
     Fixed nAt = nX + ToFixed(wanted.border[kLeft] + wanted.nCellSpacing);
-    table.aColumnX.reserve(widths.size() + 1);
-    for (const Fixed nColumn : widths) {
-        table.aColumnX.push_back(nAt);
+    for (const Fixed nColumn : m_aWidths) {
+        m_aColumnX.push_back(nAt);
         nAt += nColumn + ToFixed(wanted.nCellSpacing);
     }
-    table.aColumnX.push_back(nAt);
+    m_aColumnX.push_back(nAt);
 }
 
 void CLayout::BeginCell(std::uint32_t nCell) {
-    OpenTable& table = m_aTables.back();
+    const OpenTable& table = m_aTables.back();
     const TableAttributes& wantedTable = m_document.aTables[table.nTable];
     const CellAttributes& wanted = m_document.aCells[nCell];
-    const GridCell& grid = m_measures.aCells[nCell].grid;
-    const Fixed nX = table.aColumnX[static_cast<std::size_t>(grid.nColumn)];
-    const Fixed nEnd = table.aColumnX[static_cast<std::size_t>(grid.nColumn + grid.nColSpan)] -
-                       ToFixed(wantedTable.nCellSpacing);
-    table.aBlocks.push_back(static_cast<std::uint32_t>(m_boxes.aBlocks.size()));
+    const GridCell& grid = m_measures.aCells[nCell];
+    const Fixed* const pColumnX = m_aColumnX.data() + table.nFirstColumn;
+    const Fixed nX = pColumnX[grid.nColumn];
+    const Fixed nEnd = pColumnX[grid.nColumn + grid.nColSpan] - ToFixed(wantedTable.nCellSpacing);
+    m_aCellBlocks.push_back(static_cast<std::uint32_t>(m_boxes.aBlocks.size()));
+    m_aRowCells.emplace_back();
     BlockBox& block = m_boxes.aBlocks.emplace_back();
     block.bCell = true;
     block.nX = HeldCoordinate(RoundPixels(nX));
@@ -182,7 +194,7 @@ void CLayout::BeginCell(std::uint32_t nCell) {
     Flow flow;
     flow.nX = nX + ToFixed(wanted.border[kLeft] + wanted.padding[kLeft]);
     flow.nWidth = std::max<Fixed>(0, nEnd - nX - ToFixed(CellInsets(wanted)));
-    flow.nBlock = table.aBlocks.back();
+    flow.nBlock = m_aCellBlocks.back();
     flow.nStyle = wanted.nStyle;
     flow.nOuterBoxes = m_lines.OpenBoxes();
     m_lines.SetFlow(m_aFlows.emplace_back(flow));
@@ -194,9 +206,9 @@ void CLayout::EndCell(std::uint32_t nCell) {
     m_aFlows.pop_back();
     m_lines.SetFlow(m_aFlows.back());
     const CellAttributes& wanted = m_document.aCells[nCell];
-    const GridCell& grid = m_measures.aCells[nCell].grid;
+    const GridCell& grid = m_measures.aCells[nCell];
     const std::int64_t nTop = wanted.border[kTop] + wanted.padding[kTop];
-    RowCell cell;
+    RowCell& cell = m_aRowCells.back();
     cell.nRow = static_cast<std::uint32_t>(grid.nRow);
     cell.nSpan = static_cast<std::uint32_t>(grid.nRowSpan);
     cell.nHeight = std::max<std::int64_t>(flow.nY, wanted.nHeight) + nTop + wanted.border[kBottom] +
@@ -205,9 +217,8 @@ void CLayout::EndCell(std::uint32_t nCell) {
     if (wanted.verticalAlign == VerticalAlign::Baseline && flow.nFirstBaseline >= 0) {
         cell.nBaseline = nTop + flow.nFirstBaseline;
     }
-    m_aTables.back().aRowCells.push_back(cell);
     // Until the rows are known: how high the content itself is.
-    m_boxes.aBlocks[m_aTables.back().aBlocks.back()].nContentY = HeldCoordinate(flow.nY);
+    m_boxes.aBlocks[m_aCellBlocks.back()].nContentY = HeldCoordinate(flow.nY);
 }
 
 // The cell's place in its row is known; its content stands in it as its alignment says.
@@ -233,37 +244,40 @@ void CLayout::PlaceContent(BlockBox& block, const RowCell& cell, const Row& row)
     block.nContentY = HeldCoordinate(block.nY + nTop + nOffset);
 }
 
-void CLayout::PlaceRows(OpenTable& table, std::vector<Row>& rows) {
+void CLayout::PlaceRows(const OpenTable& table) {
     const TableAttributes& wanted = m_document.aTables[table.nTable];
     const std::int64_t nSpacing = wanted.nCellSpacing;
     const std::int64_t nEdges = wanted.border[kTop] + wanted.border[kBottom] + 2 * nSpacing;
-    // MeasureRows sorts its cells; the order of the blocks is needed again below.
-    std::vector<RowCell> sorted = table.aRowCells;
-    MeasureRows(sorted, nSpacing, wanted.nHeight - nEdges, rows);
-    std::vector<std::int64_t> aTop(rows.size() + 1);
-    aTop[0] = wanted.border[kTop] + nSpacing;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        aTop[i + 1] = aTop[i] + rows[i].nHeight + nSpacing;
+    m_aRows.assign(m_measures.aTables[table.nTable].nRows, {});
+    MeasureRows(std::span(m_aRowCells).subspan(table.nFirstCell), nSpacing, wanted.nHeight - nEdges,
+                m_aRows);
+    m_aRowTop.resize(m_aRows.size() + 1);
+    m_aRowTop[0] = wanted.border[kTop] + nSpacing;
+    for (std::size_t i = 0; i < m_aRows.size(); ++i) {
+        m_aRowTop[i + 1] = m_aRowTop[i] + m_aRows[i].nHeight + nSpacing;
     }
-    for (std::size_t i = 0; i < table.aBlocks.size(); ++i) {
-        const RowCell& cell = table.aRowCells[i];
-        BlockBox& block = m_boxes.aBlocks[table.aBlocks[i]];
-        block.nY = HeldCoordinate(aTop[cell.nRow]);
-        block.nHeight = HeldCoordinate(aTop[cell.nRow + cell.nSpan] - nSpacing - aTop[cell.nRow]);
-        PlaceContent(block, cell, rows[cell.nRow]);
+    for (std::size_t i = table.nFirstCell; i < m_aRowCells.size(); ++i) {
+        const RowCell& cell = m_aRowCells[i];
+        BlockBox& block = m_boxes.aBlocks[m_aCellBlocks[i]];
+        block.nY = HeldCoordinate(m_aRowTop[cell.nRow]);
+        block.nHeight =
+            HeldCoordinate(m_aRowTop[cell.nRow + cell.nSpan] - nSpacing - m_aRowTop[cell.nRow]);
+        PlaceContent(block, cell, m_aRows[cell.nRow]);
     }
-    const std::int64_t nHeight = rows.empty() ? wanted.border[kTop] + wanted.border[kBottom]
-                                              : aTop.back() + wanted.border[kBottom];
+    const std::int64_t nHeight =
+        (m_aRows.empty() ? wanted.border[kTop] : m_aRowTop.back()) + wanted.border[kBottom];
     m_boxes.aBlocks[table.nBlock].nHeight =
         HeldCoordinate(std::max<std::int64_t>(nHeight, wanted.nHeight));
 }
 
 void CLayout::EndTable() {
-    OpenTable table = std::move(m_aTables.back());
+    const OpenTable table = m_aTables.back();
     m_aTables.pop_back();
     const TableAttributes& wanted = m_document.aTables[table.nTable];
-    std::vector<Row> rows(m_measures.aTables[table.nTable].nRows);
-    PlaceRows(table, rows);
+    PlaceRows(table);
+    m_aColumnX.resize(table.nFirstColumn);
+    m_aRowCells.resize(table.nFirstCell);
+    m_aCellBlocks.resize(table.nFirstCell);
     const std::int64_t nHeight = m_boxes.aBlocks[table.nBlock].nHeight;
     m_aFlows.back().nY += wanted.margin[kTop] + nHeight + wanted.margin[kBottom];
 }

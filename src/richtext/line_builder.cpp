@@ -146,7 +146,7 @@ void CLineBuilder::PlaceLongWord() {
     PlaceUnit(m_aUnit);
 }
 
-void CLineBuilder::PlaceUnit(std::vector<Piece>& pieces) {
+void CLineBuilder::PlaceUnit(std::pmr::vector<Piece>& pieces) {
     std::int64_t nWidth = 0;
     for (const Piece& piece : pieces) {
         nWidth += piece.nWidth;
@@ -276,8 +276,9 @@ void CLineBuilder::EndParagraph() {
     EndWord();
     if (m_bContent) {
         FinishLine(true);
+    } else {
+        ResetLine();
     }
-    ResetLine();
 }
 
 void CLineBuilder::AddRule(const Item& item) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory_resource>
 #include <vector>
 
 #include "richtext/layout_boxes.h"
@@ -25,10 +26,15 @@ struct Flow {
 
 class CLineBuilder {
 public:
-    CLineBuilder(const StyledDocument& document, CTextMeasurer& measurer, LayoutBoxes& boxes)
-        : m_document(document), m_measurer(measurer), m_boxes(boxes) {
-        m_aWord.reserve(8);
-    }
+    // All four must outlive the object.
+    CLineBuilder(const StyledDocument& document, CTextMeasurer& measurer, LayoutBoxes& boxes,
+                 std::pmr::memory_resource* pMemory)
+        : m_document(document),
+          m_measurer(measurer),
+          m_boxes(boxes),
+          m_aWord(pMemory),
+          m_aUnit(pMemory),
+          m_aOpenBoxes(pMemory) {}
 
     // The lines that follow go to this flow. The one before must be at the end of a paragraph.
     void SetFlow(Flow& flow);
@@ -65,7 +71,7 @@ private:
     void EndWord();
     void PlaceWord();
     void PlaceLongWord();
-    void PlaceUnit(std::vector<Piece>& pieces);
+    void PlaceUnit(std::pmr::vector<Piece>& pieces);
     void Place(const Piece& piece);
     void PlaceSpace();
     void PlaceBoxOpen(const Piece& piece);
@@ -91,8 +97,8 @@ private:
     std::int64_t m_nAvailable = 0;
 
     // The word at hand, not yet on a line.
-    std::vector<Piece> m_aWord;
-    std::vector<Piece> m_aUnit;  // of a long word; kept for its storage
+    std::pmr::vector<Piece> m_aWord;
+    std::pmr::vector<Piece> m_aUnit;  // of a long word; kept for its storage
     std::int64_t m_nWordWidth = 0;
     WordState m_wordState;
 
@@ -112,7 +118,7 @@ private:
     std::int64_t m_nMiddleHeight = 0;
     std::int64_t m_nBottomHeight = 0;
 
-    std::vector<OpenInlineBox> m_aOpenBoxes;
+    std::pmr::vector<OpenInlineBox> m_aOpenBoxes;
 };
 
 }  // namespace mvp::richtext

@@ -11,6 +11,7 @@ namespace mvp::richtext {
 namespace {
 
 constexpr long long kLastShellError = 32;
+constexpr UINT kLastExecError = 31;
 
 // The default value of a key of HKEY_CLASSES_ROOT, with the environment's variables put in.
 std::string ClassValue(const std::string& strKey) {
@@ -52,8 +53,8 @@ public:
         const std::string strClass = ClassValue(".htm");
         return strClass.empty() ? std::string() : ClassValue(strClass + "\\shell\\open\\command");
     }
-    void Start(const std::string& strCommandLine) override {
-        WinExec(strCommandLine.c_str(), SW_SHOW);
+    bool Start(const std::string& strCommandLine) override {
+        return WinExec(strCommandLine.c_str(), SW_SHOW) > kLastExecError;
     }
 };
 
@@ -64,13 +65,12 @@ CShell& SystemShell() {
     return shell;
 }
 
-void OpenLinkTarget(CShell& shell, const std::string& strTarget) {
+bool OpenLinkTarget(CShell& shell, const std::string& strTarget) {
     if (shell.Open(strTarget) > kLastShellError) {
-        return;
+        return true;
     }
-    if (const std::string strCommand = shell.HtmlCommand(); !strCommand.empty()) {
-        shell.Start(BrowserCommandLine(strCommand, strTarget));
-    }
+    const std::string strCommand = shell.HtmlCommand();
+    return !strCommand.empty() && shell.Start(BrowserCommandLine(strCommand, strTarget));
 }
 
 }  // namespace mvp::richtext

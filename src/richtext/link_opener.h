@@ -18,11 +18,13 @@ public:
     virtual long long Open(const std::string& strTarget) = 0;
     // The command that the file type ".htm" is opened with; empty when there is none.
     virtual std::string HtmlCommand() = 0;
-    virtual void Start(const std::string& strCommandLine) = 0;
+    // False when it could not be started.
+    virtual bool Start(const std::string& strCommandLine) = 0;
 };
 
 CShell& SystemShell();
 
-void OpenLinkTarget(CShell& shell, const std::string& strTarget);
+// False when neither of them could.
+bool OpenLinkTarget(CShell& shell, const std::string& strTarget);
 
 }  // namespace mvp::richtext

@@ -46,8 +46,7 @@ ImageDescription DescriptionOf(const StyledDocument& document, const ImageAttrib
             image.nIndex};
 }
 
-CPainter::CPainter(HDC hDC, const RECT& dirty, const CGdiMeasurer& measurer,
-                   CPictureStore& pictures)
+CPainter::CPainter(HDC hDC, const RECT& dirty, CGdiMeasurer& measurer, CPictureStore& pictures)
     : m_hDC(hDC), m_dirty(dirty), m_measurer(measurer), m_pictures(pictures) {}
 
 template <class Box>
@@ -173,23 +172,15 @@ void CPainter::DrawTextOf(const Drawn& drawn, const Fragment& fragment,
     const int nX = m_origin.x + fragment.nX;
     const int nBaseline = m_origin.y + fragment.nY + font.metrics.nAscent;
     if (fragment.nExtra > 0) {
-        SetTextJustification(m_hDC, fragment.nExtra,
-                             static_cast<int>(std::count(text.begin(), text.end(), ' ')));
-    }
-    if (text.size() <= kMaxTextCall) {
-        ExtTextOutA(m_hDC, nX, nBaseline, 0, nullptr, text.data(), static_cast<UINT>(text.size()),
-                    nullptr);
+        DrawSpread(font, nX, nBaseline, text, fragment.nExtra);
     } else {
-        DrawLongText(nX, nBaseline, text);
-    }
-    if (fragment.nExtra > 0) {
-        SetTextJustification(m_hDC, 0, 0);
+        DrawRun(nX, nBaseline, text);
     }
 }
 
-// Piece by piece, and only until it leaves what is to be painted.
-void CPainter::DrawLongText(int nX, int nY, std::string_view text) {
-    while (!text.empty() && nX < m_dirty.right) {
+// A long text goes piece by piece, and only until it leaves what is to be painted.
+void CPainter::DrawRun(int nX, int nY, std::string_view text) {
+    while (text.size() > kMaxTextCall && nX < m_dirty.right) {
         const std::string_view part = text.substr(0, kMaxTextCall);
         SIZE size{};
         GetTextExtentPoint32A(m_hDC, part.data(), static_cast<int>(part.size()), &size);
@@ -199,6 +190,30 @@ void CPainter::DrawLongText(int nX, int nY, std::string_view text) {
         }
         nX += size.cx;
         text.remove_prefix(part.size());
+    }
+    if (nX < m_dirty.right) {
+        ExtTextOutA(m_hDC, nX, nY, 0, nullptr, text.data(), static_cast<UINT>(text.size()),
+                    nullptr);
+    }
+}
+
+// Word by word, each where layout has put it: with the system's own justification letters may take
+// other advances than without, and the line leaves its edge.
+void CPainter::DrawSpread(const Font& font, int nX, int nY, std::string_view text, int nExtra) {
+    const std::int64_t nSpaces = std::count(text.begin(), text.end(), ' ');
+    std::int64_t nSeen = 0;
+    for (;;) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        if (!word.empty()) {
+            DrawRun(nX + static_cast<int>(nExtra * nSeen / nSpaces), nY, word);
+            nX += m_measurer.TextWidth(font.handle, word);
+        }
+        if (word.size() == text.size()) {
+            return;
+        }
+        nX += font.nSpaceWidth;
+        ++nSeen;
+        text.remove_prefix(word.size() + 1);
     }
 }
 

@@ -26,7 +26,7 @@ public:
     // `dirty` is in logical coordinates of the context and bounds what is drawn; the context's
     // state is put back at the end of Paint. Measurer and pictures must be the ones the text was
     // measured with.
-    CPainter(HDC hDC, const RECT& dirty, const CGdiMeasurer& measurer, CPictureStore& pictures);
+    CPainter(HDC hDC, const RECT& dirty, CGdiMeasurer& measurer, CPictureStore& pictures);
 
     // Where the text's top left corner stands.
     void MoveTo(POINT origin) { m_origin = origin; }
@@ -47,7 +47,8 @@ private:
     void DrawLine(const Drawn& drawn, const LineBox& line);
     void DrawFragment(const Drawn& drawn, const Fragment& fragment);
     void DrawTextOf(const Drawn& drawn, const Fragment& fragment, const ComputedStyle& style);
-    void DrawLongText(int nX, int nY, std::string_view text);
+    void DrawRun(int nX, int nY, std::string_view text);
+    void DrawSpread(const Font& font, int nX, int nY, std::string_view text, int nExtra);
     void DrawDecorations(const Font& font, const ComputedStyle& style, const RECT& area);
     void DrawInlineBox(const Drawn& drawn, const Fragment& fragment, const ComputedStyle& style);
     void DrawImage(const Drawn& drawn, const Fragment& fragment);
@@ -58,7 +59,7 @@ private:
 
     HDC m_hDC;
     RECT m_dirty;
-    const CGdiMeasurer& m_measurer;
+    CGdiMeasurer& m_measurer;
     CPictureStore& m_pictures;
     POINT m_origin{};
     HFONT m_hFont = nullptr;  // selected

@@ -38,6 +38,43 @@ void LowerTagSelectors(std::vector<char>& text) {
     }
 }
 
+void AddSelectors(std::string_view selectors, std::string_view block,
+                  std::vector<CStyleSheet::Rule>& rules) {
+    for (std::string_view part = NextToken(selectors, ","); !part.empty();
+         part = NextToken(selectors, ",")) {
+        if (const std::string_view selector = Trim(part); !selector.empty()) {
+            rules.push_back({selector, block});
+        }
+    }
+}
+
+std::vector<CStyleSheet::Rule> ReadRules(std::string_view text) {
+    std::vector<CStyleSheet::Rule> rules;
+    rules.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '}')));
+    for (;;) {
+        const std::size_t nOpen = text.find('{');
+        const std::size_t nClose = nOpen == std::string_view::npos ? nOpen : text.find('}', nOpen);
+        if (nClose == std::string_view::npos) {
+            break;
+        }
+        AddSelectors(text.substr(0, nOpen), Trim(text.substr(nOpen + 1, nClose - nOpen - 1)),
+                     rules);
+        text.remove_prefix(nClose + 1);
+    }
+    // Blocks of one selector stay in the order of the text.
+    std::sort(rules.begin(), rules.end(),
+              [](const CStyleSheet::Rule& a, const CStyleSheet::Rule& b) {
+                  const int nOrder = a.selector.compare(b.selector);
+                  return nOrder != 0 ? nOrder < 0 : a.selector.data() < b.selector.data();
+              });
+    return rules;
+}
+
+const std::vector<CStyleSheet::Rule>& BuiltInRules() {
+    static const std::vector<CStyleSheet::Rule> s_aRules = ReadRules(BuiltInStyleSheet());
+    return s_aRules;
+}
+
 std::string LinkRule(const char* pszSelector, Colour colour, bool bUnderline) {
     char aColour[16];
     std::snprintf(aColour, sizeof(aColour), "0x%06X", static_cast<unsigned>(colour));
@@ -68,49 +105,28 @@ std::string_view BuiltInStyleSheet() {
 }
 
 void CStyleSheet::Load(std::optional<std::string_view> text) {
+    m_bBuiltIn = false;
     m_aRules.clear();
     m_aText.clear();
     if (!text.has_value()) {
-        Scan(BuiltInStyleSheet());
+        BuiltInRules();  // here, where memory may run out, and not when they are asked for
+        m_bBuiltIn = true;
         return;
     }
     m_aText.assign(text->begin(), text->end());
     BlankComments(m_aText);
     LowerTagSelectors(m_aText);
-    Scan({m_aText.data(), m_aText.size()});
+    m_aRules = ReadRules({m_aText.data(), m_aText.size()});
 }
 
-void CStyleSheet::Scan(std::string_view text) {
-    m_aRules.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '}')));
-    for (;;) {
-        const std::size_t nOpen = text.find('{');
-        const std::size_t nClose = nOpen == std::string_view::npos ? nOpen : text.find('}', nOpen);
-        if (nClose == std::string_view::npos) {
-            break;
-        }
-        AddSelectors(text.substr(0, nOpen), Trim(text.substr(nOpen + 1, nClose - nOpen - 1)));
-        text.remove_prefix(nClose + 1);
-    }
-    // Blocks of one selector stay in the order of the text.
-    std::sort(m_aRules.begin(), m_aRules.end(), [](const Rule& a, const Rule& b) {
-        const int nOrder = a.selector.compare(b.selector);
-        return nOrder != 0 ? nOrder < 0 : a.selector.data() < b.selector.data();
-    });
-}
-
-void CStyleSheet::AddSelectors(std::string_view selectors, std::string_view block) {
-    for (std::string_view part = NextToken(selectors, ","); !part.empty();
-         part = NextToken(selectors, ",")) {
-        if (const std::string_view selector = Trim(part); !selector.empty()) {
-            m_aRules.push_back({selector, block});
-        }
-    }
+std::span<const CStyleSheet::Rule> CStyleSheet::Rules() const {
+    return m_bBuiltIn ? BuiltInRules() : m_aRules;
 }
 
 void CStyleSheet::SetLinkRules(Colour link, bool bLinkUnderline, Colour hover,
                                bool bHoverUnderline) {
     std::string strText;
-    for (const Rule& rule : m_aRules) {
+    for (const Rule& rule : Rules()) {
         if (rule.selector != "a:link" && rule.selector != "a:hover") {
             strText.append(rule.selector).append(" {").append(rule.block).append("}\r\n");
         }
@@ -121,8 +137,9 @@ void CStyleSheet::SetLinkRules(Colour link, bool bLinkUnderline, Colour hover,
 }
 
 std::span<const CStyleSheet::Rule> CStyleSheet::Find(std::string_view selector) const {
+    const std::span<const Rule> rules = Rules();
     const auto range =
-        std::equal_range(m_aRules.begin(), m_aRules.end(), Rule{selector, {}},
+        std::equal_range(rules.begin(), rules.end(), Rule{selector, {}},
                          [](const Rule& a, const Rule& b) { return a.selector < b.selector; });
     return {range.first, range.second};
 }
@@ -133,17 +150,18 @@ std::span<const CStyleSheet::Rule> CStyleSheet::FindClass(std::string_view name)
         return selector.substr(0, 1) == "." ? selector.substr(1).compare(key)
                                             : selector.compare(".");
     };
-    const auto first =
-        std::partition_point(m_aRules.begin(), m_aRules.end(),
-                             [&](const Rule& rule) { return compare(rule.selector, name) < 0; });
+    const std::span<const Rule> rules = Rules();
+    const auto first = std::partition_point(rules.begin(), rules.end(), [&](const Rule& rule) {
+        return compare(rule.selector, name) < 0;
+    });
     const auto last = std::partition_point(
-        first, m_aRules.end(), [&](const Rule& rule) { return compare(rule.selector, name) == 0; });
+        first, rules.end(), [&](const Rule& rule) { return compare(rule.selector, name) == 0; });
     return {first, last};
 }
 
 std::string CStyleSheet::Dump() const {
     std::string strDump;
-    for (const Rule& rule : m_aRules) {
+    for (const Rule& rule : Rules()) {
         strDump.append(rule.selector).append(" {").append(rule.block).append("}\n");
     }
     return strDump;

@@ -50,15 +50,13 @@ public:
     // The same for the selector "." + name.
     std::span<const Rule> FindClass(std::string_view name) const;
     // All rules in the order of their selectors.
-    std::span<const Rule> Rules() const { return m_aRules; }
+    std::span<const Rule> Rules() const;
 
     // One rule a line.
     std::string Dump() const;
 
 private:
-    void Scan(std::string_view text);
-    void AddSelectors(std::string_view selectors, std::string_view block);
-
+    bool m_bBuiltIn = false;  // its rules are the same for all, read once
     std::vector<char> m_aText;
     std::vector<Rule> m_aRules;
 };

@@ -31,7 +31,7 @@ void CStyleTable::Begin(CTextMeasurer& measurer, const FontDescription& font, Co
     m_nDpi = std::clamp(measurer.DotsPerInch(), 1, 10000);
     m_aFonts.reserve(4);
     Font base;
-    base.nFace = InternFace(font.face);
+    base.strFace = font.face.substr(0, kMaxFaceLength);
     base.nSize = std::clamp(font.nSize, 1, kMaxFontSize);
     base.nWeight = font.nWeight;
     base.bItalic = font.bItalic;
@@ -41,25 +41,10 @@ void CStyleTable::Begin(CTextMeasurer& measurer, const FontDescription& font, Co
     m_styles.Intern(style);
 }
 
-std::uint32_t CStyleTable::InternFace(std::string_view face) {
-    face = face.substr(0, kMaxFaceLength);
-    const auto found = std::find_if(m_aFaces.begin(), m_aFaces.end(), [&](const auto& strKnown) {
-        return EqualsNoCase(strKnown, face);
-    });
-    if (found != m_aFaces.end()) {
-        return static_cast<std::uint32_t>(found - m_aFaces.begin());
-    }
-    if (m_aFaces.size() == kMaxFonts) {
-        return 0;
-    }
-    m_aFaces.emplace_back(face);
-    return static_cast<std::uint32_t>(m_aFaces.size() - 1);
-}
-
 std::uint32_t CStyleTable::InternFont(const Font& font) {
     const auto found = std::find_if(m_aFonts.begin(), m_aFonts.end(), [&](const Font& known) {
-        return known.nFace == font.nFace && known.nSize == font.nSize &&
-               known.nWeight == font.nWeight && known.bItalic == font.bItalic;
+        return known.nSize == font.nSize && known.nWeight == font.nWeight &&
+               known.bItalic == font.bItalic && EqualsNoCase(known.strFace, font.strFace);
     });
     if (found != m_aFonts.end()) {
         return static_cast<std::uint32_t>(found - m_aFonts.begin());
@@ -68,8 +53,8 @@ std::uint32_t CStyleTable::InternFont(const Font& font) {
         return 0;
     }
     Font made = font;
-    made.handle = m_pMeasurer->OpenFont(
-        {m_aFaces[font.nFace], font.nSize, font.nWeight, font.bItalic}, made.metrics);
+    made.handle =
+        m_pMeasurer->OpenFont({made.strFace, font.nSize, font.nWeight, font.bItalic}, made.metrics);
     made.metrics.nAscent = std::clamp(made.metrics.nAscent, 0, 2 * kMaxFontSize);
     made.metrics.nDescent = std::clamp(made.metrics.nDescent, 0, 2 * kMaxFontSize);
     made.nSpaceWidth = std::max(0, m_pMeasurer->TextWidth(made.handle, " "));
@@ -94,7 +79,7 @@ std::uint32_t CStyleTable::FontFor(const Font& parent, const StyleDelta& delta) 
         font.nSize = nSize > 0 ? std::min(nSize, kMaxFontSize) : parent.nSize;
     }
     if (delta.family.has_value()) {
-        font.nFace = InternFace(*delta.family);
+        font.strFace = delta.family->substr(0, kMaxFaceLength);
     }
     Set(font.bItalic, delta.bItalic);
     if (delta.nWeight.has_value()) {

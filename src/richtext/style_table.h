@@ -51,7 +51,7 @@ struct BoxStyle {
 };
 
 struct Font {
-    std::uint32_t nFace = 0;
+    std::string strFace;
     std::int32_t nSize = 0;
     std::int32_t nWeight = 400;
     bool bItalic = false;
@@ -82,14 +82,12 @@ public:
         const std::uint32_t nBox = m_styles[nStyle].nBox;
         return nBox == 0 ? kNoBox : m_boxes[nBox - 1];
     }
-    std::string_view FaceOf(const Font& font) const { return m_aFaces[font.nFace]; }
     std::uint32_t Size() const { return m_styles.Size(); }
     std::uint32_t FontCount() const { return static_cast<std::uint32_t>(m_aFonts.size()); }
 
     void Seal();
 
 private:
-    std::uint32_t InternFace(std::string_view face);
     std::uint32_t InternFont(const Font& font);
     std::uint32_t FontFor(const Font& parent, const StyleDelta& delta);
     std::uint32_t BoxFor(const StyleDelta& delta, const LengthContext& context);
@@ -97,7 +95,6 @@ private:
 
     CTextMeasurer* m_pMeasurer = nullptr;
     std::int32_t m_nDpi = 96;
-    std::vector<std::string> m_aFaces;
     std::vector<Font> m_aFonts;
     CInternTable<BoxStyle> m_boxes;
     CInternTable<ComputedStyle> m_styles;

@@ -121,24 +121,25 @@ void SpreadWidths(const ColumnCell& cell, Fixed nSpacing, std::span<Column> colu
 
 }  // namespace
 
-void MeasureColumns(std::span<ColumnCell> cells, Fixed nSpacing, std::span<Column> columns) {
-    const auto fewer = [](const ColumnCell& a, const ColumnCell& b) { return a.nSpan < b.nSpan; };
-    if (!std::is_sorted(cells.begin(), cells.end(), fewer)) {
-        std::stable_sort(cells.begin(), cells.end(), fewer);
-    }
-
-    auto cell = cells.begin();
-    for (; cell != cells.end() && cell->nSpan == 1; ++cell) {
-        Encompass(*cell, columns[cell->nColumn]);
+void MeasureColumns(std::span<const ColumnCell> cells, Fixed nSpacing, std::span<Column> columns) {
+    std::vector<ColumnCell> spanning;
+    for (const ColumnCell& cell : cells) {
+        if (cell.nSpan == 1) {
+            Encompass(cell, columns[cell.nColumn]);
+        } else {
+            spanning.push_back(cell);
+        }
     }
     for (Column& column : columns) {
         column.nMax = std::max(column.nMax, column.nMin);
     }
     std::vector<Fixed> scratch;
-    for (; cell != cells.end(); ++cell) {
-        const std::span<Column> spanned = columns.subspan(cell->nColumn, cell->nSpan);
-        SpreadPercent(*cell, spanned);
-        SpreadWidths(*cell, nSpacing, spanned, scratch);
+    std::stable_sort(spanning.begin(), spanning.end(),
+                     [](const ColumnCell& a, const ColumnCell& b) { return a.nSpan < b.nSpan; });
+    for (const ColumnCell& cell : spanning) {
+        const std::span<Column> spanned = columns.subspan(cell.nColumn, cell.nSpan);
+        SpreadPercent(cell, spanned);
+        SpreadWidths(cell, nSpacing, spanned, scratch);
     }
     std::int32_t nLeft = 100;
     for (Column& column : columns) {

@@ -42,8 +42,8 @@ struct ColumnCell {
     bool bFixed = false;
 };
 
-// Fills in the columns from the cells, those of few columns before those of many. Sorts the cells.
-void MeasureColumns(std::span<ColumnCell> cells, Fixed nSpacing, std::span<Column> columns);
+// Fills in the columns from the cells, those of few columns before those of many.
+void MeasureColumns(std::span<const ColumnCell> cells, Fixed nSpacing, std::span<Column> columns);
 
 struct ColumnTotals {
     Fixed nMin = 0;

@@ -4,6 +4,16 @@
 
 namespace mvp::richtext {
 
+void CTableGrid::Clear() {
+    m_aCells.clear();
+    m_aCovered.clear();
+    m_aNew.clear();
+    m_nNextCovered = 0;
+    m_nRow = -1;
+    m_nColumn = 0;
+    m_nColumns = 0;
+}
+
 void CTableGrid::EndRow() {
     const auto nMiddle = static_cast<std::ptrdiff_t>(m_aCovered.size());
     m_aCovered.insert(m_aCovered.end(), m_aNew.begin(), m_aNew.end());
@@ -50,25 +60,23 @@ void CTableGrid::Place(std::int32_t nColSpan, std::int32_t nRowSpan) {
 }
 
 void CTableGrid::Finish() {
-    m_aCovered = {};
-    m_aNew = {};
     std::int32_t nWidest = 0;
     for (const GridCell& cell : m_aCells) {
         nWidest = std::max(nWidest, cell.nColumn + 1);
     }
-    // aPlace[c]: how many columns that hold a cell's beginning stand before column c.
-    std::vector<std::int32_t> aPlace(static_cast<std::size_t>(nWidest) + 1, 0);
+    // m_aPlace[c]: how many columns that hold a cell's beginning stand before column c.
+    m_aPlace.assign(static_cast<std::size_t>(nWidest) + 1, 0);
     for (const GridCell& cell : m_aCells) {
-        aPlace[static_cast<std::size_t>(cell.nColumn) + 1] = 1;
+        m_aPlace[static_cast<std::size_t>(cell.nColumn) + 1] = 1;
     }
-    for (std::size_t i = 1; i < aPlace.size(); ++i) {
-        aPlace[i] += aPlace[i - 1];
+    for (std::size_t i = 1; i < m_aPlace.size(); ++i) {
+        m_aPlace[i] += m_aPlace[i - 1];
     }
-    m_nColumns = aPlace.back();
+    m_nColumns = m_aPlace.back();
     for (GridCell& cell : m_aCells) {
         const std::int32_t nEnd = std::min(cell.nColumn + cell.nColSpan, nWidest);
-        cell.nColumn = aPlace[static_cast<std::size_t>(cell.nColumn)];
-        cell.nColSpan = aPlace[static_cast<std::size_t>(nEnd)] - cell.nColumn;
+        cell.nColumn = m_aPlace[static_cast<std::size_t>(cell.nColumn)];
+        cell.nColSpan = m_aPlace[static_cast<std::size_t>(nEnd)] - cell.nColumn;
         cell.nRowSpan = std::min(cell.nRowSpan, Rows() - cell.nRow);
     }
 }

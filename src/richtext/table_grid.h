@@ -19,6 +19,8 @@ struct GridCell {
 
 class CTableGrid {
 public:
+    // Begins a new table; the storage of the one before is used again.
+    void Clear();
     void BeginRow();
     // Places the next cell of the row; cells are numbered from 0 in the order of their placing.
     void Place(std::int32_t nColSpan, std::int32_t nRowSpan);
@@ -44,6 +46,7 @@ private:
     std::vector<GridCell> m_aCells;
     std::vector<Covered> m_aCovered;  // by column
     std::vector<Covered> m_aNew;      // of the row at hand
+    std::vector<std::int32_t> m_aPlace;
     std::size_t m_nNextCovered = 0;
     std::int32_t m_nRow = -1;
     std::int32_t m_nColumn = 0;

@@ -45,13 +45,9 @@ void Fill(std::span<Row> rows, std::int64_t nHeight) {
 
 }  // namespace
 
-void MeasureRows(std::span<RowCell> cells, std::int64_t nSpacing, std::int64_t nTableHeight,
+void MeasureRows(std::span<const RowCell> cells, std::int64_t nSpacing, std::int64_t nTableHeight,
                  std::span<Row> rows) {
-    const auto fewer = [](const RowCell& a, const RowCell& b) { return a.nSpan < b.nSpan; };
-    if (!std::is_sorted(cells.begin(), cells.end(), fewer)) {
-        std::stable_sort(cells.begin(), cells.end(), fewer);
-    }
-
+    std::vector<RowCell> spanning;
     for (const RowCell& cell : cells) {
         Row& row = rows[cell.nRow];
         if (cell.nBaseline >= 0) {
@@ -63,15 +59,17 @@ void MeasureRows(std::span<RowCell> cells, std::int64_t nSpacing, std::int64_t n
             row.nDescent = cell.nBaseline >= 0
                                ? std::max(row.nDescent, cell.nHeight - cell.nBaseline)
                                : row.nDescent;
+        } else {
+            spanning.push_back(cell);
         }
     }
     for (Row& row : rows) {
         row.nHeight = std::max(row.nHeight, row.nDescent != 0 ? row.nAscent + row.nDescent : 0);
     }
-    for (const RowCell& cell : cells) {
-        if (cell.nSpan > 1) {
-            Fill(rows.subspan(cell.nRow, cell.nSpan), cell.nHeight - nSpacing * (cell.nSpan - 1));
-        }
+    std::stable_sort(spanning.begin(), spanning.end(),
+                     [](const RowCell& a, const RowCell& b) { return a.nSpan < b.nSpan; });
+    for (const RowCell& cell : spanning) {
+        Fill(rows.subspan(cell.nRow, cell.nSpan), cell.nHeight - nSpacing * (cell.nSpan - 1));
     }
     if (!rows.empty()) {
         Fill(rows, nTableHeight - nSpacing * (static_cast<std::int64_t>(rows.size()) - 1));

@@ -23,8 +23,8 @@ struct RowCell {
     bool bFixed = false;
 };
 
-// Sorts the cells. nTableHeight: what the rows and the spacing between them are to fill at least.
-void MeasureRows(std::span<RowCell> cells, std::int64_t nSpacing, std::int64_t nTableHeight,
+// nTableHeight: what the rows and the spacing between them are to fill at least.
+void MeasureRows(std::span<const RowCell> cells, std::int64_t nSpacing, std::int64_t nTableHeight,
                  std::span<Row> rows);
 
 }  // namespace mvp::richtext

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -26,6 +27,10 @@ std::string ReadTextFile(const std::string& strFile) {
     if (!file)
         throw EnvironmentError("the file " + Utf8FromAnsi(strFile) + " cannot be read");
     return strText;
+}
+
+void PrintFailure(const char* pszFailure) noexcept {
+    std::fprintf(stderr, "%s\n", pszFailure);
 }
 
 class RichTextCommand : public Command {
@@ -54,7 +59,7 @@ public:
         if (m_strScreenshot.empty() && m_strDump.empty())
             throw UsageError("--screenshot or --dump is needed");
         const std::string strMarkup = ReadTextFile(m_strFile);
-        CHtmlDrawer drawer;
+        CHtmlDrawer drawer(nullptr, mvp::richtext::SystemShell(), &PrintFailure);
         if (!m_strSheet.empty())
             drawer.SetStyleSheet(ReadTextFile(m_strSheet).c_str());
         drawer.SetText(strMarkup);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -18,13 +19,19 @@ constexpr UINT kLinkMessage = WM_USER + 200;
 class RecordedShell : public richtext::CShell {
 public:
     long long Open(const std::string& strTarget) override {
+        if (m_bThrows)
+            throw std::bad_alloc();
         m_aOpened.push_back(strTarget);
         return m_nResult;
     }
     std::string HtmlCommand() override { return m_strCommand; }
-    void Start(const std::string& strCommandLine) override { m_aStarted.push_back(strCommandLine); }
+    bool Start(const std::string& strCommandLine) override {
+        m_aStarted.push_back(strCommandLine);
+        return true;
+    }
 
     long long m_nResult = 33;
+    bool m_bThrows = false;
     std::string m_strCommand = "\"C:\\Programs\\browser.exe\" -new \"%1\"";
     std::vector<std::string> m_aOpened;
     std::vector<std::string> m_aStarted;

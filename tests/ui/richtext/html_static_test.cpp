@@ -6,6 +6,7 @@
 #include "canvas.h"
 #include "html_host.h"
 #include "support/dialog_template.h"
+#include "support/log_recorder.h"
 #include "support/resource_counts.h"
 
 namespace mvp::test {
@@ -129,6 +130,49 @@ TEST(HtmlStatic, LinksDoWhatTheySay) {
     control.SetLinkCallback(host, 0, 0);
     host.Click(0);
     EXPECT_EQ(host.m_aMessages.size(), 2u);
+}
+
+TEST(HtmlStatic, LogsLinksThatCannotBeFollowed) {
+    const LogRecorder log;
+    CHtmlHost host;
+    host.Add("<a href=x>go</a>");
+    host.Click(0);
+    EXPECT_THAT(log.Texts(1), IsEmpty());
+    host.m_shell.m_nResult = 2;
+    host.m_shell.m_strCommand.clear();
+    host.Click(0);
+    host.m_shell.m_bThrows = true;
+    host.Click(0);
+    EXPECT_THAT(log.Texts(1), ElementsAre("CHtmlDrawer::FollowLink: the link was not opened",
+                                          "CHtmlDrawer::FollowLink: exception"));
+}
+
+bool g_bFindThrows = false;
+HINSTANCE FindOrThrow(LPCSTR, LPCSTR) {
+    if (g_bFindThrows)
+        throw std::bad_alloc();
+    return GetModuleHandleA("user32.dll");
+}
+
+std::vector<std::string> g_aFailures;
+void NoteFailure(const char* pszFailure) noexcept {
+    g_aFailures.emplace_back(pszFailure);
+}
+
+TEST(HtmlStatic, TellsWhyNothingIsDrawn) {
+    g_bFindThrows = false;
+    g_aFailures.clear();
+    CHtmlDrawer drawer(&FindOrThrow, richtext::SystemShell(), &NoteFailure);
+    drawer.SetText("<icon idres=32512>");
+    EXPECT_GT(drawer.Measure(200).cy, 0);
+    g_bFindThrows = true;
+    const Canvas canvas(200, 80);
+    const RECT area = {0, 0, 200, 80};
+    drawer.Draw(canvas.Dc(), area, area);
+    drawer.SetText("<icon idres=32512>");
+    drawer.Draw(canvas.Dc(), area, area);
+    EXPECT_THAT(g_aFailures, ElementsAre("CHtmlDrawer::Draw: exception",
+                                         "CHtmlDrawer::Layout: the text was not laid out"));
 }
 
 TEST(HtmlStatic, LinkTextsBecomeLinks) {

@@ -109,14 +109,23 @@ TEST(TextPainting, DrawsLinesUnderThroughAndOver) {
 TEST(TextPainting, SpreadsJustifiedLines) {
     CHtmlDrawer drawer;
     UseTestFont(drawer);
-    drawer.SetText("<justify>nn nn nn nn nn nn nn nn nn nn nn nn nn nn nn</justify>");
-    const Canvas canvas(151, 80);
-    drawer.Draw(canvas.Dc(), canvas.Area(), canvas.Area());
-    const int nFirst = drawer.RichText().Boxes().aLines.at(0).nHeight;
-    const Canvas line(151, nFirst);
-    BitBlt(line.Dc(), 0, 0, 151, nFirst, canvas.Dc(), 0, 0, SRCCOPY);
-    EXPECT_GE(line.Ink().right, 149) << "the first line ends at the edge";
-    EXPECT_LE(line.Ink().right, 151);
+    drawer.SetText(
+        "<justify>this paragraph is long enough to be spread over several lines, each of which "
+        "ends where the view does, whatever letters are in it, but for the last</justify>");
+    drawer.SetMargins(10, 0);  // room to see what leaves the line
+    for (const int nEdge : {161, 210, 311, 390}) {
+        const RECT area = {0, 0, nEdge + 10, 200};
+        const Canvas canvas(nEdge + 10, 200);
+        drawer.Draw(canvas.Dc(), area, area);
+        const auto& lines = drawer.RichText().Boxes().aLines;
+        for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+            const Canvas line(nEdge + 10, lines[i].nHeight);
+            BitBlt(line.Dc(), 0, 0, nEdge + 10, lines[i].nHeight, canvas.Dc(), 0, lines[i].nY,
+                   SRCCOPY);
+            EXPECT_GE(line.Ink().right, nEdge - 2) << "line " << i << " up to " << nEdge;
+            EXPECT_LE(line.Ink().right, nEdge) << "line " << i << " up to " << nEdge;
+        }
+    }
 }
 
 TEST(Painting, LeavesEverythingOutsideOfTheDirtyRectangleAlone) {

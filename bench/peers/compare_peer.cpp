@@ -1,0 +1,58 @@
+#include "compare_peer.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+
+#include "processor_time.h"
+#include "richtext/fixed_measurer.h"
+#include "richtext/rich_text.h"
+#include "richtext_documents.h"
+
+namespace mvp::bench {
+namespace {
+
+constexpr int kRounds = 7;
+
+std::int32_t LayOutOurs(const std::string& strText) {
+    richtext::CFixedMeasurer measurer;
+    richtext::CRichText text(measurer);
+    text.SetStyleSheet(std::nullopt);
+    text.SetText(strText);
+    if (!text.Layout(kPeerWidth)) {
+        std::fputs("layout failed\n", stderr);
+        std::exit(1);
+    }
+    return text.Boxes().nHeight;
+}
+
+void CompareDocument(const Peer& peer, const char* pszDocument, const std::string& strOurs) {
+    const std::string strTheirs = peer.translate(strOurs);
+    std::int32_t nOurHeight = 0;
+    std::int32_t nTheirHeight = 0;
+    const Times times = BestOf(
+        kRounds, [&] { nOurHeight = LayOutOurs(strOurs); },
+        [&] { nTheirHeight = peer.layOut(strTheirs); });
+    std::printf("%-22s %9zu %9d %9d %12.1f %12.1f %8.1f\n", pszDocument, strOurs.size(), nOurHeight,
+                nTheirHeight, times.baseline / 1000, times.value / 1000,
+                times.value / times.baseline);
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+void ComparePeer(const Peer& peer) {
+    std::printf("%s\n%-22s %9s %9s %9s %12s %12s %8s\n", peer.strName.c_str(), "document", "bytes",
+                "height", "its", "us", "its", "ratio");
+    CompareDocument(peer, "notification 200 B", CDocumentGenerator::Notification());
+    if (peer.bTables) {
+        CompareDocument(peer, "notification 2 KB", CDocumentGenerator::Report());
+    }
+    CompareDocument(peer, "mixed 50 KB", CDocumentGenerator::Mixed(50 * 1024));
+    if (peer.bTables) {
+        CompareDocument(peer, "table 50 x 20", CDocumentGenerator::Table());
+    }
+    CompareDocument(peer, "mixed 1 MB", CDocumentGenerator::Mixed(1024 * 1024));
+}
+
+}  // namespace mvp::bench
