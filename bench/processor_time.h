@@ -4,9 +4,8 @@
 #pragma once
 
 #include <algorithm>
+#include <ctime>
 #include <functional>
-
-#include <time.h>
 
 namespace mvp::bench {
 

@@ -26,6 +26,7 @@ using mvp::richtext::CFixedMeasurer;
 using mvp::richtext::CRichText;
 
 constexpr std::int32_t kWidth = 360;
+constexpr std::size_t kKilobyte = 1024;
 
 // Keeps the optimiser from leaving work out.
 volatile std::int64_t g_nSink;
@@ -112,14 +113,15 @@ void Report(const char* pszName, const std::string& strText, int nRounds) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int nRounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 15;
+    const int nRounds =
+        argc > 1 ? std::max(1, static_cast<int>(std::strtol(argv[1], nullptr, 10))) : 15;
     std::printf("%-22s %9s %11s %9s %9s %7s %9s %9s %10s\n", "document", "bytes", "us", "ns/byte",
                 "floor", "ratio", "live B/B", "peak B/B", "allocs/KB");
     Report("notification 200 B", CDocumentGenerator::Notification(), nRounds);
     Report("notification 2 KB", CDocumentGenerator::Report(), nRounds);
-    Report("mixed 50 KB", CDocumentGenerator::Mixed(50 * 1024), nRounds);
+    Report("mixed 50 KB", CDocumentGenerator::Mixed(50 * kKilobyte), nRounds);
     Report("table 50 x 20", CDocumentGenerator::Table(), nRounds);
-    Report("mixed 1 MB", CDocumentGenerator::Mixed(1024 * 1024), nRounds);
+    Report("mixed 1 MB", CDocumentGenerator::Mixed(1024 * kKilobyte), nRounds);
     Report("100 nested tables", CDocumentGenerator::Nested(100), nRounds);
     return 0;
 }

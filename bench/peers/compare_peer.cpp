@@ -13,6 +13,7 @@ namespace mvp::bench {
 namespace {
 
 constexpr int kRounds = 7;
+constexpr std::size_t kKilobyte = 1024;
 
 std::int32_t LayOutOurs(const std::string& strText) {
     richtext::CFixedMeasurer measurer;
@@ -48,11 +49,11 @@ void ComparePeer(const Peer& peer) {
     if (peer.bTables) {
         CompareDocument(peer, "notification 2 KB", CDocumentGenerator::Report());
     }
-    CompareDocument(peer, "mixed 50 KB", CDocumentGenerator::Mixed(50 * 1024));
+    CompareDocument(peer, "mixed 50 KB", CDocumentGenerator::Mixed(50 * kKilobyte));
     if (peer.bTables) {
         CompareDocument(peer, "table 50 x 20", CDocumentGenerator::Table());
     }
-    CompareDocument(peer, "mixed 1 MB", CDocumentGenerator::Mixed(1024 * 1024));
+    CompareDocument(peer, "mixed 1 MB", CDocumentGenerator::Mixed(1024 * kKilobyte));
 }
 
 }  // namespace mvp::bench

@@ -19,13 +19,13 @@ constexpr Replacement kHtml[] = {{"</h1><br>", "</h1>"},
 
 constexpr Replacement kPango[] = {
     {"<br>", "\n"},
-    {"<code>", "<span foreground=\"#990000\" font_family=\"Arial\">"},
+    {"<code>", R"(<span foreground="#990000" font_family="Arial">)"},
     {"</code>", "</span>"},
-    {"<span class=\"cpp-comment\">", "<span foreground=\"green\" font_style=\"italic\">"},
-    {"<font size=3>", "<span size=\"medium\">"},
+    {R"(<span class="cpp-comment">)", R"(<span foreground="green" font_style="italic">)"},
+    {"<font size=3>", R"(<span size="medium">)"},
     {"</font>", "</span>"},
-    {"<a href=\"help.htm\">", "<span foreground=\"blue\">"},
-    {"<a msg=\"reinsert\">", "<span foreground=\"blue\">"},
+    {R"(<a href="help.htm">)", R"(<span foreground="blue">)"},
+    {R"(<a msg="reinsert">)", R"(<span foreground="blue">)"},
     {"</a>", "</span>"}};
 
 template <std::size_t N>

@@ -48,7 +48,7 @@ std::uint32_t CElementStyles::SharedDelta(TagId tag, std::span<const CStyleSheet
                                           LinkState state) {
     std::uint32_t* pPlace = nullptr;  // in m_aShared + 1
     if (classRules.empty()) {
-        const std::size_t nLinkState = static_cast<std::size_t>(state);
+        const auto nLinkState = static_cast<std::size_t>(state);
         pPlace = &m_aPlain[state == LinkState::None ? static_cast<std::size_t>(tag)
                                                     : kTagCount - 1 + nLinkState];
     } else {
