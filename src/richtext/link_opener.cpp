@@ -51,7 +51,7 @@ public:
     }
     std::string HtmlCommand() override {
         const std::string strClass = ClassValue(".htm");
-        return strClass.empty() ? std::string() : ClassValue(strClass + "\\shell\\open\\command");
+        return strClass.empty() ? std::string() : ClassValue(strClass + R"(\shell\open\command)");
     }
     bool Start(const std::string& strCommandLine) override {
         return WinExec(strCommandLine.c_str(), SW_SHOW) > kLastExecError;
