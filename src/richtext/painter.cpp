@@ -70,7 +70,7 @@ void CPainter::Paint(const StyledDocument& document, const LayoutBoxes& boxes,
     m_colour = kNoColour;
     IntersectClipRect(m_hDC, m_dirty.left, m_dirty.top, m_dirty.right, m_dirty.bottom);
     SetBkMode(m_hDC, TRANSPARENT);
-    SetTextAlign(m_hDC, TA_LEFT | TA_BASELINE | TA_NOUPDATECP);
+    SetTextAlign(m_hDC, TA_LEFT | TA_BASELINE);
     for (const BlockBox& block : boxes.aBlocks) {
         if (block.nDecoration != 0 && Touches(RectOf(block))) {
             DrawBlock(drawn, block);

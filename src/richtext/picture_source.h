@@ -13,9 +13,10 @@
 
 namespace mvp::richtext {
 
-// The size in a bitmap's header, if all the pixels it promises lie in the `nBytes` from the header
-// on. Nothing for compressed bitmaps, and for sizes beyond those of a picture.
-std::optional<SIZE> ReadBitmapHeader(std::span<const std::uint8_t> header, std::uint64_t nBytes);
+// The size in a bitmap's header, which begins `bytes`, if all the pixels it promises lie in the
+// `nBytes` from the header on. Nothing for compressed bitmaps, and for sizes beyond those of a
+// picture.
+std::optional<SIZE> ReadBitmapHeader(std::span<const std::uint8_t> bytes, std::uint64_t nBytes);
 
 // Empty when there is no such bitmap, or it may not be opened.
 Bitmap LoadBitmapFile(std::string_view file);

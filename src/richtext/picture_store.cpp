@@ -130,7 +130,7 @@ CPicture CPictureStore::LoadBitmapOf(const Key& key) const {
 
 CPicture CPictureStore::LoadIconOf(const Key& key) const {
     if (!key.strHandle.empty()) {
-        const auto hIcon = static_cast<HICON>(ReadHandle(key.strHandle));
+        auto* const hIcon = static_cast<HICON>(ReadHandle(key.strHandle));
         return SizeOfIcon(hIcon) ? PictureOfIcon(hIcon, key.size, key.nIndex) : CPicture();
     }
     const Icon icon = !key.strFile.empty()
@@ -140,7 +140,7 @@ CPicture CPictureStore::LoadIconOf(const Key& key) const {
 }
 
 HIMAGELIST CPictureStore::ListOf(std::string_view handle) const {
-    const auto hList = static_cast<HIMAGELIST>(ReadHandle(handle));
+    auto* const hList = static_cast<HIMAGELIST>(ReadHandle(handle));
     return std::find(m_aLists.begin(), m_aLists.end(), hList) != m_aLists.end() ? hList : nullptr;
 }
 
@@ -234,14 +234,17 @@ void CPictureStore::DrawTiled(HDC hDC, const PictureRequest& request, const RECT
     if (!filling) {
         return;
     }
+    const auto pixel = [](const CPicture& picture, std::int32_t nX, std::int32_t nY) {
+        return static_cast<std::size_t>(nY) * static_cast<std::size_t>(picture.Width()) +
+               static_cast<std::size_t>(nX);
+    };
     const auto from = tile.Pixels();
     const auto to = filling.Pixels();
     for (std::int32_t nY = 0; nY < filling.Height(); ++nY) {
         const std::int32_t nFromY = (area.top - block.top + nY) % tile.Height();
         for (std::int32_t nX = 0; nX < filling.Width(); ++nX) {
             const std::int32_t nFromX = (area.left - block.left + nX) % tile.Width();
-            to[static_cast<std::size_t>(nY * filling.Width() + nX)] =
-                from[static_cast<std::size_t>(nFromY * tile.Width() + nFromX)];
+            to[pixel(filling, nX, nY)] = from[pixel(tile, nFromX, nFromY)];
         }
     }
     filling.Draw(hDC, area, WholeOf(filling));
