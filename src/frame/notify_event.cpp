@@ -53,7 +53,7 @@ struct Delivery {
     explicit Delivery(Notice what) : notice(std::move(what)) {}
 
     Notice notice;
-    HMODULE hModule = HoldOwnModule();
+    HMODULE hModule = nullptr;  // held for the thread
     mvp::KernelHandle begins{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
     std::atomic<HWND> hProbe = nullptr;  // the thread's window, there when `begins` is signalled
 };
@@ -79,6 +79,7 @@ DWORD WINAPI DeliveryThread(void* pArgument) {
 void StartDelivery(Notice notice) {
     const auto delivery = std::make_shared<Delivery>(std::move(notice));
     auto forThread = std::make_unique<SharedDelivery>(delivery);
+    delivery->hModule = HoldOwnModule();
     const mvp::KernelHandle thread(
         CreateThread(nullptr, 0, DeliveryThread, forThread.get(), 0, nullptr));
     if (!thread) {
