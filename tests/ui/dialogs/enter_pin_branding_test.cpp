@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "resources/resource_numbers.h"
+#include "support/bitmap_header.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/registry_hive.h"
@@ -44,12 +45,7 @@ std::string BitmapFile(int nWidth, int nHeight, std::size_t nPixelBytes) {
     file.bfType = 0x4D42;
     file.bfOffBits = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
     file.bfSize = static_cast<DWORD>(file.bfOffBits + nPixelBytes);
-    BITMAPINFOHEADER info{};
-    info.biSize = sizeof info;
-    info.biWidth = nWidth;
-    info.biHeight = nHeight;
-    info.biPlanes = 1;
-    info.biBitCount = 24;
+    const BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
     std::string bytes(sizeof file + sizeof info, '\0');
     std::memcpy(bytes.data(), &file, sizeof file);
     std::memcpy(bytes.data() + sizeof file, &info, sizeof info);

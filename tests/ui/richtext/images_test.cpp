@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "canvas.h"
+#include "support/bitmap_header.h"
 
 namespace mvp::test {
 namespace {
@@ -30,12 +31,7 @@ public:
                const std::function<void(BITMAPINFOHEADER&)>& change = nullptr)
         : m_strFile(TemporaryFile(pszName)) {
         BITMAPFILEHEADER file{};
-        BITMAPINFOHEADER info{};
-        info.biSize = sizeof info;
-        info.biWidth = nWidth;
-        info.biHeight = nHeight;
-        info.biPlanes = 1;
-        info.biBitCount = 24;
+        BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
         if (change)
             change(info);
         file.bfType = 0x4D42;
