@@ -81,5 +81,5 @@ extern "C" uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t 
                 return ReadEmbedded(pPanel, output);
             return AskModal(pRules, bAskCurrentPin, pszReader, output);
         },
-        [] { vklogLog(g_szLogTag, kLogError, "GetChangePINInfoFromUser: exception"); });
+        mvp::LogException("GetChangePINInfoFromUser"));
 }

@@ -23,10 +23,6 @@ std::array<char, kErrorTextCapacity> g_szErrorScratch{};
 constexpr int kFreeText = -1;
 constexpr int kAccepted = 1;
 
-void LogException(const char* pszFunction) noexcept {
-    vklogLog(g_szLogTag, kLogError, "%s: exception", pszFunction);
-}
-
 }  // namespace
 
 extern "C" const char* GetErrorString(int32_t nCode) {
@@ -52,18 +48,13 @@ extern "C" uint32_t DisplayLastPINTry(const char* pszReader) {
                 nullptr, kFreeText, text, 0, 0, 0, nullptr, pszReader);
             return answer == kAccepted ? MVPINGUI_OK : MVPINGUI_REFUSED;
         },
-        [] { LogException("DisplayLastPINTry"); });
+        mvp::LogException("DisplayLastPINTry"));
 }
 
 extern "C" void SetPinPromptString(const char* pszPrompt) {
     const mvp::LogScope scope("SetPinPromptString");
-    mvp::Guarded(
-        0,
-        [=] {
-            mvp::Module().strPrompt = pszPrompt;
-            return 0;
-        },
-        [] { LogException("SetPinPromptString"); });
+    mvp::Guarded([=] { mvp::Module().strPrompt = pszPrompt; },
+                 mvp::LogException("SetPinPromptString"));
 }
 
 extern "C" void FreeGetPinBuffer(char* pBuffer, size_t cbPin) {

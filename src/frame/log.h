@@ -41,6 +41,29 @@ private:
     const char* m_pszExit;
 };
 
+// What a barrier of the library does with an exception that it has stopped: one line in the log.
+//
+//     mvp::Guarded(MVPINGUI_REFUSED, [&] { ... }, mvp::LogException("GetPINFromUser"));
+class LogException {
+public:
+    // The function that was left. It must outlive the barrier: pass a literal.
+    explicit constexpr LogException(const char* pszFunction) noexcept
+        : m_pszFunction(pszFunction) {}
+    void operator()() const noexcept {
+        vklogLog(g_szLogTag, kLogError, "%s: exception", m_pszFunction);
+    }
+
+private:
+    const char* m_pszFunction;
+};
+
+// Tells an administrator of a setting that is there and is not followed, and why. `pszKey` is the
+// key's path below the local-machine hive, `pszReason` says what is wrong in a few words.
+inline void LogIgnoredSetting(const char* pszKey, const char* pszValueName,
+                              const char* pszReason) noexcept {
+    vklogLog(g_szLogTag, kLogError, "Setting ignored: %s\\%s: %s", pszKey, pszValueName, pszReason);
+}
+
 // The low 32 bits of a handle or pointer, for the log texts that print them with %x. A handle's
 // upper half carries nothing.
 inline unsigned LowBits(const volatile void* pointer) noexcept {

@@ -1,6 +1,7 @@
 #include "frame/module.h"
 
 #include <dlgfw/module_state.h>
+#include <dlgfw/wnd.h>
 
 #include "frame/log.h"
 #include "frame/resource_module.h"
@@ -14,6 +15,12 @@ namespace {
 
 HINSTANCE g_hInstance = nullptr;
 AFX_EXTENSION_MODULE g_extensionModule{};
+AFX_EXCEPTION_REPORTER g_pfnHostReporter = nullptr;
+
+// The framework stops what a message handler throws, and tells whoever asked to be told.
+void LogFrameworkException(UINT message) noexcept {
+    vklogLog(g_szLogTag, kLogError, "Exception in the handler of message 0x%x", message);
+}
 
 }  // namespace
 
@@ -37,10 +44,15 @@ bool AttachLibrary(HINSTANCE hInstance) noexcept {
     // What the framework's resource search finds for a host lies in the localized module.
     if (ResourceModule() != nullptr)
         g_extensionModule.hResource = ResourceModule();
+    g_pfnHostReporter = AfxSetExceptionReporter(&LogFrameworkException);
     return true;
 }
 
 void DetachLibrary() noexcept {
+    // Put back only where nobody has put another one in its place meanwhile.
+    const AFX_EXCEPTION_REPORTER pfnLast = AfxSetExceptionReporter(g_pfnHostReporter);
+    if (pfnLast != &LogFrameworkException)
+        AfxSetExceptionReporter(pfnLast);
     FreeResourceModule();
     UnregisterProgressBarClass(GetModuleHandleA(nullptr));
     AfxTermExtensionModule(g_extensionModule, FALSE);
@@ -49,14 +61,13 @@ void DetachLibrary() noexcept {
 }  // namespace mvp
 
 extern "C" void InitGUIDll(void) {
+    const mvp::LogScope scope("InitGUIDll");
     mvp::Guarded(
-        0,
         [] {
             // Owned by the framework, which frees it when the library is detached.
             new CDynLinkLibrary(g_extensionModule);
-            return 0;
         },
-        [] { vklogLog(g_szLogTag, kLogError, "InitGUIDll failed"); });
+        mvp::LogException("InitGUIDll"));
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD reason, void* /*reserved*/) {

@@ -120,11 +120,6 @@ void Notify(std::uint32_t dwEventCode, const char* pszReader, HWND hSenderWnd) {
 
 void NotifyEvent(std::uint32_t dwEventCode, const char* pszReader, HWND hSenderWnd) {
     const mvp::LogScope scope("NotifyEvent");
-    mvp::Guarded(
-        0,
-        [=] {
-            Notify(dwEventCode, pszReader, hSenderWnd);
-            return 0;
-        },
-        [] { vklogLog(g_szLogTag, kLogError, "NotifyEvent: exception"); });
+    mvp::Guarded([=] { Notify(dwEventCode, pszReader, hSenderWnd); },
+                 mvp::LogException("NotifyEvent"));
 }

@@ -68,7 +68,7 @@ extern "C" uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_t 
         result = mvp::Guarded(
             MVPINGUI_REFUSED,
             [=] { return AskForPin(hParent, pszReader, dwMinLength, dwMaxLength, ppPin, pcbPin); },
-            [] { vklogLog(g_szLogTag, kLogError, "GetPINFromUser: exception"); });
+            mvp::LogException("GetPINFromUser"));
     }
     vklogLog(g_szLogTag, result == MVPINGUI_REFUSED ? kLogError : kLogInfo,
              "GetPINFromUser: returns: %d", static_cast<int>(result));

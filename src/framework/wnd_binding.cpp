@@ -73,13 +73,8 @@ LRESULT CALLBACK CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
         return ::CallNextHookEx(hHook, nCode, wParam, lParam);
 
     CWnd* pWnd = std::exchange(pState->pCreating, nullptr);
-    const bool bBound = mvp::Guarded(
-        false,
-        [=] {
-            CWndAccess::Bind(*pWnd, hWnd);
-            return true;
-        },
-        [] { ReportException(WM_NCCREATE); });
+    const bool bBound =
+        mvp::Guarded([=] { CWndAccess::Bind(*pWnd, hWnd); }, [] { ReportException(WM_NCCREATE); });
     const LRESULT lResult = ::CallNextHookEx(hHook, nCode, wParam, lParam);
     // Windows that this one creates in turn are none of ours.
     ::UnhookWindowsHookEx(std::exchange(pState->hCreationHook, nullptr));

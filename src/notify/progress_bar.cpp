@@ -161,7 +161,7 @@ LRESULT CALLBACK ProgressBarProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM
     const LRESULT failed = nMessage == WM_CREATE ? -1 : 0;
     return Guarded(
         failed, [=] { return Dispatch(hWnd, nMessage, wParam, lParam); },
-        [] { vklogLog(g_szLogTag, kLogError, "VkProgressBar: exception"); });
+        LogException("VkProgressBar"));
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
-// Keeps exceptions inside: every window procedure, callback, thread routine and exported function
-// runs its body through this barrier.
+// Keeps exceptions inside: every window procedure, callback, thread routine, exported function and
+// member of an exported class runs its body through this barrier.
 #pragma once
 
+#include <type_traits>
 #include <utility>
 
 namespace mvp {
@@ -15,6 +16,19 @@ Result Guarded(Result fallback, Body&& body, OnError&& onError) noexcept {
     } catch (...) {
         std::forward<OnError>(onError)();
         return fallback;
+    }
+}
+
+// The same for a body that returns nothing: returns whether it came to its end.
+template <class Body, class OnError>
+requires std::is_void_v<std::invoke_result_t<Body>>
+bool Guarded(Body&& body, OnError&& onError) noexcept {
+    try {
+        std::forward<Body>(body)();
+        return true;
+    } catch (...) {
+        std::forward<OnError>(onError)();
+        return false;
     }
 }
 

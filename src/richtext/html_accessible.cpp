@@ -52,12 +52,6 @@ void SetNumber(VARIANT& variant, long nValue) noexcept {
     variant.lVal = nValue;
 }
 
-template <class Body>
-HRESULT Answer(const char* pszFunction, Body body) noexcept {
-    return Guarded(E_FAIL, body,
-                   [&] { vklogLog(g_szLogTag, kLogError, "%s: exception", pszFunction); });
-}
-
 }  // namespace
 
 LRESULT AnswerGetObject(WPARAM wParam, IAccessible* pAccessible) noexcept {
@@ -175,18 +169,21 @@ STDMETHODIMP CHtmlAccessible::get_accName(VARIANT child, BSTR* pstrName) {
         return E_POINTER;
     }
     *pstrName = nullptr;
-    return Answer("CHtmlAccessible::get_accName", [&]() -> HRESULT {
-        int nLink = kNoLink;
-        if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
-            return hr;
-        }
-        if (nLink == kNoLink) {
-            return MakeString(m_pDrawer->PlainText(), pstrName);
-        }
-        // A link that is only an image says at least where it leads.
-        const std::string strText = m_pDrawer->LinkText(nLink);
-        return MakeString(strText.empty() ? m_pDrawer->LinkTarget(nLink) : strText, pstrName);
-    });
+    return Guarded(
+        E_FAIL,
+        [&]() -> HRESULT {
+            int nLink = kNoLink;
+            if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
+                return hr;
+            }
+            if (nLink == kNoLink) {
+                return MakeString(m_pDrawer->PlainText(), pstrName);
+            }
+            // A link that is only an image says at least where it leads.
+            const std::string strText = m_pDrawer->LinkText(nLink);
+            return MakeString(strText.empty() ? m_pDrawer->LinkTarget(nLink) : strText, pstrName);
+        },
+        LogException("CHtmlAccessible::get_accName"));
 }
 
 STDMETHODIMP CHtmlAccessible::get_accValue(VARIANT child, BSTR* pstrValue) {
@@ -194,11 +191,14 @@ STDMETHODIMP CHtmlAccessible::get_accValue(VARIANT child, BSTR* pstrValue) {
         return E_POINTER;
     }
     *pstrValue = nullptr;
-    return Answer("CHtmlAccessible::get_accValue", [&]() -> HRESULT {
-        int nLink = kNoLink;
-        const HRESULT hr = FindLink(child, nLink);
-        return hr == S_OK ? MakeString(m_pDrawer->LinkTarget(nLink), pstrValue) : hr;
-    });
+    return Guarded(
+        E_FAIL,
+        [&]() -> HRESULT {
+            int nLink = kNoLink;
+            const HRESULT hr = FindLink(child, nLink);
+            return hr == S_OK ? MakeString(m_pDrawer->LinkTarget(nLink), pstrValue) : hr;
+        },
+        LogException("CHtmlAccessible::get_accValue"));
 }
 
 STDMETHODIMP CHtmlAccessible::get_accDescription(VARIANT, BSTR* pstrDescription) {
@@ -292,11 +292,14 @@ STDMETHODIMP CHtmlAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrActi
         return E_POINTER;
     }
     *pstrAction = nullptr;
-    return Answer("CHtmlAccessible::get_accDefaultAction", [&]() -> HRESULT {
-        int nLink = kNoLink;
-        const HRESULT hr = FindLink(child, nLink);
-        return hr == S_OK ? MakeString("Jump", pstrAction) : hr;
-    });
+    return Guarded(
+        E_FAIL,
+        [&]() -> HRESULT {
+            int nLink = kNoLink;
+            const HRESULT hr = FindLink(child, nLink);
+            return hr == S_OK ? MakeString("Jump", pstrAction) : hr;
+        },
+        LogException("CHtmlAccessible::get_accDefaultAction"));
 }
 
 // Posted, as the action may take its time and whoever asked waits for the answer.
@@ -330,28 +333,31 @@ STDMETHODIMP CHtmlAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWid
         return E_POINTER;
     }
     *pnLeft = *pnTop = *pnWidth = *pnHeight = 0;
-    return Answer("CHtmlAccessible::accLocation", [&]() -> HRESULT {
-        int nLink = kNoLink;
-        if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
-            return hr;
-        }
-        RECT area{};
-        GetClientRect(m_hWnd, &area);
-        if (nLink != kNoLink) {
-            const RECT client = area;
-            SetRectEmpty(&area);
-            for (const RECT& part : m_pDrawer->LinkRects(nLink)) {
-                UnionRect(&area, &area, &part);
+    return Guarded(
+        E_FAIL,
+        [&]() -> HRESULT {
+            int nLink = kNoLink;
+            if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
+                return hr;
             }
-            IntersectRect(&area, &area, &client);
-        }
-        MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT*>(&area), 2);
-        *pnLeft = area.left;
-        *pnTop = area.top;
-        *pnWidth = area.right - area.left;
-        *pnHeight = area.bottom - area.top;
-        return S_OK;
-    });
+            RECT area{};
+            GetClientRect(m_hWnd, &area);
+            if (nLink != kNoLink) {
+                const RECT client = area;
+                SetRectEmpty(&area);
+                for (const RECT& part : m_pDrawer->LinkRects(nLink)) {
+                    UnionRect(&area, &area, &part);
+                }
+                IntersectRect(&area, &area, &client);
+            }
+            MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT*>(&area), 2);
+            *pnLeft = area.left;
+            *pnTop = area.top;
+            *pnWidth = area.right - area.left;
+            *pnHeight = area.bottom - area.top;
+            return S_OK;
+        },
+        LogException("CHtmlAccessible::accLocation"));
 }
 
 STDMETHODIMP CHtmlAccessible::accHitTest(long nLeft, long nTop, VARIANT* pChild) {

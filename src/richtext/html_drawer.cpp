@@ -51,17 +51,13 @@ void Report(CHtmlDrawer::ReportFailure pfnReport, const char* pszFailure) noexce
     }
 }
 
-// Takes a copy of the function, as the body may end the drawer.
-template <class Body>
-void OrReport(CHtmlDrawer::ReportFailure pfnReport, const char* pszFailure, Body body) noexcept {
-    mvp::Guarded(
-        false,
-        [&] {
-            body();
-            return true;
-        },
-        [&] { Report(pfnReport, pszFailure); });
-}
+// What a barrier does with an exception. It holds a copy of the function, as the body may end the
+// drawer.
+struct ReportException {
+    CHtmlDrawer::ReportFailure pfnReport;
+    const char* pszFailure;
+    void operator()() const noexcept { Report(pfnReport, pszFailure); }
+};
 
 }  // namespace
 
@@ -132,8 +128,8 @@ void CHtmlDrawer::SetFont(const LOGFONTA& font) noexcept {
     m_settings.font.nSize = nHeight != 0 ? nHeight : 13;
     m_settings.font.nWeight = font.lfWeight != 0 ? std::clamp<int>(font.lfWeight, 1, 1000) : 400;
     m_settings.font.bItalic = font.lfItalic != 0;
-    OrReport(m_pfnReport, "CHtmlDrawer::SetFont: exception",
-             [&] { m_measurer.SetBaseFont(m_font); });
+    mvp::Guarded([&] { m_measurer.SetBaseFont(m_font); },
+                 ReportException{m_pfnReport, "CHtmlDrawer::SetFont: exception"});
     Rebuild();
 }
 
@@ -173,15 +169,17 @@ void CHtmlDrawer::Draw(HDC hDC, const RECT& area, const RECT& dirty) noexcept {
     if (!Layout() || !IntersectRect(&visible, &area, &dirty)) {
         return;
     }
-    OrReport(m_pfnReport, "CHtmlDrawer::Draw: exception", [&] {
-        const auto number = [](int nLink) {
-            return nLink == kNoLink ? kNone : static_cast<std::uint32_t>(nLink);
-        };
-        CPainter painter(hDC, visible, m_measurer, m_pictures);
-        painter.MoveTo({area.left + m_margins.x, area.top + m_margins.y});
-        painter.Paint(m_text.Document(), m_text.Boxes(),
-                      {number(m_nHover), number(m_nFocus), m_nClock});
-    });
+    mvp::Guarded(
+        [&] {
+            const auto number = [](int nLink) {
+                return nLink == kNoLink ? kNone : static_cast<std::uint32_t>(nLink);
+            };
+            CPainter painter(hDC, visible, m_measurer, m_pictures);
+            painter.MoveTo({area.left + m_margins.x, area.top + m_margins.y});
+            painter.Paint(m_text.Document(), m_text.Boxes(),
+                          {number(m_nHover), number(m_nFocus), m_nClock});
+        },
+        ReportException{m_pfnReport, "CHtmlDrawer::Draw: exception"});
 }
 
 bool CHtmlDrawer::IsLink(int nLink) const noexcept {
@@ -289,20 +287,22 @@ void CHtmlDrawer::FollowLink(int nLink) noexcept {
         return;
     }
     const ReportFailure pfnReport = m_pfnReport;
-    OrReport(pfnReport, "CHtmlDrawer::FollowLink: exception", [&] {
-        const StyledDocument& document = m_text.Document();
-        const Link& link = document.aLinks[static_cast<std::size_t>(nLink)];
-        // Copies: whoever is told may set another text, or end this object.
-        if (link.bMsg) {
-            const std::string strMessage(document.StringOf(link.msg));
-            const Callback callback = m_linkCallback;
-            if (callback.hWnd != nullptr && callback.nMessage != 0) {
-                SendMessageA(callback.hWnd, callback.nMessage,
-                             reinterpret_cast<WPARAM>(strMessage.c_str()), callback.lParam);
+    mvp::Guarded(
+        [&] {
+            const StyledDocument& document = m_text.Document();
+            const Link& link = document.aLinks[static_cast<std::size_t>(nLink)];
+            // Copies: whoever is told may set another text, or end this object.
+            if (link.bMsg) {
+                const std::string strMessage(document.StringOf(link.msg));
+                const Callback callback = m_linkCallback;
+                if (callback.hWnd != nullptr && callback.nMessage != 0) {
+                    SendMessageA(callback.hWnd, callback.nMessage,
+                                 reinterpret_cast<WPARAM>(strMessage.c_str()), callback.lParam);
+                }
+            } else if (link.bHref &&
+                       !OpenLinkTarget(m_shell, std::string(document.StringOf(link.href)))) {
+                Report(pfnReport, "CHtmlDrawer::FollowLink: the link was not opened");
             }
-        } else if (link.bHref &&
-                   !OpenLinkTarget(m_shell, std::string(document.StringOf(link.href)))) {
-            Report(pfnReport, "CHtmlDrawer::FollowLink: the link was not opened");
-        }
-    });
+        },
+        ReportException{pfnReport, "CHtmlDrawer::FollowLink: exception"});
 }

@@ -9,6 +9,7 @@
 
 #include "dialogs/base/caps_lock_balloon.h"
 #include "dialogs/base/edit_scrubber.h"
+#include "frame/log.h"
 #include "frame/module.h"
 #include "frame/resource_module.h"
 #include "platform/barrier.h"
@@ -200,7 +201,8 @@ LRESULT CALLBACK CCapsLockSensitiveEdit::BalloonProc(HWND hWnd, UINT message, WP
     if (pEdit == nullptr)
         return ::DefWindowProcA(hWnd, message, wParam, lParam);
     return mvp::Guarded(
-        LRESULT{0}, [=] { return pEdit->OnBalloonMessage(hWnd, message, wParam, lParam); }, [] {});
+        LRESULT{0}, [=] { return pEdit->OnBalloonMessage(hWnd, message, wParam, lParam); },
+        mvp::LogException("CCapsLockSensitiveEdit::BalloonProc"));
 }
 
 LRESULT CCapsLockSensitiveEdit::OnBalloonMessage(HWND hWnd, UINT message, WPARAM wParam,

@@ -24,13 +24,8 @@ void CCardWatch::Run() noexcept {
     while (!bEnded) {
         CReaderWatch readers(
             m_service, [this](const std::string& strReader) { m_onRemoved(*this, strReader); });
-        bEnded = Guarded(
-            false,
-            [&] {
-                readers.Run();
-                return true;
-            },
-            [this] { m_service.Pause(CReaderWatch::kRetryMs); });
+        bEnded =
+            Guarded([&] { readers.Run(); }, [this] { m_service.Pause(CReaderWatch::kRetryMs); });
     }
 }
 

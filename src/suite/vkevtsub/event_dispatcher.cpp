@@ -124,11 +124,11 @@ int CEventDispatcher::Enqueue(int nKind, std::string strReader) {
 void CEventDispatcher::OnCardRemoved(const CCardWatch& watch,
                                      const std::string& strReader) noexcept {
     Guarded(
-        0,
         [&] {
             const CScopedLock lock(m_lock);
             // A watch that has been ended may still be reporting what it saw before.
-            return m_watch.get() == &watch ? Enqueue(VKEVENT_CARD_REMOVED, strReader) : 0;
+            if (m_watch.get() == &watch)
+                Enqueue(VKEVENT_CARD_REMOVED, strReader);
         },
         [] { OutputDebugStringA("vkevtsub: no memory, a card event is lost\n"); });
 }
@@ -189,13 +189,8 @@ void CEventDispatcher::Deliver(const Event& event) noexcept {
         m_called = subscription;
         ResetEvent(subscription->noCall.get());
         m_lock.Leave();
-        Guarded(
-            0,
-            [&] {
-                subscription->pSubscriber->HandleEvent(delivered);
-                return 0;
-            },
-            [] { OutputDebugStringA("vkevtsub: HandleEvent threw an exception\n"); });
+        Guarded([&] { subscription->pSubscriber->HandleEvent(delivered); },
+                [] { OutputDebugStringA("vkevtsub: HandleEvent threw an exception\n"); });
         m_lock.Enter();
         m_called = nullptr;
         SetEvent(subscription->noCall.get());
