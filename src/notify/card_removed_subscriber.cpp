@@ -4,8 +4,16 @@
 #include <objbase.h>
 
 #include "frame/log.h"
+#include "platform/barrier.h"
 
 namespace {
+
+mvp::ModuleHandle HoldLibrary() {
+    mvp::ModuleHandle library;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<LPCSTR>(&HoldLibrary), library.put());
+    return library;
+}
 
 const unsigned char* Bytes(const char* pszText) {
     return reinterpret_cast<const unsigned char*>(pszText);
@@ -15,7 +23,11 @@ const unsigned char* Bytes(const char* pszText) {
 
 VKDelegateSubscriberCardRemoved::VKDelegateSubscriberCardRemoved(CWnd* pWnd, UINT nMessage,
                                                                  const CString& strReader)
-    : m_pWnd(pWnd), m_nMessage(nMessage), m_strReader(strReader) {
+    : m_hTarget(pWnd != nullptr ? pWnd->m_hWnd : nullptr),
+      m_nMessage(nMessage),
+      m_strReader(strReader),
+      m_nTargetThread(GetCurrentThreadId()),
+      m_library(HoldLibrary()) {
     const mvp::LogScope scope("VKDelegateSubscriberCardRemoved Constructor");
     // Not undone by the destructor: what else runs on the thread may have come to count on it.
     (void)CoInitialize(nullptr);
@@ -36,11 +48,18 @@ bool VKDelegateSubscriberCardRemoved::Concerns(const VKEvent& event) const {
            _mbsicmp(Bytes(event.pszReaderName), Bytes(m_strReader)) == 0;
 }
 
+bool VKDelegateSubscriberCardRemoved::IsTargetThere() const {
+    return GetWindowThreadProcessId(m_hTarget, nullptr) == m_nTargetThread;
+}
+
 void VKDelegateSubscriberCardRemoved::HandleEvent(const VKEvent& event) {
     const mvp::LogScope scope("VKDelegateSubscriberCardRemoved::HandleEvent");
-    const HWND target = m_pWnd != nullptr ? m_pWnd->m_hWnd : nullptr;
-    if (target != nullptr && Concerns(event))
-        ::PostMessageA(target, m_nMessage, 1, 0);
+    mvp::Guarded(
+        [&] {
+            if (IsTargetThere() && Concerns(event))
+                ::PostMessageA(m_hTarget, m_nMessage, 1, 0);
+        },
+        mvp::LogException("VKDelegateSubscriberCardRemoved::HandleEvent"));
 }
 
 CCardRemoved::CCardRemoved(CHideable* pPopupAlert) : m_pPopupAlert(pPopupAlert) {
@@ -60,5 +79,5 @@ void CCardRemoved::HandleEvent(const VKEvent& /*event*/) {
         return;
     }
     vklogLog(g_szLogTag, kLogInfo, "CCardRemoved::HandleEvent: m_pPopupAlert->Hide ");
-    m_pPopupAlert->Hide();
+    mvp::Guarded([this] { m_pPopupAlert->Hide(); }, mvp::LogException("CCardRemoved::HandleEvent"));
 }

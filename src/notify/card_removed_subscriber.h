@@ -2,6 +2,11 @@
 //
 // Events arrive on a thread of the event module. The subscriber's owner deletes it before it
 // destroys the target: the destructor unsubscribes, which waits for a call that is running.
+//
+// An owner that can no longer delete it, because its thread ended with the dialog up and took the
+// stack along, leaves a subscriber that hears of every removal until the process ends. It does
+// nothing then: it knows the window by its handle alone, and keeps the library loaded for as long
+// as it is called.
 #pragma once
 
 #include <windows.h>
@@ -9,10 +14,12 @@
 #include <dlgfw/wnd.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "platform/handle.h"
+
 // Turns the removal of a card into a message posted to a window.
 class VKDelegateSubscriberCardRemoved : public VKDelegateSubscriber {
 public:
-    // pWnd      the target window, not owned
+    // pWnd      the target, which has its window; the object is not kept. Null: no target
     // nMessage  the message to post, with wParam 1 and lParam 0
     // strReader the reader whose card matters, compared without regard to case; empty: any reader
     //
@@ -26,11 +33,15 @@ public:
     void HandleEvent(const VKEvent& event) override;
 
 private:
+    bool IsTargetThere() const;
     bool Concerns(const VKEvent& event) const;
 
-    CWnd* m_pWnd;
+    HWND m_hTarget;
     UINT m_nMessage;
     CString m_strReader;
+    // With the handle it tells the target from a window that got the same handle after it.
+    DWORD m_nTargetThread;
+    mvp::ModuleHandle m_library;
 };
 
 // Something on the screen that a card's removal takes down.
@@ -58,5 +69,6 @@ public:
     void HandleEvent(const VKEvent& event) override;
 
 private:
+    CString m_strUnused;  // always empty
     CHideable* m_pPopupAlert;
 };

@@ -1,0 +1,39 @@
+// Makes one allocation of a module fail, as when memory is short.
+//
+//     FailingHeap heap("dlgfw.dll");
+//     heap.FailAt(2);
+//     panel.LocCreate(&host);           // the third allocation is refused
+//     const bool bRefused = heap.Stop();
+//
+// Only allocations that the module itself asks the C runtime for on the calling thread count; those
+// that the test's own code makes do not. One at a time.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <cstddef>
+
+namespace mvp::test {
+
+class FailingHeap {
+public:
+    explicit FailingHeap(const char* pszModule);
+    FailingHeap(const FailingHeap&) = delete;
+    FailingHeap& operator=(const FailingHeap&) = delete;
+    ~FailingHeap();
+
+    // The allocation after the next `nSuccesses` that ask for `cbLeast` bytes or more.
+    void FailAt(int nSuccesses, std::size_t cbLeast = 0);
+    // Ends it; returns whether an allocation was refused.
+    bool Stop();
+
+private:
+    struct Import {
+        void** ppFunction;
+        void* pOriginal;
+    };
+    std::array<Import, 3> m_imports{};
+};
+
+}  // namespace mvp::test

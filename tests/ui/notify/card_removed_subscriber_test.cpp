@@ -1,0 +1,178 @@
+// The two subscribers to card removal, on real events of the suite's event module.
+#include "notify/card_removed_subscriber.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <dlgfw/dlgfw.h>
+#include <gtest/gtest.h>
+
+#include "platform/handle.h"
+#include "support/failing_heap.h"
+#include "support/log_recorder.h"
+#include "support/waiting.h"
+
+namespace mvp::test {
+namespace {
+
+constexpr UINT kRemoved = WM_APP + 7;
+constexpr unsigned kIdleTimeout = 10'000;
+
+void Remove(const char* pszReader) {
+    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
+    EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
+}
+
+// How many removals have been posted to windows of this thread.
+int TakePosted() {
+    int nCount = 0;
+    MSG message;
+    while (PeekMessageA(&message, nullptr, kRemoved, kRemoved, PM_REMOVE))
+        nCount += message.wParam == 1 && message.lParam == 0 ? 1 : 1000;
+    return nCount;
+}
+
+std::vector<std::string> Lines(const LogRecorder& log) {
+    std::vector<std::string> lines;
+    for (const RecordedLine& line : log.Lines())
+        lines.push_back(std::to_string(line.nLevel) + " " + line.strText);
+    return lines;
+}
+
+class Popup final : public CHideable {
+public:
+    explicit Popup(std::function<void()> onHide) : m_onHide(std::move(onHide)) {}
+    void Hide() override { m_onHide(); }
+
+private:
+    std::function<void()> m_onHide;
+};
+
+class Window : public CWnd {
+public:
+    Window() { CreateEx(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr); }
+};
+
+TEST(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
+    LogRecorder log;
+    std::vector<DWORD> threads;
+    bool bThrows = false;
+    Popup popup([&] {
+        threads.push_back(GetCurrentThreadId());
+        if (bThrows)
+            throw std::runtime_error("a popup's fault");
+    });
+    {
+        const CCardRemoved subscriber(&popup);
+        Remove("Reader A");
+        bThrows = true;
+        Remove(nullptr);
+        bThrows = false;
+        Remove("");
+    }
+    Remove("Reader A");
+    ASSERT_EQ(threads.size(), 3U) << "none after the end";
+    EXPECT_NE(threads[0], GetCurrentThreadId());
+    std::vector<std::string> expected = {"8 CCardRemoved::CCardRemoved() - contructor",
+                                         "16 CCardRemoved::CCardRemoved() - contructor"};
+    for (const bool bThrew : {false, true, false}) {
+        expected.insert(expected.end(), {"8 CCardRemoved::HandleEvent",
+                                         "2 CCardRemoved::HandleEvent: m_pPopupAlert->Hide "});
+        if (bThrew)
+            expected.emplace_back("1 CCardRemoved::HandleEvent: exception");
+        expected.emplace_back("16 CCardRemoved::HandleEvent");
+    }
+    expected.insert(expected.end(), {"8 CCardRemoved::~CCardRemoved() - destructor",
+                                     "16 CCardRemoved::~CCardRemoved() - destructor"});
+    EXPECT_EQ(Lines(log), expected);
+}
+
+TEST(CardRemovedOfAPopup, WithoutAPopupSaysSo) {
+    LogRecorder log;
+    const CCardRemoved subscriber(nullptr);
+    log.Clear();
+    Remove("Reader A");
+    EXPECT_EQ(Lines(log), (std::vector<std::string>{
+                              "8 CCardRemoved::HandleEvent",
+                              "1 CCardRemoved::HandleEvent: m_pPopupAlert = NULL",
+                              "16 CCardRemoved::HandleEvent",
+                          }));
+}
+
+TEST(CardRemovedOfAPopup, UnsubscribesFirst) {
+    LogRecorder log;
+    Popup popup([&] {
+        // Goes on only once the destructor waits for it.
+        EXPECT_TRUE(WaitFor(std::chrono::seconds(10), [&] {
+            return log.Contains(8, "CCardRemoved::~CCardRemoved() - destructor");
+        }));
+    });
+    auto subscriber = std::make_unique<CCardRemoved>(&popup);
+    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, ""), VKEVTSUB_OK);
+    EXPECT_TRUE(WaitFor(std::chrono::seconds(10),
+                        [&] { return log.Contains(8, "CCardRemoved::HandleEvent"); }));
+    subscriber.reset();
+    const std::vector<std::string> exits = log.Texts(16);
+    EXPECT_EQ(exits, (std::vector<std::string>{"CCardRemoved::CCardRemoved() - contructor",
+                                               "CCardRemoved::HandleEvent",
+                                               "CCardRemoved::~CCardRemoved() - destructor"}));
+}
+
+TEST(CardRemovedOfAWindow, IsPostedWhileTheWindowIsThere) {
+    LogRecorder log;
+    auto window = std::make_unique<Window>();
+    VKDelegateSubscriberCardRemoved subscriber(window.get(), kRemoved, "reader a");
+    Remove("READER A");
+    EXPECT_EQ(TakePosted(), 1);
+    Remove("Reader B");
+    EXPECT_EQ(TakePosted(), 0);
+    // The object goes, and its window with it; what stood there may be anything.
+    CWnd* const pStorage = window.get();
+    window->DestroyWindow();
+    window.release()->~Window();
+    memset(static_cast<void*>(pStorage), 0x5A, sizeof(Window));
+    log.Clear();
+    Remove("Reader A");
+    EXPECT_EQ(TakePosted(), 0);
+    const char kHandled[] = "VKDelegateSubscriberCardRemoved::HandleEvent";
+    EXPECT_EQ(Lines(log), (std::vector<std::string>{std::string("8 ") + kHandled,
+                                                    std::string("16 ") + kHandled}));
+    ::operator delete(pStorage);
+}
+
+TEST(CardRemovedOfAWindow, IsNotPostedToAWindowOfAnotherThread) {
+    // As when the target's thread has ended and its handle serves another thread's window.
+    Window window;
+    std::unique_ptr<VKDelegateSubscriberCardRemoved> subscriber;
+    std::thread([&] {
+        subscriber = std::make_unique<VKDelegateSubscriberCardRemoved>(&window, kRemoved, "");
+    }).join();
+    Remove("Reader A");
+    EXPECT_EQ(TakePosted(), 0);
+}
+
+TEST(CardRemovedOfAWindow, LivesWithoutATarget) {
+    const VKDelegateSubscriberCardRemoved subscriber(nullptr, kRemoved, "");
+    Remove("Reader A");
+    EXPECT_EQ(TakePosted(), 0);
+}
+
+TEST(CardRemovedOfAWindow, IsNotHeardOfWhenTheSubscriptionFails) {
+    LogRecorder log;
+    Window window;
+    FailingHeap heap("vkevtsub.dll");
+    heap.FailAt(0);
+    const VKDelegateSubscriberCardRemoved subscriber(&window, kRemoved, "");
+    EXPECT_TRUE(heap.Stop());
+    EXPECT_EQ(log.Texts(1), std::vector<std::string>{"Subscribe failed (4)"});
+    Remove("Reader A");
+    EXPECT_EQ(TakePosted(), 0);
+}
+
+}  // namespace
+}  // namespace mvp::test
