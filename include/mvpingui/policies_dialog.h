@@ -5,6 +5,13 @@
 // VerifyAndUpdatePolicies whenever one of its edits changes, enables its OK button by the verdict,
 // and destroys the window and deletes the object in its own OnDestroy. The panel only reports: it
 // shows no message and takes no input. All calls are made on the host's thread.
+//
+// The panel is invisible until the first check, or until the host shows it. It is as tall as its
+// lines need: the host makes room by its window's rectangle.
+//
+// No exception leaves a member but the constructor, which lets std::bad_alloc pass, as `new` does,
+// and DoDataExchange, which ends by the framework's own. What is stopped is a line of level 1 in
+// the log; the result is then the one that lets no PIN through.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +37,8 @@ public:
                   CWnd* pParent, int nTopMargin, int nLeftIndent, int nLineSpacing);
     ~VKPoliciesDlg() override;
 
-    // Creates the panel's window as a child of `pParent`. Nonzero on success.
+    // Creates the panel's window as a child of `pParent`, invisible. Nonzero on success. A text or
+    // icon that the template lacks is left out.
     int LocCreate(CWnd* pParent);
 
     // Checks every rule in force, brings the lines up to date and shows the panel. Length, weakness
@@ -52,7 +60,9 @@ private:
     static bool IsPinWeak(const CString& strPin);
     static bool IsAlphaPinWeak(const CString& strPin);
 
-    void ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied);
+    bool CheckAndShow(const CString& csOldValue, const CString& csValue, const CString& csNewValue,
+                      const CString& csConfirmValue);
+    void ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied, const CString& csValue);
     void SetMinPINLen(int nMin, bool bShow, bool bSatisfied);
     void SetMaxPINLen(int nMax, bool bShow, bool bSatisfied);
     void SetWeakPIN(bool bShow, bool bSatisfied);

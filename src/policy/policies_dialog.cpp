@@ -3,13 +3,14 @@
 #include <array>
 #include <string_view>
 
-#include <dlgfw/data_exchange.h>
 #include <dlgfw/geometry.h>
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/control_place.h"
+#include "dialogs/base/optional_control.h"
 #include "frame/log.h"
 #include "frame/resource_module.h"
+#include "platform/barrier.h"
 #include "policy/integer_format.h"
 #include "policy/pin_policy.h"
 #include "policy/policy_layout.h"
@@ -77,28 +78,38 @@ VKPoliciesDlg::~VKPoliciesDlg() = default;
 
 int VKPoliciesDlg::LocCreate(CWnd* pParent) {
     const mvp::LogScope scope("VKPoliciesDlg::LocCreate");
-    return CreateFromResourceModule(pParent);
+    return mvp::Guarded(
+        0, [&] { return CreateFromResourceModule(pParent); },
+        mvp::LogException("VKPoliciesDlg::LocCreate"));
 }
 
 void VKPoliciesDlg::DoDataExchange(CDataExchange* pDX) {
     CBaseDialog::DoDataExchange(pDX);
-    DDX_Control(pDX, IDC_POLICIES_BOX, m_groupBox);
-    DDX_Control(pDX, IDC_POLICIES_MIN_TEXT, m_minText);
-    DDX_Control(pDX, IDC_POLICIES_MAX_TEXT, m_maxText);
-    DDX_Control(pDX, IDC_POLICIES_WEAK_TEXT, m_weakText);
-    DDX_Control(pDX, IDC_POLICIES_SAME_TEXT, m_sameText);
-    DDX_Control(pDX, IDC_POLICIES_ALPHA_TEXT, m_alphaText);
-    DDX_Control(pDX, IDC_POLICIES_CONFIRM_TEXT, m_confirmText);
+    mvp::BindIfThere(pDX, IDC_POLICIES_BOX, m_groupBox);
+    mvp::BindIfThere(pDX, IDC_POLICIES_MIN_TEXT, m_minText);
+    mvp::BindIfThere(pDX, IDC_POLICIES_MAX_TEXT, m_maxText);
+    mvp::BindIfThere(pDX, IDC_POLICIES_WEAK_TEXT, m_weakText);
+    mvp::BindIfThere(pDX, IDC_POLICIES_SAME_TEXT, m_sameText);
+    mvp::BindIfThere(pDX, IDC_POLICIES_ALPHA_TEXT, m_alphaText);
+    mvp::BindIfThere(pDX, IDC_POLICIES_CONFIRM_TEXT, m_confirmText);
 }
 
 BOOL VKPoliciesDlg::OnInitDialog() {
     const mvp::LogScope scope("VKPoliciesDlg::OnInitDialog");
-    const BOOL result = CBaseDialog::OnInitDialog();
-    CString caption;
-    if (mvp::LoadResourceString(IDS_POLICIES_BOX, caption))
-        m_groupBox.SetWindowText(caption);
-    PutPoliciesInBox();
-    return result;
+    return mvp::Guarded(
+        FALSE,
+        [this] {
+            const BOOL result = CBaseDialog::OnInitDialog();
+            CString caption;
+            if (mvp::LoadResourceString(IDS_POLICIES_BOX, caption))
+                m_groupBox.SetWindowText(caption);
+            PutPoliciesInBox();
+            return result;
+        },
+        [this] {
+            mvp::LogException("VKPoliciesDlg::OnInitDialog")();
+            EndDialog(-1);  // the window is given up
+        });
 }
 
 mvp::PinRules VKPoliciesDlg::Rules() const {
@@ -114,6 +125,16 @@ mvp::PinRules VKPoliciesDlg::Rules() const {
 bool VKPoliciesDlg::VerifyAndUpdatePolicies(CString csOldValue, CString csValue, CString csNewValue,
                                             CString csConfirmValue) {
     const mvp::LogScope scope("VKPoliciesDlg::VerifyAndUpdatePolicies");
+    const bool bVerdict = mvp::Guarded(
+        false, [&] { return CheckAndShow(csOldValue, csValue, csNewValue, csConfirmValue); },
+        mvp::LogException("VKPoliciesDlg::VerifyAndUpdatePolicies"));
+    for (CString* pText : {&csOldValue, &csValue, &csNewValue, &csConfirmValue})
+        HidePinFromMemory(*pText);
+    return bVerdict;
+}
+
+bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csValue,
+                                 const CString& csNewValue, const CString& csConfirmValue) {
     // In clear, as administrators who switch detail on expect; the reference warns of it.
     vklogLog(g_szLogTag, kLogDetail, "csOldValue: %s", static_cast<LPCSTR>(csOldValue));
     vklogLog(g_szLogTag, kLogDetail, "csValue: %s", static_cast<LPCSTR>(csValue));
@@ -122,17 +143,16 @@ bool VKPoliciesDlg::VerifyAndUpdatePolicies(CString csOldValue, CString csValue,
         Rules(), {View(csOldValue), View(csValue), View(csNewValue), View(csConfirmValue)});
     for (const mvp::PinRule rule : mvp::kPinCheckingOrder)
         ShowRule(rule, check.State(rule) != mvp::RuleState::NotInForce,
-                 check.State(rule) == mvp::RuleState::Satisfied);
+                 check.State(rule) == mvp::RuleState::Satisfied, csValue);
     if (m_hWnd != nullptr) {
         m_groupBox.EnableWindow(TRUE);
         ShowWindow(SW_SHOW);
     }
-    for (CString* pText : {&csOldValue, &csValue, &csNewValue, &csConfirmValue})
-        HidePinFromMemory(*pText);
     return check.Verdict();
 }
 
-void VKPoliciesDlg::ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied) {
+void VKPoliciesDlg::ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied,
+                             const CString& csValue) {
     switch (rule) {
         case mvp::PinRule::MinLength:
             SetMinPINLen(bInForce ? static_cast<int>(m_dwMinPINLen) : kNoLength, bInForce,
@@ -143,13 +163,13 @@ void VKPoliciesDlg::ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied) 
                          bSatisfied);
             break;
         case mvp::PinRule::NotWeak:
-            SetWeakPIN(bInForce, bSatisfied);
+            SetWeakPIN(bInForce, bInForce && !IsPinWeak(csValue));
             break;
         case mvp::PinRule::NotSame:
             SetPreventSamePIN(bInForce, bSatisfied);
             break;
         case mvp::PinRule::DigitsOnly:
-            SetAlphaPIN(bInForce, bSatisfied);
+            SetAlphaPIN(bInForce, bInForce && !IsAlphaPinWeak(csValue));
             break;
         case mvp::PinRule::Confirmation:
             SetConfirmPIN(bSatisfied);
@@ -158,10 +178,12 @@ void VKPoliciesDlg::ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied) 
 }
 
 bool VKPoliciesDlg::IsPinWeak(const CString& strPin) {
+    const mvp::LogScope scope("VKPoliciesDlg::IsPinWeak");
     return mvp::IsPinWeak(View(strPin));
 }
 
 bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
+    const mvp::LogScope scope("VKPoliciesDlg::IsAlphaPinWeak");
     return mvp::IsAlphaPinWeak(View(strPin));
 }
 
@@ -219,6 +241,7 @@ void VKPoliciesDlg::UpdateLine(CStatic& text, int nIconControl, const CString& s
 }
 
 void VKPoliciesDlg::SetPolicyIcon(CWnd* pIconControl, HICON hIcon) {
+    const mvp::LogScope scope("VKPoliciesDlg::SetPolicyIcon");
     if (pIconControl == nullptr)
         return;
     auto* const current = reinterpret_cast<HICON>(pIconControl->SendMessage(STM_GETICON));

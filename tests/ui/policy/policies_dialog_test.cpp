@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/failing_heap.h"
 #include "ui/policy/message_counter.h"
 #include "ui/policy/panel_test.h"
 
@@ -34,8 +35,10 @@ void DispatchAll() {
 
 TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
     const PwdRuleArgs only = {0, 0, 0, 0, kNone, kNone, 0};
-    // Every rule is gone through, in force or not, met or not.
+    // Every rule is gone through, in force or not, met or not; the predicates and the icons of
+    // those in force alone.
     for (const PwdRuleArgs* pRules : {&kAllRules, &only}) {
+        const bool bAll = pRules == &kAllRules;
         HostedPanel panel(pRules);
         m_log.Clear();
         panel.Check("old", "val", "new", "other");
@@ -45,13 +48,25 @@ TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
         std::vector<std::string> expected = {"8 VKPoliciesDlg::VerifyAndUpdatePolicies",
                                              "0 csOldValue: old", "0 csValue: val",
                                              "0 csNewValue: new"};
-        for (const char* pszUpdater : {"SetMinPINLen", "SetMaxPINLen", "SetPreventSamePIN",
-                                       "SetWeakPIN", "SetAlphaPIN", "SetConfirmPIN"})
-            for (const char* pszLevel : {"8", "16"})
-                expected.push_back(std::string(pszLevel) + " VKPoliciesDlg::" + pszUpdater);
+        const auto expectScope = [&expected](const std::string& strName, bool bWithIcon = false) {
+            expected.push_back("8 " + strName);
+            if (bWithIcon)
+                for (const char* pszLevel : {"8 ", "16 "})
+                    expected.push_back(pszLevel + std::string("VKPoliciesDlg::SetPolicyIcon"));
+            expected.push_back("16 " + strName);
+        };
+        expectScope("VKPoliciesDlg::SetMinPINLen", bAll);
+        expectScope("VKPoliciesDlg::SetMaxPINLen", bAll);
+        expectScope("VKPoliciesDlg::SetPreventSamePIN", bAll);
+        if (bAll)
+            expectScope("VKPoliciesDlg::IsPinWeak");
+        expectScope("VKPoliciesDlg::SetWeakPIN", bAll);
+        if (bAll)
+            expectScope("VKPoliciesDlg::IsAlphaPinWeak");
+        expectScope("VKPoliciesDlg::SetAlphaPIN", bAll);
+        expectScope("VKPoliciesDlg::SetConfirmPIN", true);
         for (int i = 0; i < 4; ++i)
-            for (const char* pszLevel : {"8", "16"})
-                expected.push_back(std::string(pszLevel) + " CBaseDialog::HidePinFromMemory");
+            expectScope("CBaseDialog::HidePinFromMemory");
         expected.emplace_back("16 VKPoliciesDlg::VerifyAndUpdatePolicies");
         EXPECT_EQ(lines, expected);
     }
@@ -192,7 +207,7 @@ TEST_F(PoliciesDialog, CreationBorrowsTheResourceHandle) {
     EXPECT_EQ(place.top, 34);
 }
 
-// The panel over a template that lacks a control.
+// The panel over a template that lacks a control, or in a resource module that lacks all strings.
 class CIncompletePanel : public VKPoliciesDlg {
 public:
     CIncompletePanel(CWnd* pHost, int nMissing)
@@ -200,20 +215,30 @@ public:
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override {
-        VKPoliciesDlg::DoDataExchange(pDX);
+        if (m_nMissing == 0)
+            FreeResourceModule();
         ::DestroyWindow(::GetDlgItem(m_hWnd, m_nMissing));
+        VKPoliciesDlg::DoDataExchange(pDX);
     }
 
 private:
     int m_nMissing;
 };
 
+class Host : public CWnd {
+public:
+    Host() {
+        CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 600, 500, nullptr, nullptr);
+    }
+};
+
 TEST_F(PoliciesDialog, LivesWithMissingControls) {
-    CWnd host;
-    ASSERT_TRUE(host.CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 600, 500, nullptr,
-                              nullptr));
-    for (const int nMissing :
-         {IDC_POLICIES_BOX, IDC_POLICIES_MIN_TEXT, IDC_POLICIES_CONFIRM_ICON}) {
+    Host host;
+    std::vector<int> controls = {IDC_POLICIES_BOX};
+    for (const RuleLine& line : kRuleLines)
+        controls.insert(controls.end(), {line.nText, line.nIcon});
+    for (const int nMissing : controls) {
+        SCOPED_TRACE(nMissing);
         m_log.Clear();
         CIncompletePanel panel(&host, nMissing);
         ASSERT_NE(panel.LocCreate(&host), 0);
@@ -223,12 +248,58 @@ TEST_F(PoliciesDialog, LivesWithMissingControls) {
         EXPECT_EQ(RectIn(host.m_hWnd, panel.m_hWnd).bottom, whole.bottom) << "left as it is";
         EXPECT_TRUE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "5838"));
         EXPECT_FALSE(panel.VerifyAndUpdatePolicies("1", "583", "5838", "5838"));
+        for (const int nId : controls)
+            EXPECT_EQ(IsWindowVisible(::GetDlgItem(panel.m_hWnd, nId)) != FALSE, nId != nMissing)
+                << nId;
         panel.DestroyWindow();
     }
     // And without a window at all.
     VKPoliciesDlg panel(&kAllRules, 0, nullptr, &host, 15, 0, 6);
     EXPECT_TRUE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "5838"));
     EXPECT_FALSE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "583"));
+}
+
+TEST(PoliciesDialogWithoutPictures, ShowsNoneAndJudges) {
+    Host host;
+    // Made before the library has its resource module: no icon loads.
+    CIncompletePanel panel(&host, 0);
+    const AttachedLibrary library;
+    ASSERT_NE(panel.LocCreate(&host), 0);
+    EXPECT_EQ(panel.SendDlgItemMessage(IDC_POLICIES_BOX, WM_GETTEXTLENGTH), 0) << "as it was";
+    for (const RuleLine& line : kRuleLines) {
+        ::SetDlgItemTextA(panel.m_hWnd, line.nText, "before");
+        panel.SendDlgItemMessage(line.nIcon, STM_SETICON,
+                                 reinterpret_cast<WPARAM>(LoadIconA(nullptr, IDI_ERROR)));
+    }
+    EXPECT_TRUE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "5838"));
+    EXPECT_FALSE(panel.VerifyAndUpdatePolicies("1", "583", "5838", "5838"));
+    for (const RuleLine& line : kRuleLines) {
+        EXPECT_EQ(panel.SendDlgItemMessage(line.nText, WM_GETTEXTLENGTH), 0) << line.pszName;
+        EXPECT_EQ(panel.SendDlgItemMessage(line.nIcon, STM_GETICON), 0) << line.pszName;
+        EXPECT_TRUE(IsWindowVisible(::GetDlgItem(panel.m_hWnd, line.nIcon))) << line.pszName;
+    }
+}
+
+TEST_F(PoliciesDialog, WithoutMemoryNoPinIsGood) {
+    HostedPanel panel(&kAllRules);
+    FailingHeap heap("dlgfw.dll");
+    int nStopped = 0;
+    bool bRefused = true;
+    for (int i = 0; bRefused; ++i) {
+        CString pins[] = {"1", "5838", "5838", "5838"};
+        m_log.Clear();
+        heap.FailAt(i);
+        const bool bVerdict = panel.Panel().VerifyAndUpdatePolicies(
+            std::move(pins[0]), std::move(pins[1]), std::move(pins[2]), std::move(pins[3]));
+        bRefused = heap.Stop();
+        // What fails in the painting alone changes no verdict.
+        const bool bStopped =
+            m_log.Contains(1, "VKPoliciesDlg::VerifyAndUpdatePolicies: exception");
+        nStopped += bStopped ? 1 : 0;
+        EXPECT_EQ(bVerdict, !bStopped) << i;
+        EXPECT_EQ(std::ranges::count(m_log.Texts(16), "CBaseDialog::HidePinFromMemory"), 4);
+    }
+    EXPECT_GT(nStopped, 6) << "a text for each line, and more";
 }
 
 }  // namespace
