@@ -5,6 +5,17 @@
 // panel enables while every rule is met. GetChangePINInfoFromUser, called with the window's handle,
 // then reads the PINs out of the panel. Destroy the window and delete the object when the window
 // goes; the destructor overwrites the PINs. All calls are made on the window's thread.
+//
+// The panel's window is invisible until the host shows it. It is as wide as its template and as
+// tall as the rules in force need, which is known once it has been created: the host makes room by
+// its window's rectangle. It has no margins of its own; those around the rule lines are the host's
+// choice, and the constants below are what suits the panel. The integration guide has a whole
+// example.
+//
+// No exception leaves a member but the constructor, which lets std::bad_alloc pass, as `new` does,
+// and leaves nothing behind then, and DoDataExchange, which ends by the framework's own. What is
+// stopped is a line of level 1 in the log; the result is then the one that lets no PIN through, and
+// the OK button is disabled.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +28,11 @@
 
 class VKPoliciesDlg;
 
+// The layout of the rule lines in the library's own change-PIN dialog, in pixels.
+constexpr int MVPINGUI_CHANGE_PIN_TOP_MARGIN = 15;
+constexpr int MVPINGUI_CHANGE_PIN_LEFT_INDENT = 0;
+constexpr int MVPINGUI_CHANGE_PIN_LINE_SPACING = 6;
+
 class MVPINGUI_API CChangePINDialog : public CBaseDialog {
 public:
     // nIgnored          accepted and not used
@@ -26,19 +42,28 @@ public:
     // pRules            the card's rules, copied; null: only the confirmation is checked
     // pOkButton         the host's OK button, not owned; may be null
     // pParent           the host, not owned
-    // nTopMargin, nLeftIndent, nLineSpacing  layout of the rule lines, see VKPoliciesDlg
+    // nTopMargin, nLeftIndent, nLineSpacing  layout of the rule lines, see VKPoliciesDlg; the
+    //                   MVPINGUI_CHANGE_PIN_ constants above if nothing speaks against them
     CChangePINDialog(int nIgnored, int bUseWindowColor, bool bAskCurrentPin, const RECT* pPosition,
                      const PwdRuleArgs* pRules, CButton* pOkButton, CWnd* pParent, int nTopMargin,
                      int nLeftIndent, int nLineSpacing);
     ~CChangePINDialog() override;
 
-    // Creates the panel's window as a child of `pParent`. Nonzero on success.
+    // Creates the panel's window as a child of `pParent`, invisible, and puts the focus on its
+    // first edit. Nonzero on success. A label that the template lacks is left out; without one of
+    // the three edits there is no panel. Should the rule lines not come up, the rules are judged
+    // all the same.
     int LocCreate(CWnd* pParent);
 
     // Checks `value` and the present texts of the edits, brings the rule lines up to date and
     // enables or disables the OK button. Returns whether every rule is met; OK may be disabled all
     // the same, while the current PIN is asked for and empty.
     bool VerifyAndUpdateAllPolicies(CString value);
+
+    // Reads the three edits anew and checks them as VerifyAndUpdateAllPolicies does. Returns
+    // whether OK may be obeyed: every rule is met, and the current PIN is there if it is asked for.
+    // For the host's OnOK, which Enter and other programs reach while the button is disabled.
+    bool ReadAndCheck();
 
     // Overwrites the texts last read from the edits.
     void EraseAllPinBuffers();
@@ -69,10 +94,12 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    void SetUp();
     void SetTexts();
     void CreatePoliciesPanel();
     void DestroyPoliciesPanel();
     void EnableOk(bool bEnable);
+    void AfterException(const char* pszFunction);
 
     CString m_csPin;
     CString m_csNewPin;

@@ -9,11 +9,6 @@
 
 namespace {
 
-// How the library's own dialog lays the rule lines out, in pixels.
-constexpr int kTopMargin = 15;
-constexpr int kLeftIndent = 0;
-constexpr int kLineSpacing = 6;
-
 struct Output {
     char* pszNewPin;
     std::uint32_t* pcbNewPin;
@@ -51,8 +46,9 @@ std::uint32_t ReadEmbedded(CChangePINDialog* pPanel, const Output& output) {
 
 std::uint32_t AskModal(const PwdRuleArgs* pRules, bool bAskCurrentPin, const char* pszReader,
                        const Output& output) {
-    CChangePINDialogMain dialog(pRules, 0, bAskCurrentPin, nullptr, kTopMargin, kLeftIndent,
-                                kLineSpacing, pszReader);
+    CChangePINDialogMain dialog(pRules, 0, bAskCurrentPin, nullptr, MVPINGUI_CHANGE_PIN_TOP_MARGIN,
+                                MVPINGUI_CHANGE_PIN_LEFT_INDENT, MVPINGUI_CHANGE_PIN_LINE_SPACING,
+                                pszReader);
     if (dialog.DoModal() != IDOK)
         return MVPINGUI_REFUSED;
     HandOut(dialog.Panel(), output);

@@ -9,10 +9,12 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/control_place.h"
+#include "dialogs/base/optional_control.h"
 #include "dialogs/pin/change_pin_panels.h"
 #include "frame/log.h"
 #include "frame/resource_module.h"
 #include "mvpingui/policies_dialog.h"
+#include "platform/barrier.h"
 #include "platform/handle.h"
 #include "resources/resource_numbers.h"
 
@@ -30,19 +32,32 @@ END_MESSAGE_MAP()
 namespace {
 
 constexpr char kConfigKey[] = R"(Software\Quillon\Veskara\PXRM)";
+constexpr char kPreventionValue[] = "EnableSmallPINEntryPrevention";
 // What is offered for a value that is a number of four bytes when it is well.
 constexpr DWORD kOfferedSize = 255;
 
+// A value of any type gives its first four bytes, and counts as zero beyond its end. One that is no
+// number of four bytes may not mean what its author meant, and one that does not fit is ignored:
+// the log tells of both.
 std::uint32_t ReadSmallPinEntryPrevention() {
     mvp::RegistryKey key;
     if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kConfigKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS)
         return 0;
     std::array<BYTE, kOfferedSize> data{};
+    DWORD type = REG_NONE;
     DWORD size = kOfferedSize;
+    const LSTATUS error =
+        RegQueryValueExA(key.get(), kPreventionValue, nullptr, &type, data.data(), &size);
+    if (error == ERROR_MORE_DATA)
+        mvp::LogIgnoredSetting(kConfigKey, kPreventionValue, "larger than 255 bytes");
+    if (error != ERROR_SUCCESS)
+        return 0;
     std::uint32_t value = 0;
-    if (RegQueryValueExA(key.get(), "EnableSmallPINEntryPrevention", nullptr, nullptr, data.data(),
-                         &size) == ERROR_SUCCESS)
-        std::memcpy(&value, data.data(), sizeof value);
+    std::memcpy(&value, data.data(), sizeof value);
+    if (type != REG_DWORD || size != sizeof value)
+        vklogLog(g_szLogTag, kLogError,
+                 "Setting is no REG_DWORD, its first bytes are followed as %u: %s\\%s", value,
+                 kConfigKey, kPreventionValue);
     return value;
 }
 
@@ -86,23 +101,44 @@ CChangePINDialog::~CChangePINDialog() {
 
 int CChangePINDialog::LocCreate(CWnd* pParent) {
     const mvp::LogScope scope("CChangePINDialog::LocCreate");
-    return CreateFromResourceModule(pParent);
+    const int nCreated = mvp::Guarded(
+        0, [&] { return CreateFromResourceModule(pParent); },
+        mvp::LogException("CChangePINDialog::LocCreate"));
+    if (nCreated == 0)
+        EnableOk(false);
+    return nCreated;
 }
 
 void CChangePINDialog::DoDataExchange(CDataExchange* pDX) {
     CBaseDialog::DoDataExchange(pDX);
-    DDX_Control(pDX, IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, m_labelPin);
-    DDX_Control(pDX, IDC_CHANGE_PIN_PANEL_NEW_LABEL, m_labelNewPin);
-    DDX_Control(pDX, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, m_labelConfirm);
+    mvp::BindIfThere(pDX, IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, m_labelPin);
+    mvp::BindIfThere(pDX, IDC_CHANGE_PIN_PANEL_NEW_LABEL, m_labelNewPin);
+    mvp::BindIfThere(pDX, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, m_labelConfirm);
     DDX_Control(pDX, IDC_CHANGE_PIN_PANEL_CURRENT_EDIT, m_editPin);
     DDX_Control(pDX, IDC_CHANGE_PIN_PANEL_NEW_EDIT, m_editNewPin);
     DDX_Control(pDX, IDC_CHANGE_PIN_PANEL_CONFIRM_EDIT, m_editConfirm);
-    DDX_Control(pDX, IDC_CHANGE_PIN_PANEL_INSTRUCTION, m_instruction);
+    mvp::BindIfThere(pDX, IDC_CHANGE_PIN_PANEL_INSTRUCTION, m_instruction);
 }
 
 BOOL CChangePINDialog::OnInitDialog() {
     const mvp::LogScope scope("CChangePINDialog::OnInitDialog");
-    const BOOL result = CBaseDialog::OnInitDialog();
+    return mvp::Guarded(
+        FALSE,
+        [this] {
+            // Without its edits the panel is given up.
+            const BOOL result = CBaseDialog::OnInitDialog();
+            if (result)
+                SetUp();
+            return result;
+        },
+        [this] {
+            mvp::LogException("CChangePINDialog::OnInitDialog")();
+            EndDialog(-1);  // the window is given up
+        });
+}
+
+void CChangePINDialog::SetUp() {
+    mvp::SetChangePinPanelWindow(this, m_hWnd);
     SetTexts();
     CreatePoliciesPanel();
     // The window around the panel: not every system looks it up for a child that is brought
@@ -112,7 +148,6 @@ BOOL CChangePINDialog::OnInitDialog() {
     // types.
     (m_bAskCurrentPin ? m_editPin : m_editNewPin).SetFocus();
     UpdateWindow();
-    return result;
 }
 
 void CChangePINDialog::SetTexts() {
@@ -130,10 +165,17 @@ void CChangePINDialog::SetTexts() {
 void CChangePINDialog::CreatePoliciesPanel() {
     const CWnd* pPlace = GetDlgItem(IDC_CHANGE_PIN_PANEL_POLICIES_PLACE);
     const CRect place = pPlace != nullptr ? mvp::ClientRectOf(*this, *pPlace) : CRect(0, 0, 0, 0);
-    m_pPoliciesDlg = new (std::nothrow) VKPoliciesDlg(&m_rules, m_bUseWindowColor, &place, this,
-                                                      m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
-    if (m_pPoliciesDlg == nullptr || m_pPoliciesDlg->LocCreate(this) == 0)
+    m_pPoliciesDlg = mvp::Guarded<VKPoliciesDlg*>(
+        nullptr,
+        [&] {
+            return new (std::nothrow) VKPoliciesDlg(&m_rules, m_bUseWindowColor, &place, this,
+                                                    m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
+        },
+        mvp::LogException("VKPoliciesDlg::VKPoliciesDlg"));
+    if (m_pPoliciesDlg == nullptr || m_pPoliciesDlg->LocCreate(this) == 0) {
+        vklogLog(g_szLogTag, kLogError, "CChangePINDialog: the rule panel could not be created");
         return;
+    }
     m_pPoliciesDlg->ShowWindow(SW_SHOW);
     m_pPoliciesDlg->UpdateWindow();
     CRect panel;
@@ -144,20 +186,39 @@ void CChangePINDialog::CreatePoliciesPanel() {
 
 void CChangePINDialog::OnEnChangeEditPin() {
     const mvp::LogScope scope("CChangePINDialog::OnEnChangeEditPin");
-    m_editPin.GetWindowText(m_csPin);
-    OnEnChangeEditPinNew();
+    mvp::Guarded(
+        [this] {
+            m_editPin.GetWindowText(m_csPin);
+            OnEnChangeEditPinNew();
+        },
+        [this] { AfterException("CChangePINDialog::OnEnChangeEditPin"); });
 }
 
 void CChangePINDialog::OnEnChangeEditPinConfirm() {
     const mvp::LogScope scope("CChangePINDialog::OnEnChangeEditPinConfirm");
-    m_editConfirm.GetWindowText(m_csConfirmPin);
-    OnEnChangeEditPinNew();
+    mvp::Guarded(
+        [this] {
+            m_editConfirm.GetWindowText(m_csConfirmPin);
+            OnEnChangeEditPinNew();
+        },
+        [this] { AfterException("CChangePINDialog::OnEnChangeEditPinConfirm"); });
 }
 
 void CChangePINDialog::OnEnChangeEditPinNew() {
     const mvp::LogScope scope("CChangePINDialog::OnEnChangeEditPinNew");
-    m_editNewPin.GetWindowText(m_csNewPin);
-    VerifyAndUpdateAllPolicies(m_csNewPin);
+    mvp::Guarded(
+        [this] {
+            m_editNewPin.GetWindowText(m_csNewPin);
+            VerifyAndUpdateAllPolicies(m_csNewPin);
+        },
+        [this] { AfterException("CChangePINDialog::OnEnChangeEditPinNew"); });
+}
+
+// What was read before an exception may not be what stands in the edits: it is not handed out.
+void CChangePINDialog::AfterException(const char* pszFunction) {
+    mvp::LogException{pszFunction}();
+    EraseAllPinBuffers();
+    EnableOk(false);
 }
 
 void CChangePINDialog::OnEnSetfocusEditPin() {
@@ -180,17 +241,43 @@ bool CChangePINDialog::VerifyAndUpdateAllPolicies(CString value) {
     CString currentPin;
     CString newPin;
     CString confirmation;
-    m_editPin.GetWindowText(currentPin);
-    m_editNewPin.GetWindowText(newPin);
-    m_editConfirm.GetWindowText(confirmation);
-    vklogLog(g_szLogTag, kLogDetail, "m_pPoliciesDlg: %d",
-             static_cast<int>(mvp::LowBits(m_pPoliciesDlg)));
-    const bool verdict = m_pPoliciesDlg == nullptr || m_pPoliciesDlg->VerifyAndUpdatePolicies(
-                                                          currentPin, value, newPin, confirmation);
-    EnableOk(verdict && !(m_bAskCurrentPin && currentPin.IsEmpty()));
+    bool bEnable = false;
+    const bool bVerdict = mvp::Guarded(
+        false,
+        [&] {
+            m_editPin.GetWindowText(currentPin);
+            m_editNewPin.GetWindowText(newPin);
+            m_editConfirm.GetWindowText(confirmation);
+            vklogLog(g_szLogTag, kLogDetail, "m_pPoliciesDlg: %d",
+                     static_cast<int>(mvp::LowBits(m_pPoliciesDlg)));
+            const bool bMet =
+                m_pPoliciesDlg == nullptr ||
+                m_pPoliciesDlg->VerifyAndUpdatePolicies(currentPin, value, newPin, confirmation);
+            bEnable = bMet && !(m_bAskCurrentPin && currentPin.IsEmpty());
+            return bMet;
+        },
+        mvp::LogException("CChangePINDialog::VerifyAndUpdateAllPolicies"));
+    // The host hears of it and may delete the panel: nothing of it is touched afterwards.
+    EnableOk(bEnable);
     for (CString* pText : {&currentPin, &newPin, &confirmation, &value})
         HidePinFromMemory(*pText);
-    return verdict;
+    return bVerdict;
+}
+
+bool CChangePINDialog::ReadAndCheck() {
+    const mvp::LogScope scope("CChangePINDialog::ReadAndCheck");
+    return mvp::Guarded(
+        false,
+        [this] {
+            if (m_hWnd == nullptr)
+                return false;
+            m_editPin.GetWindowText(m_csPin);
+            m_editNewPin.GetWindowText(m_csNewPin);
+            m_editConfirm.GetWindowText(m_csConfirmPin);
+            const bool bCurrentGiven = !m_bAskCurrentPin || !m_csPin.IsEmpty();
+            return VerifyAndUpdateAllPolicies(m_csNewPin) && bCurrentGiven;
+        },
+        [this] { AfterException("CChangePINDialog::ReadAndCheck"); });
 }
 
 void CChangePINDialog::EnableOk(bool bEnable) {
@@ -205,11 +292,13 @@ void CChangePINDialog::EraseAllPinBuffers() {
 }
 
 void CChangePINDialog::ResetToolTip() {
+    const mvp::LogScope scope("CChangePINDialog::ResetToolTip");
     for (CCapsLockSensitiveEdit* pEdit : {&m_editPin, &m_editNewPin, &m_editConfirm})
         pEdit->ResetToolTip();
 }
 
 void CChangePINDialog::OnMove(int x, int y) {
+    const mvp::LogScope scope("CChangePINDialog::OnMove");
     CBaseDialog::OnMove(x, y);
     ResetToolTip();
 }
@@ -217,6 +306,7 @@ void CChangePINDialog::OnMove(int x, int y) {
 void CChangePINDialog::OnDestroy() {
     const mvp::LogScope scope("CChangePINDialog::OnDestroy");
     DestroyPoliciesPanel();
+    mvp::SetChangePinPanelWindow(this, nullptr);
     CBaseDialog::OnDestroy();
 }
 

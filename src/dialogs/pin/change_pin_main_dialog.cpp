@@ -1,6 +1,7 @@
 #include "dialogs/pin/change_pin_main_dialog.h"
 
 #include <new>
+#include <utility>
 
 #include <dlgfw/data_exchange.h>
 #include <dlgfw/geometry.h>
@@ -11,6 +12,7 @@
 #include "mvpingui/change_pin_dialog.h"
 #include "notify/card_removed_message.h"
 #include "notify/card_removed_subscriber.h"
+#include "platform/barrier.h"
 #include "resources/resource_numbers.h"
 
 BEGIN_MESSAGE_MAP(CChangePINDialogMain, CDialog)
@@ -67,8 +69,14 @@ BOOL CChangePINDialogMain::OnInitDialog() {
     if (mvp::LoadResourceString(IDS_CARD_PIN_TITLE, title))
         SetWindowText(title);
     UpdateWindow();
-    m_pCardRemoved = new (std::nothrow)
-        VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
+    // Without the memory for it the dialog just does not react to the removal.
+    m_pCardRemoved = mvp::Guarded<VKDelegateSubscriberCardRemoved*>(
+        nullptr,
+        [this] {
+            return new (std::nothrow)
+                VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
+        },
+        mvp::LogException("VKDelegateSubscriberCardRemoved Constructor"));
     return TRUE;
 }
 
@@ -84,11 +92,18 @@ void CChangePINDialogMain::CreatePanel() {
         pPlace->GetWindowRect(&place);
         ScreenToClient(&place);
     }
-    m_pPanel = new (std::nothrow)
-        CChangePINDialog(0, m_bUseWindowColor, m_bAskCurrentPin, &place, &m_rules, &m_okButton,
-                         this, m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
-    if (m_pPanel == nullptr || m_pPanel->LocCreate(this) == 0)
+    m_pPanel = mvp::Guarded<CChangePINDialog*>(
+        nullptr,
+        [&] {
+            return new (std::nothrow)
+                CChangePINDialog(0, m_bUseWindowColor, m_bAskCurrentPin, &place, &m_rules,
+                                 &m_okButton, this, m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
+        },
+        mvp::LogException("CChangePINDialog::CChangePINDialog"));
+    if (m_pPanel == nullptr || m_pPanel->LocCreate(this) == 0) {
+        DoWithoutPanel();
         return;
+    }
     // First in the tab order, before the buttons: the system's choice of a first focus, made when
     // this dialog's initialisation is over, is then the panel's as well.
     m_pPanel->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -99,6 +114,16 @@ void CChangePINDialogMain::CreatePanel() {
     ScreenToClient(&panel);
     ResizeDlg(0, place.bottom - panel.bottom);
     m_pPanel->SetFocus();
+}
+
+// Nothing can be entered, so nothing is confirmed, and the user can leave even a mandatory change.
+void CChangePINDialogMain::DoWithoutPanel() {
+    vklogLog(g_szLogTag, kLogError, "CChangePINDialogMain: the panel could not be created");
+    delete std::exchange(m_pPanel, nullptr);
+    m_okButton.EnableWindow(FALSE);
+    m_rules.bCancelDisabled = 0;
+    if (CWnd* pCancel = GetDlgItem(IDCANCEL))
+        pCancel->EnableWindow(TRUE);
 }
 
 void CChangePINDialogMain::ResizeDlg(int dx, int dy) {
@@ -125,14 +150,16 @@ void CChangePINDialogMain::MoveButton(int nId, int dx, int dy) {
     pButton->RedrawWindow();
 }
 
+// A button that the template lacks forbids nothing.
 bool CChangePINDialogMain::IsButtonEnabled(int nId) const {
     const CWnd* pButton = GetDlgItem(nId);
-    return pButton != nullptr && pButton->IsWindowEnabled();
+    return pButton == nullptr || pButton->IsWindowEnabled();
 }
 
 void CChangePINDialogMain::OnOK() {
     const mvp::LogScope scope("CChangePINDialogMain::OnOK");
-    if (IsButtonEnabled(IDOK))
+    // The command comes from anywhere: what counts is what stands in the edits now.
+    if (IsButtonEnabled(IDOK) && m_pPanel != nullptr && m_pPanel->ReadAndCheck())
         CDialog::OnOK();
 }
 
@@ -157,6 +184,7 @@ void CChangePINDialogMain::OnDestroy() {
 }
 
 void CChangePINDialogMain::OnMove(int x, int y) {
+    const mvp::LogScope scope("CChangePINDialogMain::OnMove");
     CDialog::OnMove(x, y);
     if (m_pPanel != nullptr)
         m_pPanel->ResetToolTip();

@@ -1,5 +1,6 @@
 // CChangePINDialogMain: the library's own modal frame around a CChangePINDialog, with OK and
-// Cancel. It closes when the card is removed; a mandatory change cannot be left otherwise.
+// Cancel. It closes when the card is removed; a mandatory change cannot be left otherwise, unless
+// the panel could not be made and there is nothing to enter.
 #pragma once
 
 #include <dlgfw/controls.h>
@@ -38,6 +39,7 @@ protected:
 private:
     void SetSmallIcon();
     void CreatePanel();
+    void DoWithoutPanel();
     void ResizeDlg(int dx, int dy);
     void MoveButton(int nId, int dx, int dy);
     bool IsButtonEnabled(int nId) const;

@@ -7,32 +7,45 @@
 
 namespace {
 
-std::vector<CChangePINDialog*> g_ChangePINDialogs;
+struct LivePanel {
+    CChangePINDialog* pPanel;
+    HWND hWnd;  // null while there is none
+};
+
+std::vector<LivePanel> g_ChangePINDialogs;
 
 }  // namespace
 
 namespace mvp {
 
 void AddChangePinPanel(CChangePINDialog* pPanel) {
-    g_ChangePINDialogs.push_back(pPanel);
+    g_ChangePINDialogs.push_back({pPanel, nullptr});
+}
+
+void SetChangePinPanelWindow(const CChangePINDialog* pPanel, HWND hWnd) noexcept {
+    const auto entry = std::ranges::find(g_ChangePINDialogs, pPanel, &LivePanel::pPanel);
+    if (entry != g_ChangePINDialogs.end())
+        entry->hWnd = hWnd;
 }
 
 void RemoveChangePinPanel(const CChangePINDialog* pPanel) noexcept {
-    std::erase(g_ChangePINDialogs, pPanel);
+    std::erase_if(g_ChangePINDialogs,
+                  [pPanel](const LivePanel& each) { return each.pPanel == pPanel; });
 }
 
 bool IsChangePinPanel(const CChangePINDialog* pPanel) noexcept {
-    return std::ranges::find(g_ChangePINDialogs, pPanel) != g_ChangePINDialogs.end();
+    return std::ranges::find(g_ChangePINDialogs, pPanel, &LivePanel::pPanel) !=
+           g_ChangePINDialogs.end();
 }
 
 CChangePINDialog* FindChangePinPanel(HWND hHost) noexcept {
+    // A window that is not there has no parent: null would match it.
+    if (hHost == nullptr)
+        return nullptr;
     const auto match =
         std::find_if(g_ChangePINDialogs.rbegin(), g_ChangePINDialogs.rend(),
-                     [hHost](const CChangePINDialog* pPanel) {
-                         // A panel without a window is nobody's: a null handle would match it.
-                         return pPanel->m_hWnd != nullptr && ::GetParent(pPanel->m_hWnd) == hHost;
-                     });
-    return match != g_ChangePINDialogs.rend() ? *match : nullptr;
+                     [hHost](const LivePanel& each) { return ::GetParent(each.hWnd) == hHost; });
+    return match != g_ChangePINDialogs.rend() ? match->pPanel : nullptr;
 }
 
 }  // namespace mvp

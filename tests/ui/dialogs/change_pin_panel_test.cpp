@@ -1,6 +1,7 @@
 // CChangePINDialog in windows of the host's own, and GetChangePINInfoFromUser reading it there.
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <dlgfw/dlgfw.h>
 #include <dlgfw/message_map.h>
@@ -261,10 +262,33 @@ TEST_F(ChangePinPanel, ReadsItsConfiguration) {
     EXPECT_EQ(read(), 0U);
     m_hive.SetDword(kKey, kValue, 0x80000001);
     EXPECT_EQ(read(), 0x80000001U);
-    m_hive.SetRaw(kKey, kValue, REG_BINARY, "\x05");
-    EXPECT_EQ(read(), 5U);
-    m_hive.SetRaw(kKey, kValue, REG_BINARY, std::string(256, 'x'));
-    EXPECT_EQ(read(), 0U) << "larger than what is offered";
+    EXPECT_TRUE(m_log.Texts(1).empty()) << m_log.Dump();
+    struct Case {
+        DWORD dwType;
+        std::string strBytes;
+        std::uint32_t dwRead;
+        std::string strLine;
+    };
+    const std::string strPath = std::string(kKey) + "\\" + kValue;
+    const auto followed = [&](std::uint32_t dwValue) {
+        return "Setting is no REG_DWORD, its first bytes are followed as " +
+               std::to_string(dwValue) + ": " + strPath;
+    };
+    const Case cases[] = {
+        {REG_BINARY, "\x05", 5, followed(5)},
+        {REG_BINARY, std::string("\x05\0\0\0", 4), 5, followed(5)},
+        {REG_SZ, std::string("0\0", 2), '0', followed('0')},
+        {REG_DWORD, "", 0, followed(0)},
+        {REG_BINARY, std::string(255, 'x'), 0x78787878, followed(0x78787878)},
+        {REG_BINARY, std::string(256, 'x'), 0,
+         "Setting ignored: " + strPath + ": larger than 255 bytes"},
+    };
+    for (const Case& c : cases) {
+        m_hive.SetRaw(kKey, kValue, c.dwType, c.strBytes);
+        m_log.Clear();
+        EXPECT_EQ(read(), c.dwRead) << c.strLine;
+        EXPECT_EQ(m_log.Texts(1), std::vector<std::string>{c.strLine});
+    }
 }
 
 // A dialog of the host's own around the panel, of another shape than the library's.

@@ -150,9 +150,15 @@ TEST_F(ChangePin, OkFollowsEveryEdit) {
         d.Type(kConfirm, " ");
         EXPECT_FALSE(d.IsEnabled(IDOK));
         d.Enter();
-        // The command itself, whoever sends it.
-        d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
-        EXPECT_TRUE(d.IsOpen());
+        // The command itself, whoever sends it, and whatever he has done to the button.
+        for (const BOOL bEnable : {FALSE, TRUE}) {
+            d.Run([&] {
+                EnableWindow(d.Control(IDOK), bEnable);
+                SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            });
+            EXPECT_TRUE(d.IsOpen());
+            EXPECT_FALSE(d.IsEnabled(IDOK));
+        }
         d.Send(kConfirm, EM_SETSEL, 0, -1);
         d.Paste(kConfirm, "5838");
         EXPECT_TRUE(d.IsEnabled(IDOK));
