@@ -17,10 +17,6 @@
 namespace {
 
 constexpr UINT kCardRemoved = WM_APP;
-// How the panel lays its rule lines out, in pixels.
-constexpr int kTopMargin = 15;
-constexpr int kLeftIndent = 0;
-constexpr int kLineSpacing = 6;
 
 // Tells the window, from the thread that delivers the events, that its card is gone.
 class CCardGone : public VKDelegateSubscriber {
@@ -91,7 +87,8 @@ bool CChangePinWindow::CreatePanel() {
     GetDlgItem(IDC_PANEL_PLACE)->GetWindowRect(&place);
     ScreenToClient(&place);
     m_panel.emplace(0, 0, m_request.bAskCurrentPin, &place, m_request.pRules, &m_okButton, this,
-                    kTopMargin, kLeftIndent, kLineSpacing);
+                    MVPINGUI_CHANGE_PIN_TOP_MARGIN, MVPINGUI_CHANGE_PIN_LEFT_INDENT,
+                    MVPINGUI_CHANGE_PIN_LINE_SPACING);
     if (m_panel->LocCreate(this) == 0)
         return false;
     // First in the tab order, so that the panel gets the first focus.
@@ -118,7 +115,7 @@ void CChangePinWindow::EndBelowPanel(int nMargin) {
 
 void CChangePinWindow::OnOK() {
     // Enter comes here also while the button is disabled.
-    if (!m_okButton.IsWindowEnabled())
+    if (!m_panel->ReadAndCheck())
         return;
     const PinHostChangePin& request = m_request;
     if (GetChangePINInfoFromUser(request.pRules, 0, request.pszNewPin, request.pcbNewPin,
