@@ -123,8 +123,8 @@ CPicture CPictureStore::LoadBitmapOf(const Key& key) const {
                    : CPicture();
     }
     const Bitmap bitmap = !key.strFile.empty()
-                              ? LoadBitmapFile(key.strFile)
-                              : LoadBitmapResource(m_resources, key.strModule, key.strResource);
+                              ? LoadPictureFile(key.strFile)
+                              : LoadPictureResource(m_resources, key.strModule, key.strResource);
     return bitmap ? CPicture::FromBitmap(bitmap.get(), key.mask) : CPicture();
 }
 
