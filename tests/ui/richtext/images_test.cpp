@@ -115,6 +115,23 @@ TEST(Images, ComeFromFiles) {
     EXPECT_EQ(tiled.Row(19), "8r 8g 4b");
 }
 
+// Pictures are bounded, not what they tile: the area of this one is larger than any picture.
+TEST(Images, TileAnyArea) {
+    const BitmapFile file("richtext_tile.bmp", 24, 8, Strip);
+    CHtmlDrawer drawer;
+    UseTestFont(drawer);
+    drawer.SetText("<table cellspacing=0 width=20000 height=3000 background=\"" + file.Name() +
+                   "\"><tr><td></td></tr></table>");
+    const RECT whole = {0, 0, 20000, 3000};
+    for (const POINT corner : {POINT{0, 0}, POINT{2040, 2040}, POINT{8180, 100}, POINT{19990, 9}}) {
+        const Canvas canvas(20, 20);
+        SetViewportOrgEx(canvas.Dc(), -corner.x, -corner.y, nullptr);
+        drawer.Draw(canvas.Dc(), whole, whole);
+        for (int x = 0; x < 20 && corner.x + x < 20000; ++x)
+            EXPECT_EQ(canvas.At(x, 9), Strip((corner.x + x) % 24, 0)) << corner.x + x;
+    }
+}
+
 TEST(Images, ComeFromHandles) {
     const WindowDc screen(nullptr);
     Bitmap bitmap(CreateCompatibleBitmap(screen.get(), 8, 8));
