@@ -359,7 +359,7 @@ std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
     }
     const SystemColours& system = m_settings.system;
     const auto colour = [&](AttributeId attribute, Colour otherwise) {
-        return ReadColour(attributes.Get(attribute), system).value_or(otherwise);
+        return ReadPropertyColour(attributes.Get(attribute), system).value_or(otherwise);
     };
     decoration.border = border;
     const auto style = delta.borderStyle.has_value()
