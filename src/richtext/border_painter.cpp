@@ -109,7 +109,7 @@ void DrawDouble(HDC hDC, const Border& border, const RECT& box, const RECT& dirt
 
 void FillArea(HDC hDC, const RECT& area, const RECT& dirty, Colour colour) {
     RECT visible{};
-    if (!IntersectRect(&visible, &area, &dirty)) {
+    if (colour == kNoColour || !IntersectRect(&visible, &area, &dirty)) {
         return;
     }
     // Filling by way of an empty text needs no brush.

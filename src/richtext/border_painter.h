@@ -17,7 +17,7 @@ struct Border {
 // Along the inside of `box`; what lies outside of `dirty` is not drawn, nor does it cost time.
 void DrawBorder(HDC hDC, const Border& border, const RECT& box, const RECT& dirty);
 
-// Fills what lies in both rectangles.
+// Fills what lies in both rectangles; with kNoColour nothing.
 void FillArea(HDC hDC, const RECT& area, const RECT& dirty, Colour colour);
 
 }  // namespace mvp::richtext

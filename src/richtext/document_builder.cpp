@@ -215,7 +215,7 @@ void CDocumentBuilder::OpenTag(const MarkupEvent& event) {
             if (event.tag == TagId::Table) {
                 OpenTable();
             } else if (event.tag == TagId::Tr) {
-                OpenRow();
+                OpenRow(m_reader.Attributes());
             } else {
                 OpenCell(m_reader.Attributes());
             }

@@ -27,9 +27,20 @@ private:
         std::uint32_t nPrevious = kNone;  // the open element of the same tag before this one
         CElementStyles::Change change;
     };
+    // What a table or a row says for those of its cells that do not say it themselves.
+    struct CellDefaults {
+        Edges padding = {};
+        VerticalAlign verticalAlign = VerticalAlign::Middle;
+        Colour background = kNoColour;
+
+        bool operator==(const CellDefaults&) const = default;
+    };
     struct TableState {
         std::uint32_t nTable = 0;
+        CellDefaults defaults;         // the table's
+        CellDefaults rowDefaults;      // the open row's
         std::size_t nElement = 0;      // its scope on the stack
+        std::size_t nRowElement = 0;   // the open row's
         std::size_t nCellElement = 0;  // the open cell's
         std::size_t nOuterScope = 0;
         std::uint32_t nCell = kNone;  // the open one
@@ -61,6 +72,7 @@ private:
     TextRef Store(std::string_view text);
 
     // Objects.
+    void PushLeaf(TagId tag);
     void AddImage(TagId tag);
     void AddRule();
     void AddString();
@@ -71,7 +83,7 @@ private:
     bool InTable() const { return !m_aTables.empty(); }
     bool BetweenCells() const { return InTable() && m_aTables.back().nCell == kNone; }
     void OpenTable();
-    void OpenRow();
+    void OpenRow(const CAttributes& attributes);
     void OpenCell(const CAttributes& attributes);
     void CloseCell();
     void CloseRow();
@@ -80,13 +92,16 @@ private:
     void PushScope(const Element& scope);
     std::uint32_t BlockStyle(const StyleDelta& delta, std::optional<TextAlign> align);
     TableAttributes ReadTable(const CAttributes& attributes, const StyleDelta& delta);
+    CellDefaults DefaultsOf(const StyleDelta& delta, CellDefaults defaults) const;
     CellAttributes ReadCell(const CAttributes& attributes, const StyleDelta& delta,
-                            const TableAttributes& table);
+                            const TableState& state);
     Edges BorderOf(const CAttributes& attributes, const StyleDelta& delta,
                    std::int32_t nDefault) const;
-    Edges EdgesOf(const std::optional<EdgeLengths>& lengths, std::int32_t nDefault) const;
+    Edges EdgesOf(const std::optional<EdgeLengths>& lengths, Edges otherwise) const;
+    // nStyle: of the text inside. pCell: what holds for the cell; null for a table.
     std::uint32_t AddDecoration(const CAttributes& attributes, const StyleDelta& delta,
-                                const Edges& border, bool bCell);
+                                const Edges& border, std::uint32_t nStyle,
+                                const CellDefaults* pCell);
     void ReadFilling(const CAttributes& attributes, const StyleDelta& delta,
                      Decoration& decoration);
 

@@ -39,6 +39,17 @@ std::int32_t CDocumentBuilder::LengthOf(const CAttributes& attributes, Attribute
                     m_document.styles.ContextOf(Top().nStyle));
 }
 
+// An image or a string has no closing tag, but a class may align or frame it: it is an element for
+// as long as its item. The caller pops it.
+void CDocumentBuilder::PushLeaf(TagId tag) {
+    Element element;
+    element.tag = tag;
+    element.change = m_elementStyles.ChangeOf(tag, m_reader.Attributes(), false);
+    element.nLink = Top().nLink;
+    element.nStyle = m_elementStyles.StyleOf(Top().nStyle, element.change);
+    PushElement(element);
+}
+
 void CDocumentBuilder::AddImage(TagId tag) {
     if (BetweenCells()) {
         EnsureCell();
@@ -77,13 +88,7 @@ void CDocumentBuilder::AddImage(TagId tag) {
     Complete(wanted, ReadLength(attributes.Get(width)).has_value(),
              ReadLength(attributes.Get(height)).has_value(), natural);
     m_document.aImages.push_back(wanted);
-    // A class may align the image or frame it: it is an element for as long as its item.
-    Element element;
-    element.tag = tag;
-    element.change = m_elementStyles.ChangeOf(tag, attributes, false);
-    element.nLink = Top().nLink;
-    element.nStyle = m_elementStyles.StyleOf(Top().nStyle, element.change);
-    PushElement(element);
+    PushLeaf(tag);
     AddItem(ItemKind::Image, static_cast<std::uint32_t>(m_document.aImages.size() - 1));
     PopTo(m_aElements.size() - 1);
 
@@ -95,8 +100,15 @@ void CDocumentBuilder::AddRule() {
     if (BetweenCells()) {
         EnsureCell();
     }
-    m_document.aRules.push_back({ReadLength(m_reader.Attributes().Get(AttributeId::Width))});
+    const CAttributes& attributes = m_reader.Attributes();
+    const CElementStyles::Change change = m_elementStyles.ChangeOf(TagId::Hr, attributes, false);
+    const StyleDelta& delta = m_elementStyles.DeltaOf(change.nNormal);
+    m_document.aRules.push_back({ReadLength(attributes.Get(AttributeId::Width)),
+                                 delta.colour.has_value() ? delta.colour : delta.background,
+                                 delta.align});
     AddItem(ItemKind::Rule, static_cast<std::uint32_t>(m_document.aRules.size() - 1));
+    m_document.aItems.back().nStyle = m_elementStyles.StyleOf(Top().nStyle, change);
+    m_elementStyles.Release(change);
     m_bCollapse = true;
     m_bWordStart = true;
 }
@@ -112,7 +124,12 @@ void CDocumentBuilder::AddString() {
         m_settings.pMeasurer->StringResource(attributes.Get(AttributeId::IdRes), module, strText)) {
         strText.resize(std::min(strText.size(), nLeft));
         m_nResourceBytes += strText.size();
+        if (BetweenCells()) {
+            EnsureCell();
+        }
+        PushLeaf(TagId::String);
         AddText(strText);
+        PopTo(m_aElements.size() - 1);
     }
 }
 

@@ -91,6 +91,14 @@ void CDocumentBuilder::OpenTable() {
     scope.nStyle = table.nStyle;
     scope.nLink = Top().nLink;
     TableState state;
+    state.defaults.padding.fill(table.nCellPadding);
+    if (attributes.Has(AttributeId::VAlign)) {
+        state.defaults.verticalAlign = ReadVerticalAlign(attributes.Get(AttributeId::VAlign))
+                                           .value_or(state.defaults.verticalAlign);
+    }
+    state.defaults = DefaultsOf(delta, state.defaults);
+    state.defaults.background = kNoColour;  // the table's own filling
+    state.rowDefaults = state.defaults;
     state.nTable = static_cast<std::uint32_t>(m_document.aTables.size());
     state.nElement = m_aElements.size();
     state.nOuterScope = m_nScope;
@@ -100,13 +108,28 @@ void CDocumentBuilder::OpenTable() {
     m_aTables.push_back(state);
 }
 
-void CDocumentBuilder::OpenRow() {
+void CDocumentBuilder::OpenRow(const CAttributes& attributes) {
     if (!InTable()) {
         return;
     }
     CloseRow();
+    Element scope;
+    scope.tag = TagId::Tr;
+    scope.bScope = true;
+    scope.change = m_elementStyles.ChangeOf(TagId::Tr, attributes, false);
+    const StyleDelta& delta = m_elementStyles.DeltaOf(scope.change.nNormal);
+    scope.nStyle = BlockStyle(delta, std::nullopt);
+    scope.nLink = Top().nLink;
+    TableState& state = m_aTables.back();
+    const CellDefaults defaults = DefaultsOf(delta, state.defaults);
+    if (defaults != state.rowDefaults) {
+        state.rowDefaults = defaults;
+        state.nPlainCell = kNone;
+    }
+    state.nRowElement = m_aElements.size();
+    state.bInRow = true;
+    PushScope(scope);
     AddItem(ItemKind::RowOpen);
-    m_aTables.back().bInRow = true;
 }
 
 void CDocumentBuilder::OpenCell(const CAttributes& attributes) {
@@ -116,7 +139,7 @@ void CDocumentBuilder::OpenCell(const CAttributes& attributes) {
     CloseCell();
     TableState& state = m_aTables.back();
     if (!state.bInRow) {
-        OpenRow();
+        OpenRow(kNoAttributes);
     }
     Element scope;
     scope.tag = TagId::Td;
@@ -128,7 +151,7 @@ void CDocumentBuilder::OpenCell(const CAttributes& attributes) {
     if (attributes.Empty() && state.nPlainCell != kNone && state.nPlainOuter == Top().nStyle) {
         cell = m_document.aCells[state.nPlainCell];
     } else {
-        cell = ReadCell(attributes, delta, m_document.aTables[state.nTable]);
+        cell = ReadCell(attributes, delta, state);
     }
     if (attributes.Empty()) {
         state.nPlainCell = static_cast<std::uint32_t>(m_document.aCells.size());
@@ -156,7 +179,7 @@ void CDocumentBuilder::CloseCell() {
     TableState& state = m_aTables.back();
     PopTo(state.nCellElement + 1);
     AddItem(ItemKind::CellClose, state.nCell);
-    m_nScope = state.nElement;
+    m_nScope = state.nRowElement;
     state.nCell = kNone;
     PopTo(state.nCellElement);
     m_bCollapse = true;
@@ -164,9 +187,13 @@ void CDocumentBuilder::CloseCell() {
 
 void CDocumentBuilder::CloseRow() {
     CloseCell();
-    if (InTable()) {
-        m_aTables.back().bInRow = false;
+    if (!InTable() || !m_aTables.back().bInRow) {
+        return;
     }
+    TableState& state = m_aTables.back();
+    state.bInRow = false;
+    m_nScope = state.nElement;
+    PopTo(state.nRowElement);
 }
 
 void CDocumentBuilder::CloseTable() {
@@ -184,10 +211,17 @@ void CDocumentBuilder::CloseTable() {
     m_bWordStart = true;
 }
 
-Edges CDocumentBuilder::EdgesOf(const std::optional<EdgeLengths>& lengths,
-                                std::int32_t nDefault) const {
-    Edges edges;
-    edges.fill(nDefault);
+// What a style says of the cells in its table or row, over what holds already.
+CDocumentBuilder::CellDefaults CDocumentBuilder::DefaultsOf(const StyleDelta& delta,
+                                                            CellDefaults defaults) const {
+    defaults.padding = EdgesOf(delta.padding, defaults.padding);
+    defaults.verticalAlign = delta.verticalAlign.value_or(defaults.verticalAlign);
+    defaults.background = delta.background.value_or(kNoColour);
+    return defaults;
+}
+
+Edges CDocumentBuilder::EdgesOf(const std::optional<EdgeLengths>& lengths, Edges otherwise) const {
+    Edges edges = otherwise;
     if (lengths.has_value()) {
         const LengthContext context = m_document.styles.ContextOf(Top().nStyle);
         std::transform(lengths->begin(), lengths->end(), edges.begin(), [&](Length length) {
@@ -197,27 +231,26 @@ Edges CDocumentBuilder::EdgesOf(const std::optional<EdgeLengths>& lengths,
     return edges;
 }
 
-// The style sheet before the attributes, and those before the default.
+// The style sheet before the attributes, and those before the default. A border needs a style, from
+// either of them; a width in the attributes is one of a solid border.
 Edges CDocumentBuilder::BorderOf(const CAttributes& attributes, const StyleDelta& delta,
                                  std::int32_t nDefault) const {
     constexpr std::int32_t kMediumBorder = 3;
-    const auto style = delta.borderStyle.has_value()
-                           ? delta.borderStyle
-                           : ReadBorderStyle(attributes.Get(AttributeId::BorderStyle));
+    const auto attributeStyle = ReadBorderStyle(attributes.Get(AttributeId::BorderStyle));
+    const auto style = delta.borderStyle.has_value() ? delta.borderStyle : attributeStyle;
     if (style == BorderStyle::None) {
         return {};
-    }
-    if (delta.borderStyle.has_value()) {
-        return EdgesOf(delta.borderWidth, kMediumBorder);
     }
     if (attributes.Has(AttributeId::Border)) {
         // The bare attribute asks for a border of one pixel.
         const bool bBare = Trim(attributes.Get(AttributeId::Border)).empty();
         nDefault = bBare ? 1 : LengthOf(attributes, AttributeId::Border, nDefault);
+    } else if (delta.borderStyle.has_value()) {
+        nDefault = kMediumBorder;
     }
     Edges border;
     border.fill(std::clamp(nDefault, 0, kMaxEdge));
-    return border;
+    return style.has_value() || nDefault > 0 ? EdgesOf(delta.borderWidth, border) : border;
 }
 
 TableAttributes CDocumentBuilder::ReadTable(const CAttributes& attributes,
@@ -234,9 +267,9 @@ TableAttributes CDocumentBuilder::ReadTable(const CAttributes& attributes,
     };
     table.nCellPadding = edge(AttributeId::CellPadding, table.nCellPadding);
     table.nCellSpacing = edge(AttributeId::CellSpacing, table.nCellSpacing);
-    table.margin = EdgesOf(delta.margin, 0);
+    table.margin = EdgesOf(delta.margin, {});
     table.border = BorderOf(attributes, delta, 0);
-    table.nDecoration = AddDecoration(attributes, delta, table.border, false);
+    table.nDecoration = AddDecoration(attributes, delta, table.border, table.nStyle, nullptr);
 
     TextAlign align = TextAlign::Left;
     if (const std::uint32_t nOuter = m_document.styles[Top().nStyle].nBlockAlign; nOuter != 0) {
@@ -252,7 +285,7 @@ TableAttributes CDocumentBuilder::ReadTable(const CAttributes& attributes,
 }
 
 CellAttributes CDocumentBuilder::ReadCell(const CAttributes& attributes, const StyleDelta& delta,
-                                          const TableAttributes& table) {
+                                          const TableState& state) {
     CellAttributes cell;
     cell.nStyle = BlockStyle(delta, attributes.Has(AttributeId::Align)
                                         ? ReadTextAlign(attributes.Get(AttributeId::Align))
@@ -265,13 +298,18 @@ CellAttributes CDocumentBuilder::ReadCell(const CAttributes& attributes, const S
     if (height.has_value() && height->unit != LengthUnit::Percent) {
         cell.nHeight = HeldExtent(LengthOf(attributes, AttributeId::Height, 0));
     }
-    const std::int32_t nPadding =
-        std::clamp(LengthOf(attributes, AttributeId::CellPadding, table.nCellPadding), 0, kMaxEdge);
-    cell.padding = EdgesOf(delta.padding, nPadding);
-    const Edges& outer = table.border;
+    cell.padding = state.rowDefaults.padding;
+    for (std::int32_t& nPadding : cell.padding) {
+        nPadding =
+            std::clamp(LengthOf(attributes, AttributeId::CellPadding, nPadding), 0, kMaxEdge);
+    }
+    cell.padding = EdgesOf(delta.padding, cell.padding);
+    const Edges& outer = m_document.aTables[state.nTable].border;
     const bool bOuterBorder = std::any_of(outer.begin(), outer.end(), [](int n) { return n != 0; });
     cell.border = BorderOf(attributes, delta, bOuterBorder ? 1 : 0);
-    cell.nDecoration = AddDecoration(attributes, delta, cell.border, true);
+    cell.nDecoration =
+        AddDecoration(attributes, delta, cell.border, cell.nStyle, &state.rowDefaults);
+    cell.verticalAlign = state.rowDefaults.verticalAlign;
     if (delta.verticalAlign.has_value()) {
         cell.verticalAlign = *delta.verticalAlign;
     } else if (attributes.Has(AttributeId::VAlign)) {
@@ -304,9 +342,15 @@ void CDocumentBuilder::ReadFilling(const CAttributes& attributes, const StyleDel
 
 std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
                                               const StyleDelta& delta, const Edges& border,
-                                              bool bCell) {
+                                              std::uint32_t nStyle, const CellDefaults* pCell) {
     Decoration decoration;
     ReadFilling(attributes, delta, decoration);
+    // A row is seen in its cells, and not between them.
+    if (pCell != nullptr && pCell->background != kNoColour &&
+        decoration.effect == BackgroundEffect::Transparent) {
+        decoration.effect = BackgroundEffect::Solid;
+        decoration.start = decoration.middle = decoration.end = pCell->background;
+    }
     decoration.background = Store(Trim(attributes.Get(AttributeId::Background)));
     const bool bBorder = std::any_of(border.begin(), border.end(), [](int n) { return n != 0; });
     if (decoration.effect == BackgroundEffect::Transparent && !bBorder &&
@@ -315,7 +359,7 @@ std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
     }
     const SystemColours& system = m_settings.system;
     const auto colour = [&](AttributeId attribute, Colour otherwise) {
-        return ReadColour(attributes.Get(attribute), system).value_or(otherwise);
+        return ReadPropertyColour(attributes.Get(attribute), system).value_or(otherwise);
     };
     decoration.border = border;
     const auto style = delta.borderStyle.has_value()
@@ -323,14 +367,14 @@ std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
                            : ReadBorderStyle(attributes.Get(AttributeId::BorderStyle));
     decoration.borderStyle = bBorder ? style.value_or(BorderStyle::Solid) : BorderStyle::None;
     decoration.borderColour = delta.borderColour.value_or(
-        colour(AttributeId::BorderColor, m_document.styles[Top().nStyle].colour));
+        colour(AttributeId::BorderColor, m_document.styles[nStyle].colour));
     // Like the tables of old: raised, with the cells sunk into it, unless colour or style say
     // otherwise.
     const bool bTwoTone = attributes.Has(AttributeId::BorderColorLight) ||
                           attributes.Has(AttributeId::BorderColorDark);
     decoration.bBevel = bBorder && (bTwoTone || (!style.has_value() && !delta.borderColour &&
                                                  !attributes.Has(AttributeId::BorderColor)));
-    decoration.bSunken = decoration.bBevel && bCell;
+    decoration.bSunken = decoration.bBevel && pCell != nullptr;
     decoration.borderLight =
         colour(AttributeId::BorderColorLight, system.aColour[kButtonHighlightColour]);
     decoration.borderDark =

@@ -76,8 +76,9 @@ std::string FontText(const Font& font) {
 
 std::string BoxText(const BoxStyle& box) {
     return " box margin " + EdgesText(box.margin) + " border " + EdgesText(box.border) + " " +
-           NameFrom(kBorderStyles, box.nBorderStyle) + " " + ColourText(box.borderColour) +
-           " padding " + EdgesText(box.padding);
+           NameFrom(kBorderStyles, box.nBorderStyle) + " " +
+           (box.bOwnColour != 0 ? ColourText(box.borderColour) : "text") + " padding " +
+           EdgesText(box.padding);
 }
 
 std::string StyleText(const CStyleTable& styles, std::uint32_t nStyle) {
@@ -196,6 +197,17 @@ std::string CellText(const StyledDocument& document, const CellAttributes& cell)
     return strText + DecorationText(document, cell.nDecoration);
 }
 
+std::string RuleText(const RuleAttributes& rule) {
+    std::string strText = "rule width " + LengthText(rule.width);
+    if (rule.colour.has_value()) {
+        strText += " colour " + ColourText(*rule.colour);
+    }
+    if (rule.align.has_value()) {
+        strText += std::string(" align ") + NameFrom(kAligns, *rule.align);
+    }
+    return strText;
+}
+
 std::string ItemText(const StyledDocument& document, const Item& item) {
     switch (item.kind) {
         case ItemKind::Text:
@@ -207,7 +219,7 @@ std::string ItemText(const StyledDocument& document, const Item& item) {
         case ItemKind::Tab:
             return "tab";
         case ItemKind::Rule:
-            return "rule width " + LengthText(document.aRules[item.nOffset].width);
+            return RuleText(document.aRules[item.nOffset]);
         case ItemKind::Image:
             return ImageText(document, document.aImages[item.nOffset]);
         case ItemKind::BoxOpen:

@@ -18,7 +18,7 @@ void CElementStyles::ApplyRules(std::span<const CStyleSheet::Rule> rules, StyleD
 }
 
 // In the order of the cascade: the tag's own effect, its attributes, the rule of its selector, its
-// classes, and for links their state.
+// classes, and for links their state: the mouse adds to what a link is anyway.
 StyleDelta CElementStyles::MakeDelta(TagId tag, const CAttributes* pAttributes,
                                      std::span<const CStyleSheet::Rule> classRules,
                                      LinkState state) const {
@@ -39,7 +39,10 @@ StyleDelta CElementStyles::MakeDelta(TagId tag, const CAttributes* pAttributes,
         }
     }
     if (state != LinkState::None) {
-        ApplyRules(m_sheet.Find(state == LinkState::Link ? "a:link" : "a:hover"), delta);
+        ApplyRules(m_sheet.Find("a:link"), delta);
+    }
+    if (state == LinkState::Hover) {
+        ApplyRules(m_sheet.Find("a:hover"), delta);
     }
     return delta;
 }

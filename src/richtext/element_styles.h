@@ -15,7 +15,7 @@
 
 namespace mvp::richtext {
 
-// Which rules a link takes besides its own.
+// Which rules a link takes besides its own: none, "a:link", or "a:hover" on top of that.
 enum class LinkState : std::uint8_t { None, Link, Hover };
 
 class CElementStyles {

@@ -66,8 +66,8 @@ void CHtmlStatic::ReleaseAccessible::operator()(CHtmlAccessible* pAccessible) co
     pAccessible->Release();
 }
 
-CHtmlStatic::CHtmlStatic(mvp::richtext::CShell& shell)
-    : m_drawer(&AfxFindResourceHandle, shell, &LogFailure) {}
+CHtmlStatic::CHtmlStatic(mvp::richtext::CShell& shell, Clock pfnClock)
+    : m_drawer(&AfxFindResourceHandle, shell, &LogFailure), m_pfnClock(pfnClock) {}
 
 // While the object is still whole: WM_DESTROY and the last repaints are its own.
 CHtmlStatic::~CHtmlStatic() {
@@ -285,7 +285,7 @@ void CHtmlStatic::StartAnimation() {
         KillTimer(kAnimationTimer);
         return;
     }
-    m_nStarted = GetTickCount();
+    m_nStarted = m_pfnClock();
     m_drawer.SetClock(0);
     SetTimer(kAnimationTimer, std::max(nInterval, kShortestAnimation));
 }
@@ -295,7 +295,7 @@ void CHtmlStatic::OnTimer(UINT_PTR nIDEvent) {
         CStatic::OnTimer(nIDEvent);
         return;
     }
-    m_drawer.SetClock(GetTickCount() - m_nStarted);
+    m_drawer.SetClock(m_pfnClock() - m_nStarted);
     for (const RECT& area : m_drawer.AnimatedRects()) {
         ::InvalidateRect(m_hWnd, &area, FALSE);
     }

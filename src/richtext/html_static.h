@@ -35,7 +35,12 @@ public:
     // number, or kNoLink.
     static constexpr UINT kHoverMessage = WM_APP + 100;
 
-    explicit CHtmlStatic(mvp::richtext::CShell& shell = mvp::richtext::SystemShell());
+    // Milliseconds that only ever grow, but for beginning anew at 2^32.
+    using Clock = DWORD(WINAPI*)();
+
+    // Both must outlive the control. The clock moves the images of animated lists.
+    explicit CHtmlStatic(mvp::richtext::CShell& shell = mvp::richtext::SystemShell(),
+                         Clock pfnClock = &GetTickCount);
     ~CHtmlStatic() override;
 
     void SetMargins(int nX, int nY);
@@ -106,5 +111,6 @@ private:
     bool m_bOwnColor = false;
     COLORREF m_textColor = 0;
     int m_nPressed = kNoLink;  // the link the mouse went down on
-    DWORD m_nStarted = 0;      // when the animated images began
+    Clock m_pfnClock;
+    DWORD m_nStarted = 0;  // when the animated images began
 };

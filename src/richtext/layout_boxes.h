@@ -21,7 +21,7 @@ enum class FragmentKind : std::uint8_t {
     Text,   // nOffset, nLength: bytes of the document's strText
     Tab,    // empty room, with its style's background and decorations
     Image,  // nOffset: of the document's aImages
-    Rule,   // a horizontal rule
+    Rule,   // a horizontal rule; nOffset: of the document's aRules
     Box     // border box of an inline element on this line; nOffset: kBoxEdge flags; nLength: place
             // in aFragments behind the last fragment inside
 };

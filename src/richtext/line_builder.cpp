@@ -284,18 +284,19 @@ void CLineBuilder::EndParagraph() {
 void CLineBuilder::AddRule(const Item& item) {
     EndParagraph();
     const CStyleTable& styles = m_document.styles;
-    const auto& width = m_document.aRules[item.nOffset].width;
+    const RuleAttributes& rule = m_document.aRules[item.nOffset];
     std::int64_t nWidth = m_nAvailable;
-    if (width.has_value()) {
-        nWidth = ResolveLength(*width, HeldCoordinate(m_nAvailable), LengthUse::Size,
+    if (rule.width.has_value()) {
+        nWidth = ResolveLength(*rule.width, HeldCoordinate(m_nAvailable), LengthUse::Size,
                                styles.ContextOf(item.nStyle));
     }
     m_bContent = true;
-    // A rule stands in the middle unless an alignment tag says otherwise.
+    // A rule stands in the middle unless its class or an alignment tag says otherwise.
     const std::uint32_t nAlign = styles[item.nStyle].nBlockAlign;
-    m_align = nAlign != 0 ? static_cast<TextAlign>(nAlign - 1) : TextAlign::Center;
+    m_align =
+        rule.align.value_or(nAlign != 0 ? static_cast<TextAlign>(nAlign - 1) : TextAlign::Center);
     nWidth = std::clamp<std::int64_t>(nWidth, 0, std::max<std::int64_t>(m_nAvailable, kMaxExtent));
-    AddFragment(FragmentKind::Rule, nWidth, item.nStyle, item.nLink);
+    AddFragment(FragmentKind::Rule, nWidth, item.nStyle, item.nLink).nOffset = item.nOffset;
     Touch(item.nStyle);
     m_nX = nWidth;
     FinishLine(true);

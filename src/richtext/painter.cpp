@@ -127,10 +127,8 @@ void CPainter::DrawFragment(const Drawn& drawn, const Fragment& fragment) {
     switch (fragment.kind) {
         case FragmentKind::Text:
         case FragmentKind::Tab:
-            if (style.background != kNoColour) {
-                FillArea(m_hDC, area, m_dirty, style.background);
-            }
-            if (fragment.kind == FragmentKind::Text) {
+            FillArea(m_hDC, area, m_dirty, style.background);
+            if (fragment.kind == FragmentKind::Text && style.colour != kNoColour) {
                 DrawTextOf(drawn, fragment, style);
             }
             DrawDecorations(drawn.document.styles.FontOf(fragment.nStyle), style, area);
@@ -139,7 +137,7 @@ void CPainter::DrawFragment(const Drawn& drawn, const Fragment& fragment) {
             DrawImage(drawn, fragment);
             break;
         case FragmentKind::Rule:
-            DrawRule(area);
+            DrawRule(drawn.document.aRules[fragment.nOffset], area);
             break;
         case FragmentKind::Box:
             DrawInlineBox(drawn, fragment, style);
@@ -235,10 +233,8 @@ void CPainter::DrawInlineBox(const Drawn& drawn, const Fragment& fragment,
                              const ComputedStyle& style) {
     const BoxStyle& box = drawn.document.styles.BoxOf(fragment.nStyle);
     const RECT area = RectOf(fragment);
-    if (style.background != kNoColour) {
-        FillArea(m_hDC, area, m_dirty, style.background);
-    }
-    const Colour colour = box.borderColour != kNoColour ? box.borderColour : style.colour;
+    FillArea(m_hDC, area, m_dirty, style.background);
+    const Colour colour = box.bOwnColour != 0 ? box.borderColour : style.colour;
     Border border{box.border, static_cast<BorderStyle>(box.nBorderStyle), colour, colour};
     if ((fragment.nOffset & kBoxLeftEdge) == 0) {
         border.width[kLeft] = 0;
@@ -263,8 +259,12 @@ void CPainter::DrawImage(const Drawn& drawn, const Fragment& fragment) {
     m_pictures.Draw(m_hDC, request, RectOf(fragment));
 }
 
-// A groove, as between the parts of a dialog.
-void CPainter::DrawRule(const RECT& area) {
+// A groove, as between the parts of a dialog, if it has no colour of its own.
+void CPainter::DrawRule(const RuleAttributes& rule, const RECT& area) {
+    if (rule.colour.has_value()) {
+        FillArea(m_hDC, area, m_dirty, *rule.colour);
+        return;
+    }
     const LONG nMiddle = area.top + (area.bottom - area.top) / 2;
     FillArea(m_hDC, {area.left, area.top, area.right, nMiddle}, m_dirty,
              GetSysColor(COLOR_BTNSHADOW));

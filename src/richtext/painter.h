@@ -52,7 +52,7 @@ private:
     void DrawDecorations(const Font& font, const ComputedStyle& style, const RECT& area);
     void DrawInlineBox(const Drawn& drawn, const Fragment& fragment, const ComputedStyle& style);
     void DrawImage(const Drawn& drawn, const Fragment& fragment);
-    void DrawRule(const RECT& area);
+    void DrawRule(const RuleAttributes& rule, const RECT& area);
     void DrawFocus(const Drawn& drawn);
     void SelectFont(const Font& font);
     void SetColour(Colour colour);

@@ -1,10 +1,9 @@
 #include "richtext/picture_source.h"
 
-#include <array>
 #include <charconv>
-#include <cstring>
 #include <string>
 
+#include "platform/bitmap_file.h"
 #include "richtext/picture.h"
 #include "richtext/text_bytes.h"
 
@@ -13,84 +12,26 @@ namespace {
 
 constexpr std::uint64_t kMaxIconFile = 4 << 20;
 
-// A file on this machine's disk, opened to look at before the system reads it.
-struct OpenedFile {
-    FileHandle file;
-    std::uint64_t nSize = 0;
-};
-
-OpenedFile OpenPictureFile(const std::string& strFile) {
-    if (!IsLocalPath(strFile)) {
-        return {};
-    }
-    OpenedFile opened;
-    opened.file.reset(CreateFileA(strFile.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    LARGE_INTEGER size{};
-    if (!opened.file || GetFileType(opened.file.get()) != FILE_TYPE_DISK ||
-        !GetFileSizeEx(opened.file.get(), &size) || size.QuadPart <= 0) {
-        return {};
-    }
-    opened.nSize = static_cast<std::uint64_t>(size.QuadPart);
-    return opened;
-}
-
-// With a margin for what compilers of resources leave away at the end of the last row.
-std::uint64_t BytesOf(const BITMAPINFOHEADER& header, std::uint64_t nHeight) {
-    const std::uint64_t nRow =
-        (static_cast<std::uint64_t>(header.biWidth) * header.biBitCount + 31) / 32 * 4;
-    std::uint64_t nColours = header.biBitCount <= 8 ? std::uint64_t{1} << header.biBitCount : 0;
-    if (header.biClrUsed != 0) {
-        nColours = header.biClrUsed;
-    }
-    return header.biSize + nColours * 4 + nRow * nHeight;
-}
-
-bool IsKnownFormat(const BITMAPINFOHEADER& header) {
-    const WORD nBits = header.biBitCount;
-    const bool bDepth =
-        nBits == 1 || nBits == 4 || nBits == 8 || nBits == 16 || nBits == 24 || nBits == 32;
-    return bDepth && header.biSize >= sizeof header && header.biSize <= 1024 &&
-           header.biClrUsed <= 256 && header.biPlanes == 1 &&
-           (header.biCompression == BI_RGB || header.biCompression == BI_BITFIELDS);
+// Run lengths are refused: nobody needs them in a text, and they say nothing of their size.
+Bitmap PictureOf(const std::optional<BitmapImage>& image) {
+    const bool bTaken = image.has_value() && IsPictureSize(image->nWidth, image->nHeight) &&
+                        (image->packing == BitmapImage::Packing::None ||
+                         image->packing == BitmapImage::Packing::Masks);
+    return bTaken ? MakeBitmap(*image) : Bitmap();
 }
 
 }  // namespace
 
-std::optional<SIZE> ReadBitmapHeader(std::span<const std::uint8_t> bytes, std::uint64_t nBytes) {
-    BITMAPINFOHEADER header{};
-    if (bytes.size() < sizeof header || nBytes < sizeof header) {
-        return std::nullopt;
-    }
-    std::memcpy(&header, bytes.data(), sizeof header);
-    const std::int64_t nHeight =
-        header.biHeight < 0 ? -std::int64_t{header.biHeight} : std::int64_t{header.biHeight};
-    if (!IsKnownFormat(header) || !IsPictureSize(header.biWidth, nHeight) ||
-        BytesOf(header, static_cast<std::uint64_t>(nHeight)) > nBytes) {
-        return std::nullopt;
-    }
-    return SIZE{header.biWidth, static_cast<LONG>(nHeight)};
-}
-
-Bitmap LoadBitmapFile(std::string_view file) {
-    const std::string strFile(file);
-    const OpenedFile opened = OpenPictureFile(strFile);
-    std::array<std::uint8_t, sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER)> start{};
-    DWORD nRead = 0;
-    if (!opened.file ||
-        !ReadFile(opened.file.get(), start.data(), static_cast<DWORD>(start.size()), &nRead,
-                  nullptr) ||
-        nRead != start.size() ||
-        !ReadBitmapHeader(std::span(start).subspan(sizeof(BITMAPFILEHEADER)),
-                          opened.nSize - sizeof(BITMAPFILEHEADER))) {
+Bitmap LoadPictureFile(std::string_view file) {
+    if (!IsLocalPath(file)) {
         return {};
     }
-    return Bitmap(static_cast<HBITMAP>(LoadImageA(nullptr, strFile.c_str(), IMAGE_BITMAP, 0, 0,
-                                                  LR_LOADFROMFILE | LR_CREATEDIBSECTION)));
+    const std::vector<std::uint8_t> bytes = ReadDiskFile(std::string(file).c_str(), kMaxBitmapFile);
+    return PictureOf(ReadBitmapFile(bytes));
 }
 
-Bitmap LoadBitmapResource(const CResourceFinder& resources, std::string_view module,
-                          std::string_view idres) {
+Bitmap LoadPictureResource(const CResourceFinder& resources, std::string_view module,
+                           std::string_view idres) {
     const CResourceName name(idres);
     const CResourceFinder::Module found = resources.Find(module, name, RT_BITMAP);
     const HRSRC hResource =
@@ -100,19 +41,13 @@ Bitmap LoadBitmapResource(const CResourceFinder& resources, std::string_view mod
     if (pBytes == nullptr) {
         return {};
     }
-    const std::span bytes(static_cast<const std::uint8_t*>(pBytes),
-                          SizeofResource(found.hModule, hResource));
-    if (!ReadBitmapHeader(bytes, bytes.size())) {
-        return {};
-    }
-    return Bitmap(static_cast<HBITMAP>(
-        LoadImageA(found.hModule, name.Get(), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
+    return PictureOf(ReadBitmapResource(
+        {static_cast<const std::uint8_t*>(pBytes), SizeofResource(found.hModule, hResource)}));
 }
 
 Icon LoadIconFile(std::string_view file, SIZE size) {
     const std::string strFile(file);
-    if (const OpenedFile opened = OpenPictureFile(strFile);
-        !opened.file || opened.nSize > kMaxIconFile) {
+    if (!IsLocalPath(file) || ReadDiskFile(strFile.c_str(), kMaxIconFile).empty()) {
         return {};
     }
     return Icon(static_cast<HICON>(LoadImageA(nullptr, strFile.c_str(), IMAGE_ICON, size.cx,

@@ -3,9 +3,6 @@
 
 #include <windows.h>
 
-#include <cstdint>
-#include <optional>
-#include <span>
 #include <string_view>
 
 #include "platform/handle.h"
@@ -13,15 +10,11 @@
 
 namespace mvp::richtext {
 
-// The size in a bitmap's header, which begins `bytes`, if all the pixels it promises lie in the
-// `nBytes` from the header on. Nothing for compressed bitmaps, and for sizes beyond those of a
-// picture.
-std::optional<SIZE> ReadBitmapHeader(std::span<const std::uint8_t> bytes, std::uint64_t nBytes);
-
-// Empty when there is no such bitmap, or it may not be opened.
-Bitmap LoadBitmapFile(std::string_view file);
-Bitmap LoadBitmapResource(const CResourceFinder& resources, std::string_view module,
-                          std::string_view idres);
+// Empty when there is no such bitmap, when it may not be opened, when it does not hold what its
+// headers promise, when it is compressed or larger than a picture may be.
+Bitmap LoadPictureFile(std::string_view file);
+Bitmap LoadPictureResource(const CResourceFinder& resources, std::string_view module,
+                           std::string_view idres);
 
 // In the given size; 0: the system's size of icons.
 Icon LoadIconFile(std::string_view file, SIZE size);

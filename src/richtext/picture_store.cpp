@@ -11,6 +11,9 @@ namespace {
 // Beyond, further pictures of a text stay empty.
 constexpr std::size_t kMaxPictures = 256;
 constexpr std::int64_t kMaxPixels = 4 * kMaxPicturePixels;
+// The largest side of what is put together of tiles at a time.
+constexpr LONG kMaxFilling = 2048;
+static_assert(IsPictureSize(kMaxFilling, kMaxFilling));
 // The largest icon that is made in the size it is drawn in; larger ones are stretched.
 constexpr LONG kMaxIcon = 256;
 
@@ -43,6 +46,27 @@ std::optional<SIZE> SizeOfIcon(HICON hIcon) {
     // Without colours the mask holds two images, one above the other.
     GetObjectA(bitmaps.mask.get(), sizeof size, &size);
     return SIZE{size.bmWidth, size.bmHeight / 2};
+}
+
+// What is seen from `from` on of a plane tiled with the picture.
+CPicture FillingOf(const CPicture& tile, POINT from, SIZE size) {
+    CPicture filling(size.cx, size.cy);
+    if (!filling) {
+        return filling;
+    }
+    const auto row = [](auto pixels, std::int32_t nY, std::int32_t nWidth) {
+        return pixels.subspan(static_cast<std::size_t>(nY) * static_cast<std::size_t>(nWidth),
+                              static_cast<std::size_t>(nWidth));
+    };
+    for (std::int32_t nY = 0; nY < filling.Height(); ++nY) {
+        const auto source = row(tile.Pixels(), (from.y + nY) % tile.Height(), tile.Width());
+        auto nFrom = static_cast<std::size_t>(from.x % tile.Width());
+        for (std::uint32_t& nPixel : row(filling.Pixels(), nY, filling.Width())) {
+            nPixel = source[nFrom];
+            nFrom = nFrom + 1 == source.size() ? 0 : nFrom + 1;
+        }
+    }
+    return filling;
 }
 
 CPicture PictureOfIcon(HICON hIcon, SIZE size, std::int32_t nFrame) {
@@ -123,8 +147,8 @@ CPicture CPictureStore::LoadBitmapOf(const Key& key) const {
                    : CPicture();
     }
     const Bitmap bitmap = !key.strFile.empty()
-                              ? LoadBitmapFile(key.strFile)
-                              : LoadBitmapResource(m_resources, key.strModule, key.strResource);
+                              ? LoadPictureFile(key.strFile)
+                              : LoadPictureResource(m_resources, key.strModule, key.strResource);
     return bitmap ? CPicture::FromBitmap(bitmap.get(), key.mask) : CPicture();
 }
 
@@ -229,25 +253,18 @@ void CPictureStore::DrawTiled(HDC hDC, const PictureRequest& request, const RECT
     if (!tile || !IntersectRect(&area, &block, &dirty)) {
         return;
     }
-    // Put together first, so that tiles of one pixel cost no more than large ones.
-    CPicture filling(area.right - area.left, area.bottom - area.top);
-    if (!filling) {
-        return;
-    }
-    const auto pixel = [](const CPicture& picture, std::int32_t nX, std::int32_t nY) {
-        return static_cast<std::size_t>(nY) * static_cast<std::size_t>(picture.Width()) +
-               static_cast<std::size_t>(nX);
-    };
-    const auto from = tile.Pixels();
-    const auto to = filling.Pixels();
-    for (std::int32_t nY = 0; nY < filling.Height(); ++nY) {
-        const std::int32_t nFromY = (area.top - block.top + nY) % tile.Height();
-        for (std::int32_t nX = 0; nX < filling.Width(); ++nX) {
-            const std::int32_t nFromX = (area.left - block.left + nX) % tile.Width();
-            to[pixel(filling, nX, nY)] = from[pixel(tile, nFromX, nFromY)];
+    // Put together first, so that tiles of one pixel cost no more than large ones; an area larger
+    // than a picture may be, piece by piece.
+    for (LONG nTop = area.top; nTop < area.bottom; nTop += kMaxFilling) {
+        for (LONG nLeft = area.left; nLeft < area.right; nLeft += kMaxFilling) {
+            const RECT piece = {nLeft, nTop, std::min(area.right, nLeft + kMaxFilling),
+                                std::min(area.bottom, nTop + kMaxFilling)};
+            const CPicture filling =
+                FillingOf(tile, {nLeft - block.left, nTop - block.top},
+                          {piece.right - piece.left, piece.bottom - piece.top});
+            filling.Draw(hDC, piece, WholeOf(filling));
         }
     }
-    filling.Draw(hDC, area, WholeOf(filling));
 }
 
 }  // namespace mvp::richtext

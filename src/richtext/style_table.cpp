@@ -8,6 +8,7 @@ namespace mvp::richtext {
 namespace {
 
 constexpr std::int32_t kMediumBorder = 3;
+constexpr std::int32_t kNormalWeight = 400;
 constexpr std::int32_t kMaxWeight = 1000;
 constexpr std::size_t kMaxFaceLength = 63;
 
@@ -83,7 +84,9 @@ std::uint32_t CStyleTable::FontFor(const Font& parent, const StyleDelta& delta) 
     }
     Set(font.bItalic, delta.bItalic);
     if (delta.nWeight.has_value()) {
-        font.nWeight = std::clamp(*delta.nWeight, 1, kMaxWeight);
+        // 0 leaves the choice to the system, which takes the normal weight.
+        font.nWeight =
+            *delta.nWeight == 0 ? kNormalWeight : std::clamp(*delta.nWeight, 1, kMaxWeight);
     }
     return InternFont(font);
 }
@@ -105,6 +108,7 @@ std::uint32_t CStyleTable::BoxFor(const StyleDelta& delta, const LengthContext& 
         box.padding = Resolved(*delta.padding, context);
     }
     Set(box.borderColour, delta.borderColour);
+    box.bOwnColour = delta.borderColour.has_value() ? 1 : 0;
     return m_boxes.Intern(box) + 1;
 }
 

@@ -44,8 +44,9 @@ struct BoxStyle {
     Edges margin = {};
     Edges border = {};
     Edges padding = {};
-    Colour borderColour = kNoColour;  // kNoColour: the text's colour
-    std::uint32_t nBorderStyle = 0;   // a BorderStyle
+    Colour borderColour = kNoColour;
+    std::uint32_t bOwnColour = 0;    // else the border has the text's
+    std::uint32_t nBorderStyle = 0;  // a BorderStyle
 
     std::int32_t EdgeWidth(Edge edge) const { return margin[edge] + border[edge] + padding[edge]; }
 };

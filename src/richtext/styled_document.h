@@ -69,7 +69,9 @@ struct ImageAttributes {
 };
 
 struct RuleAttributes {
-    std::optional<Length> width;  // without: as wide as there is room
+    std::optional<Length> width;     // without: as wide as there is room
+    std::optional<Colour> colour;    // without: a groove in the desktop's colours
+    std::optional<TextAlign> align;  // without: as the alignment tag around it says
 };
 
 // The filling and the border of a table or a cell.

@@ -20,16 +20,18 @@ RegistryKey CreateVolatile(HKEY hParent, const std::string& strPath) {
 
 }  // namespace
 
-RegistryHive::RegistryHive()
-    : m_strRoot("Software\\MvpTestHive" + std::to_string(GetCurrentProcessId())) {
+RegistryHive::RegistryHive(HKEY hReplaced)
+    : m_hReplaced(hReplaced),
+      m_strRoot("Software\\MvpTestHive" + std::to_string(GetCurrentProcessId()) + "-" +
+                std::to_string(reinterpret_cast<UINT_PTR>(hReplaced) & 0xF)) {
     // What a crashed run with this process number may have left.
     RegDeleteTreeA(HKEY_CURRENT_USER, m_strRoot.c_str());
     m_root = CreateVolatile(HKEY_CURRENT_USER, m_strRoot);
-    Check(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_root.get()), "taking the hive's place");
+    Check(RegOverridePredefKey(m_hReplaced, m_root.get()), "taking the hive's place");
 }
 
 RegistryHive::~RegistryHive() {
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    RegOverridePredefKey(m_hReplaced, nullptr);
     m_root.reset();
     RegDeleteTreeA(HKEY_CURRENT_USER, m_strRoot.c_str());
 }

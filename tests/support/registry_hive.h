@@ -1,12 +1,14 @@
-// A machine-wide registry hive of the test's own: empty at first, gone afterwards.
+// A machine-wide registry hive of the test's own, or one of classes: empty at first, gone
+// afterwards.
 //
 //     RegistryHive hive;
 //     hive.SetString("Software\\Quillon\\Veskara", "VeskaraInstallPath", "C:\\veskara\\");
 //     ...  // the library now reads what the test has set
 //
-// While it lives, the whole process sees it in place of HKEY_LOCAL_MACHINE. It stands on a volatile
-// key of the current user, unique for the process, so that tests need no rights and leave nothing
-// behind. One at a time; whoever opened keys below HKEY_LOCAL_MACHINE keeps those he opened.
+// While it lives, the whole process sees it in place of HKEY_LOCAL_MACHINE, or of the root it is
+// given. It stands on a volatile key of the current user, unique for the process and the root, so
+// that tests need no rights and leave nothing behind. One of a root at a time; whoever opened keys
+// below the root keeps those he opened.
 #pragma once
 
 #include <windows.h>
@@ -22,12 +24,13 @@ namespace mvp::test {
 
 class RegistryHive {
 public:
-    RegistryHive();
+    explicit RegistryHive(HKEY hReplaced = HKEY_LOCAL_MACHINE);
     RegistryHive(const RegistryHive&) = delete;
     RegistryHive& operator=(const RegistryHive&) = delete;
     ~RegistryHive();
 
-    // Each makes the key when it is missing. Paths are relative to HKEY_LOCAL_MACHINE.
+    // Each makes the key when it is missing. Paths are relative to the root. The default value has
+    // no name.
     void CreateKey(const std::string& strPath);
     void SetString(const std::string& strPath, const std::string& strName, std::string_view text);
     void SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue);
@@ -44,6 +47,7 @@ public:
 private:
     RegistryKey Open(const std::string& strPath);
 
+    HKEY m_hReplaced;
     std::string m_strRoot;  // below HKEY_CURRENT_USER
     RegistryKey m_root;
 };

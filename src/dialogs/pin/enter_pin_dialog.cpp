@@ -10,6 +10,7 @@
 #include "frame/log.h"
 #include "frame/module.h"
 #include "frame/resource_module.h"
+#include "platform/bitmap_file.h"
 #include "resources/resource_numbers.h"
 
 BEGIN_MESSAGE_MAP(CEnterPinDlg, VKDetectCardRemovedDlg)
@@ -176,8 +177,7 @@ void CEnterPinDlg::ShowBranding(const CString& strFile, int nDefaultPicture, CSt
     CWnd* pDefault = GetDlgItem(nDefaultPicture);
     if (strFile.IsEmpty() || pDefault == nullptr)
         return;
-    bitmap.reset(
-        static_cast<HBITMAP>(LoadImageA(nullptr, strFile, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE)));
+    bitmap = mvp::LoadBitmapFile(strFile).bitmap;
     if (!bitmap) {
         picture.ShowWindow(SW_HIDE);
         return;

@@ -39,12 +39,16 @@ private:
     std::filesystem::path m_path;
 };
 
-// A bitmap file of one colour. The header may claim another size than the pixels have.
-std::string BitmapFile(int nWidth, int nHeight, std::size_t nPixelBytes) {
+constexpr DWORD kHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
+
+// A bitmap file of one colour. The header may claim another size than the pixels have, and that
+// they begin elsewhere.
+std::string BitmapFile(int nWidth, int nHeight, std::size_t nPixelBytes,
+                       DWORD dwOffset = kHeaders) {
     BITMAPFILEHEADER file{};
     file.bfType = 0x4D42;
-    file.bfOffBits = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
-    file.bfSize = static_cast<DWORD>(file.bfOffBits + nPixelBytes);
+    file.bfOffBits = dwOffset;
+    file.bfSize = static_cast<DWORD>(kHeaders + nPixelBytes);
     const BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
     std::string bytes(sizeof file + sizeof info, '\0');
     std::memcpy(bytes.data(), &file, sizeof file);
@@ -90,8 +94,12 @@ TEST_F(Branding, BuiltInPicturesStayWithoutUsableOnes) {
     EXPECT_EQ(Shown(), kBuiltIn);
     const TestFile text("notabitmap", "this is not a bitmap");
     const TestFile huge("hugebitmap", BitmapFile(0x7FFFFFFF, 0x7FFFFFFF, 100));
-    for (const std::string& path : {std::string("C:\\missing.bmp"), text.Path(), huge.Path(),
-                                    std::string(255, 'p'), std::string()}) {
+    const TestFile claim("claimbitmap", BitmapFile(1000, 1000, 200 - kHeaders));
+    const TestFile beyond("beyondbitmap", BitmapFile(20, 20, 1200, 0x7FFFFFF0));
+    const TestFile early("earlybitmap", BitmapFile(20, 20, 1200, 16));
+    for (const std::string& path :
+         {std::string("C:\\missing.bmp"), text.Path(), huge.Path(), claim.Path(), beyond.Path(),
+          early.Path(), std::string("NUL"), std::string(255, 'p'), std::string()}) {
         m_hive.SetString(kKey, "BannerHiRes", path);
         EXPECT_EQ(Shown(), kBuiltIn) << path;
     }

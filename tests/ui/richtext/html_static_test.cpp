@@ -235,6 +235,44 @@ TEST(HtmlStatic, HoverRepaintsTheLinkAlone) {
     EXPECT_THAT(host.m_aMessages, IsEmpty());
 }
 
+DWORD g_dwNow = 0;
+DWORD WINAPI MadeClock() {
+    return g_dwNow;
+}
+
+TEST(HtmlStatic, MovesImagesByTheClockItIsGiven) {
+    std::uint32_t aPixels[16 * 8];
+    for (std::size_t i = 0; i < std::size(aPixels); ++i)
+        aPixels[i] = i % 16 < 8 ? 0xFF0000 : 0x0000FF;
+    const Bitmap strip(CreateBitmap(16, 8, 1, 32, aPixels));
+    const HIMAGELIST hList = ImageList_Create(8, 8, ILC_COLOR24, 2, 0);
+    ASSERT_EQ(ImageList_Add(hList, strip.get(), nullptr), 0);
+    CHtmlHost host;
+    host.m_pStatic = std::make_unique<CHtmlStatic>(host.m_shell, &MadeClock);
+    CHtmlStatic& control = *host.m_pStatic;
+    control.Create("", WS_CHILD | WS_VISIBLE, CRect(10, 20, 210, 100), &host, 789);
+    control.AllowImageList(hList);
+    // The clock may begin anew at any time.
+    g_dwNow = 0xFFFFFFC0;
+    const std::string strHandle = std::to_string(reinterpret_cast<UINT_PTR>(hList));
+    control.SetWindowText(("<ilst cx=40 cy=40 speed=100 handle=" + strHandle + ">").c_str());
+    const struct {
+        DWORD dwPassed;
+        COLORREF colour;
+    } kMoments[] = {{0, RGB(255, 0, 0)},
+                    {99, RGB(255, 0, 0)},
+                    {100, RGB(0, 0, 255)},
+                    {199, RGB(0, 0, 255)},
+                    {1000, RGB(255, 0, 0)}};
+    for (const auto& moment : kMoments) {
+        g_dwNow = 0xFFFFFFC0 + moment.dwPassed;
+        control.SendMessage(WM_TIMER, 1);
+        EXPECT_EQ(host.At(20, 20), moment.colour) << moment.dwPassed;
+    }
+    host.m_pStatic.reset();
+    ImageList_Destroy(hList);
+}
+
 TEST(HtmlStatic, HoldsNothingMoreAfterManyTexts) {
     CHtmlHost host;
     CHtmlStatic& control = host.Add("");

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "canvas.h"
+#include "platform/bitmap_file.h"
 #include "support/bitmap_header.h"
 
 namespace mvp::test {
@@ -28,14 +29,15 @@ class BitmapFile {
 public:
     BitmapFile(const char* pszName, int nWidth, int nHeight,
                const std::function<COLORREF(int, int)>& colour,
-               const std::function<void(BITMAPINFOHEADER&)>& change = nullptr)
+               const std::function<void(BITMAPINFOHEADER&)>& change = nullptr,
+               DWORD dwOffset = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER))
         : m_strFile(TemporaryFile(pszName)) {
         BITMAPFILEHEADER file{};
         BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
         if (change)
             change(info);
         file.bfType = 0x4D42;
-        file.bfOffBits = sizeof file + sizeof info;
+        file.bfOffBits = dwOffset;
         std::ofstream stream(m_strFile, std::ios::binary);
         stream.write(reinterpret_cast<const char*>(&file), sizeof file);
         stream.write(reinterpret_cast<const char*>(&info), sizeof info);
@@ -113,6 +115,23 @@ TEST(Images, ComeFromFiles) {
     EXPECT_EQ(tiled.Row(19), "8r 8g 4b");
 }
 
+// Pictures are bounded, not what they tile: the area of this one is larger than any picture.
+TEST(Images, TileAnyArea) {
+    const BitmapFile file("richtext_tile.bmp", 24, 8, Strip);
+    CHtmlDrawer drawer;
+    UseTestFont(drawer);
+    drawer.SetText("<table cellspacing=0 width=9000 height=2100 background=\"" + file.Name() +
+                   "\"><tr><td></td></tr></table>");
+    const RECT whole = {0, 0, 9000, 2100};
+    for (const POINT corner : {POINT{2040, 2040}, POINT{8990, 9}}) {
+        const Canvas canvas(20, 20);
+        SetViewportOrgEx(canvas.Dc(), -corner.x, -corner.y, nullptr);
+        drawer.Draw(canvas.Dc(), whole, whole);
+        for (int x = 0; x < 20 && corner.x + x < 9000; ++x)
+            EXPECT_EQ(canvas.At(x, 9), Strip((corner.x + x) % 24, 0)) << corner.x + x;
+    }
+}
+
 TEST(Images, ComeFromHandles) {
     const WindowDc screen(nullptr);
     Bitmap bitmap(CreateCompatibleBitmap(screen.get(), 8, 8));
@@ -160,6 +179,52 @@ TEST(Images, ComeFromResources) {
     EXPECT_GT(small.Ink().right, 8);
 }
 
+// Two pixels, red and blue, in every way a bitmap can hold them.
+TEST(Images, AreReadFromEveryKindOfBitmap) {
+    const std::string strPalette("\0\0\xFF\0\xFF\0\0\0", 8);
+    const struct {
+        const char* pszKind;
+        WORD nBits;
+        DWORD dwPacking;
+        DWORD dwColours;
+        std::string strRest;  // masks or colours, then the pixels
+    } kKinds[] = {
+        {"1 bit", 1, BI_RGB, 2, strPalette + std::string("\x40\0\0\0", 4)},
+        {"4 bits", 4, BI_RGB, 2, strPalette + std::string("\x01\0\0\0", 4)},
+        {"8 bits", 8, BI_RGB, 2, strPalette + std::string("\0\x01\0\0", 4)},
+        {"run lengths", 8, BI_RLE8, 2, strPalette + std::string("\1\0\1\1\0\1", 6)},
+        {"16 bits", 16, BI_RGB, 0, std::string("\0\x7C\x1F\0", 4)},
+        {"masks", 16, BI_BITFIELDS, 0,
+         std::string("\0\xF8\0\0\xE0\x07\0\0\x1F\0\0\0\0\xF8\x1F\0", 16)},
+        {"24 bits", 24, BI_RGB, 0, std::string("\0\0\xFF\xFF\0\0\0\0", 8)},
+        {"32 bits", 32, BI_RGB, 0, std::string("\0\0\xFF\0\xFF\0\0\0", 8)},
+    };
+    const std::string strFile = TemporaryFile("richtext_kind.bmp");
+    for (const auto& kind : kKinds) {
+        BITMAPFILEHEADER file{};
+        BITMAPINFOHEADER info = TrueColorHeader(2, 1);
+        info.biBitCount = kind.nBits;
+        info.biCompression = kind.dwPacking;
+        info.biClrUsed = kind.dwColours;
+        file.bfType = 0x4D42;
+        file.bfOffBits = static_cast<DWORD>(sizeof file + sizeof info + kind.dwColours * 4 +
+                                            (kind.dwPacking == BI_BITFIELDS ? 12 : 0));
+        std::ofstream stream(strFile, std::ios::binary);
+        stream.write(reinterpret_cast<const char*>(&file), sizeof file);
+        stream.write(reinterpret_cast<const char*>(&info), sizeof info);
+        stream << kind.strRest;
+        stream.close();
+        const LoadedBitmap loaded = LoadBitmapFile(strFile.c_str());
+        ASSERT_TRUE(loaded.bitmap) << kind.pszKind << ": " << loaded.pszFault;
+        const auto picture =
+            richtext::CPicture::FromBitmap(loaded.bitmap.get(), richtext::kNoColour);
+        ASSERT_EQ(picture.Pixels().size(), 2u);
+        EXPECT_EQ(picture.Pixels()[0], 0xFFFF0000u) << kind.pszKind;
+        EXPECT_EQ(picture.Pixels()[1], 0xFF0000FFu) << kind.pszKind;
+    }
+    DeleteFileA(strFile.c_str());
+}
+
 TEST(Images, WrongOnesAreNotThere) {
     const BitmapFile huge("richtext_huge.bmp", 8, 8, Strip,
                           [](BITMAPINFOHEADER& info) { info.biWidth = info.biHeight = 30000; });
@@ -169,14 +234,18 @@ TEST(Images, WrongOnesAreNotThere) {
         info.biBitCount = 8;
         info.biClrUsed = 0xFFFFFFFF;
     });
-    const BitmapFile packed("richtext_packed.bmp", 8, 8, Strip, [](BITMAPINFOHEADER& info) {
+    const auto pack = [](BITMAPINFOHEADER& info) {
         info.biBitCount = 8;
+        info.biClrUsed = 2;
         info.biCompression = BI_RLE8;
-    });
+    };
+    const BitmapFile packed("richtext_packed.bmp", 8, 8, Strip, pack, 62);
     const BitmapFile lowest("richtext_low.bmp", 8, 8, Strip,
                             [](BITMAPINFOHEADER& info) { info.biHeight = INT32_MIN; });
+    const BitmapFile beyond("richtext_beyond.bmp", 8, 8, Strip, nullptr, 0x7FFFFFF0);
+    const BitmapFile early("richtext_early.bmp", 8, 8, Strip, nullptr, 16);
     std::vector<std::string> aMarkup;
-    for (const BitmapFile* pFile : {&huge, &longer, &colours, &packed, &lowest}) {
+    for (const BitmapFile* pFile : {&huge, &longer, &colours, &packed, &lowest, &beyond, &early}) {
         aMarkup.push_back("<bmp width=8 height=8 file=\"" + pFile->Name() + "\">");
         aMarkup.push_back("<ilst cx=8 cy=8 file=\"" + pFile->Name() + "\">");
         aMarkup.push_back("<icon cx=8 cy=8 file=\"" + pFile->Name() + "\">");

@@ -145,6 +145,25 @@ TEST(Abuse, SpansAreClamped) {
            [](const CRichText& text) { EXPECT_EQ(text.Boxes().aLines.size(), 2000U); });
 }
 
+TEST(Abuse, BoundsAreKept) {
+    std::string strFonts;
+    for (int nSize = 100; nSize < 400; ++nSize) {
+        strFonts += "<font size=" + std::to_string(nSize) + ">x</font>";
+    }
+    LayOut(strFonts, 360,
+           [](const CRichText& text) { EXPECT_EQ(text.Document().styles.FontCount(), 256U); });
+
+    CFixedMeasurer measurer;
+    CRichText text(measurer);
+    EXPECT_TRUE(text.SetStyleSheet("span {padding: 1}"));
+    EXPECT_TRUE(text.SetText(Repeated("<span>", 20) + "x"));
+    EXPECT_TRUE(text.Layout(360));
+    EXPECT_EQ(text.Boxes().aFragments.size(), 16U + 1) << "boxes and the text";
+
+    LayOut("<table><tr><td colspan=101>x</table>", 360,
+           [](const CRichText& spans) { EXPECT_EQ(spans.Document().aCells[0].nColSpan, 100); });
+}
+
 TEST(Abuse, LengthsThatOverflowAreHeld) {
     for (const char* pszLength :
          {"99999999999", "99999999999px", "99999999999in", "99999999999%", "-99999999999",
