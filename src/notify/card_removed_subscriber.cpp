@@ -4,8 +4,17 @@
 #include <objbase.h>
 
 #include "frame/log.h"
+#include "platform/system_library.h"
 
 namespace {
+
+// COM is loaded with the first dialog that watches a card: a host may have no other use for it. It
+// stays, and stays initialised: what else runs on the thread may have come to count on it.
+void InitializeCom() noexcept {
+    static const HMODULE hOle = mvp::LoadSystemLibrary("ole32.dll").release();
+    if (const auto pfnInitialize = mvp::FindFunction<decltype(&CoInitialize)>(hOle, "CoInitialize"))
+        (void)pfnInitialize(nullptr);
+}
 
 const unsigned char* Bytes(const char* pszText) {
     return reinterpret_cast<const unsigned char*>(pszText);
@@ -17,8 +26,7 @@ VKDelegateSubscriberCardRemoved::VKDelegateSubscriberCardRemoved(CWnd* pWnd, UIN
                                                                  const CString& strReader)
     : m_pWnd(pWnd), m_nMessage(nMessage), m_strReader(strReader) {
     const mvp::LogScope scope("VKDelegateSubscriberCardRemoved Constructor");
-    // Not undone by the destructor: what else runs on the thread may have come to count on it.
-    (void)CoInitialize(nullptr);
+    InitializeCom();
     const int result = Subscribe(VKEVENT_CARD_REMOVED);
     if (result != 0)
         vklogLog(g_szLogTag, kLogError, "Subscribe failed (%d)", result);
