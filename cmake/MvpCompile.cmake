@@ -20,6 +20,8 @@ if(WIN32)
   # runtime there, so every binary carries its own.
   target_link_options(mvp_options INTERFACE
     -static -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+  # Sections that lie in the file as they do in memory are mapped by the loader, others it may copy.
+  target_link_options(mvp_options INTERFACE -Wl,--file-alignment=4096)
   mvp_compile(C,CXX -fstack-protector-strong)
   # The compiler's support library is linked only when the linker is told as well. The checked string
   # functions come from it; the guard's value and what ends the process are ours.
