@@ -28,9 +28,9 @@ struct Comparison {
 };
 
 template <class Body, class Baseline>
-Comparison Compare(int repeats, Body body, Baseline baseline) {
+Comparison Compare(int repeats, Body body, Baseline baseline, int rounds = kRounds) {
     Comparison result;
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         result.baseline = std::min(result.baseline, NanosecondsEach(repeats, baseline));
         result.value = std::min(result.value, NanosecondsEach(repeats, body));
     }

@@ -20,9 +20,19 @@ if(WIN32)
   # runtime there, so every binary carries its own.
   target_link_options(mvp_options INTERFACE
     -static -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+  # Sections that lie in the file as they do in memory are mapped by the loader, others it may copy.
+  target_link_options(mvp_options INTERFACE -Wl,--file-alignment=4096)
   mvp_compile(C,CXX -fstack-protector-strong)
-  # Its support library is linked only when the linker is told as well.
+  # The compiler's support library is linked only when the linker is told as well. The checked string
+  # functions come from it; the guard's value and what ends the process are ours.
   target_link_options(mvp_options INTERFACE -fstack-protector-strong)
+  add_library(mvp_stack_guard OBJECT ${PROJECT_SOURCE_DIR}/src/platform/stack_guard.cpp)
+  target_compile_definitions(mvp_stack_guard PRIVATE
+    $<TARGET_PROPERTY:mvp_options,INTERFACE_COMPILE_DEFINITIONS>)
+  target_compile_options(mvp_stack_guard PRIVATE
+    $<TARGET_PROPERTY:mvp_options,INTERFACE_COMPILE_OPTIONS>
+    -fno-stack-protector -fno-exceptions)
+  target_link_libraries(mvp_options INTERFACE $<TARGET_OBJECTS:mvp_stack_guard>)
   if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_compile_definitions(mvp_options INTERFACE _FORTIFY_SOURCE=2)
     target_link_options(mvp_options INTERFACE -s)

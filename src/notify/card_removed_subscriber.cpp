@@ -5,6 +5,7 @@
 
 #include "frame/log.h"
 #include "platform/barrier.h"
+#include "platform/system_library.h"
 
 namespace {
 
@@ -13,6 +14,14 @@ mvp::ModuleHandle HoldLibrary() {
     GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                        reinterpret_cast<LPCSTR>(&HoldLibrary), library.put());
     return library;
+}
+
+// COM is loaded with the first dialog that watches a card: a host may have no other use for it. It
+// stays, and stays initialised: what else runs on the thread may have come to count on it.
+void InitializeCom() noexcept {
+    static const HMODULE hOle = mvp::LoadSystemLibrary("ole32.dll").release();
+    if (const auto pfnInitialize = mvp::FindFunction<decltype(&CoInitialize)>(hOle, "CoInitialize"))
+        (void)pfnInitialize(nullptr);
 }
 
 const unsigned char* Bytes(const char* pszText) {
@@ -29,8 +38,7 @@ VKDelegateSubscriberCardRemoved::VKDelegateSubscriberCardRemoved(CWnd* pWnd, UIN
       m_nTargetThread(GetCurrentThreadId()),
       m_library(HoldLibrary()) {
     const mvp::LogScope scope("VKDelegateSubscriberCardRemoved Constructor");
-    // Not undone by the destructor: what else runs on the thread may have come to count on it.
-    (void)CoInitialize(nullptr);
+    InitializeCom();
     const int result = Subscribe(VKEVENT_CARD_REMOVED);
     if (result != 0)
         vklogLog(g_szLogTag, kLogError, "Subscribe failed (%d)", result);

@@ -36,8 +36,8 @@ void DrawRamp(HDC hDC, const RECT& block, const Ramp& ramp, bool bAcross) {
                                            : std::array{VertexAt(block.left, ramp.from, ramp.start),
                                                         VertexAt(block.right, ramp.to, ramp.end)};
     GRADIENT_RECT whole = {0, 1};
-    GradientFill(hDC, aVertex.data(), 2, &whole, 1,
-                 bAcross ? GRADIENT_FILL_RECT_H : GRADIENT_FILL_RECT_V);
+    GdiGradientFill(hDC, aVertex.data(), 2, &whole, 1,
+                    bAcross ? GRADIENT_FILL_RECT_H : GRADIENT_FILL_RECT_V);
 }
 
 // The colours from one end to the other; those in the middle meet there.

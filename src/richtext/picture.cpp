@@ -151,9 +151,9 @@ void CPicture::Draw(HDC hDC, const RECT& place, const RECT& part, BYTE nAlpha) c
     }
     const DcSelection selection(source.get(), m_bitmap.get());
     const BLENDFUNCTION blend = {AC_SRC_OVER, 0, nAlpha, AC_SRC_ALPHA};
-    AlphaBlend(hDC, place.left, place.top, place.right - place.left, place.bottom - place.top,
-               source.get(), part.left, part.top, part.right - part.left, part.bottom - part.top,
-               blend);
+    GdiAlphaBlend(hDC, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                  source.get(), part.left, part.top, part.right - part.left, part.bottom - part.top,
+                  blend);
 }
 
 }  // namespace mvp::richtext

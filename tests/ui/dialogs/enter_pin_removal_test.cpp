@@ -5,9 +5,11 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <objbase.h>
 #include <vkevtsub/vkevtsub.h>
 
 #include "frame/module.h"
+#include "notify/card_removed_subscriber.h"
 #include "resources/resource_numbers.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
@@ -77,6 +79,13 @@ TEST_F(CardRemoval, BeforeAndAfterTheDialogHasNoEffect) {
     EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
     EXPECT_EQ(request.Pin(), "1234");
     request.Free();
+}
+
+TEST_F(CardRemoval, WatchingItInitialisesComOnTheThread) {
+    std::thread([] {
+        const VKDelegateSubscriberCardRemoved watching(nullptr, WM_APP, "Reader A");
+        EXPECT_EQ(CoInitialize(nullptr), S_FALSE);  // initialised already
+    }).join();
 }
 
 TEST_F(CardRemoval, WhileTheDialogOpensCloses) {
