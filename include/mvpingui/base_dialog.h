@@ -1,6 +1,10 @@
 // CBaseDialog: the common base of the library's dialogs and child panels. It takes its template
 // from the resource module, stands where it is told, can draw itself in the window colour, and
 // knows how to overwrite a PIN.
+//
+// Exceptions. No member of this library's classes lets one out: it is logged, and the call gives
+// what its comment says of failure. Only a constructor throws, std::bad_alloc when there is no
+// memory: there is no object then to tell it.
 #pragma once
 
 #include <dlgfw/dialog.h>
@@ -12,7 +16,8 @@ public:
     // nTemplate   number of the dialog template in the resource module
     // nColorMode  0: the framework's colours; otherwise a background in the system's window colour
     // pPosition   its left and top place the window: screen coordinates for a dialog, the parent's
-    //             client coordinates for a child panel; null: at (0, 0)
+    //             client coordinates for a child panel. Null: a dialog stands over the middle of
+    //             its owner, or of the work area, and a child panel at (0, 0)
     // pParent     parent window, not owned; may be null
     CBaseDialog(UINT nTemplate, int nColorMode, const RECT* pPosition, CWnd* pParent);
     ~CBaseDialog() override;
@@ -22,11 +27,12 @@ public:
     // created.
     INT_PTR DoModal() override;
 
-    // Overwrites every byte of the text with zero, its length included. Dialogs call it on every
-    // PIN before they drop it.
+    // Overwrites every byte of the text with zero and empties it. Dialogs call it on every PIN
+    // before they drop it.
     static void HidePinFromMemory(CString& strPin);
 
 protected:
+    // Ends the dialog with -1 and returns FALSE when the first data exchange fails.
     BOOL OnInitDialog() override;
 
     // Makes control `nId` (0: the dialog itself) smaller by the given numbers of pixels and redraws
@@ -48,4 +54,5 @@ private:
     int m_nColorMode;
     UINT m_nTemplate;
     CBrush m_brBackground;
+    bool m_bPlaced;
 };

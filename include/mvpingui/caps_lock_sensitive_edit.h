@@ -11,8 +11,6 @@
 // ResetToolTip, so that no balloon stays behind.
 #pragma once
 
-#include <array>
-
 #include <dlgfw/controls.h>
 #include <mvpingui/export.h>
 
@@ -39,6 +37,7 @@ protected:
     afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
     afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
+    // FALSE when it fails.
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
 
     DECLARE_MESSAGE_MAP()
@@ -47,14 +46,17 @@ protected:
     BOOL m_bOldSystem;
 
 private:
-    using Text = std::array<char, 260>;
+    // Characters of a text, with its terminator. Plain arrays: hosts may have another standard
+    // library.
+    static constexpr int kTextSize = 260;
 
     void CreateBalloon();
     void AddTool();
     void PlaceOwnBalloon();
     void AdoptSystemBalloon(const NMHDR& header);
     void GiveText(NMHDR& header);
-    const Text& Warning() const { return m_bPinMode ? m_szPinWarning : m_szPasswordWarning; }
+    BOOL AnswerBalloon(WPARAM wParam, LPARAM lParam, LRESULT* pResult);
+    const char* Warning() const { return m_bPinMode ? m_szPinWarning : m_szPasswordWarning; }
     static LRESULT CALLBACK BalloonProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnBalloonMessage(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -63,12 +65,12 @@ private:
     BOOL m_bSystemBalloonHooked = FALSE;
     HWND m_hSystemBalloon = nullptr;
     WNDPROC m_pOldBalloonProc = nullptr;
-    Text m_szTitle;
-    Text m_szPinWarning;
-    Text m_szPasswordWarning;
+    char m_szTitle[kTextSize];
+    char m_szPinWarning[kTextSize];
+    char m_szPasswordWarning[kTextSize];
     bool m_bPinMode = true;
     // The text changes for the edit's own sake: nobody is told.
     bool m_bScrubbing = false;
     // What the system asks for in wide characters must outlive the answer.
-    std::array<wchar_t, 260> m_szWideWarning{};
+    wchar_t m_szWideWarning[kTextSize]{};
 };

@@ -101,10 +101,12 @@ INT_PTR CDialog::RunModal(LPCDLGTEMPLATE lpDialogTemplate, HINSTANCE hInst) {
     ModalParent parent = {PreModal(), FALSE};
     parent.bReenable = Disable(parent.hWnd);
     HWND hWndTop = m_hWndTop;
+    HWND hWndDialog = nullptr;
 
     try {
         if (CreateModalWindow(lpDialogTemplate, parent, hInst) &&
             (m_nFlags & WF_CONTINUEMODAL) != 0) {
+            hWndDialog = m_hWnd;
             const bool bNoIdleMessages = (GetStyle() & DS_NOIDLEMSG) != 0;
             RunModalLoop(MLF_SHOWONIDLE | (bNoIdleMessages ? MLF_NOIDLEMSG : 0));
         }
@@ -123,6 +125,9 @@ INT_PTR CDialog::RunModal(LPCDLGTEMPLATE lpDialogTemplate, HINSTANCE hInst) {
             ::SetActiveWindow(parent.hWnd);
         DestroyWindow();
     }
+    // Whoever sent it WM_NCDESTROY has parted it from its object.
+    if (hWndDialog != nullptr && ::IsWindow(hWndDialog))
+        ::DestroyWindow(hWndDialog);
     if (guard.IsAlive()) {
         PostModal();
         return m_nModalResult;
@@ -194,27 +199,28 @@ LRESULT CDialog::HandleInitDialog(WPARAM, LPARAM) {
     if ((GetStyle() & WS_CHILD) != 0)
         ModifyStyleEx(0, WS_EX_CONTROLPARENT);
 
-    const CWndGuard guard(this);
-    const bool bMayCenter = m_bCenter && (GetStyle() & (WS_VISIBLE | WS_CHILD)) == 0;
+    // Before OnInitDialog: whatever place that one gives the dialog is where it stays.
+    if (IsCentered())
+        CenterWindow();
     CRect rectBefore;
     GetWindowRect(rectBefore);
+    const CWndGuard guard(this);
     const BOOL bSetFocus = OnInitDialog();
-    if (guard.IsAlive() && m_hWnd != nullptr && bMayCenter)
-        CenterUnlessPlaced(rectBefore);
+    if (!guard.IsAlive() || m_hWnd == nullptr)
+        return bSetFocus;
+    CRect rect;
+    GetWindowRect(rect);
+    // One that has only changed its size goes back to the middle.
+    if (IsCentered() && rect.TopLeft() == rectBefore.TopLeft())
+        CenterWindow();
     return bSetFocus;
 }
 
-// A modal dialog stands over its owner, if nobody has given it another place.
-void CDialog::CenterUnlessPlaced(const RECT& rectBefore) {
-    CRect rect;
-    GetWindowRect(rect);
+// A modal dialog that is not seen yet stands over its owner, if nobody gives it another place.
+bool CDialog::IsCentered() const {
     HWND hWndOwner = ::GetWindow(m_hWnd, GW_OWNER);
     const bool bModal = hWndOwner == nullptr || !::IsWindowEnabled(hWndOwner);
-    // Moved to (0, 0) is moved nowhere: that is the place of whoever was given none.
-    const bool bPlaced =
-        rect.TopLeft() != CRect(rectBefore).TopLeft() && rect.TopLeft() != CPoint();
-    if (bModal && (GetStyle() & WS_VISIBLE) == 0 && !bPlaced)
-        CenterWindow();
+    return m_bCenter && bModal && (GetStyle() & (WS_VISIBLE | WS_CHILD)) == 0;
 }
 
 BOOL CDialog::OnInitDialog() {

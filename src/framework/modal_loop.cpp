@@ -158,6 +158,9 @@ BOOL CWnd::ContinueModal() {
 }
 
 void CWnd::EndModalLoop(int nResult) {
+    // A window that is on its way out gives no other answer any more.
+    if ((m_nFlags & WF_DESTROYING) != 0)
+        return;
     m_nModalResult = nResult;
     m_nFlags &= ~WF_CONTINUEMODAL;
     // The call may come out of a sent message, which leaves the loop waiting.

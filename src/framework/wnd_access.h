@@ -22,6 +22,9 @@ private:
     CWndGuard* m_pNext;
 };
 
+// Posted to a window that is being destroyed, which takes the message with it.
+constexpr UINT WM_STILLTHERE = 0x037E;
+
 class CWndAccess {
 public:
     static CWndGuard*& Guards(CWnd& wnd) noexcept { return wnd.m_pGuards; }
@@ -32,13 +35,26 @@ public:
         return wnd.WindowProc(message, wParam, lParam);
     }
     static void PostNcDestroy(CWnd& wnd) { wnd.PostNcDestroy(); }
-    static void SetModalResult(CWnd& wnd, int nResult) noexcept { wnd.m_nModalResult = nResult; }
+    // Ends the window's modal loop, if there is one and it was not told to end before, with -1.
+    static void BreakModalLoop(CWnd& wnd) noexcept;
+
+    // What a message about the window's end stands for. Whoever sends WM_NCDESTROY alone is not the
+    // system, and the handlers of WM_DESTROY have to run first.
+    static UINT EndMessage(const CWnd& wnd, UINT message) noexcept {
+        const bool bFirst = (wnd.m_nFlags & WF_DESTROYING) == 0;
+        return message == WM_NCDESTROY && bFirst ? WM_DESTROY : message;
+    }
+    // Before the handlers of WM_DESTROY.
+    static void OnDestroying(CWnd& wnd) noexcept;
+    // A window got the message that OnDestroying posted to it: it was not destroyed.
+    static void OnStillThere(HWND hWnd);
 
     // Makes the object the window's, with PreSubclassWindow between.
     static void Bind(CWnd& wnd, HWND hWnd);
     // False when the window is not of this process.
     static bool Subclass(CWnd& wnd);
     static void RestoreWindowProc(CWnd& wnd) noexcept;
+    static void ForgetWindowProc(CWnd& wnd) noexcept { wnd.m_pfnSuper = nullptr; }
 };
 
 namespace dlgfw {

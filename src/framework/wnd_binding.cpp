@@ -53,6 +53,31 @@ void CWndAccess::RestoreWindowProc(CWnd& wnd) noexcept {
     wnd.m_pfnSuper = nullptr;
 }
 
+void CWndAccess::BreakModalLoop(CWnd& wnd) noexcept {
+    if ((wnd.m_nFlags & WF_CONTINUEMODAL) == 0)
+        return;
+    wnd.m_nModalResult = -1;
+    wnd.m_nFlags &= ~WF_CONTINUEMODAL;
+    // The loop may be waiting for messages, and this window may get none any more.
+    if ((wnd.m_nFlags & WF_MODALLOOP) != 0)
+        ::PostThreadMessageA(::GetCurrentThreadId(), WM_NULL, 0, 0);
+}
+
+void CWndAccess::OnDestroying(CWnd& wnd) noexcept {
+    wnd.m_nFlags |= WF_DESTROYING;
+    BreakModalLoop(wnd);
+    ::PostMessageA(wnd.m_hWnd, WM_STILLTHERE, 0, 0);
+}
+
+void CWndAccess::OnStillThere(HWND hWnd) {
+    // Somebody tampers with the dialog that the window belongs to: nothing may come of that one.
+    for (HWND h = hWnd; h != nullptr; h = ::GetAncestor(h, GA_PARENT)) {
+        if (CWnd* pWnd = CWnd::FromHandlePermanent(h))
+            BreakModalLoop(*pWnd);
+    }
+    ::DestroyWindow(hWnd);
+}
+
 namespace dlgfw {
 namespace {
 
@@ -131,6 +156,7 @@ BOOL CWnd::Attach(HWND hWnd) {
 
 HWND CWnd::Detach() {
     HWND hWnd = std::exchange(m_hWnd, nullptr);
+    m_nFlags &= ~WF_DESTROYING;
     Windows().Erase(hWnd, this);
     return hWnd;
 }

@@ -12,18 +12,12 @@ END_MESSAGE_MAP()
 
 // The last message of a window. Nothing touches the object after PostNcDestroy.
 void CWnd::OnNcDestroy() {
-    if ((m_nFlags & WF_CONTINUEMODAL) != 0) {
-        // The loop may be waiting for messages, and this window will get none any more.
-        m_nModalResult = -1;
-        m_nFlags &= ~WF_CONTINUEMODAL;
-        if ((m_nFlags & WF_MODALLOOP) != 0)
-            ::PostThreadMessageA(::GetCurrentThreadId(), WM_NULL, 0, 0);
-    }
     const CWndGuard guard(this);
     Default();
     if (!guard.IsAlive())
         return;
-    CWndAccess::RestoreWindowProc(*this);
+    // The window keeps our procedure: should it not have been destroyed, that sees to its end.
+    CWndAccess::ForgetWindowProc(*this);
     Detach();
     PostNcDestroy();
 }

@@ -58,8 +58,7 @@ void AfterException(CWnd* pWnd, const CWndGuard& guard, HWND hWnd, UINT message)
         ::ValidateRect(hWnd, nullptr);  // or it would come again at once
     } else if (message == WM_INITDIALOG && guard.IsAlive()) {
         // CreateDlgIndirect sees the end of the modal state and gives the window up.
-        CWndAccess::SetModalResult(*pWnd, -1);
-        pWnd->m_nFlags &= ~WF_CONTINUEMODAL;
+        CWndAccess::BreakModalLoop(*pWnd);
     } else if (message == WM_NCDESTROY && guard.IsAlive() && pWnd->m_hWnd == hWnd) {
         pWnd->Detach();
     }
@@ -95,8 +94,15 @@ AFX_EXCEPTION_REPORTER AfxSetExceptionReporter(AFX_EXCEPTION_REPORTER pfnReporte
 
 LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
     CWnd* pWnd = CWnd::FromHandlePermanent(hWnd);
+    if (message == WM_STILLTHERE && (pWnd == nullptr || (pWnd->m_nFlags & WF_DESTROYING) != 0)) {
+        CWndAccess::OnStillThere(hWnd);
+        return 0;
+    }
     if (pWnd == nullptr)
         return ::DefWindowProcA(hWnd, message, wParam, lParam);
+    message = CWndAccess::EndMessage(*pWnd, message);
+    if (message == WM_DESTROY)
+        CWndAccess::OnDestroying(*pWnd);
     const CWndGuard guard(pWnd);
     const LRESULT lFailed = message == WM_CREATE ? -1 : 0;  // -1: no window
     return mvp::Guarded(

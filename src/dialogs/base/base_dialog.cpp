@@ -6,18 +6,38 @@
 
 #include "frame/log.h"
 #include "frame/resource_module.h"
+#include "platform/barrier.h"
 
 BEGIN_MESSAGE_MAP(CBaseDialog, CDialog)
     ON_WM_CTLCOLOR()
     ON_WM_SYSCOLORCHANGE()
 END_MESSAGE_MAP()
 
+namespace {
+
+// Makes a module the one that templates are taken from, as long as it lives.
+class ResourceScope {
+public:
+    explicit ResourceScope(HINSTANCE hModule) : m_hPrevious(AfxGetResourceHandle()) {
+        AfxSetResourceHandle(hModule);
+    }
+    ResourceScope(const ResourceScope&) = delete;
+    ResourceScope& operator=(const ResourceScope&) = delete;
+    ~ResourceScope() { AfxSetResourceHandle(m_hPrevious); }
+
+private:
+    HINSTANCE m_hPrevious;
+};
+
+}  // namespace
+
 CBaseDialog::CBaseDialog(UINT nTemplate, int nColorMode, const RECT* pPosition, CWnd* pParent)
     : CDialog(nTemplate, pParent),
       m_nLeft(pPosition != nullptr ? pPosition->left : 0),
       m_nTop(pPosition != nullptr ? pPosition->top : 0),
       m_nColorMode(nColorMode),
-      m_nTemplate(nTemplate) {
+      m_nTemplate(nTemplate),
+      m_bPlaced(pPosition != nullptr) {
     m_brBackground.CreateSolidBrush(GetSysColor(COLOR_WINDOW));
 }
 
@@ -27,29 +47,37 @@ INT_PTR CBaseDialog::DoModal() {
     // Without this a missing module would make the system search the host for the template.
     if (mvp::ResourceModule() == nullptr)
         return -1;
-    return RunModalFrom(mvp::ResourceModule());
+    return mvp::Guarded(
+        INT_PTR{-1}, [this] { return RunModalFrom(mvp::ResourceModule()); },
+        mvp::LogException("CBaseDialog::DoModal"));
 }
 
 int CBaseDialog::CreateFromResourceModule(CWnd* pParent) {
     if (mvp::ResourceModule() == nullptr)
         return 0;
-    const HINSTANCE previous = AfxGetResourceHandle();
-    AfxSetResourceHandle(mvp::ResourceModule());
-    const int created = Create(m_nTemplate, pParent);
-    AfxSetResourceHandle(previous);
-    return created;
+    return mvp::Guarded(
+        0,
+        [=, this] {
+            const ResourceScope scope(mvp::ResourceModule());
+            return Create(m_nTemplate, pParent);
+        },
+        mvp::LogException("CBaseDialog::CreateFromResourceModule"));
 }
 
 BOOL CBaseDialog::OnInitDialog() {
     const mvp::LogScope scope("CBaseDialog::OnInitDialog");
     const BOOL result = CDialog::OnInitDialog();
-    SetWindowPos(nullptr, m_nLeft, m_nTop, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    // A dialog that was given no place is left to the framework.
+    if (m_bPlaced || (GetStyle() & WS_CHILD) != 0)
+        SetWindowPos(nullptr, m_nLeft, m_nTop, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     return result;
 }
 
 HBRUSH CBaseDialog::OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor) {
     if (m_nColorMode == 0)
-        return CDialog::OnCtlColor(pDC, pWnd, nCtlColor);
+        return mvp::Guarded(
+            HBRUSH{nullptr}, [=, this] { return CDialog::OnCtlColor(pDC, pWnd, nCtlColor); },
+            mvp::LogException("CBaseDialog::OnCtlColor"));
     pDC->SetBkColor(GetSysColor(COLOR_WINDOW));
     pDC->SetBkMode(TRANSPARENT);
     pDC->SetTextColor(GetSysColor(COLOR_WINDOWTEXT));
@@ -57,9 +85,13 @@ HBRUSH CBaseDialog::OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor) {
 }
 
 void CBaseDialog::OnSysColorChange() {
-    CDialog::OnSysColorChange();
-    m_brBackground.DeleteObject();
-    m_brBackground.CreateSolidBrush(GetSysColor(COLOR_WINDOW));
+    mvp::Guarded(
+        [this] {
+            CDialog::OnSysColorChange();
+            m_brBackground.DeleteObject();
+            m_brBackground.CreateSolidBrush(GetSysColor(COLOR_WINDOW));
+        },
+        mvp::LogException("CBaseDialog::OnSysColorChange"));
 }
 
 void CBaseDialog::HidePinFromMemory(CString& strPin) {
@@ -67,18 +99,19 @@ void CBaseDialog::HidePinFromMemory(CString& strPin) {
     if (strPin.IsEmpty())
         return;
     const int length = strPin.GetLength();
+    // Asks for no memory: the text has a buffer of that size.
     SecureZeroMemory(strPin.GetBuffer(length), static_cast<SIZE_T>(length));
     strPin.ReleaseBuffer();
 }
 
 void CBaseDialog::ResizeDlg(UINT nId, int nWidthDecrease, int nHeightDecrease) {
     const mvp::LogScope scope("CBaseDialog::ResizeDlg");
-    CWnd* pWnd = nId == 0 ? this : GetDlgItem(static_cast<int>(nId));
-    if (pWnd == nullptr)
+    const HWND hWnd = nId == 0 ? m_hWnd : ::GetDlgItem(m_hWnd, static_cast<int>(nId));
+    if (hWnd == nullptr)
         return;
     CRect rect;
-    pWnd->GetWindowRect(&rect);
-    pWnd->SetWindowPos(nullptr, 0, 0, rect.Width() - nWidthDecrease,
-                       rect.Height() - nHeightDecrease, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    pWnd->RedrawWindow(nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    ::GetWindowRect(hWnd, &rect);
+    ::SetWindowPos(hWnd, nullptr, 0, 0, rect.Width() - nWidthDecrease,
+                   rect.Height() - nHeightDecrease, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ::RedrawWindow(hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
 }

@@ -18,7 +18,14 @@ constexpr unsigned kKeyTab = 0x09;
 constexpr unsigned kKeyShift = 0x10;
 constexpr unsigned kKeyCapsLock = 0x14;
 
+// The system's number of its platform NT.
+constexpr unsigned long kPlatformNt = 2;
+
 }  // namespace
+
+bool LacksCapsLockWarning(unsigned long nPlatform, unsigned long nMajor, unsigned long nMinor) {
+    return nPlatform == kPlatformNt && nMajor == 5 && nMinor == 0;
+}
 
 BalloonPlace PlaceBalloon(const BalloonAnchor& edit, const BalloonSize& balloon, int nScreenWidth) {
     int top = edit.nTop - balloon.nHeight + kOverlapAbove;

@@ -1,7 +1,12 @@
-// What the Caps-Lock warning decides: where its balloon stands, and what a key does to it.
+// What the Caps-Lock warning decides: whether the system gives one, where the library's own balloon
+// stands, and what a key does to it.
 #pragma once
 
 namespace mvp {
+
+// Whether the password edits of this system show no warning of their own; the numbers are the
+// system's, as GetVersionEx gives them.
+bool LacksCapsLockWarning(unsigned long nPlatform, unsigned long nMajor, unsigned long nMinor);
 
 // Screen coordinates in pixels.
 struct BalloonAnchor {

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <array>
 #include <cstdio>
 #include <cstring>
 
@@ -42,28 +43,23 @@ constexpr WPARAM kWarningIcon = 2;
 constexpr std::size_t kToolTextCapacity = 1040;
 
 template <std::size_t Size>
-void LoadText(UINT nId, const char* pszDefault, std::array<char, Size>& text) {
+void LoadText(UINT nId, const char* pszDefault, char (&text)[Size]) {
     const CString loaded = mvp::ResourceString(nId);
-    std::snprintf(text.data(), text.size(), "%s",
-                  loaded.IsEmpty() ? pszDefault : static_cast<LPCSTR>(loaded));
+    std::snprintf(text, Size, "%s", loaded.IsEmpty() ? pszDefault : static_cast<LPCSTR>(loaded));
 }
 
-// The one system whose password edits do not warn of Caps Lock: platform NT, version 5.0.
 BOOL IsSystemWithoutWarning() {
     OSVERSIONINFOA version{};
     version.dwOSVersionInfoSize = sizeof version;
-    if (!GetVersionExA(&version))
-        return FALSE;
-    return version.dwPlatformId == VER_PLATFORM_WIN32_NT && version.dwMajorVersion == 5 &&
-           version.dwMinorVersion == 0;
+    return GetVersionExA(&version) &&
+           mvp::LacksCapsLockWarning(version.dwPlatformId, version.dwMajorVersion,
+                                     version.dwMinorVersion);
 }
 
 template <std::size_t Size>
-std::array<wchar_t, Size> Widen(const std::array<char, Size>& text) {
-    std::array<wchar_t, Size> wide{};
-    MultiByteToWideChar(CP_ACP, 0, text.data(), -1, wide.data(), static_cast<int>(Size));
-    wide.back() = L'\0';
-    return wide;
+void Widen(const char* pszText, wchar_t (&wide)[Size]) {
+    MultiByteToWideChar(CP_ACP, 0, pszText, -1, wide, static_cast<int>(Size));
+    wide[Size - 1] = L'\0';
 }
 
 LRESULT Send(HWND hWnd, UINT message, WPARAM wParam, const void* pParameter) {
@@ -185,7 +181,9 @@ void CCapsLockSensitiveEdit::CreateBalloon() {
                    static_cast<LPARAM>(GetDoubleClickTime()));
     ::SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, kLargestTipWidth);
     // In wide characters: not every system takes the 8-bit form for what it is.
-    Send(m_hBalloon, TTM_SETTITLEW, kWarningIcon, Widen(m_szTitle).data());
+    wchar_t szTitle[kTextSize]{};
+    Widen(m_szTitle, szTitle);
+    Send(m_hBalloon, TTM_SETTITLEW, kWarningIcon, szTitle);
 }
 
 void CCapsLockSensitiveEdit::AddTool() {
@@ -263,14 +261,14 @@ void CCapsLockSensitiveEdit::AdoptSystemBalloon(const NMHDR& header) {
 void CCapsLockSensitiveEdit::GiveText(NMHDR& header) {
     if (header.code == TTN_GETDISPINFOA) {
         auto& info = reinterpret_cast<NMTTDISPINFOA&>(header);
-        info.lpszText = const_cast<char*>(Warning().data());
+        info.lpszText = const_cast<char*>(Warning());
         info.hinst = nullptr;
         info.uFlags |= TTF_DI_SETITEM;
         info.lParam = 0;
     } else {
-        m_szWideWarning = Widen(Warning());
+        Widen(Warning(), m_szWideWarning);
         auto& info = reinterpret_cast<NMTTDISPINFOW&>(header);
-        info.lpszText = m_szWideWarning.data();
+        info.lpszText = m_szWideWarning;
         info.hinst = nullptr;
         info.uFlags |= TTF_DI_SETITEM;
         info.lParam = 0;
@@ -280,6 +278,12 @@ void CCapsLockSensitiveEdit::GiveText(NMHDR& header) {
 }
 
 BOOL CCapsLockSensitiveEdit::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
+    return mvp::Guarded(
+        FALSE, [=, this] { return AnswerBalloon(wParam, lParam, pResult); },
+        mvp::LogException("CCapsLockSensitiveEdit::OnNotify"));
+}
+
+BOOL CCapsLockSensitiveEdit::AnswerBalloon(WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
     NMHDR& header = *reinterpret_cast<NMHDR*>(lParam);
     switch (header.code) {
         case TTN_SHOW:

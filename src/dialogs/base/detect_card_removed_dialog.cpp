@@ -1,12 +1,11 @@
 #include "mvpingui/detect_card_removed_dialog.h"
 
-#include <new>
-
 #include <dlgfw/message_map.h>
 
 #include "frame/log.h"
 #include "notify/card_removed_message.h"
 #include "notify/card_removed_subscriber.h"
+#include "platform/barrier.h"
 
 BEGIN_MESSAGE_MAP(VKDetectCardRemovedDlg, CBaseDialog)
     ON_WM_DESTROY()
@@ -29,14 +28,21 @@ VKDetectCardRemovedDlg::~VKDetectCardRemovedDlg() {
 BOOL VKDetectCardRemovedDlg::OnInitDialog() {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::OnInitDialog");
     const BOOL result = CBaseDialog::OnInitDialog();
-    m_pCardRemoved = new (std::nothrow)
-        VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
+    // Without a watcher, for want of memory, the dialog just does not react to the removal.
+    mvp::Guarded(
+        [this] {
+            m_pCardRemoved =
+                new VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
+        },
+        mvp::LogException("VKDetectCardRemovedDlg::OnInitDialog"));
     return result;
 }
 
 LRESULT VKDetectCardRemovedDlg::OnCardEvent(WPARAM /*wParam*/, LPARAM /*lParam*/) {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::OnCardEvent");
-    EndDialog(IDCANCEL);
+    // A message that was posted before the watch ended may still come after it.
+    if (m_pCardRemoved != nullptr)
+        EndDialog(IDCANCEL);
     return 0;
 }
 

@@ -1,8 +1,11 @@
 #include "dialogs/base/edit_scrubber.h"
 
-#include <algorithm>
+#include <array>
 
 #include <dlgfw/string.h>
+
+#include "frame/log.h"
+#include "platform/barrier.h"
 
 namespace mvp {
 
@@ -12,6 +15,14 @@ namespace {
 // the control left behind when it grew is out of reach.
 constexpr int kRoom = 512;
 
+// As long as that, so that overwriting a PIN asks for no memory.
+constexpr auto kFiller = [] {
+    std::array<char, kRoom + 1> filler{};
+    for (int i = 0; i < kRoom; ++i)
+        filler[static_cast<std::size_t>(i)] = '#';
+    return filler;
+}();
+
 void ReplaceAll(HWND hEdit, BOOL bCanUndo, const char* pszText) {
     SendMessageA(hEdit, EM_SETSEL, 0, -1);
     SendMessageA(hEdit, EM_REPLACESEL, static_cast<WPARAM>(bCanUndo),
@@ -19,12 +30,11 @@ void ReplaceAll(HWND hEdit, BOOL bCanUndo, const char* pszText) {
 }
 
 // Writes over the text block, then deletes that text so that it lands in the undo block.
-void OverwriteBoth(HWND hEdit, int nLength) {
-    const CString filler('#', nLength);
+void OverwriteBoth(HWND hEdit, const char* pszFiller) {
     // The limit holds for replaced text as it does for typed text.
     const LRESULT limit = SendMessageA(hEdit, EM_GETLIMITTEXT, 0, 0);
     SendMessageA(hEdit, EM_SETLIMITTEXT, 0, 0);
-    ReplaceAll(hEdit, FALSE, filler);
+    ReplaceAll(hEdit, FALSE, pszFiller);
     ReplaceAll(hEdit, TRUE, "");
     SendMessageA(hEdit, EM_EMPTYUNDOBUFFER, 0, 0);
     SendMessageA(hEdit, EM_SETLIMITTEXT, static_cast<WPARAM>(limit), 0);
@@ -32,12 +42,15 @@ void OverwriteBoth(HWND hEdit, int nLength) {
 
 }  // namespace
 
-void PrepareEditForSecret(HWND hEdit) {
-    OverwriteBoth(hEdit, kRoom);
+void PrepareEditForSecret(HWND hEdit) noexcept {
+    OverwriteBoth(hEdit, kFiller.data());
 }
 
-void ScrubEdit(HWND hEdit) {
-    OverwriteBoth(hEdit, std::max(kRoom, GetWindowTextLengthA(hEdit)));
+void ScrubEdit(HWND hEdit) noexcept {
+    const int length = GetWindowTextLengthA(hEdit);
+    const auto scrubLong = [=] { OverwriteBoth(hEdit, CString('#', length)); };
+    if (length <= kRoom || !Guarded(scrubLong, LogException("ScrubEdit")))
+        OverwriteBoth(hEdit, kFiller.data());
 }
 
 }  // namespace mvp

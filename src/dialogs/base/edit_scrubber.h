@@ -14,9 +14,9 @@
 namespace mvp {
 
 // Makes room for any PIN of a sane length. The edit must be empty.
-void PrepareEditForSecret(HWND hEdit);
+void PrepareEditForSecret(HWND hEdit) noexcept;
 
 // Overwrites the text and what the control remembers for undoing, and leaves the edit empty.
-void ScrubEdit(HWND hEdit);
+void ScrubEdit(HWND hEdit) noexcept;
 
 }  // namespace mvp

@@ -26,17 +26,9 @@ constexpr char kBrandingKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog
 constexpr DWORD kPathCapacity = MAX_PATH;
 constexpr int kHelpTopic = 1015;
 
-// Reads one picture's path; returns whether there is one.
-bool ReadPath(HKEY hKey, const char* pszValueName, CString& strPath) {
-    // One byte more than is offered: a value that fills the buffer may come without a terminator.
-    std::array<char, kPathCapacity + 1> buffer{};
-    DWORD size = kPathCapacity;
-    const LSTATUS error = RegQueryValueExA(hKey, pszValueName, nullptr, nullptr,
-                                           reinterpret_cast<BYTE*>(buffer.data()), &size);
-    if (error != ERROR_SUCCESS || buffer.front() == '\0')
-        return false;
-    strPath = buffer.data();
-    return true;
+bool IsFile(const char* pszPath) {
+    const DWORD attributes = GetFileAttributesA(pszPath);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 // For the log texts that print a pointer or handle whole.
@@ -95,6 +87,19 @@ BOOL CEnterPinDlg::OnInitDialog() {
     return TRUE;
 }
 
+void CEnterPinDlg::OnOK() {
+    const mvp::LogScope scope("CEnterPinDlg::OnOK");
+    if (!UpdateData(TRUE) || !IsPinAllowed())
+        return;
+    StopDetectingRemoveEvent();
+    EndDialog(IDOK);
+}
+
+bool CEnterPinDlg::IsPinAllowed() const {
+    return mvp::IsPinLengthAllowed(static_cast<std::size_t>(m_strPin.GetLength()), m_dwMinLength,
+                                   m_dwMaxLength);
+}
+
 BOOL CEnterPinDlg::CreateModalWindow(LPCDLGTEMPLATE pTemplate, ModalParent& parent,
                                      HINSTANCE hInst) {
     // These lines have always carried the help handler's name; log readers search for it.
@@ -123,10 +128,12 @@ BOOL CEnterPinDlg::CreateModalWindow(LPCDLGTEMPLATE pTemplate, ModalParent& pare
 
 void CEnterPinDlg::OnEnChangeEditPassword() {
     vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnEnChangeEditPassword:BEG");
-    UpdateData(TRUE);
-    const auto length = static_cast<std::size_t>(m_strPin.GetLength());
-    if (CWnd* pOk = GetDlgItem(IDOK))
-        pOk->EnableWindow(mvp::IsPinLengthAllowed(length, m_dwMinLength, m_dwMaxLength));
+    // What OK has taken stays as it was.
+    if ((m_nFlags & WF_CONTINUEMODAL) != 0) {
+        UpdateData(TRUE);
+        if (CWnd* pOk = GetDlgItem(IDOK))
+            pOk->EnableWindow(IsPinAllowed());
+    }
     vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnEnChangeEditPassword:END");
 }
 
@@ -147,15 +154,34 @@ bool CEnterPinDlg::IsHighColorSupported() {
     return GetDeviceCaps(screen.get(), BITSPIXEL) >= mvp::kHighColorBitsPerPixel;
 }
 
-bool CEnterPinDlg::GetBrandingBitmaps(BrandingPaths& paths) {
+// Returns whether there is one.
+bool CEnterPinDlg::ReadPicture(HKEY hKey, BrandingPicture& picture) {
+    // One byte more than is offered: a value that fills the buffer may come without a terminator.
+    std::array<char, kPathCapacity + 1> buffer{};
+    DWORD type = REG_NONE;
+    DWORD size = kPathCapacity;
+    const LSTATUS error = RegQueryValueExA(hKey, picture.pszValueName, nullptr, &type,
+                                           reinterpret_cast<BYTE*>(buffer.data()), &size);
+    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND)
+        mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName,
+                               error == ERROR_MORE_DATA ? "the value is longer than 260 bytes"
+                                                        : "the value cannot be read");
+    if (error != ERROR_SUCCESS || buffer.front() == '\0')
+        return false;
+    picture.strFile = buffer.data();
+    picture.bText = type == REG_SZ || type == REG_EXPAND_SZ;
+    return true;
+}
+
+bool CEnterPinDlg::GetBrandingBitmaps(BrandingPictures& pictures) {
     const mvp::LogScope scope("CEnterPinDlg::GetBrandingBitmaps");
     mvp::RegistryKey key;
     if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kBrandingKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS)
         return false;
-    bool found = ReadPath(key.get(), "BannerLowRes", paths.strBannerLow);
-    found |= ReadPath(key.get(), "BannerHiRes", paths.strBannerHigh);
-    found |= ReadPath(key.get(), "ProgressBarLowRes", paths.strProgressLow);
-    found |= ReadPath(key.get(), "ProgressBarHiRes", paths.strProgressHigh);
+    bool found = ReadPicture(key.get(), pictures.bannerLow);
+    found |= ReadPicture(key.get(), pictures.bannerHigh);
+    found |= ReadPicture(key.get(), pictures.progressLow);
+    found |= ReadPicture(key.get(), pictures.progressHigh);
     return found;
 }
 
@@ -163,23 +189,27 @@ void CEnterPinDlg::TryToInsertBitmap() {
     const mvp::LogScope scope("CEnterPinDlg::TryToInsertBitmap");
     m_banner.ShowWindow(SW_HIDE);
     m_progressBar.ShowWindow(SW_HIDE);
-    BrandingPaths paths;
-    if (!GetBrandingBitmaps(paths))
+    BrandingPictures pictures;
+    if (!GetBrandingBitmaps(pictures))
         return;
-    ShowBranding(m_bHighColor ? paths.strBannerHigh : paths.strBannerLow, IDC_ENTER_PIN_BANNER,
+    ShowBranding(m_bHighColor ? pictures.bannerHigh : pictures.bannerLow, IDC_ENTER_PIN_BANNER,
                  m_banner, m_hBanner);
-    ShowBranding(m_bHighColor ? paths.strProgressHigh : paths.strProgressLow,
+    ShowBranding(m_bHighColor ? pictures.progressHigh : pictures.progressLow,
                  IDC_ENTER_PIN_PROGRESS, m_progressBar, m_hProgressBar);
 }
 
-void CEnterPinDlg::ShowBranding(const CString& strFile, int nDefaultPicture, CStatic& picture,
-                                mvp::Bitmap& bitmap) {
+void CEnterPinDlg::ShowBranding(const BrandingPicture& setting, int nDefaultPicture,
+                                CStatic& picture, mvp::Bitmap& bitmap) {
+    const CString& strFile = setting.strFile;
     CWnd* pDefault = GetDlgItem(nDefaultPicture);
     if (strFile.IsEmpty() || pDefault == nullptr)
         return;
     bitmap = mvp::LoadBitmapFile(strFile).bitmap;
     if (!bitmap) {
         picture.ShowWindow(SW_HIDE);
+        mvp::LogIgnoredSetting(
+            kBrandingKey, setting.pszValueName,
+            mvp::WhyNoPicture(static_cast<LPCSTR>(strFile), setting.bText, IsFile(strFile)));
         return;
     }
     pDefault->ShowWindow(SW_HIDE);

@@ -29,6 +29,9 @@ public:
 protected:
     BOOL OnInitDialog() override;
     void DoDataExchange(CDataExchange* pDX) override;
+    // Ends the dialog when the text in the edit is a PIN within the bounds, whatever sent the
+    // command.
+    void OnOK() override;
     // Logs the creation, and tries it again without a parent when it fails: a parent that cannot be
     // used must not keep the user from entering the PIN.
     BOOL CreateModalWindow(LPCDLGTEMPLATE pTemplate, ModalParent& parent, HINSTANCE hInst) override;
@@ -42,18 +45,26 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    struct BrandingPaths {
-        CString strBannerLow;
-        CString strBannerHigh;
-        CString strProgressLow;
-        CString strProgressHigh;
+    // A picture as the configuration has it.
+    struct BrandingPicture {
+        const char* pszValueName;
+        CString strFile = {};  // empty: none
+        bool bText = true;
+    };
+    struct BrandingPictures {
+        BrandingPicture bannerLow{"BannerLowRes"};
+        BrandingPicture bannerHigh{"BannerHiRes"};
+        BrandingPicture progressLow{"ProgressBarLowRes"};
+        BrandingPicture progressHigh{"ProgressBarHiRes"};
     };
 
     static bool IsHighColorSupported();
-    static bool GetBrandingBitmaps(BrandingPaths& paths);
+    static bool ReadPicture(HKEY hKey, BrandingPicture& picture);
+    static bool GetBrandingBitmaps(BrandingPictures& pictures);
     void TryToInsertBitmap();
-    void ShowBranding(const CString& strFile, int nDefaultPicture, CStatic& picture,
+    void ShowBranding(const BrandingPicture& setting, int nDefaultPicture, CStatic& picture,
                       mvp::Bitmap& bitmap);
+    bool IsPinAllowed() const;
 
     std::uint32_t m_dwMinLength;
     std::uint32_t m_dwMaxLength;

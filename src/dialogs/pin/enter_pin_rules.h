@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace mvp {
 
@@ -14,5 +15,9 @@ constexpr bool IsPinLengthAllowed(std::size_t cbPin, std::uint32_t dwMinLength,
 
 // From so many bits per pixel on a screen gets the high-resolution pictures.
 constexpr int kHighColorBitsPerPixel = 8;
+
+// Why the file that a setting names gives no picture, in a few words for the log. `bText`: the
+// setting is a text; `bFileThere`: there is a file of that name.
+const char* WhyNoPicture(std::string_view path, bool bText, bool bFileThere);
 
 }  // namespace mvp

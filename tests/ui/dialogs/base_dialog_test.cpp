@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
@@ -22,16 +23,29 @@ public:
                           UINT nTemplate = IDD_ENTER_PIN, CWnd* pParent = nullptr)
         : CBaseDialog(nTemplate, nColorMode, pPosition, pParent) {}
     using CBaseDialog::CreateFromResourceModule;
+    using CBaseDialog::OnCtlColor;
     using CBaseDialog::ResizeDlg;
 
-    bool m_bThrow = false;
+    enum class Throws { Nowhere, InitDialog, Destroy, PostNcDestroy };
+    Throws m_throws = Throws::Nowhere;
+
+    BOOL DestroyWindow() override {
+        ThrowIf(Throws::Destroy);
+        return CBaseDialog::DestroyWindow();
+    }
 
 protected:
     BOOL OnInitDialog() override {
         const BOOL result = CBaseDialog::OnInitDialog();
-        if (m_bThrow)
-            throw 1;
+        ThrowIf(Throws::InitDialog);
         return result;
+    }
+    void PostNcDestroy() override { ThrowIf(Throws::PostNcDestroy); }
+
+private:
+    void ThrowIf(Throws where) const {
+        if (m_throws == where)
+            throw 1;
     }
 };
 
@@ -48,9 +62,10 @@ CSize SizeOf(HWND hWnd) {
 
 TEST_F(BaseDialog, StandsWhereItIsTold) {
     const RECT place = {120, 90, 5000, 5000};
+    const RECT origin = {0, 0, 0, 0};
     CRect workArea;
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &workArea, 0);
-    for (const RECT* pPosition : {&place, static_cast<const RECT*>(nullptr)}) {
+    for (const RECT* pPosition : {&place, &origin, static_cast<const RECT*>(nullptr)}) {
         LogRecorder log;
         CProbeDialog dialog(0, pPosition);
         DialogDriver driver([&](Dialog& d) {
@@ -58,7 +73,8 @@ TEST_F(BaseDialog, StandsWhereItIsTold) {
             // Told nothing, it stands in the middle.
             const CPoint middle =
                 workArea.CenterPoint() - CSize(rect.Width() / 2, rect.Height() / 2);
-            const CPoint expected = pPosition != nullptr ? CPoint(120, 90) : middle;
+            const CPoint expected =
+                pPosition != nullptr ? CPoint(pPosition->left, pPosition->top) : middle;
             EXPECT_LE(std::abs(rect.left - expected.x), pPosition != nullptr ? 0 : 1);
             EXPECT_LE(std::abs(rect.top - expected.y), pPosition != nullptr ? 0 : 1);
             d.Cancel();
@@ -148,13 +164,51 @@ TEST_F(BaseDialog, ResizeTakesAwayFromTheDialogOrAControl) {
     dialog.DoModal();
 }
 
-TEST_F(BaseDialog, MissingTemplateAndThrowingInitAreMinusOne) {
+TEST_F(BaseDialog, MissingTemplateIsMinusOne) {
     CProbeDialog missing(0, nullptr, 1);
     EXPECT_EQ(missing.DoModal(), -1);
-    CProbeDialog throwing;
-    throwing.m_bThrow = true;
-    EXPECT_EQ(throwing.DoModal(), -1);
     EXPECT_EQ(missing.CreateFromResourceModule(nullptr), 0);
+}
+
+TEST_F(BaseDialog, ExceptionsStayInsideAndAreLogged) {
+    using Throws = CProbeDialog::Throws;
+    struct Case {
+        Throws where;
+        bool bOpens;
+        const char* pszLine;
+    };
+    const Case cases[] = {
+        {Throws::InitDialog, false, "Exception in the handler of message 0x110"},
+        {Throws::Destroy, true, "CBaseDialog::DoModal: exception"},
+    };
+    for (const Case& c : cases) {
+        LogRecorder log;
+        CProbeDialog dialog;
+        dialog.m_throws = c.where;
+        std::vector<Step> steps;
+        if (c.bOpens)
+            steps.emplace_back([](Dialog& d) { d.Cancel(); });
+        const DialogDriver driver(DialogDriver::kDeadline, steps);
+        EXPECT_EQ(dialog.DoModal(), -1);
+        EXPECT_TRUE(log.Contains(1, c.pszLine)) << c.pszLine << log.Dump();
+    }
+    // Creation that fails because the parent is gone tells the object, which throws.
+    LogRecorder log;
+    CProbeDialog panel;
+    panel.m_throws = Throws::PostNcDestroy;
+    CWnd gone;
+    gone.m_hWnd = reinterpret_cast<HWND>(UINT_PTR{0xDEAD});
+    AfxSetResourceHandle(nullptr);
+    EXPECT_EQ(panel.CreateFromResourceModule(&gone), 0);
+    gone.m_hWnd = nullptr;
+    EXPECT_EQ(AfxGetResourceHandle(), GetModuleHandleA(nullptr));
+    EXPECT_TRUE(log.Contains(1, "CBaseDialog::CreateFromResourceModule: exception")) << log.Dump();
+    struct Throwing : CStatic {
+        BOOL OnChildNotify(UINT, WPARAM, LPARAM, LRESULT*) override { throw 1; }
+    };
+    Throwing control;
+    EXPECT_EQ(panel.OnCtlColor(nullptr, &control, CTLCOLOR_STATIC), nullptr);
+    EXPECT_TRUE(log.Contains(1, "CBaseDialog::OnCtlColor: exception"));
 }
 
 TEST(BaseDialogWithoutModule, CannotBeShown) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -92,6 +93,13 @@ private:
     CTestEdit m_edit;
 };
 
+std::string Narrow(const wchar_t* pszText) {
+    std::array<char, 1040> narrow{};
+    WideCharToMultiByte(CP_ACP, 0, pszText, -1, narrow.data(), static_cast<int>(narrow.size()),
+                        nullptr, nullptr);
+    return narrow.data();
+}
+
 // What the balloon says, as its owner tells it.
 std::string TextOf(HWND hBalloon, HWND hEdit, UINT_PTR uId) {
     // The 8-bit request gives the first 80 characters only.
@@ -102,11 +110,33 @@ std::string TextOf(HWND hBalloon, HWND hEdit, UINT_PTR uId) {
     tool.uId = uId;
     tool.lpszText = text.data();
     SendMessageW(hBalloon, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
-    std::array<char, 1040> narrow{};
-    WideCharToMultiByte(CP_ACP, 0, text.data(), -1, narrow.data(), static_cast<int>(narrow.size()),
-                        nullptr, nullptr);
-    return narrow.data();
+    return Narrow(text.data());
 }
+
+// Sees the titles that this thread gives to balloons; they cannot be asked for everywhere.
+class TitleWatch {
+public:
+    TitleWatch()
+        : m_hHook(SetWindowsHookExA(WH_CALLWNDPROC, &TitleWatch::OnCall, nullptr,
+                                    GetCurrentThreadId())) {}
+    TitleWatch(const TitleWatch&) = delete;
+    TitleWatch& operator=(const TitleWatch&) = delete;
+    ~TitleWatch() { UnhookWindowsHookEx(m_hHook); }
+
+    static inline std::string strTitle;
+    static inline WPARAM nIcon = 0;
+
+private:
+    static LRESULT CALLBACK OnCall(int nCode, WPARAM wParam, LPARAM lParam) {
+        const auto& call = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+        if (nCode == HC_ACTION && call.message == TTM_SETTITLEW) {
+            strTitle = Narrow(reinterpret_cast<const wchar_t*>(call.lParam));
+            nIcon = call.wParam;
+        }
+        return CallNextHookEx(nullptr, nCode, wParam, lParam);
+    }
+    HHOOK m_hHook;
+};
 
 std::string Resource(UINT nId) {
     return {ResourceString(nId)};
@@ -154,16 +184,23 @@ TEST_F(OwnBalloon, OnlyTypingTakesItDown) {
     EXPECT_FALSE(window.IsBalloonUp());
 }
 
+// The words of the edit's own balloon are these, under a title with the warning icon.
+void ExpectWords(bool bPin, const std::string& strTitle, const std::string& strText) {
+    const TitleWatch titles;
+    EditWindow window(true);
+    window.Edit().SetMode(bPin);
+    window.Edit().SetFocus();
+    ASSERT_TRUE(window.ComesUp());
+    EXPECT_EQ(TextOf(window.Balloon(), window.Edit().m_hWnd, 0), strText);
+    EXPECT_EQ(TitleWatch::strTitle, strTitle);
+    EXPECT_EQ(TitleWatch::nIcon, WPARAM{2});
+}
+
 TEST_F(OwnBalloon, SpeaksOfPinOrPassword) {
-    for (const bool pin : {true, false}) {
-        EditWindow window(true);
-        window.Edit().SetMode(pin);
-        m_capsLock.Set(true);
-        window.Edit().SetFocus();
-        ASSERT_TRUE(window.ComesUp());
-        EXPECT_EQ(TextOf(window.Balloon(), window.Edit().m_hWnd, 0),
-                  Resource(pin ? IDS_CAPS_LOCK_PIN : IDS_CAPS_LOCK_PASSWORD));
-    }
+    m_capsLock.Set(true);
+    for (const bool pin : {true, false})
+        ExpectWords(pin, Resource(IDS_CAPS_LOCK_TITLE),
+                    Resource(pin ? IDS_CAPS_LOCK_PIN : IDS_CAPS_LOCK_PASSWORD));
 }
 
 TEST_F(OwnBalloon, StandsByTheEditAndOnTheScreen) {
@@ -268,11 +305,36 @@ TEST(SystemsBalloon, GetsTheLibrarysWords) {
 }
 
 TEST(SystemsBalloon, KeepsOtherWords) {
-    const AttachedLibrary library;
+    for (const bool module : {true, false}) {
+        // Without the module the beginning of the system's warning is not known.
+        std::unique_ptr<AttachedLibrary> pLibrary;
+        if (module)
+            pLibrary = std::make_unique<AttachedLibrary>();
+        EditWindow window(false);
+        SystemBalloon balloon(window.Edit().m_hWnd, "You can only type a number here.");
+        balloon.Show();
+        EXPECT_EQ(balloon.Text(), "You can only type a number here.");
+    }
+}
+
+// The answer to a balloon that asks for its text, which it keeps and takes from nowhere else.
+template <class Info>
+void ExpectWholeAnswer(CWnd& edit, UINT nCode) {
+    Info info{};
+    info.hdr = {edit.m_hWnd, 7, nCode};
+    info.hinst = GetModuleHandleA(nullptr);
+    info.lParam = 5;
+    edit.SendMessage(WM_NOTIFY, 7, reinterpret_cast<LPARAM>(&info));
+    EXPECT_EQ(info.uFlags, UINT{0x8000});
+    EXPECT_EQ(info.hinst, nullptr);
+    EXPECT_EQ(info.lParam, 0);
+    EXPECT_NE(info.lpszText, nullptr);
+}
+
+TEST(SystemsBalloon, IsToldToKeepTheText) {
     EditWindow window(false);
-    SystemBalloon balloon(window.Edit().m_hWnd, "You can only type a number here.");
-    balloon.Show();
-    EXPECT_EQ(balloon.Text(), "You can only type a number here.");
+    ExpectWholeAnswer<NMTTDISPINFOA>(window.Edit(), TTN_GETDISPINFOA);
+    ExpectWholeAnswer<NMTTDISPINFOW>(window.Edit(), TTN_GETDISPINFOW);
 }
 
 // What the system's edit remembers, seen while its window still lives.
@@ -307,12 +369,12 @@ TEST(WithoutModule, BuiltInWordsAreUsed) {
     ASSERT_EQ(ResourceModule(), nullptr);
     CapsLock capsLock;
     capsLock.Set(true);
-    EditWindow window(true);
-    window.Edit().SetFocus();
-    ASSERT_TRUE(window.ComesUp());
-    EXPECT_EQ(TextOf(window.Balloon(), window.Edit().m_hWnd, 0),
-              "Having Caps Lock on may cause you to enter your PIN incorrectly.\r\n\r\n"
-              "You should press Caps Lock to turn it off before entering your PIN.");
+    ExpectWords(true, "Caps Lock is On",
+                "Having Caps Lock on may cause you to enter your PIN incorrectly.\r\n\r\n"
+                "You should press Caps Lock to turn it off before entering your PIN.");
+    ExpectWords(false, "Caps Lock is On",
+                "Having Caps Lock on may cause you to enter your password incorrectly.\r\n\r\n"
+                "You should press Caps Lock to turn it off before entering your password.");
 }
 
 }  // namespace

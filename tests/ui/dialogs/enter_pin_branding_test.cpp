@@ -1,4 +1,5 @@
 // The customer's pictures in the enter-PIN dialog.
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,7 @@
 #include "support/log_recorder.h"
 #include "support/registry_hive.h"
 #include "ui/dialogs/attached_library.h"
+#include "ui/dialogs/other_system.h"
 #include "ui/dialogs/pin_request.h"
 
 namespace mvp::test {
@@ -88,35 +90,79 @@ protected:
 using Flags = std::vector<bool>;
 const Flags kBuiltIn = {true, true, false, false};
 
-TEST_F(Branding, BuiltInPicturesStayWithoutUsableOnes) {
+TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     EXPECT_EQ(Shown(), kBuiltIn);
     m_hive.CreateKey(kKey);
     EXPECT_EQ(Shown(), kBuiltIn);
+    m_hive.SetString(kKey, "BannerHiRes", "");
+    EXPECT_EQ(Shown(), kBuiltIn);
+    EXPECT_TRUE(m_log.Texts(1).back().starts_with("GetPINFromUser: returns")) << m_log.Dump();
     const TestFile text("notabitmap", "this is not a bitmap");
     const TestFile huge("hugebitmap", BitmapFile(0x7FFFFFFF, 0x7FFFFFFF, 100));
+    const TestFile good("good", BitmapFile(20, 20, 1200));
     const TestFile claim("claimbitmap", BitmapFile(1000, 1000, 200 - kHeaders));
     const TestFile beyond("beyondbitmap", BitmapFile(20, 20, 1200, 0x7FFFFFF0));
     const TestFile early("earlybitmap", BitmapFile(20, 20, 1200, 16));
-    for (const std::string& path :
-         {std::string("C:\\missing.bmp"), text.Path(), huge.Path(), claim.Path(), beyond.Path(),
-          early.Path(), std::string("NUL"), std::string(255, 'p'), std::string()}) {
-        m_hive.SetString(kKey, "BannerHiRes", path);
-        EXPECT_EQ(Shown(), kBuiltIn) << path;
+    constexpr const char* kNoBitmap = "the file is not a bitmap that can be shown";
+    struct Case {
+        std::string strValue;
+        const char* pszReason;
+    };
+    const Case cases[] = {
+        {"C:\\missing.bmp", "there is no such file"},
+        {"C:\\", "there is no such file"},
+        {std::string(255, 'p'), "there is no such file"},
+        {text.Path(), kNoBitmap},
+        {huge.Path(), kNoBitmap},
+        {claim.Path(), kNoBitmap},
+        {beyond.Path(), kNoBitmap},
+        {early.Path(), kNoBitmap},
+        {"NUL", kNoBitmap},
+        {'"' + good.Path() + '"', "the path stands in quotation marks"},
+        {"%SystemRoot%\\a.bmp",
+         "variables in the path are not replaced, and there is no such file"},
+        {std::string(300, 'l'), "the value is longer than 260 bytes"},
+    };
+    const auto expectIgnored = [&](const char* pszValueName, const char* pszReason) {
+        m_log.Clear();
+        EXPECT_EQ(Shown(), kBuiltIn) << pszReason;
+        const std::string line =
+            std::string("Setting ignored: ") + kKey + "\\" + pszValueName + ": " + pszReason;
+        EXPECT_EQ(std::ranges::count(m_log.Texts(1), line), 1) << line << m_log.Dump();
+    };
+    for (const Case& c : cases) {
+        m_hive.SetString(kKey, "BannerHiRes", c.strValue);
+        expectIgnored("BannerHiRes", c.pszReason);
     }
     m_hive.SetUnterminated(kKey, "BannerHiRes", std::string(260, 'u'));
-    EXPECT_EQ(Shown(), kBuiltIn);
+    expectIgnored("BannerHiRes", "there is no such file");
+    m_hive.DeleteValue(kKey, "BannerHiRes");
+    m_hive.SetDword(kKey, "ProgressBarHiRes", 0x41424344);
+    expectIgnored("ProgressBarHiRes", "the value is not a text");
 }
 
 TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {
+    struct Case {
+        int nBitsPerPixel;
+        const char* pszResolution;
+        const char* pszOther;
+    };
+    const Case cases[] = {{0, "HiRes", "LowRes"}, {8, "HiRes", "LowRes"}, {4, "LowRes", "HiRes"}};
     const TestFile picture("picture", BitmapFile(20, 20, 1200));
-    m_hive.SetString(kKey, "BannerLowRes", picture.Path());
-    EXPECT_EQ(Shown(), kBuiltIn) << "the other resolution's picture is no fallback";
-    m_hive.SetString(kKey, "BannerHiRes", picture.Path());
-    EXPECT_EQ(Shown(), (Flags{false, true, true, false}));
-    m_hive.SetString(kKey, "ProgressBarHiRes", picture.Path());
-    EXPECT_EQ(Shown(), (Flags{false, false, true, true}));
-    m_hive.DeleteValue(kKey, "BannerHiRes");
-    EXPECT_EQ(Shown(), (Flags{true, false, false, true}));
+    for (const Case& c : cases) {
+        const ScreenOfDepth depth(c.nBitsPerPixel);
+        const std::string banner = std::string("Banner") + c.pszResolution;
+        const std::string progress = std::string("ProgressBar") + c.pszResolution;
+        m_hive.SetString(kKey, std::string("Banner") + c.pszOther, picture.Path());
+        EXPECT_EQ(Shown(), kBuiltIn) << "the other resolution's picture is no fallback";
+        m_hive.SetString(kKey, banner, picture.Path());
+        EXPECT_EQ(Shown(), (Flags{false, true, true, false}));
+        m_hive.SetString(kKey, progress, picture.Path());
+        EXPECT_EQ(Shown(), (Flags{false, false, true, true}));
+        m_hive.DeleteValue(kKey, banner);
+        EXPECT_EQ(Shown(), (Flags{true, false, false, true}));
+        m_hive.DeleteKey(kKey);
+    }
 }
 
 TEST_F(Branding, LargePictureIsCutToThePlace) {

@@ -1,10 +1,14 @@
-// A request whose PIN buffer cannot be had. The linker routes every malloc of this program and of
-// the library's code in it through here (--wrap=malloc).
+// A request whose PIN buffer, or whose watch for the card's removal, cannot be had. The linker
+// routes every malloc of this program and of the library's code in it through here (--wrap=malloc),
+// and every copy of a CString.
 #include <atomic>
 #include <cstddef>
+#include <new>
 #include <string_view>
 
+#include <dlgfw/string.h>
 #include <gtest/gtest.h>
+#include <vkevtsub/vkevtsub.h>
 
 #include "frame/module.h"
 #include "resources/resource_numbers.h"
@@ -19,6 +23,9 @@ namespace {
 // An unusual length, so that nothing else asks for as many bytes.
 constexpr std::string_view kPin = "7301946285730194628573019462857301946285_no_memory_for_this";
 std::atomic<bool> g_bRefuse = false;  // thread-local storage would itself be allocated
+constexpr std::string_view kReader = "a reader whose name is not copied";
+
+CString* CopyString(CString* pThis, const CString& strSource);
 
 }  // namespace
 
@@ -27,7 +34,22 @@ void* __real_malloc(std::size_t size);   // NOLINT(bugprone-reserved-identifier)
 void* __wrap_malloc(std::size_t size) {  // NOLINT(bugprone-reserved-identifier)
     return g_bRefuse && size == kPin.size() ? nullptr : __real_malloc(size);
 }
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern decltype(&CopyString) __real___imp__ZN7CStringC1ERKS_;
+decltype(&CopyString) __wrap___imp__ZN7CStringC1ERKS_ = &CopyString;
+// NOLINTEND(bugprone-reserved-identifier)
 }
+
+namespace {
+
+// The constructor, as the machine calls it.
+CString* CopyString(CString* pThis, const CString& strSource) {
+    if (kReader == static_cast<LPCSTR>(strSource))
+        throw std::bad_alloc();
+    return __real___imp__ZN7CStringC1ERKS_(pThis, strSource);
+}
+
+}  // namespace
 
 namespace mvp::test {
 namespace {
@@ -53,6 +75,24 @@ TEST(EnterPinWithoutMemory, IsRefusedAndHoldsTheGuard) {
     EXPECT_EQ(Module().nPinDialogInProgress, 0);
     for (const MemoryHit& hit : ScanOwnMemory(Needle(kPin)))
         EXPECT_TRUE(hit.place != MemoryHit::Place::kModule && hit.strOwner != "C heap") << hit;
+}
+
+TEST(EnterPinWithoutMemory, DoesNotReactToRemovalWithoutAWatcher) {
+    const AttachedLibrary library;
+    LogRecorder log;
+    PinRequest request{.pszReader = kReader.data()};
+    DialogDriver driver([](Dialog& d) {
+        EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, kReader.data()), VKEVTSUB_OK);
+        EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+        d.Type(IDC_ENTER_PIN_EDIT, "1234");
+        d.Click(IDOK);
+    });
+    EXPECT_EQ(request.Call(), MVPINGUI_OK);
+    driver.Join();
+    EXPECT_EQ(request.Pin(), "1234");
+    request.Free();
+    EXPECT_TRUE(log.Contains(1, "VKDetectCardRemovedDlg::OnInitDialog: exception")) << log.Dump();
+    EXPECT_TRUE(log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
 }
 
 }  // namespace

@@ -111,19 +111,40 @@ TEST_F(EnterPinParent, OfAnotherThreadMayGoMeanwhile) {
     request.Free();
 }
 
+HWND g_hRefused = nullptr;
+
+// Lets no window be created over g_hRefused.
+LRESULT CALLBACK RefuseOwner(int nCode, WPARAM wParam, LPARAM lParam) {
+    if (nCode == HCBT_CREATEWND &&
+        reinterpret_cast<const CBT_CREATEWNDA*>(lParam)->lpcs->hwndParent == g_hRefused)
+        return 1;
+    return CallNextHookEx(nullptr, nCode, wParam, lParam);
+}
+
+// The dialog opens without it, and it stays disabled: it is in no state to be used.
 TEST_F(EnterPinParent, OfNoUseIsTriedWithout) {
-    HWND hParent = MakeParent();
-    DestroyWindow(hParent);
-    PinRequest request{.hParent = hParent};
-    DialogDriver driver([](Dialog& d) {
-        EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), nullptr);
-        d.Escape();
-    });
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    request.Free();
-    EXPECT_TRUE(
-        m_log.Contains(2, "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL"))
-        << m_log.Dump();
+    for (const bool exists : {false, true}) {
+        HWND hParent = MakeParent();
+        if (!exists)
+            DestroyWindow(hParent);
+        g_hRefused = hParent;
+        HHOOK hHook = SetWindowsHookExA(WH_CBT, &RefuseOwner, nullptr, GetCurrentThreadId());
+        PinRequest request{.hParent = hParent};
+        DialogDriver driver([](Dialog& d) {
+            EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), nullptr);
+            d.Escape();
+        });
+        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+        driver.Join();
+        UnhookWindowsHookEx(hHook);
+        request.Free();
+        EXPECT_TRUE(m_log.Contains(
+            2, "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL"))
+            << m_log.Dump();
+        EXPECT_FALSE(IsWindowEnabled(hParent));
+        DestroyWindow(hParent);
+        m_log.Clear();
+    }
 }
 
 }  // namespace

@@ -1,4 +1,7 @@
 // GetPINFromUser from the call to its result, and the dialog in between.
+#include <windows.h>
+#include <commctrl.h>
+
 #include <algorithm>
 #include <string>
 
@@ -9,12 +12,14 @@
 #include "frame/resource_module.h"
 #include "mvpingui/mvpingui.h"
 #include "resources/resource_numbers.h"
+#include "support/caps_lock.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
 #include "support/registry_hive.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/attached_library.h"
+#include "ui/dialogs/other_system.h"
 #include "ui/dialogs/pin_request.h"
 
 namespace mvp::test {
@@ -82,7 +87,12 @@ TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
         EXPECT_EQ(d.FocusedId(), IDC_ENTER_PIN_EDIT);
         for (int length = 1; length <= 9; ++length) {
             d.Type(IDC_ENTER_PIN_EDIT, "\xE9");
-            EXPECT_EQ(d.IsEnabled(IDOK), length >= 4 && length <= 8) << length;
+            const bool allowed = length >= 4 && length <= 8;
+            EXPECT_EQ(d.IsEnabled(IDOK), allowed) << length;
+            // The command comes without the button, and is refused all the same.
+            if (!allowed)
+                SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            ASSERT_TRUE(d.IsOpen()) << length;
         }
         for (int length = 8; length >= 0; --length) {
             d.Press(VK_BACK);
@@ -99,6 +109,41 @@ TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
     });
     EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
     EXPECT_TRUE(request.IsUntouched());
+}
+
+TEST_F(EnterPin, WhatComesAfterOkChangesNothing) {
+    Request request;
+    DialogDriver driver([](Dialog& d) {
+        d.Type(IDC_ENTER_PIN_EDIT, "1234");
+        // In one go, so that the modal loop has no chance to end in between.
+        d.Run([&] {
+            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            SetDlgItemTextA(d.Handle(), IDC_ENTER_PIN_EDIT, "1");
+        });
+    });
+    EXPECT_EQ(request.Call(), MVPINGUI_OK);
+    EXPECT_EQ(request.Pin(), "1234");
+    request.Free();
+}
+
+TEST_F(EnterPin, MovingTakesTheWarningDown) {
+    const OldSystem system;
+    const CapsLock capsLock(true);
+    Request request;
+    DialogDriver driver([](Dialog& d) {
+        d.Focus(IDC_ENTER_PIN_EDIT);
+        HWND hBalloon = nullptr;
+        d.WaitUntil("the warning shows", [&] {
+            hBalloon = FindWindowA(TOOLTIPS_CLASSA, nullptr);
+            return hBalloon != nullptr && IsWindowVisible(hBalloon) != FALSE;
+        });
+        const RECT rect = d.ScreenRect();
+        SetWindowPos(d.Handle(), nullptr, rect.left + 10, rect.top, 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        EXPECT_FALSE(IsWindowVisible(hBalloon));
+        d.Escape();
+    });
+    request.Call();
 }
 
 TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {

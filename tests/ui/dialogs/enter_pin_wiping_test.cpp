@@ -88,6 +88,10 @@ TEST(Wiping, AfterARefusedRequest) {
              VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
              d.WaitGone();
          }},
+        {"after a false end of the edit", "38162957", "162957",
+         [](Dialog& d) { SendMessageA(d.Control(IDC_ENTER_PIN_EDIT), WM_NCDESTROY, 0, 0); }},
+        {"after a false end of the dialog", "27463918", "463918",
+         [](Dialog& d) { SendMessageA(d.Handle(), WM_NCDESTROY, 0, 0); }},
         {"after a PIN that is too long", "749281635507", "81635507",
          [](Dialog& d) {
              EXPECT_FALSE(d.IsEnabled(IDOK));

@@ -6,6 +6,7 @@
 #include <string>
 #include <thread>
 
+#include <dlgfw/controls.h>
 #include <dlgfw/dialog.h>
 #include <gtest/gtest.h>
 
@@ -250,22 +251,6 @@ TEST(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
     AfxSetExceptionReporter(pfnOld);
 }
 
-TEST(DialogTest, SentMessageMayEndTheLoop) {
-    CFormDlg dlg;
-    dlg.m_onAsk = [&](WPARAM) {
-        dlg.EndDialog(5);
-        return 1;
-    };
-    std::thread sender([&dlg] {
-        while (!IsWindowVisible(dlg.m_hWnd))
-            Sleep(5);
-        Sleep(50);  // the loop waits by now
-        SendMessageTimeoutA(dlg.m_hWnd, kFormAsk, 0, 0, SMTO_ABORTIFHUNG, 5000, nullptr);
-    });
-    EXPECT_EQ(dlg.DoModal(), 5);
-    sender.join();
-}
-
 // Counts one kind of message.
 template <class Base, UINT nMessage>
 struct Counting : Base {
@@ -276,6 +261,60 @@ struct Counting : Base {
     }
     std::atomic<int> m_nCount = 0;
 };
+
+TEST(DialogTest, SentMessageMayEndTheLoop) {
+    Counting<CFormDlg, WM_KICKIDLE> dlg;
+    dlg.m_onAsk = [&](WPARAM) {
+        dlg.EndDialog(5);
+        return 1;
+    };
+    DialogDriver driver([&](Dialog& dialog) {
+        // What is sent from now on arrives while the loop waits for what is posted.
+        dialog.WaitUntil("the dialog is idle", [&] { return dlg.m_nCount > 0; });
+        SendMessageA(dialog.Handle(), kFormAsk, 0, 0);
+    });
+    EXPECT_EQ(dlg.DoModal(), 5);
+}
+
+// The window is told of its end, or the edit in it is, and the system had no hand in it.
+TEST(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
+    const std::initializer_list<UINT> lies[] = {
+        {WM_DESTROY}, {WM_NCDESTROY}, {WM_DESTROY, WM_NCDESTROY}, {WM_NCDESTROY, WM_NCDESTROY}};
+    for (const bool bEdit : {false, true}) {
+        for (const auto& lie : lies) {
+            CHostWnd host;
+            CFormDlg dlg(&host);
+            CEdit edit;
+            HWND hWnd = nullptr;
+            HWND hEdit = nullptr;
+            int nDestroyed = 0;
+            dlg.m_onInit = [&] {
+                edit.SubclassDlgItem(kFormEdit, &dlg);
+                hEdit = edit.m_hWnd;
+                hWnd = dlg.m_hWnd;
+            };
+            dlg.m_onDestroy = [&] { ++nDestroyed; };
+            DialogDriver driver([&](Dialog& dialog) {
+                dialog.Run([&] {
+                    host.PostMessage(WM_NULL);  // the modal loop has this to do first
+                    for (const UINT message : lie)
+                        SendMessageA(bEdit ? hEdit : hWnd, message, 0, 0);
+                    // What comes after it must not make a success of it.
+                    if (!bEdit)
+                        SendMessageA(hWnd, WM_COMMAND, IDOK, 0);
+                });
+            });
+            EXPECT_EQ(dlg.DoModal(), -1);
+            EXPECT_FALSE(IsWindow(hWnd));
+            EXPECT_EQ(dlg.m_hWnd, nullptr);
+            EXPECT_EQ(edit.m_hWnd, nullptr);
+            EXPECT_GE(nDestroyed, 1);
+            EXPECT_TRUE(host.IsWindowEnabled());
+            driver.Join();
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
 
 TEST(DialogTest, ParentIsToldOfIdlenessUnlessTheStyleForbids) {
     for (const DWORD dwStyle : {DWORD{0}, DWORD{DS_NOIDLEMSG}}) {
@@ -336,7 +375,11 @@ TEST(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     const CRect rectAtOrigin = open(dwPlain, [](CFormDlg& dlg) {
         dlg.SetWindowPos(nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     });
-    EXPECT_EQ(rectAtOrigin, rectCentered);
+    EXPECT_EQ(rectAtOrigin.TopLeft(), CPoint(0, 0));
+    const CRect rectSmaller = open(dwPlain, [](CFormDlg& dlg) {
+        dlg.SetWindowPos(nullptr, 0, 0, 50, 40, SWP_NOMOVE | SWP_NOZORDER);
+    });
+    EXPECT_LE(std::abs(rectSmaller.CenterPoint().x - rectHost.CenterPoint().x), 1);
     const CRect rectMoved = open(dwPlain, [](CFormDlg& dlg) {
         dlg.SetWindowPos(nullptr, 5, 6, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     });

@@ -5,6 +5,19 @@
 namespace mvp {
 namespace {
 
+TEST(CapsLockBalloon, OneSystemLacksTheWarning) {
+    struct Case {
+        unsigned long nPlatform;
+        unsigned long nMajor;
+        unsigned long nMinor;
+        bool bLacks;
+    };
+    const Case cases[] = {{2, 5, 0, true},   {1, 5, 0, false}, {2, 4, 0, false}, {2, 5, 1, false},
+                          {2, 10, 0, false}, {2, 6, 1, false}, {0, 0, 0, false}};
+    for (const Case& c : cases)
+        EXPECT_EQ(LacksCapsLockWarning(c.nPlatform, c.nMajor, c.nMinor), c.bLacks) << c.nMajor;
+}
+
 TEST(CapsLockBalloon, StaysOnTheScreen) {
     struct Case {
         const char* pszWhat;

@@ -6,7 +6,8 @@
 //
 // Modal: DoModal creates the window, runs messages until EndDialog, destroys the window and returns
 // the result. The parent is disabled meanwhile. The dialog stands in the middle of its owner, or of
-// the screen without one, unless the template or OnInitDialog gives it another place than (0, 0).
+// the screen's work area without one, unless the template gives it another place than (0, 0), or
+// OnInitDialog gives it any.
 // Modeless: Create, and DestroyWindow (not EndDialog, which only hides) in OnOK and OnCancel; an
 // object made with `new` deletes itself in PostNcDestroy. Its keyboard handling works in the modal
 // loops of this framework, and in a message loop that calls AfxPumpMessage, or
@@ -102,7 +103,7 @@ private:
     void SetTemplateName(LPCSTR lpszTemplateName);
     INT_PTR RunModal(LPCDLGTEMPLATE lpDialogTemplate, HINSTANCE hInst);
     BOOL CreateFromTemplate(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst);
-    void CenterUnlessPlaced(const RECT& rectBefore);
+    bool IsCentered() const;
 
     HWND m_hWndTop = nullptr;  // disabled by PreModal
     bool m_bCenter = false;    // the template says nothing of a place

@@ -8,6 +8,10 @@
 // while its window lives destroys the window; by then only CWnd's own handlers are left of it, so a
 // class that must see WM_DESTROY calls DestroyWindow in its destructor.
 //
+// Anybody may send a window WM_DESTROY or WM_NCDESTROY without destroying it. A bound window takes
+// them at their word: its handlers run, a modal loop around it ends with -1, and the window is
+// destroyed as soon as it shows that it was not.
+//
 // Messages. They reach WindowProc, which looks in the message maps (message_map.h) and leaves what
 // nobody handled to DefWindowProc. Default() inside a handler does the standard processing with the
 // message as it came; the OnX handlers of this class do just that.
@@ -34,6 +38,7 @@ class CDataExchange;
 // Bits of CWnd::m_nFlags.
 constexpr UINT WF_MODALLOOP = 0x0008;      // inside RunModalLoop
 constexpr UINT WF_CONTINUEMODAL = 0x0010;  // the modal loop has not been told to end
+constexpr UINT WF_DESTROYING = 0x0020;     // has been sent WM_DESTROY
 
 // Flags of RunModalLoop.
 constexpr DWORD MLF_NOIDLEMSG = 0x0001;   // no WM_ENTERIDLE to the parent
