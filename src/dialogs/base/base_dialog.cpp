@@ -25,16 +25,16 @@ CBaseDialog::~CBaseDialog() = default;
 
 INT_PTR CBaseDialog::DoModal() {
     // Without this a missing module would make the system search the host for the template.
-    if (mvp::ResourceModule() == nullptr)
-        return -1;
-    return RunModalFrom(mvp::ResourceModule());
+    const HINSTANCE module = mvp::ModuleOfDialog(m_nTemplate);
+    return module != nullptr ? RunModalFrom(module) : -1;
 }
 
 int CBaseDialog::CreateFromResourceModule(CWnd* pParent) {
-    if (mvp::ResourceModule() == nullptr)
+    const HINSTANCE module = mvp::ModuleOfDialog(m_nTemplate);
+    if (module == nullptr)
         return 0;
     const HINSTANCE previous = AfxGetResourceHandle();
-    AfxSetResourceHandle(mvp::ResourceModule());
+    AfxSetResourceHandle(module);
     const int created = Create(m_nTemplate, pParent);
     AfxSetResourceHandle(previous);
     return created;

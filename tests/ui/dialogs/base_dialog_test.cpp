@@ -148,13 +148,18 @@ TEST_F(BaseDialog, ResizeTakesAwayFromTheDialogOrAControl) {
     dialog.DoModal();
 }
 
-TEST_F(BaseDialog, MissingTemplateAndThrowingInitAreMinusOne) {
+TEST_F(BaseDialog, MissingTemplateAndThrowingInitAreMinusOneAndTold) {
+    LogRecorder log;
     CProbeDialog missing(0, nullptr, 1);
     EXPECT_EQ(missing.DoModal(), -1);
     CProbeDialog throwing;
     throwing.m_bThrow = true;
     EXPECT_EQ(throwing.DoModal(), -1);
     EXPECT_EQ(missing.CreateFromResourceModule(nullptr), 0);
+    EXPECT_EQ(log.Texts(1),
+              (std::vector<std::string>{"Dialog template 1 is missing from the resource module",
+                                        "Exception in the handler of message 0x110",
+                                        "Dialog template 1 is missing from the resource module"}));
 }
 
 TEST(BaseDialogWithoutModule, CannotBeShown) {
