@@ -13,6 +13,7 @@
 
 #include "bench.h"
 #include "mvpingui/mvpingui.h"
+#include "platform/handle.h"
 #include "resources/resource_numbers.h"
 
 namespace {
@@ -90,8 +91,10 @@ INT_PTR CALLBACK BareProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM) {
 }
 
 void AskBare() {
-    DialogBoxParamA(GetModuleHandleA("mvpinguirc.dll"), MAKEINTRESOURCEA(IDD_ENTER_PIN), nullptr,
-                    BareProc, 0);
+    static const mvp::ModuleHandle texts(
+        LoadLibraryExA(R"(.\Resources\Localized\mvpinguirc.dll)", nullptr,
+                       LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+    DialogBoxParamA(texts.get(), MAKEINTRESOURCEA(IDD_ENTER_PIN), nullptr, BareProc, 0);
 }
 
 void AskCredentials() {

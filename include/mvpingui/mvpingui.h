@@ -54,7 +54,10 @@ MVPINGUI_API const char* GetErrorString(int32_t nCode);
  * dwMinLength, dwMaxLength  bounds of the PIN's length in bytes, inclusive
  * ppPin         receives a buffer that holds exactly the PIN's bytes, without a terminator, or null
  *               for an empty PIN. It belongs to the caller until it is given to FreeGetPinBuffer
- * pcbPin        receives the PIN's length in bytes
+ * pcbPin        receives the PIN's length in bytes. Neither of the two may be null: the request is
+ *               refused before anything is shown
+ *
+ * A minimum above the maximum is logged; the dialog opens, and no PIN enables its OK button.
  *
  * Returns MVPINGUI_OK when the user confirmed. Otherwise MVPINGUI_REFUSED, and the two out
  * arguments are as they were: the user cancelled or declined the last try, the card was removed,
@@ -87,10 +90,14 @@ MVPINGUI_API void SetPinPromptString(const char* pszPrompt);
  * bShowLastTry    nonzero: DisplayLastPINTry comes first; what it answers other than MVPINGUI_OK is
  *                 this call's result
  * pszNewPin, pcbNewPin  receive the new PIN, zero-terminated, and its length without the terminator
- * pszOldPin, pcbOldPin  likewise the current PIN; an empty text when it was not asked for
+ * pszOldPin, pcbOldPin  likewise the current PIN; an empty text when it was not asked for. Each may
+ *                 be null with bAskCurrentPin false, and nothing is written there then
  * pszReader       the reader that holds the card; null or empty: a card in any reader
  * hEmbeddingHost  see above; null: none
  * bAskCurrentPin  false: the dialog asks for the new PIN only
+ *
+ * Any other null among these four is refused before anything is shown. A minimum length above the
+ * maximum is logged; the dialog opens, and no PIN enables its OK button.
  *
  * The two buffers belong to the caller, who makes them large enough for the longest PIN and
  * overwrites them after use: the library knows no bound but the rules' own maximum. Returns

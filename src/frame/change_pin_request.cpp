@@ -6,6 +6,7 @@
 #include "mvpingui/change_pin_dialog.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/barrier.h"
+#include "policy/pin_policy.h"
 
 namespace {
 
@@ -18,8 +19,42 @@ struct Output {
 
 void CopyOut(const CString& strPin, char* pszPin, std::uint32_t* pcbPin) {
     const auto length = static_cast<std::uint32_t>(strPin.GetLength());
-    std::memcpy(pszPin, static_cast<LPCSTR>(strPin), length + 1);
-    *pcbPin = length;
+    if (pszPin != nullptr)
+        std::memcpy(pszPin, static_cast<LPCSTR>(strPin), length + 1);
+    if (pcbPin != nullptr)
+        *pcbPin = length;
+}
+
+// Nobody is asked for PINs that could not be handed out. The current one need not be, where it is
+// not asked for.
+bool CanHandOut(const Output& output, bool bAskCurrentPin) {
+    const struct {
+        const void* pArgument;
+        bool bNeeded;
+        const char* pszMissing;
+    } arguments[] = {
+        {output.pszNewPin, true, "GetChangePINInfoFromUser: pszNewPin == NULL"},
+        {output.pcbNewPin, true, "GetChangePINInfoFromUser: pcbNewPin == NULL"},
+        {output.pszOldPin, bAskCurrentPin, "GetChangePINInfoFromUser: pszOldPin == NULL"},
+        {output.pcbOldPin, bAskCurrentPin, "GetChangePINInfoFromUser: pcbOldPin == NULL"},
+    };
+    bool usable = true;
+    for (const auto& each : arguments) {
+        if (each.pArgument != nullptr || !each.bNeeded)
+            continue;
+        vklogLog(g_szLogTag, kLogError, "%s", each.pszMissing);
+        usable = false;
+    }
+    return usable;
+}
+
+void LogContradiction(const PwdRuleArgs* pRules) {
+    const mvp::PinRules rules(pRules);
+    if (rules.InForce(mvp::PinRule::MinLength) && rules.InForce(mvp::PinRule::MaxLength) &&
+        rules.dwMinPINLen > rules.dwMaxPINLen)
+        vklogLog(g_szLogTag, kLogError,
+                 "GetChangePINInfoFromUser: minimum length %u > maximum length %u",
+                 rules.dwMinPINLen, rules.dwMaxPINLen);
 }
 
 // One text carries both PINs on their way out, and leaves nothing behind.
@@ -46,6 +81,7 @@ std::uint32_t ReadEmbedded(CChangePINDialog* pPanel, const Output& output) {
 
 std::uint32_t AskModal(const PwdRuleArgs* pRules, bool bAskCurrentPin, const char* pszReader,
                        const Output& output) {
+    LogContradiction(pRules);
     CChangePINDialogMain dialog(pRules, 0, bAskCurrentPin, nullptr, MVPINGUI_CHANGE_PIN_TOP_MARGIN,
                                 MVPINGUI_CHANGE_PIN_LEFT_INDENT, MVPINGUI_CHANGE_PIN_LINE_SPACING,
                                 pszReader);
@@ -64,12 +100,14 @@ extern "C" uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t 
                                              HWND hEmbeddingHost, bool bAskCurrentPin) {
     // NOLINTEND(readability-non-const-parameter)
     const mvp::LogScope scope("GetChangePINInfoFromUser");
+    const Output output{pszNewPin, pcbNewPin, pszOldPin, pcbOldPin};
+    if (!CanHandOut(output, bAskCurrentPin))
+        return MVPINGUI_REFUSED;
     if (bShowLastTry != 0) {
         const std::uint32_t answer = DisplayLastPINTry(pszReader);
         if (answer != MVPINGUI_OK)
             return answer;
     }
-    const Output output{pszNewPin, pcbNewPin, pszOldPin, pcbOldPin};
     return mvp::Guarded(
         MVPINGUI_REFUSED,
         [&] {

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::size_t kErrorTextCapacity = 4096;
+constexpr int kErrorTextCapacity = 4096;
 // The result stays what it was when a code has no text, so the string is loaded beside it first.
 std::array<char, kErrorTextCapacity> g_szErrorText{};
 std::array<char, kErrorTextCapacity> g_szErrorScratch{};
@@ -26,13 +26,11 @@ constexpr int kAccepted = 1;
 }  // namespace
 
 extern "C" const char* GetErrorString(int32_t nCode) {
+    const mvp::LogScope scope("GetErrorString");
     const auto number = mvp::ErrorStringNumber(nCode);
     if (!number)
         return g_szErrorText.data();
-    g_szErrorScratch.front() = '\0';
-    if (mvp::ResourceModule() != nullptr)
-        LoadStringA(mvp::ResourceModule(), *number, g_szErrorScratch.data(), kErrorTextCapacity);
-    g_szErrorScratch.back() = '\0';
+    mvp::LoadResourceText(*number, g_szErrorScratch.data(), kErrorTextCapacity);
     std::memcpy(g_szErrorText.data(), g_szErrorScratch.data(),
                 std::strlen(g_szErrorScratch.data()) + 1);
     return g_szErrorText.data();

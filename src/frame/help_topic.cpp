@@ -1,13 +1,17 @@
 #include "frame/help_topic.h"
 
 #include <array>
+#include <cstdio>
+#include <cstring>
 
 #include "frame/log.h"
 #include "platform/handle.h"
+#include "platform/system_library.h"
 
 namespace {
 
 constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
+constexpr char kPathValue[] = "VeskaraHelpPath";
 constexpr DWORD kPathCapacity = MAX_PATH;
 // HH_HELP_CONTEXT of the HTML Help interface: the data is a topic number of the file's map.
 constexpr UINT kHelpContext = 15;
@@ -17,13 +21,22 @@ mvp::HelpViewer g_pViewer = nullptr;
 // The viewer lives in a system control that is loaded at the first topic and then stays: its
 // windows run its code until the process ends.
 mvp::HelpViewer SystemViewer() {
-    static const HMODULE control =
-        LoadLibraryExA("hhctrl.ocx", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    if (control == nullptr)
-        return nullptr;
-    // By way of void*: a FARPROC says nothing of the function's type.
-    return reinterpret_cast<mvp::HelpViewer>(
-        reinterpret_cast<void*>(GetProcAddress(control, "HtmlHelpA")));
+    static const HMODULE control = mvp::LoadSystemLibrary("hhctrl.ocx").release();
+    return control != nullptr ? mvp::FindFunction<mvp::HelpViewer>(control, "HtmlHelpA") : nullptr;
+}
+
+// The viewer shows nothing and says nothing when there is no such file. What follows the file's
+// name, for the viewer alone, begins with one of two characters that no name holds.
+void LogUnlessThere(const char* pszFile) {
+    std::array<char, kPathCapacity + 1> name{};
+    std::memcpy(name.data(), pszFile, std::strcspn(pszFile, "><"));
+    if (char* pTopic = std::strstr(name.data(), "::"))
+        *pTopic = '\0';
+    if (GetFileAttributesA(name.data()) != INVALID_FILE_ATTRIBUTES)
+        return;
+    std::array<char, kPathCapacity + 32> reason{};
+    std::snprintf(reason.data(), reason.size(), "no such file: %s", name.data());
+    mvp::LogIgnoredSetting(kConfigKey, kPathValue, reason.data());
 }
 
 void ShowTopic(const char* pszFile, int nTopic) {
@@ -55,10 +68,14 @@ void DoDisplayTopic(int nTopic) {
     // One byte more than is offered: a value that fills the buffer may come without a terminator.
     std::array<char, kPathCapacity + 1> path{};
     DWORD size = kPathCapacity;
-    if (RegQueryValueExA(key.get(), "VeskaraHelpPath", nullptr, nullptr,
-                         reinterpret_cast<BYTE*>(path.data()), &size) != ERROR_SUCCESS) {
+    const LSTATUS error = RegQueryValueExA(key.get(), kPathValue, nullptr, nullptr,
+                                           reinterpret_cast<BYTE*>(path.data()), &size);
+    if (error != ERROR_SUCCESS) {
         vklogLog(g_szLogTag, kLogError, "RegQueryValueEx \"VeskaraHelpPath\" failed");
+        if (error == ERROR_MORE_DATA)
+            mvp::LogIgnoredSetting(kConfigKey, kPathValue, "longer than 260 bytes");
         return;
     }
+    LogUnlessThere(path.data());
     ShowTopic(path.data(), nTopic);
 }

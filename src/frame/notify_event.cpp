@@ -41,10 +41,10 @@ void Deliver(const Notice& notice) {
 }
 
 // The binary that holds this code, kept loaded for a thread that may outlive the host's use of it.
-HMODULE HoldOwnModule() {
-    HMODULE module = nullptr;
+mvp::ModuleHandle HoldOwnModule() {
+    mvp::ModuleHandle module;
     GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                       reinterpret_cast<LPCSTR>(&HoldOwnModule), &module);
+                       reinterpret_cast<LPCSTR>(&HoldOwnModule), module.put());
     return module;
 }
 
@@ -53,25 +53,26 @@ struct Delivery {
     explicit Delivery(Notice what) : notice(std::move(what)) {}
 
     Notice notice;
-    HMODULE hModule = nullptr;  // held for the thread
+    mvp::ModuleHandle module;  // held for the thread, which takes it over
     mvp::KernelHandle begins{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
     std::atomic<HWND> hProbe = nullptr;  // the thread's window, there when `begins` is signalled
 };
 using SharedDelivery = std::shared_ptr<Delivery>;
 
+void Run(Delivery& delivery) {
+    const HWND probe =
+        CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    delivery.hProbe = probe;
+    SetEvent(delivery.begins.get());
+    Deliver(delivery.notice);
+    DestroyWindow(probe);
+}
+
 DWORD WINAPI DeliveryThread(void* pArgument) {
-    HMODULE module = nullptr;
-    {
-        const std::unique_ptr<SharedDelivery> owned(static_cast<SharedDelivery*>(pArgument));
-        Delivery& delivery = **owned;
-        module = delivery.hModule;
-        const HWND probe = CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                           nullptr, nullptr);
-        delivery.hProbe = probe;
-        SetEvent(delivery.begins.get());
-        Deliver(delivery.notice);
-        DestroyWindow(probe);
-    }
+    std::unique_ptr<SharedDelivery> owned(static_cast<SharedDelivery*>(pArgument));
+    const HMODULE module = (*owned)->module.release();
+    mvp::Guarded([&] { Run(**owned); }, mvp::LogException("NotifyEvent"));
+    owned.reset();
     FreeLibraryAndExitThread(module, 0);
 }
 
@@ -79,13 +80,12 @@ DWORD WINAPI DeliveryThread(void* pArgument) {
 void StartDelivery(Notice notice) {
     const auto delivery = std::make_shared<Delivery>(std::move(notice));
     auto forThread = std::make_unique<SharedDelivery>(delivery);
-    delivery->hModule = HoldOwnModule();
+    delivery->module = HoldOwnModule();
     const mvp::KernelHandle thread(
         CreateThread(nullptr, 0, DeliveryThread, forThread.get(), 0, nullptr));
     if (!thread) {
         vklogLog(g_szLogTag, kLogError, "NotifyEvent: CreateThread failed with error code 0x%x",
                  static_cast<unsigned>(GetLastError()));
-        FreeLibrary(delivery->hModule);
         return;
     }
     static_cast<void>(forThread.release());  // the thread's now

@@ -31,11 +31,23 @@ bool HandOut(const CEnterPinDlg& dialog, char** ppPin, std::uint32_t* pcbPin) {
     return true;
 }
 
+// A request that could not hand its PIN out is refused before anybody types one.
+bool CanHandOut(char** ppPin, const std::uint32_t* pcbPin) {
+    if (ppPin == nullptr)
+        vklogLog(g_szLogTag, kLogError, "GetPINFromUser: ppPin == NULL");
+    if (pcbPin == nullptr)
+        vklogLog(g_szLogTag, kLogError, "GetPINFromUser: pcbPin == NULL");
+    return ppPin != nullptr && pcbPin != nullptr;
+}
+
 // Runs the dialog. The guard that it sets stays set, whatever the user does: the caller clears it
 // when it gives the PIN back.
 std::uint32_t AskForPin(HWND hParent, const char* pszReader, std::uint32_t dwMinLength,
                         std::uint32_t dwMaxLength, char** ppPin, std::uint32_t* pcbPin) {
     vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action allowed");
+    if (dwMinLength > dwMaxLength)
+        vklogLog(g_szLogTag, kLogError, "GetPINFromUser: minimum length %u > maximum length %u",
+                 dwMinLength, dwMaxLength);
     mvp::Module().nPinDialogInProgress = 1;
     CEnterPinDlg dialog(CWnd::FromHandle(hParent), pszReader, dwMinLength, dwMaxLength);
     if (dialog.DoModal() != IDOK) {
@@ -44,6 +56,14 @@ std::uint32_t AskForPin(HWND hParent, const char* pszReader, std::uint32_t dwMin
     }
     vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action validated");
     return HandOut(dialog, ppPin, pcbPin) ? MVPINGUI_OK : MVPINGUI_REFUSED;
+}
+
+// The last lines of a request that has come to a decision.
+std::uint32_t Leave(std::uint32_t result) {
+    vklogLog(g_szLogTag, result == MVPINGUI_REFUSED ? kLogError : kLogInfo,
+             "GetPINFromUser: returns: %d", static_cast<int>(result));
+    vklogLog(g_szLogTag, kLogExit, "GetPINFromUser");
+    return result;
 }
 
 }  // namespace
@@ -55,23 +75,20 @@ extern "C" uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_t 
     vklogLog(g_szLogTag, kLogEntry, "GetPINFromUser");
     vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: hParent = %x, Reader = %s",
              mvp::LowBits(hParent), pszReader != nullptr ? pszReader : "");
+    if (!CanHandOut(ppPin, pcbPin))
+        return Leave(MVPINGUI_REFUSED);
     if (bShowLastTry != 0) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: DisplayLastPINTry");
         const std::uint32_t answer = DisplayLastPINTry(pszReader);
         if (answer != MVPINGUI_OK)
             return answer;
     }
-    std::uint32_t result = MVPINGUI_REFUSED;
     if (mvp::Module().nPinDialogInProgress != 0) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action NOT allowed");
-    } else {
-        result = mvp::Guarded(
-            MVPINGUI_REFUSED,
-            [=] { return AskForPin(hParent, pszReader, dwMinLength, dwMaxLength, ppPin, pcbPin); },
-            mvp::LogException("GetPINFromUser"));
+        return Leave(MVPINGUI_REFUSED);
     }
-    vklogLog(g_szLogTag, result == MVPINGUI_REFUSED ? kLogError : kLogInfo,
-             "GetPINFromUser: returns: %d", static_cast<int>(result));
-    vklogLog(g_szLogTag, kLogExit, "GetPINFromUser");
-    return result;
+    return Leave(mvp::Guarded(
+        MVPINGUI_REFUSED,
+        [=] { return AskForPin(hParent, pszReader, dwMinLength, dwMaxLength, ppPin, pcbPin); },
+        mvp::LogException("GetPINFromUser")));
 }

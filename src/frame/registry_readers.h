@@ -1,6 +1,7 @@
 // The readers of the suite's configuration, which lies under the local-machine hive and is never
-// written here. A value is read at the moment it is needed. A failure is one line in the log and a
-// failure result; nothing is shown to the user. All of them may be called from any thread.
+// written here. A value is read at the moment it is needed. A failure is told by the log and by the
+// result, memory that is short included; a value that is there and is not followed gets a line of
+// its own that names it. Nothing is shown to the user. All of them may be called from any thread.
 #pragma once
 
 #include <windows.h>

@@ -2,6 +2,13 @@
 // library comes from it. Without the module strings are empty and dialogs cannot be created; the
 // accessors here keep a missing one from turning into a search of the host's own resources, which a
 // null module handle means to the system.
+//
+// The module is data. It is mapped, never run: whoever plants a file of its name in the current
+// directory decides what is shown, not what is done. Its handle serves whatever loads resources,
+// and nothing else: GetModuleHandle and GetProcAddress do not know it.
+//
+// A missing module is logged once, when it is looked for. What a module lacks is logged each time
+// it is asked for, as an error that names it.
 #pragma once
 
 #include <windows.h>
@@ -25,8 +32,15 @@ bool LoadResourceString(UINT nId, CString& text);
 // The string, or an empty text.
 CString ResourceString(UINT nId);
 
-// An icon of the module that stays valid as long as the module is loaded and is never destroyed;
-// null when missing. `nSize` is its width and height in pixels.
+// The string, cut to `nCapacity` bytes with its terminator, or an empty text, in `pszText`.
+void LoadResourceText(UINT nId, char* pszText, int nCapacity) noexcept;
+
+// The module, when it is there and holds dialog template `nId`; else null.
+HINSTANCE ModuleOfDialog(UINT nId) noexcept;
+
+// An icon of the module that stays valid as long as the module is loaded and is the module's: the
+// same one each time, never to be destroyed. Null when missing. `nSize` is its width and height in
+// pixels. May be called from any thread.
 HICON LoadResourceIcon(UINT nId, int nSize) noexcept;
 
 }  // namespace mvp

@@ -19,6 +19,8 @@ struct RecordedLine {
     std::string strTag;
     int nLevel;
     std::string strText;
+
+    bool operator==(const RecordedLine&) const = default;
 };
 
 class LogRecorder {

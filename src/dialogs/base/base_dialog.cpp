@@ -45,20 +45,22 @@ CBaseDialog::~CBaseDialog() = default;
 
 INT_PTR CBaseDialog::DoModal() {
     // Without this a missing module would make the system search the host for the template.
-    if (mvp::ResourceModule() == nullptr)
+    const HINSTANCE module = mvp::ModuleOfDialog(m_nTemplate);
+    if (module == nullptr)
         return -1;
     return mvp::Guarded(
-        INT_PTR{-1}, [this] { return RunModalFrom(mvp::ResourceModule()); },
+        INT_PTR{-1}, [=, this] { return RunModalFrom(module); },
         mvp::LogException("CBaseDialog::DoModal"));
 }
 
 int CBaseDialog::CreateFromResourceModule(CWnd* pParent) {
-    if (mvp::ResourceModule() == nullptr)
+    const HINSTANCE module = mvp::ModuleOfDialog(m_nTemplate);
+    if (module == nullptr)
         return 0;
     return mvp::Guarded(
         0,
         [=, this] {
-            const ResourceScope scope(mvp::ResourceModule());
+            const ResourceScope scope(module);
             return Create(m_nTemplate, pParent);
         },
         mvp::LogException("CBaseDialog::CreateFromResourceModule"));

@@ -51,9 +51,8 @@ CChangePINDialogMain::~CChangePINDialogMain() {
 }
 
 INT_PTR CChangePINDialogMain::DoModal() {
-    if (mvp::ResourceModule() == nullptr)
-        return -1;
-    return RunModalFrom(mvp::ResourceModule());
+    const HINSTANCE module = mvp::ModuleOfDialog(IDD_CHANGE_PIN_MAIN);
+    return module != nullptr ? RunModalFrom(module) : -1;
 }
 
 BOOL CChangePINDialogMain::OnInitDialog() {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/barrier.h"
+#include "suite/log_exception.h"
 #include "suite/mvcext/pattern_compiler.h"
 
 namespace {
@@ -18,7 +19,8 @@ mvp::CPatternProgram* Compile(const char* pszPattern, bool bIgnoreCase) {
 CPattern::CPattern(const char* pszPattern, bool bIgnoreCase) noexcept {
     if (pszPattern != nullptr)
         m_pProgram = mvp::Guarded<mvp::CPatternProgram*>(
-            nullptr, [&] { return Compile(pszPattern, bIgnoreCase); }, [] {});
+            nullptr, [&] { return Compile(pszPattern, bIgnoreCase); },
+            mvp::LogSuiteException("MVCEXT", "CPattern::CPattern"));
 }
 
 CPattern::~CPattern() {
@@ -33,5 +35,6 @@ bool CPattern::IsMatched(const char* pszText) const noexcept {
     if (m_pProgram == nullptr || pszText == nullptr)
         return false;
     return mvp::Guarded(
-        false, [&] { return m_pProgram->Matches(pszText); }, [] {});
+        false, [&] { return m_pProgram->Matches(pszText); },
+        mvp::LogSuiteException("MVCEXT", "CPattern::IsMatched"));
 }

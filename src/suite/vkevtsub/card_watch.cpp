@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/barrier.h"
+#include "suite/log_exception.h"
 #include "suite/vkevtsub/module_thread.h"
 #include "suite/vkevtsub/reader_watch.h"
 
@@ -24,8 +25,9 @@ void CCardWatch::Run() noexcept {
     while (!bEnded) {
         CReaderWatch readers(
             m_service, [this](const std::string& strReader) { m_onRemoved(*this, strReader); });
-        bEnded =
-            Guarded([&] { readers.Run(); }, [this] { m_service.Pause(CReaderWatch::kRetryMs); });
+        bEnded = Guarded([&] { readers.Run(); }, LogSuiteException("VKEVTSUB", "CCardWatch::Run"));
+        if (!bEnded)
+            m_service.Pause(CReaderWatch::kRetryMs);
     }
 }
 

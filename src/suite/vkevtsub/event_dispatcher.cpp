@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/barrier.h"
+#include "suite/log_exception.h"
 #include "suite/vkevtsub/module_thread.h"
 #include "suite/vkevtsub/sent_message_wait.h"
 
@@ -130,7 +131,7 @@ void CEventDispatcher::OnCardRemoved(const CCardWatch& watch,
             if (m_watch.get() == &watch)
                 Enqueue(VKEVENT_CARD_REMOVED, strReader);
         },
-        [] { OutputDebugStringA("vkevtsub: no memory, a card event is lost\n"); });
+        LogSuiteException("VKEVTSUB", "CEventDispatcher::OnCardRemoved"));
 }
 
 bool CEventDispatcher::IsOnDeliveryThread() const noexcept {
@@ -190,7 +191,7 @@ void CEventDispatcher::Deliver(const Event& event) noexcept {
         ResetEvent(subscription->noCall.get());
         m_lock.Leave();
         Guarded([&] { subscription->pSubscriber->HandleEvent(delivered); },
-                [] { OutputDebugStringA("vkevtsub: HandleEvent threw an exception\n"); });
+                LogSuiteException("VKEVTSUB", "VKDelegateSubscriber::HandleEvent"));
         m_lock.Enter();
         m_called = nullptr;
         SetEvent(subscription->noCall.get());

@@ -11,7 +11,8 @@
 
 namespace mvp {
 
-// Runs `body`, which must not throw, on a new thread. What it holds is destroyed on that thread.
+// Runs `body` on a new thread. What it holds is destroyed on that thread. An exception ends the
+// thread and is logged.
 // Null when the thread could not be started; may throw std::bad_alloc.
 KernelHandle StartModuleThread(std::function<void()> body);
 

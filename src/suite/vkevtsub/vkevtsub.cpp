@@ -1,6 +1,7 @@
 #include "suite/vkevtsub/vkevtsub.h"
 
 #include "platform/barrier.h"
+#include "suite/log_exception.h"
 #include "suite/vkevtsub/event_dispatcher.h"
 
 namespace {
@@ -17,7 +18,8 @@ VKDelegateSubscriber::~VKDelegateSubscriber() {
 
 int VKDelegateSubscriber::Subscribe(int nEventKind) {
     return mvp::Guarded<int>(
-        VKEVTSUB_NO_RESOURCES, [&] { return g_dispatcher.Subscribe(*this, nEventKind); }, [] {});
+        VKEVTSUB_NO_RESOURCES, [&] { return g_dispatcher.Subscribe(*this, nEventKind); },
+        mvp::LogSuiteException("VKEVTSUB", "VKDelegateSubscriber::Subscribe"));
 }
 
 int VKDelegateSubscriber::UnSubscribe() {
@@ -27,7 +29,7 @@ int VKDelegateSubscriber::UnSubscribe() {
 int VKRaiseEvent(int nEventKind, const char* pszReaderName) {
     return mvp::Guarded<int>(
         VKEVTSUB_NO_RESOURCES, [&] { return g_dispatcher.Raise(nEventKind, pszReaderName); },
-        [] {});
+        mvp::LogSuiteException("VKEVTSUB", "VKRaiseEvent"));
 }
 
 int VKWaitForIdle(unsigned nTimeoutMs) {

@@ -4,6 +4,10 @@
 // open; every line is one append, under a named mutex that the processes sharing the file hold in
 // turn. On a local disk of Windows an append is one step anyway; elsewhere (Wine, a network share)
 // the mutex makes it one.
+//
+// What goes wrong with the log itself is told where somebody may see it: in the file, if that can
+// be written, and else to the debugger, the one place that may be written to from everywhere, also
+// from under the loader's lock.
 #pragma once
 
 #include <windows.h>
@@ -15,6 +19,9 @@
 #include "suite/vklog/log_line.h"
 
 namespace mvp {
+
+// A record of this moment, process and thread. The texts are not copied.
+LogRecord RecordNow(const char* pszTag, int nLevel, const char* pszText) noexcept;
 
 class CLogOutput {
 public:
@@ -45,7 +52,10 @@ private:
 
     void ReadSettings() noexcept;
     void Apply(const char* pszFile, unsigned nLevelMask) noexcept;
+    void TellIfWrong(const char* pszSetting, LSTATUS nError) noexcept;
     bool OpenFile() noexcept;
+    void Append(const LogLine& line) noexcept;
+    void AppendOwn(const char* pszText) noexcept;
     void CloseFileForNow() noexcept;
 
     CCriticalSection m_lock;
@@ -54,7 +64,9 @@ private:
     char m_szFile[MAX_PATH] = {};
     FileHandle m_file;
     KernelHandle m_mutex;
-    ULONGLONG m_nRetryAt = 0;  // by GetTickCount64
+    ULONGLONG m_nRetryAt = 0;     // by GetTickCount64
+    unsigned m_nLost = 0;         // lines since the file could not be written
+    bool m_bFailureTold = false;  // since the file could last be written
 };
 
 }  // namespace mvp

@@ -12,13 +12,6 @@ namespace {
 
 mvp::CLogOutput g_output;
 
-mvp::LogTime LocalTime() noexcept {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    return {now.wYear,   now.wMonth,  now.wDay,         now.wHour,
-            now.wMinute, now.wSecond, now.wMilliseconds};
-}
-
 // The part that only levels that are on reach. Kept apart, so that the common case carries none of
 // its stack frame.
 [[gnu::noinline]] void Log(const char* pszTag, int nLevel, const char* pszFormat,
@@ -33,8 +26,7 @@ mvp::LogTime LocalTime() noexcept {
             std::snprintf(text, sizeof(text), "%s", "(text cannot be formatted)");
 
         mvp::LogLine line;
-        mvp::ComposeLogLine({LocalTime(), GetCurrentProcessId(), GetCurrentThreadId(),
-                             pszTag != nullptr ? pszTag : "(null)", nLevel, text},
+        mvp::ComposeLogLine(mvp::RecordNow(pszTag != nullptr ? pszTag : "(null)", nLevel, text),
                             line);
         g_output.Write(line);
         // The detail level may carry secrets; none stays behind on the stack.

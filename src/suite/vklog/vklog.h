@@ -6,11 +6,16 @@
  * Logging is off until it is configured. Two values under the local-machine key
  * "SOFTWARE\Quillon\Veskara\Logging" switch it on; they are read once, at the first call:
  *
- *     LogFile    REG_SZ     the file; lines are appended to it
+ *     LogFile    REG_SZ     the file; lines are appended to it. In a REG_EXPAND_SZ, environment
+ *                           variables are replaced
  *     LogLevels  REG_DWORD  the levels that are on, as a mask (see below)
  *
- * Both are needed. A file that cannot be opened or written silences the log; it is tried again
- * after some seconds. Several processes may share a file.
+ * Both are needed. Several processes may share a file.
+ *
+ * A file that cannot be opened or written silences the log; it is tried again after some seconds.
+ * The first failure goes to the debugger, with the file and the error; when the file can be written
+ * again, its first line says how many lines are missing. A LogFile of another type, or too long, is
+ * told to the debugger as well, and wrong LogLevels also in the log file.
  *
  * A line holds local date and time, process and thread identifier in decimal, tag, level and text:
  *

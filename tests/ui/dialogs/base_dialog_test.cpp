@@ -164,10 +164,15 @@ TEST_F(BaseDialog, ResizeTakesAwayFromTheDialogOrAControl) {
     dialog.DoModal();
 }
 
-TEST_F(BaseDialog, MissingTemplateIsMinusOne) {
+TEST_F(BaseDialog, MissingTemplateIsMinusOneAndTold) {
+    LogRecorder log;
     CProbeDialog missing(0, nullptr, 1);
     EXPECT_EQ(missing.DoModal(), -1);
     EXPECT_EQ(missing.CreateFromResourceModule(nullptr), 0);
+    EXPECT_EQ(log.Texts(1),
+              (std::vector<std::string>{"Dialog template 1 is missing from the resource module",
+                                        "Exception in the handler of message 0x110",
+                                        "Dialog template 1 is missing from the resource module"}));
 }
 
 TEST_F(BaseDialog, ExceptionsStayInsideAndAreLogged) {

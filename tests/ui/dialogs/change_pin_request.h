@@ -25,10 +25,16 @@ struct ChangePinRequest {
     uint32_t cbNewPin = kUntouchedLength;
     uint32_t cbOldPin = kUntouchedLength;
 
+    bool bNullNewPin = false;
+    bool bNullNewLength = false;
+    bool bNullOldPin = false;
+    bool bNullOldLength = false;
+
     uint32_t Call() {
-        return GetChangePINInfoFromUser(bNullRules ? nullptr : &rules, bShowLastTry, newPin.data(),
-                                        &cbNewPin, oldPin.data(), &cbOldPin, "Reader A", hHost,
-                                        bAskCurrentPin);
+        return GetChangePINInfoFromUser(
+            bNullRules ? nullptr : &rules, bShowLastTry, bNullNewPin ? nullptr : newPin.data(),
+            bNullNewLength ? nullptr : &cbNewPin, bNullOldPin ? nullptr : oldPin.data(),
+            bNullOldLength ? nullptr : &cbOldPin, "Reader A", hHost, bAskCurrentPin);
     }
     bool IsUntouched() const {
         return newPin == Marked() && oldPin == Marked() && cbNewPin == kUntouchedLength &&

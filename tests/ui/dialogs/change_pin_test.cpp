@@ -229,26 +229,31 @@ TEST_F(ChangePin, MnemonicsReachTheEdits) {
     EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
 }
 
-TEST_F(ChangePin, CurrentPinNeedNotBeAsked) {
-    ChangePinRequest request{.rules = kAllRules, .bAskCurrentPin = false};
-    DialogDriver driver([](Dialog& d) {
-        EXPECT_FALSE(d.IsVisible(kCurrent));
-        EXPECT_FALSE(d.IsVisible(IDC_CHANGE_PIN_PANEL_CURRENT_LABEL));
-        EXPECT_EQ(d.Text(IDC_CHANGE_PIN_PANEL_INSTRUCTION),
-                  StringOf(IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY));
-        EXPECT_EQ(d.FocusedId(), kNew);
-        d.Type(kNew, "5838");
-        d.Type(kConfirm, "5838");
-        EXPECT_TRUE(d.IsEnabled(IDOK));
-        d.Tab();
-        d.Tab();
-        d.Tab();
-        EXPECT_EQ(d.FocusedId(), kNew);
-        d.Enter();
-    });
-    EXPECT_EQ(request.Call(), MVPINGUI_OK);
-    EXPECT_EQ(request.OldPin(), "");
-    EXPECT_EQ(request.NewPin(), "5838");
+TEST_F(ChangePin, CurrentPinNeedNotBeAskedNorTaken) {
+    for (const bool taken : {true, false}) {
+        ChangePinRequest request{.rules = kAllRules,
+                                 .bAskCurrentPin = false,
+                                 .bNullOldPin = !taken,
+                                 .bNullOldLength = !taken};
+        DialogDriver driver([](Dialog& d) {
+            EXPECT_FALSE(d.IsVisible(kCurrent));
+            EXPECT_FALSE(d.IsVisible(IDC_CHANGE_PIN_PANEL_CURRENT_LABEL));
+            EXPECT_EQ(d.Text(IDC_CHANGE_PIN_PANEL_INSTRUCTION),
+                      StringOf(IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY));
+            EXPECT_EQ(d.FocusedId(), kNew);
+            d.Type(kNew, "5838");
+            d.Type(kConfirm, "5838");
+            EXPECT_TRUE(d.IsEnabled(IDOK));
+            d.Tab();
+            d.Tab();
+            d.Tab();
+            EXPECT_EQ(d.FocusedId(), kNew);
+            d.Enter();
+        });
+        EXPECT_EQ(request.Call(), MVPINGUI_OK);
+        EXPECT_EQ(request.OldPin(), taken ? "" : ChangePinRequest().OldPin());
+        EXPECT_EQ(request.NewPin(), "5838");
+    }
 }
 
 TEST_F(ChangePin, EveryWayToCancelWritesNothing) {
@@ -301,6 +306,43 @@ TEST_F(ChangePin, MandatoryChangeEndsByOkOrRemovalOnly) {
         d.Enter();
     });
     EXPECT_EQ(request.Call(), MVPINGUI_OK);
+}
+
+TEST_F(ChangePin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
+    const struct {
+        bool ChangePinRequest::*pbNull;
+        bool bAskCurrentPin;
+        const char* pszArgument;
+    } cases[] = {
+        {&ChangePinRequest::bNullNewPin, false, "pszNewPin"},
+        {&ChangePinRequest::bNullNewLength, true, "pcbNewPin"},
+        {&ChangePinRequest::bNullOldPin, true, "pszOldPin"},
+        {&ChangePinRequest::bNullOldLength, true, "pcbOldPin"},
+    };
+    for (const auto& c : cases) {
+        m_log.Clear();
+        ChangePinRequest request{.bShowLastTry = 1, .bAskCurrentPin = c.bAskCurrentPin};
+        request.*c.pbNull = true;
+        DialogDriver noDialog;
+        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+        EXPECT_TRUE(request.IsUntouched());
+        EXPECT_TRUE(m_boxes.Calls().empty());
+        EXPECT_EQ(m_log.Texts(1),
+                  std::vector<std::string>{std::string("GetChangePINInfoFromUser: ") +
+                                           c.pszArgument + " == NULL"});
+    }
+}
+
+TEST_F(ChangePin, BoundsThatExcludeEachOtherAreTold) {
+    ChangePinRequest request{.rules = {0, 0, 0, 0, 5, 4, 0}};
+    DialogDriver driver([](Dialog& d) {
+        TypeAll(d, "1234", "58381", "58381");
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        d.Escape();
+    });
+    request.Call();
+    driver.Join();
+    EXPECT_TRUE(m_log.Contains(1, "GetChangePINInfoFromUser: minimum length 5 > maximum length 4"));
 }
 
 TEST_F(ChangePin, LastTryComesFirst) {

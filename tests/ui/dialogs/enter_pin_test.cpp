@@ -212,6 +212,37 @@ TEST_F(EnterPin, OneRequestAtATime) {
     EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
 }
 
+TEST_F(EnterPin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
+    for (const bool nullPin : {true, false}) {
+        m_log.Clear();
+        Request request{.bShowLastTry = 1, .bNullPin = nullPin, .bNullLength = !nullPin};
+        {
+            DialogDriver noDialog;
+            EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+        }
+        EXPECT_TRUE(request.IsUntouched());
+        EXPECT_TRUE(m_boxes.Calls().empty());
+        EXPECT_EQ(Module().nPinDialogInProgress, 0);
+        EXPECT_EQ(m_log.Texts(1),
+                  (std::vector<std::string>{
+                      nullPin ? "GetPINFromUser: ppPin == NULL" : "GetPINFromUser: pcbPin == NULL",
+                      "GetPINFromUser: returns: -1"}));
+        EXPECT_EQ(m_log.Texts(16), std::vector<std::string>{"GetPINFromUser"});
+    }
+}
+
+TEST_F(EnterPin, BoundsThatExcludeEachOtherAreTold) {
+    Request request{.dwMin = 5, .dwMax = 4};
+    DialogDriver driver([](Dialog& d) {
+        d.Type(IDC_ENTER_PIN_EDIT, "12345");
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        d.Escape();
+    });
+    request.Call();
+    driver.Join();
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: minimum length 5 > maximum length 4"));
+}
+
 TEST_F(EnterPin, LastTryComesFirst) {
     Request request{.bShowLastTry = 1};
     m_boxes.SetAnswer(0);
@@ -228,6 +259,16 @@ TEST_F(EnterPin, LastTryComesFirst) {
     DialogDriver driver([](Dialog& d) { d.Escape(); });
     EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
     EXPECT_EQ(m_boxes.Calls().size(), 2U);
+    driver.Join();
+    // Also while a PIN is still out: what is declined then leaves no word of the guard.
+    for (const int nAnswer : {1, 0}) {
+        m_log.Clear();
+        m_boxes.SetAnswer(nAnswer);
+        DialogDriver noDialog;
+        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+        EXPECT_EQ(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"), nAnswer == 1);
+    }
+    EXPECT_EQ(m_boxes.Calls().size(), 4U);
 }
 
 TEST_F(EnterPin, MissingTemplateIsACancelledRequest) {

@@ -20,8 +20,12 @@ struct PinRequest {
     char* pPin = kUntouchedBuffer;
     uint32_t cbPin = kUntouchedLength;
 
+    bool bNullPin = false;
+    bool bNullLength = false;
+
     uint32_t Call() {
-        return GetPINFromUser(hParent, pszReader, bShowLastTry, dwMin, dwMax, &pPin, &cbPin);
+        return GetPINFromUser(hParent, pszReader, bShowLastTry, dwMin, dwMax,
+                              bNullPin ? nullptr : &pPin, bNullLength ? nullptr : &cbPin);
     }
     bool IsUntouched() const { return pPin == kUntouchedBuffer && cbPin == kUntouchedLength; }
     std::string Pin() const { return {pPin, cbPin}; }

@@ -3,18 +3,42 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
 #include "frame/module.h"
 #include "frame/resource_module.h"
+#include "mvpingui/base_dialog.h"
+#include "mvpingui/mvpingui.h"
+#include "platform/handle.h"
+#include "resources/resource_numbers.h"
 #include "support/log_recorder.h"
+#include "support/recording/recording.h"
+#include "support/recording/recording_module.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
 namespace {
 
 constexpr char kInstallKey[] = "Software\\Quillon\\Veskara";
+
+constexpr char kPlantedMark[] = "MVP_PLANTED_CODE_RAN";
+
+// A current directory, left at the end.
+class CurrentDirectory {
+public:
+    explicit CurrentDirectory(const std::filesystem::path& path)
+        : m_old(std::filesystem::current_path()) {
+        std::filesystem::current_path(path);
+    }
+    CurrentDirectory(const CurrentDirectory&) = delete;
+    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
+    ~CurrentDirectory() { std::filesystem::current_path(m_old); }
+
+private:
+    std::filesystem::path m_old;
+};
 
 // A current directory without a resource module, left at the end.
 class EmptyDirectory {
@@ -49,6 +73,12 @@ public:
 
 private:
     bool m_bAttached;
+};
+
+class CProbeDialog : public CBaseDialog {
+public:
+    explicit CProbeDialog(UINT nTemplate) : CBaseDialog(nTemplate, 0, nullptr, nullptr) {}
+    using CBaseDialog::CreateFromResourceModule;
 };
 
 bool IsProgressBarClassKnown() {
@@ -114,14 +144,102 @@ TEST(Attach, LivesWithoutTheModule) {
         const Attached library;
         EXPECT_TRUE(library.Succeeded());
         EXPECT_EQ(ResourceModule(), nullptr);
-        EXPECT_TRUE(log.ContainsPart("LoadLibrary(" + c.strTried + ") failed with error code 0x"))
+        ASSERT_EQ(log.Texts(2).size(), 1U) << log.Dump();
+        EXPECT_TRUE(log.Texts(2)[0].starts_with("LoadLibrary(" + c.strTried +
+                                                ") failed with error code 0x"))
             << log.Dump();
+        log.Clear();
         // Nothing is searched in the host's own resources instead.
         CString text("before");
         EXPECT_FALSE(LoadResourceString(1, text));
         EXPECT_EQ(std::string(text), "before");
         EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
+        EXPECT_EQ(CProbeDialog(1).DoModal(), -1);
+        EXPECT_TRUE(log.Lines().empty()) << "the cause stands at the attach: " << log.Dump();
     }
+}
+
+// Every kind of resource comes from the module, and what it lacks is named.
+void ExpectPlantedResources() {
+    EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
+    EXPECT_STREQ(GetErrorString(1), "planted text");
+    const HICON hIcon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
+    EXPECT_NE(hIcon, nullptr);
+    EXPECT_EQ(LoadResourceIcon(IDI_RULE_SATISFIED, 16), hIcon);
+    EXPECT_NE(LoadResourceIcon(IDI_RULE_SATISFIED, 32), hIcon);
+    CProbeDialog dialog(IDD_ENTER_PIN);
+    EXPECT_TRUE(dialog.CreateFromResourceModule(nullptr));
+    EXPECT_NE(dialog.SendDlgItemMessage(IDC_ENTER_PIN_BANNER, STM_GETIMAGE, IMAGE_BITMAP), 0);
+    dialog.DestroyWindow();
+
+    LogRecorder log;
+    CString text("before");
+    EXPECT_FALSE(LoadResourceString(IDS_LAST_PIN_TRY, text));
+    EXPECT_EQ(std::string(text), "before");
+    EXPECT_STREQ(GetErrorString(2), "");
+    EXPECT_EQ(LoadResourceIcon(IDI_CARD_PIN, 16), nullptr);
+    EXPECT_EQ(CProbeDialog(IDD_POLICIES).DoModal(), -1);
+    EXPECT_FALSE(CProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
+    EXPECT_EQ(log.Texts(1), (std::vector<std::string>{
+                                "String 3073 is missing from the resource module",
+                                "String 3060 is missing from the resource module",
+                                "Icon 3012 is missing from the resource module",
+                                "Dialog template 3011 is missing from the resource module",
+                                "Dialog template 3002 is missing from the resource module"}))
+        << log.Dump();
+}
+
+TEST(Attach, RunsNothingOfTheModule) {
+    RegistryHive hive;
+    const std::filesystem::path planted = std::filesystem::current_path() / "planted";
+    {
+        const CurrentDirectory directory(planted);
+        const Attached library;
+        ExpectPlantedResources();
+    }
+    {
+        const EmptyDirectory directory;
+        hive.SetString(kInstallKey, "VeskaraInstallPath", planted.string() + "\\");
+        const Attached library;
+        ExpectPlantedResources();
+    }
+    EXPECT_EQ(GetEnvironmentVariableA(kPlantedMark, nullptr, 0), 0U);
+    // Loaded to be run, it does leave its mark.
+    const ModuleHandle run(
+        LoadLibraryA((planted / "Resources" / "Localized" / "mvpinguirc.dll").string().c_str()));
+    EXPECT_TRUE(run);
+    EXPECT_NE(GetEnvironmentVariableA(kPlantedMark, nullptr, 0), 0U);
+    SetEnvironmentVariableA(kPlantedMark, nullptr);
+}
+
+struct StepsDone {
+    bool bInstance = false;
+    bool bClass = false;
+    bool bModule = true;
+};
+
+void NoteSteps(void* pSteps, const char*, int, const char* pszText) {
+    if (std::string_view(pszText) == "ReadInstallPath begins")
+        *static_cast<StepsDone*>(pSteps) = {ModuleInstance() != nullptr, IsProgressBarClassKnown(),
+                                            ResourceModule() != nullptr};
+}
+
+TEST(Attach, KeepsItsOrder) {
+    RegistryHive hive;
+    const auto recordTo = RecordingFunction<LogRecordTo>("vklog.dll", "vklogRecordTo");
+    StepsDone steps;
+    {
+        const EmptyDirectory directory;
+        recordTo(NoteSteps, &steps);
+        const Attached library;
+        recordTo(nullptr, nullptr);
+    }
+    EXPECT_TRUE(steps.bInstance && steps.bClass && !steps.bModule);
+    // The framework, whose turn is last, refuses a library without an instance.
+    EXPECT_FALSE(AttachLibrary(nullptr));
+    EXPECT_TRUE(IsProgressBarClassKnown());
+    EXPECT_NE(ResourceModule(), nullptr);
+    DetachLibrary();
 }
 
 TEST(Attach, SurvivesAnInstallPathWithoutTerminator) {
@@ -131,8 +249,8 @@ TEST(Attach, SurvivesAnInstallPathWithoutTerminator) {
     LogRecorder log;
     const Attached library;
     EXPECT_TRUE(library.Succeeded());
-    EXPECT_TRUE(log.ContainsPart("LoadLibrary(" + std::string(511, 'z') + ") failed"))
-        << log.Dump();
+    ASSERT_EQ(log.Texts(2).size(), 1U);
+    EXPECT_TRUE(log.Texts(2)[0].starts_with("LoadLibrary(" + std::string(511, 'z') + ") failed"));
 }
 
 }  // namespace

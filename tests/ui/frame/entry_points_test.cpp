@@ -7,16 +7,20 @@
 #include <gtest/gtest.h>
 
 #include "mvpingui/mvpingui.h"
+#include "platform/handle.h"
 #include "resources/resource_numbers.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
+#include "support/no_string_memory.h"
 
 namespace mvp::test {
 namespace {
 
 std::string StringOfModule(UINT nId) {
+    static const ModuleHandle module(LoadLibraryExA(R"(.\Resources\Localized\mvpinguirc.dll)",
+                                                    nullptr, LOAD_LIBRARY_AS_DATAFILE));
     char text[4096] = "";
-    LoadStringA(GetModuleHandleA("mvpinguirc.dll"), nId, text, sizeof text);
+    LoadStringA(module.get(), nId, text, sizeof text);
     return text;
 }
 
@@ -37,13 +41,23 @@ TEST(ErrorText, CodesHaveTheirStringsAndOthersLeaveTheLast) {
         EXPECT_EQ(GetErrorString(code), StringOfModule(3070)) << code;
 }
 
+TEST(HostResources, AreFoundAfterInit) {
+    CString text;
+    EXPECT_FALSE(text.LoadString(IDS_LAST_PIN_TRY));
+    InitGUIDll();
+    EXPECT_TRUE(text.LoadString(IDS_LAST_PIN_TRY));
+    EXPECT_EQ(std::string(text), StringOfModule(3073));
+    LPCSTR pszDialog = MAKEINTRESOURCEA(IDD_ENTER_PIN);
+    EXPECT_NE(FindResourceA(AfxFindResourceHandle(pszDialog, RT_DIALOG), pszDialog, RT_DIALOG),
+              nullptr);
+}
+
 TEST(LastTry, AsksWithTheTextAndTheReader) {
     struct Case {
         int nAnswer;
         uint32_t dwResult;
     };
     for (const Case& c : {Case{1, MVPINGUI_OK}, {0, MVPINGUI_REFUSED}, {2, MVPINGUI_REFUSED}}) {
-        LogRecorder log;
         MessageBoxRecorder boxes;
         boxes.SetAnswer(c.nAnswer);
         EXPECT_EQ(DisplayLastPINTry("Reader A"), c.dwResult);
@@ -57,13 +71,10 @@ TEST(LastTry, AsksWithTheTextAndTheReader) {
         EXPECT_EQ(call.nButtons + call.nIcon + call.nFlags, 0U);
         EXPECT_EQ(call.pReserved, nullptr);
         EXPECT_EQ(call.strReader, "Reader A");
-        EXPECT_EQ(log.Texts(8), std::vector<std::string>{"--->DisplayLastPINTry"});
-        EXPECT_EQ(log.Texts(16), std::vector<std::string>{"<---DisplayLastPINTry"});
     }
 }
 
 TEST(PinBuffer, IsZeroedBeforeItIsFreed) {
-    LogRecorder log;
     constexpr std::size_t kSize = 4096;
     auto* pBuffer = static_cast<char*>(std::malloc(kSize));
     std::fill_n(pBuffer, kSize, 'S');
@@ -73,28 +84,42 @@ TEST(PinBuffer, IsZeroedBeforeItIsFreed) {
     const volatile char* pMiddle = pBuffer + kSize / 2;
     for (int i = 0; i < 16; ++i)
         EXPECT_NE(pMiddle[i], 'S');
-    FreeGetPinBuffer(nullptr, 99);
-    EXPECT_EQ(log.Texts(8), (std::vector<std::string>{"--->FreeBuffer", "--->FreeBuffer"}));
-    EXPECT_EQ(log.Texts(16), (std::vector<std::string>{"<---FreeBuffer", "<---FreeBuffer"}));
 }
 
-TEST(Prompt, IsLogged) {
+TEST(Operations, TellEntryAndExitUnderTheLibrarysTag) {
+    const struct {
+        void (*pCall)();
+        const char* pszEntry;
+        const char* pszExit;
+    } cases[] = {
+        {[] { GetErrorString(1); }, "GetErrorString", "GetErrorString"},
+        {[] { GetErrorString(13); }, "GetErrorString", "GetErrorString"},
+        {[] { FreeGetPinBuffer(nullptr, 99); }, "--->FreeBuffer", "<---FreeBuffer"},
+        {[] { SetPinPromptString("prompt"); }, "SetPinPromptString", "SetPinPromptString"},
+        {[] { SetPinPromptString(nullptr); }, "SetPinPromptString", "SetPinPromptString"},
+        {[] { DisplayLastPINTry(nullptr); }, "--->DisplayLastPINTry", "<---DisplayLastPINTry"},
+        {[] { InitGUIDll(); }, "InitGUIDll", "InitGUIDll"},
+    };
+    for (const auto& c : cases) {
+        LogRecorder log;
+        c.pCall();
+        const std::vector<RecordedLine> lines = log.Lines();
+        ASSERT_EQ(lines.size(), 2U) << log.Dump();
+        EXPECT_EQ(lines[0], (RecordedLine{"MVPINGUI", 8, c.pszEntry}));
+        EXPECT_EQ(lines[1], (RecordedLine{"MVPINGUI", 16, c.pszExit}));
+    }
+}
+
+TEST(Operations, StopAndTellWhenMemoryIsShort) {
     LogRecorder log;
-    SetPinPromptString("prompt");
-    SetPinPromptString(nullptr);
-    EXPECT_EQ(log.Texts(8), (std::vector<std::string>{"SetPinPromptString", "SetPinPromptString"}));
-    EXPECT_EQ(log.Texts(16),
-              (std::vector<std::string>{"SetPinPromptString", "SetPinPromptString"}));
-}
-
-TEST(HostResources, AreFoundAfterInit) {
-    CString text;
-    EXPECT_FALSE(text.LoadString(IDS_LAST_PIN_TRY));
-    InitGUIDll();
-    EXPECT_TRUE(text.LoadString(IDS_LAST_PIN_TRY));
-    EXPECT_EQ(std::string(text), StringOfModule(3073));
-    EXPECT_EQ(AfxFindResourceHandle(MAKEINTRESOURCEA(IDD_ENTER_PIN), RT_DIALOG),
-              GetModuleHandleA("mvpinguirc.dll"));
+    {
+        const NoStringMemory none;
+        SetPinPromptString("a prompt that needs memory of its own");
+        EXPECT_EQ(DisplayLastPINTry("Reader A"), MVPINGUI_REFUSED);
+    }
+    EXPECT_EQ(log.Texts(1), (std::vector<std::string>{"SetPinPromptString: exception",
+                                                      "DisplayLastPINTry: exception"}));
+    EXPECT_EQ(log.Texts(16).size(), 2U) << log.Dump();
 }
 
 }  // namespace

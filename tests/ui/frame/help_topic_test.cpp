@@ -13,6 +13,9 @@ namespace {
 
 constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
 
+const std::string kIgnored = std::string("Setting ignored: ") + kKey + "\\VeskaraHelpPath: ";
+const std::string kThere = R"(C:\windows\win.ini)";
+
 struct ViewerCall {
     HWND hCaller;
     std::string strFile;
@@ -39,16 +42,42 @@ protected:
 };
 
 TEST_F(HelpTopic, ShowsTheConfiguredFileAtTheTopic) {
-    m_hive.SetString(kKey, "VeskaraHelpPath", "C:\\veskara\\help.chm");
+    m_hive.SetString(kKey, "VeskaraHelpPath", kThere);
     DoDisplayTopic(1015);
     ASSERT_EQ(g_calls.size(), 1U);
     EXPECT_EQ(g_calls[0].hCaller, GetActiveWindow());
-    EXPECT_EQ(g_calls[0].strFile, "C:\\veskara\\help.chm");
+    EXPECT_EQ(g_calls[0].strFile, kThere);
     EXPECT_EQ(g_calls[0].uCommand, 15U);
     EXPECT_EQ(g_calls[0].dwData, 1015U);
     EXPECT_TRUE(m_log.Contains(8, "DoDisplayTopic"));
     EXPECT_TRUE(m_log.Contains(2, "Displaying topic 1015"));
     EXPECT_TRUE(m_log.Contains(16, "DoDisplayTopic"));
+    EXPECT_TRUE(m_log.Texts(1).empty()) << m_log.Dump();
+}
+
+TEST_F(HelpTopic, TellsOfAFileThatIsNotThere) {
+    struct Case {
+        std::string strPath;
+        std::string strMissing;  // empty: nothing is told
+    };
+    const Case cases[] = {
+        {kThere + "::/pin.htm>main", ""},
+        {kThere + ">main", ""},
+        {"C:\\veskara\\no.chm", "C:\\veskara\\no.chm"},
+        {"C:\\veskara\\no.chm::/pin.htm", "C:\\veskara\\no.chm"},
+        {'"' + kThere + '"', '"' + kThere + '"'},
+        {R"(%SystemRoot%\win.ini)", R"(%SystemRoot%\win.ini)"},
+    };
+    for (const Case& c : cases) {
+        m_log.Clear();
+        m_hive.SetString(kKey, "VeskaraHelpPath", c.strPath);
+        DoDisplayTopic(1);
+        std::vector<std::string> expected;
+        if (!c.strMissing.empty())
+            expected.push_back(kIgnored + "no such file: " + c.strMissing);
+        EXPECT_EQ(m_log.Texts(1), expected);
+        EXPECT_EQ(g_calls.back().strFile, c.strPath);
+    }
 }
 
 TEST_F(HelpTopic, TakesAnyTypeAndNeverReadsBeyondTheBuffer) {
@@ -70,8 +99,10 @@ TEST_F(HelpTopic, WithoutAFileShowsNothing) {
     DoDisplayTopic(3);
     m_hive.SetString(kKey, "VeskaraHelpPath", std::string(260, 'p'));
     DoDisplayTopic(3);
-    EXPECT_EQ(m_log.Texts(1).size(), 3U) << m_log.Dump();
-    EXPECT_TRUE(m_log.Contains(1, "RegQueryValueEx \"VeskaraHelpPath\" failed"));
+    const std::string failed = "RegQueryValueEx \"VeskaraHelpPath\" failed";
+    const std::vector<std::string> errors = m_log.Texts(1);
+    EXPECT_EQ(std::vector(errors.begin() + 1, errors.end()),
+              (std::vector<std::string>{failed, failed, kIgnored + "longer than 260 bytes"}));
     EXPECT_TRUE(g_calls.empty());
 }
 

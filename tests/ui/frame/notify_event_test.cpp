@@ -153,6 +153,38 @@ TEST(NotifyEventTest, HangingReceiverDelaysNobody) {
     ExpectNoGrowth(before, ResourceCounts::Now());
 }
 
+std::string g_strTaken;
+
+LRESULT CALLBACK TakeNotice(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_COPYDATA)
+        return DefWindowProcA(hWnd, message, wParam, lParam);
+    g_strTaken = static_cast<const char*>(reinterpret_cast<const COPYDATASTRUCT*>(lParam)->lpData);
+    return TRUE;
+}
+
+// The receiver cannot take the notice before the call has returned, so the call may not wait for
+// it.
+TEST(NotifyEventTest, ReachesAWindowOfTheCallersOwnThread) {
+    WNDCLASSA info{};
+    info.lpfnWndProc = TakeNotice;
+    info.hInstance = GetModuleHandleA(nullptr);
+    info.lpszClassName = kTray;
+    ASSERT_NE(RegisterClassA(&info), 0);
+    const HWND own = CreateWindowA(kTray, "", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
+                                   info.hInstance, nullptr);
+    const auto took = Duration([] { NotifyEvent(kEventUnlockCodeShown, "Reader D", Sender()); });
+    EXPECT_LT(took, std::chrono::seconds(4));  // it gives up after five
+    EXPECT_EQ(g_strTaken, "");
+    EXPECT_TRUE(WaitFor(kDeadline, [] {
+        MSG message;
+        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);  // takes what was sent
+        return !g_strTaken.empty();
+    }));
+    EXPECT_EQ(g_strTaken, "Reader D");
+    DestroyWindow(own);
+    UnregisterClassA(kTray, info.hInstance);
+}
+
 TEST(NotifyEventTest, NullReaderIsAnEmptyOne) {
     const Receiver tray(kTray, "answer");
     NotifyEvent(kEventUnlockCodeShown, nullptr, nullptr);

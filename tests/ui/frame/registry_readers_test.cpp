@@ -7,19 +7,27 @@
 #include <gtest/gtest.h>
 
 #include "support/log_recorder.h"
+#include "support/no_string_memory.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
 namespace {
 
 constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\Test)";
+// No key has a name this long.
+const std::string kUnreadable(300, 'k');
 constexpr DWORD kDefault = 0xABCD1234;
 
-// The lines of level 1, in one text.
+// The lines of level 1, in one text; the key of the test is cut out of them.
 std::string Errors(const LogRecorder& log) {
     std::string all;
-    for (const std::string& text : log.Texts(1))
+    for (std::string text : log.Texts(1)) {
+        for (const std::string& strKey : {std::string(kKey), kUnreadable}) {
+            if (const std::size_t nAt = text.find(strKey); nAt != std::string::npos)
+                text.erase(nAt, strKey.size() + 1);
+        }
         all += (all.empty() ? "" : "|") + text;
+    }
     return all;
 }
 
@@ -52,11 +60,17 @@ TEST_F(RegistryReaders, NumbersAreReadOrDefaulted) {
     const Case cases[] = {
         {kKey, "Number", 0, 42, ""},
         {R"(software\quillon\VESKARA\test)", "nUMBER", 0, 42, ""},
-        {kKey, "Text", -1, kDefault, "dwType(1) <> REG_DWORD"},
-        {kKey, "Binary", -1, kDefault, "dwType(3) <> REG_DWORD"},
+        {kKey, "Text", -1, kDefault,
+         "dwType(1) <> REG_DWORD|Setting ignored: Text: the type is not REG_DWORD"},
+        {kKey, "Binary", -1, kDefault,
+         "dwType(3) <> REG_DWORD|Setting ignored: Binary: the type is not REG_DWORD"},
         {kKey, "Missing", -1, kDefault, "RegQueryValueEx returns the error 2"},
-        {kKey, "LongNumber", -1, kDefault, "RegQueryValueEx (2) returns the error 234"},
+        {kKey, "LongNumber", -1, kDefault,
+         "RegQueryValueEx (2) returns the error 234|Setting ignored: LongNumber: longer than 4 "
+         "bytes"},
         {"SOFTWARE\\Nobody", "Number", -1, kDefault, "RegOpenKeyEx returns the error 2"},
+        {kUnreadable.c_str(), "Number", -1, kDefault,
+         "RegOpenKeyEx returns the error 234|Setting ignored: Number: cannot be read"},
         {"", "Number", -1, kDefault, "Could not read registry path name"},
         {kKey, "", -1, kDefault, "Could not read registry key name"},
         {nullptr, nullptr, -1, kDefault, "Could not read registry path name"},
@@ -90,8 +104,10 @@ TEST_F(RegistryReaders, TextsAreReadOrLeft) {
         const char* pszValue;
         int nResult;
         std::string strExpected;
-        const char* pszErrors;
+        std::string strErrors;
     };
+    const std::string kTooLong = "RegQueryValueEx (2) returns the error 234|Setting ignored: ";
+    const std::string kWhy = ": longer than 260 bytes with its terminator";
     const std::string untouched = "before";
     const Case cases[] = {
         {kKey, "Text", 0, "hello", ""},
@@ -99,11 +115,12 @@ TEST_F(RegistryReaders, TextsAreReadOrLeft) {
         {kKey, "Text258", 0, std::string(258, 'x'), ""},
         {kKey, "Text259", 0, std::string(259, 'x'), ""},
         {kKey, "Open259", 0, std::string(259, 'y'), ""},
-        {kKey, "Text260", -1, untouched, "RegQueryValueEx (2) returns the error 234"},
-        {kKey, "Text599", -1, untouched, "RegQueryValueEx (2) returns the error 234"},
-        {kKey, "Open260", -1, untouched, "RegQueryValueEx (2) returns the error 234"},
-        {kKey, "Open261", -1, untouched, "RegQueryValueEx (2) returns the error 234"},
-        {kKey, "Number", -1, untouched, "dwType(4) <> REG_SZ"},
+        {kKey, "Text260", -1, untouched, kTooLong + "Text260" + kWhy},
+        {kKey, "Text599", -1, untouched, kTooLong + "Text599" + kWhy},
+        {kKey, "Open260", -1, untouched, kTooLong + "Open260" + kWhy},
+        {kKey, "Open261", -1, untouched, kTooLong + "Open261" + kWhy},
+        {kKey, "Number", -1, untouched,
+         "dwType(4) <> REG_SZ|Setting ignored: Number: the type is not REG_SZ"},
         {kKey, "Missing", -1, untouched, "RegQueryValueEx returns the error 2"},
         {"SOFTWARE\\Nobody", "Text", -1, untouched, "RegOpenKeyEx returns the error 2"},
         {"", "Text", -1, untouched, "Could not read registry path name"},
@@ -114,13 +131,31 @@ TEST_F(RegistryReaders, TextsAreReadOrLeft) {
         CString out(untouched.c_str());
         EXPECT_EQ(readStringFromRegistry_sz(c.pszKey, c.pszValue, &out), c.nResult) << m_log.Dump();
         EXPECT_EQ(std::string(out), c.strExpected) << m_log.Dump();
-        EXPECT_EQ(Errors(m_log), c.pszErrors);
+        EXPECT_EQ(Errors(m_log), c.strErrors);
         EXPECT_EQ(m_log.Texts(8), std::vector<std::string>{"readStringFromRegistry_sz"});
         EXPECT_EQ(m_log.Texts(16),
                   std::vector<std::string>{c.nResult == 0 ? "readStringFromRegistry_sz ! 0"
                                                           : "readStringFromRegistry_sz ! -1"});
     }
     EXPECT_EQ(readStringFromRegistry_sz(kKey, "Text", nullptr), 0);
+}
+
+TEST_F(RegistryReaders, AnswerWithoutMemory) {
+    DWORD number = 0;
+    CString text("before");
+    {
+        const NoStringMemory none;
+        EXPECT_EQ(readDWORDFromRegistry_sz(kKey, "Missing", &number, kDefault), -1);
+        EXPECT_EQ(readStringFromRegistry_sz(kKey, "Text259", &text), -1);
+    }
+    EXPECT_EQ(number, kDefault);
+    EXPECT_EQ(std::string(text), "before");
+    EXPECT_EQ(Errors(m_log),
+              "RegQueryValueEx returns the error 2|readStringFromRegistry_sz: exception");
+    EXPECT_EQ(m_log.Texts(8), (std::vector<std::string>{"readDWORDFromRegistry_sz (Key=Missing)",
+                                                        "readStringFromRegistry_sz"}));
+    EXPECT_EQ(m_log.Texts(16), (std::vector<std::string>{"readDWORDFromRegistry_sz (-1)",
+                                                         "readStringFromRegistry_sz ! -1"}));
 }
 
 class InstallPath : public testing::Test {
@@ -174,12 +209,17 @@ TEST_F(InstallPath, FailuresTouchNothingAndSayWhy) {
     m_hive.SetDword(kKey, kValue, 1);
     Read(512);
     EXPECT_EQ(m_capacity, 0U);
-    EXPECT_TRUE(m_log.Contains(1, "dwType(4) <> REG_SZ")) << m_log.Dump();
+    EXPECT_EQ(Errors(m_log),
+              "dwType(4) <> REG_SZ|Setting ignored: Software\\Quillon\\Veskara"
+              "\\VeskaraInstallPath: the type is not REG_SZ");
+    m_log.Clear();
 
     m_hive.SetString(kKey, kValue, std::string(599, 'p'));
     Read(512);
     EXPECT_EQ(m_capacity, 0U);
-    EXPECT_TRUE(m_log.Contains(1, "size (600) > 512 ")) << m_log.Dump();
+    EXPECT_EQ(Errors(m_log),
+              "size (600) > 512 |Setting ignored: Software\\Quillon\\Veskara"
+              "\\VeskaraInstallPath: too long");
     EXPECT_TRUE(IsUntouched());
 }
 

@@ -16,6 +16,7 @@
 #include <vkevtsub/vkevtsub.h>
 
 #include "platform/handle.h"
+#include "support/log_recorder.h"
 #include "support/resource_counts.h"
 #include "support/waiting.h"
 
@@ -261,6 +262,7 @@ TEST(VkEvtSub, EverythingIsAllowedWithinACall) {
 
 TEST(VkEvtSub, ExceptionsStayInside) {
     CNotes notes;
+    mvp::test::LogRecorder log;
     const CSubscriber throwing([](const VKEvent& event) {
         if (std::string(event.pszReaderName) == "A")
             throw std::runtime_error("A");
@@ -271,6 +273,7 @@ TEST(VkEvtSub, ExceptionsStayInside) {
     Raise("B");
     WaitForIdle();
     EXPECT_EQ(notes.All(), (Texts{"A", "B"}));
+    EXPECT_EQ(log.Texts(1), Texts(2, "VKDelegateSubscriber::HandleEvent: exception"));
 }
 
 TEST(VkEvtSub, RefusesWhatItCannotTake) {

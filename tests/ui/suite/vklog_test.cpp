@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -15,10 +16,13 @@
 
 #include "real_module.h"
 #include "support/registry_hive.h"
+#include "support/waiting.h"
 
 namespace {
 
 constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\Logging)";
+using Strings = std::vector<std::string>;
+
 constexpr unsigned kAllLevels = 1 | 2 | VKLOG_DETAIL_BIT | 8 | 16;
 
 // The module, loaded afresh: it reads its settings once in its life.
@@ -26,6 +30,29 @@ struct Log {
     CRealModule module{"vklog"};
     decltype(vklogLog)* pLog = module.Get<decltype(vklogLog)>("vklogLog");
     decltype(vklogSetOutput)* pSetOutput = module.Get<decltype(vklogSetOutput)>("vklogSetOutput");
+};
+
+// What the module sends to debuggers while this lives.
+class CDebuggerRecorder {
+public:
+    CDebuggerRecorder() : m_handler(AddVectoredExceptionHandler(1, &Take)) { s_text.clear(); }
+    CDebuggerRecorder(const CDebuggerRecorder&) = delete;
+    CDebuggerRecorder& operator=(const CDebuggerRecorder&) = delete;
+    ~CDebuggerRecorder() { RemoveVectoredExceptionHandler(m_handler); }
+
+    static std::string Text() { return s_text; }
+
+private:
+    static LONG WINAPI Take(EXCEPTION_POINTERS* pPointers) {
+        constexpr DWORD kText = 0x40010006;
+        const EXCEPTION_RECORD& record = *pPointers->ExceptionRecord;
+        if (record.ExceptionCode == kText)
+            s_text += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
+
+    static inline std::string s_text;
+    void* m_handler;
 };
 
 class VkLog : public testing::Test {
@@ -70,8 +97,6 @@ protected:
     std::string m_strFile;
 };
 
-using Strings = std::vector<std::string>;
-
 TEST_F(VkLog, WritesTheLevelsThatAreOnAndFormatsNoOthers) {
     const Log log;
     for (const int nOn : {0, 1, 2, 8, 16}) {
@@ -92,7 +117,8 @@ TEST_F(VkLog, WritesTheLevelsThatAreOnAndFormatsNoOthers) {
 TEST_F(VkLog, ReadsTheRegistryOnceAndAtTheFirstCall) {
     mvp::test::RegistryHive hive;
     const Log log;
-    hive.SetString(kKey, "LogFile", m_strFile);
+    SetEnvironmentVariableA("VKLOG_TEST_FILE", m_strFile.c_str());
+    hive.SetRaw(kKey, "LogFile", REG_EXPAND_SZ, std::string("%VKLOG_TEST_FILE%") + '\0');
     hive.SetDword(kKey, "LogLevels", VKLOG_INFORMATION);
     log.pLog("TAG", VKLOG_ERROR, "off");
     hive.SetDword(kKey, "LogLevels", kAllLevels);
@@ -109,15 +135,18 @@ TEST_F(VkLog, StaysOffWithoutUsableSettings) {
         std::string file;
         DWORD nLevelsType;
         std::string levels;
+        const char* pszTold;
     } cases[] = {
-        {"no file", REG_NONE, "", REG_DWORD, std::string(4, '\x1f')},
-        {"empty file", REG_SZ, std::string(1, '\0'), REG_DWORD, std::string(4, '\x1f')},
-        {"file of another type", REG_BINARY, file, REG_DWORD, std::string(4, '\x1f')},
+        {"no file", REG_NONE, "", REG_DWORD, std::string(4, '\x1f'), ""},
+        {"empty file", REG_SZ, std::string(1, '\0'), REG_DWORD, std::string(4, '\x1f'), ""},
+        {"file of another type", REG_BINARY, file, REG_DWORD, std::string(4, '\x1f'),
+         "LogFile: its type is another one"},
         {"file too long", REG_SZ, m_strFile + std::string(600, 'x'), REG_DWORD,
-         std::string(4, '\x1f')},
-        {"no levels", REG_SZ, file, REG_NONE, ""},
-        {"levels of another type", REG_SZ, file, REG_SZ, "31"},
-        {"levels too short", REG_SZ, file, REG_DWORD, "\x1f"},
+         std::string(4, '\x1f'), "LogFile: it is too long"},
+        {"no levels", REG_SZ, file, REG_NONE, "", ""},
+        {"levels of another type", REG_SZ, file, REG_SZ, "31",
+         "LogLevels: its type is another one"},
+        {"levels too short", REG_SZ, file, REG_DWORD, "\x1f", "LogLevels: it cannot be read"},
     };
     for (const auto& each : cases) {
         mvp::test::RegistryHive hive;
@@ -125,26 +154,58 @@ TEST_F(VkLog, StaysOffWithoutUsableSettings) {
             hive.SetRaw(kKey, "LogFile", each.nFileType, each.file);
         if (each.nLevelsType != REG_NONE)
             hive.SetRaw(kKey, "LogLevels", each.nLevelsType, each.levels);
+        const CDebuggerRecorder debugger;
         const Log log;
         log.pLog("TAG", VKLOG_ERROR, "x");
-        EXPECT_FALSE(FileExists()) << each.pszName;
+        log.pLog("TAG", VKLOG_ERROR, "x");
+        std::string strTold;
+        if (*each.pszTold != '\0')
+            strTold = "Setting ignored: " + std::string(kKey) + "\\" + each.pszTold +
+                      "; nothing is logged";
+        EXPECT_EQ(debugger.Text(), strTold.empty() ? "" : "vklog: " + strTold + "\n")
+            << each.pszName;
+        // Wrong levels are also told where their lines are missed.
+        EXPECT_EQ(Lines(), strTold.find("LogLevels") != std::string::npos
+                               ? Strings{"VKLOG error: " + strTold}
+                               : Strings{})
+            << each.pszName;
+        DeleteFileA(m_strFile.c_str());
     }
 }
 
-TEST_F(VkLog, AFileThatCannotBeOpenedSilencesTheLog) {
+TEST_F(VkLog, AFileThatCannotBeOpenedIsToldAndTriedAgain) {
+    const CDebuggerRecorder debugger;
     const Log log;
     const std::string strFolder = m_strFile + ".d";
-    log.pSetOutput((strFolder + "\\log.txt").c_str(), kAllLevels);
+    const std::string strFile = strFolder + "\\log.txt";
+    log.pSetOutput(strFile.c_str(), kAllLevels);
     SetLastError(1234);
     log.pLog("TAG", VKLOG_ERROR, "lost");
     EXPECT_EQ(GetLastError(), 1234U);
+    EXPECT_EQ(debugger.Text(),
+              "vklog: " + strFile + " cannot be written (error 3), lines are lost\n");
 
     // It could be opened now, but is not tried again so soon, nor is anything formatted for it.
     CreateDirectoryA(strFolder.c_str(), nullptr);
     int nFormatted = -1;
     log.pLog("TAG", VKLOG_ERROR, "%n", &nFormatted);
     EXPECT_EQ(nFormatted, -1);
-    EXPECT_TRUE(RemoveDirectoryA(strFolder.c_str())) << "the folder is not empty";
+
+    // It is, some seconds later, and tells what it lacks.
+    int nLost = 2;
+    EXPECT_TRUE(mvp::WaitFor(std::chrono::seconds(60), [&] {
+        log.pLog("TAG", VKLOG_ERROR, "found");
+        const bool bFound = GetFileAttributesA(strFile.c_str()) != INVALID_FILE_ATTRIBUTES;
+        nLost += bFound ? 0 : 1;
+        return bFound;
+    }));
+    log.pSetOutput(nullptr, 0);
+    EXPECT_EQ(debugger.Text().find("lost"), debugger.Text().rfind("lost")) << "told once";
+    MoveFileA(strFile.c_str(), m_strFile.c_str());
+    EXPECT_EQ(Lines(), (Strings{"VKLOG error: " + std::to_string(nLost) +
+                                    " lines could not be written before",
+                                "TAG error: found"}));
+    RemoveDirectoryA(strFolder.c_str());
 }
 
 TEST_F(VkLog, ToleratesNullsAndCutsLongTexts) {

@@ -1,17 +1,58 @@
+#include <atomic>
+#include <cstdlib>
 #include <functional>
 #include <iterator>
+#include <new>
 #include <random>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "suite/mvcext/mvcext.h"
 #include "suite/mvcext/pattern_compiler.h"
+#include "suite/vklog/vklog.h"
+
+namespace {
+
+std::atomic<bool> g_bNoMemory = false;
+std::string g_strLogged;
+
+}  // namespace
+
+// Not inlined, or the compiler sees malloc and free where it expects the operators.
+[[gnu::noinline]] void* operator new(std::size_t nSize) {
+    void* const p = g_bNoMemory ? nullptr : std::malloc(nSize);
+    if (p == nullptr)
+        throw std::bad_alloc();
+    return p;
+}
+[[gnu::noinline]] void operator delete(void* p) noexcept {
+    std::free(p);
+}
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
+
+void vklogLog(const char* pszTag, int nLevel, const char*, ...) {
+    g_bNoMemory = false;
+    g_strLogged = std::string(pszTag) + " " + std::to_string(nLevel);
+}
 
 namespace mvp {
 namespace {
+
+TEST(Pattern, TellsTheLogOfMissingMemory) {
+    const CPattern made("a+");
+    g_bNoMemory = true;
+    EXPECT_FALSE(CPattern("a+").IsValid());
+    EXPECT_EQ(std::exchange(g_strLogged, ""), "MVCEXT 1");
+    g_bNoMemory = true;
+    EXPECT_FALSE(made.IsMatched("aaa"));
+    EXPECT_EQ(std::exchange(g_strLogged, ""), "MVCEXT 1");
+}
 
 bool Matches(const std::string& pattern, const std::string& text, bool bIgnoreCase = false) {
     const auto program = CompilePattern(pattern, bIgnoreCase);
