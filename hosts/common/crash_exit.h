@@ -4,7 +4,9 @@
 
 namespace mvp {
 
-// From now on a crash in any thread ends the process with `nExitCode`. Called first in main.
-void EndWithCodeOnCrash(unsigned nExitCode);
+// From now on a crash in any thread ends the process with `nExitCode`, and with `pszLastWords` on
+// stdout unless that is null; the text is not copied. Called first in main, and again to change
+// them.
+void EndWithCodeOnCrash(unsigned nExitCode, const char* pszLastWords = nullptr);
 
 }  // namespace mvp

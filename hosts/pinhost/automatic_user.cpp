@@ -2,8 +2,6 @@
 
 #include <array>
 #include <chrono>
-#include <cstdio>
-#include <map>
 #include <stdexcept>
 
 #include "common/keyboard.h"
@@ -11,6 +9,8 @@
 #include "common/thread_windows.h"
 #include "common/wait_for.h"
 #include "pinhost/command.h"
+#include "pinhost/ending.h"
+#include "pinhost/option_values.h"
 #include "pinhost/text.h"
 #include "platform/barrier.h"
 
@@ -86,9 +86,15 @@ HWND FindEdit(HWND hDialog) {
 }
 
 void AddPlanOptions(CLI::App& command, UserPlan& plan) {
-    const std::map<std::string, Press> presses{{"ok", Press::kOk}, {"cancel", Press::kCancel}};
-    command.add_option("--press", plan.press, "after typing, press ok or cancel")
-        ->transform(CLI::CheckedTransformer(presses).description("ok|cancel"));
+    command
+        .add_option_function<std::string>(
+            "--press",
+            [&plan](const std::string& strPress) {
+                plan.press = strPress == "ok" ? Press::kOk : Press::kCancel;
+            },
+            "after typing, press ok or cancel")
+        ->check(OneOf({"ok", "cancel"}))
+        ->type_name("ok|cancel");
     command
         .add_option("--screenshot", plan.strScreenshot,
                     "before that, save a picture of the dialog as this PNG file")
@@ -109,20 +115,18 @@ void AutomaticUser::Finish() {
 
 void AutomaticUser::Main(const std::stop_token& stop) noexcept {
     mvp::Guarded(
-        0,
         [&] {
             try {
                 ServeDialogs(stop);
             } catch (const DialogGone&) {
                 // The library returns, and its result says why.
-                return 0;
+                return;
             } catch (const std::exception& error) {
                 m_strFailure = error.what();
                 CancelUntil(stop);
             }
-            return 0;
         },
-        [] { TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::kEnvironment)); });
+        [] { EndNow("the automatic user failed"); });
 }
 
 void AutomaticUser::ServeDialogs(const std::stop_token& stop) {
@@ -211,10 +215,8 @@ void AutomaticUser::CancelUntil(const std::stop_token& stop) const {
         Sleep(50);
         return stop.stop_requested();
     });
-    if (!bStopped) {
-        std::fprintf(stderr, "pinhost: %s; a dialog cannot be cancelled\n", m_strFailure.c_str());
-        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::kEnvironment));
-    }
+    if (!bStopped)
+        EndNow((m_strFailure + "; a dialog cannot be cancelled").c_str());
 }
 
 }  // namespace pinhost

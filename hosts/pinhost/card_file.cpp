@@ -144,7 +144,9 @@ SoftwareCard CardOf(const Json& root) {
 }
 
 [[noreturn]] void RefuseFile(const std::filesystem::path& file, const std::string& strFault) {
-    throw CardFileError("card file " + file.string() + ": " + strFault);
+    const std::u8string strFile = file.u8string();
+    throw CardFileError("card file " + std::string(strFile.begin(), strFile.end()) + ": " +
+                        strFault);
 }
 
 // Without a buffer of its own, which nobody would overwrite.

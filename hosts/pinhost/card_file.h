@@ -23,8 +23,8 @@
 
 namespace pinhost {
 
-// A card file that cannot be read, written or understood. The text names file and fault, never a
-// PIN.
+// A card file that cannot be read, written or understood. The text, in UTF-8, names file and
+// fault, never a PIN.
 class CardFileError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -6,7 +6,9 @@
 #include "common/thread_windows.h"
 #include "common/wait_for.h"
 #include "pinhost/automatic_user.h"
+#include "pinhost/ending.h"
 #include "pinhost/pin_library.h"
+#include "platform/barrier.h"
 
 namespace pinhost {
 namespace {
@@ -33,6 +35,11 @@ bool CardRemover::Finish() {
 }
 
 void CardRemover::Main(const std::stop_token& stop) noexcept {
+    // Nothing else would close a dialog that waits for the removal.
+    mvp::Guarded([&] { PullCard(stop); }, [] { EndNow("the card could not be pulled"); });
+}
+
+void CardRemover::PullCard(const std::stop_token& stop) {
     const auto isDialogOpen = [this] {
         const auto windows = mvp::VisibleWindows(m_dwUiThreadId);
         return std::any_of(windows.begin(), windows.end(),
@@ -42,7 +49,9 @@ void CardRemover::Main(const std::stop_token& stop) noexcept {
     mvp::WaitFor(m_delay, [&] { return stop.stop_requested(); });
     if (stop.stop_requested())
         return;
-    m_bRemoved = m_pRaiseEvent(kCardRemovedEvent, m_strReader.c_str()) == 0;
+    if (m_pRaiseEvent(kCardRemovedEvent, m_strReader.c_str()) != 0)
+        throw EnvironmentError("the event was refused");
+    m_bRemoved = true;
 }
 
 }  // namespace pinhost

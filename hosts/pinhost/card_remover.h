@@ -25,6 +25,7 @@ public:
 
 private:
     void Main(const std::stop_token& stop) noexcept;
+    void PullCard(const std::stop_token& stop);
 
     mvp::ModuleHandle m_events;
     int (*m_pRaiseEvent)(int, const char*) = nullptr;

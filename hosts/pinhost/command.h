@@ -35,16 +35,16 @@ public:
 
 // Options that every command has.
 struct HostOptions {
-    bool bJson = false;
     std::string strLanguage;  // empty: the one beside the program
     std::string strLogFile;   // empty: no log
     bool bLogDetail = false;
 };
 
+// What came of a command, for people and for programs. docs/pinhost.md lists the words of "result".
 struct Outcome {
     ExitCode code = ExitCode::kAccepted;
-    std::string strText;          // for people
-    nlohmann::ordered_json json;  // for programs
+    std::string strText;
+    nlohmann::ordered_json json;
 };
 
 class Command {

@@ -2,15 +2,18 @@
 // command; the card behind it is a software card.
 #include <windows.h>
 
-#include <cstdio>
-#include <iostream>
+#include <algorithm>
+#include <memory>
+#include <sstream>
 #include <utility>
 #include <vector>
 
 #include "common/crash_exit.h"
-#include "pinhost/card_file.h"
 #include "pinhost/command.h"
 #include "pinhost/commands/commands.h"
+#include "pinhost/ending.h"
+#include "pinhost/pin_library.h"
+#include "pinhost/text.h"
 #include "platform/barrier.h"
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -24,7 +27,8 @@ constexpr char kFooter[] =
     "  1  wrong PIN, blocked, cancelled, refused\n"
     "  2  wrong command line\n"
     "  3  a library, a file or the display failed\n"
-    "  4  the host crashed";
+    "  4  the host crashed\n"
+    "docs/pinhost.md tells what --json prints.";
 
 // The console shows UTF-8 while this lives.
 class Utf8Console {
@@ -39,7 +43,7 @@ private:
 };
 
 void AddHostOptions(CLI::App& app, HostOptions& options) {
-    app.add_flag("--json", options.bJson, "print the result as one JSON object");
+    app.add_flag("--json")->description("print the result as one JSON object, whatever it is");
     app.add_option("--language", options.strLanguage,
                    "language of the library's texts, such as en or fr");
     auto* pLog = app.add_option("--log", options.strLogFile, "write the suite's log to this file");
@@ -47,42 +51,9 @@ void AddHostOptions(CLI::App& app, HostOptions& options) {
         ->needs(pLog);
 }
 
-void Print(const std::string& strCommand, const Outcome& outcome, bool bJson) {
-    if (!bJson) {
-        std::cout << outcome.strText << std::endl;
-        return;
-    }
-    nlohmann::ordered_json json{{"command", strCommand}};
-    json.update(outcome.json);
-    std::cout << json.dump() << std::endl;
-}
-
-ExitCode Complain(const std::exception& error, ExitCode code) {
-    std::cerr << "pinhost: " << error.what() << std::endl;
-    return code;
-}
-
 using Commands = std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>>;
 
-ExitCode RunChosen(const Commands& commands, const HostOptions& options) {
-    for (const auto& [pChosen, pCommand] : commands) {
-        if (!pChosen->parsed())
-            continue;
-        const Outcome outcome = pCommand->Run(options);
-        Print(pChosen->get_name(), outcome, options.bJson);
-        return outcome.code;
-    }
-    throw UsageError("no command");
-}
-
-ExitCode Main(int argc, char** argv) {
-    const Utf8Console console;
-    CLI::App app("Plays the smart-card middleware with a software card.", "pinhost");
-    app.footer(kFooter);
-    app.require_subcommand(1);
-    app.fallthrough();
-    HostOptions options;
-    AddHostOptions(app, options);
+Commands AddCommands(CLI::App& app) {
     Commands commands;
     for (auto* pMake : {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand,
                         MakeChangePinCommand, MakeRichTextCommand}) {
@@ -90,15 +61,82 @@ ExitCode Main(int argc, char** argv) {
         CLI::App* pAdded = pCommand->AddTo(app);
         commands.emplace_back(pAdded, std::move(pCommand));
     }
+    return commands;
+}
+
+std::string NamesOf(const Commands& commands) {
+    std::string strNames;
+    for (const auto& command : commands)
+        strNames.append(strNames.empty() ? "" : ", ").append(command.first->get_name());
+    return strNames;
+}
+
+Outcome RunChosen(const Commands& commands, const HostOptions& options) {
+    const auto it = std::find_if(commands.begin(), commands.end(),
+                                 [](const auto& command) { return command.first->parsed(); });
+    if (it == commands.end())
+        throw UsageError("no command; there are " + NamesOf(commands));
+    EndAs(it->first->get_name());
+    const mvp::ModuleHandle log = TurnLogOn(options);
+    return it->second->Run(options);
+}
+
+// What the parser has against the command line.
+std::string Fault(const CLI::App& app, const Commands& commands, const CLI::ParseError& error) {
+    std::string strFault = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
+        return strFault.substr(0, strFault.find(':')) + " needs a value";
+    const std::vector<std::string> rest = app.remaining(true);
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr || rest.empty())
+        return strFault;
+    if (app.get_subcommands().empty() && rest.front().rfind('-', 0) != 0)
+        return "unknown command \"" + rest.front() + "\"; there are " + NamesOf(commands);
+    strFault = "not understood:";
+    for (const std::string& strWord : rest)
+        strFault.append(" ").append(strWord);
+    return strFault;
+}
+
+ExitCode TellParse(const CLI::App& app, const Commands& commands, const CLI::ParseError& error) {
+    if (!app.get_subcommands().empty())
+        EndAs(app.get_subcommands().front()->get_name());
+    if (error.get_exit_code() != 0)
+        return TellFailure(ExitCode::kUsage, Utf8FromAnsi(Fault(app, commands, error)) +
+                                                 ". Run with --help for more information.");
+    std::ostringstream text;  // of --help or --version
+    app.exit(error, text, text);
+    Outcome outcome;
+    outcome.strText = text.str();
+    outcome.strText.erase(outcome.strText.find_last_not_of('\n') + 1);
+    outcome.json = {{"result", "shown"}, {"text", outcome.strText}};
+    return TellOutcome(outcome);
+}
+
+ExitCode Main(int argc, char** argv) {
+    const Utf8Console console;
+    // Before the parser: what it refuses is told in the same form.
+    if (std::find(argv + 1, argv + argc, std::string_view("--json")) != argv + argc)
+        EndInJson();
+    CLI::App app("Plays the smart-card middleware with a software card.", "pinhost");
+    app.footer(kFooter);
+    app.set_version_flag("--version", "pinhost " PINHOST_VERSION);
+    // A word that begins with a slash is a path.
+    app.allow_windows_style_options(false);
+    // None is refused later, so that the parser gets to say which word is no command.
+    app.require_subcommand(0, 1);
+    app.fallthrough();
+    HostOptions options;
+    AddHostOptions(app, options);
+    const Commands commands = AddCommands(app);
     try {
         app.parse(argc, argv);
-        return RunChosen(commands, options);
+        return TellOutcome(RunChosen(commands, options));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitCode::kAccepted : ExitCode::kUsage;
+        return TellParse(app, commands, error);
     } catch (const UsageError& error) {
-        return Complain(error, ExitCode::kUsage);
+        return TellFailure(ExitCode::kUsage, error.what());
     } catch (const std::exception& error) {
-        return Complain(error, ExitCode::kEnvironment);
+        return TellFailure(ExitCode::kEnvironment, error.what());
     }
 }
 
@@ -110,5 +148,5 @@ int main(int argc, char** argv) {
     return mvp::Guarded(
         static_cast<int>(pinhost::ExitCode::kEnvironment),
         [&] { return static_cast<int>(pinhost::Main(argc, argv)); },
-        [] { std::fputs("pinhost: out of memory\n", stderr); });
+        [] { pinhost::EndNow("out of memory"); });
 }

@@ -1,6 +1,7 @@
 #include "pinhost/pin_library.h"
 
 #include <algorithm>
+#include <array>
 
 #include "pinhost/text.h"
 
@@ -11,16 +12,7 @@ namespace {
 constexpr unsigned kLogLevels = 1 | 2 | 8 | 16;
 constexpr unsigned kLogDetail = 4;
 
-mvp::ModuleHandle TurnLogOn(const HostOptions& options) {
-    if (options.strLogFile.empty())
-        return {};
-    mvp::ModuleHandle log = LoadOwnModule("vklog.dll");
-    void (*pSetOutput)(const char*, unsigned) = nullptr;
-    Find(log, "vklogSetOutput", pSetOutput);
-    pSetOutput(AbsolutePath(options.strLogFile).c_str(),
-               kLogLevels | (options.bLogDetail ? kLogDetail : 0));
-    return log;
-}
+constexpr char kResourceModule[] = R"(Resources\Localized\mvpinguirc.dll)";
 
 bool IsLanguageName(const std::string& str) {
     return !str.empty() && std::all_of(str.begin(), str.end(), [](char ch) {
@@ -28,18 +20,35 @@ bool IsLanguageName(const std::string& str) {
     });
 }
 
+std::string InstallPath() {
+    std::array<char, 512> path{};
+    auto cbPath = static_cast<DWORD>(path.size());
+    const LSTATUS status =
+        RegGetValueA(HKEY_LOCAL_MACHINE, R"(Software\Quillon\Veskara)", "VeskaraInstallPath",
+                     RRF_RT_REG_SZ, nullptr, path.data(), &cbPath);
+    return status == ERROR_SUCCESS ? path.data() : "";
+}
+
+bool CanBeReadFrom(const std::string& strModule) {
+    return static_cast<bool>(mvp::ModuleHandle(LoadLibraryExA(
+        strModule.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE)));
+}
+
+// Without its resource module the library goes on, with empty texts and no dialogs: so it is looked
+// for first, where the library looks. A language that was asked for is taken from its own folder.
 void EnterLanguageFolder(const std::string& strLanguage) {
     std::string strFolder = OwnFolder();
     if (!strLanguage.empty()) {
         if (!IsLanguageName(strLanguage))
             throw UsageError("not a language: " + Utf8FromAnsi(strLanguage));
         strFolder.append("\\").append(strLanguage);
-        // The library itself would go on without any text.
-        const std::string strModule = strFolder + R"(\Resources\Localized\mvpinguirc.dll)";
-        if (GetFileAttributesA(strModule.c_str()) == INVALID_FILE_ATTRIBUTES)
-            throw EnvironmentError("no texts for the language " + strLanguage + ": " +
-                                   Utf8FromAnsi(strModule) + " is missing");
     }
+    const std::string strModule = strFolder + "\\" + kResourceModule;
+    const std::string strElsewhere = strLanguage.empty() ? InstallPath() + kResourceModule : "";
+    if (!CanBeReadFrom(strModule) && (strElsewhere.empty() || !CanBeReadFrom(strElsewhere)))
+        throw EnvironmentError("the library's texts cannot be read; tried " +
+                               Utf8FromAnsi(strModule) + (strElsewhere.empty() ? "" : " and ") +
+                               Utf8FromAnsi(strElsewhere));
     if (!SetCurrentDirectoryA(strFolder.c_str()))
         throw EnvironmentError("cannot enter " + Utf8FromAnsi(strFolder));
 }
@@ -56,7 +65,25 @@ mvp::ModuleHandle LoadOwnModule(const char* pszName) {
     return module;
 }
 
-PinLibrary::PinLibrary(const HostOptions& options) : m_log(TurnLogOn(options)) {
+mvp::ModuleHandle TurnLogOn(const HostOptions& options) {
+    if (options.strLogFile.empty())
+        return {};
+    const std::string strFile = AbsolutePath(options.strLogFile);
+    // The log itself would drop its lines and try again later.
+    const mvp::FileHandle file(CreateFileA(strFile.c_str(), FILE_APPEND_DATA,
+                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                           nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file)
+        throw EnvironmentError("the log file " + Utf8FromAnsi(strFile) +
+                               " cannot be written, error " + std::to_string(GetLastError()));
+    mvp::ModuleHandle log = LoadOwnModule("vklog.dll");
+    void (*pSetOutput)(const char*, unsigned) = nullptr;
+    Find(log, "vklogSetOutput", pSetOutput);
+    pSetOutput(strFile.c_str(), kLogLevels | (options.bLogDetail ? kLogDetail : 0));
+    return log;
+}
+
+PinLibrary::PinLibrary(const HostOptions& options) {
     EnterLanguageFolder(options.strLanguage);
     m_library = LoadOwnModule("mvpingui.dll");
     Find(m_library, "GetErrorString", GetErrorString);

@@ -19,12 +19,11 @@ namespace pinhost {
 
 class PinLibrary {
 public:
-    // Turns the log on if it is asked for, loads the library and initialises it. Throws
-    // EnvironmentError when a module, a function in it or the language is missing.
+    // Loads the library and initialises it. Throws EnvironmentError when a module, a function in it
+    // or the library's texts are missing.
     explicit PinLibrary(const HostOptions& options);
 
 private:
-    mvp::ModuleHandle m_log;
     mvp::ModuleHandle m_library;
 
 public:
@@ -35,6 +34,10 @@ public:
     decltype(&::GetChangePINInfoFromUser) GetChangePINInfoFromUser = nullptr;
     decltype(&::FreeGetPinBuffer) FreeGetPinBuffer = nullptr;
 };
+
+// Turns the suite's log on if it is asked for; it writes while the module is held. Throws
+// EnvironmentError when the file cannot be written.
+mvp::ModuleHandle TurnLogOn(const HostOptions& options);
 
 // Loads a module of the suite from the program's own folder. Throws EnvironmentError.
 mvp::ModuleHandle LoadOwnModule(const char* pszName);

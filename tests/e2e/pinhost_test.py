@@ -6,6 +6,7 @@ Usage: pinhost_test.py [EMULATOR] PINHOST.exe
 """
 
 import json
+import os
 import pathlib
 import shutil
 import subprocess
@@ -14,6 +15,7 @@ import tempfile
 import unittest
 
 PROGRAM = []  # set from the command line
+WORDS = (pathlib.Path(__file__).parents[2] / "docs/pinhost.md").read_text()
 
 PIN = "73519"
 NEW_PIN = "x8442"
@@ -29,12 +31,19 @@ class PinHostTest(unittest.TestCase):
         return subprocess.run([*(program or PROGRAM), *arguments], cwd=self.folder, timeout=100,
                               capture_output=True, encoding="utf-8")
 
-    def expect(self, code, result, *arguments):
+    def expect(self, code, result, *arguments, command="", program=None):
         """Runs with --json; compares the exit code and the members of the result."""
-        run = self.run_host(*arguments, "--json")
+        run = self.run_host("--json", *arguments, program=program)
         self.assertEqual(run.returncode, code, run)
         actual = json.loads(run.stdout)
-        self.assertEqual(actual, {"command": arguments[0], **result})
+        message = actual.get("message", "")
+        if "message" in result:
+            self.assertIn(result["message"], message)
+            self.assertEqual(run.stderr, f"pinhost: {message}\n")
+            result = {**result, "message": message}
+        command = arguments[0] if command == "" else command
+        self.assertEqual(actual, {"command": command, **result})
+        self.assertIn(f"`{actual['result']}`", WORDS)
         for pin in (PIN, NEW_PIN):
             self.assertNotIn(pin, run.stdout + run.stderr)
 
@@ -54,39 +63,90 @@ class PinHostTest(unittest.TestCase):
         run = self.run_host("error-text", "11")
         self.assertEqual(run.returncode, 0, run)
         self.assertGreater(len(run.stdout.strip()), 10)
-        self.expect(0, {"code": 11, "text": run.stdout.strip()}, "error-text", "11")
-        self.expect(1, {"code": 13, "text": ""}, "error-text", "13")
+        shown = {"result": "shown", "code": 11, "text": run.stdout.strip()}
+        self.expect(0, shown, "error-text", "11")
+        self.expect(1, {"result": "unknown", "code": 13}, "error-text", "13")
         french = self.run_host("error-text", "11", "--language", "fr")
         self.assertNotEqual(french.stdout, run.stdout)
         self.assertIn("é", french.stdout)
 
+    def test_what_it_is(self):
+        version = self.run_host("--version")
+        self.assertEqual(version.returncode, 0, version)
+        self.assertRegex(version.stdout, r"^pinhost \d+\.\d+\.\d+\n$")
+        self.expect(0, {"result": "shown", "text": version.stdout.strip()}, "--version",
+                    command=None)
+
     def test_wrong_command_lines(self):
-        for arguments in ([], ["frobnicate"], ["error-text"], ["error-text", "eleven"],
-                          ["last-try", "--press", "maybe"], ["last-try", "--type", "1"],
-                          ["get-pin", "--min", "9", "--max", "8", "--card", "card.json"],
-                          ["change-pin", "--no-current", "--type", "1"],
-                          ["change-pin", "--mandatory", "--press", "cancel"],
-                          ["get-pin", "--min", "-1"], ["get-pin", "--log-detail"],
-                          ["error-text", "1", "--language", "..\\fr"]):
+        (self.folder / "links.html").write_text('<a href="x">one</a>')
+        # With its slash in front, a path is no option.
+        links = ("richtext", str(self.folder / "links.html"), "--screenshot", "links.png")
+        for words, *arguments in (
+                ("no command; there are error-text",),
+                ('unknown command "frobnicate"; there are error-text', "frobnicate", "1"),
+                ("code is required", "error-text"),
+                ('code: "eleven" is not a whole number', "error-text", "eleven"),
+                ('--press: "maybe" is none of ok, cancel', "last-try", "--press", "maybe"),
+                ("not understood: --type 1", "last-try", "--type", "1"),
+                ("(--min) is longer", "get-pin", "--min", "9", "--max", "8"),
+                ("--type", "change-pin", "--no-current", "--type", "1"),
+                ("cannot be cancelled", "change-pin", "--mandatory", "--press", "cancel"),
+                ('--min: "-1" is not a whole number from 0 to', "get-pin", "--min", "-1"),
+                ("--min needs a value", "get-pin", "--min"),
+                ("--log-detail requires --log", "get-pin", "--log-detail"),
+                ("not a language: ..\\fr", "error-text", "1", "--language", "..\\fr"),
+                ('--dump: "boxes" is none of markup', *links, "--dump", "boxes"),
+                ("no link 1: the text has 1, counted from 0", *links, "--hover", "1"),
+                ("no link -2", *links, "--focus", "-2")):
             with self.subTest(arguments):
-                run = self.run_host(*arguments)
-                self.assertEqual(run.returncode, 2, run)
-                self.assertEqual(run.stdout, "")
-                self.assertGreater(len(run.stderr), 10)
+                known = arguments and arguments[0] in WORDS
+                self.expect(2, {"result": "usage", "message": words}, *arguments,
+                            command=arguments[0] if known else None)
+        run = self.run_host("error-text")
+        self.assertEqual((run.returncode, run.stdout), (2, ""))
+
+    def copy_host(self, name, *others):
+        """The program in a folder of its own, with what else is named of its folder."""
+        (self.folder / name).mkdir()
+        binaries = pathlib.Path(PROGRAM[-1]).parent
+        for pattern in ("pinhost.exe", *others):
+            for path in binaries.glob(pattern):
+                copy = shutil.copytree if path.is_dir() else shutil.copy
+                copy(path, self.folder / name / path.name)
+        return [*PROGRAM[:-1], str(self.folder / name / "pinhost.exe")]
 
     def test_what_is_missing_is_told(self):
-        alone = self.folder / "pinhost.exe"
-        shutil.copy(PROGRAM[-1], alone)
+        without_library = self.copy_host("alone", "Resources")
+        without_texts = self.copy_host("mute", "*.dll")
         (self.folder / "bad.json").write_text("{}")
+        texts = ("mute\\Resources\\Localized\\mvpinguirc.dll and "
+                 "Resources\\Localized\\mvpinguirc.dll")
         for program, fault, *arguments in (
-                ([*PROGRAM[:-1], str(alone)], "mvpingui.dll", "error-text", "11"),
-                (None, "mvpinguirc.dll", "error-text", "11", "--language", "xx"),
+                (without_library, "mvpingui.dll", "error-text", "11"),
+                (without_texts, texts, "last-try", "--press", "ok"),
+                (None, "xx\\Resources\\Localized\\mvpinguirc.dll", "error-text", "11",
+                 "--language", "xx"),
                 (None, "bad.json", "get-pin", "--card", "bad.json"),
-                (None, "card.json", "get-pin", "--card", "missing/card.json")):
+                (None, "card.json", "get-pin", "--card", "missing/card.json"),
+                (None, "x.log cannot be written", "error-text", "11", "--log", "missing/x.log")):
             with self.subTest(fault):
-                run = self.run_host(*arguments, program=program)
-                self.assertEqual(run.returncode, 3, run)
-                self.assertIn(fault, run.stderr)
+                self.expect(3, {"result": "failed", "message": fault}, *arguments, program=program)
+
+    @unittest.skipUnless(os.name == "posix", "would change this machine's registry")
+    def test_texts_of_the_install_path_serve(self):
+        """They are the second place where the library looks."""
+        program = self.copy_host("mute", "*.dll")
+        french = pathlib.Path(PROGRAM[-1]).parent / "fr"
+        key = ("HKLM\\Software\\Quillon\\Veskara", "/v", "VeskaraInstallPath", "/f")
+        path = "Z:" + str(french).replace("/", "\\") + "\\"
+        reg = [*PROGRAM[:-1], "reg.exe"]
+        self.assertEqual(self.run_host("add", *key, "/d", path, program=reg).returncode, 0)
+        try:
+            run = self.run_host("error-text", "11", program=program)
+        finally:
+            self.run_host("delete", *key, program=reg)
+        self.assertEqual(run.returncode, 0, run)
+        self.assertIn("é", run.stdout)
 
     def test_last_try(self):
         self.expect(0, {"reader": "Reader A", "result": "accepted"}, "last-try", "--reader",

@@ -4,6 +4,7 @@
 
 #include "pinhost/card_file.h"
 #include "pinhost/card_remover.h"
+#include "pinhost/option_values.h"
 #include "pinhost/text.h"
 
 namespace pinhost {
@@ -13,11 +14,14 @@ void CardOptions::AddTo(CLI::App& command) {
                        "file of the software card; made anew when there is none "
                        "(pinhost-card.json beside the program)");
     command.add_option("--reader", strReader, "name of the reader (the card's own)");
-    command.add_option("--min", dwMin, "shortest PIN in bytes (the card's own rule)");
-    command.add_option("--max", dwMax, "longest PIN in bytes (the card's own rule)");
+    const CLI::Validator number = AnyWholeNumber<std::uint32_t>();
+    command.add_option("--min", dwMin, "shortest PIN in bytes (the card's own rule)")
+        ->check(number);
+    command.add_option("--max", dwMax, "longest PIN in bytes (the card's own rule)")->check(number);
     command
         .add_option("--remove-card-after", dwRemoveAfter,
                     "pull the card this many milliseconds after the dialog has opened")
+        ->check(number)
         ->type_name("MS");
 }
 

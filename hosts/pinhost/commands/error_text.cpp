@@ -2,6 +2,7 @@
 #include <cstdint>
 
 #include "pinhost/commands/commands.h"
+#include "pinhost/option_values.h"
 #include "pinhost/pin_library.h"
 #include "pinhost/text.h"
 
@@ -13,22 +14,22 @@ public:
     CLI::App* AddTo(CLI::App& app) override {
         CLI::App* pCommand =
             app.add_subcommand("error-text", "Print the text for a card operation's result code");
-        pCommand->add_option("code", m_nCode, "the result code")->required();
+        pCommand->add_option("code", m_nCode, "the result code")
+            ->check(AnyWholeNumber<std::int32_t>())
+            ->required();
         return pCommand;
     }
 
     Outcome Run(const HostOptions& options) override {
         const PinLibrary library(options);
         const std::string strText = Utf8FromAnsi(library.GetErrorString(m_nCode));
-        Outcome outcome;
-        outcome.json["code"] = m_nCode;
-        outcome.json["text"] = strText;
-        outcome.strText = strText;
-        if (strText.empty()) {
-            outcome.code = ExitCode::kNotAccepted;
-            outcome.strText = "There is no text for code " + std::to_string(m_nCode) + ".";
-        }
-        return outcome;
+        if (strText.empty())
+            return {ExitCode::kNotAccepted,
+                    "There is no text for code " + std::to_string(m_nCode) + ".",
+                    {{"result", "unknown"}, {"code", m_nCode}}};
+        return {ExitCode::kAccepted,
+                strText,
+                {{"result", "shown"}, {"code", m_nCode}, {"text", strText}}};
     }
 
 private:

@@ -6,9 +6,11 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <optional>
 
 #include "common/screenshot.h"
 #include "pinhost/commands/commands.h"
+#include "pinhost/option_values.h"
 #include "pinhost/text.h"
 #include "platform/handle.h"
 #include "richtext/dump.h"
@@ -40,18 +42,21 @@ public:
         pCommand->add_option("file", m_strFile, "the markup, in the system's ANSI code page")
             ->required();
         pCommand->add_option("--width", m_nWidth, "width of the text in pixels")
-            ->check(CLI::Range(1, 4000))
+            ->check(WholeNumber(1, 4000))
             ->capture_default_str();
         pCommand->add_option("--style-sheet", m_strSheet,
                              "a file with the style sheet to use in place of the built-in one");
         auto* pPicture = pCommand->add_option("--screenshot", m_strScreenshot,
                                               "write a picture of the text to this PNG file");
+        const CLI::Validator number = AnyWholeNumber<int>();
         pCommand->add_option("--hover", m_nHover, "draw link N as if the mouse were over it")
+            ->check(number)
             ->needs(pPicture);
         pCommand->add_option("--focus", m_nFocus, "draw link N with the keyboard's focus")
+            ->check(number)
             ->needs(pPicture);
         pCommand->add_option("--dump", m_strDump, "print a stage as text")
-            ->check(CLI::IsMember({"markup", "style", "layout"}));
+            ->check(OneOf({"markup", "style", "layout"}));
         return pCommand;
     }
 
@@ -63,6 +68,7 @@ public:
         if (!m_strSheet.empty())
             drawer.SetStyleSheet(ReadTextFile(m_strSheet).c_str());
         drawer.SetText(strMarkup);
+        CheckLinks(drawer.LinkCount());
         if (!m_strScreenshot.empty())
             drawer.SetMargins(kMargin, kMargin);
         const SIZE size = drawer.Measure(PictureWidth());
@@ -72,6 +78,7 @@ public:
         Outcome outcome;
         outcome.strText = m_strDump.empty() ? drawer.PlainText() : Dump(drawer, strMarkup);
         outcome.strText = Utf8FromAnsi(outcome.strText);
+        outcome.json["result"] = "shown";
         outcome.json["width"] = size.cx;
         outcome.json["height"] = size.cy;
         outcome.json["links"] = drawer.LinkCount();
@@ -81,6 +88,13 @@ public:
 
 private:
     int PictureWidth() const { return m_strScreenshot.empty() ? m_nWidth : m_nWidth + 2 * kMargin; }
+
+    void CheckLinks(int nLinks) const {
+        for (const auto& nLink : {m_nHover, m_nFocus})
+            if (nLink && (*nLink < 0 || *nLink >= nLinks))
+                throw UsageError("there is no link " + std::to_string(*nLink) + ": the text has " +
+                                 std::to_string(nLinks) + ", counted from 0");
+    }
 
     std::string Dump(const CHtmlDrawer& drawer, const std::string& strMarkup) const {
         const mvp::richtext::CRichText& text = drawer.RichText();
@@ -98,8 +112,8 @@ private:
         const mvp::Bitmap bitmap(CreateCompatibleBitmap(screen.get(), area.right, area.bottom));
         if (!memory || !bitmap)
             throw EnvironmentError("no bitmap for the picture");
-        drawer.SetHoverLink(m_nHover);
-        drawer.SetFocusLink(m_nFocus);
+        drawer.SetHoverLink(m_nHover.value_or(kNoLink));
+        drawer.SetFocusLink(m_nFocus.value_or(kNoLink));
         {
             const mvp::DcSelection selection(memory.get(), bitmap.get());
             FillRect(memory.get(), &area, GetSysColorBrush(COLOR_WINDOW));
@@ -115,8 +129,8 @@ private:
     std::string m_strScreenshot;
     std::string m_strDump;
     int m_nWidth = 360;
-    int m_nHover = kNoLink;
-    int m_nFocus = kNoLink;
+    std::optional<int> m_nHover;
+    std::optional<int> m_nFocus;
 };
 
 }  // namespace
