@@ -36,17 +36,23 @@ function(mvp_unit_test name)
   set_tests_properties(unit.${name} PROPERTIES TIMEOUT 300 LABELS unit)
 endfunction()
 
-# mvp_ui_test(name SOURCES... [LIBS libraries...]): a Windows GoogleTest program, run under Wine.
-# It lies in testbin/, beside copies of the product's libraries and the recording modules that
-# stand in for the suite's own.
+# mvp_ui_test(name SOURCES... [LIBS libraries...] [SCANS]): a Windows GoogleTest program, run under
+# Wine. It lies in testbin/, beside copies of the product's libraries and the recording modules that
+# stand in for the suite's own. SCANS: it looks for secrets in the memory.
 function(mvp_ui_test name)
-  cmake_parse_arguments(arg "" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(arg "SCANS" "" "LIBS" ${ARGN})
+  # Padded heap blocks, so that the check after each test sees an overrun. They are filled when they
+  # are freed, which hides what was left in them: a program that scans does without.
+  set(debug -all,warn+heap)
+  if(arg_SCANS)
+    set(debug -all)
+    list(APPEND arg_UNPARSED_ARGUMENTS ${PROJECT_SOURCE_DIR}/tests/support/scan_control_test.cpp)
+  endif()
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE mvp_options ${arg_LIBS} mvp_test_support)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
   add_dependencies(${name} test_modules)
   add_test(NAME ui.${name} COMMAND ${name} WORKING_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
-  # Padded heap blocks, so that the check after each test sees an overrun.
   set_tests_properties(ui.${name} PROPERTIES TIMEOUT 240 LABELS ui RUN_SERIAL ON
-                       ENVIRONMENT WINEDEBUG=-all,warn+heap)
+                       ENVIRONMENT WINEDEBUG=${debug})
 endfunction()

@@ -5,7 +5,8 @@
 // library's words. On the oldest system, whose edits have none, the control makes its own balloon
 // and shows and hides it by the focus and the keys.
 //
-// What was typed is overwritten inside the system's control before its window goes.
+// What was typed is overwritten inside the system's control before its window goes, and a selection
+// before it is deleted, so undoing does not bring it back.
 //
 // Bind it to a dialog's edit by data exchange or SubclassDlgItem. A dialog that moves calls
 // ResetToolTip, so that no balloon stays behind.
@@ -32,6 +33,7 @@ public:
 
 protected:
     void PreSubclassWindow() override;
+    LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     afx_msg void OnDestroy();
     afx_msg void OnSetFocus(CWnd* pOldWnd);

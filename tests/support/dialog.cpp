@@ -8,6 +8,7 @@
 #include "common/thread_windows.h"
 #include "support/clipboard.h"
 #include "support/driver_core.h"
+#include "support/memory_scan.h"
 #include "support/waiting.h"
 
 namespace mvp::test {
@@ -154,15 +155,24 @@ void Dialog::Focus(int nId) {
               [&] { return FocusedControl() == hControl; });
 }
 
-void Dialog::Type(int nId, std::string_view text) {
+template <class Characters>
+void Dialog::TypeEach(int nId, const Characters& text) {
     HWND hControl = Usable(nId);
     if (FocusedControl() != hControl)
         Focus(nId);
     const LRESULT nLength = m_core.Send(hControl, WM_GETTEXTLENGTH, 0, 0);
     m_core.Send(hControl, EM_SETSEL, static_cast<WPARAM>(nLength), nLength);
-    for (const char ch : text)
-        Post(hControl, WM_CHAR, static_cast<unsigned char>(ch), 1);
+    for (size_t i = 0; i < text.size(); ++i)
+        Post(hControl, WM_CHAR, static_cast<unsigned char>(text[i]), 1);
     Settle();
+}
+
+void Dialog::Type(int nId, std::string_view text) {
+    TypeEach(nId, text);
+}
+
+void Dialog::Type(int nId, const Secret& secret) {
+    TypeEach(nId, secret);
 }
 
 void Dialog::Paste(int nId, std::string_view text) {

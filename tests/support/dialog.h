@@ -28,6 +28,7 @@
 namespace mvp::test {
 
 class DriverCore;
+class Secret;
 
 // Which dialog is meant. Every field that is set has to match.
 struct DialogMatch {
@@ -68,6 +69,7 @@ public:
     void Focus(int nId);
     // Puts the caret behind the control's text and types there, one character message each.
     void Type(int nId, std::string_view text);
+    void Type(int nId, const Secret& secret);
     // Puts `text` on the clipboard and pastes it over the selection.
     void Paste(int nId, std::string_view text);
     void Click(int nId);
@@ -107,6 +109,8 @@ public:
 private:
     HWND Find(int nId) const;
     HWND Usable(int nId) const;
+    template <class Characters>
+    void TypeEach(int nId, const Characters& text);
     void Post(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const;
     void BringToForeground() const;
 

@@ -1,9 +1,12 @@
 #include "support/memory_scan.h"
 
 #include <algorithm>
-#include <cstring>
 #include <ostream>
+#include <random>
 #include <stdexcept>
+#include <utility>
+
+#include <gtest/gtest.h>
 
 #include "platform/handle.h"
 #include "support/memory_map.h"
@@ -11,14 +14,18 @@
 namespace mvp::test {
 namespace {
 
-constexpr char kCode = '\x5A';
 constexpr size_t kMaxHits = 4096;
 constexpr size_t kChunk = size_t{1} << 18;
 
 struct RawHit {
     ULONG_PTR address;
+    size_t nPiece;
     bool bWide;
 };
+
+constexpr size_t PieceSize(bool bWide) {
+    return Secret::kPiece * (bWide ? 2 : 1);
+}
 
 // Memory of the scan's own, outside every heap, which the scan leaves out. Zeroed by the system
 // when it is given back.
@@ -34,28 +41,29 @@ struct ScratchTraits {
     static void Close(Handle handle) noexcept { VirtualFree(handle, 0, MEM_RELEASE); }
 };
 
-void FindIn(const Needle& needle, Scratch& scratch, ULONG_PTR nBase, size_t nFresh, size_t nRead) {
-    const unsigned char* const pEnd = scratch.bytes + nRead;
-    const unsigned char* pAt = scratch.bytes;
-    while (pAt < scratch.bytes + nFresh) {
-        const auto nLeft = static_cast<size_t>(scratch.bytes + nFresh - pAt);
-        pAt = static_cast<const unsigned char*>(std::memchr(pAt, needle.FirstByte(), nLeft));
-        if (pAt == nullptr)
-            return;
+}  // namespace
+
+template <class Found>
+void Secret::FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nBytes,
+                        Found found) const {
+    for (size_t i = 0; i < nFresh; ++i) {
+        const int nPiece = m_pieceByFirst[pBytes[i]];
+        if (nPiece < 0)
+            continue;
         for (const bool bWide : {false, true})
-            if (static_cast<size_t>(pEnd - pAt) >= needle.Size(bWide) &&
-                needle.Matches(pAt, bWide) && scratch.nHits < kMaxHits)
-                scratch.hits[scratch.nHits++] = {
-                    nBase + static_cast<ULONG_PTR>(pAt - scratch.bytes), bWide};
-        ++pAt;
+            if (nBytes - i >= PieceSize(bWide) &&
+                IsPiece(static_cast<size_t>(nPiece), pBytes + i, bWide))
+                found(i, static_cast<size_t>(nPiece), bWide);
     }
 }
 
+namespace {
+
 // Reads what of the range is still there, page by page where a page has vanished.
-void ScanRange(HANDLE hProcess, const Needle& needle, ULONG_PTR nBegin, ULONG_PTR nEnd,
+void ScanRange(HANDLE hProcess, const Secret& secret, ULONG_PTR nBegin, ULONG_PTR nEnd,
                Scratch& scratch) {
     constexpr size_t kPage = 4096;
-    const size_t nOverlap = needle.Size(true) - 1;
+    const size_t nOverlap = PieceSize(true) - 1;
     for (ULONG_PTR nAt = nBegin; nAt < nEnd;) {
         const size_t nWanted = std::min<size_t>(nEnd - nAt, kChunk);
         SIZE_T nRead = 0;
@@ -66,7 +74,11 @@ void ScanRange(HANDLE hProcess, const Needle& needle, ULONG_PTR nBegin, ULONG_PT
                               std::min(nWanted, kPage), &nRead);
         const bool bLast = nAt + nRead >= nEnd || nRead <= nOverlap;
         const size_t nFresh = bLast ? nRead : nRead - nOverlap;
-        FindIn(needle, scratch, nAt, nFresh, nRead);
+        secret.FindPieces(scratch.bytes, nFresh, nRead,
+                          [&](size_t nOffset, size_t nPiece, bool bWide) {
+                              if (scratch.nHits < kMaxHits)
+                                  scratch.hits[scratch.nHits++] = {nAt + nOffset, nPiece, bWide};
+                          });
         nAt += std::max(nFresh, nRead == 0 ? kPage : size_t{1});
     }
     SecureZeroMemory(scratch.bytes, sizeof scratch.bytes);
@@ -79,59 +91,85 @@ bool IsWritable(const MEMORY_BASIC_INFORMATION& info) {
            (info.Protect & PAGE_GUARD) == 0;
 }
 
-void ScanAll(HANDLE hProcess, const Needle& needle, Scratch& scratch) {
+void ScanAll(HANDLE hProcess, const Secret& secret, Scratch& scratch) {
     MEMORY_BASIC_INFORMATION info = {};
     for (ULONG_PTR nAt = 0;
          VirtualQueryEx(hProcess, reinterpret_cast<const void*>(nAt), &info, sizeof info) != 0;) {
         nAt = reinterpret_cast<ULONG_PTR>(info.BaseAddress) + info.RegionSize;
         if (IsWritable(info) && info.AllocationBase != &scratch)
-            ScanRange(hProcess, needle, nAt - info.RegionSize, nAt, scratch);
+            ScanRange(hProcess, secret, nAt - info.RegionSize, nAt, scratch);
     }
 }
 
-std::vector<MemoryHit> Scan(HANDLE hProcess, const Needle& needle) {
+// Whether the piece lies right behind what the hit has so far, in the memory and in the secret.
+bool Continues(const MemoryHit& hit, const RawHit& piece) {
+    return hit.bWide == piece.bWide &&
+           piece.address == hit.address + hit.nCount * (hit.bWide ? 2 : 1) &&
+           piece.nPiece * Secret::kPiece == hit.nFirst + hit.nCount;
+}
+
+std::vector<MemoryHit> Scan(HANDLE hProcess, const Secret& secret) {
     const UniqueHandle<ScratchTraits> scratch(static_cast<Scratch*>(
         VirtualAlloc(nullptr, sizeof(Scratch), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
     if (!scratch)
         throw std::runtime_error("no memory to scan with");
-    ScanAll(hProcess, needle, *scratch.get());
+    ScanAll(hProcess, secret, *scratch.get());
     const MemoryMap map(hProcess);
     std::vector<MemoryHit> hits;
     for (size_t i = 0; i < scratch.get()->nHits; ++i) {
         const RawHit& raw = scratch.get()->hits[i];
-        MemoryHit hit = map.Attribute(raw.address);
-        hit.bWide = raw.bWide;
-        hits.push_back(hit);
+        if (hits.empty() || !Continues(hits.back(), raw)) {
+            hits.push_back(map.Attribute(raw.address));
+            hits.back().bWide = raw.bWide;
+            hits.back().nFirst = raw.nPiece * Secret::kPiece;
+        }
+        hits.back().nCount += Secret::kPiece;
     }
     return hits;
 }
 
 }  // namespace
 
-Needle::Needle(std::string_view text) {
-    if (text.size() < 4)
-        throw std::invalid_argument("the text to look for is too short");
-    for (const char ch : text)
-        m_encoded.push_back(static_cast<char>(ch ^ kCode));
+Secret::Secret()
+    : Secret([] {
+          static unsigned s_nLast = 0;
+          return ++s_nLast;
+      }()) {}
+
+Secret::Secret(unsigned nNumber) {
+    std::mt19937 random(nNumber);
+    std::string encoded;
+    for (const auto& [first, last] : {std::pair{'0', '9'}, {'A', 'Z'}, {'a', 'z'}})
+        for (char ch = first; ch <= last; ++ch)
+            encoded.push_back(Coded(ch));
+    std::shuffle(encoded.begin(), encoded.end(), random);
+    std::copy_n(encoded.begin(), kLength, m_encoded.begin());
+    m_pieceByFirst.fill(-1);
+    for (size_t i = 0; i < kLength; i += kPiece)
+        m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) =
+            static_cast<signed char>(i / kPiece);
 }
 
-unsigned char Needle::FirstByte() const {
-    return static_cast<unsigned char>(m_encoded.front() ^ kCode);
-}
-
-bool Needle::Matches(const unsigned char* pBytes, bool bWide) const {
-    for (const char ch : m_encoded) {
-        if (static_cast<unsigned char>(*pBytes++ ^ kCode) != static_cast<unsigned char>(ch))
-            return false;
-        if (bWide && *pBytes++ != 0)
-            return false;
+void Secret::CopyTo(void* pTarget, bool bWide) const {
+    auto* pAt = static_cast<volatile char*>(pTarget);
+    for (size_t i = 0; i < kLength; ++i) {
+        *pAt++ = (*this)[i];
+        if (bWide)
+            *pAt++ = '\0';
     }
+}
+
+bool Secret::IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const {
+    for (size_t i = nPiece * kPiece; i < (nPiece + 1) * kPiece; ++i)
+        if (*pBytes++ != static_cast<unsigned char>((*this)[i]) || (bWide && *pBytes++ != 0))
+            return false;
     return true;
 }
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
-    stream << (hit.bWide ? "16-bit" : "8-bit") << " text at 0x" << std::hex << hit.address
-           << std::dec << " in ";
+    stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
+           << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address << std::dec
+           << " in ";
     switch (hit.place) {
         case MemoryHit::Place::kModule:
             return stream << "the data of " << hit.strOwner;
@@ -145,12 +183,32 @@ std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
     return stream << "other memory";
 }
 
-std::vector<MemoryHit> ScanOwnMemory(const Needle& needle) {
-    return Scan(GetCurrentProcess(), needle);
+std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
+    return Scan(GetCurrentProcess(), secret);
 }
 
-std::vector<MemoryHit> ScanProcess(HANDLE hProcess, const Needle& needle) {
-    return Scan(hProcess, needle);
+SecretWatch::SecretWatch(std::vector<const Secret*> secrets)
+    : m_secrets(std::move(secrets)),
+      m_freedBlocks({nullptr, "mvpingui.dll", "dlgfw.dll", "comctl32.dll", "user32.dll"},
+                    [this](const void* pBlock, size_t nBytes) {
+                        for (const Secret* pSecret : m_secrets)
+                            pSecret->FindPieces(static_cast<const unsigned char*>(pBlock), nBytes,
+                                                nBytes, [&](size_t, size_t, bool) {
+                                                    ++m_nFreed;
+                                                    m_nSizeOfFreed = nBytes;
+                                                });
+                    }) {}
+
+void SecretWatch::ExpectNothingLeft(const char* pszWhen) const {
+    EXPECT_EQ(m_nFreed, 0) << pszWhen << ": pieces in blocks that were freed, the last one of "
+                           << m_nSizeOfFreed << " bytes";
+    for (size_t i = 0; i < m_secrets.size(); ++i)
+        for (const MemoryHit& hit : ScanOwnMemory(*m_secrets[i]))
+            ADD_FAILURE() << pszWhen << ", secret " << i + 1 << ": " << hit;
+}
+
+std::vector<MemoryHit> ScanProcess(HANDLE hProcess, const Secret& secret) {
+    return Scan(hProcess, secret);
 }
 
 }  // namespace mvp::test

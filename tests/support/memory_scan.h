@@ -1,41 +1,65 @@
-// Looks for a text in the memory of a process, to prove that a secret has been wiped:
+// Looks for a secret in the memory of a process, to prove that it has been wiped:
 //
-//     const Needle pin("73519");
+//     const Secret pin;
+//     const SecretWatch watch({&pin});
 //     ...  // the secret comes and goes
-//     for (const MemoryHit& hit : ScanOwnMemory(pin))
-//         ADD_FAILURE() << hit;
+//     watch.ExpectNothingLeft("after Cancel");
 //
-// All committed, writable memory that the system lists for the process is read; the text is found
-// as 8-bit and as 16-bit characters. The test itself must not keep the text where it could be
-// found: a literal is safe, being in read-only memory, but a std::string of it is not.
+// A watch looks at what is freed, when it is, and at what is in the memory at the end.
+//
+// All committed, writable memory that the system lists for the process is read; the secret is found
+// as 8-bit and as 16-bit characters, and by any piece of it: a freed block whose ends the heap uses
+// for its own records, or that another block overlaps, still counts.
 //
 // The scan reads by way of the system's own reading of process memory, so that pages may vanish
-// meanwhile, and takes no heap memory while it looks: a freed block that holds the text is not
+// meanwhile, and takes no heap memory while it looks: a freed block that holds the secret is not
 // taken for something else before it was seen.
+//
+// A program that scans is declared with SCANS (mvp_ui_test): heaps that fill what is freed would
+// hide everything.
 #pragma once
 
 #include <windows.h>
 
+#include <array>
+#include <atomic>
 #include <iosfwd>
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "support/freed_blocks.h"
 
 namespace mvp::test {
 
-// The text to look for, kept encoded, so that the scan does not find the search itself.
-class Needle {
+// Forty letters and digits in no order, no two alike and none in the order of another secret of the
+// program. They are kept encoded, so that neither the program nor the search is found.
+class Secret {
 public:
-    // `text` has at least four characters: shorter ones are found by accident.
-    explicit Needle(std::string_view text);
+    static constexpr size_t kLength = 40;
+    // What is searched for: each of the pieces of this length that the secret is made of.
+    static constexpr size_t kPiece = 8;
 
-    // Whether the bytes at `pBytes` are the text. At least Size(bWide) bytes can be read there.
-    bool Matches(const unsigned char* pBytes, bool bWide) const;
-    size_t Size(bool bWide) const { return m_encoded.size() * (bWide ? 2 : 1); }
-    unsigned char FirstByte() const;
+    Secret();
+    // The same secret for the same number, in every process; the others count from 1.
+    explicit Secret(unsigned nNumber);
+
+    static constexpr size_t size() { return kLength; }
+    // One character. Whoever collects them has made a copy.
+    char operator[](size_t i) const { return Coded(m_encoded.at(i)); }
+    // Writes all of it, without a terminator, and leaves no other copy.
+    void CopyTo(void* pTarget, bool bWide = false) const;
+    // Calls `found` with the place and the number of each piece that begins in the first `nFresh`
+    // of the bytes, and with whether it is of 16-bit characters.
+    template <class Found>
+    void FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nBytes, Found found) const;
 
 private:
-    std::string m_encoded;
+    static char Coded(char ch) { return static_cast<char>(ch ^ '\x5A'); }
+
+    bool IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const;
+
+    std::array<char, kLength> m_encoded{};
+    std::array<signed char, 256> m_pieceByFirst{};  // what a character begins, or -1
 };
 
 struct MemoryHit {
@@ -47,6 +71,8 @@ struct MemoryHit {
     };
 
     ULONG_PTR address = 0;
+    size_t nFirst = 0;  // of the secret's characters
+    size_t nCount = 0;
     bool bWide = false;
     Place place = Place::kOther;
     // The module's file name; "C heap", "process heap" or "heap 0x..."; "thread ...". Empty for
@@ -57,11 +83,27 @@ struct MemoryHit {
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit);
 
-// At most the first 4,096 hits, by address.
-std::vector<MemoryHit> ScanOwnMemory(const Needle& needle);
+// At most the first 4,096 pieces, by address; neighbours that continue each other are one hit.
+std::vector<MemoryHit> ScanOwnMemory(const Secret& secret);
 
 // Another process, opened with PROCESS_QUERY_INFORMATION and PROCESS_VM_READ. Its heaps are not
 // told from other memory: what lies in them is kOther.
-std::vector<MemoryHit> ScanProcess(HANDLE hProcess, const Needle& needle);
+std::vector<MemoryHit> ScanProcess(HANDLE hProcess, const Secret& secret);
+
+// What becomes of secrets while it lives. One at a time.
+class SecretWatch {
+public:
+    explicit SecretWatch(std::vector<const Secret*> secrets);
+
+    // A failure of the test when the library, the framework, the system's controls or this program
+    // have freed a block with a piece of a secret in it, and one for each place that has one now.
+    void ExpectNothingLeft(const char* pszWhen) const;
+
+private:
+    std::vector<const Secret*> m_secrets;
+    std::atomic<int> m_nFreed = 0;           // blocks with a piece of a secret
+    std::atomic<size_t> m_nSizeOfFreed = 0;  // of the last one
+    FreedBlocks m_freedBlocks;
+};
 
 }  // namespace mvp::test

@@ -62,6 +62,21 @@ void Widen(const char* pszText, wchar_t (&wide)[Size]) {
     wide[Size - 1] = L'\0';
 }
 
+// Whether the control is certain to delete what is selected.
+bool DeletesSelection(UINT message, WPARAM wParam) {
+    constexpr WPARAM kDeleteWord = 0x7F;  // the character of Ctrl+Backspace, which is ignored
+    switch (message) {
+        case WM_CLEAR:
+            return true;
+        case WM_KEYDOWN:
+            return wParam == VK_DELETE && GetKeyState(VK_SHIFT) >= 0;
+        case WM_CHAR:
+            return wParam == VK_BACK || (wParam >= ' ' && wParam != kDeleteWord);
+        default:
+            return false;
+    }
+}
+
 LRESULT Send(HWND hWnd, UINT message, WPARAM wParam, const void* pParameter) {
     return SendMessageA(hWnd, message, wParam, reinterpret_cast<LPARAM>(pParameter));
 }
@@ -104,6 +119,23 @@ void CCapsLockSensitiveEdit::OnDestroy() {
     mvp::ScrubEdit(m_hWnd);
     m_bScrubbing = false;
     CEdit::OnDestroy();
+}
+
+LRESULT CCapsLockSensitiveEdit::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (m_bScrubbing)
+        return CEdit::DefWindowProc(message, wParam, lParam);
+    m_bScrubbing = true;
+    bool bScrubbed = false;
+    if (message == WM_SETTEXT)
+        mvp::ScrubEdit(m_hWnd);
+    else if (DeletesSelection(message, wParam) && (GetStyle() & ES_READONLY) == 0)
+        bScrubbed = mvp::ScrubSelection(m_hWnd);
+    m_bScrubbing = false;
+    const HWND hWnd = m_hWnd;
+    const LRESULT result = CEdit::DefWindowProc(message, wParam, lParam);
+    if (bScrubbed)
+        ::SendMessageA(hWnd, EM_EMPTYUNDOBUFFER, 0, 0);
+    return result;
 }
 
 BOOL CCapsLockSensitiveEdit::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam,

@@ -3,9 +3,10 @@
 // The control keeps its text in a heap block of its own and the text deleted last in another, and
 // overwrites neither: it just forgets them. When a block grows it may move, and the old one is
 // forgotten too. So the blocks are made large before anything is typed, and are overwritten through
-// the control's own messages before the window goes.
+// the control's own messages before the window goes. What the control replaces or deletes it copies
+// first, to a block that it frees as it is; so a PIN is overwritten by single characters before.
 //
-// Both functions change the text, so the edit sends its notifications; the caller keeps them from
+// All functions change the text, so the edit sends its notifications; the caller keeps them from
 // the parent.
 #pragma once
 
@@ -18,5 +19,9 @@ void PrepareEditForSecret(HWND hEdit) noexcept;
 
 // Overwrites the text and what the control remembers for undoing, and leaves the edit empty.
 void ScrubEdit(HWND hEdit) noexcept;
+
+// Overwrites what is selected, for before the control deletes it; the filler is selected then.
+// False when there was nothing worth it. Undoing the deletion would bring the filler back.
+bool ScrubSelection(HWND hEdit);
 
 }  // namespace mvp

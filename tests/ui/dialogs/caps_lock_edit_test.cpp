@@ -17,7 +17,6 @@
 #include "frame/resource_module.h"
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "resources/resource_numbers.h"
-#include "support/memory_scan.h"
 #include "support/waiting.h"
 #include "ui/dialogs/attached_library.h"
 
@@ -335,34 +334,6 @@ TEST(SystemsBalloon, IsToldToKeepTheText) {
     EditWindow window(false);
     ExpectWholeAnswer<NMTTDISPINFOA>(window.Edit(), TTN_GETDISPINFOA);
     ExpectWholeAnswer<NMTTDISPINFOW>(window.Edit(), TTN_GETDISPINFOW);
-}
-
-// What the system's edit remembers, seen while its window still lives.
-TEST(Scrubbing, LeavesNothingInTheEdit) {
-    static constexpr std::string_view kSecret = "71935482";
-    // The control's blocks lie on a heap; a stack keeps what it likes of the typing.
-    const auto hits = [] {
-        return std::ranges::count(ScanOwnMemory(Needle(kSecret.substr(2))), MemoryHit::Place::kHeap,
-                                  &MemoryHit::place);
-    };
-    const HWND hEdit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD, 0, 0, 100, 20,
-                                       nullptr, nullptr, nullptr, nullptr);
-    const auto type = [hEdit] {
-        for (const char c : kSecret)
-            SendMessageA(hEdit, WM_CHAR, static_cast<unsigned char>(c), 1);
-    };
-    PrepareEditForSecret(hEdit);
-    EXPECT_EQ(GetWindowTextLengthA(hEdit), 0);
-    type();
-    SendMessageA(hEdit, EM_SETSEL, 0, -1);
-    SendMessageA(hEdit, WM_CLEAR, 0, 0);
-    type();
-    EXPECT_GE(hits(), 2) << "the text, and the one that was deleted";
-    ScrubEdit(hEdit);
-    EXPECT_EQ(hits(), 0);
-    EXPECT_EQ(GetWindowTextLengthA(hEdit), 0);
-    EXPECT_FALSE(SendMessageA(hEdit, EM_CANUNDO, 0, 0));
-    DestroyWindow(hEdit);
 }
 
 TEST(WithoutModule, BuiltInWordsAreUsed) {

@@ -17,9 +17,7 @@ namespace {
 constexpr int kCurrent = IDC_CHANGE_PIN_PANEL_CURRENT_EDIT;
 constexpr int kNew = IDC_CHANGE_PIN_PANEL_NEW_EDIT;
 constexpr int kConfirm = IDC_CHANGE_PIN_PANEL_CONFIRM_EDIT;
-constexpr char kCurrentPin[] = "q7#Kz0!w";
-constexpr char kNewPin[] = "Vb3$mT9y";
-constexpr PwdRuleArgs kRules = {0, 0, 1, 1, 4, 20, 0};
+constexpr PwdRuleArgs kRules = {0, 0, 1, 1, 4, 64, 0};
 
 class ChangePinMemory : public testing::Test {
 protected:
@@ -27,12 +25,6 @@ protected:
     static void Wipe(ChangePinRequest& request) {
         SecureZeroMemory(request.newPin.data(), request.newPin.size());
         SecureZeroMemory(request.oldPin.data(), request.oldPin.size());
-    }
-    static void ExpectNothingLeft(const char* pszWhat) {
-        for (const char* pszPin : {kCurrentPin, kNewPin})
-            for (const MemoryHit& hit : ScanOwnMemory(Needle(pszPin)))
-                ADD_FAILURE() << pszWhat << ", " << (pszPin == kNewPin ? "new" : "current")
-                              << " PIN: " << hit;
     }
 
     AttachedLibrary m_library;
@@ -51,48 +43,53 @@ TEST_F(ChangePinMemory, HoldsNoPinAfterTheDialog) {
          MVPINGUI_REFUSED},
     };
     for (const Case& c : cases) {
+        const Secret currentPin;
+        const Secret newPin;
+        const SecretWatch watch({&currentPin, &newPin});
         {
             ChangePinRequest request{.rules = kRules};
             DialogDriver driver([&](Dialog& d) {
-                d.Type(kCurrent, kCurrentPin);
-                d.Type(kNew, kNewPin);
-                d.Type(kConfirm, kNewPin);
+                d.Type(kCurrent, currentPin);
+                d.Type(kNew, newPin);
+                d.Type(kConfirm, newPin);
                 // Deleted and typed anew, as people do: what the edit remembers for undoing.
                 d.Send(kNew, EM_SETSEL, 0, -1);
                 d.Send(kNew, WM_CLEAR);
-                d.Type(kNew, kNewPin);
-                EXPECT_FALSE(ScanOwnMemory(Needle(kNewPin)).empty()) << "the scan does find it";
+                d.Type(kNew, newPin);
                 c.end(d);
             });
             EXPECT_EQ(request.Call(), c.result);
             driver.Join();
             Wipe(request);
         }
-        ExpectNothingLeft(c.pszWhat);
+        watch.ExpectNothingLeft(c.pszWhat);
     }
 }
 
 TEST_F(ChangePinMemory, HoldsNoPinAfterAnEmbeddedPanel) {
+    const Secret currentPin;
+    const Secret newPin;
+    const SecretWatch watch({&currentPin, &newPin});
     {
         CWnd host;
         ASSERT_TRUE(host.CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 500, 400,
                                   nullptr, nullptr));
         CChangePINDialog panel(0, 0, true, nullptr, &kRules, nullptr, &host, 15, 0, 6);
         ASSERT_NE(panel.LocCreate(&host), 0);
-        const auto type = [&panel](int nId, const char* pszText) {
-            for (const char* p = pszText; *p != '\0'; ++p)
-                SendDlgItemMessageA(panel.m_hWnd, nId, WM_CHAR, static_cast<WPARAM>(*p), 1);
+        const auto type = [&panel](int nId, const Secret& pin) {
+            for (size_t i = 0; i < pin.size(); ++i)
+                SendDlgItemMessageA(panel.m_hWnd, nId, WM_CHAR, static_cast<WPARAM>(pin[i]), 1);
         };
-        type(kCurrent, kCurrentPin);
-        type(kNew, kNewPin);
-        type(kConfirm, kNewPin);
+        type(kCurrent, currentPin);
+        type(kNew, newPin);
+        type(kConfirm, newPin);
         ChangePinRequest request{.hHost = host.m_hWnd};
         EXPECT_EQ(request.Call(), MVPINGUI_OK);
-        EXPECT_EQ(request.cbNewPin, sizeof kNewPin - 1);
+        EXPECT_EQ(request.cbNewPin, newPin.size());
         Wipe(request);
         host.DestroyWindow();
     }
-    ExpectNothingLeft("embedded");
+    watch.ExpectNothingLeft("embedded");
 }
 
 }  // namespace

@@ -13,12 +13,14 @@
 #include <gtest/gtest.h>
 
 #include "fake_winscard.h"
+#include "suite/vkevtsub/pcsc_service.h"
 #include "support/waiting.h"
 
 namespace mvp {
 namespace {
 
 using test::WaitFor;
+using Names = std::vector<std::string>;
 
 constexpr std::chrono::seconds kDeadline{20};
 constexpr DWORD kEmpty = SCARD_STATE_EMPTY;
@@ -34,6 +36,7 @@ std::string FakeModule() {
 class CardWatch : public testing::Test {
 protected:
     void Start() {
+        m_nConnectsBefore = FakeConnects();
         m_watch = CCardWatch::Start(
             [this](const CCardWatch&, const std::string& strReader) {
                 const std::lock_guard lock(m_lock);
@@ -44,34 +47,36 @@ protected:
     }
     ~CardWatch() override {
         if (m_watch)
-            m_watch->End();
-        // The watch's thread holds it as well, and lets it go when it ends.
-        EXPECT_TRUE(WaitFor(kDeadline, [&] { return !m_watch || m_watch.use_count() == 1; }));
+            ExpectEnd();
         EXPECT_EQ(FakeContexts(), 0);
         for (const char* pszReader : {"A", "B"})
             FakeRemoveReader(pszReader);
         FakeSetUp(TRUE);
     }
 
-    // Whether these, and no others, were reported in time.
-    testing::AssertionResult Removed(const std::vector<std::string>& expected) {
-        const bool bAll = WaitFor(kDeadline, [&] {
-            const std::lock_guard lock(m_lock);
-            return m_removed.size() >= expected.size();
-        });
-        Sleep(50);  // for one too many
-        const std::lock_guard lock(m_lock);
-        if (bAll && m_removed == expected)
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure() << testing::PrintToString(m_removed);
-    }
     // Waits until the watch knows how things are now.
     void LetItLook() {
         EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeIsSettled() != FALSE; }));
     }
+    // What was reported by then.
+    Names Removed() {
+        LetItLook();
+        const std::lock_guard lock(m_lock);
+        return m_removed;
+    }
+    // Waits until the watch has tried to connect.
+    void LetItTry() const {
+        EXPECT_TRUE(WaitFor(kDeadline, [this] { return FakeConnects() > m_nConnectsBefore; }));
+    }
+    // The watch's thread holds it as well, and lets it go when it ends.
+    void ExpectEnd() {
+        m_watch->End();
+        EXPECT_TRUE(WaitFor(kDeadline, [&] { return m_watch.use_count() == 1; }));
+    }
 
+    int m_nConnectsBefore = 0;
     std::mutex m_lock;
-    std::vector<std::string> m_removed;
+    Names m_removed;
     std::shared_ptr<CCardWatch> m_watch;
 };
 
@@ -81,61 +86,57 @@ TEST_F(CardWatch, ReportsCardsAndReadersThatLeave) {
     Start();
     LetItLook();
     FakeSetReader("A", kEmpty + 2 * kMove);
-    EXPECT_TRUE(Removed({"A"}));
+    EXPECT_EQ(Removed(), (Names{"A"}));
     FakeSetReader("B", kCard + kMove);
     LetItLook();
     FakeSetReader("B", kCard + 3 * kMove);
-    EXPECT_TRUE(Removed({"A", "B"}));
+    EXPECT_EQ(Removed(), (Names{"A", "B"}));
     FakeRemoveReader("B");
-    EXPECT_TRUE(Removed({"A", "B", "B"}));
+    EXPECT_EQ(Removed(), (Names{"A", "B", "B"}));
     FakeRemoveReader("A");
     LetItLook();
     FakeSetReader("A", kCard);
     LetItLook();
     FakeSetReader("A", kEmpty + kMove);
-    EXPECT_TRUE(Removed({"A", "B", "B", "A"}));
+    EXPECT_EQ(Removed(), (Names{"A", "B", "B", "A"}));
 }
 
 TEST_F(CardWatch, OutlivesTheService) {
     FakeSetUp(FALSE);
     FakeSetReader("A", kCard);
     Start();
-    Sleep(20);
+    LetItTry();
     FakeSetUp(TRUE);
     LetItLook();
     FakeSetUp(FALSE);
     EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeContexts() == 0; }));
     FakeSetReader("A", kEmpty);
     FakeSetUp(TRUE);
-    EXPECT_TRUE(Removed({"A"}));
+    EXPECT_EQ(Removed(), (Names{"A"}));
 }
 
-TEST_F(CardWatch, EndsSoonWhereverItIs) {
+TEST_F(CardWatch, EndsWhereverItIs) {
     for (const BOOL bUp : {TRUE, FALSE}) {
-        for (const DWORD nDelay : {0UL, 1UL, 5UL, 50UL}) {
-            FakeSetUp(bUp);
-            Start();
-            Sleep(nDelay);
-            m_watch->End();
-            EXPECT_TRUE(WaitFor(kDeadline, [&] { return m_watch.use_count() == 1; }));
-        }
+        FakeSetUp(bUp);
+        Start();
+        ExpectEnd();  // in the beginning
+        Start();
+        LetItTry();
+        ExpectEnd();  // between two tries, or on its way to the wait
     }
-}
-
-TEST_F(CardWatch, EndsAWaitThatWouldLast) {
+    // In a wait that would last.
+    FakeSetUp(TRUE);
     FakeSetPatient(TRUE);
+    FakeSetReader("A", kEmpty);
     Start();
     LetItLook();
-    m_watch->End();
-    EXPECT_TRUE(WaitFor(kDeadline, [&] { return m_watch.use_count() == 1; }));
+    ExpectEnd();
     FakeSetPatient(FALSE);
 }
 
-TEST_F(CardWatch, IsSilentWithoutTheModule) {
-    m_watch = CCardWatch::Start([](const CCardWatch&, const std::string&) { ADD_FAILURE(); },
-                                "no such module.dll");
-    ASSERT_TRUE(m_watch);
-    Sleep(100);
+TEST(PcscService, CannotConnectWithoutTheModuleOrItsFunctions) {
+    for (const char* pszModule : {"no such module.dll", "kernel32.dll"})
+        EXPECT_FALSE(CPcscService(pszModule).Connect()) << pszModule;
 }
 
 }  // namespace

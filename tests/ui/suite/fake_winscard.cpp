@@ -31,6 +31,7 @@ struct World {
     std::set<SCARDCONTEXT> contexts;
     std::set<SCARDCONTEXT> cancelled;
     SCARDCONTEXT nLast = 0;
+    int nConnects = 0;
 };
 World g_world;
 
@@ -92,11 +93,17 @@ int FakeContexts() {
     return static_cast<int>(g_world.contexts.size());
 }
 
+int FakeConnects() {
+    const mvp::CScopedLock lock(g_world.lock);
+    return g_world.nConnects;
+}
+
 extern "C" {
 
 __declspec(dllexport) LONG WINAPI
     SCardEstablishContext(DWORD, LPCVOID, LPCVOID, LPSCARDCONTEXT phContext) {
     const mvp::CScopedLock lock(g_world.lock);
+    ++g_world.nConnects;
     if (!g_world.bUp)
         return SCARD_E_NO_SERVICE;
     *phContext = ++g_world.nLast;

@@ -18,6 +18,8 @@ FAKE_WINSCARD_API void FakeSetUp(BOOL bUp);
 // Whether a wait goes on when its time is over, until there is a change or it is cancelled.
 FAKE_WINSCARD_API void FakeSetPatient(BOOL bPatient);
 FAKE_WINSCARD_API int FakeContexts();
+// How often somebody tried to connect, in vain or not.
+FAKE_WINSCARD_API int FakeConnects();
 // Whether somebody waits and knows of everything that was changed.
 FAKE_WINSCARD_API BOOL FakeIsSettled();
 }

@@ -24,6 +24,9 @@ namespace {
 
 constexpr unsigned kDeadlineMs = 20000;
 
+// Before anybody subscribed.
+const auto g_nThreadsAtStart = mvp::test::ResourceCounts::Now().threads;
+
 class CSubscriber : public VKDelegateSubscriber {
 public:
     using Handler = std::function<void(const VKEvent&)>;
@@ -126,29 +129,6 @@ TEST(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
     EXPECT_EQ(notes.All(), Texts{"after"});
 }
 
-TEST(VkEvtSub, UnSubscribeWaitsForTheRunningCall) {
-    const CGate running;
-    std::atomic<bool> bOver{false};
-    CSubscriber subscriber([&](const VKEvent&) {
-        running.Open();
-        Sleep(150);
-        bOver = true;
-    });
-    Raise("A");
-    Raise("B");
-    ASSERT_TRUE(running.Wait());
-    std::thread other([&] {
-        subscriber.UnSubscribe();
-        EXPECT_TRUE(bOver);
-    });
-    subscriber.UnSubscribe();
-    EXPECT_TRUE(bOver);
-    other.join();
-    bOver = false;
-    WaitForIdle();
-    EXPECT_FALSE(bOver) << "called after it had unsubscribed";
-}
-
 // A window whose messages go to a function.
 class CTestWindow {
 public:
@@ -181,6 +161,41 @@ private:
     Procedure m_procedure;
     HWND m_hWnd;
 };
+
+TEST(VkEvtSub, UnSubscribeWaitsForTheRunningCall) {
+    const auto answer = [](UINT) { return LRESULT{1}; };
+    const CTestWindow window(answer);
+    const CGate running, ready;
+    HWND hOther = nullptr;
+    std::atomic<bool> bOver{false};
+    CSubscriber subscriber([&](const VKEvent&) {
+        running.Open();
+        ready.Wait();
+        // Each answers only when its thread waits in UnSubscribe.
+        for (const HWND hWnd : {window.Handle(), hOther}) {
+            DWORD_PTR nAnswer = 0;
+            SendMessageTimeoutA(hWnd, WM_APP, 0, 0, SMTO_NORMAL, kDeadlineMs, &nAnswer);
+            EXPECT_EQ(nAnswer, 1U);
+        }
+        bOver = true;
+    });
+    Raise("A");
+    Raise("B");
+    ASSERT_TRUE(running.Wait());
+    std::thread other([&] {
+        const CTestWindow windowOfOther(answer);
+        hOther = windowOfOther.Handle();
+        ready.Open();
+        subscriber.UnSubscribe();
+        EXPECT_TRUE(bOver);
+    });
+    subscriber.UnSubscribe();
+    EXPECT_TRUE(bOver);
+    other.join();
+    bOver = false;
+    WaitForIdle();
+    EXPECT_FALSE(bOver) << "called after it had unsubscribed";
+}
 
 TEST(VkEvtSub, UnSubscribeServesSentMessagesAndLeavesPostedOnes) {
     int nSent = 0;
@@ -408,13 +423,17 @@ TEST(VkEvtSub, EndsItsThreadsAndKeepsNothing) {
             Raise("A");
         }
     };
+    // Those that are ending still count.
+    const auto waitForTheEnd = [] {
+        EXPECT_TRUE(mvp::test::WaitFor(std::chrono::seconds(20), [] {
+            return mvp::test::ResourceCounts::Now().threads <= g_nThreadsAtStart;
+        }));
+    };
     live(20);
-    Sleep(500);  // for the last threads to end
+    waitForTheEnd();
     const auto before = mvp::test::ResourceCounts::Now();
     live(1000);
-    // Those that are ending may still count.
-    mvp::test::WaitFor(std::chrono::seconds(20),
-                       [&] { return mvp::test::ResourceCounts::Now().threads <= before.threads; });
+    waitForTheEnd();
     // How many threads were ending at a time varies, and with it what the system keeps of them.
     mvp::test::GrowthAllowance allowance;
     allowance.privateBytes = 4 << 20;

@@ -13,29 +13,17 @@
 namespace mvp::test {
 namespace {
 
-constexpr char kText[] = "q7#Kz0!w";
-constexpr size_t kLength = sizeof kText - 1;
-
-// Written a character at a time, so that no other copy comes into being.
-void Plant(void* pTarget, bool bWide = false) {
-    auto* pAt = static_cast<volatile char*>(pTarget);
-    for (size_t i = 0; i < kLength; ++i) {
-        *pAt++ = kText[i];
-        if (bWide)
-            *pAt++ = '\0';
-    }
-}
-
 void Wipe(void* pTarget) {
-    SecureZeroMemory(pTarget, 2 * kLength);
+    SecureZeroMemory(pTarget, 2 * Secret::kLength);
 }
 
-char g_module[32];
+char g_module[2 * Secret::kLength];
 
 // The one hit, or a failure.
-MemoryHit OnlyHit(const Needle& needle) {
-    const std::vector<MemoryHit> hits = ScanOwnMemory(needle);
+MemoryHit OnlyHit(const Secret& secret) {
+    const std::vector<MemoryHit> hits = ScanOwnMemory(secret);
     EXPECT_EQ(hits.size(), 1u) << testing::PrintToString(hits);
+    EXPECT_TRUE(hits.empty() || hits.front().nCount == Secret::kLength) << hits.front();
     return hits.empty() ? MemoryHit{} : hits.front();
 }
 
@@ -50,19 +38,18 @@ struct PageFree {
 };
 
 TEST(MemoryScan, FindsNothingWhereNothingIs) {
-    const Needle needle(kText);
-    for (const MemoryHit& hit : ScanOwnMemory(needle))
-        ADD_FAILURE() << hit;
+    const Secret secret;
+    SecretWatch({&secret}).ExpectNothingLeft("never used");
 }
 
 TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
-    const Needle needle(kText);
-    const std::unique_ptr<void, RuntimeFree> small(std::malloc(64));
+    const Secret secret;
+    const std::unique_ptr<void, RuntimeFree> small(std::malloc(100));
     const std::unique_ptr<void, RuntimeFree> large(std::malloc(3 << 20));
-    const std::unique_ptr<void, HeapFree> process(HeapAlloc(GetProcessHeap(), 0, 64));
+    const std::unique_ptr<void, HeapFree> process(HeapAlloc(GetProcessHeap(), 0, 100));
     const std::unique_ptr<void, PageFree> pages(
         VirtualAlloc(nullptr, 1 << 20, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-    char stack[64];
+    char stack[2 * Secret::kLength];
     const struct {
         void* pPlace;
         const char* pszOwner;
@@ -70,16 +57,16 @@ TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
         {small.get(), "in the C heap"},
         {static_cast<char*>(large.get()) + (2 << 20) + 3, "in the C heap"},
         {process.get(), "in the process heap"},
-        {g_module, "in the data of support_test.exe"},
+        {g_module, "in the data of memory_scan_test.exe"},
         {stack, "in the stack of thread "},
         // Over the border of two of the scan's pieces.
         {static_cast<char*>(pages.get()) + (1 << 18) - 5, "in other memory"},
-        {static_cast<char*>(pages.get()) + (1 << 20) - 2 * kLength, "in other memory"},
+        {static_cast<char*>(pages.get()) + (1 << 20) - 2 * Secret::kLength, "in other memory"},
     };
     for (const auto& place : places)
         for (const bool bWide : {false, true}) {
-            Plant(place.pPlace, bWide);
-            const MemoryHit hit = OnlyHit(needle);
+            secret.CopyTo(place.pPlace, bWide);
+            const MemoryHit hit = OnlyHit(secret);
             EXPECT_EQ(hit.address, reinterpret_cast<ULONG_PTR>(place.pPlace));
             EXPECT_EQ(hit.bWide, bWide);
             EXPECT_NE(testing::PrintToString(hit).find(place.pszOwner), std::string::npos) << hit;
@@ -88,26 +75,26 @@ TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
 }
 
 TEST(MemoryScan, TellsAnotherThreadsStack) {
-    const Needle needle(kText);
+    const Secret secret;
     const KernelHandle planted(CreateEventA(nullptr, TRUE, FALSE, nullptr));
     const KernelHandle done(CreateEventA(nullptr, TRUE, FALSE, nullptr));
     DWORD dwThreadId = 0;
     std::thread thread([&] {
-        char stack[64];
-        Plant(stack);
+        char stack[2 * Secret::kLength];
+        secret.CopyTo(stack);
         dwThreadId = GetCurrentThreadId();
         SetEvent(planted.get());
         WaitForSingleObject(done.get(), 30000);
         Wipe(stack);
     });
     WaitForSingleObject(planted.get(), 30000);
-    EXPECT_EQ(OnlyHit(needle).strOwner, "thread " + std::to_string(dwThreadId));
+    EXPECT_EQ(OnlyHit(secret).strOwner, "thread " + std::to_string(dwThreadId));
     SetEvent(done.get());
     thread.join();
 }
 
 TEST(MemoryScan, SurvivesPagesThatVanish) {
-    const Needle needle(kText);
+    const Secret secret;
     std::atomic<bool> bStop = false;
     std::thread thread([&] {
         while (!bStop) {
@@ -118,7 +105,7 @@ TEST(MemoryScan, SurvivesPagesThatVanish) {
         }
     });
     for (int i = 0; i < 20; ++i)
-        EXPECT_TRUE(ScanOwnMemory(needle).empty());
+        EXPECT_TRUE(ScanOwnMemory(secret).empty());
     bStop = true;
     thread.join();
 }
@@ -128,7 +115,7 @@ constexpr char kDone[] = "MvpMemoryScanDone";
 
 // Run by the next test, in a process of its own.
 TEST(MemoryScan, DISABLED_HoldsAText) {
-    Plant(g_module);
+    Secret(0).CopyTo(g_module);
     const KernelHandle ready(OpenEventA(EVENT_MODIFY_STATE, FALSE, kReady));
     const KernelHandle done(OpenEventA(SYNCHRONIZE, FALSE, kDone));
     SetEvent(ready.get());
@@ -140,11 +127,11 @@ TEST(MemoryScan, LooksIntoAnotherProcess) {
     const KernelHandle done(CreateEventA(nullptr, TRUE, FALSE, kDone));
     DisabledTest child("MemoryScan.DISABLED_HoldsAText");
     ASSERT_EQ(WaitForSingleObject(ready.get(), 30000), WAIT_OBJECT_0);
-    const std::vector<MemoryHit> hits = ScanProcess(child.Process(), Needle(kText));
+    const std::vector<MemoryHit> hits = ScanProcess(child.Process(), Secret(0));
     SetEvent(done.get());
     EXPECT_EQ(child.Wait().dwExitCode, 0u);
     ASSERT_EQ(hits.size(), 1u);
-    EXPECT_EQ(hits.front().strOwner, "support_test.exe");
+    EXPECT_EQ(hits.front().strOwner, "memory_scan_test.exe");
 }
 
 }  // namespace
