@@ -1,8 +1,6 @@
 // CDialog: life from template to result.
 #include <windows.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include <dlgfw/dialog.h>
@@ -21,40 +19,17 @@ END_MESSAGE_MAP()
 CDialog::CDialog() = default;
 
 CDialog::CDialog(UINT nIDTemplate, CWnd* pParentWnd)
-    : m_nIDHelp(nIDTemplate),
-      m_lpszTemplateName(MAKEINTRESOURCEA(nIDTemplate)),
-      m_pParentWnd(pParentWnd) {}
-
-CDialog::CDialog(LPCSTR lpszTemplateName, CWnd* pParentWnd) : m_pParentWnd(pParentWnd) {
-    SetTemplateName(lpszTemplateName);
-}
+    : m_lpszTemplateName(MAKEINTRESOURCEA(nIDTemplate)), m_pParentWnd(pParentWnd) {}
 
 CDialog::~CDialog() {
     if (m_hWnd != nullptr)
         CDialog::DestroyWindow();
-    SetTemplateName(nullptr);
-}
-
-void CDialog::SetTemplateName(LPCSTR lpszTemplateName) {
-    if (!IS_INTRESOURCE(m_lpszTemplateName))
-        std::free(const_cast<LPSTR>(m_lpszTemplateName));
-    m_lpszTemplateName = lpszTemplateName;
-    if (!IS_INTRESOURCE(lpszTemplateName))
-        m_lpszTemplateName = _strdup(lpszTemplateName);
-    else if (lpszTemplateName != nullptr)
-        m_nIDHelp = LOWORD(reinterpret_cast<ULONG_PTR>(lpszTemplateName));
 }
 
 BOOL CDialog::InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd) {
     m_lpDialogTemplate = lpDialogTemplate;
     m_pParentWnd = pParentWnd;
     return lpDialogTemplate != nullptr;
-}
-
-BOOL CDialog::InitModalIndirect(HGLOBAL hDialogTemplate, CWnd* pParentWnd) {
-    m_hDialogTemplate = hDialogTemplate;
-    m_pParentWnd = pParentWnd;
-    return hDialogTemplate != nullptr;
 }
 
 INT_PTR CDialog::DoModal() {
@@ -66,10 +41,6 @@ INT_PTR CDialog::DoModal() {
 INT_PTR CDialog::RunModalFrom(HINSTANCE hInst) {
     if (m_lpszTemplateName != nullptr)
         return RunModal(dlgfw::LockDialogResource(hInst, m_lpszTemplateName), hInst);
-    if (m_hDialogTemplate != nullptr) {
-        const dlgfw::LockedTemplate locked(m_hDialogTemplate);
-        return RunModal(locked.get(), hInst);
-    }
     return RunModal(m_lpDialogTemplate, hInst);
 }
 
@@ -170,14 +141,10 @@ void CDialog::PostModal() {
 }
 
 BOOL CDialog::Create(UINT nIDTemplate, CWnd* pParentWnd) {
-    return Create(MAKEINTRESOURCEA(nIDTemplate), pParentWnd);
-}
-
-BOOL CDialog::Create(LPCSTR lpszTemplateName, CWnd* pParentWnd) {
-    SetTemplateName(lpszTemplateName);
+    m_lpszTemplateName = MAKEINTRESOURCEA(nIDTemplate);
     m_pParentWnd = pParentWnd;
-    HINSTANCE hInst = AfxFindResourceHandle(lpszTemplateName, RT_DIALOG);
-    return CreateFromTemplate(dlgfw::LockDialogResource(hInst, lpszTemplateName), pParentWnd,
+    HINSTANCE hInst = AfxFindResourceHandle(m_lpszTemplateName, RT_DIALOG);
+    return CreateFromTemplate(dlgfw::LockDialogResource(hInst, m_lpszTemplateName), pParentWnd,
                               hInst);
 }
 
@@ -185,11 +152,6 @@ BOOL CDialog::CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, 
     m_pParentWnd = pParentWnd;
     return CreateFromTemplate(lpDialogTemplate, pParentWnd,
                               hInst != nullptr ? hInst : AfxGetInstanceHandle());
-}
-
-BOOL CDialog::CreateIndirect(HGLOBAL hDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst) {
-    const dlgfw::LockedTemplate locked(hDialogTemplate);
-    return CreateIndirect(locked.get(), pParentWnd, hInst);
 }
 
 // The window procedure's barrier stands right above this, so that an exception out of OnInitDialog
@@ -248,23 +210,4 @@ void CDialog::OnOK() {
 
 void CDialog::OnCancel() {
     EndDialog(IDCANCEL);
-}
-
-void CDialog::MapDialogRect(LPRECT lpRect) const {
-    ::MapDialogRect(m_hWnd, lpRect);
-}
-void CDialog::NextDlgCtrl() const {
-    SendMessage(WM_NEXTDLGCTL, 0, FALSE);
-}
-void CDialog::PrevDlgCtrl() const {
-    SendMessage(WM_NEXTDLGCTL, 1, FALSE);
-}
-void CDialog::GotoDlgCtrl(CWnd* pWndCtrl) {
-    SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(pWndCtrl->m_hWnd), TRUE);
-}
-void CDialog::SetDefID(UINT nID) {
-    SendMessage(DM_SETDEFID, nID);
-}
-DWORD CDialog::GetDefID() const {
-    return static_cast<DWORD>(SendMessage(DM_GETDEFID));
 }

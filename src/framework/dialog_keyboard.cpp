@@ -15,6 +15,10 @@ bool IsDialog(HWND hWnd) {
            dynamic_cast<CDialog*>(CWnd::FromHandlePermanent(hWnd)) != nullptr;
 }
 
+bool IsInput(UINT n) {
+    return (n >= WM_KEYFIRST && n <= WM_KEYLAST) || (n >= WM_MOUSEFIRST && n <= WM_MOUSELAST);
+}
+
 // The last dialog on the way from the window to its top-level window.
 HWND OutermostDialog(HWND hWnd) {
     HWND hWndOutermost = hWnd;
@@ -58,5 +62,5 @@ BOOL CDialog::PreTranslateMessage(MSG* pMsg) {
     if (hWndOutermost != m_hWnd && FromHandlePermanent(hWndOutermost) != nullptr)
         return FALSE;
     return PressesPanelButton(hWndOutermost, pMsg) ||
-           FromHandle(hWndOutermost)->PreTranslateInput(pMsg);
+           (IsInput(pMsg->message) && ::IsDialogMessageA(hWndOutermost, pMsg));
 }

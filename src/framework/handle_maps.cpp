@@ -27,6 +27,4 @@ HandleTable<CImageList>& ImageLists() noexcept {
 
 // These stand below the tables because their destructors look there.
 const CWnd CWnd::wndTop(HWND_TOP);
-const CWnd CWnd::wndBottom(HWND_BOTTOM);
 const CWnd CWnd::wndTopMost(HWND_TOPMOST);
-const CWnd CWnd::wndNoTopMost(HWND_NOTOPMOST);

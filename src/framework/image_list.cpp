@@ -1,6 +1,5 @@
 #include <utility>
 
-#include <dlgfw/dc.h>
 #include <dlgfw/image_list.h>
 
 #include "framework/handle_maps.h"
@@ -39,35 +38,6 @@ BOOL CImageList::DeleteImageList() {
     return hImageList != nullptr && ImageList_Destroy(hImageList);
 }
 
-int CImageList::GetImageCount() const {
-    return ImageList_GetImageCount(m_hImageList);
-}
-
 int CImageList::Add(HICON hIcon) {
-    return Replace(-1, hIcon);
-}
-
-int CImageList::Add(CBitmap* pbmImage, CBitmap* pbmMask) {
-    return ImageList_Add(m_hImageList, *pbmImage,
-                         pbmMask == nullptr ? nullptr : static_cast<HBITMAP>(*pbmMask));
-}
-
-int CImageList::Add(CBitmap* pbmImage, COLORREF crMask) {
-    return ImageList_AddMasked(m_hImageList, *pbmImage, crMask);
-}
-
-BOOL CImageList::Remove(int nImage) {
-    return ImageList_Remove(m_hImageList, nImage);
-}
-
-int CImageList::Replace(int nImage, HICON hIcon) {
-    return ImageList_ReplaceIcon(m_hImageList, nImage, hIcon);
-}
-
-HICON CImageList::ExtractIcon(int nImage) {
-    return ImageList_GetIcon(m_hImageList, nImage, ILD_NORMAL);
-}
-
-BOOL CImageList::Draw(CDC* pDC, int nImage, POINT pt, UINT nStyle) {
-    return ImageList_Draw(m_hImageList, nImage, pDC->m_hDC, pt.x, pt.y, nStyle);
+    return ImageList_ReplaceIcon(m_hImageList, -1, hIcon);
 }

@@ -99,8 +99,7 @@ public:
                            reinterpret_cast<LPARAM>(m_pWnd->m_hWnd));
             return true;
         }
-        return (m_dwFlags & MLF_NOKICKIDLE) == 0 &&
-               m_pWnd->SendMessage(WM_KICKIDLE, MSGF_DIALOGBOX, m_nCount++) != 0;
+        return m_pWnd->SendMessage(WM_KICKIDLE, MSGF_DIALOGBOX, m_nCount++) != 0;
     }
 
     void Restart() {
@@ -172,33 +171,11 @@ BOOL CWnd::PreTranslateMessage(MSG*) {
     return FALSE;
 }
 
-BOOL CWnd::WalkPreTranslateTree(HWND hWndStop, MSG* pMsg) {
+BOOL AfxPreTranslateMessage(MSG* pMsg) {
     for (HWND hWnd = pMsg->hwnd; hWnd != nullptr; hWnd = ::GetParent(hWnd)) {
-        CWnd* pWnd = FromHandlePermanent(hWnd);
+        CWnd* pWnd = CWnd::FromHandlePermanent(hWnd);
         if (pWnd != nullptr && pWnd->PreTranslateMessage(pMsg))
             return TRUE;
-        if (hWnd == hWndStop)
-            break;
     }
     return FALSE;
-}
-
-BOOL CWnd::PreTranslateInput(MSG* pMsg) {
-    const UINT n = pMsg->message;
-    const bool bInput =
-        (n >= WM_KEYFIRST && n <= WM_KEYLAST) || (n >= WM_MOUSEFIRST && n <= WM_MOUSELAST);
-    return bInput && IsDialogMessage(pMsg);
-}
-
-BOOL CWnd::IsDialogMessage(MSG* pMsg) {
-    return ::IsDialogMessageA(m_hWnd, pMsg);
-}
-
-BOOL AfxPreTranslateMessage(MSG* pMsg) {
-    return pMsg->hwnd != nullptr && CWnd::WalkPreTranslateTree(nullptr, pMsg);
-}
-
-BOOL AfxPumpMessage() {
-    MSG message = {};
-    return PumpMessage(message) == Pumped::Dispatched;
 }

@@ -115,10 +115,3 @@ HINSTANCE AfxFindStringResourceHandle(UINT nID) {
         return LoadStringA(hInst, nID, szStart, static_cast<int>(sizeof(szStart))) > 0;
     });
 }
-
-int AfxLoadString(UINT nID, LPSTR lpszBuf, UINT nMaxBuf) {
-    if (lpszBuf == nullptr || nMaxBuf == 0)
-        return 0;
-    lpszBuf[0] = '\0';
-    return LoadStringA(AfxFindStringResourceHandle(nID), nID, lpszBuf, static_cast<int>(nMaxBuf));
-}

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -106,10 +107,7 @@ CString::CString(CString&& strSource) noexcept
       m_nAlloc(std::exchange(strSource.m_nAlloc, 0)) {}
 
 CString::CString(LPCSTR psz) : CString() {
-    if (psz != nullptr && IS_INTRESOURCE(psz))
-        LoadString(static_cast<UINT>(reinterpret_cast<ULONG_PTR>(psz)));
-    else
-        SetString(psz);
+    SetString(psz);
 }
 
 CString::CString(LPCSTR pch, int nLength) : CString() {
@@ -145,11 +143,6 @@ CString& CString::operator=(CString&& strSource) noexcept {
 
 CString& CString::operator=(LPCSTR psz) {
     SetString(psz);
-    return *this;
-}
-
-CString& CString::operator=(char ch) {
-    SetString(&ch, 1);
     return *this;
 }
 
@@ -242,12 +235,6 @@ LPSTR CString::GetBuffer(int nMinBufLength) {
     return m_pszData;
 }
 
-LPSTR CString::GetBufferSetLength(int nLength) {
-    GetBuffer(nLength);
-    SetLength(std::max(nLength, 0));
-    return m_pszData;
-}
-
 void CString::ReleaseBuffer(int nNewLength) {
     if (nNewLength < 0)
         nNewLength = static_cast<int>(strnlen(m_pszData, Size(m_nAlloc)));
@@ -257,44 +244,17 @@ void CString::ReleaseBuffer(int nNewLength) {
 void CString::Format(LPCSTR pszFormat, ...) {
     va_list args;
     va_start(args, pszFormat);
-    FormatV(pszFormat, args);
+    const int nLength = std::vsnprintf(nullptr, 0, pszFormat, args);
     va_end(args);
-}
-
-void CString::Format(UINT nFormatID, ...) {
-    CString strFormat;
-    strFormat.LoadString(nFormatID);
-    va_list args;
-    va_start(args, nFormatID);
-    FormatV(strFormat, args);
-    va_end(args);
-}
-
-void CString::FormatV(LPCSTR pszFormat, va_list args) {
-    va_list argsToMeasure;
-    va_copy(argsToMeasure, args);
-    const int nLength = std::vsnprintf(nullptr, 0, pszFormat, argsToMeasure);
-    va_end(argsToMeasure);
 
     CString strResult;
     if (nLength > 0) {
+        va_start(args, pszFormat);
         std::vsnprintf(strResult.GetBuffer(nLength), Size(nLength) + 1, pszFormat, args);
+        va_end(args);
         strResult.ReleaseBuffer(nLength);
     }
     *this = std::move(strResult);
-}
-
-void CString::AppendFormat(LPCSTR pszFormat, ...) {
-    va_list args;
-    va_start(args, pszFormat);
-    AppendFormatV(pszFormat, args);
-    va_end(args);
-}
-
-void CString::AppendFormatV(LPCSTR pszFormat, va_list args) {
-    CString strAddition;
-    strAddition.FormatV(pszFormat, args);
-    *this += strAddition;
 }
 
 BOOL CString::LoadString(UINT nID) {
@@ -332,18 +292,6 @@ CString operator+(const CString& str1, LPCSTR psz2) {
 CString operator+(LPCSTR psz1, const CString& str2) {
     CString str;
     str = psz1;
-    str += str2;
-    return str;
-}
-
-CString operator+(const CString& str1, char ch2) {
-    CString str(str1);
-    str += ch2;
-    return str;
-}
-
-CString operator+(char ch1, const CString& str2) {
-    CString str(ch1);
     str += str2;
     return str;
 }

@@ -45,16 +45,6 @@ int CString::Find(LPCSTR pszSub, int iStart) const {
     return pch == nullptr ? -1 : static_cast<int>(pch - m_pszData);
 }
 
-int CString::FindOneOf(LPCSTR pszCharSet) const {
-    const char* pch = pszCharSet == nullptr ? nullptr : std::strpbrk(m_pszData, pszCharSet);
-    return pch == nullptr ? -1 : static_cast<int>(pch - m_pszData);
-}
-
-int CString::ReverseFind(char ch) const {
-    const char* pch = std::strrchr(m_pszData, ch);
-    return pch == nullptr ? -1 : static_cast<int>(pch - m_pszData);
-}
-
 CString CString::Mid(int iFirst) const {
     return Mid(iFirst, m_nLength);
 }
@@ -114,81 +104,26 @@ int CString::Remove(char chRemove) {
     return nCount;
 }
 
-int CString::Insert(int iIndex, char ch) {
-    const char szText[] = {ch, '\0'};
-    return Insert(iIndex, szText);
-}
-
-int CString::Insert(int iIndex, LPCSTR psz) {
-    iIndex = Clip(iIndex, m_nLength);
-    CString strResult(m_pszData, iIndex);
-    strResult.Append(psz);
-    strResult.Append(m_pszData + iIndex, m_nLength - iIndex);
-    *this = std::move(strResult);
-    return m_nLength;
-}
-
-int CString::Delete(int iIndex, int nCount) {
-    iIndex = Clip(iIndex, m_nLength);
-    nCount = Clip(nCount, m_nLength - iIndex);
-    if (nCount > 0) {
-        std::memmove(m_pszData + iIndex, m_pszData + iIndex + nCount,
-                     static_cast<size_t>(m_nLength - iIndex - nCount));
-        Truncate(m_nLength - nCount);
-    }
-    return m_nLength;
-}
-
 CString& CString::MakeUpper() {
     if (m_nLength > 0)
         CharUpperBuffA(m_pszData, static_cast<DWORD>(m_nLength));
     return *this;
 }
 
-CString& CString::MakeLower() {
-    if (m_nLength > 0)
-        CharLowerBuffA(m_pszData, static_cast<DWORD>(m_nLength));
-    return *this;
-}
-
 CString& CString::Trim() {
-    return Trim(g_szWhiteSpace);
+    return TrimRight().TrimLeft();
 }
+
 CString& CString::TrimLeft() {
-    return TrimLeft(g_szWhiteSpace);
-}
-CString& CString::TrimRight() {
-    return TrimRight(g_szWhiteSpace);
-}
-
-CString& CString::Trim(char ch) {
-    return TrimRight(ch).TrimLeft(ch);
-}
-
-CString& CString::TrimLeft(char ch) {
-    const char szTarget[] = {ch, '\0'};
-    return TrimLeft(szTarget);
-}
-
-CString& CString::TrimRight(char ch) {
-    const char szTarget[] = {ch, '\0'};
-    return TrimRight(szTarget);
-}
-
-CString& CString::Trim(LPCSTR pszTargets) {
-    return TrimRight(pszTargets).TrimLeft(pszTargets);
-}
-
-CString& CString::TrimLeft(LPCSTR pszTargets) {
-    if (pszTargets != nullptr)
-        Delete(0, static_cast<int>(std::strspn(m_pszData, pszTargets)));
+    const auto nCut = static_cast<int>(std::strspn(m_pszData, g_szWhiteSpace));
+    SetString(m_pszData + nCut, m_nLength - nCut);
     return *this;
 }
 
-CString& CString::TrimRight(LPCSTR pszTargets) {
+CString& CString::TrimRight() {
     int nLength = m_nLength;
-    while (pszTargets != nullptr && nLength > 0 && m_pszData[nLength - 1] != '\0' &&
-           std::strchr(pszTargets, m_pszData[nLength - 1]) != nullptr)
+    while (nLength > 0 && m_pszData[nLength - 1] != '\0' &&
+           std::strchr(g_szWhiteSpace, m_pszData[nLength - 1]) != nullptr)
         --nLength;
     Truncate(nLength);
     return *this;

@@ -38,7 +38,8 @@ public:
         if (pObject == nullptr) {
             auto pHolder = std::make_unique<Holder<Object>>();
             pObject = &pHolder->object;
-            m_entries.push_back({handle, std::move(pHolder)});
+            m_entries.push_back({handle, &g_kind<Object>, {nullptr, &Free<Object>}});
+            m_entries.back().pHolder.reset(pHolder.release());
         }
         // Who had it before may have detached it.
         HandleOf(*pObject) = handle;
@@ -52,32 +53,38 @@ public:
     }
 
 private:
-    struct HolderBase {
-        HolderBase() = default;
-        HolderBase(const HolderBase&) = delete;
-        HolderBase& operator=(const HolderBase&) = delete;
-        virtual ~HolderBase() = default;
-    };
     template <class Object>
-    struct Holder final : HolderBase {
+    struct Holder {
+        Holder() = default;
+        Holder(const Holder&) = delete;
+        Holder& operator=(const Holder&) = delete;
         // A temporary object owns nothing.
-        ~Holder() override { HandleOf(object) = nullptr; }
+        ~Holder() { HandleOf(object) = nullptr; }
         Object object;
     };
+    template <class Object>
+    static void Free(void* pHolder) noexcept {
+        delete static_cast<Holder<Object>*>(pHolder);
+    }
+    // Its address stands for a kind of object. No virtual functions: the type information of a
+    // template over an exported class would be exported with it.
+    template <class Object>
+    static constexpr char g_kind = 0;
+
     struct Entry {
         const void* handle;
-        std::unique_ptr<HolderBase> pHolder;
+        const char* pKind;
+        std::unique_ptr<void, void (*)(void*) noexcept> pHolder;
     };
 
     // There are few at a time, and the newest are asked for most.
     template <class Object>
     Object* Find(const void* handle) const noexcept {
         const auto it = std::find_if(m_entries.rbegin(), m_entries.rend(), [=](const Entry& entry) {
-            return entry.handle == handle &&
-                   dynamic_cast<Holder<Object>*>(entry.pHolder.get()) != nullptr;
+            return entry.handle == handle && entry.pKind == &g_kind<Object>;
         });
         return it == m_entries.rend() ? nullptr
-                                      : &static_cast<Holder<Object>&>(*it->pHolder).object;
+                                      : &static_cast<Holder<Object>*>(it->pHolder.get())->object;
     }
 
     std::vector<Entry> m_entries;

@@ -6,6 +6,9 @@
 
 #include "framework/thread_state.h"
 
+// The window procedure of every bound window.
+LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+
 // Knows whether a window object still exists after foreign code ran. Lives on the stack.
 class CWndGuard {
 public:

@@ -176,11 +176,6 @@ BOOL CWnd::SubclassDlgItem(UINT nID, CWnd* pParent) {
     return SubclassWindow(::GetDlgItem(pParent->m_hWnd, static_cast<int>(nID)));
 }
 
-HWND CWnd::UnsubclassWindow() {
-    CWndAccess::RestoreWindowProc(*this);
-    return Detach();
-}
-
 BOOL CWnd::PreCreateWindow(CREATESTRUCTA& cs) {
     if (cs.lpszClass == nullptr)
         cs.lpszClass = AfxRegisterWndClass(CS_DBLCLKS, ::LoadCursorA(nullptr, IDC_ARROW),

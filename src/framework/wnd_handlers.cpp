@@ -4,6 +4,21 @@
 
 #include "framework/wnd_access.h"
 
+namespace {
+
+// To every descendant that has an object on this thread.
+void SendToDescendants(HWND hWnd, const MSG& message) {
+    HWND hWndNext = nullptr;
+    for (HWND hWndChild = ::GetTopWindow(hWnd); hWndChild != nullptr; hWndChild = hWndNext) {
+        if (CWnd::FromHandlePermanent(hWndChild) != nullptr)
+            ::SendMessageA(hWndChild, message.message, message.wParam, message.lParam);
+        SendToDescendants(hWndChild, message);
+        hWndNext = ::GetWindow(hWndChild, GW_HWNDNEXT);
+    }
+}
+
+}  // namespace
+
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
     ON_WM_NCDESTROY()
     ON_WM_SYSCOLORCHANGE()
@@ -34,9 +49,6 @@ void CWnd::OnMove(int, int) {
 void CWnd::OnSize(UINT, int, int) {
     Default();
 }
-void CWnd::OnWindowPosChanged(WINDOWPOS*) {
-    Default();
-}
 void CWnd::OnPaint() {
     Default();
 }
@@ -65,7 +77,7 @@ void CWnd::OnSettingChange(UINT, LPCSTR) {
 void CWnd::SendCurrentToDescendants() {
     const MSG message = *GetCurrentMessage();
     if ((GetStyle() & WS_CHILD) == 0)
-        SendMessageToDescendants(message.message, message.wParam, message.lParam, TRUE, TRUE);
+        SendToDescendants(m_hWnd, message);
 }
 
 void CWnd::OnSetFocus(CWnd*) {
@@ -80,13 +92,7 @@ void CWnd::OnKeyDown(UINT, UINT, UINT) {
 void CWnd::OnKeyUp(UINT, UINT, UINT) {
     Default();
 }
-void CWnd::OnChar(UINT, UINT, UINT) {
-    Default();
-}
 void CWnd::OnTimer(UINT_PTR) {
-    Default();
-}
-void CWnd::OnMouseMove(UINT, CPoint) {
     Default();
 }
 void CWnd::OnMouseLeave() {
@@ -98,42 +104,15 @@ void CWnd::OnLButtonDown(UINT, CPoint) {
 void CWnd::OnLButtonUp(UINT, CPoint) {
     Default();
 }
-void CWnd::OnLButtonDblClk(UINT, CPoint) {
-    Default();
-}
-void CWnd::OnRButtonDown(UINT, CPoint) {
-    Default();
-}
-void CWnd::OnRButtonUp(UINT, CPoint) {
-    Default();
-}
 BOOL CWnd::OnSetCursor(CWnd*, UINT, UINT) {
     return static_cast<BOOL>(Default());
 }
 LRESULT CWnd::OnNcHitTest(CPoint) {
     return Default();
 }
-void CWnd::OnShowWindow(BOOL, UINT) {
-    Default();
-}
-void CWnd::OnActivate(UINT, CWnd*, BOOL) {
-    Default();
-}
 void CWnd::OnEnable(BOOL) {
-    Default();
-}
-void CWnd::OnClose() {
     Default();
 }
 BOOL CWnd::OnHelpInfo(HELPINFO*) {
     return static_cast<BOOL>(Default());
-}
-void CWnd::OnSysCommand(UINT, LPARAM) {
-    Default();
-}
-UINT CWnd::OnGetDlgCode() {
-    return static_cast<UINT>(Default());
-}
-void CWnd::OnContextMenu(CWnd*, CPoint) {
-    Default();
 }

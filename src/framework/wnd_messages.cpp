@@ -67,11 +67,7 @@ void AfterException(CWnd* pWnd, const CWndGuard& guard, HWND hWnd, UINT message)
 // The messages that ask for a control's colours share one number in message maps.
 UINT MapNumber(UINT message) {
     const auto isCtlColor = [](UINT n) { return n >= WM_CTLCOLORMSGBOX && n <= WM_CTLCOLORSTATIC; };
-    if (isCtlColor(message))
-        return WM_CTLCOLOR;
-    if (message > WM_REFLECT_BASE && isCtlColor(message - WM_REFLECT_BASE))
-        return WM_REFLECT_BASE + WM_CTLCOLOR;
-    return message;
+    return isCtlColor(message) ? WM_CTLCOLOR : message;
 }
 
 // What an entry answers. A registered message whose registration failed, or has yet to come,
@@ -168,26 +164,21 @@ BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam) {
     const UINT nID = LOWORD(wParam);
     auto* hWndCtrl = reinterpret_cast<HWND>(lParam);
     if (hWndCtrl == nullptr)
-        return nID != 0 && OnCmdMsg(nID, CN_COMMAND, nullptr, nullptr);
+        return nID != 0 && OnCmdMsg(nID, CN_COMMAND);
 
     if (ThreadState::Get().hWndLocked == m_hWnd)
         return TRUE;
     const CWndGuard guard(this);
     if (ReflectLastMsg(hWndCtrl) || !guard.IsAlive())
         return TRUE;
-    return nID != 0 && OnCmdMsg(nID, HIWORD(wParam), nullptr, nullptr);
+    return nID != 0 && OnCmdMsg(nID, HIWORD(wParam));
 }
 
 BOOL CWnd::OnNotify(WPARAM, LPARAM lParam, LRESULT* pResult) {
     auto* pNMHDR = reinterpret_cast<NMHDR*>(lParam);
     if (ThreadState::Get().hWndLocked == m_hWnd)
         return TRUE;
-    const UINT nID = static_cast<WORD>(::GetDlgCtrlID(pNMHDR->hwndFrom));
-    const CWndGuard guard(this);
-    if (ReflectLastMsg(pNMHDR->hwndFrom, pResult) || !guard.IsAlive())
-        return TRUE;
-    AFX_NOTIFY notify = {pResult, pNMHDR};
-    return OnCmdMsg(nID, MAKELONG(pNMHDR->code, WM_NOTIFY), &notify, nullptr);
+    return ReflectLastMsg(pNMHDR->hwndFrom, pResult);
 }
 
 BOOL CWnd::ReflectLastMsg(HWND hWndChild, LRESULT* pResult) {
@@ -200,20 +191,6 @@ BOOL CWnd::SendChildNotifyLastMsg(LRESULT* pResult) {
     return OnChildNotify(message.message, message.wParam, message.lParam, pResult);
 }
 
-BOOL CWnd::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    return ReflectChildNotify(message, wParam, lParam, pResult);
-}
-
-BOOL CWnd::ReflectChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    LRESULT lIgnored = 0;
-    if (pResult == nullptr)
-        pResult = &lIgnored;
-    const UINT nReflected = WM_REFLECT_BASE + message;
-    if (message == WM_COMMAND)
-        return OnCmdMsg(0, MAKELONG(HIWORD(wParam), nReflected), nullptr, nullptr);
-    if (message == WM_NOTIFY) {
-        AFX_NOTIFY notify = {pResult, reinterpret_cast<NMHDR*>(lParam)};
-        return OnCmdMsg(0, MAKELONG(notify.pNMHDR->code, nReflected), &notify, nullptr);
-    }
-    return OnWndMsg(nReflected, wParam, lParam, pResult);
+BOOL CWnd::OnChildNotify(UINT, WPARAM, LPARAM, LRESULT*) {
+    return FALSE;
 }

@@ -51,15 +51,15 @@ void CHtmlHost::Click(int nLink) {
 COLORREF CHtmlHost::At(int x, int y) {
     m_pStatic->UpdateWindow();
     CClientDC dc(m_pStatic.get());
-    return dc.GetPixel(x, y);
+    return ::GetPixel(dc, x, y);
 }
 
 BOOL CHtmlHost::OnEraseBkgnd(CDC* pDC) {
     CRect all;
     GetClientRect(&all);
-    pDC->FillRect(&all, &m_background);
+    ::FillRect(*pDC, &all, m_background);
     // A mark that lies under the control's corner.
-    pDC->FillSolidRect(200, 90, 10, 10, RGB(255, 255, 0));
+    ::FillRect(*pDC, CRect(200, 90, 210, 100), CBrush(RGB(255, 255, 0)));
     return TRUE;
 }
 

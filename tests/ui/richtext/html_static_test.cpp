@@ -209,7 +209,7 @@ TEST(HtmlStatic, HoverRepaintsTheLinkAlone) {
     EXPECT_EQ(control.Drawer().HoverLink(), 0);
     EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_HAND));
     RECT dirty{};
-    ASSERT_TRUE(control.GetUpdateRect(&dirty));
+    ASSERT_TRUE(GetUpdateRect(control, &dirty, FALSE));
     const RECT link = control.Drawer().LinkRects(0).at(0);
     EXPECT_EQ(dirty.top, link.top);
     EXPECT_EQ(dirty.bottom, link.bottom);
@@ -217,7 +217,7 @@ TEST(HtmlStatic, HoverRepaintsTheLinkAlone) {
     EXPECT_NEAR(dirty.right, link.right, 3);
     control.UpdateWindow();
     host.MoveTo(0);
-    EXPECT_FALSE(control.GetUpdateRect(&dirty)) << "the same link again";
+    EXPECT_FALSE(GetUpdateRect(control, &dirty, FALSE)) << "the same link again";
 
     host.MoveTo(1);
     EXPECT_EQ(control.Drawer().HoverLink(), 1);

@@ -8,8 +8,7 @@
 
 class CCmdTarget;
 
-// A message on its way to a handler. For commands and control notifications wParam is the
-// identifier; for WM_NOTIFY lParam is the NMHDR*.
+// A message on its way to a handler.
 struct AFX_MSGCALL {
     UINT message;
     WPARAM wParam;
@@ -22,9 +21,8 @@ using AFX_THUNK = BOOL (*)(CCmdTarget* pTarget, const AFX_MSGCALL& call, LRESULT
 
 struct AFX_MSGMAP_ENTRY {
     UINT nMessage;
-    UINT nCode;  // control notification code
-    UINT nID;    // first and last control identifier
-    UINT nLastID;
+    UINT nCode;                // control notification code
+    UINT nID;                  // control identifier
     const UINT* pnRegistered;  // the variable that holds a registered message's number
     AFX_THUNK pfnThunk;        // null ends the map
 };
@@ -32,18 +30,6 @@ struct AFX_MSGMAP_ENTRY {
 struct AFX_MSGMAP {
     const AFX_MSGMAP* (*pfnGetBaseMap)();  // null at the root
     const AFX_MSGMAP_ENTRY* lpEntries;
-};
-
-// What OnCmdMsg finds when it is asked for the handler and not to run it.
-struct AFX_CMDHANDLERINFO {
-    CCmdTarget* pTarget;
-    AFX_THUNK pfnThunk;
-};
-
-// What OnCmdMsg gets as pExtra for a WM_NOTIFY.
-struct AFX_NOTIFY {
-    LRESULT* pResult;
-    NMHDR* pNMHDR;
 };
 
 // nCode of a menu or accelerator command.
@@ -62,10 +48,9 @@ public:
     CCmdTarget& operator=(const CCmdTarget&) = delete;
     virtual ~CCmdTarget();
 
-    // Routes a command or notification to its handler. nCode is the notification code, for
-    // WM_NOTIFY the code in the low and WM_NOTIFY in the high word. Returns whether it was handled;
-    // with pHandlerInfo only looks the handler up.
-    virtual BOOL OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pHandlerInfo);
+    // Routes a command, or the notification of a control, to its handler. nCode is the
+    // notification code. Returns whether it was handled.
+    BOOL OnCmdMsg(UINT nID, int nCode);
 
 protected:
     static const AFX_MSGMAP* GetThisMessageMap();

@@ -10,8 +10,8 @@
 // OnInitDialog gives it any.
 // Modeless: Create, and DestroyWindow (not EndDialog, which only hides) in OnOK and OnCancel; an
 // object made with `new` deletes itself in PostNcDestroy. Its keyboard handling works in the modal
-// loops of this framework, and in a message loop that calls AfxPumpMessage, or
-// AfxPreTranslateMessage before it dispatches.
+// loops of this framework, and in a message loop that calls AfxPreTranslateMessage before it
+// dispatches.
 //
 // Child panels. A dialog whose template has WS_CHILD (DS_CONTROL or not) and that stands inside
 // another dialog takes part in that dialog's keyboard handling: Tab and the arrow keys walk through
@@ -27,12 +27,10 @@ public:
     CDialog();
     // The template is looked for when the dialog is created. A null parent stands for none.
     explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
-    explicit CDialog(LPCSTR lpszTemplateName, CWnd* pParentWnd = nullptr);
     ~CDialog() override;
 
     // Modal from a template in memory, which must live until DoModal returns.
     BOOL InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = nullptr);
-    BOOL InitModalIndirect(HGLOBAL hDialogTemplate, CWnd* pParentWnd = nullptr);
     // Returns what EndDialog was given, -1 when the dialog could not be shown, was destroyed from
     // outside, was ended by WM_QUIT (posted again) or by an exception.
     virtual INT_PTR DoModal();
@@ -40,19 +38,8 @@ public:
     // Modeless; the window is shown only when the template has WS_VISIBLE.
     using CWnd::Create;
     BOOL Create(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
-    BOOL Create(LPCSTR lpszTemplateName, CWnd* pParentWnd = nullptr);
     BOOL CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = nullptr,
                         HINSTANCE hInst = nullptr);
-    BOOL CreateIndirect(HGLOBAL hDialogTemplate, CWnd* pParentWnd = nullptr,
-                        HINSTANCE hInst = nullptr);
-
-    void MapDialogRect(LPRECT lpRect) const;
-    void NextDlgCtrl() const;
-    void PrevDlgCtrl() const;
-    void GotoDlgCtrl(CWnd* pWndCtrl);
-    void SetDefID(UINT nID);
-    // The identifier in the low word, DC_HASDEFID in the high word; 0 when there is none.
-    DWORD GetDefID() const;
 
     // Ends DoModal with the result, once the handler that calls it has returned.
     void EndDialog(int nResult);
@@ -63,9 +50,7 @@ public:
     BOOL PreTranslateMessage(MSG* pMsg) override;
 
 protected:
-    UINT m_nIDHelp = 0;                           // number of the template
-    LPCSTR m_lpszTemplateName = nullptr;          // a number, or a copy of the name
-    HGLOBAL m_hDialogTemplate = nullptr;          // not owned
+    LPCSTR m_lpszTemplateName = nullptr;          // MAKEINTRESOURCE of its number
     LPCDLGTEMPLATE m_lpDialogTemplate = nullptr;  // not owned
     CWnd* m_pParentWnd = nullptr;
 
@@ -74,10 +59,10 @@ protected:
     // EndDialog(IDCANCEL).
     virtual void OnCancel();
 
-    // The modal loop in named steps. RunModalFrom finds the template by name in hInst, or takes the
-    // one in memory (-1 without any); PreModal; disables the parent; CreateModalWindow; runs the
-    // loop if the dialog was not ended yet; hides the window; enables the parent, activates it if
-    // the dialog was active; destroys the window; PostModal. An exception in between makes the
+    // The modal loop in named steps. RunModalFrom finds the template by number in hInst, or takes
+    // the one in memory (-1 without any); PreModal; disables the parent; CreateModalWindow; runs
+    // the loop if the dialog was not ended yet; hides the window; enables the parent, activates it
+    // if the dialog was active; destroys the window; PostModal. An exception in between makes the
     // result -1.
     INT_PTR RunModalFrom(HINSTANCE hInst);
 
@@ -100,7 +85,6 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    void SetTemplateName(LPCSTR lpszTemplateName);
     INT_PTR RunModal(LPCDLGTEMPLATE lpDialogTemplate, HINSTANCE hInst);
     BOOL CreateFromTemplate(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, HINSTANCE hInst);
     bool IsCentered() const;

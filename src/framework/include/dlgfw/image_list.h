@@ -4,7 +4,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <dlgfw/gdi_object.h>
+#include <dlgfw/afx_export.h>
 
 class DLGFW_API CImageList {
 public:
@@ -24,16 +24,8 @@ public:
     BOOL Create(int cx, int cy, UINT nFlags, int nInitial, int nGrow);
     BOOL DeleteImageList();
 
-    int GetImageCount() const;
-    // Each returns the index of the first new image, or -1. The sources are copied.
+    // Returns the index of the new image, or -1. The icon is copied.
     int Add(HICON hIcon);
-    int Add(CBitmap* pbmImage, CBitmap* pbmMask);
-    int Add(CBitmap* pbmImage, COLORREF crMask);
-    BOOL Remove(int nImage);
-    int Replace(int nImage, HICON hIcon);
-    // The caller destroys the icon.
-    HICON ExtractIcon(int nImage);
-    BOOL Draw(CDC* pDC, int nImage, POINT pt, UINT nStyle);
 
     HIMAGELIST m_hImageList = nullptr;
 };

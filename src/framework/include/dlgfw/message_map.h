@@ -31,7 +31,7 @@
         using TheBaseClass = baseClass;                 \
         static const AFX_MSGMAP_ENTRY entries[] = {
 #define END_MESSAGE_MAP()                                                             \
-    { 0, 0, 0, 0, nullptr, nullptr }                                                  \
+    { 0, 0, 0, nullptr, nullptr }                                                     \
     }                                                                                 \
     ;                                                                                 \
     static const AFX_MSGMAP messageMap = {&TheBaseClass::GetThisMessageMap, entries}; \
@@ -66,16 +66,6 @@ public:
         Call<void>(pTarget);
         return TRUE;
     }
-    // void (UINT nID)
-    static BOOL Range(Target pTarget, Message msg, Result) {
-        Call<void, UINT>(pTarget, Bits(msg.wParam));
-        return TRUE;
-    }
-    // void (NMHDR* pNMHDR, LRESULT* pResult)
-    static BOOL Notify(Target pTarget, Message msg, Result lResult) {
-        Call<void, NMHDR*, LRESULT*>(pTarget, Pointer<NMHDR*>(msg.lParam), &lResult);
-        return TRUE;
-    }
     // LRESULT (WPARAM, LPARAM)
     static BOOL Raw(Target pTarget, Message msg, Result lResult) {
         lResult = Call<LRESULT, WPARAM, LPARAM>(pTarget, msg.wParam, msg.lParam);
@@ -97,11 +87,6 @@ public:
                                    HIWORD(msg.lParam));
         return TRUE;
     }
-    // void (WINDOWPOS*)
-    static BOOL WindowPos(Target pTarget, Message msg, Result) {
-        Call<void, WINDOWPOS*>(pTarget, Pointer<WINDOWPOS*>(msg.lParam));
-        return TRUE;
-    }
     // BOOL (CDC*)
     static BOOL Erase(Target pTarget, Message msg, Result lResult) {
         lResult = Call<BOOL, CDC*>(pTarget, CDC::FromHandle(reinterpret_cast<HDC>(msg.wParam)));
@@ -113,14 +98,6 @@ public:
             pTarget, CDC::FromHandle(reinterpret_cast<HDC>(msg.wParam)),
             CWnd::FromHandle(Pointer<HWND>(msg.lParam)), msg.message - WM_CTLCOLORMSGBOX));
         return TRUE;
-    }
-    // HBRUSH (CDC*, UINT nCtlColor), in the control itself; a null brush leaves it to the parent.
-    static BOOL CtlColorReflect(Target pTarget, Message msg, Result lResult) {
-        auto* hBrush =
-            Call<HBRUSH, CDC*, UINT>(pTarget, CDC::FromHandle(reinterpret_cast<HDC>(msg.wParam)),
-                                     msg.message - WM_REFLECT_BASE - WM_CTLCOLORMSGBOX);
-        lResult = reinterpret_cast<LRESULT>(hBrush);
-        return hBrush != nullptr;
     }
     // void (UINT uFlags, LPCSTR lpszSection)
     static BOOL Setting(Target pTarget, Message msg, Result) {
@@ -159,19 +136,6 @@ public:
         lResult = Call<LRESULT, CPoint>(pTarget, CPoint(msg.lParam));
         return TRUE;
     }
-    // void (BOOL bShow, UINT nStatus)
-    static BOOL Show(Target pTarget, Message msg, Result) {
-        Call<void, BOOL, UINT>(pTarget, static_cast<BOOL>(msg.wParam),
-                               static_cast<UINT>(msg.lParam));
-        return TRUE;
-    }
-    // void (UINT nState, CWnd* pWndOther, BOOL bMinimized)
-    static BOOL Activate(Target pTarget, Message msg, Result) {
-        Call<void, UINT, CWnd*, BOOL>(pTarget, LOWORD(msg.wParam),
-                                      CWnd::FromHandle(Pointer<HWND>(msg.lParam)),
-                                      HIWORD(msg.wParam));
-        return TRUE;
-    }
     // void (BOOL bEnable)
     static BOOL Enable(Target pTarget, Message msg, Result) {
         Call<void, BOOL>(pTarget, static_cast<BOOL>(msg.wParam));
@@ -182,66 +146,25 @@ public:
         lResult = Call<BOOL, HELPINFO*>(pTarget, Pointer<HELPINFO*>(msg.lParam));
         return TRUE;
     }
-    // void (UINT nID, LPARAM)
-    static BOOL SysCommand(Target pTarget, Message msg, Result) {
-        Call<void, UINT, LPARAM>(pTarget, Bits(msg.wParam), msg.lParam);
-        return TRUE;
-    }
-    // UINT ()
-    static BOOL DlgCode(Target pTarget, Message, Result lResult) {
-        lResult = static_cast<LRESULT>(Call<UINT>(pTarget));
-        return TRUE;
-    }
-    // void (CWnd*, CPoint), the point in screen coordinates
-    static BOOL Menu(Target pTarget, Message msg, Result) {
-        Call<void, CWnd*, CPoint>(pTarget, CWnd::FromHandle(Window(msg.wParam)),
-                                  CPoint(msg.lParam));
-        return TRUE;
-    }
 };
 
 // One line of a map. Identifiers and notification codes are 16 bits wide; some headers define them
 // as negative numbers.
-#define AFX_MAP_ENTRY(message, nCode, idFirst, idLast, pnRegistered, memberFxn, kind) \
-    {message,                                                                         \
-     static_cast<WORD>(nCode),                                                        \
-     static_cast<WORD>(idFirst),                                                      \
-     static_cast<WORD>(idLast),                                                       \
-     pnRegistered,                                                                    \
+#define AFX_MAP_ENTRY(message, nCode, nID, pnRegistered, memberFxn, kind)     \
+    {message, static_cast<WORD>(nCode), static_cast<WORD>(nID), pnRegistered, \
      &AfxThunk<ThisClass, memberFxn>::kind},
 
-#define ON_CONTROL_RANGE(nCode, idFirst, idLast, memberFxn) \
-    AFX_MAP_ENTRY(WM_COMMAND, nCode, idFirst, idLast, nullptr, memberFxn, Range)
 #define ON_CONTROL(nCode, id, memberFxn) \
-    AFX_MAP_ENTRY(WM_COMMAND, nCode, id, id, nullptr, memberFxn, Plain)
+    AFX_MAP_ENTRY(WM_COMMAND, nCode, id, nullptr, memberFxn, Plain)
 #define ON_COMMAND(id, memberFxn) ON_CONTROL(CN_COMMAND, id, memberFxn)
-#define ON_COMMAND_RANGE(idFirst, idLast, memberFxn) \
-    ON_CONTROL_RANGE(CN_COMMAND, idFirst, idLast, memberFxn)
 #define ON_BN_CLICKED(id, memberFxn) ON_CONTROL(BN_CLICKED, id, memberFxn)
-#define ON_BN_DOUBLECLICKED(id, memberFxn) ON_CONTROL(BN_DOUBLECLICKED, id, memberFxn)
 #define ON_EN_CHANGE(id, memberFxn) ON_CONTROL(EN_CHANGE, id, memberFxn)
-#define ON_EN_UPDATE(id, memberFxn) ON_CONTROL(EN_UPDATE, id, memberFxn)
 #define ON_EN_SETFOCUS(id, memberFxn) ON_CONTROL(EN_SETFOCUS, id, memberFxn)
-#define ON_EN_KILLFOCUS(id, memberFxn) ON_CONTROL(EN_KILLFOCUS, id, memberFxn)
-#define ON_STN_CLICKED(id, memberFxn) ON_CONTROL(STN_CLICKED, id, memberFxn)
-#define ON_STN_DBLCLK(id, memberFxn) ON_CONTROL(STN_DBLCLK, id, memberFxn)
 
-#define ON_NOTIFY(nCode, id, memberFxn) \
-    AFX_MAP_ENTRY(WM_NOTIFY, nCode, id, id, nullptr, memberFxn, Notify)
-
-#define ON_MESSAGE(message, memberFxn) AFX_MAP_ENTRY(message, 0, 0, 0, nullptr, memberFxn, Raw)
+#define ON_MESSAGE(message, memberFxn) AFX_MAP_ENTRY(message, 0, 0, nullptr, memberFxn, Raw)
 // nVariable holds what RegisterWindowMessage returned; it is read when a message arrives.
 #define ON_REGISTERED_MESSAGE(nVariable, memberFxn) \
-    AFX_MAP_ENTRY(0xC000, 0, 0, 0, &(nVariable), memberFxn, Raw)
-
-// In a control's own class, for what it would tell its parent.
-#define ON_CONTROL_REFLECT(nCode, memberFxn) \
-    AFX_MAP_ENTRY(WM_REFLECT_BASE + WM_COMMAND, nCode, 0, 0, nullptr, memberFxn, Plain)
-#define ON_NOTIFY_REFLECT(nCode, memberFxn) \
-    AFX_MAP_ENTRY(WM_REFLECT_BASE + WM_NOTIFY, nCode, 0, 0, nullptr, memberFxn, Notify)
-#define ON_WM_CTLCOLOR_REFLECT()                                                         \
-    AFX_MAP_ENTRY(WM_REFLECT_BASE + WM_CTLCOLOR, 0, 0, 0, nullptr, &ThisClass::CtlColor, \
-                  CtlColorReflect)
+    AFX_MAP_ENTRY(0xC000, 0, 0, &(nVariable), memberFxn, Raw)
 
 // The message number that stands for the WM_CTLCOLORxxx messages in a map.
 #ifndef WM_CTLCOLOR
@@ -249,14 +172,13 @@ public:
 #endif
 
 #define AFX_ON_WM(message, kind, handler) \
-    AFX_MAP_ENTRY(message, 0, 0, 0, nullptr, &ThisClass::handler, kind)
+    AFX_MAP_ENTRY(message, 0, 0, nullptr, &ThisClass::handler, kind)
 
 #define ON_WM_CREATE() AFX_ON_WM(WM_CREATE, Create, OnCreate)
 #define ON_WM_DESTROY() AFX_ON_WM(WM_DESTROY, Plain, OnDestroy)
 #define ON_WM_NCDESTROY() AFX_ON_WM(WM_NCDESTROY, Plain, OnNcDestroy)
 #define ON_WM_MOVE() AFX_ON_WM(WM_MOVE, Move, OnMove)
 #define ON_WM_SIZE() AFX_ON_WM(WM_SIZE, Size, OnSize)
-#define ON_WM_WINDOWPOSCHANGED() AFX_ON_WM(WM_WINDOWPOSCHANGED, WindowPos, OnWindowPosChanged)
 #define ON_WM_PAINT() AFX_ON_WM(WM_PAINT, Plain, OnPaint)
 #define ON_WM_ERASEBKGND() AFX_ON_WM(WM_ERASEBKGND, Erase, OnEraseBkgnd)
 #define ON_WM_CTLCOLOR() AFX_ON_WM(WM_CTLCOLOR, CtlColor, OnCtlColor)
@@ -266,22 +188,11 @@ public:
 #define ON_WM_KILLFOCUS() AFX_ON_WM(WM_KILLFOCUS, Focus, OnKillFocus)
 #define ON_WM_KEYDOWN() AFX_ON_WM(WM_KEYDOWN, Key, OnKeyDown)
 #define ON_WM_KEYUP() AFX_ON_WM(WM_KEYUP, Key, OnKeyUp)
-#define ON_WM_CHAR() AFX_ON_WM(WM_CHAR, Key, OnChar)
 #define ON_WM_TIMER() AFX_ON_WM(WM_TIMER, Timer, OnTimer)
-#define ON_WM_MOUSEMOVE() AFX_ON_WM(WM_MOUSEMOVE, Mouse, OnMouseMove)
 #define ON_WM_MOUSELEAVE() AFX_ON_WM(WM_MOUSELEAVE, Plain, OnMouseLeave)
 #define ON_WM_LBUTTONDOWN() AFX_ON_WM(WM_LBUTTONDOWN, Mouse, OnLButtonDown)
 #define ON_WM_LBUTTONUP() AFX_ON_WM(WM_LBUTTONUP, Mouse, OnLButtonUp)
-#define ON_WM_LBUTTONDBLCLK() AFX_ON_WM(WM_LBUTTONDBLCLK, Mouse, OnLButtonDblClk)
-#define ON_WM_RBUTTONDOWN() AFX_ON_WM(WM_RBUTTONDOWN, Mouse, OnRButtonDown)
-#define ON_WM_RBUTTONUP() AFX_ON_WM(WM_RBUTTONUP, Mouse, OnRButtonUp)
 #define ON_WM_SETCURSOR() AFX_ON_WM(WM_SETCURSOR, Cursor, OnSetCursor)
 #define ON_WM_NCHITTEST() AFX_ON_WM(WM_NCHITTEST, HitTest, OnNcHitTest)
-#define ON_WM_SHOWWINDOW() AFX_ON_WM(WM_SHOWWINDOW, Show, OnShowWindow)
-#define ON_WM_ACTIVATE() AFX_ON_WM(WM_ACTIVATE, Activate, OnActivate)
 #define ON_WM_ENABLE() AFX_ON_WM(WM_ENABLE, Enable, OnEnable)
-#define ON_WM_CLOSE() AFX_ON_WM(WM_CLOSE, Plain, OnClose)
 #define ON_WM_HELPINFO() AFX_ON_WM(WM_HELP, Help, OnHelpInfo)
-#define ON_WM_SYSCOMMAND() AFX_ON_WM(WM_SYSCOMMAND, SysCommand, OnSysCommand)
-#define ON_WM_GETDLGCODE() AFX_ON_WM(WM_GETDLGCODE, DlgCode, OnGetDlgCode)
-#define ON_WM_CONTEXTMENU() AFX_ON_WM(WM_CONTEXTMENU, Menu, OnContextMenu)

@@ -59,7 +59,3 @@ DLGFW_API HINSTANCE AfxFindResourceHandle(LPCSTR lpszName, LPCSTR lpszType);
 
 // The same for a string resource.
 DLGFW_API HINSTANCE AfxFindStringResourceHandle(UINT nID);
-
-// A string resource of the first module that holds it, cut to nMaxBuf bytes with its terminator.
-// Returns its length; 0, with an empty text in the buffer, when there is none.
-DLGFW_API int AfxLoadString(UINT nID, LPSTR lpszBuf, UINT nMaxBuf = 256);

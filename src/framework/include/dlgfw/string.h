@@ -14,8 +14,6 @@
 // Running out of memory throws std::bad_alloc.
 #pragma once
 
-#include <cstdarg>
-
 #include <dlgfw/afx_export.h>
 
 class DLGFW_API CString {
@@ -24,7 +22,7 @@ public:
     CString(const CString& strSource);
     // Takes the storage over; the source is empty afterwards.
     CString(CString&& strSource) noexcept;
-    // A null pointer gives an empty string; MAKEINTRESOURCE(id) loads the string resource.
+    // A null pointer gives an empty string.
     CString(LPCSTR psz);  // NOLINT(google-explicit-constructor): converts, as its users expect
     CString(LPCSTR pch, int nLength);
     explicit CString(char ch, int nRepeat = 1);
@@ -33,7 +31,6 @@ public:
     CString& operator=(const CString& strSource);
     CString& operator=(CString&& strSource) noexcept;
     CString& operator=(LPCSTR psz);
-    CString& operator=(char ch);
 
     int GetLength() const noexcept { return m_nLength; }
     bool IsEmpty() const noexcept { return m_nLength == 0; }
@@ -66,17 +63,11 @@ public:
     // loan ends with ReleaseBuffer before the string is used otherwise.
     LPSTR GetBuffer();
     LPSTR GetBuffer(int nMinBufLength);
-    LPSTR GetBufferSetLength(int nLength);
     // -1 takes the text up to its terminator. What stands behind the text is wiped.
     void ReleaseBuffer(int nNewLength = -1);
 
     // printf; the string's own text may be among the arguments.
     void Format(LPCSTR pszFormat, ...) AFX_PRINTF(2, 3);
-    void FormatV(LPCSTR pszFormat, va_list args) AFX_PRINTF(2, 0);
-    void AppendFormat(LPCSTR pszFormat, ...) AFX_PRINTF(2, 3);
-    void AppendFormatV(LPCSTR pszFormat, va_list args) AFX_PRINTF(2, 0);
-    // The same with the format taken from a string resource; a missing one counts as empty.
-    void Format(UINT nFormatID, ...);
 
     // A string resource, looked for along the resource chain (module_state.h) or in one module.
     // FALSE when it is missing or empty, and then the text stays as it was.
@@ -86,36 +77,24 @@ public:
     // The position of the first match at or behind iStart, or -1.
     int Find(char ch, int iStart = 0) const;
     int Find(LPCSTR pszSub, int iStart = 0) const;
-    int FindOneOf(LPCSTR pszCharSet) const;
-    int ReverseFind(char ch) const;
 
     CString Mid(int iFirst) const;
     CString Mid(int iFirst, int nCount) const;
     CString Left(int nCount) const;
     CString Right(int nCount) const;
 
-    // Each returns the number of changes, Insert and Delete the new length.
+    // Each returns the number of changes.
     int Replace(char chOld, char chNew);
     int Replace(LPCSTR pszOld, LPCSTR pszNew);
     int Remove(char chRemove);
-    int Insert(int iIndex, char ch);
-    int Insert(int iIndex, LPCSTR psz);
-    int Delete(int iIndex, int nCount = 1);
 
-    // In the ANSI code page, as the operating system's own functions do it.
+    // In the ANSI code page, as the operating system's own function does it.
     CString& MakeUpper();
-    CString& MakeLower();
 
-    // White space, one character, or the characters of a set.
+    // Of white space.
     CString& Trim();
-    CString& Trim(char ch);
-    CString& Trim(LPCSTR pszTargets);
     CString& TrimLeft();
-    CString& TrimLeft(char ch);
-    CString& TrimLeft(LPCSTR pszTargets);
     CString& TrimRight();
-    CString& TrimRight(char ch);
-    CString& TrimRight(LPCSTR pszTargets);
 
     // < 0, 0 or > 0, by byte values and by the ANSI code page without regard to case.
     int Compare(LPCSTR psz) const;
@@ -136,8 +115,6 @@ private:
 DLGFW_API CString operator+(const CString& str1, const CString& str2);
 DLGFW_API CString operator+(const CString& str1, LPCSTR psz2);
 DLGFW_API CString operator+(LPCSTR psz1, const CString& str2);
-DLGFW_API CString operator+(const CString& str1, char ch2);
-DLGFW_API CString operator+(char ch1, const CString& str2);
 
 inline bool operator==(const CString& str1, const CString& str2) {
     return str1.Compare(str2) == 0;
@@ -151,45 +128,9 @@ inline bool operator!=(const CString& str1, const CString& str2) {
 inline bool operator!=(const CString& str1, LPCSTR psz2) {
     return str1.Compare(psz2) != 0;
 }
-inline bool operator<(const CString& str1, const CString& str2) {
-    return str1.Compare(str2) < 0;
-}
-inline bool operator<(const CString& str1, LPCSTR psz2) {
-    return str1.Compare(psz2) < 0;
-}
-inline bool operator>(const CString& str1, const CString& str2) {
-    return str1.Compare(str2) > 0;
-}
-inline bool operator>(const CString& str1, LPCSTR psz2) {
-    return str1.Compare(psz2) > 0;
-}
-inline bool operator<=(const CString& str1, const CString& str2) {
-    return str1.Compare(str2) <= 0;
-}
-inline bool operator<=(const CString& str1, LPCSTR psz2) {
-    return str1.Compare(psz2) <= 0;
-}
-inline bool operator>=(const CString& str1, const CString& str2) {
-    return str1.Compare(str2) >= 0;
-}
-inline bool operator>=(const CString& str1, LPCSTR psz2) {
-    return str1.Compare(psz2) >= 0;
-}
 inline bool operator==(LPCSTR psz1, const CString& str2) {
     return str2 == psz1;
 }
 inline bool operator!=(LPCSTR psz1, const CString& str2) {
     return str2 != psz1;
-}
-inline bool operator<(LPCSTR psz1, const CString& str2) {
-    return str2 > psz1;
-}
-inline bool operator>(LPCSTR psz1, const CString& str2) {
-    return str2 < psz1;
-}
-inline bool operator<=(LPCSTR psz1, const CString& str2) {
-    return str2 >= psz1;
-}
-inline bool operator>=(LPCSTR psz1, const CString& str2) {
-    return str2 <= psz1;
 }

@@ -20,7 +20,7 @@
 // message gets the result 0, and the program goes on. While the window is being created (WM_CREATE,
 // WM_INITDIALOG) creation fails.
 //
-// Temporaries. FromHandle, GetDlgItem, GetParent, GetFocus and the like return the window's object,
+// Temporaries. FromHandle, GetDlgItem, GetParent, SetFocus and the like return the window's object,
 // or a temporary one that owns nothing and lasts until the thread is idle: until the outermost
 // message handler returns or a modal loop waits for input. Never keep such a pointer in a member;
 // bind an object of your own (SubclassDlgItem, DDX_Control) instead.
@@ -29,9 +29,8 @@
 #include <dlgfw/cmd_target.h>
 #include <dlgfw/dc.h>
 
-// Macros of the operating system's headers, which would take the calls of these functions.
+// A macro of the operating system's headers, which would take the calls of this function.
 #undef SubclassWindow
-#undef GetNextWindow
 
 class CDataExchange;
 
@@ -42,15 +41,11 @@ constexpr UINT WF_DESTROYING = 0x0020;     // has been sent WM_DESTROY
 
 // Flags of RunModalLoop.
 constexpr DWORD MLF_NOIDLEMSG = 0x0001;   // no WM_ENTERIDLE to the parent
-constexpr DWORD MLF_NOKICKIDLE = 0x0002;  // no WM_KICKIDLE to the window
 constexpr DWORD MLF_SHOWONIDLE = 0x0004;  // show the window when the queue is first empty
 
 // Sent to the window of a modal loop when its queue is empty: wParam MSGF_DIALOGBOX, lParam the
 // number of times since the last message. Nonzero asks to be called again at once.
 constexpr UINT WM_KICKIDLE = 0x036A;
-
-// A message that a parent sends back to the control it came from is this much higher.
-constexpr UINT WM_REFLECT_BASE = 0xBC00;
 
 class DLGFW_API CWnd : public CCmdTarget {
 public:
@@ -59,9 +54,7 @@ public:
 
     // Special places for SetWindowPos.
     static const CWnd wndTop;
-    static const CWnd wndBottom;
     static const CWnd wndTopMost;
-    static const CWnd wndNoTopMost;
 
     CWnd() noexcept = default;
     ~CWnd() override;
@@ -82,7 +75,6 @@ public:
     HWND Detach();
     BOOL SubclassWindow(HWND hWnd);
     BOOL SubclassDlgItem(UINT nID, CWnd* pParent);
-    HWND UnsubclassWindow();
 
     // A child window with the identifier nID.
     virtual BOOL Create(LPCSTR lpszClassName, LPCSTR lpszWindowName, DWORD dwStyle,
@@ -98,26 +90,19 @@ public:
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     LRESULT SendDlgItemMessage(int nID, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
-    // To every descendant; with bOnlyPerm only to those with an object on this thread.
-    void SendMessageToDescendants(UINT message, WPARAM wParam = 0, LPARAM lParam = 0,
-                                  BOOL bDeep = TRUE, BOOL bOnlyPerm = FALSE);
     static const MSG* GetCurrentMessage();
 
     // Text, font, icon.
     void SetWindowText(LPCSTR lpszString);
-    int GetWindowText(LPSTR lpszStringBuf, int nMaxCount) const;
     void GetWindowText(CString& rString) const;
     int GetWindowTextLength() const;
     void SetFont(CFont* pFont, BOOL bRedraw = TRUE);
     CFont* GetFont() const;
     HICON SetIcon(HICON hIcon, BOOL bBigIcon);
-    HICON GetIcon(BOOL bBigIcon) const;
 
     // Style.
     DWORD GetStyle() const;
-    DWORD GetExStyle() const;
     // TRUE when the style changed; nonzero nFlags are SetWindowPos flags to apply it with.
-    BOOL ModifyStyle(DWORD dwRemove, DWORD dwAdd, UINT nFlags = 0);
     BOOL ModifyStyleEx(DWORD dwRemove, DWORD dwAdd, UINT nFlags = 0);
 
     // State.
@@ -125,18 +110,10 @@ public:
     BOOL ShowWindow(int nCmdShow);
     BOOL IsWindowEnabled() const;
     BOOL EnableWindow(BOOL bEnable = TRUE);
-    BOOL IsIconic() const;
-    BOOL IsZoomed() const;
     CWnd* SetActiveWindow();
     BOOL SetForegroundWindow();
-    BOOL BringWindowToTop();
     CWnd* SetFocus();
     CWnd* SetCapture();
-    static CWnd* GetActiveWindow();
-    static CWnd* GetForegroundWindow();
-    static CWnd* GetFocus();
-    static CWnd* GetCapture();
-    static CWnd* GetDesktopWindow();
 
     // Size, place, mapping.
     void MoveWindow(int x, int y, int nWidth, int nHeight, BOOL bRepaint = TRUE);
@@ -148,25 +125,15 @@ public:
     void ClientToScreen(LPRECT lpRect) const;
     void ScreenToClient(LPPOINT lpPoint) const;
     void ScreenToClient(LPRECT lpRect) const;
-    void MapWindowPoints(CWnd* pwndTo, LPPOINT lpPoint, UINT nCount) const;
-    void MapWindowPoints(CWnd* pwndTo, LPRECT lpRect) const;
-    // Over the given window or else its parent or owner, within the monitor's work area.
-    void CenterWindow(CWnd* pAlternateOwner = nullptr);
+    // A top-level window over its owner, within the monitor's work area.
+    void CenterWindow();
     int SetWindowRgn(HRGN hRgn, BOOL bRedraw);
-    int GetWindowRgn(HRGN hRgn) const;
 
     // Painting.
-    CDC* GetDC();
-    CDC* GetWindowDC();
-    int ReleaseDC(CDC* pDC);
     void UpdateWindow();
     void Invalidate(BOOL bErase = TRUE);
-    void InvalidateRect(LPCRECT lpRect, BOOL bErase = TRUE);
-    void ValidateRect(LPCRECT lpRect);
-    BOOL GetUpdateRect(LPRECT lpRect, BOOL bErase = FALSE);
     BOOL RedrawWindow(LPCRECT lpRectUpdate = nullptr, CRgn* prgnUpdate = nullptr,
                       UINT flags = RDW_INVALIDATE | RDW_UPDATENOW | RDW_ERASE);
-    void SetRedraw(BOOL bRedraw = TRUE);
 
     // Timers; a null function posts WM_TIMER.
     UINT_PTR SetTimer(UINT_PTR nIDEvent, UINT nElapse, TIMERPROC lpfnTimer = nullptr);
@@ -175,35 +142,14 @@ public:
     // Relatives.
     CWnd* GetParent() const;
     CWnd* SetParent(CWnd* pWndNewParent);
-    BOOL IsChild(const CWnd* pWnd) const;
-    CWnd* GetWindow(UINT nCmd) const;
-    CWnd* GetTopWindow() const;
-    CWnd* GetNextWindow(UINT nFlag = GW_HWNDNEXT) const;
-    CWnd* GetLastActivePopup() const;
-    CWnd* GetTopLevelParent() const;
-    // Who gets a control's or popup's notifications: the window set, else the parent.
-    CWnd* GetOwner() const;
-    void SetOwner(CWnd* pOwnerWnd);
-    // The first descendant with the identifier.
-    CWnd* GetDescendantWindow(int nID, BOOL bOnlyPerm = FALSE) const;
     static CWnd* FindWindow(LPCSTR lpszClassName, LPCSTR lpszWindowName);
 
     // Dialog items. A missing one gives null, 0 or an empty text.
-    int GetDlgCtrlID() const;
-    int SetDlgCtrlID(int nID);
     CWnd* GetDlgItem(int nID) const;
-    void GetDlgItem(int nID, HWND* phWnd) const;
     void SetDlgItemText(int nID, LPCSTR lpszString);
-    int GetDlgItemText(int nID, LPSTR lpStr, int nMaxCount) const;
     int GetDlgItemText(int nID, CString& rString) const;
-    void SetDlgItemInt(int nID, UINT nValue, BOOL bSigned = TRUE);
-    UINT GetDlgItemInt(int nID, BOOL* lpTrans = nullptr, BOOL bSigned = TRUE) const;
     void CheckDlgButton(int nIDButton, UINT nCheck);
-    void CheckRadioButton(int nIDFirstButton, int nIDLastButton, int nIDCheckButton);
-    int GetCheckedRadioButton(int nIDFirstButton, int nIDLastButton) const;
     UINT IsDlgButtonChecked(int nIDButton) const;
-    CWnd* GetNextDlgTabItem(CWnd* pWndCtl, BOOL bPrevious = FALSE) const;
-    CWnd* GetNextDlgGroupItem(CWnd* pWndCtl, BOOL bPrevious = FALSE) const;
 
     int MessageBox(LPCSTR lpszText, LPCSTR lpszCaption = nullptr, UINT nType = MB_OK);
 
@@ -220,12 +166,8 @@ public:
 
     // Called for a message of this window or a descendant before it is translated; TRUE eats it.
     virtual BOOL PreTranslateMessage(MSG* pMsg);
-    // Asks the objects from the message's window up to hWndStop, or to the top.
-    static BOOL WalkPreTranslateTree(HWND hWndStop, MSG* pMsg);
-    BOOL PreTranslateInput(MSG* pMsg);
-    BOOL IsDialogMessage(MSG* pMsg);
 
-    // Runs the notification being dispatched through this control's reflection entries.
+    // Offers the notification being dispatched to this control, which sent it (OnChildNotify).
     BOOL SendChildNotifyLastMsg(LRESULT* pResult = nullptr);
 
 protected:
@@ -248,8 +190,8 @@ protected:
     LRESULT Default();
     virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam);
     virtual BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult);
+    // In a control, before its parent's handlers; TRUE when the control took it.
     virtual BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult);
-    BOOL ReflectChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult);
     static BOOL ReflectLastMsg(HWND hWndChild, LRESULT* pResult = nullptr);
     virtual void DoDataExchange(CDataExchange* pDX);
 
@@ -258,10 +200,9 @@ protected:
     afx_msg void OnNcDestroy();
     afx_msg void OnMove(int x, int y);
     afx_msg void OnSize(UINT nType, int cx, int cy);
-    afx_msg void OnWindowPosChanged(WINDOWPOS* lpwndpos);
     afx_msg void OnPaint();
     afx_msg BOOL OnEraseBkgnd(CDC* pDC);
-    // nCtlColor: CTLCOLOR_*. Asks the control first (ON_WM_CTLCOLOR_REFLECT).
+    // nCtlColor: CTLCOLOR_*. Asks the control first (OnChildNotify).
     afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
     // These two are sent on to the objects' windows below a top-level window.
     afx_msg void OnSysColorChange();
@@ -270,25 +211,14 @@ protected:
     afx_msg void OnKillFocus(CWnd* pNewWnd);
     afx_msg void OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
     afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
-    afx_msg void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
     afx_msg void OnTimer(UINT_PTR nIDEvent);
-    afx_msg void OnMouseMove(UINT nFlags, CPoint point);
     afx_msg void OnMouseLeave();
     afx_msg void OnLButtonDown(UINT nFlags, CPoint point);
     afx_msg void OnLButtonUp(UINT nFlags, CPoint point);
-    afx_msg void OnLButtonDblClk(UINT nFlags, CPoint point);
-    afx_msg void OnRButtonDown(UINT nFlags, CPoint point);
-    afx_msg void OnRButtonUp(UINT nFlags, CPoint point);
     afx_msg BOOL OnSetCursor(CWnd* pWnd, UINT nHitTest, UINT message);
     afx_msg LRESULT OnNcHitTest(CPoint point);
-    afx_msg void OnShowWindow(BOOL bShow, UINT nStatus);
-    afx_msg void OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized);
     afx_msg void OnEnable(BOOL bEnable);
-    afx_msg void OnClose();
     afx_msg BOOL OnHelpInfo(HELPINFO* pHelpInfo);
-    afx_msg void OnSysCommand(UINT nID, LPARAM lParam);
-    afx_msg UINT OnGetDlgCode();
-    afx_msg void OnContextMenu(CWnd* pWnd, CPoint pos);
 
     DECLARE_MESSAGE_MAP()
 
@@ -299,7 +229,6 @@ private:
     void SendCurrentToDescendants();
 
     WNDPROC m_pfnSuper = nullptr;          // the procedure that was subclassed
-    HWND m_hWndOwner = nullptr;            // set by SetOwner
     class CWndGuard* m_pGuards = nullptr;  // who wants to know when this object goes
 };
 
@@ -309,16 +238,11 @@ private:
 using AFX_EXCEPTION_REPORTER = void (*)(UINT message);
 DLGFW_API AFX_EXCEPTION_REPORTER AfxSetExceptionReporter(AFX_EXCEPTION_REPORTER pfnReporter);
 
-// The window procedure of every bound window.
-DLGFW_API LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
-
 // The name of a window class with these properties, registered when it is not yet; valid for the
 // thread until the next call. Null on failure.
 DLGFW_API LPCSTR AfxRegisterWndClass(UINT nClassStyle, HCURSOR hCursor = nullptr,
                                      HBRUSH hbrBackground = nullptr, HICON hIcon = nullptr);
 
-// One turn of a message loop: waits, translates, dispatches. FALSE at WM_QUIT.
-DLGFW_API BOOL AfxPumpMessage();
 // TRUE when the objects over the message's window ate it.
 DLGFW_API BOOL AfxPreTranslateMessage(MSG* pMsg);
 
@@ -329,8 +253,6 @@ public:
     CWaitCursor(const CWaitCursor&) = delete;
     CWaitCursor& operator=(const CWaitCursor&) = delete;
     ~CWaitCursor();
-    // Shows it again after something else changed the cursor.
-    void Restore();
 
 private:
     HCURSOR m_hOld;
