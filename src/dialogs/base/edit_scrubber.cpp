@@ -1,5 +1,6 @@
 #include "dialogs/base/edit_scrubber.h"
 
+#include <algorithm>
 #include <array>
 
 #include <dlgfw/string.h>
