@@ -68,25 +68,15 @@ Bitmap MakeBitmap(const BitmapImage& image) noexcept {
     return bitmap;
 }
 
-LoadedBitmap LoadBitmapFile(const char* pszFile) noexcept {
-    LoadedBitmap loaded;
-    loaded.pszFault = "there was no memory for the picture";
-    Guarded(
+Bitmap LoadBitmapFile(const char* pszFile) noexcept {
+    return Guarded(
+        Bitmap(),
         [&] {
             const std::vector<std::uint8_t> bytes = ReadDiskFile(pszFile, kMaxBitmapFile);
             const std::optional<BitmapImage> image = ReadBitmapFile(bytes);
-            if (!image) {
-                loaded.pszFault =
-                    bytes.empty() ? "the file cannot be read" : "the file is no usable bitmap";
-                return;
-            }
-            loaded.bitmap = MakeBitmap(*image);
+            return image ? MakeBitmap(*image) : Bitmap();
         },
         [] {});
-    if (loaded.bitmap) {
-        loaded.pszFault = nullptr;
-    }
-    return loaded;
 }
 
 }  // namespace mvp

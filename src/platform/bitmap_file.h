@@ -2,8 +2,7 @@
 // bitmap is made from the bytes that were checked, so that neither a false header nor a change of
 // the file in between reaches the system. Any thread.
 //
-//     const LoadedBitmap loaded = LoadBitmapFile("C:\\pictures\\banner.bmp");
-//     if (!loaded.bitmap) ...  // loaded.pszFault says why
+//     const Bitmap banner = LoadBitmapFile("C:\\pictures\\banner.bmp");
 #pragma once
 
 #include <cstdint>
@@ -25,12 +24,8 @@ std::vector<std::uint8_t> ReadDiskFile(const char* pszFile, std::uint64_t nMost)
 // Empty when the system has no memory.
 Bitmap MakeBitmap(const BitmapImage& image) noexcept;
 
-struct LoadedBitmap {
-    Bitmap bitmap;
-    const char* pszFault = nullptr;  // without a bitmap: why, in a few words; a literal
-};
-
-// In its natural size.
-LoadedBitmap LoadBitmapFile(const char* pszFile) noexcept;
+// In its natural size. Empty when the file cannot be read, is no bitmap that holds what it
+// promises, or memory runs out.
+Bitmap LoadBitmapFile(const char* pszFile) noexcept;
 
 }  // namespace mvp

@@ -204,7 +204,7 @@ void CEnterPinDlg::ShowBranding(const BrandingPicture& setting, int nDefaultPict
     CWnd* pDefault = GetDlgItem(nDefaultPicture);
     if (strFile.IsEmpty() || pDefault == nullptr)
         return;
-    bitmap = mvp::LoadBitmapFile(strFile).bitmap;
+    bitmap = mvp::LoadBitmapFile(strFile);
     if (!bitmap) {
         picture.ShowWindow(SW_HIDE);
         mvp::LogIgnoredSetting(

@@ -214,10 +214,9 @@ TEST(Images, AreReadFromEveryKindOfBitmap) {
         stream.write(reinterpret_cast<const char*>(&info), sizeof info);
         stream << kind.strRest;
         stream.close();
-        const LoadedBitmap loaded = LoadBitmapFile(strFile.c_str());
-        ASSERT_TRUE(loaded.bitmap) << kind.pszKind << ": " << loaded.pszFault;
-        const auto picture =
-            richtext::CPicture::FromBitmap(loaded.bitmap.get(), richtext::kNoColour);
+        const Bitmap loaded = LoadBitmapFile(strFile.c_str());
+        ASSERT_TRUE(loaded) << kind.pszKind;
+        const auto picture = richtext::CPicture::FromBitmap(loaded.get(), richtext::kNoColour);
         ASSERT_EQ(picture.Pixels().size(), 2u);
         EXPECT_EQ(picture.Pixels()[0], 0xFFFF0000u) << kind.pszKind;
         EXPECT_EQ(picture.Pixels()[1], 0xFF0000FFu) << kind.pszKind;
