@@ -164,16 +164,16 @@ LRESULT CDialog::HandleInitDialog(WPARAM, LPARAM) {
     // Before OnInitDialog: whatever place that one gives the dialog is where it stays.
     if (IsCentered())
         CenterWindow();
-    CRect rectBefore;
-    GetWindowRect(rectBefore);
+    CRect rect;
+    GetWindowRect(rect);
+    const POINT before = rect.TopLeft();
     const CWndGuard guard(this);
     const BOOL bSetFocus = OnInitDialog();
     if (!guard.IsAlive() || m_hWnd == nullptr)
         return bSetFocus;
-    CRect rect;
     GetWindowRect(rect);
     // One that has only changed its size goes back to the middle.
-    if (IsCentered() && rect.TopLeft() == rectBefore.TopLeft())
+    if (IsCentered() && rect.TopLeft() == before)
         CenterWindow();
     return bSetFocus;
 }
