@@ -171,7 +171,6 @@ TEST_F(BaseDialog, MissingTemplateIsMinusOneAndTold) {
     EXPECT_EQ(missing.CreateFromResourceModule(nullptr), 0);
     EXPECT_EQ(log.Texts(1),
               (std::vector<std::string>{"Dialog template 1 is missing from the resource module",
-                                        "Exception in the handler of message 0x110",
                                         "Dialog template 1 is missing from the resource module"}));
 }
 
