@@ -8,6 +8,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <dlgfw/dlgfw.h>
@@ -162,6 +163,7 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
     CIncompletePanel panel(host, 0);
     ASSERT_NE(panel.LocCreate(&host), 0);
     FailingHeap heap("dlgfw.dll");
+    CString value;
     // What a host calls, and what the edits do.
     const auto change = [&panel](int nEdit) {
         panel.SendMessage(WM_COMMAND, MAKEWPARAM(nEdit, EN_CHANGE),
@@ -173,6 +175,8 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
         std::function<bool()> act;
     } acts[] = {
         {"ReadAndCheck", [&] { return panel.ReadAndCheck(); }},
+        {"VerifyAndUpdateAllPolicies",
+         [&] { return panel.VerifyAndUpdateAllPolicies(std::move(value)); }},
         {"current", [&] { return change(kCurrent); }},
         {"new", [&] { return change(kNew); }},
         {"confirmation", [&] { return change(kConfirm); }},
@@ -184,6 +188,7 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
             SCOPED_TRACE(each.pszWhat + std::to_string(i));
             Enter(panel);
             ASSERT_TRUE(host.m_ok.IsWindowEnabled());
+            value = "5838";
             m_log.Clear();
             heap.FailAt(i);
             const bool bResult = each.act();
