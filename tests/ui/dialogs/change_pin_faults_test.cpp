@@ -156,6 +156,8 @@ TEST_F(ChangePinFaults, PanelNeedsItsEditsAndNothingElse) {
         EXPECT_FALSE(host.m_ok.IsWindowEnabled());
         EXPECT_FALSE(panel.ReadAndCheck());
     }
+    CChangePINDialog windowless(0, 0, false, nullptr, nullptr, nullptr, &host, 0, 0, 0);
+    EXPECT_FALSE(windowless.ReadAndCheck()) << "though no rule forbids two empty PINs";
 }
 
 TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
