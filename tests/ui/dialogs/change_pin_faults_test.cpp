@@ -253,6 +253,7 @@ protected:
 template <class Panel>
 void ExpectCreationStopsExceptions(const std::function<std::unique_ptr<CWatchful<Panel>>()>& make,
                                    CHost& host, LogRecorder& log, const std::string& strClass) {
+    log.Clear();
     FailingHeap heap("dlgfw.dll");
     bool bRefused = true;
     for (int i = 0; bRefused; ++i) {
@@ -265,13 +266,13 @@ void ExpectCreationStopsExceptions(const std::function<std::unique_ptr<CWatchful
     }
     EXPECT_TRUE(log.Contains(1, strClass + "::OnInitDialog: exception"));
     CWnd gone;
-    gone.m_hWnd = HWND{reinterpret_cast<HWND>(INT_PTR{0x7FFFFFF0})};
+    gone.m_hWnd = reinterpret_cast<HWND>(INT_PTR{0x7FFFFFF0});
     const auto panel = make();
     panel->m_bThrows = true;
     EXPECT_EQ(panel->LocCreate(&gone), 0);
     panel->m_bThrows = false;
     gone.m_hWnd = nullptr;
-    EXPECT_TRUE(log.Contains(1, strClass + "::LocCreate: exception"));
+    EXPECT_TRUE(log.Contains(1, "CBaseDialog::CreateFromResourceModule: exception"));
 }
 
 TEST_F(ChangePinFaults, CreationLetsNoExceptionOut) {
