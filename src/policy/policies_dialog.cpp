@@ -78,9 +78,7 @@ VKPoliciesDlg::~VKPoliciesDlg() = default;
 
 int VKPoliciesDlg::LocCreate(CWnd* pParent) {
     const mvp::LogScope scope("VKPoliciesDlg::LocCreate");
-    return mvp::Guarded(
-        0, [&] { return CreateFromResourceModule(pParent); },
-        mvp::LogException("VKPoliciesDlg::LocCreate"));
+    return CreateFromResourceModule(pParent);
 }
 
 void VKPoliciesDlg::DoDataExchange(CDataExchange* pDX) {

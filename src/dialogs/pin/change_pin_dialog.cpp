@@ -101,9 +101,7 @@ CChangePINDialog::~CChangePINDialog() {
 
 int CChangePINDialog::LocCreate(CWnd* pParent) {
     const mvp::LogScope scope("CChangePINDialog::LocCreate");
-    const int nCreated = mvp::Guarded(
-        0, [&] { return CreateFromResourceModule(pParent); },
-        mvp::LogException("CChangePINDialog::LocCreate"));
+    const int nCreated = CreateFromResourceModule(pParent);
     if (nCreated == 0)
         EnableOk(false);
     return nCreated;

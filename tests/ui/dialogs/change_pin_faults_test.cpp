@@ -8,6 +8,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <dlgfw/dlgfw.h>
@@ -155,6 +156,8 @@ TEST_F(ChangePinFaults, PanelNeedsItsEditsAndNothingElse) {
         EXPECT_FALSE(host.m_ok.IsWindowEnabled());
         EXPECT_FALSE(panel.ReadAndCheck());
     }
+    CChangePINDialog windowless(0, 0, false, nullptr, nullptr, nullptr, &host, 0, 0, 0);
+    EXPECT_FALSE(windowless.ReadAndCheck()) << "though no rule forbids two empty PINs";
 }
 
 TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
@@ -162,6 +165,7 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
     CIncompletePanel panel(host, 0);
     ASSERT_NE(panel.LocCreate(&host), 0);
     FailingHeap heap("dlgfw.dll");
+    CString value;
     // What a host calls, and what the edits do.
     const auto change = [&panel](int nEdit) {
         panel.SendMessage(WM_COMMAND, MAKEWPARAM(nEdit, EN_CHANGE),
@@ -173,6 +177,8 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
         std::function<bool()> act;
     } acts[] = {
         {"ReadAndCheck", [&] { return panel.ReadAndCheck(); }},
+        {"VerifyAndUpdateAllPolicies",
+         [&] { return panel.VerifyAndUpdateAllPolicies(std::move(value)); }},
         {"current", [&] { return change(kCurrent); }},
         {"new", [&] { return change(kNew); }},
         {"confirmation", [&] { return change(kConfirm); }},
@@ -184,6 +190,7 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
             SCOPED_TRACE(each.pszWhat + std::to_string(i));
             Enter(panel);
             ASSERT_TRUE(host.m_ok.IsWindowEnabled());
+            value = "5838";
             m_log.Clear();
             heap.FailAt(i);
             const bool bResult = each.act();
@@ -246,6 +253,7 @@ protected:
 template <class Panel>
 void ExpectCreationStopsExceptions(const std::function<std::unique_ptr<CWatchful<Panel>>()>& make,
                                    CHost& host, LogRecorder& log, const std::string& strClass) {
+    log.Clear();
     FailingHeap heap("dlgfw.dll");
     bool bRefused = true;
     for (int i = 0; bRefused; ++i) {
@@ -258,13 +266,13 @@ void ExpectCreationStopsExceptions(const std::function<std::unique_ptr<CWatchful
     }
     EXPECT_TRUE(log.Contains(1, strClass + "::OnInitDialog: exception"));
     CWnd gone;
-    gone.m_hWnd = HWND{reinterpret_cast<HWND>(INT_PTR{0x7FFFFFF0})};
+    gone.m_hWnd = reinterpret_cast<HWND>(INT_PTR{0x7FFFFFF0});
     const auto panel = make();
     panel->m_bThrows = true;
     EXPECT_EQ(panel->LocCreate(&gone), 0);
     panel->m_bThrows = false;
     gone.m_hWnd = nullptr;
-    EXPECT_TRUE(log.Contains(1, strClass + "::LocCreate: exception"));
+    EXPECT_TRUE(log.Contains(1, "CBaseDialog::CreateFromResourceModule: exception"));
 }
 
 TEST_F(ChangePinFaults, CreationLetsNoExceptionOut) {

@@ -10,10 +10,10 @@
 #include "mvpingui/mvpingui.h"
 #include "platform/handle.h"
 #include "resources/resource_numbers.h"
+#include "support/failing_heap.h"
 #include "support/freed_blocks.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
-#include "support/no_string_memory.h"
 
 namespace mvp::test {
 namespace {
@@ -118,8 +118,10 @@ TEST(Operations, TellEntryAndExitUnderTheLibrarysTag) {
 TEST(Operations, StopAndTellWhenMemoryIsShort) {
     LogRecorder log;
     {
-        const NoStringMemory none;
+        FailingHeap heap("dlgfw.dll");
+        heap.FailAt(0);
         SetPinPromptString("a prompt that needs memory of its own");
+        heap.FailAt(0);
         EXPECT_EQ(DisplayLastPINTry("Reader A"), MVPINGUI_REFUSED);
     }
     EXPECT_EQ(log.Texts(1), (std::vector<std::string>{"SetPinPromptString: exception",

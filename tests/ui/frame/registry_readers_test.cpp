@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/failing_heap.h"
 #include "support/log_recorder.h"
-#include "support/no_string_memory.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
@@ -144,8 +144,10 @@ TEST_F(RegistryReaders, AnswerWithoutMemory) {
     DWORD number = 0;
     CString text("before");
     {
-        const NoStringMemory none;
+        FailingHeap heap("dlgfw.dll");
+        heap.FailAt(0);
         EXPECT_EQ(readDWORDFromRegistry_sz(kKey, "Missing", &number, kDefault), -1);
+        heap.FailAt(0);
         EXPECT_EQ(readStringFromRegistry_sz(kKey, "Text259", &text), -1);
     }
     EXPECT_EQ(number, kDefault);
