@@ -56,7 +56,6 @@ public:
     static void Bind(CWnd& wnd, HWND hWnd);
     // False when the window is not of this process.
     static bool Subclass(CWnd& wnd);
-    static void RestoreWindowProc(CWnd& wnd) noexcept;
     static void ForgetWindowProc(CWnd& wnd) noexcept { wnd.m_pfnSuper = nullptr; }
 };
 

@@ -44,15 +44,6 @@ bool CWndAccess::Subclass(CWnd& wnd) {
     return pfnOld != nullptr;
 }
 
-void CWndAccess::RestoreWindowProc(CWnd& wnd) noexcept {
-    // Somebody may have subclassed the window after us; then the chain is left alone.
-    const LONG_PTR lCurrent = ::GetWindowLongPtrA(wnd.m_hWnd, GWLP_WNDPROC);
-    if (wnd.m_pfnSuper == nullptr || reinterpret_cast<WNDPROC>(lCurrent) != &AfxWndProc)
-        return;
-    ::SetWindowLongPtrA(wnd.m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(wnd.m_pfnSuper));
-    wnd.m_pfnSuper = nullptr;
-}
-
 void CWndAccess::BreakModalLoop(CWnd& wnd) noexcept {
     if ((wnd.m_nFlags & WF_CONTINUEMODAL) == 0)
         return;
