@@ -16,15 +16,34 @@ function(mvp_version target MVP_FILE_NAME MVP_FILE_TYPE MVP_DESCRIPTION)
   target_sources(${target} PRIVATE ${rc})
 endfunction()
 
+# mvp_pkg_config(name DESCRIPTION): what a host needs that is built without CMake. The paths follow
+# the file.
+function(mvp_pkg_config name description)
+  set(libraries $<TARGET_PROPERTY:${name},INTERFACE_LINK_LIBRARIES>)
+  string(JOIN "\n" content
+    "prefix=\${pcfiledir}/../.."
+    "Name: ${name}"
+    "Description: ${description}"
+    "Version: ${PROJECT_VERSION}"
+    "Cflags: -I\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}"
+    "Libs: -L\${prefix}/${CMAKE_INSTALL_LIBDIR} -l${name}$<$<BOOL:${libraries}>: -l>$<JOIN:${libraries}, -l>"
+    "")
+  file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/pkgconfig/${name}.pc CONTENT "${content}")
+  install(FILES ${PROJECT_BINARY_DIR}/pkgconfig/${name}.pc
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+
 # mvp_dll(name DESCRIPTION SOURCES...): a shipped library; its sources see <NAME>_EXPORTS.
 function(mvp_dll name description)
   add_library(${name} SHARED ${ARGN})
   string(TOUPPER ${name} upper)
-  set_target_properties(${name} PROPERTIES DEFINE_SYMBOL ${upper}_EXPORTS)
+  # A plain .a is found by -l in a host that links its language's runtime with -static, too.
+  set_target_properties(${name} PROPERTIES DEFINE_SYMBOL ${upper}_EXPORTS IMPORT_SUFFIX .a)
   target_link_libraries(${name} PRIVATE mvp_options)
   mvp_version(${name} ${name}.dll VFT_DLL "${description}")
   install(TARGETS ${name} EXPORT mvpingui RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
           ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  mvp_pkg_config(${name} "${description}")
 endfunction()
 
 # mvp_unit_test(name SOURCES... [LIBS libraries...]): a native GoogleTest program for pure code.

@@ -1,27 +1,21 @@
-// The languages hold the same things under the same numbers, and the numbers are those that
-// resource_numbers.h names.
+// The languages hold the same things under the same numbers, and the numbers are those that are
+// promised.
 
 #include <windows.h>
 
-#include <algorithm>
+#include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "resource_module.h"
-#include "resources/resource_numbers.h"
+#include "stated_numbers.h"
 #include "template_window.h"
 
 namespace {
-
-struct Kind {
-    const char* prefix;
-    LPCSTR type;
-};
-const Kind kKinds[] = {
-    {"IDD_", RT_DIALOG}, {"IDS_", RT_STRING}, {"IDI_", RT_GROUP_ICON}, {"IDB_", RT_BITMAP}};
 
 // The conversions of a printf-style text, in order: what the code's arguments must match.
 std::vector<std::string> Conversions(const std::string& text) {
@@ -43,15 +37,15 @@ std::vector<std::string> Outline(const ResourceModule& module, int dialog) {
     return lines;
 }
 
-// The dialog whose name, without IDD_, begins the control's name, without IDC_.
-int DialogOf(const std::string& controlName) {
-    NamedNumber best{"", 0};
-    for (const NamedNumber& dialog : NamedNumbers("IDD_")) {
-        const std::string stem = dialog.name.substr(4) + "_";
-        if (controlName.compare(4, stem.size(), stem) == 0 && stem.size() > best.name.size())
-            best = {stem, dialog.number};
+// The number and class of every control but the statics that no code asks for, which have none.
+std::multimap<int, std::string> NumberedControls(const ResourceModule& module, int dialog) {
+    std::multimap<int, std::string> found;
+    for (const Control& control : TemplateWindow(module, dialog).Controls()) {
+        // Such a static reads as 65535 here.
+        if (static_cast<short>(control.nNumber) != IDC_STATIC)
+            found.emplace(control.nNumber, control.strClass);
     }
-    return best.number;
+    return found;
 }
 
 class EachLanguage : public ::testing::TestWithParam<std::string> {
@@ -64,36 +58,32 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Resources, EachLanguage, ::testing::ValuesIn(Languages()),
                          [](const auto& test) { return test.param; });
 
-TEST_P(EachLanguage, HasEveryNamedNumberAndNoOther) {
-    for (const Kind& kind : kKinds) {
-        std::set<int> named;
-        for (const NamedNumber& number : NamedNumbers(kind.prefix))
-            named.insert(number.number);
-        ASSERT_FALSE(named.empty()) << kind.prefix;
-        EXPECT_EQ(m_module.Numbers(kind.type), named) << kind.prefix;
+TEST_P(EachLanguage, HasTheStatedDialogsAndNoOther) {
+    std::set<int> dialogs;
+    for (const StatedDialog& dialog : kStatedDialogs) {
+        EXPECT_EQ(dialog.nNamed, dialog.nStated) << dialog;
+        dialogs.insert(dialog.nStated);
+        std::multimap<int, std::string> controls;
+        for (const StatedControl& control : dialog.controls) {
+            EXPECT_EQ(control.nNamed, control.nStated) << dialog;
+            controls.emplace(control.nStated, control.pszClass);
+        }
+        EXPECT_EQ(NumberedControls(m_module, dialog.nStated), controls) << dialog;
     }
+    EXPECT_EQ(m_module.Numbers(RT_DIALOG), dialogs);
 }
 
-TEST_P(EachLanguage, EveryNamedControlIsInItsDialogAndNoOther) {
-    std::set<std::pair<int, int>> named;
-    for (const NamedNumber& control : NamedNumbers("IDC_")) {
-        const int dialog = DialogOf(control.name);
-        ASSERT_NE(dialog, 0) << control.name << " names no dialog";
-        EXPECT_TRUE(named.emplace(dialog, control.number).second) << control.name << " is taken";
-    }
-    std::set<std::pair<int, int>> present;
-    for (const NamedNumber& dialog : NamedNumbers("IDD_")) {
-        for (const Control& control : TemplateWindow(m_module, dialog.number).Controls()) {
-            // A static without a number reads as 65535 here.
-            const bool common = control.nNumber == IDOK || control.nNumber == IDCANCEL ||
-                                static_cast<short>(control.nNumber) == IDC_STATIC;
-            if (common)
-                continue;
-            EXPECT_TRUE(present.emplace(dialog.number, control.nNumber).second)
-                << dialog.name << " has control " << control.nNumber << " twice";
+TEST_P(EachLanguage, HasTheStatedStringsAndPicturesAndNoOther) {
+    const std::pair<LPCSTR, const std::vector<StatedNumber>*> kinds[] = {
+        {RT_STRING, &kStatedStrings}, {RT_GROUP_ICON, &kStatedIcons}, {RT_BITMAP, &kStatedBitmaps}};
+    for (const auto& [type, pStated] : kinds) {
+        std::set<int> numbers;
+        for (const StatedNumber& number : *pStated) {
+            EXPECT_EQ(number.nNamed, number.nStated);
+            numbers.insert(number.nStated);
         }
+        EXPECT_EQ(m_module.Numbers(type), numbers);
     }
-    EXPECT_EQ(present, named);
 }
 
 TEST_P(EachLanguage, AgreesWithTheFirstLanguage) {

@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "resource_module.h"
-#include "resources/resource_numbers.h"
+#include "stated_numbers.h"
 #include "template_window.h"
 
 namespace {
@@ -96,10 +96,10 @@ bool ReadsOn(const Control& a, const Control& b) {
 }
 
 // A dialog of a language at a resolution in percent, with its run-time texts.
-class EachDialog : public ::testing::TestWithParam<std::tuple<std::string, NamedNumber, int>> {
+class EachDialog : public ::testing::TestWithParam<std::tuple<std::string, StatedDialog, int>> {
 protected:
     const ResourceModule m_module{std::get<0>(GetParam())};
-    const int m_nDialog = std::get<1>(GetParam()).number;
+    const int m_nDialog = std::get<1>(GetParam()).nStated;
     const TemplateWindow m_window{m_module, m_nDialog, std::get<2>(GetParam())};
     const std::vector<std::string> m_clipped = PutRunTimeTexts(m_module, m_nDialog, m_window);
     const std::vector<Control> m_controls = m_window.Controls();
@@ -111,11 +111,12 @@ class EachLanguageWindows : public ::testing::TestWithParam<std::string> {};
 
 INSTANTIATE_TEST_SUITE_P(Resources, EachDialog,
                          ::testing::Combine(::testing::ValuesIn(Languages()),
-                                            ::testing::ValuesIn(NamedNumbers("IDD_")),
+                                            ::testing::ValuesIn(kStatedDialogs),
                                             ::testing::Values(100, 125, 150, 200)),
                          [](const auto& test) {
-                             return std::get<0>(test.param) + "_" + std::get<1>(test.param).name +
-                                    "_" + std::to_string(std::get<2>(test.param));
+                             return std::get<0>(test.param) + "_" +
+                                    std::get<1>(test.param).pszName + "_" +
+                                    std::to_string(std::get<2>(test.param));
                          });
 INSTANTIATE_TEST_SUITE_P(Resources, EachLanguageWindows, ::testing::ValuesIn(Languages()),
                          [](const auto& test) { return test.param; });

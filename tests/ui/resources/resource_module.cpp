@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "resources/resource_numbers.h"
-
 namespace {
 
 BOOL CALLBACK CollectName(HMODULE, LPCSTR, LPSTR name, LONG_PTR context) {
@@ -25,18 +23,6 @@ const std::vector<std::string>& Languages() {
 #include "languages.inc"
     };
     return languages;
-}
-
-std::vector<NamedNumber> NamedNumbers(const std::string& prefix) {
-    static const NamedNumber namedNumbers[] = {
-#include "named_numbers.inc"
-    };
-    std::vector<NamedNumber> found;
-    for (const NamedNumber& named : namedNumbers) {
-        if (named.name.compare(0, prefix.size(), prefix) == 0)
-            found.push_back(named);
-    }
-    return found;
 }
 
 ResourceModule::ResourceModule(const std::string& language) : m_strLanguage(language) {

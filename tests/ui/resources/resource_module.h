@@ -6,7 +6,6 @@
 
 #include <windows.h>
 
-#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -15,19 +14,6 @@
 
 // The languages built.
 const std::vector<std::string>& Languages();
-
-// A number of the module and the name that resource_numbers.h gives it.
-struct NamedNumber {
-    std::string name;
-    int number;
-
-    // How test reports print it.
-    friend std::ostream& operator<<(std::ostream& out, const NamedNumber& named) {
-        return out << named.name;
-    }
-};
-// All names that begin with `prefix`, for example "IDS_".
-std::vector<NamedNumber> NamedNumbers(const std::string& prefix);
 
 class ResourceModule {
 public:
