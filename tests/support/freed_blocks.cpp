@@ -35,24 +35,48 @@ BOOL WINAPI CheckedHeapFree(HANDLE hHeap, DWORD dwFlags, void* p) {
     return s_real(hHeap, dwFlags, p);
 }
 
-HLOCAL WINAPI CheckedLocalFree(HLOCAL hMemory) {
-    static const auto s_real = Real<decltype(&::LocalFree)>("kernel32.dll", "LocalFree");
+void LookAtLocal(HLOCAL hMemory) {
     if (const void* p = LocalLock(hMemory)) {
         g_look(p, LocalSize(hMemory));
         LocalUnlock(hMemory);
     }
+}
+
+HLOCAL WINAPI CheckedLocalFree(HLOCAL hMemory) {
+    static const auto s_real = Real<decltype(&::LocalFree)>("kernel32.dll", "LocalFree");
+    LookAtLocal(hMemory);
     return s_real(hMemory);
+}
+
+void* WINAPI CheckedHeapReAlloc(HANDLE hHeap, DWORD dwFlags, void* p, SIZE_T nBytes) {
+    static const auto s_real = Real<decltype(&::HeapReAlloc)>("kernel32.dll", "HeapReAlloc");
+    g_look(p, HeapSize(hHeap, 0, p));
+    return s_real(hHeap, dwFlags, p, nBytes);
+}
+
+HLOCAL WINAPI CheckedLocalReAlloc(HLOCAL hMemory, SIZE_T nBytes, UINT nFlags) {
+    static const auto s_real = Real<decltype(&::LocalReAlloc)>("kernel32.dll", "LocalReAlloc");
+    LookAtLocal(hMemory);
+    return s_real(hMemory, nBytes, nFlags);
 }
 
 // The check that takes the place of an imported function; null for one that frees nothing, or not
 // to the heap that this program's runtime has.
 void* CheckFor(const char* pszLibrary, const char* pszName) {
+    const struct {
+        const char* pszName;
+        void* pCheck;
+    } checks[] = {
+        {"HeapFree", reinterpret_cast<void*>(&CheckedHeapFree)},
+        {"HeapReAlloc", reinterpret_cast<void*>(&CheckedHeapReAlloc)},
+        {"LocalFree", reinterpret_cast<void*>(&CheckedLocalFree)},
+        {"LocalReAlloc", reinterpret_cast<void*>(&CheckedLocalReAlloc)},
+    };
+    for (const auto& check : checks)
+        if (std::strcmp(pszName, check.pszName) == 0)
+            return check.pCheck;
     if (std::strcmp(pszName, "free") == 0 && _stricmp(pszLibrary, "msvcrt.dll") == 0)
         return reinterpret_cast<void*>(&CheckedFree);
-    if (std::strcmp(pszName, "HeapFree") == 0)
-        return reinterpret_cast<void*>(&CheckedHeapFree);
-    if (std::strcmp(pszName, "LocalFree") == 0)
-        return reinterpret_cast<void*>(&CheckedLocalFree);
     return nullptr;
 }
 

@@ -1,6 +1,7 @@
-// Looks at what modules give back to the heaps: their calls of `free`, `HeapFree` and `LocalFree`
-// go through a check that sees the block while it is still their own. What a scan of the memory
-// finds later depends on who took the block next; this does not.
+// Looks at what modules give back to the heaps: their calls of `free`, `HeapFree`, `LocalFree` and
+// of what may move a block, `HeapReAlloc` and `LocalReAlloc`, go through a check that sees the
+// block while it is still their own. What a scan of the memory finds later depends on who took the
+// block next; this does not.
 #pragma once
 
 #include <cstddef>

@@ -204,4 +204,14 @@ void ExpectNoGrowth(const ResourceCounts& before, const ResourceCounts& after,
     ExpectWithin("private bytes", before.privateBytes, after.privateBytes, allowance.privateBytes);
 }
 
+void ExpectRoundsKeepNothing(int nFirst, int nRounds, const std::function<void(int)>& round,
+                             const GrowthAllowance& allowance) {
+    for (int i = 0; i < nFirst; ++i)
+        round(i);
+    const auto before = ResourceCounts::Now();
+    for (int i = 0; i < nRounds; ++i)
+        round(i);
+    ExpectNoGrowth(before, ResourceCounts::Now(), allowance);
+}
+
 }  // namespace mvp::test

@@ -1,13 +1,10 @@
 // What the process holds, for tests that hold nothing grows:
 //
-//     const auto before = ResourceCounts::Now();
-//     for (int i = 0; i < 1000; ++i) OpenAndCloseDialog();
-//     ExpectNoGrowth(before, ResourceCounts::Now());
-//
-// Open and close once before the first count: what the system keeps for later is made then.
+//     ExpectRoundsKeepNothing(1, 1000, [](int) { OpenAndCloseDialog(); });
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 
 namespace mvp::test {
@@ -40,5 +37,10 @@ struct GrowthAllowance {
 // A failure of the running test for each count that has grown beyond the allowance.
 void ExpectNoGrowth(const ResourceCounts& before, const ResourceCounts& after,
                     const GrowthAllowance& allowance = {});
+
+// The same for `nRounds` calls of `round`, which gets their number from 0. `nFirst` calls come
+// before the first count: what the system keeps for later is made then.
+void ExpectRoundsKeepNothing(int nFirst, int nRounds, const std::function<void(int)>& round,
+                             const GrowthAllowance& allowance = {});
 
 }  // namespace mvp::test

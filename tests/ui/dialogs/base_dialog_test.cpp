@@ -238,16 +238,11 @@ TEST_F(BaseDialog, ParentIsGivenBack) {
 
 TEST_F(BaseDialog, OpeningAndClosingKeepsNothing) {
     // A template without pictures: what the system does with those is not the base's affair.
-    const auto cycle = [] {
+    ExpectRoundsKeepNothing(1, 50, [](int) {
         CProbeDialog dialog(1, nullptr, IDD_CHANGE_PIN_MAIN);
         DialogDriver driver([](Dialog& d) { d.Cancel(); });
         dialog.DoModal();
-    };
-    cycle();
-    const auto before = ResourceCounts::Now();
-    for (int i = 0; i < 50; ++i)
-        cycle();
-    ExpectNoGrowth(before, ResourceCounts::Now());
+    });
 }
 
 }  // namespace

@@ -361,23 +361,16 @@ TEST_F(ChangePin, LastTryComesFirst) {
 }
 
 TEST_F(ChangePin, OpeningAndClosingKeepsNothing) {
-    const auto cycle = [](bool bConfirm) {
+    ExpectRoundsKeepNothing(2, 40, [this](int nRound) {
+        const bool bConfirm = nRound % 2 == 0;
         ChangePinRequest request{.bNullRules = true};
         DialogDriver driver([bConfirm](Dialog& d) {
             TypeAll(d, "1", "2", "2");
             bConfirm ? d.Enter() : d.Escape();
         });
         EXPECT_EQ(request.Call(), bConfirm ? MVPINGUI_OK : MVPINGUI_REFUSED);
-    };
-    cycle(true);
-    cycle(false);
-    m_log.Clear();
-    const auto before = ResourceCounts::Now();
-    for (int i = 0; i < 40; ++i) {
-        cycle(i % 2 == 0);
         m_log.Clear();
-    }
-    ExpectNoGrowth(before, ResourceCounts::Now());
+    });
 }
 
 }  // namespace

@@ -277,19 +277,13 @@ TEST(HtmlStatic, HoldsNothingMoreAfterManyTexts) {
     CHtmlHost host;
     CHtmlStatic& control = host.Add("");
     control.SetDrawingMode(CHtmlStatic::kTransparent);
-    const auto cycle = [&](int n) {
+    ExpectRoundsKeepNothing(20, 200, [&](int n) {
         control.SetWindowText(n % 2 == 0 ? "<h1>one</h1><table border=1 bgeffect=metal "
                                            "bgcolor=red><tr><td><a msg=m>x</a></table>"
                                          : "<a msg=m>two</a><icon idres=32512 iddll=user32.dll>");
         host.MoveTo(0);
         control.UpdateWindow();
-    };
-    for (int n = 0; n < 20; ++n)
-        cycle(n);
-    const ResourceCounts before = ResourceCounts::Now();
-    for (int n = 0; n < 200; ++n)
-        cycle(n);
-    ExpectNoGrowth(before, ResourceCounts::Now());
+    });
 }
 
 }  // namespace

@@ -248,14 +248,9 @@ TEST(Painting, HoldsNothingMoreAfterManyTexts) {
                        std::to_string(n % 16) + " bgcolor=red><tr><td><b>cell</b></table>");
         drawer.Draw(canvas.Dc(), canvas.Area(), canvas.Area());
     };
-    for (int n = 0; n < 80; ++n)
-        cycle(n);
-    const ResourceCounts before = ResourceCounts::Now();
-    for (int n = 0; n < 200; ++n)
-        cycle(n);
     // The fonts of some texts are kept; how many lies between none and these.
-    ExpectNoGrowth(before, ResourceCounts::Now(),
-                   {.objects = 40, .heapBlocks = 200, .heapBytes = 200000});
+    ExpectRoundsKeepNothing(80, 200, cycle,
+                            {.objects = 40, .heapBlocks = 200, .heapBytes = 200000});
     drawer.SetText("");
 }
 
