@@ -62,7 +62,7 @@ std::string CDocumentGenerator::Report() {
             strOut += "<br>";
         }
     }
-    strOut += "<table border=1 cellpadding=3 width=\"100%\" bgcolor=\"#f0f0f0\">";
+    strOut += R"(<table border=1 cellpadding=3 width="100%" bgcolor="#f0f0f0">)";
     for (int i = 0; i < 5; ++i) {
         strOut += "<tr><td width=\"30%\">";
         generator.Words(strOut, 2);

@@ -72,8 +72,7 @@ int main() {
     const auto drawText = [&] {
         RECT area = kView;
         Clear(screen.Dc(), area);
-        DrawTextA(screen.Dc(), g_strPlain.c_str(), -1, &area,
-                  DT_WORDBREAK | DT_NOPREFIX | DT_LEFT | DT_TOP);
+        DrawTextA(screen.Dc(), g_strPlain.c_str(), -1, &area, DT_WORDBREAK | DT_NOPREFIX);
         GdiFlush();
     };
     CHtmlDrawer plain;

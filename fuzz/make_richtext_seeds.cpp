@@ -77,7 +77,7 @@ public:
     // Markup serves the reader and, behind a width, a style sheet and its end, the layout.
     void WriteMarkup(const std::string& strMarkup, const std::string& strSheet = "") {
         Write("markup", strMarkup);
-        Write("layout", "\x40" + strSheet + '\x01' + strMarkup);
+        Write("layout", "@" + strSheet + '\x01' + strMarkup);
     }
 
 private:
