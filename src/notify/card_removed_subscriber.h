@@ -5,8 +5,8 @@
 //
 // An owner that can no longer delete it, because its thread ended with the dialog up and took the
 // stack along, leaves a subscriber that hears of every removal until the process ends. It does
-// nothing then: it knows the window by its handle and its thread alone, and keeps the library loaded
-// for as long as it is called.
+// nothing then: it knows the window by its handle and its thread alone, and keeps the library
+// loaded for as long as it is called.
 #pragma once
 
 #include <windows.h>

@@ -33,6 +33,11 @@ void* Realloc(void* p, std::size_t cb) {
     return IsRefused(cb) ? nullptr : std::realloc(p, cb);
 }
 
+struct Replacement {
+    const char* pszName;
+    void* pFunction;
+};
+
 template <class Part>
 Part* At(std::uintptr_t nBase, std::size_t nOffset) {
     return reinterpret_cast<Part*>(nBase + nOffset);
@@ -69,18 +74,15 @@ void Put(void** ppFunction, void* pFunction) {
 
 FailingHeap::FailingHeap(const char* pszModule) {
     const auto nBase = reinterpret_cast<std::uintptr_t>(GetModuleHandleA(pszModule));
-    const struct {
-        const char* pszName;
-        void* pReplacement;
-    } functions[] = {{"malloc", reinterpret_cast<void*>(&Malloc)},
-                     {"calloc", reinterpret_cast<void*>(&Calloc)},
-                     {"realloc", reinterpret_cast<void*>(&Realloc)}};
+    const std::array<Replacement, 3> functions = {{{"malloc", reinterpret_cast<void*>(&Malloc)},
+                                                   {"calloc", reinterpret_cast<void*>(&Calloc)},
+                                                   {"realloc", reinterpret_cast<void*>(&Realloc)}}};
     for (std::size_t i = 0; i < m_imports.size(); ++i) {
-        void** ppFunction = FindImport(nBase, functions[i].pszName);
+        void** ppFunction = FindImport(nBase, functions.at(i).pszName);
         if (ppFunction == nullptr)
             continue;
         m_imports.at(i) = {ppFunction, *ppFunction};
-        Put(ppFunction, functions[i].pReplacement);
+        Put(ppFunction, functions.at(i).pFunction);
     }
     if (m_imports.front().ppFunction == nullptr)
         throw std::runtime_error(std::string("no heap functions in ") + pszModule);
