@@ -4,7 +4,8 @@
 //
 // Exceptions. No member of this library's classes lets one out: it is logged, and the call gives
 // what its comment says of failure. Only a constructor throws, std::bad_alloc when there is no
-// memory: there is no object then to tell it.
+// memory: there is no object then to tell it. DoDataExchange, which only the framework calls, may
+// throw as well: the framework stops it.
 #pragma once
 
 #include <dlgfw/dialog.h>

@@ -51,8 +51,8 @@ public:
 
     // Creates the panel's window as a child of `pParent`, invisible, and puts the focus on its
     // first edit. Nonzero on success. A label that the template lacks is left out; without one of
-    // the three edits there is no panel. Should the rule lines not come up, the rules are judged
-    // all the same.
+    // the three edits there is no panel. Where the template of the rule lines
+    // is missing the rules are judged all the same; where there is no memory for them, none is.
     int LocCreate(CWnd* pParent);
 
     // Checks `value` and the present texts of the edits, brings the rule lines up to date and

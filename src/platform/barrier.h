@@ -1,5 +1,6 @@
-// Keeps exceptions inside: every window procedure, callback, thread routine, exported function and
-// member of an exported class runs its body through this barrier.
+// Keeps exceptions inside: every window procedure, callback, thread routine and exported function
+// runs its body through this barrier, and so does every member of an exported class that could
+// throw.
 #pragma once
 
 #include <type_traits>

@@ -3,8 +3,8 @@
 //
 // The window it belongs to paints with Draw, tells it where the mouse is, and repaints the
 // rectangles of a link whose look has changed. Every text is 8-bit, in the system's ANSI code page.
-// Not for use by several threads at a time. Nothing throws; where memory or the system fails, the
-// text is empty.
+// Not for use by several threads at a time. Where memory or the system fails while it lays out or
+// draws, the text is empty; members that are not noexcept may throw std::bad_alloc.
 #pragma once
 
 #include <windows.h>
