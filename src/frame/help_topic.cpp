@@ -18,11 +18,19 @@ constexpr UINT kHelpContext = 15;
 
 mvp::HelpViewer g_pViewer = nullptr;
 
+struct SystemViewer {
+    mvp::HelpViewer pViewer = nullptr;
+    DWORD dwError = ERROR_SUCCESS;  // why there is none
+};
+
 // The viewer lives in a system control that is loaded at the first topic and then stays: its
 // windows run its code until the process ends.
-mvp::HelpViewer SystemViewer() {
-    static const HMODULE control = mvp::LoadSystemLibrary("hhctrl.ocx").release();
-    return control != nullptr ? mvp::FindFunction<mvp::HelpViewer>(control, "HtmlHelpA") : nullptr;
+SystemViewer LoadSystemViewer() {
+    SystemViewer viewer;
+    if (const HMODULE control = mvp::LoadSystemLibrary("hhctrl.ocx").release())
+        viewer.pViewer = mvp::FindFunction<mvp::HelpViewer>(control, "HtmlHelpA");
+    viewer.dwError = GetLastError();
+    return viewer;
 }
 
 // The viewer shows nothing and says nothing when there is no such file. What follows the file's
@@ -40,10 +48,11 @@ void LogUnlessThere(const char* pszFile) {
 }
 
 void ShowTopic(const char* pszFile, int nTopic) {
-    const mvp::HelpViewer viewer = g_pViewer != nullptr ? g_pViewer : SystemViewer();
+    static const SystemViewer system = LoadSystemViewer();
+    const mvp::HelpViewer viewer = g_pViewer != nullptr ? g_pViewer : system.pViewer;
     if (viewer == nullptr) {
         vklogLog(g_szLogTag, kLogError, "DoDisplayTopic: no help viewer (error %d)",
-                 static_cast<int>(GetLastError()));
+                 static_cast<int>(system.dwError));
         return;
     }
     viewer(GetActiveWindow(), pszFile, kHelpContext, static_cast<DWORD_PTR>(nTopic));

@@ -17,9 +17,15 @@ HINSTANCE g_hInstance = nullptr;
 AFX_EXTENSION_MODULE g_extensionModule{};
 AFX_EXCEPTION_REPORTER g_pfnHostReporter = nullptr;
 
-// The framework stops what a message handler throws, and tells whoever asked to be told.
+// The framework stops what a message handler throws, and tells the one who asked last to be told,
+// who tells the one before.
 void LogFrameworkException(UINT message) noexcept {
-    vklogLog(g_szLogTag, kLogError, "Exception in the handler of message 0x%x", message);
+    if (message != 0)
+        vklogLog(g_szLogTag, kLogError, "Exception in the handler of message 0x%x", message);
+    else
+        vklogLog(g_szLogTag, kLogError, "Exception in a dialog's data exchange or modal loop");
+    if (g_pfnHostReporter != nullptr)
+        g_pfnHostReporter(message);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -240,6 +241,32 @@ TEST(Attach, KeepsItsOrder) {
     EXPECT_TRUE(IsProgressBarClassKnown());
     EXPECT_NE(ResourceModule(), nullptr);
     DetachLibrary();
+}
+
+TEST(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
+    struct Throwing : CWnd {
+        LRESULT WindowProc(UINT nMessage, WPARAM wParam, LPARAM lParam) override {
+            if (nMessage == WM_APP)
+                throw 1;
+            return CWnd::WindowProc(nMessage, wParam, lParam);
+        }
+    };
+    static int nTold = 0;
+    const AFX_EXCEPTION_REPORTER pfnOld = AfxSetExceptionReporter([](UINT) { ++nTold; });
+    Throwing window;
+    window.SubclassWindow(
+        CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
+    const RegistryHive hive;
+    LogRecorder log;
+    {
+        const Attached library;
+        SendMessageA(window.m_hWnd, WM_APP, 0, 0);
+    }
+    SendMessageA(window.m_hWnd, WM_APP, 0, 0);
+    EXPECT_EQ(log.Texts(1), std::vector<std::string>{"Exception in the handler of message 0x8000"});
+    EXPECT_EQ(nTold, 2);
+    AfxSetExceptionReporter(pfnOld);
+    window.DestroyWindow();
 }
 
 TEST(Attach, SurvivesAnInstallPathWithoutTerminator) {
