@@ -9,6 +9,21 @@
 
 namespace {
 
+// The host's window as an object, for the time of the dialog. The framework's own temporary objects
+// live until its next idle moment, which a host without its message loop does not have.
+class ParentWindow {
+public:
+    explicit ParentWindow(HWND hWnd) noexcept { m_window.m_hWnd = hWnd; }
+    ParentWindow(const ParentWindow&) = delete;
+    ParentWindow& operator=(const ParentWindow&) = delete;
+    ~ParentWindow() { m_window.m_hWnd = nullptr; }  // the window is the host's
+
+    CWnd* get() const noexcept { return m_window.m_hWnd != nullptr ? &m_window : nullptr; }
+
+private:
+    mutable CWnd m_window;
+};
+
 // Hands the PIN out in a buffer of exactly its length. Returns false when there is no memory.
 bool HandOut(const CEnterPinDlg& dialog, char** ppPin, std::uint32_t* pcbPin) {
     CString strPin = dialog.GetPinValue();
@@ -49,7 +64,8 @@ std::uint32_t AskForPin(HWND hParent, const char* pszReader, std::uint32_t dwMin
         vklogLog(g_szLogTag, kLogError, "GetPINFromUser: minimum length %u > maximum length %u",
                  dwMinLength, dwMaxLength);
     mvp::Module().nPinDialogInProgress = 1;
-    CEnterPinDlg dialog(CWnd::FromHandle(hParent), pszReader, dwMinLength, dwMaxLength);
+    const ParentWindow parent(hParent);
+    CEnterPinDlg dialog(parent.get(), pszReader, dwMinLength, dwMaxLength);
     if (dialog.DoModal() != IDOK) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action cancelled");
         return MVPINGUI_REFUSED;
