@@ -114,8 +114,9 @@ void CChangePinWindow::EndBelowPanel(int nMargin) {
 }
 
 void CChangePinWindow::OnOK() {
-    // Enter comes here also while the button is disabled.
-    if (!m_panel->ReadAndCheck())
+    // Enter comes here also while the button is disabled, and a message from elsewhere when the
+    // panel has gone.
+    if (!m_panel || !m_panel->ReadAndCheck())
         return;
     const PinHostChangePin& request = m_request;
     if (GetChangePINInfoFromUser(request.pRules, 0, request.pszNewPin, request.pcbNewPin,
