@@ -57,17 +57,12 @@ void LogContradiction(const PwdRuleArgs* pRules) {
                  rules.dwMinPINLen, rules.dwMaxPINLen);
 }
 
-// One text carries both PINs on their way out, and leaves nothing behind.
+// Straight from the panel: a text between would be one more to overwrite, and its memory could be
+// refused when one of the two PINs has been written.
 void HandOut(const CChangePINDialog* pPanel, const Output& output) {
-    CString strPin;
-    if (pPanel != nullptr)
-        strPin = pPanel->CurrentPin();
-    CopyOut(strPin, output.pszOldPin, output.pcbOldPin);
-    CBaseDialog::HidePinFromMemory(strPin);
-    if (pPanel != nullptr)
-        strPin = pPanel->NewPin();
-    CopyOut(strPin, output.pszNewPin, output.pcbNewPin);
-    CBaseDialog::HidePinFromMemory(strPin);
+    const CString none;
+    CopyOut(pPanel != nullptr ? pPanel->CurrentPin() : none, output.pszOldPin, output.pcbOldPin);
+    CopyOut(pPanel != nullptr ? pPanel->NewPin() : none, output.pszNewPin, output.pcbNewPin);
 }
 
 std::uint32_t ReadEmbedded(CChangePINDialog* pPanel, const Output& output) {

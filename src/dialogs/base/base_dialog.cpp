@@ -69,6 +69,8 @@ int CBaseDialog::CreateFromResourceModule(CWnd* pParent) {
 BOOL CBaseDialog::OnInitDialog() {
     const mvp::LogScope scope("CBaseDialog::OnInitDialog");
     const BOOL result = CDialog::OnInitDialog();
+    if (!result)
+        vklogLog(g_szLogTag, kLogError, "Dialog template %u lacks a control", m_nTemplate);
     // A dialog that was given no place is left to the framework.
     if (m_bPlaced || (GetStyle() & WS_CHILD) != 0)
         SetWindowPos(nullptr, m_nLeft, m_nTop, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);

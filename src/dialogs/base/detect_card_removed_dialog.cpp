@@ -1,5 +1,7 @@
 #include "mvpingui/detect_card_removed_dialog.h"
 
+#include <utility>
+
 #include <dlgfw/message_map.h>
 
 #include "frame/log.h"
@@ -58,6 +60,6 @@ void VKDetectCardRemovedDlg::StopDetectingRemoveEvent() {
         return;
     vklogLog(g_szLogTag, kLogInfo,
              "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed");
-    delete m_pCardRemoved;
-    m_pCardRemoved = nullptr;
+    // The subscriber serves sent messages while it ends, and one may lead here again.
+    delete std::exchange(m_pCardRemoved, nullptr);
 }

@@ -267,7 +267,8 @@ bool CChangePINDialog::ReadAndCheck() {
     return mvp::Guarded(
         false,
         [this] {
-            if (m_hWnd == nullptr)
+            // Told of its end, the panel has no rules any more.
+            if (m_hWnd == nullptr || (m_nFlags & WF_DESTROYING) != 0)
                 return false;
             m_editPin.GetWindowText(m_csPin);
             m_editNewPin.GetWindowText(m_csNewPin);

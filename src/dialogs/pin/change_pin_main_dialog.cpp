@@ -157,9 +157,15 @@ bool CChangePINDialogMain::IsButtonEnabled(int nId) const {
 
 void CChangePINDialogMain::OnOK() {
     const mvp::LogScope scope("CChangePINDialogMain::OnOK");
+    // What has ended the dialog before stands: another OK judges nothing anew.
+    if ((m_nFlags & WF_CONTINUEMODAL) == 0)
+        return;
     // The command comes from anywhere: what counts is what stands in the edits now.
-    if (IsButtonEnabled(IDOK) && m_pPanel != nullptr && m_pPanel->ReadAndCheck())
-        CDialog::OnOK();
+    if (!IsButtonEnabled(IDOK) || m_pPanel == nullptr || !m_pPanel->ReadAndCheck())
+        return;
+    CDialog::OnOK();
+    // The panel keeps what was judged; without its edits nothing comes after it.
+    m_pPanel->DestroyWindow();
 }
 
 void CChangePINDialogMain::OnCancel() {
@@ -178,8 +184,8 @@ LRESULT CChangePINDialogMain::OnCardEvent(WPARAM /*wParam*/, LPARAM /*lParam*/) 
 void CChangePINDialogMain::OnDestroy() {
     const mvp::LogScope scope("CChangePINDialogMain::OnDestroy");
     CDialog::OnDestroy();
-    delete m_pCardRemoved;
-    m_pCardRemoved = nullptr;
+    // The subscriber serves sent messages while it ends, and one may lead here again.
+    delete std::exchange(m_pCardRemoved, nullptr);
 }
 
 void CChangePINDialogMain::OnMove(int x, int y) {

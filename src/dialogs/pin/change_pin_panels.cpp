@@ -42,9 +42,13 @@ CChangePINDialog* FindChangePinPanel(HWND hHost) noexcept {
     // A window that is not there has no parent: null would match it.
     if (hHost == nullptr)
         return nullptr;
-    const auto match =
-        std::find_if(g_ChangePINDialogs.rbegin(), g_ChangePINDialogs.rend(),
-                     [hHost](const LivePanel& each) { return ::GetParent(each.hWnd) == hHost; });
+    const auto match = std::find_if(g_ChangePINDialogs.rbegin(), g_ChangePINDialogs.rend(),
+                                    [hHost](const LivePanel& each) {
+                                        // The window of a panel whose thread has ended may be
+                                        // another's by now.
+                                        return ::GetParent(each.hWnd) == hHost &&
+                                               CWnd::FromHandlePermanent(each.hWnd) == each.pPanel;
+                                    });
     return match != g_ChangePINDialogs.rend() ? match->pPanel : nullptr;
 }
 

@@ -5,6 +5,7 @@
 #include <dlgfw/data_exchange.h>
 #include <dlgfw/message_map.h>
 
+#include "dialogs/base/optional_control.h"
 #include "dialogs/pin/enter_pin_rules.h"
 #include "frame/help_topic.h"
 #include "frame/log.h"
@@ -43,6 +44,14 @@ mvp::Bitmap TakePicture(CWnd& dialog, int nControl) {
         dialog.SendDlgItemMessage(nControl, STM_SETIMAGE, IMAGE_BITMAP, 0)));
 }
 
+// The system leaves a control whose picture the resource module lacks empty, and says nothing.
+void LogMissingPicture(CWnd& dialog, int nControl) {
+    if (dialog.GetDlgItem(nControl) != nullptr &&
+        dialog.SendDlgItemMessage(nControl, STM_GETIMAGE, IMAGE_BITMAP, 0) == 0)
+        vklogLog(g_szLogTag, kLogError,
+                 "The picture of control %d is missing from the resource module", nControl);
+}
+
 }  // namespace
 
 CEnterPinDlg::CEnterPinDlg(CWnd* pParent, const char* pszReader, std::uint32_t dwMinLength,
@@ -70,8 +79,8 @@ CString CEnterPinDlg::GetPinValue() const {
 void CEnterPinDlg::DoDataExchange(CDataExchange* pDX) {
     VKDetectCardRemovedDlg::DoDataExchange(pDX);
     DDX_Control(pDX, IDC_ENTER_PIN_EDIT, m_editPin);
-    DDX_Control(pDX, IDC_ENTER_PIN_BRAND_BANNER, m_banner);
-    DDX_Control(pDX, IDC_ENTER_PIN_BRAND_PROGRESS, m_progressBar);
+    mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_BANNER, m_banner);
+    mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_PROGRESS, m_progressBar);
     DDX_Text(pDX, IDC_ENTER_PIN_EDIT, m_strPin);
 }
 
@@ -80,6 +89,8 @@ BOOL CEnterPinDlg::OnInitDialog() {
     VKDetectCardRemovedDlg::OnInitDialog();
     if (!mvp::Module().strPrompt.IsEmpty())
         SetDlgItemText(IDC_ENTER_PIN_PROMPT, mvp::Module().strPrompt);
+    LogMissingPicture(*this, IDC_ENTER_PIN_BANNER);
+    LogMissingPicture(*this, IDC_ENTER_PIN_PROGRESS);
     TryToInsertBitmap();
     SetForegroundWindow();
     SetWindowPos(&wndTopMost, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
@@ -89,7 +100,8 @@ BOOL CEnterPinDlg::OnInitDialog() {
 
 void CEnterPinDlg::OnOK() {
     const mvp::LogScope scope("CEnterPinDlg::OnOK");
-    if (!UpdateData(TRUE) || !IsPinAllowed())
+    // What has ended the dialog before stands: another OK judges nothing anew.
+    if ((m_nFlags & WF_CONTINUEMODAL) == 0 || !UpdateData(TRUE) || !IsPinAllowed())
         return;
     StopDetectingRemoveEvent();
     EndDialog(IDOK);
@@ -138,6 +150,7 @@ void CEnterPinDlg::OnEnChangeEditPassword() {
 }
 
 void CEnterPinDlg::OnMove(int x, int y) {
+    const mvp::LogScope scope("CEnterPinDlg::OnMove");
     VKDetectCardRemovedDlg::OnMove(x, y);
     m_editPin.ResetToolTip();
 }
@@ -166,10 +179,15 @@ bool CEnterPinDlg::ReadPicture(HKEY hKey, BrandingPicture& picture) {
         mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName,
                                error == ERROR_MORE_DATA ? "the value is longer than 260 bytes"
                                                         : "the value cannot be read");
-    if (error != ERROR_SUCCESS || buffer.front() == '\0')
+    if (error != ERROR_SUCCESS)
         return false;
-    picture.strFile = buffer.data();
     picture.bText = type == REG_SZ || type == REG_EXPAND_SZ;
+    if (buffer.front() == '\0') {
+        if (!picture.bText)
+            mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName, "the value is not a text");
+        return false;
+    }
+    picture.strFile = buffer.data();
     return true;
 }
 

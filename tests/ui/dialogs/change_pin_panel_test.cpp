@@ -199,6 +199,18 @@ BEGIN_MESSAGE_MAP(CDestroyingButton, CButton)
     ON_WM_ENABLE()
 END_MESSAGE_MAP()
 
+// The panel of a thread that ended stays in the list, its object's memory does not.
+TEST_F(ChangePinPanel, WhoseWindowIsAnothersNowIsNotFound) {
+    CHost host;
+    const HWND hOther = CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 1, 1, host.m_hWnd, nullptr,
+                                        nullptr, nullptr);
+    auto* const pGone = reinterpret_cast<CChangePINDialog*>(&host);
+    AddChangePinPanel(pGone);
+    SetChangePinPanelWindow(pGone, hOther);
+    EXPECT_EQ(FindChangePinPanel(host.m_hWnd), nullptr);
+    RemoveChangePinPanel(pGone);
+}
+
 TEST_F(ChangePinPanel, MayBeDestroyedWhileItsCheckRuns) {
     for (const bool bByTyping : {false, true}) {
         CHost host;

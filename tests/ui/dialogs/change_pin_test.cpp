@@ -170,6 +170,37 @@ TEST_F(ChangePin, OkFollowsEveryEdit) {
     EXPECT_TRUE(request.IsUntouched());
 }
 
+TEST_F(ChangePin, OnlyWhatOkHasJudgedIsHandedOut) {
+    const auto press = [](Dialog& d) { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); };
+    ChangePinRequest request{.rules = kAllRules};
+    {
+        DialogDriver driver([&](Dialog& d) {
+            TypeAll(d, "1234", "5838", "5838");
+            // In one go, so that the modal loop has no chance to end in between.
+            d.Run([&] {
+                const HWND hNew = d.Control(kNew);
+                press(d);
+                SetWindowTextA(hNew, "1");
+                press(d);
+            });
+        });
+        EXPECT_EQ(request.Call(), MVPINGUI_OK);
+        EXPECT_EQ(request.NewPin(), "5838");
+    }
+    // A panel that was told of its end has no rules any more.
+    ChangePinRequest forged{.rules = kAllRules};
+    DialogDriver driver([&](Dialog& d) {
+        TypeAll(d, "1234", "1", "2");
+        d.Run([&] {
+            SendMessageA(GetParent(d.Control(kNew)), WM_DESTROY, 0, 0);
+            EnableWindow(d.Control(IDOK), TRUE);
+            press(d);
+        });
+    });
+    EXPECT_EQ(forged.Call(), MVPINGUI_REFUSED);
+    EXPECT_TRUE(forged.IsUntouched());
+}
+
 // A focus change alone leads to a check, and each handler goes through the same one.
 TEST_F(ChangePin, HandlersAreLogged) {
     ChangePinRequest request{.rules = kAllRules};
@@ -192,6 +223,36 @@ TEST_F(ChangePin, HandlersAreLogged) {
         d.Cancel();
     });
     request.Call();
+}
+
+TEST_F(ChangePin, EveryOperationTellsEntryAndExit) {
+    ChangePinRequest request{.rules = kAllRules};
+    {
+        DialogDriver driver([](Dialog& d) {
+            TypeAll(d, "1234", "5838", "5838");
+            d.Enter();
+        });
+        ASSERT_EQ(request.Call(), MVPINGUI_OK);
+    }
+    EXPECT_EQ(m_log.Texts(8).front(), "GetChangePINInfoFromUser");
+    EXPECT_EQ(m_log.Texts(16).back(), "GetChangePINInfoFromUser");
+    EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size()) << m_log.Dump();
+    const std::string main = "CChangePINDialogMain::";
+    const std::string panel = "CChangePINDialog::";
+    const std::string policies = "VKPoliciesDlg::";
+    for (const std::string& name :
+         {main + "CChangePINDialogMain", main + "OnInitDialog", main + "ResizeDlg", main + "OnOK",
+          main + "OnDestroy", main + "~CChangePINDialogMain", panel + "CChangePINDialog",
+          panel + "LocCreate", panel + "OnInitDialog", panel + "ReadAndCheck", panel + "OnDestroy",
+          panel + "EraseAllPinBuffers", panel + "~CChangePINDialog", policies + "VKPoliciesDlg",
+          policies + "LocCreate", policies + "OnInitDialog", policies + "PutPoliciesInBox",
+          std::string("VKDelegateSubscriberCardRemoved Constructor"),
+          std::string("VKDelegateSubscriberCardRemoved Destructor")})
+        EXPECT_TRUE(m_log.Contains(8, name) && m_log.Contains(16, name)) << name;
+    m_log.Clear();
+    request.bNullNewPin = true;
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_EQ(m_log.Texts(16), std::vector<std::string>{"GetChangePINInfoFromUser"});
 }
 
 TEST_F(ChangePin, TabGoesFromTheEditsToTheButtons) {

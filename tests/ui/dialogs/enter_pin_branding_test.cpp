@@ -137,8 +137,10 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     m_hive.SetUnterminated(kKey, "BannerHiRes", std::string(260, 'u'));
     expectIgnored("BannerHiRes", "there is no such file");
     m_hive.DeleteValue(kKey, "BannerHiRes");
-    m_hive.SetDword(kKey, "ProgressBarHiRes", 0x41424344);
-    expectIgnored("ProgressBarHiRes", "the value is not a text");
+    for (const DWORD dwNoText : {0x41424344U, 0U, 256U}) {
+        m_hive.SetDword(kKey, "ProgressBarHiRes", dwNoText);
+        expectIgnored("ProgressBarHiRes", "the value is not a text");
+    }
 }
 
 TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {

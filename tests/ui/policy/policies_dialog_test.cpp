@@ -240,6 +240,12 @@ TEST_F(PoliciesDialog, LivesWithMissingControls) {
     for (const int nMissing : controls) {
         SCOPED_TRACE(nMissing);
         m_log.Clear();
+        {
+            // The line of success, which a whole panel has.
+            HostedPanel whole(&kAllRules);
+            EXPECT_TRUE(m_log.Contains(16, "VKPoliciesDlg::PutPoliciesInBox"));
+            m_log.Clear();
+        }
         CIncompletePanel panel(&host, nMissing);
         ASSERT_NE(panel.LocCreate(&host), 0);
         EXPECT_FALSE(m_log.Contains(16, "VKPoliciesDlg::PutPoliciesInBox"));
