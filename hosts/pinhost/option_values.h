@@ -13,17 +13,16 @@
 namespace pinhost {
 
 inline CLI::Validator WholeNumber(std::int64_t nLeast, std::int64_t nMost) {
-    return CLI::Validator(
-        [=](const std::string& strValue) {
-            std::int64_t nValue = 0;
-            const char* pEnd = strValue.data() + strValue.size();
-            const auto [pRead, error] = std::from_chars(strValue.data(), pEnd, nValue);
-            if (error == std::errc() && pRead == pEnd && nValue >= nLeast && nValue <= nMost)
-                return std::string();
-            return "\"" + strValue + "\" is not a whole number from " + std::to_string(nLeast) +
-                   " to " + std::to_string(nMost);
-        },
-        "");
+    return {[=](const std::string& strValue) {
+                std::int64_t nValue = 0;
+                const char* pEnd = strValue.data() + strValue.size();
+                const auto [pRead, error] = std::from_chars(strValue.data(), pEnd, nValue);
+                if (error == std::errc() && pRead == pEnd && nValue >= nLeast && nValue <= nMost)
+                    return std::string();
+                return "\"" + strValue + "\" is not a whole number from " + std::to_string(nLeast) +
+                       " to " + std::to_string(nMost);
+            },
+            ""};
 }
 
 template <class Integer>
@@ -35,13 +34,12 @@ inline CLI::Validator OneOf(const std::vector<std::string>& words) {
     std::string strWords;
     for (const std::string& strWord : words)
         strWords.append(strWords.empty() ? "" : ", ").append(strWord);
-    return CLI::Validator(
-        [=](const std::string& strValue) {
-            return std::find(words.begin(), words.end(), strValue) != words.end()
-                       ? std::string()
-                       : "\"" + strValue + "\" is none of " + strWords;
-        },
-        "");
+    return {[=](const std::string& strValue) {
+                return std::find(words.begin(), words.end(), strValue) != words.end()
+                           ? std::string()
+                           : "\"" + strValue + "\" is none of " + strWords;
+            },
+            ""};
 }
 
 }  // namespace pinhost

@@ -2,6 +2,8 @@
 #include <stdio.h>
 
 #include <mvpingui/mvpingui.h>
+#include <vkerrmes/vkerrmes.h>
+#include <vklog/vklog.h>
 
 int main(void) {
     InitGUIDll();
