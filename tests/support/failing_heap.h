@@ -9,10 +9,9 @@
 // that the test's own code makes do not. One at a time.
 #pragma once
 
-#include <windows.h>
-
-#include <array>
 #include <cstddef>
+
+#include "support/patched_imports.h"
 
 namespace mvp::test {
 
@@ -29,11 +28,7 @@ public:
     bool Stop();
 
 private:
-    struct Import {
-        void** ppFunction;
-        void* pOriginal;
-    };
-    std::array<Import, 3> m_imports{};
+    PatchedImports m_imports;
 };
 
 }  // namespace mvp::test

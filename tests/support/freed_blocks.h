@@ -7,7 +7,10 @@
 #include <cstddef>
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <vector>
+
+#include "support/patched_imports.h"
 
 namespace mvp::test {
 
@@ -24,11 +27,7 @@ public:
     ~FreedBlocks();
 
 private:
-    struct Patch {
-        void** pImport;
-        void* pOriginal;
-    };
-    std::vector<Patch> m_patches;
+    std::vector<std::unique_ptr<PatchedImports>> m_patches;
 };
 
 // The number of bytes that are not zero.

@@ -1,0 +1,67 @@
+#include "support/patched_imports.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace mvp::test {
+namespace {
+
+template <class Part>
+Part* At(HMODULE hModule, ULONGLONG nOffset) {
+    return reinterpret_cast<Part*>(reinterpret_cast<BYTE*>(hModule) + nOffset);
+}
+
+void Put(void** ppFunction, void* pFunction) {
+    DWORD dwOld = 0;
+    VirtualProtect(ppFunction, sizeof *ppFunction, PAGE_READWRITE, &dwOld);
+    *ppFunction = pFunction;
+    VirtualProtect(ppFunction, sizeof *ppFunction, dwOld, &dwOld);
+}
+
+// Calls `visit` with the library, the name and the place of the address of each import that has a
+// name.
+template <class Visit>
+void ForEachImport(HMODULE hModule, Visit visit) {
+    const auto* pHeaders = At<IMAGE_NT_HEADERS>(
+        hModule, static_cast<ULONGLONG>(At<IMAGE_DOS_HEADER>(hModule, 0)->e_lfanew));
+    const auto& directory = pHeaders->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    const auto* p = At<IMAGE_IMPORT_DESCRIPTOR>(hModule, directory.VirtualAddress);
+    for (; p->Name != 0; ++p) {
+        const auto* pName = At<IMAGE_THUNK_DATA>(hModule, p->OriginalFirstThunk);
+        for (auto** ppFunction = At<void*>(hModule, p->FirstThunk); pName->u1.AddressOfData != 0;
+             ++pName, ++ppFunction)
+            if (!IMAGE_SNAP_BY_ORDINAL(pName->u1.Ordinal))
+                visit(At<char>(hModule, p->Name),
+                      reinterpret_cast<const char*>(
+                          At<IMAGE_IMPORT_BY_NAME>(hModule, pName->u1.AddressOfData)->Name),
+                      ppFunction);
+    }
+}
+
+}  // namespace
+
+PatchedImports::PatchedImports(const char* pszModule, std::initializer_list<Function> functions) {
+    const HMODULE hModule = GetModuleHandleA(pszModule);
+    if (hModule == nullptr)
+        return;
+    ForEachImport(hModule, [&](const char* pszLibrary, const char* pszName, void** ppFunction) {
+        const auto* const pFound = std::ranges::find_if(functions, [&](const Function& function) {
+            return std::strcmp(function.pszName, pszName) == 0 &&
+                   (function.pszLibrary == nullptr ||
+                    _stricmp(function.pszLibrary, pszLibrary) == 0);
+        });
+        if (pFound == functions.end())
+            return;
+        m_patches.push_back({ppFunction, *ppFunction});
+        Put(ppFunction, pFound->pReplacement);
+    });
+}
+
+PatchedImports::~PatchedImports() {
+    for (const Patch& patch : m_patches)
+        Put(patch.ppFunction, patch.pOriginal);
+}
+
+}  // namespace mvp::test
