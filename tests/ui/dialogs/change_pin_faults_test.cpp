@@ -197,7 +197,8 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
             bRefused = heap.Stop();
             // Where what fails is painting alone, everything else is as it should be.
             const bool bStopped = std::ranges::any_of(m_log.Texts(1), [](const std::string& line) {
-                return line.find("Dlg::") != line.npos || line.find("Dialog::") != line.npos;
+                return line.find("Dlg::") != std::string::npos ||
+                       line.find("Dialog::") != std::string::npos;
             });
             nStopped += bStopped ? 1 : 0;
             EXPECT_EQ(host.m_ok.IsWindowEnabled() != FALSE, !bStopped) << m_log.Dump();
