@@ -1,5 +1,5 @@
-// Uses an exported class from C++: a dialog of the host's own on the library's base. Raises a card's
-// removal by hand.
+// Uses an exported class from C++: a dialog of the host's own on the library's base. Raises a
+// card's removal by hand.
 #include <cstdio>
 
 #include <dlgfw/dlgfw.h>

@@ -265,7 +265,13 @@ TEST(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     SendMessageA(window.m_hWnd, WM_APP, 0, 0);
     EXPECT_EQ(log.Texts(1), std::vector<std::string>{"Exception in the handler of message 0x8000"});
     EXPECT_EQ(nTold, 2);
-    AfxSetExceptionReporter(pfnOld);
+    // One that was set after the library's stays when the library goes.
+    const AFX_EXCEPTION_REPORTER pfnLater = [](UINT) {};
+    {
+        const Attached library;
+        AfxSetExceptionReporter(pfnLater);
+    }
+    EXPECT_EQ(AfxSetExceptionReporter(pfnOld), pfnLater);
     window.DestroyWindow();
 }
 

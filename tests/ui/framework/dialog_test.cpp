@@ -179,7 +179,11 @@ TEST(DialogTest, DestroyingTheOwnerEndsTheDialogsOverIt) {
 
 TEST(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
     CHostWnd host;
-    auto* pDlg = new CFormDlg(&host);
+    // The window that the dialog disables is the popup's owner.
+    CWnd popup;
+    ASSERT_TRUE(
+        popup.CreateEx(0, nullptr, "popup", WS_POPUP | WS_VISIBLE, CRect(0, 0, 50, 50), &host, 0));
+    auto* pDlg = new CFormDlg(&popup);
     pDlg->m_onButton = [pDlg] { delete pDlg; };
     DialogDriver driver([](Dialog& dialog) { dialog.Click(kFormButton); });
     EXPECT_EQ(pDlg->DoModal(), -1);

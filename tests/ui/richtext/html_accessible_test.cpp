@@ -118,12 +118,16 @@ TEST_F(HtmlAccessible, PlacesAreWhereTheyAreSeen) {
     EXPECT_EQ(m_object.get()->accNavigate(NAVDIR_NEXT, Child(2), &next), S_FALSE);
 }
 
-TEST_F(HtmlAccessible, ActsLater) {
-    ASSERT_EQ(m_object.get()->accDoDefaultAction(Child(1)), S_OK);
-    EXPECT_THAT(m_host.m_aMessages, IsEmpty()) << "not while the reader waits";
-    MSG message{};
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageA(&message);
+TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
+    for (const BOOL bEnabled : {FALSE, TRUE}) {
+        m_host.m_pStatic->EnableWindow(bEnabled);
+        ASSERT_EQ(m_object.get()->accDoDefaultAction(Child(1)), S_OK);
+        EXPECT_THAT(m_host.m_aMessages, IsEmpty()) << "not while the reader waits";
+        MSG message{};
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+            DispatchMessageA(&message);
+        EXPECT_EQ(m_host.m_aMessages.size(), bEnabled ? 1U : 0U);
+    }
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("m"));
     EXPECT_EQ(m_object.get()->accDoDefaultAction(Child(CHILDID_SELF)), DISP_E_MEMBERNOTFOUND);
 
