@@ -13,8 +13,8 @@
 
 #include "counting_heap.h"
 #include "processor_time.h"
-#include "richtext/fixed_measurer.h"
 #include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
 #include "richtext_documents.h"
 
 namespace {

@@ -10,7 +10,7 @@
 
 #include "bench.h"
 #include "platform/handle.h"
-#include "richtext/html_drawer.h"
+#include "richtext/control/html_drawer.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 
 #include "fuzz_check.h"
 #include "richtext/dump.h"
-#include "richtext/fixed_measurer.h"
 #include "richtext/href_filter.h"
 #include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
 
 namespace {
 

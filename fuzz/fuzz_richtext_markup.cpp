@@ -5,7 +5,7 @@
 
 #include "fuzz_check.h"
 #include "richtext/href_filter.h"
-#include "richtext/markup_reader.h"
+#include "richtext/markup/markup_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
     using namespace mvp::richtext;

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "fuzz_check.h"
-#include "richtext/style_delta.h"
-#include "richtext/style_sheet.h"
+#include "richtext/style/style_delta.h"
+#include "richtext/style/style_sheet.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
     using namespace mvp::richtext;

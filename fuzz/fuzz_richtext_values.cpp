@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "fuzz_check.h"
-#include "richtext/markup_tables.h"
-#include "richtext/value_readers.h"
+#include "richtext/markup/markup_tables.h"
+#include "richtext/style/value_readers.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
     using namespace mvp::richtext;

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "richtext/colour_table.h"
-#include "richtext/markup_tables.h"
-#include "richtext/style_sheet.h"
+#include "richtext/markup/markup_tables.h"
+#include "richtext/style/colour_table.h"
+#include "richtext/style/style_sheet.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "processor_time.h"
-#include "richtext/fixed_measurer.h"
 #include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
 #include "richtext_documents.h"
 
 namespace mvp::bench {

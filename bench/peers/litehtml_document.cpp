@@ -7,7 +7,7 @@
 
 #include "compare_peer.h"
 #include "peer_documents.h"
-#include "richtext/style_sheet.h"
+#include "richtext/style/style_sheet.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "compare_peer.h"
 #include "peer_documents.h"
-#include "richtext/style_sheet.h"
+#include "richtext/style/style_sheet.h"
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");

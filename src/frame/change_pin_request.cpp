@@ -2,11 +2,11 @@
 
 #include "dialogs/pin/change_pin_main_dialog.h"
 #include "dialogs/pin/change_pin_panels.h"
-#include "frame/log.h"
 #include "mvpingui/change_pin_dialog.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/barrier.h"
 #include "policy/pin_policy.h"
+#include "services/log.h"
 
 namespace {
 

@@ -4,13 +4,13 @@
 
 #include <vkerrmes/vkerrmes.h>
 
-#include "frame/error_text.h"
-#include "frame/log.h"
 #include "frame/module.h"
-#include "frame/resource_module.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/barrier.h"
 #include "resources/resource_numbers.h"
+#include "services/error_text.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 namespace {
 

@@ -3,17 +3,14 @@
 #include <dlgfw/module_state.h>
 #include <dlgfw/wnd.h>
 
-#include "frame/log.h"
-#include "frame/resource_module.h"
 #include "mvpingui/mvpingui.h"
 #include "notify/progress_bar.h"
 #include "platform/barrier.h"
-
-char g_szLogTag[] = "MVPINGUI";
+#include "services/log.h"
+#include "services/resource_module.h"
 
 namespace {
 
-HINSTANCE g_hInstance = nullptr;
 AFX_EXTENSION_MODULE g_extensionModule{};
 AFX_EXCEPTION_REPORTER g_pfnHostReporter = nullptr;
 
@@ -37,12 +34,7 @@ ModuleState& Module() noexcept {
     return state;
 }
 
-HINSTANCE ModuleInstance() noexcept {
-    return g_hInstance;
-}
-
 bool AttachLibrary(HINSTANCE hInstance) noexcept {
-    g_hInstance = hInstance;
     RegisterProgressBarClass(GetModuleHandleA(nullptr));
     LoadResourceModule();
     if (!AfxInitExtensionModule(g_extensionModule, hInstance))

@@ -20,9 +20,6 @@ struct ModuleState {
 };
 ModuleState& Module() noexcept;
 
-// The library's own instance handle, for windows and tool tips that it creates.
-HINSTANCE ModuleInstance() noexcept;
-
 // What the loader's notifications do. Attach returns false when the framework refuses the library.
 bool AttachLibrary(HINSTANCE hInstance) noexcept;
 void DetachLibrary() noexcept;

@@ -2,10 +2,10 @@
 #include <cstring>
 
 #include "dialogs/pin/enter_pin_dialog.h"
-#include "frame/log.h"
 #include "frame/module.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/barrier.h"
+#include "services/log.h"
 
 namespace {
 
@@ -65,7 +65,7 @@ std::uint32_t AskForPin(HWND hParent, const char* pszReader, std::uint32_t dwMin
                  dwMinLength, dwMaxLength);
     mvp::Module().nPinDialogInProgress = 1;
     const ParentWindow parent(hParent);
-    CEnterPinDlg dialog(parent.get(), pszReader, dwMinLength, dwMaxLength);
+    CEnterPinDlg dialog(parent.get(), pszReader, dwMinLength, dwMaxLength, mvp::Module().strPrompt);
     if (dialog.DoModal() != IDOK) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action cancelled");
         return MVPINGUI_REFUSED;

@@ -4,11 +4,11 @@
 #include <limits>
 #include <memory>
 
-#include "frame/log.h"
 #include "notify/progress_bar_geometry.h"
 #include "notify/progress_bar_paint.h"
 #include "platform/barrier.h"
 #include "platform/handle.h"
+#include "services/log.h"
 
 namespace mvp {
 namespace {

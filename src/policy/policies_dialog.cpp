@@ -8,13 +8,13 @@
 
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/optional_control.h"
-#include "frame/log.h"
-#include "frame/resource_module.h"
 #include "platform/barrier.h"
 #include "policy/integer_format.h"
 #include "policy/pin_policy.h"
 #include "policy/policy_layout.h"
 #include "resources/resource_numbers.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(VKPoliciesDlg, CBaseDialog)
     ON_WM_SYSCOLORCHANGE()

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "richtext/markup_reader.h"
-#include "richtext/text_bytes.h"
+#include "richtext/markup/markup_reader.h"
+#include "richtext/markup/text_bytes.h"
 
 namespace mvp::richtext {
 namespace {
@@ -144,10 +144,8 @@ std::string DecorationText(const StyledDocument& document, std::uint32_t nDecora
 
 std::string ImageText(const StyledDocument& document, const ImageAttributes& image) {
     static constexpr const char* kKinds[] = {"bmp", "icon", "ilst"};
-    std::string strText =
-        std::string("image ") +
-        kKinds[static_cast<std::size_t>(image.kind) - static_cast<std::size_t>(TagKind::Bitmap)] +
-        " " + Number(image.nWidth) + "x" + Number(image.nHeight);
+    std::string strText = std::string("image ") + kKinds[static_cast<std::size_t>(image.kind)] +
+                          " " + Number(image.nWidth) + "x" + Number(image.nHeight);
     const auto add = [&](const char* pszName, TextRef ref) {
         if (ref.nLength != 0) {
             strText += std::string(" ") + pszName + " " + Quoted(document.StringOf(ref));

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "richtext/layout_boxes.h"
-#include "richtext/styled_document.h"
+#include "richtext/document/styled_document.h"
+#include "richtext/layout/layout_boxes.h"
 
 namespace mvp::richtext {
 

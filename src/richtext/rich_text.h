@@ -14,9 +14,9 @@
 #include <string>
 #include <string_view>
 
-#include "richtext/document_builder.h"
-#include "richtext/layout.h"
-#include "richtext/layout_queries.h"
+#include "richtext/document/document_builder.h"
+#include "richtext/layout/layout.h"
+#include "richtext/layout/layout_queries.h"
 
 namespace mvp::richtext {
 

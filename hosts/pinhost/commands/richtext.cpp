@@ -13,8 +13,8 @@
 #include "pinhost/option_values.h"
 #include "pinhost/text.h"
 #include "platform/handle.h"
+#include "richtext/control/html_drawer.h"
 #include "richtext/dump.h"
-#include "richtext/html_drawer.h"
 
 namespace pinhost {
 namespace {

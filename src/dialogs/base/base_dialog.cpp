@@ -4,9 +4,9 @@
 #include <dlgfw/message_map.h>
 #include <dlgfw/module_state.h>
 
-#include "frame/log.h"
-#include "frame/resource_module.h"
 #include "platform/barrier.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(CBaseDialog, CDialog)
     ON_WM_CTLCOLOR()

@@ -10,11 +10,11 @@
 
 #include "dialogs/base/caps_lock_balloon.h"
 #include "dialogs/base/edit_scrubber.h"
-#include "frame/log.h"
-#include "frame/module.h"
-#include "frame/resource_module.h"
 #include "platform/barrier.h"
+#include "platform/own_module.h"
 #include "resources/resource_numbers.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(CCapsLockSensitiveEdit, CEdit)
     ON_WM_DESTROY()
@@ -197,10 +197,10 @@ void CCapsLockSensitiveEdit::OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags) {
 void CCapsLockSensitiveEdit::CreateBalloon() {
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&classes);
-    m_hBalloon = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
-                                 WS_POPUP | TTS_NOPREFIX | TTS_BALLOON, CW_USEDEFAULT,
-                                 CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, m_hWnd, nullptr,
-                                 mvp::ModuleInstance(), nullptr);
+    m_hBalloon =
+        CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                        WS_POPUP | TTS_NOPREFIX | TTS_BALLOON, CW_USEDEFAULT, CW_USEDEFAULT,
+                        CW_USEDEFAULT, CW_USEDEFAULT, m_hWnd, nullptr, mvp::OwnModule(), nullptr);
     if (m_hBalloon == nullptr)
         return;
     SetWindowLongPtrA(m_hBalloon, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));

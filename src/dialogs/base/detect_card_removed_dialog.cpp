@@ -4,10 +4,10 @@
 
 #include <dlgfw/message_map.h>
 
-#include "frame/log.h"
-#include "notify/card_removed_message.h"
-#include "notify/card_removed_subscriber.h"
 #include "platform/barrier.h"
+#include "services/card_removed_message.h"
+#include "services/card_removed_subscriber.h"
+#include "services/log.h"
 
 BEGIN_MESSAGE_MAP(VKDetectCardRemovedDlg, CBaseDialog)
     ON_WM_DESTROY()

@@ -5,8 +5,8 @@
 
 #include <dlgfw/string.h>
 
-#include "frame/log.h"
 #include "platform/barrier.h"
+#include "services/log.h"
 
 namespace mvp {
 

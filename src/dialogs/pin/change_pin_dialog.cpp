@@ -11,12 +11,12 @@
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/optional_control.h"
 #include "dialogs/pin/change_pin_panels.h"
-#include "frame/log.h"
-#include "frame/resource_module.h"
 #include "mvpingui/policies_dialog.h"
 #include "platform/barrier.h"
 #include "platform/handle.h"
 #include "resources/resource_numbers.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(CChangePINDialog, CBaseDialog)
     ON_EN_CHANGE(IDC_CHANGE_PIN_PANEL_CURRENT_EDIT, &CChangePINDialog::OnEnChangeEditPin)

@@ -7,13 +7,13 @@
 #include <dlgfw/geometry.h>
 #include <dlgfw/message_map.h>
 
-#include "frame/log.h"
-#include "frame/resource_module.h"
 #include "mvpingui/change_pin_dialog.h"
-#include "notify/card_removed_message.h"
-#include "notify/card_removed_subscriber.h"
 #include "platform/barrier.h"
 #include "resources/resource_numbers.h"
+#include "services/card_removed_message.h"
+#include "services/card_removed_subscriber.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(CChangePINDialogMain, CDialog)
     ON_WM_DESTROY()

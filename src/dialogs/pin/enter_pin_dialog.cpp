@@ -7,12 +7,11 @@
 
 #include "dialogs/base/optional_control.h"
 #include "dialogs/pin/enter_pin_rules.h"
-#include "frame/help_topic.h"
-#include "frame/log.h"
-#include "frame/module.h"
-#include "frame/resource_module.h"
 #include "platform/bitmap_file.h"
 #include "resources/resource_numbers.h"
+#include "services/help_topic.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(CEnterPinDlg, VKDetectCardRemovedDlg)
     ON_EN_CHANGE(IDC_ENTER_PIN_EDIT, &CEnterPinDlg::OnEnChangeEditPassword)
@@ -55,10 +54,11 @@ void LogMissingPicture(CWnd& dialog, int nControl) {
 }  // namespace
 
 CEnterPinDlg::CEnterPinDlg(CWnd* pParent, const char* pszReader, std::uint32_t dwMinLength,
-                           std::uint32_t dwMaxLength)
+                           std::uint32_t dwMaxLength, const CString& strPrompt)
     : VKDetectCardRemovedDlg(IDD_ENTER_PIN, pParent, pszReader),
       m_dwMinLength(dwMinLength),
-      m_dwMaxLength(dwMaxLength) {
+      m_dwMaxLength(dwMaxLength),
+      m_strPrompt(strPrompt) {
     const mvp::LogScope scope("CEnterPinDlg");
     vklogLog(g_szLogTag, kLogInfo, "CEnterPinDlg: pParent = %x, Reader = %s", mvp::LowBits(pParent),
              pszReader != nullptr ? pszReader : "");
@@ -87,8 +87,8 @@ void CEnterPinDlg::DoDataExchange(CDataExchange* pDX) {
 BOOL CEnterPinDlg::OnInitDialog() {
     const mvp::LogScope scope("CEnterPinDlg::OnInitDialog");
     VKDetectCardRemovedDlg::OnInitDialog();
-    if (!mvp::Module().strPrompt.IsEmpty())
-        SetDlgItemText(IDC_ENTER_PIN_PROMPT, mvp::Module().strPrompt);
+    if (!m_strPrompt.IsEmpty())
+        SetDlgItemText(IDC_ENTER_PIN_PROMPT, m_strPrompt);
     LogMissingPicture(*this, IDC_ENTER_PIN_BANNER);
     LogMissingPicture(*this, IDC_ENTER_PIN_PROGRESS);
     TryToInsertBitmap();

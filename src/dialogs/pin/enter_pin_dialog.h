@@ -19,8 +19,9 @@ public:
     // pParent      parent window, not owned; may be null
     // pszReader    the reader that holds the card; null or empty: any
     // dwMinLength, dwMaxLength  bounds of the PIN's length in bytes, inclusive
+    // strPrompt    stands over the edit in place of the dialog's own text, unless it is empty
     CEnterPinDlg(CWnd* pParent, const char* pszReader, std::uint32_t dwMinLength,
-                 std::uint32_t dwMaxLength);
+                 std::uint32_t dwMaxLength, const CString& strPrompt);
     ~CEnterPinDlg() override;
 
     // A copy of what was typed. The caller overwrites it after use.
@@ -68,6 +69,7 @@ private:
 
     std::uint32_t m_dwMinLength;
     std::uint32_t m_dwMaxLength;
+    CString m_strPrompt;
     bool m_bHighColor = false;
     CString m_strPin;
     CCapsLockSensitiveEdit m_editPin;

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "platform/barrier.h"
+#include "platform/module_thread.h"
 #include "suite/log_exception.h"
-#include "suite/vkevtsub/module_thread.h"
 #include "suite/vkevtsub/reader_watch.h"
 
 namespace mvp {
@@ -14,7 +14,8 @@ CCardWatch::CCardWatch(OnRemoved onRemoved, const std::string& strModule)
 
 std::shared_ptr<CCardWatch> CCardWatch::Start(OnRemoved onRemoved, const std::string& strModule) {
     std::shared_ptr<CCardWatch> watch(new CCardWatch(std::move(onRemoved), strModule));
-    if (!watch->m_service.IsUsable() || !StartModuleThread([watch] { watch->Run(); }))
+    if (!watch->m_service.IsUsable() ||
+        !StartModuleThread([watch] { watch->Run(); }, LogSuiteException("VKEVTSUB", "CCardWatch")))
         return nullptr;
     return watch;
 }

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "platform/barrier.h"
+#include "platform/module_thread.h"
 #include "suite/log_exception.h"
-#include "suite/vkevtsub/module_thread.h"
 #include "suite/vkevtsub/sent_message_wait.h"
 
 namespace mvp {
@@ -92,7 +92,8 @@ bool CEventDispatcher::IsSubscribed(const VKDelegateSubscriber& subscriber) cons
 bool CEventDispatcher::StartThreads(int nKind) {
     if (!m_thread) {
         const auto thread = std::make_shared<KernelHandle>();
-        *thread = StartModuleThread([this] { Run(); });
+        *thread = StartModuleThread([this] { Run(); },
+                                    LogSuiteException("VKEVTSUB", "CEventDispatcher::Run"));
         if (!*thread)
             return false;
         m_thread = thread;

@@ -7,8 +7,8 @@
 #include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 
-#include "frame/resource_module.h"
 #include "resources/resource_numbers.h"
+#include "services/resource_module.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/resource_counts.h"

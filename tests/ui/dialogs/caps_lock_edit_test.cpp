@@ -14,9 +14,9 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/base/edit_scrubber.h"
-#include "frame/resource_module.h"
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "resources/resource_numbers.h"
+#include "services/resource_module.h"
 #include "support/waiting.h"
 #include "ui/dialogs/attached_library.h"
 

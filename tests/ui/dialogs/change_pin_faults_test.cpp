@@ -16,10 +16,10 @@
 #include <vkevtsub/vkevtsub.h>
 
 #include "dialogs/pin/change_pin_main_dialog.h"
-#include "frame/resource_module.h"
 #include "mvpingui/change_pin_dialog.h"
 #include "mvpingui/policies_dialog.h"
 #include "resources/resource_numbers.h"
+#include "services/resource_module.h"
 #include "support/dialog_driver.h"
 #include "support/failing_heap.h"
 #include "support/log_recorder.h"

@@ -8,9 +8,9 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/pin/change_pin_panels.h"
-#include "frame/resource_module.h"
 #include "mvpingui/change_pin_dialog.h"
 #include "resources/resource_numbers.h"
+#include "services/resource_module.h"
 #include "support/dialog_driver.h"
 #include "support/dialog_template.h"
 #include "support/log_recorder.h"

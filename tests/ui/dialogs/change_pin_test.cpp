@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
-#include "frame/resource_module.h"
 #include "mvpingui/mvpingui.h"
 #include "resources/resource_numbers.h"
+#include "services/resource_module.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"

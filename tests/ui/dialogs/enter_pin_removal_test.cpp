@@ -10,8 +10,8 @@
 #include <vkevtsub/vkevtsub.h>
 
 #include "frame/module.h"
-#include "notify/card_removed_subscriber.h"
 #include "resources/resource_numbers.h"
+#include "services/card_removed_subscriber.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/resource_counts.h"

@@ -8,11 +8,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "frame/help_topic.h"
 #include "frame/module.h"
-#include "frame/resource_module.h"
 #include "mvpingui/mvpingui.h"
 #include "resources/resource_numbers.h"
+#include "services/help_topic.h"
+#include "services/resource_module.h"
 #include "support/caps_lock.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"

@@ -1,4 +1,4 @@
-#include "frame/help_topic.h"
+#include "services/help_topic.h"
 
 #include <string>
 #include <vector>

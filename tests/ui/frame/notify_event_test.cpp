@@ -1,4 +1,4 @@
-#include "frame/notify_event.h"
+#include "services/notify_event.h"
 
 #include <chrono>
 #include <cstring>

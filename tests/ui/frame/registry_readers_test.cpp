@@ -1,4 +1,4 @@
-#include "frame/registry_readers.h"
+#include "services/registry_readers.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // The two subscribers to card removal, on real events of the suite's event module.
-#include "notify/card_removed_subscriber.h"
+#include "services/card_removed_subscriber.h"
 
 #include <algorithm>
 #include <functional>

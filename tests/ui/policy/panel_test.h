@@ -7,8 +7,8 @@
 #include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 
-#include "frame/resource_module.h"
 #include "mvpingui/policies_dialog.h"
+#include "services/resource_module.h"
 #include "support/log_recorder.h"
 #include "ui/dialogs/attached_library.h"
 #include "ui/policy/rule_lines.h"

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "platform/handle.h"
-#include "richtext/html_drawer.h"
-#include "richtext/picture.h"
+#include "richtext/control/html_drawer.h"
+#include "richtext/pictures/picture.h"
 
 namespace mvp::test {
 

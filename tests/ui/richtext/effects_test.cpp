@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "canvas.h"
-#include "richtext/background_effects.h"
+#include "richtext/paint/background_effects.h"
 
 namespace mvp::test {
 namespace {

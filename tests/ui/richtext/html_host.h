@@ -9,7 +9,7 @@
 
 #include <dlgfw/wnd.h>
 
-#include "richtext/html_static.h"
+#include "richtext/control/html_static.h"
 
 namespace mvp::test {
 

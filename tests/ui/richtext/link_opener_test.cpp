@@ -1,6 +1,6 @@
 // The real shell: which program a link's target is opened with, and what it is told. The programs
 // are ones that write down what they are told.
-#include "richtext/link_opener.h"
+#include "richtext/control/link_opener.h"
 
 #include <filesystem>
 #include <fstream>

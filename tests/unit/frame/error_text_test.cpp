@@ -1,4 +1,4 @@
-#include "frame/error_text.h"
+#include "services/error_text.h"
 
 #include <climits>
 

@@ -8,8 +8,8 @@
 #include <pthread.h>
 #include <time.h>
 
-#include "richtext/fixed_measurer.h"
 #include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
 
 namespace mvp::richtext {
 namespace {

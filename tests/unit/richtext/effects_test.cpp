@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "richtext/background_effects.h"
+#include "richtext/paint/background_effects.h"
 
 namespace mvp::richtext {
 namespace {

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "richtext/dump.h"
-#include "richtext/fixed_measurer.h"
-#include "richtext/layout_queries.h"
+#include "richtext/layout/layout_queries.h"
 #include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
 
 namespace mvp::richtext {
 namespace {

@@ -6,10 +6,10 @@
 
 #include "href_filter.h"
 #include "richtext/dump.h"
-#include "richtext/fixed_measurer.h"
-#include "richtext/markup_reader.h"
+#include "richtext/markup/markup_reader.h"
 #include "richtext/rich_text.h"
-#include "richtext/style_sheet.h"
+#include "richtext/style/fixed_measurer.h"
+#include "richtext/style/style_sheet.h"
 
 namespace mvp::richtext {
 namespace {

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "richtext/dump.h"
-#include "richtext/fixed_measurer.h"
 #include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
 #include <nlohmann/json.hpp>
 
 namespace mvp::richtext {

@@ -1,11 +1,11 @@
 // The words of a document, and the command that opens a link when the shell fails.
-#include "richtext/plain_text.h"
+#include "richtext/document/plain_text.h"
 
 #include <gtest/gtest.h>
 
-#include "richtext/browser_command.h"
-#include "richtext/fixed_measurer.h"
+#include "richtext/control/browser_command.h"
 #include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
 
 namespace mvp::richtext {
 namespace {

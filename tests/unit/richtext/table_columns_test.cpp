@@ -1,12 +1,12 @@
 // How a table's width is given out to its columns, and its height to its rows.
-#include "richtext/table_columns.h"
+#include "richtext/layout/table_columns.h"
 
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "richtext/table_grid.h"
-#include "richtext/table_rows.h"
+#include "richtext/layout/table_grid.h"
+#include "richtext/layout/table_rows.h"
 
 namespace mvp::richtext {
 namespace {

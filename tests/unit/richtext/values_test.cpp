@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "richtext/colour_table.h"
-#include "richtext/markup_tables.h"
-#include "richtext/text_bytes.h"
-#include "richtext/value_readers.h"
+#include "richtext/markup/markup_tables.h"
+#include "richtext/markup/text_bytes.h"
+#include "richtext/style/colour_table.h"
+#include "richtext/style/value_readers.h"
 
 namespace mvp::richtext {
 namespace {

@@ -1,7 +1,0 @@
-#include "notify/card_removed_message.h"
-
-namespace mvp {
-
-const UINT g_nCardRemovedMessage = RegisterWindowMessageA("VKCardRemovedEvent");
-
-}  // namespace mvp

@@ -1,0 +1,90 @@
+#include "services/help_topic.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+#include "platform/handle.h"
+#include "platform/system_library.h"
+#include "services/log.h"
+
+namespace {
+
+constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
+constexpr char kPathValue[] = "VeskaraHelpPath";
+constexpr DWORD kPathCapacity = MAX_PATH;
+// HH_HELP_CONTEXT of the HTML Help interface: the data is a topic number of the file's map.
+constexpr UINT kHelpContext = 15;
+
+mvp::HelpViewer g_pViewer = nullptr;
+
+struct SystemViewer {
+    mvp::HelpViewer pViewer = nullptr;
+    DWORD dwError = ERROR_SUCCESS;  // why there is none
+};
+
+// The viewer lives in a system control that is loaded at the first topic and then stays: its
+// windows run its code until the process ends.
+SystemViewer LoadSystemViewer() {
+    SystemViewer viewer;
+    if (const HMODULE control = mvp::LoadSystemLibrary("hhctrl.ocx").release())
+        viewer.pViewer = mvp::FindFunction<mvp::HelpViewer>(control, "HtmlHelpA");
+    viewer.dwError = GetLastError();
+    return viewer;
+}
+
+// The viewer shows nothing and says nothing when there is no such file. What follows the file's
+// name, for the viewer alone, begins with one of two characters that no name holds.
+void LogUnlessThere(const char* pszFile) {
+    std::array<char, kPathCapacity + 1> name{};
+    std::memcpy(name.data(), pszFile, std::strcspn(pszFile, "><"));
+    if (char* pTopic = std::strstr(name.data(), "::"))
+        *pTopic = '\0';
+    if (GetFileAttributesA(name.data()) != INVALID_FILE_ATTRIBUTES)
+        return;
+    std::array<char, kPathCapacity + 32> reason{};
+    std::snprintf(reason.data(), reason.size(), "no such file: %s", name.data());
+    mvp::LogIgnoredSetting(kConfigKey, kPathValue, reason.data());
+}
+
+void ShowTopic(const char* pszFile, int nTopic) {
+    static const SystemViewer system = LoadSystemViewer();
+    const mvp::HelpViewer viewer = g_pViewer != nullptr ? g_pViewer : system.pViewer;
+    if (viewer == nullptr) {
+        vklogLog(g_szLogTag, kLogError, "DoDisplayTopic: no help viewer (error %d)",
+                 static_cast<int>(system.dwError));
+        return;
+    }
+    viewer(GetActiveWindow(), pszFile, kHelpContext, static_cast<DWORD_PTR>(nTopic));
+}
+
+}  // namespace
+
+namespace mvp {
+void SetHelpViewer(HelpViewer pViewer) noexcept {
+    g_pViewer = pViewer;
+}
+}  // namespace mvp
+
+void DoDisplayTopic(int nTopic) {
+    const mvp::LogScope scope("DoDisplayTopic");
+    vklogLog(g_szLogTag, kLogInfo, "Displaying topic %d", nTopic);
+    mvp::RegistryKey key;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kConfigKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS) {
+        vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kConfigKey);
+        return;
+    }
+    // One byte more than is offered: a value that fills the buffer may come without a terminator.
+    std::array<char, kPathCapacity + 1> path{};
+    DWORD size = kPathCapacity;
+    const LSTATUS error = RegQueryValueExA(key.get(), kPathValue, nullptr, nullptr,
+                                           reinterpret_cast<BYTE*>(path.data()), &size);
+    if (error != ERROR_SUCCESS) {
+        vklogLog(g_szLogTag, kLogError, "RegQueryValueEx \"VeskaraHelpPath\" failed");
+        if (error == ERROR_MORE_DATA)
+            mvp::LogIgnoredSetting(kConfigKey, kPathValue, "longer than 260 bytes");
+        return;
+    }
+    LogUnlessThere(path.data());
+    ShowTopic(path.data(), nTopic);
+}

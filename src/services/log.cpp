@@ -1,0 +1,3 @@
+#include "services/log.h"
+
+char g_szLogTag[] = "MVPINGUI";

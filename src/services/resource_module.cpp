@@ -1,0 +1,138 @@
+#include "services/resource_module.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "platform/barrier.h"
+#include "platform/critical_section.h"
+#include "platform/handle.h"
+#include "services/log.h"
+#include "services/registry_readers.h"
+
+namespace {
+
+constexpr char kBelowCurrentDirectory[] = R"(.\Resources\Localized\mvpinguirc.dll)";
+constexpr char kUnderInstallPath[] = "Resources\\Localized\\mvpinguirc.dll";
+constexpr DWORD kPathCapacity = 512;
+
+mvp::ModuleHandle LoadAsData(const char* pszPath) noexcept {
+    return mvp::ModuleHandle(LoadLibraryExA(
+        pszPath, nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+}
+
+// The current directory's own module and no other: the loader would look for a relative path beside
+// the host's program first, and a host that chooses its language by where it stands would get
+// another one.
+mvp::ModuleHandle LoadFromCurrentDirectory() noexcept {
+    std::array<char, kPathCapacity> path{};
+    const DWORD length =
+        GetFullPathNameA(kBelowCurrentDirectory, kPathCapacity, path.data(), nullptr);
+    return length > 0 && length < kPathCapacity ? LoadAsData(path.data()) : mvp::ModuleHandle();
+}
+
+// The handle belongs to the library's attach and detach, which the loader serialises.
+mvp::ModuleHandle g_resourceModule;
+
+// The icons that have been asked for. The system's own sharing goes by the names of modules that it
+// has loaded to run, and a module of data has none.
+struct SharedIcon {
+    UINT nId;
+    int nSize;
+    mvp::Icon icon;
+};
+mvp::CCriticalSection g_iconsLock;
+std::vector<SharedIcon> g_icons;
+
+HICON ShareIcon(UINT nId, int nSize) {
+    const mvp::CScopedLock lock(g_iconsLock);
+    const auto shared = std::ranges::find_if(
+        g_icons, [=](const SharedIcon& each) { return each.nId == nId && each.nSize == nSize; });
+    if (shared != g_icons.end())
+        return shared->icon.get();
+    mvp::Icon icon(static_cast<HICON>(LoadImageA(g_resourceModule.get(), MAKEINTRESOURCEA(nId),
+                                                 IMAGE_ICON, nSize, nSize, LR_DEFAULTCOLOR)));
+    if (!icon) {
+        vklogLog(g_szLogTag, kLogError, "Icon %u is missing from the resource module", nId);
+        return nullptr;
+    }
+    g_icons.push_back({nId, nSize, std::move(icon)});
+    return g_icons.back().icon.get();
+}
+
+void LogMissingString(UINT nId) noexcept {
+    vklogLog(g_szLogTag, kLogError, "String %u is missing from the resource module", nId);
+}
+
+}  // namespace
+
+namespace mvp {
+
+HINSTANCE ResourceModule() noexcept {
+    return g_resourceModule.get();
+}
+
+void LoadResourceModule() noexcept {
+    g_resourceModule = LoadFromCurrentDirectory();
+    if (g_resourceModule)
+        return;
+    std::array<char, kPathCapacity> path{};
+    DWORD capacity = kPathCapacity;
+    ReadInstallPath(path.data(), &capacity);
+    // A value of the buffer's full size may come without a terminator.
+    path.back() = '\0';
+    // The stored path ends in a separator, so nothing stands between the two.
+    std::strncat(path.data(), kUnderInstallPath, kPathCapacity - 1 - std::strlen(path.data()));
+    g_resourceModule = LoadAsData(path.data());
+    if (!g_resourceModule)
+        vklogLog(g_szLogTag, kLogInfo, "LoadLibrary(%s) failed with error code 0x%x", path.data(),
+                 static_cast<unsigned>(GetLastError()));
+}
+
+void FreeResourceModule() noexcept {
+    const CScopedLock lock(g_iconsLock);
+    g_icons.clear();
+    g_resourceModule.reset();
+}
+
+bool LoadResourceString(UINT nId, CString& text) {
+    if (!g_resourceModule)
+        return false;
+    if (text.LoadString(g_resourceModule.get(), nId))
+        return true;
+    LogMissingString(nId);
+    return false;
+}
+
+CString ResourceString(UINT nId) {
+    CString text;
+    LoadResourceString(nId, text);
+    return text;
+}
+
+void LoadResourceText(UINT nId, char* pszText, int nCapacity) noexcept {
+    *pszText = '\0';
+    if (!g_resourceModule)
+        return;
+    if (LoadStringA(g_resourceModule.get(), nId, pszText, nCapacity) == 0)
+        LogMissingString(nId);
+}
+
+HINSTANCE ModuleOfDialog(UINT nId) noexcept {
+    const HINSTANCE module = g_resourceModule.get();
+    if (module == nullptr || FindResourceA(module, MAKEINTRESOURCEA(nId), RT_DIALOG) != nullptr)
+        return module;
+    vklogLog(g_szLogTag, kLogError, "Dialog template %u is missing from the resource module", nId);
+    return nullptr;
+}
+
+HICON LoadResourceIcon(UINT nId, int nSize) noexcept {
+    if (!g_resourceModule)
+        return nullptr;
+    return Guarded<HICON>(
+        nullptr, [=] { return ShareIcon(nId, nSize); }, LogException("LoadResourceIcon"));
+}
+
+}  // namespace mvp
