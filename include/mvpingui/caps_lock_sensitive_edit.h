@@ -21,6 +21,10 @@ public:
     // Destroys the control's own balloon.
     ~CCapsLockSensitiveEdit() override;
 
+    // Sets `strSecret` to what was typed: the one way out for it. The caller overwrites its copy
+    // with CBaseDialog::HidePinFromMemory. False, and an empty text, when there is no memory.
+    bool ReadSecret(CString& strSecret) const;
+
     // true (the default): the warning speaks of the PIN; false: of the password.
     void SetMode(bool bPin) { m_bPinMode = bPin; }
 

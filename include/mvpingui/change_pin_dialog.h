@@ -25,8 +25,7 @@
 #include <mvpingui/base_dialog.h>
 #include <mvpingui/caps_lock_sensitive_edit.h>
 #include <mvpingui/pwd_rule_args.h>
-
-class VKPoliciesDlg;
+#include <mvpingui/rule_panel.h>
 
 // The layout of the rule lines in the library's own change-PIN dialog, in pixels.
 constexpr int MVPINGUI_CHANGE_PIN_TOP_MARGIN = 15;
@@ -97,7 +96,9 @@ private:
     void SetUp();
     void SetTexts();
     void CreatePoliciesPanel();
-    void DestroyPoliciesPanel();
+    bool ReadEdits(CString& currentPin, CString& newPin, CString& confirmation) const;
+    bool ReadAndJudge(const char* pszFunction);
+    bool Judge(CString& currentPin, CString& value, CString& newPin, CString& confirmation);
     void EnableOk(bool bEnable);
     void AfterException(const char* pszFunction);
 
@@ -113,7 +114,7 @@ private:
     // Without a record: no rule but the confirmation's.
     PwdRuleArgs m_rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
     int m_bUseWindowColor;
-    VKPoliciesDlg* m_pPoliciesDlg = nullptr;  // owned
+    mvp::RulePanel m_rulePanel;
     CButton* m_pOkButton;
     CStatic m_instruction;
     std::uint32_t m_dwSmallPINEntryPrevention = 0;

@@ -4,8 +4,7 @@
 
 #include <dlgfw/string.h>
 #include <mvpingui/base_dialog.h>
-
-class VKDelegateSubscriberCardRemoved;
+#include <mvpingui/removal_watch.h>
 
 class MVPINGUI_API VKDetectCardRemovedDlg : public CBaseDialog {
 public:
@@ -29,6 +28,6 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    VKDelegateSubscriberCardRemoved* m_pCardRemoved = nullptr;  // owned
     CString m_strReader;
+    mvp::RemovalWatch m_removalWatch;
 };

@@ -1,6 +1,4 @@
-#include <array>
 #include <cstdlib>
-#include <cstring>
 
 #include <vkerrmes/vkerrmes.h>
 
@@ -14,11 +12,6 @@
 
 namespace {
 
-constexpr int kErrorTextCapacity = 4096;
-// The result stays what it was when a code has no text, so the string is loaded beside it first.
-std::array<char, kErrorTextCapacity> g_szErrorText{};
-std::array<char, kErrorTextCapacity> g_szErrorScratch{};
-
 // Free text rather than one of the message-box module's own messages.
 constexpr int kFreeText = -1;
 constexpr int kAccepted = 1;
@@ -26,14 +19,7 @@ constexpr int kAccepted = 1;
 }  // namespace
 
 extern "C" const char* GetErrorString(int32_t nCode) {
-    const mvp::LogScope scope("GetErrorString");
-    const auto number = mvp::ErrorStringNumber(nCode);
-    if (!number)
-        return g_szErrorText.data();
-    mvp::LoadResourceText(*number, g_szErrorScratch.data(), kErrorTextCapacity);
-    std::memcpy(g_szErrorText.data(), g_szErrorScratch.data(),
-                std::strlen(g_szErrorScratch.data()) + 1);
-    return g_szErrorText.data();
+    return mvp::ErrorText(nCode);
 }
 
 extern "C" uint32_t DisplayLastPINTry(const char* pszReader) {

@@ -6,6 +6,7 @@
 #include "mvpingui/mvpingui.h"
 #include "platform/barrier.h"
 #include "services/log.h"
+#include "services/wipe.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ bool HandOut(const CEnterPinDlg& dialog, char** ppPin, std::uint32_t* pcbPin) {
     std::memcpy(pBuffer, static_cast<LPCSTR>(strPin), length);
     *pcbPin = length;
     *ppPin = pBuffer;
-    SecureZeroMemory(strPin.GetBuffer(0), length);
+    mvp::Wipe(strPin);
     return true;
 }
 

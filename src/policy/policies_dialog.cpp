@@ -144,7 +144,7 @@ bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csVal
                  check.State(rule) == mvp::RuleState::Satisfied, csValue);
     if (m_hWnd != nullptr) {
         m_groupBox.EnableWindow(TRUE);
-        ShowWindow(SW_SHOW);
+        mvp::ShowIf(*this, true);
     }
     return check.Verdict();
 }
@@ -229,11 +229,11 @@ void VKPoliciesDlg::UpdateLine(CStatic& text, int nIconControl, const CString& s
         // A text that is set again is painted again, which flickers while the user types.
         if (current != strText)
             text.SetWindowText(strText);
-        text.ShowWindow(bShow ? SW_SHOW : SW_HIDE);
+        mvp::ShowIf(text, bShow);
     }
     CWnd* pIcon = m_hWnd != nullptr ? GetDlgItem(nIconControl) : nullptr;
     if (pIcon != nullptr)
-        pIcon->ShowWindow(bShow ? SW_SHOW : SW_HIDE);
+        mvp::ShowIf(*pIcon, bShow);
     if (bShow)
         SetPolicyIcon(pIcon, bSatisfied ? m_hSatisfied : m_hViolated);
 }

@@ -1,44 +1,31 @@
 #include "services/error_text.h"
 
 #include <array>
-#include <cstddef>
+#include <cstring>
 
-#include "resources/resource_numbers.h"
+#include "services/error_strings.h"
+#include "services/log.h"
+#include "services/resource_module.h"
 
 namespace mvp {
-
 namespace {
 
-constexpr unsigned kNone = 0;
-
-// By code. The numbers of 11, 12 and 14 are out of sequence, and 13 never had a text.
-constexpr std::array<unsigned, 15> kStringByCode = {
-    kNone,
-    IDS_ERROR_GENERAL,
-    IDS_ERROR_CARD_ABSENT,
-    IDS_ERROR_READER_ABSENT,
-    IDS_ERROR_WRONG_PIN,
-    IDS_ERROR_WRONG_UNLOCK_CODE,
-    IDS_ERROR_PIN_BLOCKED,
-    IDS_ERROR_UNLOCK_CODE_BLOCKED,
-    IDS_ERROR_PIN_REFUSED,
-    IDS_ERROR_CARD_UNKNOWN,
-    IDS_ERROR_CARD_NOT_INITIALIZED,
-    IDS_ERROR_CANCELLED,
-    IDS_ERROR_CARD_IN_USE,
-    kNone,
-    IDS_ERROR_CARD_COMMUNICATION,
-};
+constexpr int kCapacity = 4096;
+// The result stays what it was when a code has no text, so the string is loaded beside it first.
+std::array<char, kCapacity> g_szErrorText{};
+std::array<char, kCapacity> g_szErrorScratch{};
 
 }  // namespace
 
-std::optional<unsigned> ErrorStringNumber(std::int32_t nCode) noexcept {
-    if (nCode < 0 || static_cast<std::size_t>(nCode) >= kStringByCode.size())
-        return std::nullopt;
-    const unsigned number = kStringByCode.at(static_cast<std::size_t>(nCode));
-    if (number == kNone)
-        return std::nullopt;
-    return number;
+const char* ErrorText(std::int32_t nCode) noexcept {
+    // The name that the function has for a host; log readers search for it.
+    const LogScope scope("GetErrorString");
+    if (const auto number = ErrorStringNumber(nCode)) {
+        LoadResourceText(*number, g_szErrorScratch.data(), kCapacity);
+        std::memcpy(g_szErrorText.data(), g_szErrorScratch.data(),
+                    std::strlen(g_szErrorScratch.data()) + 1);
+    }
+    return g_szErrorText.data();
 }
 
 }  // namespace mvp

@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/handle.h"
 #include "platform/system_library.h"
 #include "services/log.h"
+#include "services/registry_value.h"
 
 namespace {
 
@@ -69,19 +69,16 @@ void SetHelpViewer(HelpViewer pViewer) noexcept {
 void DoDisplayTopic(int nTopic) {
     const mvp::LogScope scope("DoDisplayTopic");
     vklogLog(g_szLogTag, kLogInfo, "Displaying topic %d", nTopic);
-    mvp::RegistryKey key;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kConfigKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS) {
-        vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kConfigKey);
-        return;
-    }
     // One byte more than is offered: a value that fills the buffer may come without a terminator.
     std::array<char, kPathCapacity + 1> path{};
-    DWORD size = kPathCapacity;
-    const LSTATUS error = RegQueryValueExA(key.get(), kPathValue, nullptr, nullptr,
-                                           reinterpret_cast<BYTE*>(path.data()), &size);
-    if (error != ERROR_SUCCESS) {
-        vklogLog(g_szLogTag, kLogError, "RegQueryValueEx \"VeskaraHelpPath\" failed");
-        if (error == ERROR_MORE_DATA)
+    const mvp::RegistryRead read =
+        mvp::ReadRegistry({kConfigKey, kPathValue}, path.data(), kPathCapacity);
+    if (!read) {
+        if (read.failed == mvp::RegistryStep::OpenKey)
+            vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kConfigKey);
+        else
+            vklogLog(g_szLogTag, kLogError, "RegQueryValueEx \"VeskaraHelpPath\" failed");
+        if (read.error == ERROR_MORE_DATA)
             mvp::LogIgnoredSetting(kConfigKey, kPathValue, "longer than 260 bytes");
         return;
     }

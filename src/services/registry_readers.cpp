@@ -1,11 +1,11 @@
 #include "services/registry_readers.h"
 
-#include <algorithm>
 #include <array>
+#include <cstdio>
 
 #include "platform/barrier.h"
-#include "platform/handle.h"
 #include "services/log.h"
+#include "services/registry_value.h"
 
 namespace {
 
@@ -25,68 +25,70 @@ struct ValueName {
     const char* pszValue;
 };
 
-struct OpenedValue {
-    mvp::RegistryKey key;
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-};
-
 void LogIgnored(const ValueName& name, const char* pszReason) noexcept {
     mvp::LogIgnoredSetting(name.pszKey, name.pszValue, pszReason);
 }
 
-// A value that is missing is no mistake; one that is there and cannot be had may be.
-void LogUnlessMissing(const ValueName& name, LSTATUS error) noexcept {
-    if (error != ERROR_FILE_NOT_FOUND)
-        LogIgnored(name, "cannot be read");
+// What is particular to a reader.
+struct Kind {
+    DWORD type;
+    const char* pszType;
+    REGSAM access;
+    const char* pszTooLong;  // what is wrong with a value that has more than the capacity
+};
+constexpr Kind kDword{REG_DWORD, "REG_DWORD", KEY_READ, "longer than 4 bytes"};
+constexpr Kind kText{REG_SZ, "REG_SZ", KEY_QUERY_VALUE,
+                     "longer than 260 bytes with its terminator"};
+
+void LogWrongType(const ValueName& name, DWORD found, const char* pszType) noexcept {
+    vklogLog(g_szLogTag, kLogError, "dwType(%d) <> %s", static_cast<int>(found), pszType);
+    std::array<char, 32> reason{};
+    std::snprintf(reason.data(), reason.size(), "the type is not %s", pszType);
+    LogIgnored(name, reason.data());
 }
 
-// Opens the key and asks for the value's type and size; logs what fails and returns no key then.
-OpenedValue OpenValue(const ValueName& name, REGSAM access) noexcept {
-    if (*name.pszKey == '\0') {
-        vklogLog(g_szLogTag, kLogError, "Could not read registry path name");
-        return {};
-    }
-    if (*name.pszValue == '\0') {
-        vklogLog(g_szLogTag, kLogError, "Could not read registry key name");
-        return {};
-    }
-    OpenedValue value;
-    const LSTATUS opened =
-        RegOpenKeyExA(HKEY_LOCAL_MACHINE, name.pszKey, 0, access, value.key.put());
-    if (opened != ERROR_SUCCESS) {
-        vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx returns the error %d",
-                 static_cast<int>(opened));
-        LogUnlessMissing(name, opened);
-        return {};
-    }
-    const LSTATUS queried = RegQueryValueExA(value.key.get(), name.pszValue, nullptr, &value.type,
-                                             nullptr, &value.size);
-    if (queried != ERROR_SUCCESS) {
-        vklogLog(g_szLogTag, kLogError, "RegQueryValueEx returns the error %d",
-                 static_cast<int>(queried));
-        LogUnlessMissing(name, queried);
-        return {};
-    }
-    return value;
-}
-
-void LogSecondQuery(const ValueName& name, LSTATUS error, const char* pszReason) noexcept {
+void LogUnreadData(const ValueName& name, LSTATUS error, const Kind& kind) noexcept {
     vklogLog(g_szLogTag, kLogError, "RegQueryValueEx (2) returns the error %d",
              static_cast<int>(error));
-    LogIgnored(name, error == ERROR_MORE_DATA ? pszReason : "cannot be read");
+    LogIgnored(name, error == ERROR_MORE_DATA ? kind.pszTooLong : "cannot be read");
 }
 
-// Reads the value's data, never more than `capacity` bytes whatever size was reported before.
-// `pszTooLong` says what is wrong with a value that has more.
-bool ReadData(const OpenedValue& value, const ValueName& name, void* pData, DWORD capacity,
-              const char* pszTooLong) noexcept {
-    DWORD size = std::min(value.size, capacity);
-    const LSTATUS error = RegQueryValueExA(value.key.get(), name.pszValue, nullptr, nullptr,
-                                           static_cast<BYTE*>(pData), &size);
-    if (error != ERROR_SUCCESS)
-        LogSecondQuery(name, error, pszTooLong);
-    return error == ERROR_SUCCESS;
+void LogFailure(const ValueName& name, const mvp::RegistryRead& read, const Kind& kind) noexcept {
+    switch (read.failed) {
+        case mvp::RegistryStep::OpenKey:
+        case mvp::RegistryStep::QueryValue:
+            vklogLog(g_szLogTag, kLogError,
+                     read.failed == mvp::RegistryStep::OpenKey
+                         ? "RegOpenKeyEx returns the error %d"
+                         : "RegQueryValueEx returns the error %d",
+                     static_cast<int>(read.error));
+            // A value that is missing is no mistake; one that is there and cannot be had may be.
+            if (read.error != ERROR_FILE_NOT_FOUND)
+                LogIgnored(name, "cannot be read");
+            break;
+        case mvp::RegistryStep::CheckType:
+            LogWrongType(name, read.type, kind.pszType);
+            break;
+        case mvp::RegistryStep::ReadData:
+            LogUnreadData(name, read.error, kind);
+            break;
+        case mvp::RegistryStep::None:
+            break;
+    }
+}
+
+// Reads the value, and logs what fails.
+bool ReadValue(const ValueName& name, const Kind& kind, void* pData, DWORD capacity) noexcept {
+    if (*name.pszKey == '\0' || *name.pszValue == '\0') {
+        vklogLog(g_szLogTag, kLogError,
+                 *name.pszKey == '\0' ? "Could not read registry path name"
+                                      : "Could not read registry key name");
+        return false;
+    }
+    const mvp::RegistryRead read =
+        mvp::ReadRegistry({name.pszKey, name.pszValue, kind.access}, pData, capacity, kind.type);
+    LogFailure(name, read, kind);
+    return static_cast<bool>(read);
 }
 
 int ReadDword(const ValueName& name, DWORD* pdwValue, DWORD dwDefault) noexcept {
@@ -95,34 +97,16 @@ int ReadDword(const ValueName& name, DWORD* pdwValue, DWORD dwDefault) noexcept 
         return kFailure;
     }
     *pdwValue = dwDefault;
-    const OpenedValue value = OpenValue(name, KEY_READ);
-    if (!value.key)
-        return kFailure;
-    if (value.type != REG_DWORD) {
-        vklogLog(g_szLogTag, kLogError, "dwType(%d) <> REG_DWORD", static_cast<int>(value.type));
-        LogIgnored(name, "the type is not REG_DWORD");
-        return kFailure;
-    }
-    const bool read = ReadData(value, name, pdwValue, sizeof *pdwValue, "longer than 4 bytes");
-    return read ? kSuccess : kFailure;
+    return ReadValue(name, kDword, pdwValue, sizeof *pdwValue) ? kSuccess : kFailure;
 }
 
 int ReadString(const ValueName& name, CString* pstrValue) {
-    constexpr char kTooLong[] = "longer than 260 bytes with its terminator";
-    const OpenedValue value = OpenValue(name, KEY_QUERY_VALUE);
-    if (!value.key)
-        return kFailure;
-    if (value.type != REG_SZ) {
-        vklogLog(g_szLogTag, kLogError, "dwType(%d) <> REG_SZ", static_cast<int>(value.type));
-        LogIgnored(name, "the type is not REG_SZ");
-        return kFailure;
-    }
     std::array<char, kTextCapacity> buffer{};
-    if (!ReadData(value, name, buffer.data(), kTextCapacity, kTooLong))
+    if (!ReadValue(name, kText, buffer.data(), kTextCapacity))
         return kFailure;
     // A text that fills the buffer has lost its terminator on the way into the registry.
     if (buffer.back() != '\0') {
-        LogSecondQuery(name, ERROR_MORE_DATA, kTooLong);
+        LogUnreadData(name, ERROR_MORE_DATA, kText);
         return kFailure;
     }
     if (pstrValue != nullptr)
@@ -133,40 +117,35 @@ int ReadString(const ValueName& name, CString* pstrValue) {
 constexpr ValueName kInstallPath("Software\\Quillon\\Veskara", "VeskaraInstallPath");
 
 // The value's size, or 0 when there is no usable path.
-DWORD ReadInstallPathValue(char* pszBuffer, DWORD capacity) {
-    mvp::RegistryKey key;
-    LSTATUS error = RegOpenKeyExA(HKEY_LOCAL_MACHINE, kInstallPath.pszKey, 0, KEY_READ, key.put());
-    if (error != ERROR_SUCCESS) {
-        vklogLog(g_szLogTag, kLogInfo, "Warning : RegOpenKeyEx returns %d",
-                 static_cast<int>(error));
-        return 0;
+DWORD ReadInstallPathValue(char* pszBuffer, DWORD capacity) noexcept {
+    const mvp::RegistryRead read = mvp::ReadRegistry({kInstallPath.pszKey, kInstallPath.pszValue},
+                                                     pszBuffer, capacity, REG_SZ);
+    switch (read.failed) {
+        case mvp::RegistryStep::OpenKey:
+            vklogLog(g_szLogTag, kLogInfo, "Warning : RegOpenKeyEx returns %d",
+                     static_cast<int>(read.error));
+            return 0;
+        case mvp::RegistryStep::QueryValue:
+            vklogLog(g_szLogTag, kLogInfo, "Warning : RegQueryValueEx returns %d",
+                     static_cast<int>(read.error));
+            return 0;
+        case mvp::RegistryStep::CheckType:
+            LogWrongType(kInstallPath, read.type, "REG_SZ");
+            return 0;
+        case mvp::RegistryStep::ReadData:
+            if (read.size > capacity) {
+                vklogLog(g_szLogTag, kLogError, "size (%d) > %d ", static_cast<int>(read.size),
+                         static_cast<int>(capacity));
+                LogIgnored(kInstallPath, "too long");
+                return 0;
+            }
+            vklogLog(g_szLogTag, kLogInfo, "Warning : RegQueryValueEx returns %d",
+                     static_cast<int>(read.error));
+            break;
+        case mvp::RegistryStep::None:
+            break;
     }
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-    error = RegQueryValueExA(key.get(), kInstallPath.pszValue, nullptr, &type, nullptr, &size);
-    if (error != ERROR_SUCCESS) {
-        vklogLog(g_szLogTag, kLogInfo, "Warning : RegQueryValueEx returns %d",
-                 static_cast<int>(error));
-        return 0;
-    }
-    if (type != REG_SZ) {
-        vklogLog(g_szLogTag, kLogError, "dwType(%d) <> REG_SZ", static_cast<int>(type));
-        LogIgnored(kInstallPath, "the type is not REG_SZ");
-        return 0;
-    }
-    if (size > capacity) {
-        vklogLog(g_szLogTag, kLogError, "size (%d) > %d ", static_cast<int>(size),
-                 static_cast<int>(capacity));
-        LogIgnored(kInstallPath, "too long");
-        return 0;
-    }
-    DWORD read = size;
-    error = RegQueryValueExA(key.get(), kInstallPath.pszValue, nullptr, nullptr,
-                             reinterpret_cast<BYTE*>(pszBuffer), &read);
-    if (error != ERROR_SUCCESS)
-        vklogLog(g_szLogTag, kLogInfo, "Warning : RegQueryValueEx returns %d",
-                 static_cast<int>(error));
-    return size;
+    return read.size;
 }
 
 }  // namespace

@@ -4,9 +4,11 @@
 #include <dlgfw/message_map.h>
 #include <dlgfw/module_state.h>
 
+#include "dialogs/base/resource_dialog.h"
 #include "platform/barrier.h"
 #include "services/log.h"
 #include "services/resource_module.h"
+#include "services/wipe.h"
 
 BEGIN_MESSAGE_MAP(CBaseDialog, CDialog)
     ON_WM_CTLCOLOR()
@@ -44,13 +46,8 @@ CBaseDialog::CBaseDialog(UINT nTemplate, int nColorMode, const RECT* pPosition, 
 CBaseDialog::~CBaseDialog() = default;
 
 INT_PTR CBaseDialog::DoModal() {
-    // Without this a missing module would make the system search the host for the template.
-    const HINSTANCE module = mvp::ModuleOfDialog(m_nTemplate);
-    if (module == nullptr)
-        return -1;
-    return mvp::Guarded(
-        INT_PTR{-1}, [=, this] { return RunModalFrom(module); },
-        mvp::LogException("CBaseDialog::DoModal"));
+    return mvp::RunFromResourceModule(m_nTemplate, "CBaseDialog::DoModal",
+                                      [this](HINSTANCE hModule) { return RunModalFrom(hModule); });
 }
 
 int CBaseDialog::CreateFromResourceModule(CWnd* pParent) {
@@ -100,12 +97,7 @@ void CBaseDialog::OnSysColorChange() {
 
 void CBaseDialog::HidePinFromMemory(CString& strPin) {
     const mvp::LogScope scope("CBaseDialog::HidePinFromMemory");
-    if (strPin.IsEmpty())
-        return;
-    const int length = strPin.GetLength();
-    // Asks for no memory: the text has a buffer of that size.
-    SecureZeroMemory(strPin.GetBuffer(length), static_cast<SIZE_T>(length));
-    strPin.ReleaseBuffer();
+    mvp::Wipe(strPin);
 }
 
 void CBaseDialog::ResizeDlg(UINT nId, int nWidthDecrease, int nHeightDecrease) {

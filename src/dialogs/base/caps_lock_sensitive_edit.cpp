@@ -105,6 +105,14 @@ CCapsLockSensitiveEdit::~CCapsLockSensitiveEdit() {
         ::DestroyWindow(m_hBalloon);
 }
 
+bool CCapsLockSensitiveEdit::ReadSecret(CString& strSecret) const {
+    return mvp::Guarded([&] { GetWindowText(strSecret); },
+                        [&] {
+                            mvp::LogException("CCapsLockSensitiveEdit::ReadSecret")();
+                            strSecret.Empty();
+                        });
+}
+
 void CCapsLockSensitiveEdit::PreSubclassWindow() {
     CEdit::PreSubclassWindow();
     if (GetWindowTextLength() != 0)

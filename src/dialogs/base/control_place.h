@@ -1,17 +1,30 @@
-// Where a control of a dialog stands.
+// Where the controls of a dialog stand, and how they and the dialog make room.
 #pragma once
+
+#include <initializer_list>
 
 #include <dlgfw/geometry.h>
 #include <dlgfw/wnd.h>
 
+#include "dialogs/base/window_fit.h"
+
 namespace mvp {
 
 // The control's rectangle in the client coordinates of `parent`.
-inline CRect ClientRectOf(const CWnd& parent, const CWnd& control) {
-    CRect rect;
-    control.GetWindowRect(&rect);
-    parent.ScreenToClient(&rect);
-    return rect;
-}
+CRect ClientRectOf(const CWnd& parent, const CWnd& control);
+
+// The rectangle of control `nId` in the client coordinates of `dialog`; empty, at (0, 0), when the
+// template lacks it.
+CRect PlaceOf(const CWnd& dialog, int nId);
+
+// Moves control `nId` by so many pixels; nothing else of it changes. A missing one is ignored.
+void MoveControl(const CWnd& dialog, int nId, int dx, int dy);
+
+// Moves the controls and redraws them, then makes the dialog as large as it must be.
+void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> controls);
+
+// Shows or hides the window. One that is there already is left alone: the system does all the work
+// of showing it again.
+void ShowIf(CWnd& window, bool bShow);
 
 }  // namespace mvp

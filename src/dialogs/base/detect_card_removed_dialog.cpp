@@ -1,12 +1,8 @@
 #include "mvpingui/detect_card_removed_dialog.h"
 
-#include <utility>
-
 #include <dlgfw/message_map.h>
 
-#include "platform/barrier.h"
 #include "services/card_removed_message.h"
-#include "services/card_removed_subscriber.h"
 #include "services/log.h"
 
 BEGIN_MESSAGE_MAP(VKDetectCardRemovedDlg, CBaseDialog)
@@ -23,27 +19,19 @@ VKDetectCardRemovedDlg::VKDetectCardRemovedDlg(UINT nTemplate, CWnd* pParent, co
 
 VKDetectCardRemovedDlg::~VKDetectCardRemovedDlg() {
     const mvp::LogScope scope("~VKDetectCardRemovedDlg");
-    // For a dialog whose window was never destroyed in an orderly way.
-    delete m_pCardRemoved;
 }
 
 BOOL VKDetectCardRemovedDlg::OnInitDialog() {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::OnInitDialog");
     const BOOL result = CBaseDialog::OnInitDialog();
-    // Without a watcher, for want of memory, the dialog just does not react to the removal.
-    mvp::Guarded(
-        [this] {
-            m_pCardRemoved =
-                new VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
-        },
-        mvp::LogException("VKDetectCardRemovedDlg::OnInitDialog"));
+    m_removalWatch.Start(*this, m_strReader);
     return result;
 }
 
 LRESULT VKDetectCardRemovedDlg::OnCardEvent(WPARAM /*wParam*/, LPARAM /*lParam*/) {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::OnCardEvent");
     // A message that was posted before the watch ended may still come after it.
-    if (m_pCardRemoved != nullptr)
+    if (m_removalWatch)
         EndDialog(IDCANCEL);
     return 0;
 }
@@ -56,10 +44,9 @@ void VKDetectCardRemovedDlg::OnDestroy() {
 
 void VKDetectCardRemovedDlg::StopDetectingRemoveEvent() {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::StopDetectingRemoveEvent");
-    if (m_pCardRemoved == nullptr)
+    if (!m_removalWatch)
         return;
     vklogLog(g_szLogTag, kLogInfo,
              "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed");
-    // The subscriber serves sent messages while it ends, and one may lead here again.
-    delete std::exchange(m_pCardRemoved, nullptr);
+    m_removalWatch.Stop();
 }

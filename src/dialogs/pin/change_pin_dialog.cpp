@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstring>
-#include <new>
 
 #include <dlgfw/data_exchange.h>
 #include <dlgfw/geometry.h>
@@ -11,11 +10,10 @@
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/optional_control.h"
 #include "dialogs/pin/change_pin_panels.h"
-#include "mvpingui/policies_dialog.h"
 #include "platform/barrier.h"
-#include "platform/handle.h"
 #include "resources/resource_numbers.h"
 #include "services/log.h"
+#include "services/registry_value.h"
 #include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(CChangePINDialog, CBaseDialog)
@@ -40,21 +38,16 @@ constexpr DWORD kOfferedSize = 255;
 // number of four bytes may not mean what its author meant, and one that does not fit is ignored:
 // the log tells of both.
 std::uint32_t ReadSmallPinEntryPrevention() {
-    mvp::RegistryKey key;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kConfigKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS)
-        return 0;
     std::array<BYTE, kOfferedSize> data{};
-    DWORD type = REG_NONE;
-    DWORD size = kOfferedSize;
-    const LSTATUS error =
-        RegQueryValueExA(key.get(), kPreventionValue, nullptr, &type, data.data(), &size);
-    if (error == ERROR_MORE_DATA)
+    const mvp::RegistryRead read =
+        mvp::ReadRegistry({kConfigKey, kPreventionValue}, data.data(), kOfferedSize);
+    if (read.error == ERROR_MORE_DATA)
         mvp::LogIgnoredSetting(kConfigKey, kPreventionValue, "larger than 255 bytes");
-    if (error != ERROR_SUCCESS)
+    if (!read)
         return 0;
     std::uint32_t value = 0;
     std::memcpy(&value, data.data(), sizeof value);
-    if (type != REG_DWORD || size != sizeof value)
+    if (read.type != REG_DWORD || read.size != sizeof value)
         vklogLog(g_szLogTag, kLogError,
                  "Setting is no REG_DWORD, its first bytes are followed as %u: %s\\%s", value,
                  kConfigKey, kPreventionValue);
@@ -94,7 +87,7 @@ CChangePINDialog::~CChangePINDialog() {
     // While WM_DESTROY still finds this class's handler.
     if (m_hWnd != nullptr)
         DestroyWindow();
-    DestroyPoliciesPanel();
+    m_rulePanel.Destroy();
     mvp::RemoveChangePinPanel(this);
     EraseAllPinBuffers();
 }
@@ -161,55 +154,27 @@ void CChangePINDialog::SetTexts() {
 }
 
 void CChangePINDialog::CreatePoliciesPanel() {
-    const CWnd* pPlace = GetDlgItem(IDC_CHANGE_PIN_PANEL_POLICIES_PLACE);
-    const CRect place = pPlace != nullptr ? mvp::ClientRectOf(*this, *pPlace) : CRect(0, 0, 0, 0);
-    m_pPoliciesDlg = mvp::Guarded<VKPoliciesDlg*>(
-        nullptr,
-        [&] {
-            return new (std::nothrow) VKPoliciesDlg(&m_rules, m_bUseWindowColor, &place, this,
-                                                    m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
-        },
-        mvp::LogException("VKPoliciesDlg::VKPoliciesDlg"));
-    if (m_pPoliciesDlg == nullptr || m_pPoliciesDlg->LocCreate(this) == 0) {
-        vklogLog(g_szLogTag, kLogError, "CChangePINDialog: the rule panel could not be created");
+    constexpr int kPlace = IDC_CHANGE_PIN_PANEL_POLICIES_PLACE;
+    if (!m_rulePanel.Create(*this, kPlace, m_rules,
+                            {m_bUseWindowColor, m_nTopMargin, m_nLeftIndent, m_nLineSpacing}))
         return;
-    }
-    m_pPoliciesDlg->ShowWindow(SW_SHOW);
-    m_pPoliciesDlg->UpdateWindow();
-    CRect panel;
-    m_pPoliciesDlg->GetWindowRect(&panel);
-    ScreenToClient(&panel);
-    ResizeDlg(0, 0, place.bottom - panel.bottom);
+    m_rulePanel.Show();
+    ResizeDlg(0, 0, -m_rulePanel.FitToPlaceholder(*this, kPlace).nHeight);
 }
 
 void CChangePINDialog::OnEnChangeEditPin() {
     const mvp::LogScope scope("CChangePINDialog::OnEnChangeEditPin");
-    mvp::Guarded(
-        [this] {
-            m_editPin.GetWindowText(m_csPin);
-            OnEnChangeEditPinNew();
-        },
-        [this] { AfterException("CChangePINDialog::OnEnChangeEditPin"); });
+    OnEnChangeEditPinNew();
 }
 
 void CChangePINDialog::OnEnChangeEditPinConfirm() {
     const mvp::LogScope scope("CChangePINDialog::OnEnChangeEditPinConfirm");
-    mvp::Guarded(
-        [this] {
-            m_editConfirm.GetWindowText(m_csConfirmPin);
-            OnEnChangeEditPinNew();
-        },
-        [this] { AfterException("CChangePINDialog::OnEnChangeEditPinConfirm"); });
+    OnEnChangeEditPinNew();
 }
 
 void CChangePINDialog::OnEnChangeEditPinNew() {
     const mvp::LogScope scope("CChangePINDialog::OnEnChangeEditPinNew");
-    mvp::Guarded(
-        [this] {
-            m_editNewPin.GetWindowText(m_csNewPin);
-            VerifyAndUpdateAllPolicies(m_csNewPin);
-        },
-        [this] { AfterException("CChangePINDialog::OnEnChangeEditPinNew"); });
+    ReadAndJudge("CChangePINDialog::OnEnChangeEditPinNew");
 }
 
 // What was read before an exception may not be what stands in the edits: it is not handed out.
@@ -235,28 +200,53 @@ void CChangePINDialog::OnEnSetfocusEditPinConfirm() {
 }
 
 bool CChangePINDialog::VerifyAndUpdateAllPolicies(CString value) {
-    const mvp::LogScope scope("CChangePINDialog::VerifyAndUpdateAllPolicies");
     CString currentPin;
     CString newPin;
     CString confirmation;
-    bool bEnable = false;
-    const bool bVerdict = mvp::Guarded(
+    if (!ReadEdits(currentPin, newPin, confirmation)) {
+        mvp::LogException("CChangePINDialog::VerifyAndUpdateAllPolicies")();
+        EnableOk(false);
+        return false;
+    }
+    return Judge(currentPin, value, newPin, confirmation);
+}
+
+bool CChangePINDialog::ReadEdits(CString& currentPin, CString& newPin,
+                                 CString& confirmation) const {
+    return m_editPin.ReadSecret(currentPin) && m_editNewPin.ReadSecret(newPin) &&
+           m_editConfirm.ReadSecret(confirmation);
+}
+
+// One reading of each edit serves the check and the hand-over. Returns whether OK may be obeyed.
+bool CChangePINDialog::ReadAndJudge(const char* pszFunction) {
+    return mvp::Guarded(
         false,
-        [&] {
-            m_editPin.GetWindowText(currentPin);
-            m_editNewPin.GetWindowText(newPin);
-            m_editConfirm.GetWindowText(confirmation);
-            vklogLog(g_szLogTag, kLogDetail, "m_pPoliciesDlg: %d",
-                     static_cast<int>(mvp::LowBits(m_pPoliciesDlg)));
-            const bool bMet =
-                m_pPoliciesDlg == nullptr ||
-                m_pPoliciesDlg->VerifyAndUpdatePolicies(currentPin, value, newPin, confirmation);
-            bEnable = bMet && !(m_bAskCurrentPin && currentPin.IsEmpty());
-            return bMet;
+        [=, this] {
+            if (!ReadEdits(m_csPin, m_csNewPin, m_csConfirmPin)) {
+                AfterException(pszFunction);
+                return false;
+            }
+            const bool bCurrentGiven = !m_bAskCurrentPin || !m_csPin.IsEmpty();
+            CString currentPin = m_csPin;
+            CString value = m_csNewPin;
+            CString newPin = m_csNewPin;
+            CString confirmation = m_csConfirmPin;
+            return Judge(currentPin, value, newPin, confirmation) && bCurrentGiven;
         },
+        [=, this] { AfterException(pszFunction); });
+}
+
+// Returns whether the rules are met, and overwrites the texts.
+bool CChangePINDialog::Judge(CString& currentPin, CString& value, CString& newPin,
+                             CString& confirmation) {
+    const mvp::LogScope scope("CChangePINDialog::VerifyAndUpdateAllPolicies");
+    vklogLog(g_szLogTag, kLogDetail, "m_pPoliciesDlg: %d",
+             static_cast<int>(mvp::LowBits(m_rulePanel.Dialog())));
+    const bool bVerdict = mvp::Guarded(
+        false, [&] { return m_rulePanel.Check(currentPin, value, newPin, confirmation); },
         mvp::LogException("CChangePINDialog::VerifyAndUpdateAllPolicies"));
     // The host hears of it and may delete the panel: nothing of it is touched afterwards.
-    EnableOk(bEnable);
+    EnableOk(bVerdict && !(m_bAskCurrentPin && currentPin.IsEmpty()));
     for (CString* pText : {&currentPin, &newPin, &confirmation, &value})
         HidePinFromMemory(*pText);
     return bVerdict;
@@ -264,19 +254,10 @@ bool CChangePINDialog::VerifyAndUpdateAllPolicies(CString value) {
 
 bool CChangePINDialog::ReadAndCheck() {
     const mvp::LogScope scope("CChangePINDialog::ReadAndCheck");
-    return mvp::Guarded(
-        false,
-        [this] {
-            // Told of its end, the panel has no rules any more.
-            if (m_hWnd == nullptr || (m_nFlags & WF_DESTROYING) != 0)
-                return false;
-            m_editPin.GetWindowText(m_csPin);
-            m_editNewPin.GetWindowText(m_csNewPin);
-            m_editConfirm.GetWindowText(m_csConfirmPin);
-            const bool bCurrentGiven = !m_bAskCurrentPin || !m_csPin.IsEmpty();
-            return VerifyAndUpdateAllPolicies(m_csNewPin) && bCurrentGiven;
-        },
-        [this] { AfterException("CChangePINDialog::ReadAndCheck"); });
+    // Told of its end, the panel has no rules any more.
+    if (m_hWnd == nullptr || (m_nFlags & WF_DESTROYING) != 0)
+        return false;
+    return ReadAndJudge("CChangePINDialog::ReadAndCheck");
 }
 
 void CChangePINDialog::EnableOk(bool bEnable) {
@@ -304,15 +285,7 @@ void CChangePINDialog::OnMove(int x, int y) {
 
 void CChangePINDialog::OnDestroy() {
     const mvp::LogScope scope("CChangePINDialog::OnDestroy");
-    DestroyPoliciesPanel();
+    m_rulePanel.Destroy();
     mvp::SetChangePinPanelWindow(this, nullptr);
     CBaseDialog::OnDestroy();
-}
-
-void CChangePINDialog::DestroyPoliciesPanel() {
-    if (m_pPoliciesDlg == nullptr)
-        return;
-    m_pPoliciesDlg->DestroyWindow();
-    delete m_pPoliciesDlg;
-    m_pPoliciesDlg = nullptr;
 }

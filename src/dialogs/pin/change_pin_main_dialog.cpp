@@ -1,17 +1,16 @@
 #include "dialogs/pin/change_pin_main_dialog.h"
 
-#include <new>
 #include <utility>
 
-#include <dlgfw/data_exchange.h>
 #include <dlgfw/geometry.h>
 #include <dlgfw/message_map.h>
 
+#include "dialogs/base/control_place.h"
+#include "dialogs/base/dialog_looks.h"
 #include "mvpingui/change_pin_dialog.h"
 #include "platform/barrier.h"
 #include "resources/resource_numbers.h"
 #include "services/card_removed_message.h"
-#include "services/card_removed_subscriber.h"
 #include "services/log.h"
 #include "services/resource_module.h"
 
@@ -21,16 +20,10 @@ BEGIN_MESSAGE_MAP(CChangePINDialogMain, CDialog)
     ON_REGISTERED_MESSAGE(mvp::g_nCardRemovedMessage, &CChangePINDialogMain::OnCardEvent)
 END_MESSAGE_MAP()
 
-namespace {
-
-constexpr int kSmallIconSize = 16;
-
-}  // namespace
-
 CChangePINDialogMain::CChangePINDialogMain(const PwdRuleArgs* pRules, int bUseWindowColor,
                                            bool bAskCurrentPin, CWnd* pParent, int nTopMargin,
                                            int nLeftIndent, int nLineSpacing, const char* pszReader)
-    : CDialog(IDD_CHANGE_PIN_MAIN, pParent),
+    : ResourceDialog(IDD_CHANGE_PIN_MAIN, pParent),
       m_nTopMargin(nTopMargin),
       m_nLeftIndent(nLeftIndent),
       m_nLineSpacing(nLineSpacing),
@@ -46,19 +39,14 @@ CChangePINDialogMain::CChangePINDialogMain(const PwdRuleArgs* pRules, int bUseWi
 
 CChangePINDialogMain::~CChangePINDialogMain() {
     const mvp::LogScope scope("CChangePINDialogMain::~CChangePINDialogMain");
-    delete m_pCardRemoved;
     delete m_pPanel;
-}
-
-INT_PTR CChangePINDialogMain::DoModal() {
-    const HINSTANCE module = mvp::ModuleOfDialog(IDD_CHANGE_PIN_MAIN);
-    return module != nullptr ? RunModalFrom(module) : -1;
 }
 
 BOOL CChangePINDialogMain::OnInitDialog() {
     const mvp::LogScope scope("CChangePINDialogMain::OnInitDialog");
     CDialog::OnInitDialog();
-    SetSmallIcon();
+    vklogLog(g_szLogTag, kLogDetail, "Loading icon...");
+    mvp::SetSmallIcon(*this, IDI_CARD_PIN);
     m_okButton.SubclassDlgItem(IDOK, this);
     CWnd* pCancel = GetDlgItem(IDCANCEL);
     if (m_rules.bCancelDisabled != 0 && pCancel != nullptr)
@@ -68,35 +56,18 @@ BOOL CChangePINDialogMain::OnInitDialog() {
     if (mvp::LoadResourceString(IDS_CARD_PIN_TITLE, title))
         SetWindowText(title);
     UpdateWindow();
-    // Without the memory for it the dialog just does not react to the removal.
-    m_pCardRemoved = mvp::Guarded<VKDelegateSubscriberCardRemoved*>(
-        nullptr,
-        [this] {
-            return new (std::nothrow)
-                VKDelegateSubscriberCardRemoved(this, mvp::g_nCardRemovedMessage, m_strReader);
-        },
-        mvp::LogException("VKDelegateSubscriberCardRemoved Constructor"));
+    m_removalWatch.Start(*this, m_strReader);
     return TRUE;
 }
 
-void CChangePINDialogMain::SetSmallIcon() {
-    vklogLog(g_szLogTag, kLogDetail, "Loading icon...");
-    if (HICON hIcon = mvp::LoadResourceIcon(IDI_CARD_PIN, kSmallIconSize))
-        SetIcon(hIcon, FALSE);
-}
-
 void CChangePINDialogMain::CreatePanel() {
-    CRect place(0, 0, 0, 0);
-    if (const CWnd* pPlace = GetDlgItem(IDC_CHANGE_PIN_MAIN_PANEL_PLACE)) {
-        pPlace->GetWindowRect(&place);
-        ScreenToClient(&place);
-    }
+    const CRect place = mvp::PlaceOf(*this, IDC_CHANGE_PIN_MAIN_PANEL_PLACE);
     m_pPanel = mvp::Guarded<CChangePINDialog*>(
         nullptr,
         [&] {
-            return new (std::nothrow)
-                CChangePINDialog(0, m_bUseWindowColor, m_bAskCurrentPin, &place, &m_rules,
-                                 &m_okButton, this, m_nTopMargin, m_nLeftIndent, m_nLineSpacing);
+            return new CChangePINDialog(0, m_bUseWindowColor, m_bAskCurrentPin, &place, &m_rules,
+                                        &m_okButton, this, m_nTopMargin, m_nLeftIndent,
+                                        m_nLineSpacing);
         },
         mvp::LogException("CChangePINDialog::CChangePINDialog"));
     if (m_pPanel == nullptr || m_pPanel->LocCreate(this) == 0) {
@@ -108,10 +79,9 @@ void CChangePINDialogMain::CreatePanel() {
     m_pPanel->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     m_pPanel->ShowWindow(SW_SHOW);
     m_pPanel->UpdateWindow();
-    CRect panel;
-    m_pPanel->GetWindowRect(&panel);
-    ScreenToClient(&panel);
-    ResizeDlg(0, place.bottom - panel.bottom);
+    const CRect panel = mvp::ClientRectOf(*this, *m_pPanel);
+    const auto fit = mvp::WindowFit::ToPlaceholder(place.bottom, panel.bottom);
+    ResizeDlg(-fit.nWidth, -fit.nHeight);
     m_pPanel->SetFocus();
 }
 
@@ -127,26 +97,7 @@ void CChangePINDialogMain::DoWithoutPanel() {
 
 void CChangePINDialogMain::ResizeDlg(int dx, int dy) {
     const mvp::LogScope scope("CChangePINDialogMain::ResizeDlg");
-    MoveButton(IDCANCEL, dx, dy);
-    MoveButton(IDOK, dx, dy);
-    UpdateWindow();
-    CRect rect;
-    GetWindowRect(&rect);
-    SetWindowPos(nullptr, 0, 0, rect.Width() - dx, rect.Height() - dy,
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    UpdateWindow();
-}
-
-void CChangePINDialogMain::MoveButton(int nId, int dx, int dy) {
-    CWnd* pButton = GetDlgItem(nId);
-    if (pButton == nullptr)
-        return;
-    CRect rect;
-    pButton->GetWindowRect(&rect);
-    ScreenToClient(&rect);
-    pButton->SetWindowPos(nullptr, rect.left - dx, rect.top - dy, 0, 0,
-                          SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    pButton->RedrawWindow();
+    mvp::FitWindow(*this, {-dx, -dy}, {IDCANCEL, IDOK});
 }
 
 // A button that the template lacks forbids nothing.
@@ -184,8 +135,7 @@ LRESULT CChangePINDialogMain::OnCardEvent(WPARAM /*wParam*/, LPARAM /*lParam*/) 
 void CChangePINDialogMain::OnDestroy() {
     const mvp::LogScope scope("CChangePINDialogMain::OnDestroy");
     CDialog::OnDestroy();
-    // The subscriber serves sent messages while it ends, and one may lead here again.
-    delete std::exchange(m_pCardRemoved, nullptr);
+    m_removalWatch.Stop();
 }
 
 void CChangePINDialogMain::OnMove(int x, int y) {

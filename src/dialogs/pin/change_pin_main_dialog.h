@@ -4,15 +4,15 @@
 #pragma once
 
 #include <dlgfw/controls.h>
-#include <dlgfw/dialog.h>
 #include <dlgfw/string.h>
 
+#include "dialogs/base/resource_dialog.h"
 #include "mvpingui/pwd_rule_args.h"
+#include "mvpingui/removal_watch.h"
 
 class CChangePINDialog;
-class VKDelegateSubscriberCardRemoved;
 
-class CChangePINDialogMain : public CDialog {
+class CChangePINDialogMain : public mvp::ResourceDialog {
 public:
     // The arguments are those of CChangePINDialog, and the reader that holds the card (null or
     // empty: any).
@@ -20,8 +20,6 @@ public:
                          CWnd* pParent, int nTopMargin, int nLeftIndent, int nLineSpacing,
                          const char* pszReader);
     ~CChangePINDialogMain() override;
-
-    INT_PTR DoModal() override;
 
     // The panel, which keeps the PINs after the dialog has ended; null when it could not be made.
     const CChangePINDialog* Panel() const { return m_pPanel; }
@@ -37,11 +35,9 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    void SetSmallIcon();
     void CreatePanel();
     void DoWithoutPanel();
     void ResizeDlg(int dx, int dy);
-    void MoveButton(int nId, int dx, int dy);
     bool IsButtonEnabled(int nId) const;
 
     PwdRuleArgs m_rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
@@ -52,6 +48,6 @@ private:
     int m_nLineSpacing;
     int m_bUseWindowColor;
     bool m_bAskCurrentPin;
-    VKDelegateSubscriberCardRemoved* m_pCardRemoved = nullptr;  // owned
     CString m_strReader;
+    mvp::RemovalWatch m_removalWatch;
 };

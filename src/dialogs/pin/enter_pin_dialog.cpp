@@ -5,12 +5,14 @@
 #include <dlgfw/data_exchange.h>
 #include <dlgfw/message_map.h>
 
+#include "dialogs/base/dialog_looks.h"
 #include "dialogs/base/optional_control.h"
 #include "dialogs/pin/enter_pin_rules.h"
 #include "platform/bitmap_file.h"
 #include "resources/resource_numbers.h"
 #include "services/help_topic.h"
 #include "services/log.h"
+#include "services/registry_value.h"
 #include "services/resource_module.h"
 
 BEGIN_MESSAGE_MAP(CEnterPinDlg, VKDetectCardRemovedDlg)
@@ -68,7 +70,6 @@ CEnterPinDlg::CEnterPinDlg(CWnd* pParent, const char* pszReader, std::uint32_t d
 CEnterPinDlg::~CEnterPinDlg() {
     const mvp::LogScope scope("~CEnterPinDlg");
     HidePinFromMemory(m_strPin);
-    m_strPin.Empty();
 }
 
 CString CEnterPinDlg::GetPinValue() const {
@@ -81,7 +82,8 @@ void CEnterPinDlg::DoDataExchange(CDataExchange* pDX) {
     DDX_Control(pDX, IDC_ENTER_PIN_EDIT, m_editPin);
     mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_BANNER, m_banner);
     mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_PROGRESS, m_progressBar);
-    DDX_Text(pDX, IDC_ENTER_PIN_EDIT, m_strPin);
+    if (pDX->m_bSaveAndValidate && !m_editPin.ReadSecret(m_strPin))
+        pDX->Fail();
 }
 
 BOOL CEnterPinDlg::OnInitDialog() {
@@ -92,8 +94,7 @@ BOOL CEnterPinDlg::OnInitDialog() {
     LogMissingPicture(*this, IDC_ENTER_PIN_BANNER);
     LogMissingPicture(*this, IDC_ENTER_PIN_PROGRESS);
     TryToInsertBitmap();
-    SetForegroundWindow();
-    SetWindowPos(&wndTopMost, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    mvp::BringToFront(*this);
     OnEnChangeEditPassword();
     return TRUE;
 }
@@ -168,20 +169,20 @@ bool CEnterPinDlg::IsHighColorSupported() {
 }
 
 // Returns whether there is one.
-bool CEnterPinDlg::ReadPicture(HKEY hKey, BrandingPicture& picture) {
+bool CEnterPinDlg::ReadPicture(BrandingPicture& picture) {
     // One byte more than is offered: a value that fills the buffer may come without a terminator.
     std::array<char, kPathCapacity + 1> buffer{};
-    DWORD type = REG_NONE;
-    DWORD size = kPathCapacity;
-    const LSTATUS error = RegQueryValueExA(hKey, picture.pszValueName, nullptr, &type,
-                                           reinterpret_cast<BYTE*>(buffer.data()), &size);
-    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND)
-        mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName,
-                               error == ERROR_MORE_DATA ? "the value is longer than 260 bytes"
-                                                        : "the value cannot be read");
-    if (error != ERROR_SUCCESS)
+    const mvp::RegistryRead read =
+        mvp::ReadRegistry({kBrandingKey, picture.pszValueName}, buffer.data(), kPathCapacity);
+    if (!read) {
+        if (read.failed != mvp::RegistryStep::OpenKey && read.error != ERROR_FILE_NOT_FOUND)
+            mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName,
+                                   read.error == ERROR_MORE_DATA
+                                       ? "the value is longer than 260 bytes"
+                                       : "the value cannot be read");
         return false;
-    picture.bText = type == REG_SZ || type == REG_EXPAND_SZ;
+    }
+    picture.bText = read.type == REG_SZ || read.type == REG_EXPAND_SZ;
     if (buffer.front() == '\0') {
         if (!picture.bText)
             mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName, "the value is not a text");
@@ -193,13 +194,10 @@ bool CEnterPinDlg::ReadPicture(HKEY hKey, BrandingPicture& picture) {
 
 bool CEnterPinDlg::GetBrandingBitmaps(BrandingPictures& pictures) {
     const mvp::LogScope scope("CEnterPinDlg::GetBrandingBitmaps");
-    mvp::RegistryKey key;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kBrandingKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS)
-        return false;
-    bool found = ReadPicture(key.get(), pictures.bannerLow);
-    found |= ReadPicture(key.get(), pictures.bannerHigh);
-    found |= ReadPicture(key.get(), pictures.progressLow);
-    found |= ReadPicture(key.get(), pictures.progressHigh);
+    bool found = ReadPicture(pictures.bannerLow);
+    found |= ReadPicture(pictures.bannerHigh);
+    found |= ReadPicture(pictures.progressLow);
+    found |= ReadPicture(pictures.progressHigh);
     return found;
 }
 

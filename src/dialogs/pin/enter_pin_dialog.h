@@ -60,7 +60,7 @@ private:
     };
 
     static bool IsHighColorSupported();
-    static bool ReadPicture(HKEY hKey, BrandingPicture& picture);
+    static bool ReadPicture(BrandingPicture& picture);
     static bool GetBrandingBitmaps(BrandingPictures& pictures);
     void TryToInsertBitmap();
     void ShowBranding(const BrandingPicture& setting, int nDefaultPicture, CStatic& picture,

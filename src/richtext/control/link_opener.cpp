@@ -3,9 +3,9 @@
 #include <windows.h>
 #include <shellapi.h>
 
-#include "platform/handle.h"
 #include "platform/system_library.h"
 #include "richtext/control/browser_command.h"
+#include "services/registry_value.h"
 
 namespace mvp::richtext {
 namespace {
@@ -15,20 +15,15 @@ constexpr UINT kLastExecError = 31;
 
 // The default value of a key of HKEY_CLASSES_ROOT, with the environment's variables put in.
 std::string ClassValue(const std::string& strKey) {
-    RegistryKey key;
-    char szValue[2048];
     // Values need not end in a zero: room for one is kept.
-    DWORD nBytes = sizeof szValue - 1;
-    DWORD nType = 0;
-    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, strKey.c_str(), 0, KEY_QUERY_VALUE, key.put()) !=
-            ERROR_SUCCESS ||
-        RegQueryValueExA(key.get(), nullptr, nullptr, &nType, reinterpret_cast<BYTE*>(szValue),
-                         &nBytes) != ERROR_SUCCESS ||
-        (nType != REG_SZ && nType != REG_EXPAND_SZ)) {
+    char szValue[2048];
+    const RegistryRead read = ReadRegistry(
+        {strKey.c_str(), nullptr, KEY_QUERY_VALUE, HKEY_CLASSES_ROOT}, szValue, sizeof szValue - 1);
+    if (!read || (read.type != REG_SZ && read.type != REG_EXPAND_SZ)) {
         return {};
     }
-    szValue[nBytes] = '\0';
-    if (nType == REG_SZ) {
+    szValue[read.size] = '\0';
+    if (read.type == REG_SZ) {
         return szValue;
     }
     char szExpanded[4096];

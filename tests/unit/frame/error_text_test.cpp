@@ -1,4 +1,4 @@
-#include "services/error_text.h"
+#include "services/error_strings.h"
 
 #include <climits>
 

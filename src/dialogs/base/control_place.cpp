@@ -1,0 +1,45 @@
+#include "dialogs/base/control_place.h"
+
+namespace mvp {
+
+CRect ClientRectOf(const CWnd& parent, const CWnd& control) {
+    CRect rect;
+    control.GetWindowRect(&rect);
+    parent.ScreenToClient(&rect);
+    return rect;
+}
+
+CRect PlaceOf(const CWnd& dialog, int nId) {
+    const CWnd* pControl = dialog.GetDlgItem(nId);
+    return pControl != nullptr ? ClientRectOf(dialog, *pControl) : CRect(0, 0, 0, 0);
+}
+
+void MoveControl(const CWnd& dialog, int nId, int dx, int dy) {
+    CWnd* pControl = dialog.GetDlgItem(nId);
+    if (pControl == nullptr)
+        return;
+    const CRect rect = ClientRectOf(dialog, *pControl);
+    pControl->SetWindowPos(nullptr, rect.left + dx, rect.top + dy, 0, 0,
+                           SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> controls) {
+    for (const int nId : controls) {
+        MoveControl(dialog, nId, fit.nWidth, fit.nHeight);
+        if (CWnd* pControl = dialog.GetDlgItem(nId))
+            pControl->RedrawWindow();
+    }
+    dialog.UpdateWindow();
+    CRect rect;
+    dialog.GetWindowRect(&rect);
+    dialog.SetWindowPos(nullptr, 0, 0, rect.Width() + fit.nWidth, rect.Height() + fit.nHeight,
+                        SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    dialog.UpdateWindow();
+}
+
+void ShowIf(CWnd& window, bool bShow) {
+    if (((window.GetStyle() & WS_VISIBLE) != 0) != bShow)
+        window.ShowWindow(bShow ? SW_SHOW : SW_HIDE);
+}
+
+}  // namespace mvp

@@ -1,0 +1,36 @@
+#include "dialogs/base/dialog_looks.h"
+
+#include "services/resource_module.h"
+
+namespace mvp {
+namespace {
+
+constexpr int kSmallIconSize = 16;
+
+}  // namespace
+
+void SetSmallIcon(CWnd& dialog, UINT nIcon) {
+    if (HICON hIcon = LoadResourceIcon(nIcon, kSmallIconSize))
+        dialog.SetIcon(hIcon, FALSE);
+}
+
+Font MakeHeadingBold(CWnd& dialog, int nHeading) {
+    auto* const hFont =
+        reinterpret_cast<HFONT>(dialog.SendDlgItemMessage(nHeading, WM_GETFONT, 0, 0));
+    LOGFONTA font{};
+    if (hFont == nullptr || GetObjectA(hFont, sizeof font, &font) == 0)
+        return {};
+    font.lfWidth = 0;  // the bold letters' own
+    font.lfWeight = FW_BOLD;
+    Font bold(CreateFontIndirectA(&font));
+    if (bold)
+        dialog.SendDlgItemMessage(nHeading, WM_SETFONT, reinterpret_cast<WPARAM>(bold.get()), TRUE);
+    return bold;
+}
+
+void BringToFront(CWnd& dialog) {
+    dialog.SetForegroundWindow();
+    dialog.SetWindowPos(&CWnd::wndTopMost, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+}
+
+}  // namespace mvp

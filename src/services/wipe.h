@@ -1,0 +1,20 @@
+// Overwrites a secret's text before it is dropped.
+#pragma once
+
+#include <windows.h>
+
+#include <dlgfw/string.h>
+
+namespace mvp {
+
+// Overwrites every byte with zero and empties the text. Asks for no memory.
+inline void Wipe(CString& strSecret) {
+    const int nLength = strSecret.GetLength();
+    if (nLength == 0)
+        return;
+    // The text has a buffer of that size.
+    SecureZeroMemory(strSecret.GetBuffer(nLength), static_cast<SIZE_T>(nLength));
+    strSecret.ReleaseBuffer();
+}
+
+}  // namespace mvp
