@@ -4,7 +4,7 @@
 
 #include "pinhost/commands/card_flow.h"
 #include "pinhost/commands/commands.h"
-#include "pinhost/embed/change_pin_window.h"
+#include "pinhost/flow_library.h"
 #include "pinhost/pin_library.h"
 #include "pinhost/text.h"
 
@@ -30,15 +30,13 @@ public:
     // left in favour of the warning.
     bool AskEmbedded(const PinLibrary& library, const PwdRuleArgs& rules, bool bLastTry,
                      const std::string& strReader, bool bAskCurrentPin) {
-        const mvp::ModuleHandle embed = LoadOwnModule("pinhost_embed.dll");
-        decltype(&::PinHostChangePinEmbedded) pChangePin = nullptr;
-        Find(embed, "PinHostChangePinEmbedded", pChangePin);
+        const FlowLibrary flows;
         if (bLastTry && library.DisplayLastPINTry(strReader.c_str()) != MVPINGUI_OK)
             return false;
         const PinHostChangePin request{&rules,          strReader.c_str(), bAskCurrentPin,
                                        m_newPin.data(), &m_cbNewPin,       m_oldPin.data(),
                                        &m_cbOldPin};
-        return pChangePin(&request) == MVPINGUI_OK;
+        return flows.ChangePinEmbedded(&request) == MVPINGUI_OK;
     }
 
     std::span<const char> NewPin() const { return {m_newPin.data(), m_cbNewPin}; }

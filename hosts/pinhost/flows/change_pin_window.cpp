@@ -1,8 +1,7 @@
-#include "pinhost/embed/change_pin_window.h"
+#include "pinhost/flows/change_pin_window.h"
 
 #include <windows.h>
 
-#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -11,8 +10,8 @@
 #include <mvpingui/mvpingui.h>
 #include <vkevtsub/vkevtsub.h>
 
-#include "pinhost/embed/embed_resources.h"
-#include "platform/barrier.h"
+#include "pinhost/flows/flow_resources.h"
+#include "platform/own_module.h"
 
 namespace {
 
@@ -47,7 +46,7 @@ public:
             DestroyWindow();
     }
 
-    INT_PTR DoModal() override { return RunModalFrom(GetModuleHandleA("pinhost_embed.dll")); }
+    INT_PTR DoModal() override { return RunModalFrom(mvp::OwnModule()); }
 
 protected:
     BOOL OnInitDialog() override;
@@ -155,12 +154,10 @@ END_MESSAGE_MAP()
 
 }  // namespace
 
-extern "C" std::uint32_t PinHostChangePinEmbedded(const PinHostChangePin* pRequest) {
-    return mvp::Guarded(
-        MVPINGUI_REFUSED,
-        [pRequest] {
-            CChangePinWindow window(*pRequest);
-            return window.DoModal() == IDOK ? MVPINGUI_OK : MVPINGUI_REFUSED;
-        },
-        [] { std::fputs("pinhost_embed: the window failed\n", stderr); });
+namespace pinhost {
+
+bool ChangePinEmbedded(const PinHostChangePin& request) {
+    return CChangePinWindow(request).DoModal() == IDOK;
 }
+
+}  // namespace pinhost

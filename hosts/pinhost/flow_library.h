@@ -1,0 +1,26 @@
+// The module of the flows that need the PIN library's exported classes, for as long as one runs.
+//
+//     const FlowLibrary flows;
+//     flows.ChangePinEmbedded(&request);
+#pragma once
+
+#include "pinhost/flows/flows.h"
+#include "pinhost/pin_library.h"
+
+namespace pinhost {
+
+class FlowLibrary {
+public:
+    // Loads the module; the PIN library is there already. Throws EnvironmentError.
+    FlowLibrary() : m_module(LoadOwnModule("pinhost_flows.dll")) {
+        Find(m_module, "PinHostChangePinEmbedded", ChangePinEmbedded);
+    }
+
+private:
+    mvp::ModuleHandle m_module;
+
+public:
+    decltype(&::PinHostChangePinEmbedded) ChangePinEmbedded = nullptr;
+};
+
+}  // namespace pinhost
