@@ -36,7 +36,6 @@ public:
     void CheckCapsLockMessage();
 
 protected:
-    void PreSubclassWindow() override;
     LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     afx_msg void OnDestroy();
@@ -77,6 +76,8 @@ private:
     bool m_bPinMode = true;
     // The text changes for the edit's own sake: nobody is told.
     bool m_bScrubbing = false;
+    // There is room for what is typed.
+    bool m_bPrepared = false;
     // What the system asks for in wide characters must outlive the answer.
     wchar_t m_szWideWarning[kTextSize]{};
 };

@@ -62,6 +62,23 @@ void Widen(const char* pszText, wchar_t (&wide)[Size]) {
     wide[Size - 1] = L'\0';
 }
 
+// Whether the control may put text into itself.
+bool InsertsText(UINT message) {
+    switch (message) {
+        case WM_CHAR:
+        case WM_UNICHAR:
+        case WM_IME_CHAR:
+        case WM_IME_STARTCOMPOSITION:
+        case WM_IME_COMPOSITION:
+        case WM_PASTE:
+        case WM_SETTEXT:
+        case EM_REPLACESEL:
+            return true;
+        default:
+            return false;
+    }
+}
+
 // Whether the control is certain to delete what is selected.
 bool DeletesSelection(UINT message, WPARAM wParam) {
     constexpr WPARAM kDeleteWord = 0x7F;  // the character of Ctrl+Backspace, which is ignored
@@ -113,15 +130,6 @@ bool CCapsLockSensitiveEdit::ReadSecret(CString& strSecret) const {
                         });
 }
 
-void CCapsLockSensitiveEdit::PreSubclassWindow() {
-    CEdit::PreSubclassWindow();
-    if (GetWindowTextLength() != 0)
-        return;
-    m_bScrubbing = true;
-    mvp::PrepareEditForSecret(m_hWnd);
-    m_bScrubbing = false;
-}
-
 void CCapsLockSensitiveEdit::OnDestroy() {
     m_bScrubbing = true;
     mvp::ScrubEdit(m_hWnd);
@@ -134,6 +142,13 @@ LRESULT CCapsLockSensitiveEdit::DefWindowProc(UINT message, WPARAM wParam, LPARA
         return CEdit::DefWindowProc(message, wParam, lParam);
     m_bScrubbing = true;
     bool bScrubbed = false;
+    // Not before there is something to keep: it takes the system longer than all else that a dialog
+    // does to open.
+    if (!m_bPrepared && InsertsText(message)) {
+        m_bPrepared = true;
+        if (GetWindowTextLength() == 0)
+            mvp::PrepareEditForSecret(m_hWnd);
+    }
     if (message == WM_SETTEXT)
         mvp::ScrubEdit(m_hWnd);
     else if (DeletesSelection(message, wParam) && (GetStyle() & ES_READONLY) == 0)
