@@ -69,8 +69,8 @@ private:
     void SetPreventSamePIN(bool bShow, bool bSatisfied);
     void SetAlphaPIN(bool bShow, bool bSatisfied);
     void SetConfirmPIN(bool bSatisfied);
-    void UpdateLine(CStatic& text, int nIconControl, const CString& strText, bool bShow,
-                    bool bSatisfied);
+    bool LacksText(mvp::PinRule rule);
+    void ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool bSatisfied);
     void SetPolicyIcon(CWnd* pIconControl, HICON hIcon);
     void PutPoliciesInBox();
 
@@ -89,6 +89,7 @@ private:
     bool m_bPreventWeakPIN = false;
     bool m_bPreventAlphaPIN = false;
     bool m_bPreventSamePIN = false;
+    unsigned m_nTextsSet = 0;  // a bit for each line that has its text
     CWnd* m_pParent;
     // Shared icons of the resource module: never destroyed.
     HICON m_hSatisfied;

@@ -187,51 +187,58 @@ bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
 
 void VKPoliciesDlg::SetMinPINLen(int nMin, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMinPINLen");
-    UpdateLine(m_minText, IDC_POLICIES_MIN_ICON, FormatLength(IDS_POLICIES_MIN_FORMAT, nMin), bShow,
-               bSatisfied);
+    if (LacksText(mvp::PinRule::MinLength))
+        m_minText.SetWindowText(FormatLength(IDS_POLICIES_MIN_FORMAT, nMin));
+    ShowLine(m_minText, mvp::PinRule::MinLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetMaxPINLen(int nMax, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMaxPINLen");
-    UpdateLine(m_maxText, IDC_POLICIES_MAX_ICON, FormatLength(IDS_POLICIES_MAX_FORMAT, nMax), bShow,
-               bSatisfied);
+    if (LacksText(mvp::PinRule::MaxLength))
+        m_maxText.SetWindowText(FormatLength(IDS_POLICIES_MAX_FORMAT, nMax));
+    ShowLine(m_maxText, mvp::PinRule::MaxLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetWeakPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetWeakPIN");
-    UpdateLine(m_weakText, IDC_POLICIES_WEAK_ICON, mvp::ResourceString(IDS_POLICIES_WEAK), bShow,
-               bSatisfied);
+    if (LacksText(mvp::PinRule::NotWeak))
+        m_weakText.SetWindowText(mvp::ResourceString(IDS_POLICIES_WEAK));
+    ShowLine(m_weakText, mvp::PinRule::NotWeak, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetPreventSamePIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetPreventSamePIN");
-    UpdateLine(m_sameText, IDC_POLICIES_SAME_ICON, mvp::ResourceString(IDS_POLICIES_SAME), bShow,
-               bSatisfied);
+    if (LacksText(mvp::PinRule::NotSame))
+        m_sameText.SetWindowText(mvp::ResourceString(IDS_POLICIES_SAME));
+    ShowLine(m_sameText, mvp::PinRule::NotSame, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetAlphaPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetAlphaPIN");
-    UpdateLine(m_alphaText, IDC_POLICIES_ALPHA_ICON, mvp::ResourceString(IDS_POLICIES_ALPHA), bShow,
-               bSatisfied);
+    if (LacksText(mvp::PinRule::DigitsOnly))
+        m_alphaText.SetWindowText(mvp::ResourceString(IDS_POLICIES_ALPHA));
+    ShowLine(m_alphaText, mvp::PinRule::DigitsOnly, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetConfirmPIN(bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetConfirmPIN");
-    UpdateLine(m_confirmText, IDC_POLICIES_CONFIRM_ICON, mvp::ResourceString(IDS_POLICIES_CONFIRM),
-               true, bSatisfied);
+    if (LacksText(mvp::PinRule::Confirmation))
+        m_confirmText.SetWindowText(mvp::ResourceString(IDS_POLICIES_CONFIRM));
+    ShowLine(m_confirmText, mvp::PinRule::Confirmation, true, bSatisfied);
 }
 
-void VKPoliciesDlg::UpdateLine(CStatic& text, int nIconControl, const CString& strText, bool bShow,
-                               bool bSatisfied) {
-    if (text.m_hWnd != nullptr) {
-        CString current;
-        text.GetWindowText(current);
-        // A text that is set again is painted again, which flickers while the user types.
-        if (current != strText)
-            text.SetWindowText(strText);
-        mvp::ShowIf(text, bShow);
-    }
-    CWnd* pIcon = m_hWnd != nullptr ? GetDlgItem(nIconControl) : nullptr;
+// The card's rules do not change, so neither do the texts: a line is given its own once. Not anew
+// with each check: setting a text paints it, which flickers while the user types.
+bool VKPoliciesDlg::LacksText(mvp::PinRule rule) {
+    const unsigned nBit = 1U << mvp::IndexOf(rule);
+    const bool bLacks = m_hWnd != nullptr && (m_nTextsSet & nBit) == 0;
+    m_nTextsSet |= bLacks ? nBit : 0;
+    return bLacks;
+}
+
+void VKPoliciesDlg::ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool bSatisfied) {
+    mvp::ShowIf(text, bShow);
+    CWnd* pIcon = m_hWnd != nullptr ? GetDlgItem(kLines.at(mvp::IndexOf(rule)).nIcon) : nullptr;
     if (pIcon != nullptr)
         mvp::ShowIf(*pIcon, bShow);
     if (bShow)

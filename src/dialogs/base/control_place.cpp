@@ -38,7 +38,7 @@ void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> co
 }
 
 void ShowIf(CWnd& window, bool bShow) {
-    if (((window.GetStyle() & WS_VISIBLE) != 0) != bShow)
+    if (window.m_hWnd != nullptr && ((window.GetStyle() & WS_VISIBLE) != 0) != bShow)
         window.ShowWindow(bShow ? SW_SHOW : SW_HIDE);
 }
 
