@@ -1,5 +1,5 @@
 // What the recording modules export beside the functions of the modules they stand in for. Tests
-// use the classes over it: LogRecorder, MessageBoxRecorder, PatternRecorder.
+// use the classes over it: LogRecorder, MessageBoxRecorder.
 //
 // A recording module hands every call on to the receiver that was set last; null sets none. Nothing
 // of the language's library crosses the boundary, for every binary has its own.
@@ -30,15 +30,5 @@ struct MessageBoxRecord {
 };
 using MessageBoxReceiver = int (*)(void* pContext, const MessageBoxRecord& record);
 using MessageBoxRecordTo = void (*)(MessageBoxReceiver receiver, void* pContext);
-
-// mvcext.dll exports "MvcextRecordTo".
-struct PatternRecord {
-    const char* pszPattern;
-    bool bIgnoreCase;
-    const char* pszText;
-    bool bMatched;
-};
-using PatternReceiver = void (*)(void* pContext, const PatternRecord& record);
-using PatternRecordTo = void (*)(PatternReceiver receiver, void* pContext);
 
 }  // namespace mvp::test
