@@ -8,8 +8,11 @@
 
 namespace mvp::test {
 
-CapsLock::CapsLock(bool bOn) : m_bBefore(IsOn()) {
-    Set(bOn);
+CapsLock::CapsLock(bool bOn) {
+    if (m_bBefore != bOn)
+        SendKey(VK_CAPITAL);
+    if (!WaitFor(std::chrono::seconds(5), [=] { return IsOn() == bOn; }))
+        throw std::runtime_error("Caps Lock does not follow its key");
 }
 
 CapsLock::~CapsLock() {
@@ -22,14 +25,6 @@ bool CapsLock::IsOn() {
     MSG message = {};
     PeekMessageA(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_NOREMOVE);
     return (GetKeyState(VK_CAPITAL) & 1) != 0;
-}
-
-void CapsLock::Set(bool bOn) {
-    if (IsOn() == bOn)
-        return;
-    SendKey(VK_CAPITAL);
-    if (!WaitFor(std::chrono::seconds(5), [bOn] { return IsOn() == bOn; }))
-        throw std::runtime_error("Caps Lock does not follow its key");
 }
 
 }  // namespace mvp::test

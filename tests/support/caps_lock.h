@@ -13,12 +13,10 @@ public:
     CapsLock& operator=(const CapsLock&) = delete;
     ~CapsLock();
 
-    // Presses the key if need be.
-    static void Set(bool bOn);
     static bool IsOn();
 
 private:
-    bool m_bBefore;
+    bool m_bBefore = IsOn();
 };
 
 }  // namespace mvp::test

@@ -2,16 +2,15 @@
 
 #include <utility>
 
-#include "support/recording/recording.h"
 #include "support/recording/recording_module.h"
 
 namespace mvp::test {
 namespace {
 
-MessageBoxRecordTo RecordTo() {
-    static const auto function =
+void RecordTo(MessageBoxReceiver receiver, void* pContext) {
+    static const auto s_recordTo =
         RecordingFunction<MessageBoxRecordTo>("vkerrmes.dll", "VKErrMesRecordTo");
-    return function;
+    s_recordTo(receiver, pContext);
 }
 
 std::string TextOrNone(const char* pszText) {
@@ -22,11 +21,21 @@ std::string TextOrNone(const char* pszText) {
 
 MessageBoxRecorder::MessageBoxRecorder() {
     SetAnswer(1);
-    RecordTo()(&MessageBoxRecorder::Receive, this);
+    RecordTo(
+        [](void* pContext, const MessageBoxArguments& arguments, const char* pszText,
+           const char* pszReader) {
+            auto& recorder = *static_cast<MessageBoxRecorder*>(pContext);
+            const MessageBoxCall call{arguments, TextOrNone(pszText), TextOrNone(pszReader)};
+            recorder.m_calls.push_back(call);
+            // The function may set another answer, and may lead to another box.
+            const auto answer = recorder.m_answer;
+            return answer(call);
+        },
+        this);
 }
 
 MessageBoxRecorder::~MessageBoxRecorder() {
-    RecordTo()(nullptr, nullptr);
+    RecordTo(nullptr, nullptr);
 }
 
 void MessageBoxRecorder::SetAnswer(int nAnswer) {
@@ -35,23 +44,6 @@ void MessageBoxRecorder::SetAnswer(int nAnswer) {
 
 void MessageBoxRecorder::SetAnswer(std::function<int(const MessageBoxCall&)> answer) {
     m_answer = std::move(answer);
-}
-
-int MessageBoxRecorder::Receive(void* pContext, const MessageBoxRecord& record) {
-    MessageBoxRecorder& recorder = *static_cast<MessageBoxRecorder*>(pContext);
-    const MessageBoxCall call = {record.bWithParentAndReader,
-                                 record.hParent,
-                                 record.nMessageType,
-                                 TextOrNone(record.pszText),
-                                 record.nButtons,
-                                 record.nIcon,
-                                 record.nFlags,
-                                 record.pReserved,
-                                 TextOrNone(record.pszReader)};
-    recorder.m_calls.push_back(call);
-    // The function may set another answer, and may lead to another box.
-    const auto answer = recorder.m_answer;
-    return answer(call);
 }
 
 }  // namespace mvp::test

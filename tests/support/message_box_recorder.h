@@ -16,20 +16,13 @@
 #include <string>
 #include <vector>
 
+#include "support/recording/recording.h"
+
 namespace mvp::test {
 
-struct MessageBoxRecord;
-
-// The arguments of a call. Null texts are recorded as empty ones.
-struct MessageBoxCall {
-    bool bWithParentAndReader;  // VKErrMesDisplayExWithParentParamAndReader, not VKErrMesDisplayEx
-    HWND hParent;
-    int nMessageType;
+// Null texts are recorded as empty ones.
+struct MessageBoxCall : MessageBoxArguments {
     std::string strText;
-    UINT nButtons;
-    UINT nIcon;
-    UINT nFlags;
-    const void* pReserved;
     std::string strReader;
 };
 
@@ -49,8 +42,6 @@ public:
     void Clear() { m_calls.clear(); }
 
 private:
-    static int Receive(void* pContext, const MessageBoxRecord& record);
-
     std::vector<MessageBoxCall> m_calls;
     std::function<int(const MessageBoxCall&)> m_answer;
 };

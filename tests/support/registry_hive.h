@@ -13,10 +13,8 @@
 
 #include <windows.h>
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/handle.h"
 
@@ -31,7 +29,7 @@ public:
 
     // Each makes the key when it is missing. Paths are relative to the root. The default value has
     // no name.
-    void CreateKey(const std::string& strPath);
+    void CreateKey(const std::string& strPath) { Open(strPath); }
     void SetString(const std::string& strPath, const std::string& strName, std::string_view text);
     void SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue);
     // A string value whose stored bytes end with the text: no terminator.

@@ -2,6 +2,7 @@
 // program runs, or its finding nothing else would mean nothing.
 #include <cstdlib>
 
+#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include "support/memory_scan.h"
@@ -10,7 +11,6 @@ namespace mvp::test {
 namespace {
 
 TEST(ScanControl, FindsWhatIsLeftInFreedBlocks) {
-    const HANDLE hProcessHeap = GetProcessHeap();
     for (const bool bWide : {false, true}) {
         const size_t nLength = Secret::kLength * (bWide ? 2 : 1);
         // A PIN buffer, a string, the edits' block.
@@ -22,12 +22,27 @@ TEST(ScanControl, FindsWhatIsLeftInFreedBlocks) {
             EXPECT_FALSE(ScanOwnMemory(inRuntimeHeap).empty()) << nSize;
 
             const Secret inProcessHeap;
-            pBlock = HeapAlloc(hProcessHeap, 0, nSize);
+            pBlock = HeapAlloc(GetProcessHeap(), 0, nSize);
             inProcessHeap.CopyTo(pBlock, bWide);
-            HeapFree(hProcessHeap, 0, pBlock);
+            HeapFree(GetProcessHeap(), 0, pBlock);
             EXPECT_FALSE(ScanOwnMemory(inProcessHeap).empty()) << nSize;
         }
     }
+}
+
+TEST(ScanControl, WatchFailsOverWhatWasFreedAndWhatIsLeft) {
+    const Secret secret;
+    const size_t nSize = Secret::kLength;
+    void* pBlock = HeapAlloc(GetProcessHeap(), 0, nSize);
+    secret.CopyTo(pBlock);
+    EXPECT_NONFATAL_FAILURE(SecretWatch({&secret}).ExpectNothingLeft("kept"),
+                            "kept, secret 1: characters 1 to 40, 8-bit");
+    const SecretWatch watch({&secret});
+    // Gives the block back and gets it again.
+    pBlock = HeapReAlloc(GetProcessHeap(), 0, pBlock, nSize);
+    SecureZeroMemory(pBlock, nSize);
+    HeapFree(GetProcessHeap(), 0, pBlock);
+    EXPECT_NONFATAL_FAILURE(watch.ExpectNothingLeft("freed"), "freed: pieces in blocks that");
 }
 
 }  // namespace
