@@ -63,7 +63,11 @@ RECT Dialog::Rect(int nId) const {
 }
 
 LRESULT Dialog::Send(int nId, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
-    return m_driver.Send(Control(nId), nMessage, wParam, lParam);
+    DWORD_PTR dwResult = 0;
+    if (SendMessageTimeoutA(Control(nId), nMessage, wParam, lParam, SMTO_ABORTIFHUNG,
+                            static_cast<UINT>(m_driver.m_deadline.count()), &dwResult) == 0)
+        throw DriverFailure("no answer to message " + std::to_string(nMessage));
+    return static_cast<LRESULT>(dwResult);
 }
 
 HWND Dialog::FocusedControl() const {
@@ -189,7 +193,8 @@ void Dialog::WaitUntil(const std::string& strWhat, const std::function<bool()>& 
 }
 
 void Dialog::WaitGone() const {
-    m_driver.WaitGone(m_hWnd);
+    WaitUntil("the dialog \"" + Title() + "\" has gone", [this] { return !IsOpen(); });
+    m_driver.m_inHand.erase(m_hWnd);
 }
 
 Dialog Dialog::Next(const DialogMatch& match) {

@@ -6,6 +6,7 @@
 
 #include "common/thread_windows.h"
 #include "platform/barrier.h"
+#include "support/waiting.h"
 
 namespace mvp::test {
 namespace {
@@ -94,20 +95,11 @@ void DialogDriver::Fail(const std::string& strReason) {
     ADD_FAILURE() << "dialog driver: " << strReason;
 }
 
-LRESULT DialogDriver::Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
-    DWORD_PTR dwResult = 0;
-    if (SendMessageTimeoutA(hWnd, nMessage, wParam, lParam, SMTO_ABORTIFHUNG,
-                            static_cast<UINT>(m_deadline.count()), &dwResult) == 0)
-        throw DriverFailure("no answer to message " + std::to_string(nMessage) + " within " +
-                            InMilliseconds(m_deadline));
-    return static_cast<LRESULT>(dwResult);
-}
-
 void DialogDriver::WaitUntil(const std::string& strWhat,
                              const std::function<bool()>& condition) const {
     if (!WaitFor(m_deadline, condition))
-        throw DriverFailure("waited " + InMilliseconds(m_deadline) + " until " + strWhat +
-                            "; open are: " + DescribeWindows());
+        throw DriverFailure("waited " + std::to_string(m_deadline.count()) + " ms until " +
+                            strWhat + "; open are: " + DescribeWindows());
 }
 
 Dialog DialogDriver::WaitForDialog(const DialogMatch& match) {
@@ -135,11 +127,6 @@ bool DialogDriver::IsReady(HWND hWnd, const DialogMatch& match) const {
            SendMessageTimeoutA(hWnd, WM_NULL, 0, 0, SMTO_ABORTIFHUNG,
                                static_cast<UINT>(m_deadline.count()), &dwResult) != 0 &&
            isWanted();
-}
-
-void DialogDriver::WaitGone(HWND hWnd) {
-    WaitUntil("the dialog \"" + TitleOf(hWnd) + "\" has gone", [=] { return IsGone(hWnd); });
-    m_inHand.erase(hWnd);
 }
 
 std::vector<HWND> DialogDriver::OpenDialogs() const {

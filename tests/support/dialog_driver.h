@@ -34,6 +34,7 @@
 #include <concepts>
 #include <functional>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -41,9 +42,13 @@
 
 #include "support/dialog.h"
 #include "support/ui_thread.h"
-#include "support/waiting.h"
 
 namespace mvp::test {
+
+// Why a driver gave up. Thrown and caught inside the driver's thread.
+struct DriverFailure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 using Script = std::function<void(Dialog&)>;
 
@@ -69,8 +74,6 @@ public:
     explicit DialogDriver(std::chrono::milliseconds deadline, Steps&&... steps)
         : DialogDriver(deadline, std::vector<Step>{Step(std::forward<Steps>(steps))...}) {}
     DialogDriver(std::chrono::milliseconds deadline, std::vector<Step> steps);
-    DialogDriver(const DialogDriver&) = delete;
-    DialogDriver& operator=(const DialogDriver&) = delete;
     ~DialogDriver() { Join(); }
 
     // Waits until every script has run; the destructor does it too. The thread's messages are
@@ -91,11 +94,9 @@ private:
     void RunSteps(const std::vector<Step>& steps);
     void CancelWhatIsOpen();
     void Fail(const std::string& strReason);
-    LRESULT Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const;
     void WaitUntil(const std::string& strWhat, const std::function<bool()>& condition) const;
     // A dialog that is not yet in hand, initialised and ready for input.
     Dialog WaitForDialog(const DialogMatch& match);
-    void WaitGone(HWND hWnd);
     bool IsReady(HWND hWnd, const DialogMatch& match) const;
     std::vector<HWND> OpenDialogs() const;
     std::string DescribeWindows() const;

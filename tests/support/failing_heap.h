@@ -18,8 +18,6 @@ namespace mvp::test {
 class FailingHeap {
 public:
     explicit FailingHeap(const char* pszModule);
-    FailingHeap(const FailingHeap&) = delete;
-    FailingHeap& operator=(const FailingHeap&) = delete;
     ~FailingHeap() { Stop(); }
 
     // The allocation after the next `nSuccesses` that ask for `cbLeast` bytes or more.

@@ -6,17 +6,9 @@
 #include "support/recording/recording_module.h"
 
 namespace mvp::test {
-namespace {
-
-void RecordTo(LogReceiver receiver, void* pContext) {
-    static const auto s_recordTo = RecordingFunction<LogRecordTo>("vklog.dll", "vklogRecordTo");
-    s_recordTo(receiver, pContext);
-}
-
-}  // namespace
 
 LogRecorder::LogRecorder() {
-    RecordTo(
+    RecordingFunction<LogRecordTo>("vklog.dll", "vklogRecordTo")(
         [](void* pContext, const char* pszTag, int nLevel, const char* pszText) {
             auto& recorder = *static_cast<LogRecorder*>(pContext);
             const std::lock_guard lock(recorder.m_lock);
@@ -26,7 +18,7 @@ LogRecorder::LogRecorder() {
 }
 
 LogRecorder::~LogRecorder() {
-    RecordTo(nullptr, nullptr);
+    RecordingFunction<LogRecordTo>("vklog.dll", "vklogRecordTo")(nullptr, nullptr);
 }
 
 void LogRecorder::Clear() {

@@ -26,8 +26,6 @@ struct RecordedLine {
 class LogRecorder {
 public:
     LogRecorder();
-    LogRecorder(const LogRecorder&) = delete;
-    LogRecorder& operator=(const LogRecorder&) = delete;
     ~LogRecorder();
 
     void Clear();

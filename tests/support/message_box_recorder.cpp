@@ -1,17 +1,9 @@
 #include "support/message_box_recorder.h"
 
-#include <utility>
-
 #include "support/recording/recording_module.h"
 
 namespace mvp::test {
 namespace {
-
-void RecordTo(MessageBoxReceiver receiver, void* pContext) {
-    static const auto s_recordTo =
-        RecordingFunction<MessageBoxRecordTo>("vkerrmes.dll", "VKErrMesRecordTo");
-    s_recordTo(receiver, pContext);
-}
 
 std::string TextOrNone(const char* pszText) {
     return pszText != nullptr ? pszText : "";
@@ -21,7 +13,7 @@ std::string TextOrNone(const char* pszText) {
 
 MessageBoxRecorder::MessageBoxRecorder() {
     SetAnswer(1);
-    RecordTo(
+    RecordingFunction<MessageBoxRecordTo>("vkerrmes.dll", "VKErrMesRecordTo")(
         [](void* pContext, const MessageBoxArguments& arguments, const char* pszText,
            const char* pszReader) {
             auto& recorder = *static_cast<MessageBoxRecorder*>(pContext);
@@ -35,15 +27,7 @@ MessageBoxRecorder::MessageBoxRecorder() {
 }
 
 MessageBoxRecorder::~MessageBoxRecorder() {
-    RecordTo(nullptr, nullptr);
-}
-
-void MessageBoxRecorder::SetAnswer(int nAnswer) {
-    m_answer = [nAnswer](const MessageBoxCall&) { return nAnswer; };
-}
-
-void MessageBoxRecorder::SetAnswer(std::function<int(const MessageBoxCall&)> answer) {
-    m_answer = std::move(answer);
+    RecordingFunction<MessageBoxRecordTo>("vkerrmes.dll", "VKErrMesRecordTo")(nullptr, nullptr);
 }
 
 }  // namespace mvp::test

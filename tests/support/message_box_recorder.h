@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/recording/recording.h"
@@ -34,9 +35,13 @@ public:
     ~MessageBoxRecorder();
 
     // What every box is answered from now on. 1, the accepting answer, at first.
-    void SetAnswer(int nAnswer);
+    void SetAnswer(int nAnswer) {
+        m_answer = [nAnswer](const MessageBoxCall&) { return nAnswer; };
+    }
     // The same by a function, which may also do what a test wants to happen while a box is open.
-    void SetAnswer(std::function<int(const MessageBoxCall&)> answer);
+    void SetAnswer(std::function<int(const MessageBoxCall&)> answer) {
+        m_answer = std::move(answer);
+    }
 
     const std::vector<MessageBoxCall>& Calls() const { return m_calls; }
     void Clear() { m_calls.clear(); }

@@ -40,20 +40,6 @@ RegistryKey RegistryHive::Open(const std::string& strPath) {
     return CreateVolatile(m_root.get(), strPath);
 }
 
-void RegistryHive::SetString(const std::string& strPath, const std::string& strName,
-                             std::string_view text) {
-    SetRaw(strPath, strName, REG_SZ, std::string(text) + '\0');
-}
-
-void RegistryHive::SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue) {
-    SetRaw(strPath, strName, REG_DWORD, {reinterpret_cast<const char*>(&dwValue), sizeof dwValue});
-}
-
-void RegistryHive::SetUnterminated(const std::string& strPath, const std::string& strName,
-                                   std::string_view text) {
-    SetRaw(strPath, strName, REG_SZ, text);
-}
-
 void RegistryHive::SetRaw(const std::string& strPath, const std::string& strName, DWORD dwType,
                           std::string_view bytes) {
     const void* pData = bytes.data();

@@ -1,9 +1,8 @@
 // Part of every program that scans for secrets: what is left behind on purpose is found where the
 // program runs, or its finding nothing else would mean nothing.
-#include <cstdlib>
-
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "support/memory_scan.h"
 
@@ -11,23 +10,18 @@ namespace mvp::test {
 namespace {
 
 TEST(ScanControl, FindsWhatIsLeftInFreedBlocks) {
-    for (const bool bWide : {false, true}) {
-        const size_t nLength = Secret::kLength * (bWide ? 2 : 1);
-        // A PIN buffer, a string, the edits' block.
-        for (const size_t nSize : {nLength, nLength + 8, size_t{1026}}) {
-            const Secret inRuntimeHeap;
-            void* pBlock = std::malloc(nSize);
-            inRuntimeHeap.CopyTo(pBlock, bWide);
-            std::free(pBlock);
-            EXPECT_FALSE(ScanOwnMemory(inRuntimeHeap).empty()) << nSize;
-
-            const Secret inProcessHeap;
-            pBlock = HeapAlloc(GetProcessHeap(), 0, nSize);
-            inProcessHeap.CopyTo(pBlock, bWide);
-            HeapFree(GetProcessHeap(), 0, pBlock);
-            EXPECT_FALSE(ScanOwnMemory(inProcessHeap).empty()) << nSize;
+    for (auto* const hHeap : {reinterpret_cast<HANDLE>(_get_heap_handle()), GetProcessHeap()})
+        for (const bool bWide : {false, true}) {
+            const size_t nLength = Secret::kLength * (bWide ? 2 : 1);
+            // A PIN buffer, a string, the edits' block.
+            for (const size_t nSize : {nLength, nLength + 8, size_t{1026}}) {
+                const Secret secret;
+                void* pBlock = HeapAlloc(hHeap, 0, nSize);
+                secret.CopyTo(pBlock, bWide);
+                HeapFree(hHeap, 0, pBlock);
+                EXPECT_FALSE(ScanOwnMemory(secret).empty()) << nSize;
+            }
         }
-    }
 }
 
 TEST(ScanControl, WatchFailsOverWhatWasFreedAndWhatIsLeft) {

@@ -1,9 +1,12 @@
 #include "support/ui_thread.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 
+#include <gtest/gtest.h>
+
 #include "platform/barrier.h"
-#include "support/waiting.h"
 
 namespace mvp::test {
 namespace {
@@ -28,26 +31,35 @@ LRESULT CALLBACK WindowProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lPar
 
 }  // namespace
 
+void EndTestProcess(const std::string& strReason) {
+    ADD_FAILURE() << strReason << "; the process is ended";
+    std::fflush(nullptr);
+    // Not exit(): it would wait for the very threads that hang.
+    TerminateProcess(GetCurrentProcess(), 3);
+    std::abort();
+}
+
 UiThread::UiThread()
-    : m_hWnd(CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
-                             nullptr)) {
-    SetWindowLongPtrA(m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&WindowProc));
+    : m_window(CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                               nullptr)) {
+    SetWindowLongPtrA(m_window.get(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&WindowProc));
 }
 
 void UiThread::Run(const std::function<void()>& work, std::chrono::milliseconds timeout) {
     Work item{work, nullptr};
     DWORD_PTR dwResult = 0;
     // The thread may have begun with the work, which refers to this frame: there is no way back.
-    if (SendMessageTimeoutA(m_hWnd, kRunMessage, 0, reinterpret_cast<LPARAM>(&item),
+    if (SendMessageTimeoutA(m_window.get(), kRunMessage, 0, reinterpret_cast<LPARAM>(&item),
                             SMTO_ABORTIFHUNG, static_cast<UINT>(timeout.count()), &dwResult) == 0)
-        EndTestProcess("the dialog's thread did no work within " + InMilliseconds(timeout));
+        EndTestProcess("the dialog's thread did no work for " + std::to_string(timeout.count()) +
+                       " ms");
     if (item.error)
         std::rethrow_exception(item.error);
 }
 
 std::function<bool()> UiThread::PostMark() {
     const WPARAM nMark = ++m_nPosted;
-    PostMessageA(m_hWnd, kMarkMessage, nMark, reinterpret_cast<LPARAM>(&m_nReached));
+    PostMessageA(m_window.get(), kMarkMessage, nMark, reinterpret_cast<LPARAM>(&m_nReached));
     return [this, nMark] { return m_nReached >= nMark; };
 }
 

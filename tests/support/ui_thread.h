@@ -1,8 +1,8 @@
 // A way into the thread that owns the dialogs: work done there, and proof that it has got round to
 // what was posted to it.
 //
-// Constructed on the user-interface thread, used from one other. It answers whenever the
-// user-interface thread takes messages, inside whatever modal loop that may be.
+// Constructed and destroyed on the user-interface thread, used from one other. It answers whenever
+// the user-interface thread takes messages, inside whatever modal loop that may be.
 #pragma once
 
 #include <windows.h>
@@ -10,15 +10,19 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <string>
+
+#include "platform/handle.h"
 
 namespace mvp::test {
+
+// For when a test cannot even be failed in good order: reports the reason as a failure of the test
+// that is running and ends the process with exit code 3.
+[[noreturn]] void EndTestProcess(const std::string& strReason);
 
 class UiThread {
 public:
     UiThread();
-    UiThread(const UiThread&) = delete;
-    UiThread& operator=(const UiThread&) = delete;
-    ~UiThread() { DestroyWindow(m_hWnd); }  // on the user-interface thread
 
     DWORD Id() const { return m_dwThreadId; }
 
@@ -31,8 +35,14 @@ public:
     std::function<bool()> PostMark();
 
 private:
+    struct WindowTraits {
+        using Handle = HWND;
+        static Handle None() noexcept { return nullptr; }
+        static void Close(Handle handle) noexcept { DestroyWindow(handle); }
+    };
+
     DWORD m_dwThreadId = GetCurrentThreadId();
-    HWND m_hWnd;
+    UniqueHandle<WindowTraits> m_window;
     WPARAM m_nPosted = 0;
     std::atomic<WPARAM> m_nReached = 0;
 };

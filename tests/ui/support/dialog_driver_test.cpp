@@ -112,9 +112,8 @@ TEST(DialogDriver, DrivesDialogsInARowAndOneOverAnother) {
     EXPECT_EQ(second.strTyped, "1234");
 }
 
-TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanel) {
-    PlainDialog plain;
-    DialogDriver driver([](Dialog& dialog) {
+TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanelAndRunsWorkThere) {
+    DialogDriver driver([dwTestThread = GetCurrentThreadId()](Dialog& dialog) {
         EXPECT_EQ(dialog.FocusedId(), kEdit);
         dialog.Tab();
         EXPECT_EQ(dialog.FocusedId(), kAsk);
@@ -124,19 +123,12 @@ TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanel) {
         EXPECT_EQ(dialog.FocusedId(), kPanelCheck);
         EXPECT_TRUE(dialog.IsChecked(kPanelCheck));
         EXPECT_GT(dialog.Rect(kPanelCheck).top, dialog.Rect(kAsk).bottom);
-        dialog.RealKey(VK_ESCAPE);
-    });
-    EXPECT_EQ(plain.DoModal(), IDCANCEL);
-}
 
-TEST(DialogDriver, RunsWorkOnTheDialogsThread) {
-    PlainDialog plain;
-    DialogDriver driver([dwTestThread = GetCurrentThreadId()](Dialog& dialog) {
         dialog.Run([=] { EXPECT_EQ(GetCurrentThreadId(), dwTestThread); });
         EXPECT_THROW(dialog.Run([] { throw std::range_error("out"); }), std::range_error);
-        dialog.Cancel();
+        dialog.RealKey(VK_ESCAPE);
     });
-    EXPECT_EQ(plain.DoModal(), IDCANCEL);
+    EXPECT_EQ(PlainDialog().DoModal(), IDCANCEL);
 }
 
 TEST(DialogDriver, FailsWithTheReasonOfAMistakeAndCancelsTheDialog) {

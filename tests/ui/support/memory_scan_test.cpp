@@ -4,6 +4,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 namespace mvp::test {
 namespace {
@@ -12,12 +13,10 @@ char g_module[2 * Secret::kLength];
 
 TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
     const Secret secret;
-    const HANDLE hHeap = GetProcessHeap();
-    void* const blocks[] = {
-        std::malloc(100),
-        std::malloc(3 << 20),
-        HeapAlloc(hHeap, 0, 100),
-    };
+    auto* const hRuntimeHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    void* const pSmall = HeapAlloc(hRuntimeHeap, 0, 100);
+    auto* const pLarge = static_cast<char*>(HeapAlloc(hRuntimeHeap, 0, 3 << 20));
+    void* const pOther = HeapAlloc(GetProcessHeap(), 0, 100);
     auto* const pPages = static_cast<char*>(
         VirtualAlloc(nullptr, 1 << 20, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     char stack[2 * Secret::kLength];
@@ -25,9 +24,9 @@ TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
         void* pPlace;
         const char* pszOwner;
     } places[] = {
-        {blocks[0], " in the C heap"},
-        {static_cast<char*>(blocks[1]) + (2 << 20) + 3, " in the C heap"},
-        {blocks[2], " in the process heap"},
+        {pSmall, " in the C heap"},
+        {pLarge + (2 << 20) + 3, " in the C heap"},
+        {pOther, " in the process heap"},
         {g_module, "memory_scan_test.exe"},
         {stack, " in this thread's stack"},
         // Over the border of two of the scan's pieces.
@@ -49,12 +48,12 @@ TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
             EXPECT_EQ(hits[0].place == MemoryHit::Place::kHeap,
                       strText.find("heap") != std::string::npos);
         }
-    secret.CopyTo(blocks[2]);
-    HeapFree(hHeap, 0, blocks[2]);
+    secret.CopyTo(pOther);
+    HeapFree(GetProcessHeap(), 0, pOther);
     for (const MemoryHit& hit : ScanOwnMemory(secret))
         EXPECT_TRUE(hit.bFreed) << hit;
-    std::free(blocks[0]);
-    std::free(blocks[1]);
+    HeapFree(hRuntimeHeap, 0, pSmall);
+    HeapFree(hRuntimeHeap, 0, pLarge);
     VirtualFree(pPages, 0, MEM_RELEASE);
 }
 

@@ -10,39 +10,32 @@ namespace {
 
 constexpr char kPath[] = "Software\\MvpTestOnly\\Below";
 
-// The value's bytes behind the number of its type.
 std::optional<std::string> Read(const char* pszName) {
     RegistryKey key;
     RegOpenKeyExA(HKEY_LOCAL_MACHINE, kPath, 0, KEY_READ, key.put());
-    DWORD dwType = 0;
-    char buffer[1024];
-    DWORD dwSize = sizeof buffer;
-    if (RegQueryValueExA(key.get(), pszName, nullptr, &dwType, reinterpret_cast<BYTE*>(buffer),
-                         &dwSize) != ERROR_SUCCESS)
+    BYTE bytes[1024];
+    DWORD dwSize = sizeof bytes;
+    if (RegQueryValueExA(key.get(), pszName, nullptr, nullptr, bytes, &dwSize) != ERROR_SUCCESS)
         return std::nullopt;
-    return std::to_string(dwType) + std::string(buffer, dwSize);
+    return std::string(bytes, bytes + dwSize);
 }
 
 TEST(RegistryHive, GivesTheReaderWhatWasSetAndNothingAfterwards) {
+    const std::string strLong(600, 'x');
     {
         RegistryHive hive;
         hive.SetString(kPath, "Text", "abc");
-        hive.SetUnterminated(kPath, "Open", "abc");
-        hive.SetRaw(kPath, "Long", REG_SZ, std::string(600, 'x'));
+        hive.SetUnterminated(kPath, "Open", strLong);
         hive.SetRaw(kPath, "Short", REG_DWORD, "\1\2");
-        hive.SetDword(kPath, "Number", 0x12345678);
-
-        EXPECT_EQ(Read("Text"), std::string("1abc\0", 5));
-        EXPECT_EQ(Read("Open"), "1abc");
-        EXPECT_EQ(Read("Long"), '1' + std::string(600, 'x'));
-        EXPECT_EQ(Read("Short"), "4\1\2");
-        EXPECT_EQ(Read("Number"), "4\x78\x56\x34\x12");
-
+        EXPECT_EQ(Read("Text"), std::string("abc", 4));
+        EXPECT_EQ(Read("Open"), strLong);
+        EXPECT_EQ(Read("Short"), "\1\2");
         hive.DeleteValue(kPath, "Text");
         EXPECT_EQ(Read("Text"), std::nullopt);
         hive.DeleteKey("Software\\MvpTestOnly");
-        EXPECT_EQ(Read("Number"), std::nullopt);
-        hive.SetDword(kPath, "Number", 1);
+        EXPECT_EQ(Read("Open"), std::nullopt);
+        hive.SetDword(kPath, "Number", 0x12345678);
+        EXPECT_EQ(Read("Number"), "\x78\x56\x34\x12");
     }
     EXPECT_EQ(Read("Number"), std::nullopt);
     RegistryHive hive;
