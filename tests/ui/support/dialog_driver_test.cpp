@@ -139,6 +139,7 @@ TEST(DialogDriver, FailsWithTheReasonOfAMistakeAndCancelsTheDialog) {
         {{}, "no script waits for what is open: #32770 \"Plain\""},
         {{Step(Titled("Other"), [](Dialog&) {})}, "#32770 \"Plain\""},
         {{[](Dialog&) {}}, "until the dialog \"Plain\" has gone"},
+        {{[](Dialog& dialog) { dialog.Next(); }}, "until a dialog \"\" opens"},
         {{[](Dialog& dialog) { dialog.Click(9); }}, "no control 9"},
         {{[](Dialog& dialog) { dialog.Click(IDOK); }}, "disabled"},
         {{[](Dialog& dialog) { dialog.Click(kHidden); }}, "hidden"},

@@ -37,6 +37,8 @@ TEST(RegistryHive, GivesTheReaderWhatWasSetAndNothingAfterwards) {
         hive.SetDword(kPath, "Number", 0x12345678);
         EXPECT_EQ(Read("Number"), "\x78\x56\x34\x12");
     }
+    RegistryKey machine;
+    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "Software", 0, KEY_READ, machine.put()), 0);
     EXPECT_EQ(Read("Number"), std::nullopt);
     RegistryHive hive;
     EXPECT_EQ(Read("Number"), std::nullopt);
