@@ -160,8 +160,7 @@ Secret::Secret() {
     std::copy_n(encoded.begin(), kLength, m_encoded.begin());
     m_pieceByFirst.fill(-1);
     for (size_t i = 0; i < kLength; i += kPiece)
-        m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) =
-            static_cast<signed char>(i / kPiece);
+        m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) = static_cast<int>(i / kPiece);
 }
 
 void Secret::CopyTo(void* pTarget, bool bWide) const {

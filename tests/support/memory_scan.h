@@ -57,7 +57,7 @@ private:
     bool IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const;
 
     std::array<char, kLength> m_encoded{};
-    std::array<signed char, 256> m_pieceByFirst{};  // what a character begins, or -1
+    std::array<int, 256> m_pieceByFirst{};  // what a character begins, or -1
 };
 
 struct MemoryHit {
