@@ -23,47 +23,40 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace mvp::test {
 
-class DriverCore;
+class DialogDriver;
 class Secret;
 
-// Which dialog is meant. Every field that is set has to match.
+// Which dialog is meant.
 struct DialogMatch {
-    std::string strClass = "#32770";
-    std::string strTitle;                     // empty: any
-    std::function<bool(HWND)> isWanted;       // empty: any; called on the driver's thread
-    std::string strDescription = "a dialog";  // for the failure text
+    std::string strTitle;  // empty: any
 };
 
-DialogMatch AnyDialog();
-DialogMatch Titled(const std::string& strTitle);
-DialogMatch OfClass(const std::string& strClass);
-DialogMatch WithControl(int nId);
+inline DialogMatch Titled(std::string strTitle) {
+    return {std::move(strTitle)};
+}
 
 class Dialog {
 public:
-    Dialog(DriverCore& core, HWND hWnd) : m_core(core), m_hWnd(hWnd) {}
+    Dialog(DialogDriver& driver, HWND hWnd) : m_driver(driver), m_hWnd(hWnd) {}
 
     HWND Handle() const { return m_hWnd; }
     std::string Title() const;
     bool IsOpen() const { return IsWindow(m_hWnd) != FALSE && IsWindowVisible(m_hWnd) != FALSE; }
     RECT ScreenRect() const;
-    // The visible child dialogs, in z-order.
-    std::vector<Dialog> Panels() const;
 
     // --- Controls ---
     HWND Control(int nId) const;
-    bool Has(int nId) const { return Find(nId) != nullptr; }
     bool IsEnabled(int nId) const { return IsWindowEnabled(Control(nId)) != FALSE; }
     bool IsVisible(int nId) const { return IsWindowVisible(Control(nId)) != FALSE; }
     bool IsChecked(int nId) const { return Send(nId, BM_GETCHECK) == BST_CHECKED; }
     std::string Text(int nId) const;
     RECT Rect(int nId) const;  // in this dialog's client coordinates
-    RECT ScreenRect(int nId) const;
     LRESULT Send(int nId, UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0) const;
+    int FocusedId() const;  // 0: no control has the focus
 
     // --- Acting by messages: fast, and independent of who has the foreground ---
     void Focus(int nId);
@@ -73,7 +66,6 @@ public:
     // Puts `text` on the clipboard and pastes it over the selection.
     void Paste(int nId, std::string_view text);
     void Click(int nId);
-    void ClickAt(int nId, POINT point);  // in the control's client coordinates
     // A key stroke for the control that has the focus. The state of Shift, Ctrl and Alt is not part
     // of a message: strokes with them need RealKey.
     void Press(WORD vk);
@@ -86,35 +78,27 @@ public:
     void RealType(int nId, std::string_view text);
     void RealKey(WORD vk, std::initializer_list<WORD> modifiers = {});
 
-    // --- Focus ---
-    HWND FocusedControl() const;
-    int FocusedId() const;  // 0: no control has it
-
     // --- Waiting ---
     void WaitUntil(const std::string& strWhat, const std::function<bool()>& condition) const;
     void WaitGone() const;
     // The next dialog that the same thread opens, over this one or beside it.
-    Dialog Next(const DialogMatch& match = AnyDialog());
+    Dialog Next(const DialogMatch& match = {});
     // Until the dialog's thread has handled all that was posted to it.
     void Settle() const;
-    // The script may end with this dialog still open.
-    void LeaveOpen();
 
     // Runs `work` on the dialog's own thread, for state that only that thread may touch.
     void Run(const std::function<void()>& work) const;
 
-    // What the screen shows where the dialog stands, as a PNG file.
-    void Screenshot(const std::string& strFile) const;
-
 private:
-    HWND Find(int nId) const;
     HWND Usable(int nId) const;
+    HWND FocusedControl() const;
     template <class Characters>
     void TypeEach(int nId, const Characters& text);
     void Post(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const;
     void BringToForeground() const;
+    void AwaitKeys(bool bSent) const;
 
-    DriverCore& m_core;
+    DialogDriver& m_driver;
     HWND m_hWnd;
 };
 

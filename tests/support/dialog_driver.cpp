@@ -1,38 +1,31 @@
 #include "support/dialog_driver.h"
 
 #include <optional>
-#include <string>
 
 #include <gtest/gtest.h>
 
 #include "common/thread_windows.h"
 #include "platform/barrier.h"
-#include "support/driver_core.h"
 #include "support/waiting.h"
 
 namespace mvp::test {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-// How long a dialog may resist being cancelled before the process is ended.
-constexpr auto kCancelDeadline = std::chrono::seconds(3);
-
-// Handles the calling thread's messages until `handle` is signalled. A WM_QUIT is put back: it is
+// Handles the calling thread's messages as long as `condition` holds. A WM_QUIT is put back: it is
 // meant for whoever reads the thread's messages next.
-void PumpUntil(HANDLE handle) {
+template <class Condition>
+void PumpWhile(Condition condition) {
     std::optional<int> quitCode;
-    while (MsgWaitForMultipleObjects(1, &handle, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0) {
-        MSG message = {};
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            if (message.message == WM_QUIT) {
+    do {
+        constexpr DWORD kLookMs = 2;  // how often the condition is asked
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, kLookMs, QS_ALLINPUT);
+        for (MSG message = {}; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
+            if (message.message == WM_QUIT)
                 quitCode = static_cast<int>(message.wParam);
-                continue;
-            }
             TranslateMessage(&message);
             DispatchMessageA(&message);
         }
-    }
+    } while (condition());
     if (quitCode)
         PostQuitMessage(*quitCode);
 }
@@ -40,90 +33,115 @@ void PumpUntil(HANDLE handle) {
 }  // namespace
 
 DialogDriver::DialogDriver(std::chrono::milliseconds deadline, std::vector<Step> steps)
-    : m_core(std::make_unique<DriverCore>(deadline)),
-      m_scriptsDone(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
-      m_stop(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
-      m_ended(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
-      m_thread([this, steps = std::move(steps)] { Main(steps); }) {}
-
-DialogDriver::~DialogDriver() {
-    Join();
-}
+    : m_deadline(deadline), m_thread([this, steps = std::move(steps)] { Main(steps); }) {}
 
 void DialogDriver::Join() {
     if (!m_thread.joinable())
         return;
-    PumpUntil(m_scriptsDone.get());
-    SetEvent(m_stop.get());
-    PumpUntil(m_ended.get());
+    PumpWhile([this] { return m_phase == Phase::kScripts; });
+    m_phase = Phase::kStop;
+    PumpWhile([this] { return m_phase != Phase::kEnded; });
     m_thread.join();
 }
 
 void DialogDriver::Main(const std::vector<Step>& steps) noexcept {
     Guarded(
-        0,
         [&] {
             try {
                 RunSteps(steps);
             } catch (const std::exception& error) {
                 Fail(error.what());
             }
-            SetEvent(m_scriptsDone.get());
-            WatchUntilStopped();
-            return 0;
+            m_phase = Phase::kWatch;
+            // From here on nobody waits for a dialog: one that opens would keep the test's thread
+            // for ever.
+            for (; m_phase == Phase::kWatch; Sleep(5))
+                CancelWhatIsOpen();
         },
         [] { EndTestProcess("the dialog driver failed"); });
-    SetEvent(m_ended.get());
+    m_phase = Phase::kEnded;
 }
 
 void DialogDriver::RunSteps(const std::vector<Step>& steps) {
     for (const Step& step : steps) {
-        Dialog dialog = m_core->WaitForDialog(step.match);
+        Dialog dialog = WaitForDialog(step.match);
         step.script(dialog);
-        if (testing::Test::HasFatalFailure()) {
-            m_bFailed = true;  // has been reported; the dialog is cancelled now, not waited for
-            return;
-        }
-        if (!m_core->IsLeftOpen(dialog.Handle()))
-            dialog.WaitGone();
+        m_bFailed = testing::Test::HasFatalFailure();
+        if (m_bFailed)
+            return;  // has been reported; the dialog is cancelled now, not waited for
+        dialog.WaitGone();
     }
 }
 
-// From here on nobody waits for a dialog: one that opens would keep the test's thread for ever.
-void DialogDriver::WatchUntilStopped() {
-    while (WaitForSingleObject(m_stop.get(), 5) == WAIT_TIMEOUT) {
-        const std::vector<HWND> dialogs = m_core->OpenDialogs();
-        if (dialogs.empty())
-            continue;
+void DialogDriver::CancelWhatIsOpen() {
+    for (HWND hDialog : OpenDialogs()) {
         if (!m_bFailed)
-            Fail("no script waits for what is open: " + m_core->DescribeWindows());
-        CancelDialogs(dialogs);
-    }
-}
-
-void DialogDriver::CancelDialogs(const std::vector<HWND>& dialogs) {
-    for (HWND hDialog : dialogs) {
+            Fail("no script waits for what is open: " + DescribeWindows());
         const std::string strTitle = TitleOf(hDialog);
-        const auto isGone = [hDialog] { return IsGone(hDialog); };
-        const auto end = Clock::now() + kCancelDeadline;
         // A dialog below another one takes the command only when that has gone, so it is repeated;
-        // a dialog that knows no Cancel may know the close box or another answer.
-        while (!isGone()) {
-            for (const int nCommand : {IDCANCEL, IDOK, IDNO, IDABORT}) {
-                PostMessageA(hDialog, WM_COMMAND, static_cast<WPARAM>(nCommand), 0);
-                if (WaitFor(std::chrono::milliseconds(200), isGone))
-                    break;
-            }
-            PostMessageA(hDialog, WM_CLOSE, 0, 0);
-            if (Clock::now() >= end)
+        // a dialog that knows no Cancel may know another answer.
+        constexpr int kAnswers[] = {IDCANCEL, IDOK, IDNO, IDABORT};
+        int nTries = 0;
+        do {
+            if (nTries == 12)
                 EndTestProcess("the dialog \"" + strTitle + "\" cannot be cancelled");
-        }
+            PostMessageA(hDialog, WM_COMMAND, static_cast<WPARAM>(kAnswers[nTries++ % 4]), 0);
+        } while (!WaitFor(std::chrono::milliseconds(250), [=] { return IsGone(hDialog); }));
     }
 }
 
 void DialogDriver::Fail(const std::string& strReason) {
     m_bFailed = true;
     ADD_FAILURE() << "dialog driver: " << strReason;
+}
+
+void DialogDriver::WaitUntil(const std::string& strWhat,
+                             const std::function<bool()>& condition) const {
+    if (!WaitFor(m_deadline, condition))
+        throw DriverFailure("waited " + std::to_string(m_deadline.count()) + " ms until " +
+                            strWhat + "; open are: " + DescribeWindows());
+}
+
+Dialog DialogDriver::WaitForDialog(const DialogMatch& match) {
+    HWND hFound = nullptr;
+    WaitUntil("a dialog \"" + match.strTitle + "\" opens", [&] {
+        for (HWND hWnd : OpenDialogs())
+            if (IsReady(hWnd, match)) {
+                hFound = hWnd;
+                return true;
+            }
+        return false;
+    });
+    m_inHand.insert(hFound);
+    return {*this, hFound};
+}
+
+bool DialogDriver::IsReady(HWND hWnd, const DialogMatch& match) const {
+    const auto isWanted = [&] {
+        return IsWindowVisible(hWnd) && IsWindowEnabled(hWnd) && !m_inHand.contains(hWnd) &&
+               (match.strTitle.empty() || TitleOf(hWnd) == match.strTitle);
+    };
+    // Answered once the dialog's initialisation is over, which may have closed it again.
+    DWORD_PTR dwResult = 0;
+    return isWanted() &&
+           SendMessageTimeoutA(hWnd, WM_NULL, 0, 0, SMTO_ABORTIFHUNG,
+                               static_cast<UINT>(m_deadline.count()), &dwResult) != 0 &&
+           isWanted();
+}
+
+std::vector<HWND> DialogDriver::OpenDialogs() const {
+    std::vector<HWND> dialogs = VisibleWindows(m_ui.Id());
+    std::erase_if(dialogs, [](HWND hWnd) { return !IsDialog(hWnd); });
+    return dialogs;
+}
+
+// Every visible top-level window of the thread, for failure texts.
+std::string DialogDriver::DescribeWindows() const {
+    std::string strText;
+    for (HWND hWnd : VisibleWindows(m_ui.Id()))
+        strText += (strText.empty() ? "" : ", ") + ClassOf(hWnd) + " \"" + TitleOf(hWnd) + "\"" +
+                   (IsWindowEnabled(hWnd) ? "" : " (disabled)");
+    return strText.empty() ? "none" : strText;
 }
 
 }  // namespace mvp::test

@@ -29,24 +29,32 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <chrono>
 #include <concepts>
 #include <functional>
-#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "platform/handle.h"
 #include "support/dialog.h"
+#include "support/ui_thread.h"
 
 namespace mvp::test {
+
+// Why a driver gave up. Thrown and caught inside the driver's thread.
+struct DriverFailure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 using Script = std::function<void(Dialog&)>;
 
 struct Step {
     template <std::invocable<Dialog&> Function>
-    Step(Function function) : match(AnyDialog()), script(std::move(function)) {}
+    Step(Function function) : script(std::move(function)) {}
     Step(DialogMatch wanted, Script function)
         : match(std::move(wanted)), script(std::move(function)) {}
 
@@ -66,26 +74,38 @@ public:
     explicit DialogDriver(std::chrono::milliseconds deadline, Steps&&... steps)
         : DialogDriver(deadline, std::vector<Step>{Step(std::forward<Steps>(steps))...}) {}
     DialogDriver(std::chrono::milliseconds deadline, std::vector<Step> steps);
-    DialogDriver(const DialogDriver&) = delete;
-    DialogDriver& operator=(const DialogDriver&) = delete;
-    ~DialogDriver();
+    ~DialogDriver() { Join(); }
 
     // Waits until every script has run; the destructor does it too. The thread's messages are
     // handled meanwhile, so modeless dialogs live on.
     void Join();
 
 private:
+    friend class Dialog;
+    enum class Phase {
+        kScripts,
+        kWatch,  // every script has run; Join ends it
+        kStop,
+        kEnded,
+    };
+
+    // On the driver's thread; the waits throw DriverFailure.
     void Main(const std::vector<Step>& steps) noexcept;
     void RunSteps(const std::vector<Step>& steps);
-    void WatchUntilStopped();
-    void CancelDialogs(const std::vector<HWND>& dialogs);
+    void CancelWhatIsOpen();
     void Fail(const std::string& strReason);
+    void WaitUntil(const std::string& strWhat, const std::function<bool()>& condition) const;
+    // A dialog that is not yet in hand, initialised and ready for input.
+    Dialog WaitForDialog(const DialogMatch& match);
+    bool IsReady(HWND hWnd, const DialogMatch& match) const;
+    std::vector<HWND> OpenDialogs() const;
+    std::string DescribeWindows() const;
 
-    std::unique_ptr<DriverCore> m_core;
+    UiThread m_ui;
+    std::chrono::milliseconds m_deadline;
+    std::set<HWND> m_inHand;
     bool m_bFailed = false;
-    KernelHandle m_scriptsDone;  // set by the driver's thread
-    KernelHandle m_stop;         // set by Join, for the driver's thread to end
-    KernelHandle m_ended;        // set by the driver's thread
+    std::atomic<Phase> m_phase = Phase::kScripts;
     std::thread m_thread;
 };
 

@@ -37,10 +37,8 @@ public:
     const DLGTEMPLATE* Get() const;
 
 private:
-    void AddWord(WORD wValue);
-    void AddDword(DWORD dwValue);
     void AddText(std::string_view text);
-    void AddPlace(const DialogPlace& place);
+    void AddPart(DWORD dwStyle, DWORD dwExStyle, std::initializer_list<int> words);
 
     std::vector<WORD> m_words;
 };

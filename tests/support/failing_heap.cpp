@@ -43,10 +43,6 @@ FailingHeap::FailingHeap(const char* pszModule)
         throw std::runtime_error(std::string("no heap functions in ") + pszModule);
 }
 
-FailingHeap::~FailingHeap() {
-    Stop();
-}
-
 void FailingHeap::FailAt(int nSuccesses, std::size_t cbLeast) {
     g_bRefused = false;
     g_nSuccesses = nSuccesses;

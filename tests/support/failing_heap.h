@@ -18,9 +18,7 @@ namespace mvp::test {
 class FailingHeap {
 public:
     explicit FailingHeap(const char* pszModule);
-    FailingHeap(const FailingHeap&) = delete;
-    FailingHeap& operator=(const FailingHeap&) = delete;
-    ~FailingHeap();
+    ~FailingHeap() { Stop(); }
 
     // The allocation after the next `nSuccesses` that ask for `cbLeast` bytes or more.
     void FailAt(int nSuccesses, std::size_t cbLeast = 0);

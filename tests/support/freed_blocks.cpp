@@ -14,24 +14,30 @@ namespace {
 
 FreedBlocks::Look g_look;
 
-// The real functions, asked for by name: the program's own imports may be patched as well.
+// The real function, asked for by name: the program's own imports may be patched as well.
 template <class Function>
-Function Real(const char* pszLibrary, const char* pszName) {
-    return FindFunction<Function>(GetModuleHandleA(pszLibrary), pszName);
+Function* Real(Function&, const char* pszName, const char* pszLibrary = "kernel32.dll") {
+    return FindFunction<Function*>(GetModuleHandleA(pszLibrary), pszName);
 }
 
 void CheckedFree(void* p) {
-    static const auto s_real = Real<decltype(&std::free)>("msvcrt.dll", "free");
+    static const auto s_real = Real(std::free, "free", "msvcrt.dll");
     if (p != nullptr)
         g_look(p, _msize(p));
     s_real(p);
 }
 
 BOOL WINAPI CheckedHeapFree(HANDLE hHeap, DWORD dwFlags, void* p) {
-    static const auto s_real = Real<decltype(&::HeapFree)>("kernel32.dll", "HeapFree");
+    static const auto s_real = Real(HeapFree, "HeapFree");
     if (p != nullptr)
         g_look(p, HeapSize(hHeap, 0, p));
     return s_real(hHeap, dwFlags, p);
+}
+
+void* WINAPI CheckedHeapReAlloc(HANDLE hHeap, DWORD dwFlags, void* p, SIZE_T nBytes) {
+    static const auto s_real = Real(HeapReAlloc, "HeapReAlloc");
+    g_look(p, HeapSize(hHeap, 0, p));
+    return s_real(hHeap, dwFlags, p, nBytes);
 }
 
 void LookAtLocal(HLOCAL hMemory) {
@@ -42,19 +48,13 @@ void LookAtLocal(HLOCAL hMemory) {
 }
 
 HLOCAL WINAPI CheckedLocalFree(HLOCAL hMemory) {
-    static const auto s_real = Real<decltype(&::LocalFree)>("kernel32.dll", "LocalFree");
+    static const auto s_real = Real(LocalFree, "LocalFree");
     LookAtLocal(hMemory);
     return s_real(hMemory);
 }
 
-void* WINAPI CheckedHeapReAlloc(HANDLE hHeap, DWORD dwFlags, void* p, SIZE_T nBytes) {
-    static const auto s_real = Real<decltype(&::HeapReAlloc)>("kernel32.dll", "HeapReAlloc");
-    g_look(p, HeapSize(hHeap, 0, p));
-    return s_real(hHeap, dwFlags, p, nBytes);
-}
-
 HLOCAL WINAPI CheckedLocalReAlloc(HLOCAL hMemory, SIZE_T nBytes, UINT nFlags) {
-    static const auto s_real = Real<decltype(&::LocalReAlloc)>("kernel32.dll", "LocalReAlloc");
+    static const auto s_real = Real(LocalReAlloc, "LocalReAlloc");
     LookAtLocal(hMemory);
     return s_real(hMemory, nBytes, nFlags);
 }
@@ -64,16 +64,15 @@ HLOCAL WINAPI CheckedLocalReAlloc(HLOCAL hMemory, SIZE_T nBytes, UINT nFlags) {
 FreedBlocks::FreedBlocks(std::initializer_list<const char*> modules, Look look) {
     g_look = std::move(look);
     for (const char* pszModule : modules)
-        m_patches.push_back(std::make_unique<PatchedImports>(
-            pszModule,
-            std::initializer_list<PatchedImports::Function>{
-                // The C runtime that this program has; the system's modules have another.
-                {"free", Address(&CheckedFree), "msvcrt.dll"},
-                {"HeapFree", Address(&CheckedHeapFree)},
-                {"HeapReAlloc", Address(&CheckedHeapReAlloc)},
-                {"LocalFree", Address(&CheckedLocalFree)},
-                {"LocalReAlloc", Address(&CheckedLocalReAlloc)},
-            }));
+        m_patches.emplace_back(pszModule, std::initializer_list<PatchedImports::Function>{
+                                              // The C runtime that this program has; the system's
+                                              // modules have another.
+                                              {"free", Address(&CheckedFree), "msvcrt.dll"},
+                                              {"HeapFree", Address(&CheckedHeapFree)},
+                                              {"HeapReAlloc", Address(&CheckedHeapReAlloc)},
+                                              {"LocalFree", Address(&CheckedLocalFree)},
+                                              {"LocalReAlloc", Address(&CheckedLocalReAlloc)},
+                                          });
 }
 
 FreedBlocks::~FreedBlocks() {

@@ -7,8 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <initializer_list>
-#include <memory>
-#include <vector>
+#include <list>
 
 #include "support/patched_imports.h"
 
@@ -27,7 +26,7 @@ public:
     ~FreedBlocks();
 
 private:
-    std::vector<std::unique_ptr<PatchedImports>> m_patches;
+    std::list<PatchedImports> m_patches;
 };
 
 // The number of bytes that are not zero.

@@ -26,27 +26,20 @@ struct RecordedLine {
 class LogRecorder {
 public:
     LogRecorder();
-    LogRecorder(const LogRecorder&) = delete;
-    LogRecorder& operator=(const LogRecorder&) = delete;
     ~LogRecorder();
 
     void Clear();
     std::vector<RecordedLine> Lines() const;
-
     // The texts of one level, in order.
     std::vector<std::string> Texts(int nLevel) const;
-
     // Whether there is a line of that level with exactly that text.
     bool Contains(int nLevel, std::string_view text) const;
     // Whether there is a line, of whatever level, with this in its text.
     bool ContainsPart(std::string_view part) const;
-
     // Every line on a line of its own, for the message of a failure.
     std::string Dump() const;
 
 private:
-    static void Receive(void* pContext, const char* pszTag, int nLevel, const char* pszText);
-
     mutable std::mutex m_lock;
     std::vector<RecordedLine> m_lines;
 };

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "platform/handle.h"
-#include "support/memory_map.h"
 
 namespace mvp::test {
 namespace {
@@ -60,18 +60,16 @@ void Secret::FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nByte
 namespace {
 
 // Reads what of the range is still there, page by page where a page has vanished.
-void ScanRange(HANDLE hProcess, const Secret& secret, ULONG_PTR nBegin, ULONG_PTR nEnd,
-               Scratch& scratch) {
+void ScanRange(const Secret& secret, ULONG_PTR nBegin, ULONG_PTR nEnd, Scratch& scratch) {
     constexpr size_t kPage = 4096;
     const size_t nOverlap = PieceSize(true) - 1;
     for (ULONG_PTR nAt = nBegin; nAt < nEnd;) {
         const size_t nWanted = std::min<size_t>(nEnd - nAt, kChunk);
         SIZE_T nRead = 0;
-        ReadProcessMemory(hProcess, reinterpret_cast<const void*>(nAt), scratch.bytes, nWanted,
-                          &nRead);
-        if (nRead < nWanted)
-            ReadProcessMemory(hProcess, reinterpret_cast<const void*>(nAt), scratch.bytes,
-                              std::min(nWanted, kPage), &nRead);
+        for (const size_t nPart : {nWanted, std::min(nWanted, kPage)})
+            if (nRead < nPart)
+                ReadProcessMemory(GetCurrentProcess(), reinterpret_cast<const void*>(nAt),
+                                  scratch.bytes, nPart, &nRead);
         const bool bLast = nAt + nRead >= nEnd || nRead <= nOverlap;
         const size_t nFresh = bLast ? nRead : nRead - nOverlap;
         secret.FindPieces(scratch.bytes, nFresh, nRead,
@@ -91,14 +89,55 @@ bool IsWritable(const MEMORY_BASIC_INFORMATION& info) {
            (info.Protect & PAGE_GUARD) == 0;
 }
 
-void ScanAll(HANDLE hProcess, const Secret& secret, Scratch& scratch) {
+void ScanAll(const Secret& secret, Scratch& scratch) {
     MEMORY_BASIC_INFORMATION info = {};
     for (ULONG_PTR nAt = 0;
-         VirtualQueryEx(hProcess, reinterpret_cast<const void*>(nAt), &info, sizeof info) != 0;) {
+         VirtualQuery(reinterpret_cast<const void*>(nAt), &info, sizeof info) != 0;) {
         nAt = reinterpret_cast<ULONG_PTR>(info.BaseAddress) + info.RegionSize;
         if (IsWritable(info) && info.AllocationBase != &scratch)
-            ScanRange(hProcess, secret, nAt - info.RegionSize, nAt, scratch);
+            ScanRange(secret, nAt - info.RegionSize, nAt, scratch);
     }
+}
+
+bool FindInHeap(HANDLE hHeap, MemoryHit& hit) {
+    bool bFound = false;
+    PROCESS_HEAP_ENTRY entry = {};
+    HeapLock(hHeap);
+    while (!bFound && HeapWalk(hHeap, &entry)) {
+        const auto nBegin = reinterpret_cast<ULONG_PTR>(entry.lpData);
+        bFound = (entry.wFlags & (PROCESS_HEAP_REGION | PROCESS_HEAP_UNCOMMITTED_RANGE)) == 0 &&
+                 hit.address >= nBegin && hit.address - nBegin < entry.cbData;
+    }
+    HeapUnlock(hHeap);
+    hit.bFreed = bFound && (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0;
+    return bFound;
+}
+
+// Finds out whose memory it is.
+MemoryHit HitAt(ULONG_PTR address) {
+    MemoryHit hit{.address = address, .strOwner = "other memory"};
+    MEMORY_BASIC_INFORMATION info = {};
+    VirtualQuery(reinterpret_cast<const void*>(address), &info, sizeof info);
+    char module[MAX_PATH] = {};
+    if (info.Type == MEM_IMAGE &&
+        GetModuleFileNameA(static_cast<HMODULE>(info.AllocationBase), module, sizeof module) != 0)
+        hit.strOwner = std::string("the data of ") + module;
+    const auto* pStack = reinterpret_cast<NT_TIB*>(NtCurrentTeb());
+    if (address - reinterpret_cast<ULONG_PTR>(pStack->StackLimit) <
+        reinterpret_cast<ULONG_PTR>(pStack->StackBase) -
+            reinterpret_cast<ULONG_PTR>(pStack->StackLimit))
+        hit.strOwner = "this thread's stack";
+    HANDLE heaps[64] = {reinterpret_cast<HANDLE>(_get_heap_handle())};
+    GetProcessHeaps(63, heaps + 1);
+    for (const HANDLE hHeap : heaps)
+        if (hHeap != nullptr && FindInHeap(hHeap, hit)) {
+            hit.place = MemoryHit::Place::kHeap;
+            hit.strOwner = hHeap == heaps[0]           ? "the C heap"
+                           : hHeap == GetProcessHeap() ? "the process heap"
+                                                       : "another heap";
+            break;
+        }
+    return hit;
 }
 
 // Whether the piece lies right behind what the hit has so far, in the memory and in the secret.
@@ -108,36 +147,11 @@ bool Continues(const MemoryHit& hit, const RawHit& piece) {
            piece.nPiece * Secret::kPiece == hit.nFirst + hit.nCount;
 }
 
-std::vector<MemoryHit> Scan(HANDLE hProcess, const Secret& secret) {
-    const UniqueHandle<ScratchTraits> scratch(static_cast<Scratch*>(
-        VirtualAlloc(nullptr, sizeof(Scratch), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
-    if (!scratch)
-        throw std::runtime_error("no memory to scan with");
-    ScanAll(hProcess, secret, *scratch.get());
-    const MemoryMap map(hProcess);
-    std::vector<MemoryHit> hits;
-    for (size_t i = 0; i < scratch.get()->nHits; ++i) {
-        const RawHit& raw = scratch.get()->hits[i];
-        if (hits.empty() || !Continues(hits.back(), raw)) {
-            hits.push_back(map.Attribute(raw.address));
-            hits.back().bWide = raw.bWide;
-            hits.back().nFirst = raw.nPiece * Secret::kPiece;
-        }
-        hits.back().nCount += Secret::kPiece;
-    }
-    return hits;
-}
-
 }  // namespace
 
-Secret::Secret()
-    : Secret([] {
-          static unsigned s_nLast = 0;
-          return ++s_nLast;
-      }()) {}
-
-Secret::Secret(unsigned nNumber) {
-    std::mt19937 random(nNumber);
+Secret::Secret() {
+    static unsigned s_nLast = 0;
+    std::mt19937 random(++s_nLast);
     std::string encoded;
     for (const auto& [first, last] : {std::pair{'0', '9'}, {'A', 'Z'}, {'a', 'z'}})
         for (char ch = first; ch <= last; ++ch)
@@ -146,8 +160,7 @@ Secret::Secret(unsigned nNumber) {
     std::copy_n(encoded.begin(), kLength, m_encoded.begin());
     m_pieceByFirst.fill(-1);
     for (size_t i = 0; i < kLength; i += kPiece)
-        m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) =
-            static_cast<signed char>(i / kPiece);
+        m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) = static_cast<int>(i / kPiece);
 }
 
 void Secret::CopyTo(void* pTarget, bool bWide) const {
@@ -167,24 +180,28 @@ bool Secret::IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) con
 }
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
-    stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
-           << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address << std::dec
-           << " in ";
-    switch (hit.place) {
-        case MemoryHit::Place::kModule:
-            return stream << "the data of " << hit.strOwner;
-        case MemoryHit::Place::kHeap:
-            return stream << (hit.bFreed ? "a freed block of the " : "the ") << hit.strOwner;
-        case MemoryHit::Place::kStack:
-            return stream << "the stack of " << hit.strOwner;
-        case MemoryHit::Place::kOther:
-            break;
-    }
-    return stream << "other memory";
+    return stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
+                  << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address
+                  << std::dec << (hit.bFreed ? " in a freed block of " : " in ") << hit.strOwner;
 }
 
 std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
-    return Scan(GetCurrentProcess(), secret);
+    const UniqueHandle<ScratchTraits> scratch(static_cast<Scratch*>(
+        VirtualAlloc(nullptr, sizeof(Scratch), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
+    if (!scratch)
+        throw std::runtime_error("no memory to scan with");
+    ScanAll(secret, *scratch.get());
+    std::vector<MemoryHit> hits;
+    for (size_t i = 0; i < scratch.get()->nHits; ++i) {
+        const RawHit& raw = scratch.get()->hits[i];
+        if (hits.empty() || !Continues(hits.back(), raw)) {
+            hits.push_back(HitAt(raw.address));
+            hits.back().bWide = raw.bWide;
+            hits.back().nFirst = raw.nPiece * Secret::kPiece;
+        }
+        hits.back().nCount += Secret::kPiece;
+    }
+    return hits;
 }
 
 SecretWatch::SecretWatch(std::vector<const Secret*> secrets)
@@ -205,10 +222,6 @@ void SecretWatch::ExpectNothingLeft(const char* pszWhen) const {
     for (size_t i = 0; i < m_secrets.size(); ++i)
         for (const MemoryHit& hit : ScanOwnMemory(*m_secrets[i]))
             ADD_FAILURE() << pszWhen << ", secret " << i + 1 << ": " << hit;
-}
-
-std::vector<MemoryHit> ScanProcess(HANDLE hProcess, const Secret& secret) {
-    return Scan(hProcess, secret);
 }
 
 }  // namespace mvp::test

@@ -1,4 +1,4 @@
-// Looks for a secret in the memory of a process, to prove that it has been wiped:
+// Looks for a secret in the memory of this process, to prove that it has been wiped:
 //
 //     const Secret pin;
 //     const SecretWatch watch({&pin});
@@ -40,8 +40,6 @@ public:
     static constexpr size_t kPiece = 8;
 
     Secret();
-    // The same secret for the same number, in every process; the others count from 1.
-    explicit Secret(unsigned nNumber);
 
     static constexpr size_t size() { return kLength; }
     // One character. Whoever collects them has made a copy.
@@ -59,36 +57,25 @@ private:
     bool IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const;
 
     std::array<char, kLength> m_encoded{};
-    std::array<signed char, 256> m_pieceByFirst{};  // what a character begins, or -1
+    std::array<int, 256> m_pieceByFirst{};  // what a character begins, or -1
 };
 
 struct MemoryHit {
-    enum class Place {
-        kModule,  // the data of an executable or a library
-        kHeap,    // a block of a heap, in use or freed
-        kStack,
-        kOther,
-    };
+    enum class Place { kHeap, kOther };
 
     ULONG_PTR address = 0;
     size_t nFirst = 0;  // of the secret's characters
     size_t nCount = 0;
     bool bWide = false;
     Place place = Place::kOther;
-    // The module's file name; "C heap", "process heap" or "heap 0x..."; "thread ...". Empty for
-    // kOther.
-    std::string strOwner;
-    bool bFreed = false;  // for kHeap
+    bool bFreed = false;   // a heap's block, and no longer in use
+    std::string strOwner;  // for people to read
 };
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit);
 
 // At most the first 4,096 pieces, by address; neighbours that continue each other are one hit.
 std::vector<MemoryHit> ScanOwnMemory(const Secret& secret);
-
-// Another process, opened with PROCESS_QUERY_INFORMATION and PROCESS_VM_READ. Its heaps are not
-// told from other memory: what lies in them is kOther.
-std::vector<MemoryHit> ScanProcess(HANDLE hProcess, const Secret& secret);
 
 // What becomes of secrets while it lives. One at a time.
 class SecretWatch {

@@ -14,22 +14,16 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "support/recording/recording.h"
 
 namespace mvp::test {
 
-struct MessageBoxRecord;
-
-// The arguments of a call. Null texts are recorded as empty ones.
-struct MessageBoxCall {
-    bool bWithParentAndReader;  // VKErrMesDisplayExWithParentParamAndReader, not VKErrMesDisplayEx
-    HWND hParent;
-    int nMessageType;
+// Null texts are recorded as empty ones.
+struct MessageBoxCall : MessageBoxArguments {
     std::string strText;
-    UINT nButtons;
-    UINT nIcon;
-    UINT nFlags;
-    const void* pReserved;
     std::string strReader;
 };
 
@@ -41,16 +35,18 @@ public:
     ~MessageBoxRecorder();
 
     // What every box is answered from now on. 1, the accepting answer, at first.
-    void SetAnswer(int nAnswer);
+    void SetAnswer(int nAnswer) {
+        m_answer = [nAnswer](const MessageBoxCall&) { return nAnswer; };
+    }
     // The same by a function, which may also do what a test wants to happen while a box is open.
-    void SetAnswer(std::function<int(const MessageBoxCall&)> answer);
+    void SetAnswer(std::function<int(const MessageBoxCall&)> answer) {
+        m_answer = std::move(answer);
+    }
 
     const std::vector<MessageBoxCall>& Calls() const { return m_calls; }
     void Clear() { m_calls.clear(); }
 
 private:
-    static int Receive(void* pContext, const MessageBoxRecord& record);
-
     std::vector<MessageBoxCall> m_calls;
     std::function<int(const MessageBoxCall&)> m_answer;
 };

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <cstring>
 
 namespace mvp::test {
@@ -47,21 +46,19 @@ PatchedImports::PatchedImports(const char* pszModule, std::initializer_list<Func
     if (hModule == nullptr)
         return;
     ForEachImport(hModule, [&](const char* pszLibrary, const char* pszName, void** ppFunction) {
-        const auto* const pFound = std::ranges::find_if(functions, [&](const Function& function) {
-            return std::strcmp(function.pszName, pszName) == 0 &&
-                   (function.pszLibrary == nullptr ||
-                    _stricmp(function.pszLibrary, pszLibrary) == 0);
-        });
-        if (pFound == functions.end())
-            return;
-        m_patches.push_back({ppFunction, *ppFunction});
-        Put(ppFunction, pFound->pReplacement);
+        for (const Function& function : functions)
+            if (std::strcmp(function.pszName, pszName) == 0 &&
+                (function.pszLibrary == nullptr ||
+                 _stricmp(function.pszLibrary, pszLibrary) == 0)) {
+                m_originals.emplace_back(ppFunction, *ppFunction);
+                Put(ppFunction, function.pReplacement);
+            }
     });
 }
 
 PatchedImports::~PatchedImports() {
-    for (const Patch& patch : m_patches)
-        Put(patch.ppFunction, patch.pOriginal);
+    for (const auto& [ppFunction, pOriginal] : m_originals)
+        Put(ppFunction, pOriginal);
 }
 
 }  // namespace mvp::test

@@ -5,8 +5,8 @@
 // Calls of the module's own code go to them, on all threads; those of other modules do not.
 #pragma once
 
-#include <cstddef>
 #include <initializer_list>
+#include <utility>
 #include <vector>
 
 namespace mvp::test {
@@ -26,14 +26,10 @@ public:
     PatchedImports& operator=(const PatchedImports&) = delete;
     ~PatchedImports();
 
-    bool IsEmpty() const { return m_patches.empty(); }
+    bool IsEmpty() const { return m_originals.empty(); }
 
 private:
-    struct Patch {
-        void** ppFunction;
-        void* pOriginal;
-    };
-    std::vector<Patch> m_patches;
+    std::vector<std::pair<void**, void*>> m_originals;  // where each stood
 };
 
 template <class Function>

@@ -40,47 +40,24 @@ RegistryKey RegistryHive::Open(const std::string& strPath) {
     return CreateVolatile(m_root.get(), strPath);
 }
 
-void RegistryHive::CreateKey(const std::string& strPath) {
-    Open(strPath);
-}
-
-void RegistryHive::SetString(const std::string& strPath, const std::string& strName,
-                             std::string_view text) {
-    SetRaw(strPath, strName, REG_SZ, std::string(text) + '\0');
-}
-
-void RegistryHive::SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue) {
-    Check(RegSetValueExA(Open(strPath).get(), strName.c_str(), 0, REG_DWORD,
-                         reinterpret_cast<const BYTE*>(&dwValue), sizeof dwValue),
-          "setting " + strName);
-}
-
-void RegistryHive::SetUnterminated(const std::string& strPath, const std::string& strName,
-                                   std::string_view text) {
-    SetRaw(strPath, strName, REG_SZ, text);
-}
-
 void RegistryHive::SetRaw(const std::string& strPath, const std::string& strName, DWORD dwType,
                           std::string_view bytes) {
-    const RegistryKey key = Open(strPath);
-    if (dwType != REG_SZ && dwType != REG_EXPAND_SZ && dwType != REG_MULTI_SZ) {
-        Check(RegSetValueExA(key.get(), strName.c_str(), 0, dwType,
-                             reinterpret_cast<const BYTE*>(bytes.data()),
-                             static_cast<DWORD>(bytes.size())),
-              "setting " + strName);
-        return;
+    const void* pData = bytes.data();
+    size_t nSize = bytes.size();
+    std::wstring wide(nSize, L'\0');
+    if (dwType == REG_SZ || dwType == REG_EXPAND_SZ || dwType == REG_MULTI_SZ) {
+        // The registry keeps text as 16-bit characters. When it stores them it looks at the
+        // character behind the given ones and takes a terminator that it finds there along: there
+        // must be none.
+        const int nLength = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(nSize),
+                                                wide.data(), static_cast<int>(nSize));
+        wide.resize(static_cast<size_t>(nLength));
+        wide.push_back(L'#');
+        pData = wide.data();
+        nSize = static_cast<size_t>(nLength) * sizeof(wchar_t);
     }
-    // The registry keeps text as 16-bit characters. When it stores them it looks at the character
-    // behind the given ones and takes a terminator that it finds there along: there must be none.
-    std::wstring wide(bytes.size(), L'\0');
-    const int nLength = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(bytes.size()),
-                                            wide.data(), static_cast<int>(wide.size()));
-    wide.resize(static_cast<size_t>(nLength));
-    wide.push_back(L'#');
-    const std::wstring name(strName.begin(), strName.end());
-    Check(RegSetValueExW(key.get(), name.c_str(), 0, dwType,
-                         reinterpret_cast<const BYTE*>(wide.data()),
-                         static_cast<DWORD>(nLength) * sizeof(wchar_t)),
+    Check(RegSetValueExW(Open(strPath).get(), std::wstring(strName.begin(), strName.end()).c_str(),
+                         0, dwType, static_cast<const BYTE*>(pData), static_cast<DWORD>(nSize)),
           "setting " + strName);
 }
 

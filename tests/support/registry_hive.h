@@ -13,10 +13,8 @@
 
 #include <windows.h>
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/handle.h"
 
@@ -25,18 +23,22 @@ namespace mvp::test {
 class RegistryHive {
 public:
     explicit RegistryHive(HKEY hReplaced = HKEY_LOCAL_MACHINE);
-    RegistryHive(const RegistryHive&) = delete;
-    RegistryHive& operator=(const RegistryHive&) = delete;
     ~RegistryHive();
 
     // Each makes the key when it is missing. Paths are relative to the root. The default value has
     // no name.
-    void CreateKey(const std::string& strPath);
-    void SetString(const std::string& strPath, const std::string& strName, std::string_view text);
-    void SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue);
+    void CreateKey(const std::string& strPath) { Open(strPath); }
+    void SetString(const std::string& strPath, const std::string& strName, std::string_view text) {
+        SetRaw(strPath, strName, REG_SZ, std::string(text) + '\0');
+    }
+    void SetDword(const std::string& strPath, const std::string& strName, DWORD dwValue) {
+        SetRaw(strPath, strName, REG_DWORD, {reinterpret_cast<char*>(&dwValue), sizeof dwValue});
+    }
     // A string value whose stored bytes end with the text: no terminator.
     void SetUnterminated(const std::string& strPath, const std::string& strName,
-                         std::string_view text);
+                         std::string_view text) {
+        SetRaw(strPath, strName, REG_SZ, text);
+    }
     // Bytes of any type and size. An ANSI reader of the string types gets `bytes` as they stand.
     void SetRaw(const std::string& strPath, const std::string& strName, DWORD dwType,
                 std::string_view bytes);

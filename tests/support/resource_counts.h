@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <functional>
-#include <iosfwd>
 
 namespace mvp::test {
 
@@ -21,8 +20,6 @@ struct ResourceCounts {
 
     static ResourceCounts Now();
 };
-
-std::ostream& operator<<(std::ostream& stream, const ResourceCounts& counts);
 
 // How much more of each is still no growth: what the system or the runtime keeps by the way.
 struct GrowthAllowance {

@@ -1,5 +1,5 @@
 // What the recording modules export beside the functions of the modules they stand in for. Tests
-// use the classes over it: LogRecorder, MessageBoxRecorder, PatternRecorder.
+// use the classes over it: LogRecorder, MessageBoxRecorder.
 //
 // A recording module hands every call on to the receiver that was set last; null sets none. Nothing
 // of the language's library crosses the boundary, for every binary has its own.
@@ -14,31 +14,22 @@ namespace mvp::test {
 using LogReceiver = void (*)(void* pContext, const char* pszTag, int nLevel, const char* pszText);
 using LogRecordTo = void (*)(LogReceiver receiver, void* pContext);
 
-// vkerrmes.dll exports "VKErrMesRecordTo". The receiver's result is the answer; without a receiver
-// it is 1.
-struct MessageBoxRecord {
-    bool bWithParentAndReader;  // which of the two functions; hParent and what follows nFlags are
-                                // null for the other one
+struct MessageBoxArguments {
+    // VKErrMesDisplayExWithParentParamAndReader, not VKErrMesDisplayEx, which leaves the parent,
+    // what is reserved and the reader null.
+    bool bWithParentAndReader;
     HWND hParent;
     int nMessageType;
-    const char* pszText;
     UINT nButtons;
     UINT nIcon;
     UINT nFlags;
     const void* pReserved;
-    const char* pszReader;
 };
-using MessageBoxReceiver = int (*)(void* pContext, const MessageBoxRecord& record);
-using MessageBoxRecordTo = void (*)(MessageBoxReceiver receiver, void* pContext);
 
-// mvcext.dll exports "MvcextRecordTo".
-struct PatternRecord {
-    const char* pszPattern;
-    bool bIgnoreCase;
-    const char* pszText;
-    bool bMatched;
-};
-using PatternReceiver = void (*)(void* pContext, const PatternRecord& record);
-using PatternRecordTo = void (*)(PatternReceiver receiver, void* pContext);
+// vkerrmes.dll exports "VKErrMesRecordTo". The receiver's result is the answer; without a receiver
+// it is 1.
+using MessageBoxReceiver = int (*)(void* pContext, const MessageBoxArguments& arguments,
+                                   const char* pszText, const char* pszReader);
+using MessageBoxRecordTo = void (*)(MessageBoxReceiver receiver, void* pContext);
 
 }  // namespace mvp::test

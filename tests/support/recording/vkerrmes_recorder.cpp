@@ -8,8 +8,9 @@ namespace {
 mvp::test::MessageBoxReceiver g_receiver = nullptr;
 void* g_pContext = nullptr;
 
-int Record(const mvp::test::MessageBoxRecord& record) {
-    return g_receiver != nullptr ? g_receiver(g_pContext, record) : 1;
+int Record(const mvp::test::MessageBoxArguments& arguments, const char* pszText,
+           const char* pszReader) {
+    return g_receiver != nullptr ? g_receiver(g_pContext, arguments, pszText, pszReader) : 1;
 }
 
 }  // namespace
@@ -22,13 +23,13 @@ extern "C" __declspec(dllexport) void VKErrMesRecordTo(mvp::test::MessageBoxRece
 
 int VKErrMesDisplayEx(int nMessageType, const char* pszText, UINT nButtons, UINT nIcon,
                       UINT nFlags) {
-    return Record(
-        {false, nullptr, nMessageType, pszText, nButtons, nIcon, nFlags, nullptr, nullptr});
+    return Record({false, nullptr, nMessageType, nButtons, nIcon, nFlags, nullptr}, pszText,
+                  nullptr);
 }
 
 int VKErrMesDisplayExWithParentParamAndReader(HWND hParent, int nMessageType, const char* pszText,
                                               UINT nButtons, UINT nIcon, UINT nFlags,
                                               const void* pReserved, const char* pszReader) {
-    return Record(
-        {true, hParent, nMessageType, pszText, nButtons, nIcon, nFlags, pReserved, pszReader});
+    return Record({true, hParent, nMessageType, nButtons, nIcon, nFlags, pReserved}, pszText,
+                  pszReader);
 }

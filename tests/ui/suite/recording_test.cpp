@@ -6,13 +6,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <mvcext/mvcext.h>
 #include <vkerrmes/vkerrmes.h>
 #include <vklog/vklog.h>
 
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
-#include "support/pattern_recorder.h"
 
 namespace mvp::test {
 namespace {
@@ -73,21 +71,6 @@ TEST(MessageBoxRecorder, HoldsTheArgumentsAndAnswers) {
     EXPECT_EQ(notice.strText, "");
     EXPECT_EQ(notice.nFlags, 7U);
     EXPECT_EQ(boxes.Calls()[3].strText, "inner");
-}
-
-TEST(PatternRecorder, HoldsRealMatches) {
-    PatternRecorder patterns;
-    EXPECT_TRUE(CPattern(".*b", true).IsMatched("aB"));
-    const CPattern malformed("(");
-    EXPECT_FALSE(malformed.IsValid());
-    EXPECT_FALSE(malformed.IsMatched(""));
-    ASSERT_EQ(patterns.Calls().size(), 2U);
-    EXPECT_EQ(patterns.Calls()[0].strPattern, ".*b");
-    EXPECT_TRUE(patterns.Calls()[0].bIgnoreCase);
-    EXPECT_EQ(patterns.Calls()[0].strText, "aB");
-    EXPECT_TRUE(patterns.Calls()[0].bMatched);
-    EXPECT_EQ(patterns.Calls()[1].strPattern, "(");
-    EXPECT_FALSE(patterns.Calls()[1].bMatched);
 }
 
 }  // namespace

@@ -6,8 +6,6 @@
 
 #include <string>
 
-#include "platform/handle.h"
-
 namespace mvp::test {
 
 struct ChildResult {
@@ -15,20 +13,6 @@ struct ChildResult {
     std::string strOutput;
 };
 
-class DisabledTest {
-public:
-    explicit DisabledTest(const std::string& strName);
-
-    HANDLE Process() const { return m_process.get(); }
-    ChildResult Wait();
-
-private:
-    KernelHandle m_output;
-    KernelHandle m_process;
-};
-
-inline ChildResult RunDisabledTest(const std::string& strName) {
-    return DisabledTest(strName).Wait();
-}
+ChildResult RunDisabledTest(const std::string& strName);
 
 }  // namespace mvp::test

@@ -1,44 +1,92 @@
 #include "support/dialog_driver.h"
 
 #include <stdexcept>
+#include <string>
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-#include "child_process.h"
-#include "plain_dialog.h"
+#include "support/caps_lock.h"
+#include "support/dialog_template.h"
 
 namespace mvp::test {
 namespace {
 
 using namespace std::chrono_literals;
 
-using Entry = void (*)(Dialog& dialog, const char* pszText);
+enum { kEdit = 1001, kAsk, kPanelCheck, kHidden };
 
-class TextEntry : public testing::TestWithParam<Entry> {};
+// A dialog of the bare system: an edit, OK (enabled from four characters on), Cancel, a button that
+// opens a message box, and a panel with a control of its own.
+struct PlainDialog {
+    std::string strTitle = "Plain";
+    bool bStubborn = false;  // knows no way to be closed from outside
+    std::string strTyped;    // what the edit held at OK
+    INT_PTR nAnswer = 0;     // of the message box
 
-TEST_P(TextEntry, ArrivesWholeBeforeTheNextStep) {
-    PlainDialog plain;
-    DialogDriver driver([](Dialog& dialog) {
-        EXPECT_FALSE(dialog.IsEnabled(IDOK));
-        GetParam()(dialog, "aB3");
-        EXPECT_FALSE(dialog.IsEnabled(IDOK));
-        GetParam()(dialog, "!x");
-        EXPECT_EQ(dialog.Text(kEdit), "aB3!x");
-        EXPECT_TRUE(dialog.IsEnabled(IDOK));
-        dialog.Click(IDOK);
-    });
-    EXPECT_EQ(plain.DoModal(), IDOK);
-    driver.Join();
-    EXPECT_EQ(plain.strTyped, "aB3!x");
+    INT_PTR DoModal() {
+        DialogTemplate form(strTitle, {0, 0, 180, 90});
+        form.Add("EDIT", kEdit, "", {7, 7, 120, 14}, WS_BORDER | WS_TABSTOP | ES_AUTOHSCROLL)
+            .Add("BUTTON", kAsk, "&Ask", {130, 7, 40, 14}, WS_TABSTOP)
+            .Add("BUTTON", kHidden, "Hidden", {130, 25, 40, 14}, WS_TABSTOP, false)
+            .Add("BUTTON", IDOK, "OK", {7, 70, 50, 14}, BS_DEFPUSHBUTTON | WS_DISABLED | WS_TABSTOP)
+            .Add("BUTTON", IDCANCEL, "Cancel", {67, 70, 50, 14}, WS_TABSTOP);
+        return DialogBoxIndirectParamA(nullptr, form.Get(), nullptr, Proc,
+                                       reinterpret_cast<LPARAM>(this));
+    }
+
+private:
+    void OnCommand(HWND hDialog, WORD wId) {
+        char text[64] = {};
+        GetDlgItemTextA(hDialog, kEdit, text, sizeof text);
+        if (wId == kEdit)
+            EnableWindow(GetDlgItem(hDialog, IDOK), strlen(text) >= 4);
+        else if (wId == kAsk)
+            nAnswer = MessageBoxA(hDialog, "Sure?", "Question", MB_YESNO);
+        else if (!bStubborn) {
+            strTyped = text;
+            EndDialog(hDialog, wId);
+        }
+    }
+
+    static INT_PTR CALLBACK PanelProc(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+
+    static INT_PTR CALLBACK Proc(HWND hDialog, UINT nMessage, WPARAM wParam, LPARAM lParam) {
+        if (nMessage == WM_INITDIALOG) {
+            SetWindowLongPtrA(hDialog, DWLP_USER, lParam);
+            DialogTemplate panel("", {7, 30, 100, 30}, DialogTemplate::kChild, WS_EX_CONTROLPARENT);
+            panel.Add("BUTTON", kPanelCheck, "&Remember", {2, 2, 80, 12},
+                      BS_AUTOCHECKBOX | WS_TABSTOP);
+            CreateDialogIndirectParamA(nullptr, panel.Get(), hDialog, PanelProc, 0);
+        } else if (nMessage == WM_COMMAND) {
+            reinterpret_cast<PlainDialog*>(GetWindowLongPtrA(hDialog, DWLP_USER))
+                ->OnCommand(hDialog, LOWORD(wParam));
+        }
+        return nMessage == WM_INITDIALOG || nMessage == WM_COMMAND;
+    }
+};
+
+TEST(DialogDriver, TextArrivesWholeBeforeTheNextStep) {
+    using Entry = void (*)(Dialog & dialog, const char* pszText);
+    for (const Entry enter : {
+             Entry{[](Dialog&d, const char*pszText) { d.Type(kEdit, pszText); }},
+             Entry{[](Dialog&d, const char*pszText) { d.Paste(kEdit, pszText); }},
+             Entry{[](Dialog&d, const char*pszText) { d.RealType(kEdit, pszText); }},
+         }) {
+        PlainDialog plain;
+        DialogDriver driver([enter](Dialog& dialog) {
+            enter(dialog, "aB3");
+            EXPECT_FALSE(dialog.IsEnabled(IDOK));
+            enter(dialog, "!x");
+            EXPECT_EQ(dialog.Text(kEdit), "aB3!x");
+            EXPECT_TRUE(dialog.IsEnabled(IDOK));
+            dialog.Click(IDOK);
+        });
+        EXPECT_EQ(plain.DoModal(), IDOK);
+        driver.Join();
+        EXPECT_EQ(plain.strTyped, "aB3!x");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Ways, TextEntry,
-    testing::Values(
-        +[](Dialog& dialog, const char* pszText) { dialog.Type(kEdit, pszText); },
-        +[](Dialog& dialog, const char* pszText) { dialog.Paste(kEdit, pszText); },
-        +[](Dialog& dialog, const char* pszText) { dialog.RealType(kEdit, pszText); }));
 
 TEST(DialogDriver, DrivesDialogsInARowAndOneOverAnother) {
     PlainDialog first;
@@ -47,7 +95,8 @@ TEST(DialogDriver, DrivesDialogsInARowAndOneOverAnother) {
     DialogDriver driver(
         [](Dialog& dialog) {
             dialog.Click(kAsk);
-            Dialog question = dialog.Next(Titled("Question"));
+            Dialog question = dialog.Next();
+            EXPECT_EQ(question.Title(), "Question");
             EXPECT_FALSE(IsWindowEnabled(dialog.Handle()));
             question.Click(IDYES);
             question.WaitGone();
@@ -63,9 +112,8 @@ TEST(DialogDriver, DrivesDialogsInARowAndOneOverAnother) {
     EXPECT_EQ(second.strTyped, "1234");
 }
 
-TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanel) {
-    PlainDialog plain;
-    DialogDriver driver([](Dialog& dialog) {
+TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanelAndRunsWorkThere) {
+    DialogDriver driver([dwTestThread = GetCurrentThreadId()](Dialog& dialog) {
         EXPECT_EQ(dialog.FocusedId(), kEdit);
         dialog.Tab();
         EXPECT_EQ(dialog.FocusedId(), kAsk);
@@ -74,119 +122,79 @@ TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanel) {
         dialog.RealKey('R', {VK_MENU});
         EXPECT_EQ(dialog.FocusedId(), kPanelCheck);
         EXPECT_TRUE(dialog.IsChecked(kPanelCheck));
+        EXPECT_GT(dialog.Rect(kPanelCheck).top, dialog.Rect(kAsk).bottom);
 
-        ASSERT_EQ(dialog.Panels().size(), 1u);
-        const Dialog panel = dialog.Panels().front();
-        EXPECT_TRUE(panel.Has(kPanelCheck));
-        EXPECT_FALSE(panel.Has(kEdit));
-        EXPECT_GT(dialog.Rect(kPanelCheck).top, panel.Rect(kPanelCheck).top);
+        dialog.Run([=] { EXPECT_EQ(GetCurrentThreadId(), dwTestThread); });
+        EXPECT_THROW(dialog.Run([] { throw std::range_error("out"); }), std::range_error);
         dialog.RealKey(VK_ESCAPE);
     });
-    EXPECT_EQ(plain.DoModal(), IDCANCEL);
+    EXPECT_EQ(PlainDialog().DoModal(), IDCANCEL);
 }
 
-TEST(DialogDriver, RunsWorkOnTheDialogsThread) {
-    PlainDialog plain;
-    const DWORD dwTestThread = GetCurrentThreadId();
-    DialogDriver driver([&](Dialog& dialog) {
-        DWORD dwWorkThread = 0;
-        dialog.Run([&] { dwWorkThread = GetCurrentThreadId(); });
-        EXPECT_EQ(dwWorkThread, dwTestThread);
-        EXPECT_THROW(dialog.Run([] { throw std::range_error("out"); }), std::range_error);
-        dialog.Cancel();
-    });
-    EXPECT_EQ(plain.DoModal(), IDCANCEL);
+TEST(DialogDriver, FailsWithTheReasonOfAMistakeAndCancelsTheDialog) {
+    const struct {
+        std::vector<Step> steps;
+        const char* pszReason;
+    } mistakes[] = {
+        {{}, "no script waits for what is open: #32770 \"Plain\""},
+        {{Step(Titled("Other"), [](Dialog&) {})}, "#32770 \"Plain\""},
+        {{[](Dialog&) {}}, "until the dialog \"Plain\" has gone"},
+        {{[](Dialog& dialog) { dialog.Next(); }}, "until a dialog \"\" opens"},
+        {{[](Dialog& dialog) { dialog.Click(9); }}, "no control 9"},
+        {{[](Dialog& dialog) { dialog.Click(IDOK); }}, "disabled"},
+        {{[](Dialog& dialog) { dialog.Click(kHidden); }}, "hidden"},
+        {{[](Dialog& dialog) { dialog.WaitUntil("never", [] { return false; }); }}, "until never"},
+        {{[](Dialog&) { throw std::range_error("out of it"); }}, "out of it"},
+    };
+    for (const auto& mistake : mistakes) {
+        INT_PTR nResult = 0;
+        EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(
+            {
+                DialogDriver driver(1s, mistake.steps);
+                nResult = PlainDialog().DoModal();
+            },
+            mistake.pszReason);
+        EXPECT_EQ(nResult, IDCANCEL) << mistake.pszReason;
+    }
 }
 
-struct Mistake {
-    const char* pszName;
-    Step step;
-    const char* pszReason;
-};
-
-class DriverMistake : public testing::TestWithParam<Mistake> {};
-
-TEST_P(DriverMistake, FailsWithItsReasonAndCancelsTheDialog) {
-    INT_PTR nResult = 0;
-    EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(
-        {
-            PlainDialog plain;
-            DialogDriver driver(1s, GetParam().step);
-            nResult = plain.DoModal();
-        },
-        GetParam().pszReason);
-    EXPECT_EQ(nResult, IDCANCEL);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, DriverMistake,
-    testing::Values(
-        Mistake{"NoSuchDialog", Step(Titled("Other"), [](Dialog&) {}), "#32770 \"Plain\""},
-        Mistake{"LeftOpen", Step([](Dialog&) {}), "still open after 1000 ms"},
-        Mistake{"NoSuchControl", Step([](Dialog& dialog) { dialog.Click(9); }), "no control 9"},
-        Mistake{"DisabledControl", Step([](Dialog& dialog) { dialog.Click(IDOK); }), "disabled"},
-        Mistake{"HiddenControl", Step([](Dialog& dialog) { dialog.Click(kHidden); }), "hidden"},
-        Mistake{"MissedCondition", Step([](Dialog& dialog) {
-                    dialog.WaitUntil("the cows come home", [] { return false; });
-                }),
-                "until the cows come home"},
-        Mistake{"Exception", Step([](Dialog&) { throw std::range_error("out of it"); }),
-                "out of it"}),
-    [](const auto& mistake) { return mistake.param.pszName; });
-
-// Run by the next test, in a process of its own: a caught failure does not count as one.
+// These two are run by the test of endings.
 TEST(DialogDriver, DISABLED_FailsFatallyInTheScript) {
-    PlainDialog plain;
     DialogDriver driver([](Dialog&) { FAIL() << "in the script"; });
-    EXPECT_EQ(plain.DoModal(), IDCANCEL);
+    EXPECT_EQ(PlainDialog().DoModal(), IDCANCEL);
 }
 
-TEST(DialogDriver, CancelsTheDialogOfAScriptThatFailedFatally) {
-    const ChildResult result = RunDisabledTest("DialogDriver.DISABLED_FailsFatallyInTheScript");
-    EXPECT_EQ(result.dwExitCode, 1u);
-    EXPECT_NE(result.strOutput.find("in the script"), std::string::npos) << result.strOutput;
-    EXPECT_EQ(result.strOutput.find("dialog driver"), std::string::npos) << result.strOutput;
-    EXPECT_EQ(result.strOutput.find("DoModal"), std::string::npos) << result.strOutput;
-}
-
-TEST(DialogDriver, WithoutScriptsRefusesEveryDialog) {
-    EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(
-        {
-            PlainDialog plain;
-            DialogDriver noDialog;
-            plain.DoModal();
-        },
-        "no script waits for what is open: #32770 \"Plain\"");
-}
-
-// Run by the next test, in a process of its own.
 TEST(DialogDriver, DISABLED_MeetsAStubbornDialog) {
+    DialogDriver driver(1s, [](Dialog&) {});
     PlainDialog plain;
     plain.bStubborn = true;
-    DialogDriver driver(1s, [](Dialog&) {});
     plain.DoModal();
-}
-
-TEST(DialogDriver, EndsTheProcessWhenADialogCannotBeCancelled) {
-    const ChildResult result = RunDisabledTest("DialogDriver.DISABLED_MeetsAStubbornDialog");
-    EXPECT_EQ(result.dwExitCode, 3u);
-    EXPECT_NE(result.strOutput.find("still open after 1000 ms"), std::string::npos)
-        << result.strOutput;
-    EXPECT_NE(result.strOutput.find("\"Plain\" cannot be cancelled"), std::string::npos)
-        << result.strOutput;
 }
 
 TEST(DialogDriver, KeepsAQuitMessageForTheTest) {
     DialogDriver driver([](Dialog& dialog) {
         dialog.Run([] { PostQuitMessage(7); });
-        dialog.Cancel();
+        dialog.WaitGone();  // the system's own loop ends over it
     });
-    PlainDialog plain;
-    plain.DoModal();
+    PlainDialog().DoModal();
     driver.Join();
     MSG message = {};
     ASSERT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(message.wParam, 7u);
+}
+
+TEST(CapsLock, ActsOnTypingAndIsPutBack) {
+    const bool bBefore = CapsLock::IsOn();
+    {
+        const CapsLock capsLock(!bBefore);
+        DialogDriver driver([&](Dialog& dialog) {
+            dialog.RealType(kEdit, "abCD");
+            EXPECT_EQ(dialog.Text(kEdit), bBefore ? "abCD" : "ABcd");
+            dialog.Cancel();
+        });
+        PlainDialog().DoModal();
+    }
+    EXPECT_EQ(CapsLock::IsOn(), bBefore);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #include "support/resource_counts.h"
 
+#include <windows.h>
+
 #include <cstdlib>
-#include <memory>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
@@ -12,23 +14,14 @@
 namespace mvp::test {
 namespace {
 
-struct WindowTraits {
-    using Handle = HWND;
-    static Handle None() noexcept { return nullptr; }
-    static void Close(Handle handle) noexcept { DestroyWindow(handle); }
-};
-using Window = UniqueHandle<WindowTraits>;
-
 HWND NewWindow(HWND hParent) {
-    return CreateWindowExA(0, "STATIC", "", hParent == HWND_MESSAGE ? 0 : WS_POPUP, 0, 0, 9, 9,
-                           hParent, nullptr, nullptr, nullptr);
+    return CreateWindowExA(0, "STATIC", "", 0, 0, 0, 9, 9, hParent, nullptr, nullptr, nullptr);
 }
 
 // Makes one of each kind, counts it, and gives it back.
 void CountOneOfEachKind() {
     ResourceCounts before = ResourceCounts::Now();
-    const Window popup(NewWindow(nullptr));
-    const Window quiet(NewWindow(HWND_MESSAGE));
+    const HWND windows[] = {NewWindow(nullptr), NewWindow(HWND_MESSAGE)};
     EXPECT_EQ(ResourceCounts::Now().windows, before.windows + 2);
     const BYTE bits[32] = {};
     const Icon icon(CreateIcon(nullptr, 16, 16, 1, 1, bits, bits));
@@ -43,33 +36,39 @@ void CountOneOfEachKind() {
     EXPECT_EQ(ResourceCounts::Now().threads, before.threads + 1);
     SetEvent(event.get());
     thread.join();
-    const auto release = [](void* p) { std::free(p); };
-    const std::unique_ptr<void, decltype(release)> block(std::malloc(50000), release);
+    void* volatile pBlock = std::malloc(50000);  // volatile: the compiler would do without it
     EXPECT_GE(ResourceCounts::Now().heapBytes, before.heapBytes + 50000);
+    std::free(pBlock);
+    for (const HWND hWnd : windows)
+        DestroyWindow(hWnd);
 }
 
 TEST(ResourceCounts, CountsOneOfEachKind) {
     // A thread's first windows bring objects of the system with them, and take them along when they
     // go; counting loads libraries; the first thread leaves objects of the runtime behind.
-    const Window popup(NewWindow(nullptr));
-    const Window quiet(NewWindow(HWND_MESSAGE));
+    const HWND windows[] = {NewWindow(nullptr), NewWindow(HWND_MESSAGE)};
     ResourceCounts::Now();
-    CountOneOfEachKind();
-    const ResourceCounts before = ResourceCounts::Now();
-    CountOneOfEachKind();
-    ExpectNoGrowth(before, ResourceCounts::Now());
+    ExpectRoundsKeepNothing(1, 1, [](int) { CountOneOfEachKind(); });
+    for (const HWND hWnd : windows)
+        DestroyWindow(hWnd);
 }
 
-TEST(ResourceCounts, GrowthFailsTheTest) {
-    EXPECT_NONFATAL_FAILURE(
-        {
-            ResourceCounts before;
+TEST(ResourceCounts, GrowthOfEachKindFailsTheTest) {
+    const auto expectFailure = [](auto... kinds) {
+        for (const auto kind : {kinds...}) {
             ResourceCounts after;
-            after.gdiObjects = 1;
-            after.heapBlocks = 10;
-            ExpectNoGrowth(before, after);
-        },
-        "GDI objects grew from 0 to 1");
+            after.*kind = 2 << 20;
+            EXPECT_NONFATAL_FAILURE(ExpectNoGrowth({}, after), "grew from 0 to 2097152");
+        }
+    };
+    using Counts = ResourceCounts;
+    expectFailure(&Counts::windows, &Counts::otherUserObjects, &Counts::gdiObjects,
+                  &Counts::kernelHandles, &Counts::threads);
+    expectFailure(&Counts::heapBlocks, &Counts::heapBytes, &Counts::privateBytes);
+
+    std::vector<KernelHandle> events;
+    const auto keep = [&](int) { events.emplace_back(CreateEventA(nullptr, TRUE, TRUE, nullptr)); };
+    EXPECT_NONFATAL_FAILURE(ExpectRoundsKeepNothing(1, 5, keep), "kernel handles grew");
 }
 
 }  // namespace
