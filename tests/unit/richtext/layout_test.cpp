@@ -5,50 +5,34 @@
 #include <gtest/gtest.h>
 
 #include "richtext/dump.h"
-#include "richtext/fixed_measurer.h"
-#include "richtext/layout_queries.h"
-#include "richtext/rich_text.h"
+#include "richtext/plain_text.h"
+#include "test_text.h"
 
 namespace mvp::richtext {
 namespace {
 
 class LayoutTest : public testing::Test {
 protected:
-    LayoutTest() {
-        BuildSettings settings;
-        settings.font = {"Tahoma", 10, 400, false};
-        EXPECT_TRUE(m_text.SetSettings(settings));
-    }
-
     // The lines' texts, with a bar behind each.
     std::string Lines(const std::string& strMarkup, std::int32_t nWidth) {
-        EXPECT_TRUE(m_text.SetText(strMarkup));
-        EXPECT_TRUE(m_text.Layout(nWidth));
+        m_test.LayOut(strMarkup, nWidth);
         std::string strLines;
-        for (const LineBox& line : m_text.Boxes().aLines) {
-            for (std::uint32_t i = 0; i < line.nFragments; ++i) {
-                const Fragment& fragment = m_text.Boxes().aFragments[line.nFirstFragment + i];
-                if (fragment.kind == FragmentKind::Text) {
-                    strLines +=
-                        m_text.Document().strText.substr(fragment.nOffset, fragment.nLength);
-                }
-            }
-            strLines += '|';
+        for (const std::string& strLine : m_test.Lines()) {
+            strLines += strLine + '|';
         }
         return strLines;
     }
 
-    CFixedMeasurer m_measurer;
-    CRichText m_text{m_measurer};
+    TestText m_test{{"Tahoma", 10}};
+    CRichText& m_text = m_test.text;
 };
 
 TEST_F(LayoutTest, BreaksLines) {
-    struct Case {
+    constexpr struct {
         const char* pszMarkup;
         std::int32_t nWidth;
         const char* pszLines;
-    };
-    constexpr Case kCases[] = {
+    } kCases[] = {
         // Spaces collapse, and none begins or ends a line.
         {"  a   b  <br>  c &nbsp; d ", 200, "a b|c d|"},
         {"a <b> b</b>", 200, "a b|"},
@@ -75,7 +59,7 @@ TEST_F(LayoutTest, BreaksLines) {
         {"a<br><table><tr><td>b</table>\nc", 200, "a|b||c|"},
     };
     EXPECT_TRUE(m_text.SetStyleSheet(""));
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         EXPECT_EQ(Lines(c.pszMarkup, c.nWidth), c.pszLines) << c.pszMarkup;
     }
 }
@@ -100,25 +84,23 @@ TEST_F(LayoutTest, TransformsFollowTheCodePage) {
 TEST_F(LayoutTest, FindsWhatIsUnderThePoint) {
     // "go " is 15 wide, the link's two words 5 and 10 on two lines.
     EXPECT_EQ(Lines("go <a msg=m>b cc</a> <a href=h>d</a>", 22), "go b|cc d|");
-    struct Case {
-        std::int32_t nX;
-        std::int32_t nY;
+    constexpr struct {
+        std::int32_t nX, nY;
         std::uint32_t nLink;
-    };
-    constexpr Case kCases[] = {{0, 0, kNone},
-                               {14, 0, kNone},
-                               {15, 0, 0},
-                               {19, 9, 0},
-                               {20, 5, kNone},
-                               {0, 10, 0},
-                               {9, 19, 0},
-                               {12, 15, kNone},
-                               {15, 15, 1},
-                               {15, 20, kNone},
-                               {-1, 10, kNone},
-                               {15, -1, kNone},
-                               {2000000000, 2000000000, kNone}};
-    for (const Case& c : kCases) {
+    } kCases[] = {{0, 0, kNone},
+                  {14, 0, kNone},
+                  {15, 0, 0},
+                  {19, 9, 0},
+                  {20, 5, kNone},
+                  {0, 10, 0},
+                  {9, 19, 0},
+                  {12, 15, kNone},
+                  {15, 15, 1},
+                  {15, 20, kNone},
+                  {-1, 10, kNone},
+                  {15, -1, kNone},
+                  {2000000000, 2000000000, kNone}};
+    for (const auto& c : kCases) {
         EXPECT_EQ(HitTest(m_text.Boxes(), c.nX, c.nY).nLink, c.nLink) << c.nX << "," << c.nY;
     }
     const auto boxes = LinkBoxes(m_text.Boxes(), 0);
@@ -133,17 +115,15 @@ TEST_F(LayoutTest, HoverNeverChangesTheLayout) {
     EXPECT_TRUE(
         m_text.SetStyleSheet("a:link {color:1} a:hover {color:2; font-size:40px; padding:9}"));
     Lines("x <a msg=m>link <b>bold</b></a>", 500);
+    const CStyleTable& styles = m_text.Document().styles;
     for (const Fragment& fragment : m_text.Boxes().aFragments) {
-        const CStyleTable& styles = m_text.Document().styles;
-        if (fragment.nLink == kNone) {
-            EXPECT_EQ(styles[fragment.nStyle].nHover, kNone);
-            continue;
+        const ComputedStyle& style = styles[fragment.nStyle];
+        ASSERT_EQ(style.nHover != kNone, fragment.nLink != kNone);
+        if (style.nHover != kNone) {
+            EXPECT_EQ(styles[style.nHover].colour, 2U);
+            EXPECT_EQ(styles[style.nHover].nFont, style.nFont);
+            EXPECT_EQ(styles[style.nHover].nBox, style.nBox);
         }
-        const std::uint32_t nHover = styles[fragment.nStyle].nHover;
-        ASSERT_NE(nHover, kNone);
-        EXPECT_EQ(styles[nHover].colour, 2U);
-        EXPECT_EQ(styles[nHover].nFont, styles[fragment.nStyle].nFont);
-        EXPECT_EQ(styles[nHover].nBox, styles[fragment.nStyle].nBox);
     }
 }
 
@@ -161,6 +141,26 @@ TEST_F(LayoutTest, IsMadeAnewOnlyForWhatChanged) {
     EXPECT_TRUE(m_text.SetSettings(settings));
     EXPECT_TRUE(m_text.Layout(15));
     EXPECT_EQ(m_text.Boxes().nHeight, 40);
+}
+
+TEST_F(LayoutTest, PlainTextKeepsWordsAndLinesApart) {
+    constexpr struct {
+        const char* pszMarkup;
+        const char* pszPlain;
+        const char* pszLink;
+    } kCases[] = {
+        {"one <b>two</b>", "one two", ""},
+        {"one<br><br>two<hr>three", "one\ntwo\nthree", ""},
+        {"a<table><tr><td>b<td>c</tr><tr><td>d</table>e", "a\nb c\nd\ne", ""},
+        {"see <a msg=m>this <i>page</i><br>here</a>.", "see this page\nhere.", "this page\nhere"},
+        {"<br> &lt;x> ", "<x>", ""},
+        {"", "", ""},
+    };
+    for (const auto& c : kCases) {
+        m_test.LayOut(c.pszMarkup, 200);
+        EXPECT_EQ(PlainTextOf(m_text.Document()), c.pszPlain) << c.pszMarkup;
+        EXPECT_EQ(LinkTextOf(m_text.Document(), 0), c.pszLink) << c.pszMarkup;
+    }
 }
 
 }  // namespace

@@ -1,25 +1,25 @@
 // The markup reader, the style sheet, and what may open things.
 #include <algorithm>
+#include <iterator>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "href_filter.h"
 #include "richtext/dump.h"
-#include "richtext/fixed_measurer.h"
 #include "richtext/markup_reader.h"
-#include "richtext/rich_text.h"
 #include "richtext/style_sheet.h"
+#include "test_text.h"
 
 namespace mvp::richtext {
 namespace {
 
 TEST(MarkupReader, CutsTextIntoEvents) {
-    struct Case {
+    constexpr struct {
         const char* pszMarkup;
         const char* pszEvents;
-    };
-    constexpr Case kCases[] = {
+    } kCases[] = {
         {"a<b>c</B>", "text \"a\"\nopen b\ntext \"c\"\nclose b\n"},
         {"a\nb\r\nc\rd",
          "text \"a\"\nopen br (character)\ntext \"b\"\nopen br (character)\ntext \"c\"\n"
@@ -51,7 +51,7 @@ TEST(MarkupReader, CutsTextIntoEvents) {
         {"<a HREF=x>", "open a\n"},
         {"<a href>", "open a\n"},
     };
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         EXPECT_EQ(DumpMarkup(c.pszMarkup), c.pszEvents) << c.pszMarkup;
     }
 }
@@ -62,20 +62,17 @@ TEST(MarkupReader, HrefIsNeverReadWhereTheFilterFindsNone) {
         "<",  ">",     "a",   " ",   "href", "=",  "\"",   "'",   "&lt;", "/",     "<a ",  "\n",
         "\t", "HREF=", "hre", "f=x", "x",    "<<", "<!--", "-->", "&gt;", "hr ef", "\x0b", "href="};
 
-    std::uint32_t nState = 1;
+    std::minstd_rand random;
     int nRead = 0;
     int nFound = 0;
     for (int i = 0; i < 20000; ++i) {
         std::string strMarkup;
-        nState = nState * 1664525U + 1013904223U;
-        const std::uint32_t nPieces = 2 + (nState >> 8) % 12;
-        for (std::uint32_t j = 0; j < nPieces; ++j) {
-            nState = nState * 1664525U + 1013904223U;
-            strMarkup += kPieces[(nState >> 8) % std::size(kPieces)];
+        for (std::size_t nPieces = 2 + random() % 12; nPieces > 0; --nPieces) {
+            strMarkup += kPieces[random() % std::size(kPieces)];
         }
         CMarkupReader reader(strMarkup);
         bool bHref = false;
-        for (MarkupEvent event = reader.Next(); event.kind != MarkupEvent::Kind::End;
+        for (auto event = reader.Next(); event.kind != MarkupEvent::Kind::End;
              event = reader.Next()) {
             bHref = bHref || (event.kind == MarkupEvent::Kind::Open &&
                               reader.Attributes().Has(AttributeId::Href));
@@ -91,11 +88,10 @@ TEST(MarkupReader, HrefIsNeverReadWhereTheFilterFindsNone) {
 }
 
 TEST(StyleSheet, ScansRuleByRule) {
-    struct Case {
+    constexpr struct {
         const char* pszText;
         const char* pszRules;
-    };
-    constexpr Case kCases[] = {
+    } kCases[] = {
         {"", ""},
         {"b{color:red}", "b {color:red}\n"},
         {" b \r\n { color : red } \r\n i {x}", "b {color : red}\ni {x}\n"},
@@ -105,7 +101,7 @@ TEST(StyleSheet, ScansRuleByRule) {
         {"b {x}/* i {y} */u {z}/* open", "b {x}\nu {z}\n"},
         {"}} b {x}", "}} b {x}\n"},
     };
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         CStyleSheet sheet;
         sheet.Load(c.pszText);
         EXPECT_EQ(sheet.Dump(), c.pszRules) << c.pszText;
@@ -146,30 +142,24 @@ TEST(StyleSheet, TakesLinkRulesOfTheHost) {
 
 // What holds of the last text item of a document.
 std::string LastStyle(const char* pszMarkup, std::optional<std::string_view> sheet) {
-    CFixedMeasurer measurer;
-    CRichText text(measurer);
-    EXPECT_TRUE(text.SetStyleSheet(sheet));
-    EXPECT_TRUE(text.SetText(pszMarkup));
-    EXPECT_TRUE(text.Layout(1000));
-    std::string strStyle;
-    const std::string strDump = DumpStyles(text.Document());
-    for (const Item& item : text.Document().aItems) {
-        if (item.kind == ItemKind::Text) {
-            const std::string strName = "\nstyle " + std::to_string(item.nStyle) + ": font ";
-            const std::size_t nAt = strDump.find(strName) + strName.size();
-            strStyle = strDump.substr(nAt, strDump.find('\n', nAt) - nAt);
-        }
-    }
-    return strStyle;
+    TestText test;
+    EXPECT_TRUE(test.text.SetStyleSheet(sheet));
+    test.LayOut(pszMarkup, 1000);
+    const auto& aItems = test.text.Document().aItems;
+    const auto last = std::find_if(aItems.rbegin(), aItems.rend(),
+                                   [](const Item& item) { return item.kind == ItemKind::Text; });
+    const std::string strDump = DumpStyles(test.text.Document());
+    const std::string strName = "\nstyle " + std::to_string(last->nStyle) + ": font ";
+    const std::size_t nAt = strDump.find(strName) + strName.size();
+    return strDump.substr(nAt, strDump.find('\n', nAt) - nAt);
 }
 
 TEST(Styles, FollowTheCascade) {
-    struct Case {
+    constexpr struct {
         const char* pszMarkup;
         const char* pszSheet;
         const char* pszStyle;  // of the last text
-    };
-    constexpr Case kCases[] = {
+    } kCases[] = {
         {"<b>x", "", "\"\" 13 weight 700 colour 0x000000"},
         {"<b>x", "bold {font-weight:500}", "\"\" 13 weight 500 colour 0x000000"},
         {"<i><u>x", "italic {color:red}", "\"\" 13 weight 400 italic colour 0x0000FF underline"},
@@ -199,7 +189,7 @@ TEST(Styles, FollowTheCascade) {
         {"<a msg=1>x<b>y</a>z", "a:link {color:red}", "\"\" 13 weight 700 colour 0x000000"},
         {"<center><right>x</right>y", "", "\"\" 13 weight 400 colour 0x000000 align center"},
     };
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         EXPECT_EQ(LastStyle(c.pszMarkup, c.pszSheet), c.pszStyle) << c.pszMarkup;
     }
     // 14 points at 96 dots an inch.

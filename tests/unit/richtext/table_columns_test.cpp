@@ -22,12 +22,11 @@ Column Percent(int nMin, int nMax, int nPercent) {
 }
 
 TEST(TableColumns, ShareTheWidth) {
-    struct Case {
+    const struct {
         std::vector<Column> columns;
         int nWidth;
         std::vector<int> widths;
-    };
-    const Case kCases[] = {
+    } kCases[] = {
         // Never below the least.
         {{Auto(30, 50), Auto(20, 90)}, 10, {30, 20}},
         // Between least and most: by what each could grow.
@@ -44,7 +43,7 @@ TEST(TableColumns, ShareTheWidth) {
         {{Auto(0, 0), Auto(0, 0)}, 50, {25, 25}},
         {{}, 50, {}},
     };
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         std::vector<Fixed> widths(c.columns.size());
         ShareWidth(c.columns, ToFixed(c.nWidth), widths);
         std::vector<int> pixels;
@@ -56,7 +55,7 @@ TEST(TableColumns, ShareTheWidth) {
 }
 
 TEST(TableColumns, TakeFromCellsOfOneColumnFirst) {
-    std::vector<ColumnCell> cells = {
+    const std::vector<ColumnCell> cells = {
         {0, 2, ToFixed(60), ToFixed(100), 0, false},  // over both, with 10 between
         {0, 1, ToFixed(10), ToFixed(30), 0, false},
         {1, 1, ToFixed(10), ToFixed(10), 0, false},
@@ -73,15 +72,21 @@ TEST(TableColumns, TakeFromCellsOfOneColumnFirst) {
     EXPECT_TRUE(columns[2].bFixed);
     EXPECT_EQ(columns[0].nPercent, 0);
     EXPECT_NEAR(columns[1].nPercent + columns[2].nPercent, 50, 1);
+
+    // Shares end at a hundred together: the first ones have theirs.
+    columns.assign(3, {});
+    MeasureColumns(std::vector<ColumnCell>{{0, 1, 0, 0, 80, false}, {1, 1, 0, 0, 60, false}}, 0,
+                   columns);
+    EXPECT_EQ(columns[0].nPercent, 80);
+    EXPECT_EQ(columns[1].nPercent, 20);
 }
 
 TEST(TableRows, HoldTheirCells) {
-    struct Case {
+    const struct {
         std::vector<RowCell> cells;
         int nTableHeight;
         std::vector<int> heights;
-    };
-    const Case kCases[] = {
+    } kCases[] = {
         {{{0, 1, 10, -1, false}, {1, 1, 20, -1, false}}, 0, {10, 20, 0}},
         // A cell over rows: in proportion, but not to a row with a height of its own.
         {{{0, 2, 60, -1, false}, {0, 1, 10, -1, false}, {1, 1, 20, -1, false}}, 0, {20, 40, 0}},
@@ -91,10 +96,9 @@ TEST(TableRows, HoldTheirCells) {
         {{{0, 1, 20, 16, false}, {0, 1, 20, 4, false}}, 0, {32, 0, 0}},
         {{{0, 1, 10, -1, false}, {1, 1, 30, -1, false}}, 80, {20, 60, 0}},
     };
-    for (const Case& c : kCases) {
-        std::vector<RowCell> cells = c.cells;
+    for (const auto& c : kCases) {
         std::vector<Row> rows(3);
-        MeasureRows(cells, 0, c.nTableHeight, rows);
+        MeasureRows(c.cells, 0, c.nTableHeight, rows);
         std::vector<int> heights;
         for (const Row& row : rows) {
             heights.push_back(static_cast<int>(row.nHeight));
