@@ -42,8 +42,11 @@ protected:
         aKeys[VK_SHIFT] = bShift ? nState : BYTE{0};
         SetKeyboardState(aKeys.data());
     }
-    int FocusLink() { return m_host.m_pStatic->Drawer().FocusLink(); }
-    bool ControlHasFocus() { return GetFocus() == m_host.m_pStatic->m_hWnd; }
+    // A window has the focus and, if it is the control, one of its links.
+    void ExpectFocus(HWND hWnd, int nLink) {
+        EXPECT_EQ(GetFocus(), hWnd);
+        EXPECT_EQ(m_host.m_pStatic->Drawer().FocusLink(), nLink);
+    }
 
     CHtmlHost m_host;
     HWND m_hBefore = nullptr;
@@ -51,45 +54,39 @@ protected:
 };
 
 TEST_F(HtmlKeyboard, TabGoesFromLinkToLinkAndOn) {
-    Press(VK_TAB);
-    EXPECT_TRUE(ControlHasFocus());
-    EXPECT_EQ(FocusLink(), 0);
-    Press(VK_TAB);
-    EXPECT_TRUE(ControlHasFocus());
-    EXPECT_EQ(FocusLink(), 2) << "a link without anything to see is passed over";
-    Press(VK_TAB);
-    EXPECT_EQ(GetFocus(), m_hAfter);
-    EXPECT_EQ(FocusLink(), kNoLink);
-
-    Press(VK_TAB, true);
-    EXPECT_TRUE(ControlHasFocus());
-    EXPECT_EQ(FocusLink(), 2) << "backwards from the last one";
-    Press(VK_TAB, true);
-    EXPECT_EQ(FocusLink(), 0);
-    Press(VK_TAB, true);
-    EXPECT_EQ(GetFocus(), m_hBefore);
+    const HWND hControl = m_host.m_pStatic->m_hWnd;
+    // A link without anything to see is passed over.
+    const struct {
+        HWND hWnd;
+        int nLink;
+        bool bShift;
+    } kSteps[] = {{hControl, 0, false}, {hControl, 2, false}, {m_hAfter, kNoLink, false},
+                  {hControl, 2, true},  {hControl, 0, true},  {m_hBefore, kNoLink, true}};
+    for (const auto& step : kSteps) {
+        SCOPED_TRACE(&step - kSteps);
+        Press(VK_TAB, step.bShift);
+        ExpectFocus(step.hWnd, step.nLink);
+    }
 }
 
 TEST_F(HtmlKeyboard, EnterAndSpaceFollowTheLink) {
-    Press(VK_TAB);
-    Press(VK_RETURN);
-    Press(VK_TAB);
-    Press(VK_SPACE);
+    constexpr WORD kKeys[] = {VK_TAB, VK_RETURN, VK_TAB, VK_SPACE};
+    for (const WORD nKey : kKeys)
+        Press(nKey);
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("one", "two"));
 }
 
 TEST_F(HtmlKeyboard, WithoutLinksTheDialogKeepsTheKeys) {
     m_host.m_pStatic->SetWindowText("nothing to follow");
     Press(VK_TAB);
-    EXPECT_EQ(FocusLink(), kNoLink);
+    ExpectFocus(m_host.m_pStatic->m_hWnd, kNoLink);
     Press(VK_TAB);
-    EXPECT_EQ(GetFocus(), m_hAfter);
+    ExpectFocus(m_hAfter, kNoLink);
 }
 
 TEST_F(HtmlKeyboard, AClickTakesTheFocus) {
     m_host.Click(2);
-    EXPECT_TRUE(ControlHasFocus());
-    EXPECT_EQ(FocusLink(), 2);
+    ExpectFocus(m_host.m_pStatic->m_hWnd, 2);
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("two"));
 }
 
