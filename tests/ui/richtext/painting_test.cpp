@@ -28,11 +28,13 @@ TEST(BorderPainting, DrawsEveryStyle) {
         {"border=2 borderstyle=none bordercolor=blue", "40w", "40w", "30w"},
         // Light falls from the top left.
         {"border=2 bordercolorlight=red bordercolordark=blue", "40r", "2r 36w 2b", "2r 26w 2b"},
+        {"class=uneven bordercolorlight=red bordercolordark=blue", "40r", "3r 34w 3b", "1r 28w 1b"},
     };
     for (const auto& c : kCases) {
-        const Canvas canvas(40, 30,
-                            "<table cellspacing=0 cellpadding=0 width=40 height=30 bgcolor=white " +
-                                c.strAttributes + "><tr><td border=0></td></tr></table>");
+        TestDrawer drawer("<table cellspacing=0 cellpadding=0 width=40 height=30 bgcolor=white " +
+                              c.strAttributes + "><tr><td border=0></td></tr></table>",
+                          ".uneven {border-style: solid; border-width: 1px 3px}");
+        const Canvas canvas(40, 30, drawer);
         EXPECT_EQ(canvas.Row(0), c.pszTop) << c.strAttributes;
         EXPECT_EQ(canvas.Row(14), c.pszAcross) << c.strAttributes;
         EXPECT_EQ(canvas.Column(20), c.pszDown) << c.strAttributes;

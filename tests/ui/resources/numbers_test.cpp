@@ -1,0 +1,164 @@
+// The numbers of the resource module as they are promised to whoever translates it or embeds the
+// library's panels, and that every language holds the same things under them.
+
+#include <windows.h>
+
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "resource_module.h"
+#include "resources/resource_numbers.h"
+#include "template_window.h"
+
+namespace {
+
+// Literals, so that a number that changes in resource_numbers.h, and with it in the sources and the
+// scripts, is noticed.
+constexpr char kStatedNumbers[] =
+    "IDC_STATIC -1, IDD_CHANGE_PIN_PANEL 3002, IDD_CHANGE_PIN_MAIN 3003, IDD_POLICIES 3011, "
+    "IDD_ENTER_PIN 3073, IDC_CHANGE_PIN_PANEL_CURRENT_EDIT 3003, "
+    "IDC_CHANGE_PIN_PANEL_CONFIRM_EDIT 3004, IDC_CHANGE_PIN_PANEL_NEW_EDIT 3005, "
+    "IDC_CHANGE_PIN_PANEL_CURRENT_LABEL 3017, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL 3018, "
+    "IDC_CHANGE_PIN_PANEL_NEW_LABEL 3019, IDC_CHANGE_PIN_PANEL_POLICIES_PLACE 3020, "
+    "IDC_CHANGE_PIN_PANEL_INSTRUCTION 3022, IDC_CHANGE_PIN_MAIN_PANEL_PLACE 3010, "
+    "IDC_POLICIES_ALPHA_TEXT 3001, IDC_POLICIES_CONFIRM_TEXT 3002, IDC_POLICIES_MAX_TEXT 3006, "
+    "IDC_POLICIES_MIN_TEXT 3007, IDC_POLICIES_BOX 3008, IDC_POLICIES_SAME_TEXT 3009, "
+    "IDC_POLICIES_ALPHA_ICON 3011, IDC_POLICIES_CONFIRM_ICON 3012, IDC_POLICIES_MAX_ICON 3013, "
+    "IDC_POLICIES_MIN_ICON 3014, IDC_POLICIES_SAME_ICON 3015, IDC_POLICIES_WEAK_ICON 3016, "
+    "IDC_POLICIES_WEAK_TEXT 3023, IDC_ENTER_PIN_BANNER 3047, IDC_ENTER_PIN_PROGRESS 3048, "
+    "IDC_ENTER_PIN_EDIT 3049, IDC_ENTER_PIN_PROMPT 3074, IDC_ENTER_PIN_BRAND_BANNER 3075, "
+    "IDC_ENTER_PIN_BRAND_PROGRESS 3076, IDS_POLICIES_ALPHA 3021, IDS_POLICIES_CONFIRM 3023, "
+    "IDS_POLICIES_MAX_FORMAT 3025, IDS_POLICIES_MIN_FORMAT 3026, IDS_POLICIES_BOX 3031, "
+    "IDS_POLICIES_SAME 3032, IDS_POLICIES_WEAK 3034, IDS_CARD_PIN_TITLE 3022, "
+    "IDS_CHANGE_PIN_CURRENT_LABEL 3028, IDS_CHANGE_PIN_CONFIRM_LABEL 3029, "
+    "IDS_CHANGE_PIN_NEW_LABEL 3030, IDS_CHANGE_PIN_INSTRUCTION 3033, "
+    "IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY 3133, IDS_CAPS_LOCK_TITLE 3041, IDS_CAPS_LOCK_PIN 3042, "
+    "IDS_CAPS_LOCK_PASSWORD 3043, IDS_CAPS_LOCK_SYSTEM_BEGIN 3044, IDS_ERROR_GENERAL 3059, "
+    "IDS_ERROR_CARD_ABSENT 3060, IDS_ERROR_READER_ABSENT 3061, IDS_ERROR_WRONG_PIN 3062, "
+    "IDS_ERROR_WRONG_UNLOCK_CODE 3063, IDS_ERROR_PIN_BLOCKED 3064, "
+    "IDS_ERROR_UNLOCK_CODE_BLOCKED 3065, IDS_ERROR_PIN_REFUSED 3066, IDS_ERROR_CARD_UNKNOWN 3067, "
+    "IDS_ERROR_CARD_NOT_INITIALIZED 3068, IDS_ERROR_CANCELLED 3071, IDS_ERROR_CARD_IN_USE 3069, "
+    "IDS_ERROR_CARD_COMMUNICATION 3070, IDS_LAST_PIN_TRY 3073, IDI_CARD_PIN 3012, "
+    "IDI_RULE_VIOLATED 3014, IDI_RULE_SATISFIED 3016, IDB_ENTER_PIN_BANNER 3201, "
+    "IDB_ENTER_PIN_PROGRESS 3202, ";
+
+// The controls of each dialog by their class; without the statics that no code asks for.
+const std::map<int, std::string> kStatedControls = {
+    {IDD_ENTER_PIN, "button 1 2, edit 3049, static 3047 3048 3074 3075 3076"},
+    {IDD_CHANGE_PIN_PANEL, "edit 3003 3004 3005, static 3017 3018 3019 3020 3022"},
+    {IDD_CHANGE_PIN_MAIN, "button 1 2, static 3010"},
+    {IDD_POLICIES,
+     "button 3008, static 3001 3002 3006 3007 3009 3011 3012 3013 3014 3015 3016 3023"},
+};
+
+std::string ControlsOf(const ResourceModule& module, int dialog) {
+    std::map<std::string, std::multiset<int>> byClass;
+    for (const Control& control : TemplateWindow(module, dialog).Controls()) {
+        // A static without a number reads as 65535 here.
+        if (static_cast<short>(control.nNumber) != IDC_STATIC)
+            byClass[control.strClass].insert(control.nNumber);
+    }
+    std::string text;
+    for (const auto& [name, numbers] : byClass) {
+        text += (text.empty() ? "" : ", ") + name;
+        for (const int number : numbers)
+            text += " " + std::to_string(number);
+    }
+    return text;
+}
+
+// The conversions of a printf-style text, in order: what the code's arguments must match.
+std::vector<std::string> Conversions(const std::string& text) {
+    std::vector<std::string> found;
+    for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at)) {
+        const std::size_t end = text.find_first_of("diouxXcsp%", at + 1);
+        found.push_back(text.substr(at, end == std::string::npos ? end : end - at + 1));
+        at = end == std::string::npos ? text.size() : end + 1;
+    }
+    return found;
+}
+
+// What a template's code relies on: which controls there are, of which kind, in which order.
+std::vector<std::string> Outline(const ResourceModule& module, int dialog) {
+    std::vector<std::string> lines;
+    for (const Control& control : TemplateWindow(module, dialog).Controls())
+        lines.push_back(std::to_string(control.nNumber) + " " + control.strClass + " " +
+                        std::to_string(control.dwStyle));
+    return lines;
+}
+
+class EachLanguage : public ::testing::TestWithParam<std::string> {
+protected:
+    const ResourceModule m_module{GetParam()};
+};
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Resources, EachLanguage, ::testing::ValuesIn(Languages()),
+                         [](const auto& test) { return test.param; });
+
+TEST(ResourceNumbers, AreTheStatedOnes) {
+    std::istringstream stated(kStatedNumbers);
+    std::map<std::string, int> numbers;
+    std::string name;
+    char comma = 0;
+    for (int number = 0; stated >> name >> number >> comma;)
+        numbers[name] = number;
+    for (const NamedNumber& named : NamedNumbers("ID"))
+        EXPECT_EQ(numbers[named.strName], named.nNumber) << named.strName;
+    EXPECT_EQ(numbers.size(), NamedNumbers("ID").size());
+}
+
+TEST_P(EachLanguage, HasTheStatedThingsAndNoOther) {
+    const std::pair<LPCSTR, const char*> kinds[] = {
+        {RT_DIALOG, "IDD_"}, {RT_STRING, "IDS_"}, {RT_GROUP_ICON, "IDI_"}, {RT_BITMAP, "IDB_"}};
+    for (const auto& [type, prefix] : kinds) {
+        std::set<int> numbers;
+        for (const NamedNumber& number : NamedNumbers(prefix))
+            numbers.insert(number.nNumber);
+        EXPECT_EQ(m_module.Numbers(type), numbers) << prefix;
+    }
+    for (const int dialog : m_module.Numbers(RT_DIALOG))
+        EXPECT_EQ(ControlsOf(m_module, dialog), kStatedControls.at(dialog)) << dialog;
+}
+TEST_P(EachLanguage, AgreesWithTheFirstLanguage) {
+    const ResourceModule first(Languages().front());
+    for (const int dialog : first.Numbers(RT_DIALOG))
+        EXPECT_EQ(Outline(m_module, dialog), Outline(first, dialog)) << "template " << dialog;
+    for (const int string : first.Numbers(RT_STRING))
+        EXPECT_EQ(Conversions(m_module.Text(string)), Conversions(first.Text(string)))
+            << "string " << string;
+}
+
+TEST_P(EachLanguage, TakesOneIntegerInTheLengthFormats) {
+    for (const int format : {IDS_POLICIES_MIN_FORMAT, IDS_POLICIES_MAX_FORMAT})
+        EXPECT_EQ(Conversions(m_module.Text(format)), std::vector<std::string>{"%d"});
+}
+
+// The texts of the Caps Lock balloon are kept in 260 characters; a balloon's title holds 99.
+TEST_P(EachLanguage, FitsTheBuffersOfTheCapsLockBalloon) {
+    EXPECT_LT(m_module.Text(IDS_CAPS_LOCK_TITLE).size(), 100U);
+    EXPECT_LT(m_module.Text(IDS_CAPS_LOCK_PIN).size(), 260U);
+    EXPECT_LT(m_module.Text(IDS_CAPS_LOCK_PASSWORD).size(), 260U);
+}
+
+TEST_P(EachLanguage, DrawsEveryIconAtSixteenPixels) {
+    for (const int number : m_module.Numbers(RT_GROUP_ICON)) {
+        const mvp::Icon icon(static_cast<HICON>(
+            LoadImageA(m_module.get(), MAKEINTRESOURCEA(number), IMAGE_ICON, 16, 16, 0)));
+        ASSERT_TRUE(icon) << "icon " << number;
+        ICONINFO info{};
+        ASSERT_TRUE(GetIconInfo(icon.get(), &info));
+        const mvp::Bitmap colour(info.hbmColor);
+        const mvp::Bitmap mask(info.hbmMask);
+        BITMAP bitmap{};
+        GetObjectA(colour.get(), sizeof(bitmap), &bitmap);
+        EXPECT_EQ(bitmap.bmWidth, 16) << "icon " << number;
+        EXPECT_EQ(bitmap.bmBitsPixel, 32) << "icon " << number;
+    }
+}
