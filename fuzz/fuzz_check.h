@@ -1,9 +1,11 @@
-// A condition that ends a fuzz run when it does not hold, in every build.
+// What the fuzz targets of rich text and others check with.
 #pragma once
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
+// A condition that ends a fuzz run when it does not hold, in every build.
 #define FUZZ_CHECK(condition)                                                    \
     do {                                                                         \
         if (!(condition)) {                                                      \
@@ -11,3 +13,18 @@
             std::abort();                                                        \
         }                                                                        \
     } while (false)
+
+// The plain text filter .*<.*href\s*=.*>.* (letter case matters, the dot matches everything), by
+// hand: what a host may use to tell texts that can open things from those that cannot.
+inline bool MatchesHrefFilter(std::string_view text) {
+    const std::size_t nLastClose = text.rfind('>');
+    for (std::size_t nAt = text.find("href", text.find('<')); nAt != std::string_view::npos;
+         nAt = text.find("href", nAt + 1)) {
+        const std::size_t nEquals = text.find_first_not_of(" \t\n\v\f\r", nAt + 4);
+        if (nEquals != std::string_view::npos && text[nEquals] == '=' &&
+            nLastClose != std::string_view::npos && nLastClose > nEquals) {
+            return true;
+        }
+    }
+    return false;
+}

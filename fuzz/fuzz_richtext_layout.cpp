@@ -7,7 +7,6 @@
 #include "fuzz_check.h"
 #include "richtext/dump.h"
 #include "richtext/fixed_measurer.h"
-#include "richtext/href_filter.h"
 #include "richtext/rich_text.h"
 
 namespace {

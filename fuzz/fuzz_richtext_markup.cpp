@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "fuzz_check.h"
-#include "richtext/href_filter.h"
 #include "richtext/markup_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {

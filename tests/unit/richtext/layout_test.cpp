@@ -68,17 +68,18 @@ TEST_F(LayoutTest, TransformsFollowTheCodePage) {
     EXPECT_TRUE(
         m_text.SetStyleSheet(".u {text-transform:uppercase} .l {text-transform:lowercase} "
                              ".c {text-transform:capitalize}"));
-    EXPECT_EQ(Lines("<span class=u>stra\xDF"
-                    "e \xE9\xFF\xF7</span>",
-                    500),
-              "STRA\xDF"
-              "E \xC9\x9F\xF7|");
-    EXPECT_EQ(Lines("<span class=l>\xC9T\xC9 1</span>", 500), "\xE9t\xE9 1|");
-    EXPECT_EQ(Lines("<span class=c>don't be well-known 2nd \xE9t\xE9 \xDFx</span>", 500),
-              "Don't Be Well-Known 2nd \xC9t\xE9 \xDFx|");
-    // A word begins where it does, whatever is transformed before it.
-    EXPECT_EQ(Lines("so, <span class=c>every</span> o<span class=c>ne</span>", 500),
-              "so, Every one|");
+    ExpectTexts([&](const char* pszMarkup) { return Lines(pszMarkup, 500); },
+                {
+                    {"<span class=u>stra\xDF"
+                     "e \xE9\xFF\xF7</span>",
+                     "STRA\xDF"
+                     "E \xC9\x9F\xF7|"},
+                    {"<span class=l>\xC9T\xC9 1</span>", "\xE9t\xE9 1|"},
+                    {"<span class=c>don't be well-known 2nd \xE9t\xE9 \xDFx</span>",
+                     "Don't Be Well-Known 2nd \xC9t\xE9 \xDFx|"},
+                    // A word begins where it does, whatever is transformed before it.
+                    {"so, <span class=c>every</span> o<span class=c>ne</span>", "so, Every one|"},
+                });
 }
 
 TEST_F(LayoutTest, FindsWhatIsUnderThePoint) {
@@ -145,9 +146,7 @@ TEST_F(LayoutTest, IsMadeAnewOnlyForWhatChanged) {
 
 TEST_F(LayoutTest, PlainTextKeepsWordsAndLinesApart) {
     constexpr struct {
-        const char* pszMarkup;
-        const char* pszPlain;
-        const char* pszLink;
+        const char *pszMarkup, *pszPlain, *pszLink;
     } kCases[] = {
         {"one <b>two</b>", "one two", ""},
         {"one<br><br>two<hr>three", "one\ntwo\nthree", ""},

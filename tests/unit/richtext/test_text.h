@@ -1,7 +1,10 @@
-// A text through all stages, measured without a device.
+// A text through all stages, measured without a device, and tables of texts.
 #pragma once
 
+#include <functional>
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -10,6 +13,14 @@
 #include "richtext/rich_text.h"
 
 namespace mvp::richtext {
+
+// What is made of each first text is the second.
+inline void ExpectTexts(const std::function<std::string(const char*)>& make,
+                        std::initializer_list<std::pair<const char*, std::string>> cases) {
+    for (const auto& [pszText, strExpected] : cases) {
+        EXPECT_EQ(make(pszText), strExpected) << pszText;
+    }
+}
 
 struct TestText {
     explicit TestText(FontDescription font = BuildSettings().font) {

@@ -9,6 +9,7 @@
 #include "richtext/colour_table.h"
 #include "richtext/markup_tables.h"
 #include "richtext/value_readers.h"
+#include "test_text.h"
 
 namespace mvp::richtext {
 namespace {
@@ -210,24 +211,20 @@ TEST(Tables, HoldTheLanguagesEntities) {
 }
 
 TEST(BrowserCommand, CutsTheCommandAtItsPlaceholder) {
-    constexpr struct {
-        const char* pszCommand;
-        const char* pszLine;
-    } kCases[] = {
-        {"browser.exe %1", "browser.exe  T"},
-        {"\"C:\\A B\\browser.exe\" -nohome", "\"C:\\A B\\browser.exe\" -nohome T"},
-        {"\"C:\\A B\\browser.exe\" \"%1\"", "\"C:\\A B\\browser.exe\"  T"},
-        {"\"C:\\A B\\browser.exe\" -url \"%1\" -new", "\"C:\\A B\\browser.exe\" -url  T"},
-        {"browser.exe \"-url=%1\"", "browser.exe  T"},
-        {"\"browser.exe\" %1 \"%1\"", "\"browser.exe\"  T"},
-        {"%1", " T"},
-        {"\"%1\"", " T"},
-        {"browser.exe %10", "browser.exe  T"},
-        {"", " T"},
-    };
-    for (const auto& c : kCases) {
-        EXPECT_EQ(BrowserCommandLine(c.pszCommand, "T"), c.pszLine) << c.pszCommand;
-    }
+    ExpectTexts(
+        [](const char* psz) { return BrowserCommandLine(psz, "T"); },
+        {
+            {"browser.exe %1", "browser.exe  T"},
+            {"\"C:\\A B\\browser.exe\" -nohome", "\"C:\\A B\\browser.exe\" -nohome T"},
+            {"\"C:\\A B\\browser.exe\" \"%1\"", "\"C:\\A B\\browser.exe\"  T"},
+            {"\"C:\\A B\\browser.exe\" -url \"%1\" -new", "\"C:\\A B\\browser.exe\" -url  T"},
+            {"browser.exe \"-url=%1\"", "browser.exe  T"},
+            {"\"browser.exe\" %1 \"%1\"", "\"browser.exe\"  T"},
+            {"%1", " T"},
+            {"\"%1\"", " T"},
+            {"browser.exe %10", "browser.exe  T"},
+            {"", " T"},
+        });
 }
 
 }  // namespace
