@@ -1,5 +1,6 @@
 // Lengths on a real device: its dots per inch and its fonts decide what a unit comes to.
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -23,10 +24,7 @@ int HeightOfX() {
 
 // For a screen of so many dots per inch.
 void ExpectUnits(int nDots) {
-    const struct {
-        const char* pszLength;
-        int nPixels;
-    } kCases[] = {
+    const std::pair<const char*, int> kCases[] = {
         {"7px", 7},
         {"3em", 3 * kFontHeight},
         {"5ex", 5 * HeightOfX()},

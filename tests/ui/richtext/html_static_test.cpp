@@ -2,6 +2,7 @@
 #include <array>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <dlgfw/dialog.h>
@@ -232,10 +233,8 @@ TEST_F(HtmlStatic, MovesImagesByTheClockItIsGiven) {
     control.AllowImageList(hList);
     const std::string strHandle = std::to_string(reinterpret_cast<UINT_PTR>(hList));
     control.SetWindowText(("<ilst cx=40 cy=40 speed=100 handle=" + strHandle + ">").c_str());
-    const struct {
-        DWORD dwPassed;
-        COLORREF colour;
-    } kMoments[] = {{0, kRed}, {99, kRed}, {100, kBlue}, {199, kBlue}, {1000, kRed}};
+    constexpr std::pair<DWORD, COLORREF> kMoments[] = {
+        {0, kRed}, {99, kRed}, {100, kBlue}, {199, kBlue}, {1000, kRed}};
     for (const auto& [dwPassed, colour] : kMoments) {
         s_dwNow = kStart + dwPassed;
         control.SendMessage(WM_TIMER, 1);
@@ -259,8 +258,8 @@ TEST_F(HtmlStatic, HoldsNothingMoreAfterManyTexts) {
         control.UpdateWindow();
     };
     // The fonts of some texts are kept; how many lies between none and these.
-    ExpectRoundsKeepNothing(80, 300, round,
-                            {.objects = 40, .heapBlocks = 200, .heapBytes = 200000});
+    ExpectRoundsKeepNothing(80, 200, round,
+                            {.objects = 40, .heapBlocks = 150, .heapBytes = 150000});
 }
 
 // Links by keyboard, through the dialog manager's own message filter.

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -77,10 +78,7 @@ std::string HexOf(const void* handle) {
 
 TEST(Images, ComeFromFiles) {
     const BitmapFile file({24, 8}, StripPixels());
-    const struct {
-        const char* pszTag;
-        const char* pszRow;
-    } kCases[] = {
+    const std::pair<std::string, const char*> kCases[] = {
         {"bmp", "8r 8g 8b 8."},
         {"bmp width=12 height=4", "4r 4g 4b 20."},
         {"bmp cx=12", "4r 4g 4b 20."},  // keeps its shape
@@ -92,9 +90,8 @@ TEST(Images, ComeFromFiles) {
         {"ilst index=-1", ""},
         {"ilst index=2147483647", ""},
     };
-    for (const auto& c : kCases)
-        EXPECT_EQ(FirstRow("<" + (c.pszTag + (" " + file.Attribute())) + ">"), c.pszRow)
-            << c.pszTag;
+    for (const auto& [strTag, pszRow] : kCases)
+        EXPECT_EQ(FirstRow("<" + strTag + " " + file.Attribute() + ">"), pszRow) << strTag;
 
     const Canvas disabled(32, 40, "<bmp style=disabled " + file.Attribute() + ">");
     EXPECT_EQ(disabled.Ink().right, 24);
@@ -150,10 +147,8 @@ TEST(Images, ComeFromResources) {
 TEST(Images, AreReadFromEveryKindOfBitmap) {
     using namespace std::string_literals;
     const std::string strPalette = "\0\0\xFF\0\xFF\0\0\0"s;
-    const struct {
-        Headers headers;
-        std::string strRest;  // masks or colours, then the pixels
-    } kKinds[] = {
+    // Masks or colours stand before the pixels.
+    const std::pair<Headers, std::string> kKinds[] = {
         {{2, 1, 1, BI_RGB, 2, 62}, strPalette + "\x40\0\0\0"s},
         {{2, 1, 4, BI_RGB, 2, 62}, strPalette + "\x01\0\0\0"s},
         {{2, 1, 8, BI_RGB, 2, 62}, strPalette + "\0\x01\0\0"s},
@@ -206,10 +201,8 @@ TEST(Images, AnimatedListsMoveWithTheClock) {
     const BitmapFile file({24, 8}, StripPixels());
     TestDrawer drawer("<ilst speed=100 index=1 " + file.Attribute() + ">");
     EXPECT_EQ(drawer.AnimationInterval(), 100u);
-    const struct {
-        UINT nClock;
-        COLORREF colour;
-    } kMoments[] = {{0, kGreen}, {99, kGreen}, {100, kBlue}, {200, kRed}, {4294967200u, kBlue}};
+    constexpr std::pair<UINT, COLORREF> kMoments[] = {
+        {0, kGreen}, {99, kGreen}, {100, kBlue}, {200, kRed}, {4294967200u, kBlue}};
     for (const auto& [nClock, colour] : kMoments) {
         drawer.SetClock(nClock);
         EXPECT_EQ(Canvas(32, 40, drawer).CountOf(colour), 8 * 8) << nClock;

@@ -1,6 +1,7 @@
 // Borders, backgrounds with their effects, text, and what of them is painted.
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -63,10 +64,8 @@ TEST(TextPainting, UsesColoursAndBackgrounds) {
 }
 
 TEST(Painting, LeavesOutWhatIsTransparent) {
-    const struct {
-        const char* pszMarkup;
-        std::vector<COLORREF> aColours;  // that are painted
-    } kCases[] = {
+    // What is written, and the colours that are painted.
+    const std::pair<const char*, std::vector<COLORREF>> kCases[] = {
         {"<span class=none><u>nn</u><s>nn</s></span>", {}},
         {"<font color=transparent bkgnd=blue>nn</font>", {kBlue}},
         {"<span class=none><font color=red>nn</font></span>", {kRed}},
@@ -78,17 +77,17 @@ TEST(Painting, LeavesOutWhatIsTransparent) {
         {"<hr class=none>", {}},
         {"<hr class=line>", {kGreen}},
     };
-    for (const auto& c : kCases) {
-        TestDrawer drawer(c.pszMarkup,
+    for (const auto& [pszMarkup, aColours] : kCases) {
+        TestDrawer drawer(pszMarkup,
                           ".none {color: transparent} .line {color: #00FF00} "
                           ".frame {border-style: solid; border-color: transparent}");
         const Canvas canvas(60, 30, drawer);
         int nOthers = 60 * 30 - canvas.CountOf(kUntouched);
-        for (const COLORREF colour : c.aColours) {
-            EXPECT_GT(canvas.CountOf(colour), 0) << c.pszMarkup;
+        for (const COLORREF colour : aColours) {
+            EXPECT_GT(canvas.CountOf(colour), 0) << pszMarkup;
             nOthers -= canvas.CountOf(colour);
         }
-        EXPECT_EQ(nOthers, 0) << c.pszMarkup;
+        EXPECT_EQ(nOthers, 0) << pszMarkup;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -95,9 +96,7 @@ TEST(CardFile, KeepsEveryFieldOverAWriteAndARead) {
 }
 
 TEST(CardFile, RefusesWhatIsNoCard) {
-    const struct {
-        std::string text, fault;
-    } cases[] = {
+    const std::pair<std::string, const char*> cases[] = {
         {"", "not valid JSON"},
         {"[1]", "not a JSON object"},
         {std::string(100000, ' '), "too large"},
@@ -120,10 +119,9 @@ TEST(CardFile, RefusesWhatIsNoCard) {
         {With("true", "1"), "\"digitsOnly\" is neither"},
         {With("\"policy\": {", "\"policy\": 1, \"x\": {"), "\"policy\" is not an object"},
     };
-    for (const auto& one : cases)
-        EXPECT_NE(FaultOf(one.text).find(one.fault), std::string::npos)
-            << one.text.substr(0, 200) << "\n"
-            << FaultOf(one.text);
+    for (const auto& [text, fault] : cases)
+        EXPECT_NE(FaultOf(text).find(fault), std::string::npos) << text.substr(0, 200) << "\n"
+                                                                << FaultOf(text);
     EXPECT_EQ(FaultOf(With("12\\u00e934\"", "98765")).find("98765"), std::string::npos)
         << "the fault shows the PIN";
 }

@@ -2,6 +2,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -24,17 +25,15 @@ SystemColours TestColours() {
 }
 
 TEST(Colours, AreReadAsWritten) {
-    constexpr struct {
-        const char* pszValue;
-        Colour expected;
-    } kCases[] = {{"#FF0000", 0x0000FF},   {"#ff9900", 0x0099FF},  {"0xFF0000", 0xFF0000},
-                  {"0x0000FF", 0x0000FF},  {"255", 0x0000FF},      {"010", 0x000008},
-                  {"red", 0x0000FF},       {"RED", 0x0000FF},      {" navy ", 0x800000},
-                  {"lightgrey", 0xD3D3D3}, {"darkgray", 0xA9A9A9}, {"yellowgreen", 0x32CD9A},
-                  {"aqua", 0xFFFF00},      {"cyan", 0xFFFF00},     {"99999999999", 0xFFFFFFFF}};
+    constexpr std::pair<const char*, Colour> kCases[] = {
+        {"#FF0000", 0x0000FF},   {"#ff9900", 0x0099FF},  {"0xFF0000", 0xFF0000},
+        {"0x0000FF", 0x0000FF},  {"255", 0x0000FF},      {"010", 0x000008},
+        {"red", 0x0000FF},       {"RED", 0x0000FF},      {" navy ", 0x800000},
+        {"lightgrey", 0xD3D3D3}, {"darkgray", 0xA9A9A9}, {"yellowgreen", 0x32CD9A},
+        {"aqua", 0xFFFF00},      {"cyan", 0xFFFF00},     {"99999999999", 0xFFFFFFFF}};
     const SystemColours system = TestColours();
-    for (const auto& c : kCases) {
-        EXPECT_EQ(ReadColour(c.pszValue, system), c.expected) << c.pszValue;
+    for (const auto& [pszValue, expected] : kCases) {
+        EXPECT_EQ(ReadColour(pszValue, system), expected) << pszValue;
     }
     EXPECT_EQ(ReadColour("lightgoldenrodyellow", system), 0xD2FAFAU);
     for (const char* pszOther : {"", "#F00", "#FF00000", "#GG0000", "nocolour", "lightgray", "grey",
@@ -73,16 +72,14 @@ TEST(Lengths, AreReadAsWritten) {
             EXPECT_EQ(LengthOr(pszValue, 200, use, context), nSize) << pszValue;
         }
     };
-    constexpr struct {
-        const char* pszValue;
-        std::int32_t nSize;
-    } kCases[] = {{"0", 0},      {"8", 8},      {"-1", -1},   {"0x10", 16}, {"010", 8},
-                  {"12abc", 12}, {"10px", 10},  {"10PX", 10}, {"3px", 3},   {"2pt", 2},
-                  {"-2pt", 2},   {"10pt", 13},  {"72pt", 96}, {"1in", 96},  {"+1in", 96},
-                  {"1cm", 37},   {"10mm", 37},  {"1mm", 3},   {"1pc", 16},  {"2ex", 10},
-                  {"2em", 40},   {"1.5em", 20}, {"50%", 100}, {"33%", 66},  {"-50%", -100}};
-    for (const auto& c : kCases) {
-        expect(c.pszValue, c.nSize);
+    constexpr std::pair<const char*, std::int32_t> kCases[] = {
+        {"0", 0},      {"8", 8},      {"-1", -1},   {"0x10", 16}, {"010", 8},
+        {"12abc", 12}, {"10px", 10},  {"10PX", 10}, {"3px", 3},   {"2pt", 2},
+        {"-2pt", 2},   {"10pt", 13},  {"72pt", 96}, {"1in", 96},  {"+1in", 96},
+        {"1cm", 37},   {"10mm", 37},  {"1mm", 3},   {"1pc", 16},  {"2ex", 10},
+        {"2em", 40},   {"1.5em", 20}, {"50%", 100}, {"33%", 66},  {"-50%", -100}};
+    for (const auto& [pszValue, nSize] : kCases) {
+        expect(pszValue, nSize);
     }
     expect("1000000%", 2000000);
     for (const char* pszLarge : {"99999999999", "99999999999in", "99999999999cm"}) {

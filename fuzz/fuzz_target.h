@@ -1,9 +1,18 @@
-// What the fuzz targets of rich text and others check with.
+// The entry of a fuzz target, which defines Fuzz, and what it checks with.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+
+void Fuzz(std::string_view data);
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
+    Fuzz({reinterpret_cast<const char*>(pData), nSize});
+    return 0;
+}
 
 // A condition that ends a fuzz run when it does not hold, in every build.
 #define FUZZ_CHECK(condition)                                                    \
