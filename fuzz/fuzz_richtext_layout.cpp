@@ -1,6 +1,5 @@
 // Any bytes through all stages: a byte that gives the width, a style sheet up to a byte 1 (none:
 // the built-in one), the markup.
-
 #include "fuzz_target.h"
 #include "richtext/dump.h"
 #include "richtext/fixed_measurer.h"

@@ -1,5 +1,4 @@
 // Any bytes through the markup reader.
-
 #include "fuzz_target.h"
 #include "richtext/markup_reader.h"
 

@@ -1,5 +1,4 @@
 // Any bytes through the style sheet and the declarations in it.
-
 #include "fuzz_target.h"
 #include "richtext/style_delta.h"
 #include "richtext/style_sheet.h"

@@ -1,5 +1,4 @@
 // Any bytes through every value reader.
-
 #include "fuzz_target.h"
 #include "richtext/markup_tables.h"
 #include "richtext/value_readers.h"

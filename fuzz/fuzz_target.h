@@ -9,6 +9,7 @@
 
 void Fuzz(std::string_view data);
 
+// NOLINTNEXTLINE(misc-definitions-in-headers): each target is a program of one file
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
     Fuzz({reinterpret_cast<const char*>(pData), nSize});
     return 0;

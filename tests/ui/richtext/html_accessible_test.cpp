@@ -99,9 +99,12 @@ TEST_F(HtmlAccessible, TellsTextAndLinks) {
 TEST_F(HtmlAccessible, PlacesAreWhereTheyAreSeen) {
     RECT link = m_host.LinkRect(1);
     m_host.m_pStatic->ClientToScreen(&link);
-    long nLeft = 0, nTop = 0, nWidth = 0, nHeight = 0;
-    ASSERT_EQ(m_object.get()->accLocation(&nLeft, &nTop, &nWidth, &nHeight, Child(2)), S_OK);
-    const RECT told = {nLeft, nTop, nLeft + nWidth, nTop + nHeight};
+    RECT told{};
+    ASSERT_EQ(
+        m_object.get()->accLocation(&told.left, &told.top, &told.right, &told.bottom, Child(2)),
+        S_OK);
+    told.right += told.left;  // width and height were told
+    told.bottom += told.top;
     EXPECT_TRUE(EqualRect(&told, &link));
 
     const auto hit = &IAccessible::accHitTest;

@@ -154,9 +154,9 @@ TEST_F(HtmlStatic, TellsWhyNothingIsDrawn) {
     drawer.SetText("<icon idres=32512>");
     EXPECT_GT(drawer.Measure(200).cy, 0);
     s_bThrows = true;
-    Canvas(200, 80, drawer);
+    const Canvas canvas(200, 80, drawer);
     drawer.SetText("<icon idres=32512>");
-    Canvas(200, 80, drawer);
+    drawer.Draw(canvas.Dc(), canvas.Area(), canvas.Area());
     EXPECT_THAT(s_aFailures, ElementsAre("CHtmlDrawer::Draw: exception",
                                          "CHtmlDrawer::Layout: the text was not laid out"));
 }

@@ -56,7 +56,7 @@ private:
 // The pixels of a picture of three squares of 8 pixels: red, green, blue.
 std::string StripPixels() {
     std::string strPixels;
-    for (std::size_t n = 0; n < 8 * 24; ++n) {
+    for (std::size_t n = 0; n < std::size_t{8} * 24; ++n) {
         std::string strPixel(3, '\0');
         strPixel[2 - n % 24 / 8] = '\xFF';
         strPixels += strPixel;
@@ -186,12 +186,12 @@ TEST(Images, WrongOnesAreNotThere) {
     };
     for (const Headers& headers : kFiles) {
         SCOPED_TRACE(&headers - kFiles);
-        expectNone(BitmapFile(headers, StripPixels().substr(0, 8 * 24)).Attribute());
+        expectNone(BitmapFile(headers, StripPixels().substr(0, std::size_t{8} * 24)).Attribute());
     }
     for (const char* pszFrom :
-         {"file=missing.bmp", "file=\\\\machine\\share\\a.bmp", "file=//machine/share/a.bmp",
-          "file=\\\\.\\COM1", "file=NUL", "file=C:\\", "idres=99 iddll=missing.dll",
-          "idres=99 iddll=\\\\machine\\a.dll", "idres=0", "idres=99999", "idres=nothing",
+         {"file=missing.bmp", R"(file=\\machine\share\a.bmp)", "file=//machine/share/a.bmp",
+          R"(file=\\.\COM1)", "file=NUL", "file=C:\\", "idres=99 iddll=missing.dll",
+          R"(idres=99 iddll=\\machine\a.dll)", "idres=0", "idres=99999", "idres=nothing",
           "handle=1", "handle=0xFFFFFFFF", "handle=0xFFFFFFFFFFFFFFFF",
           "handle=99999999999999999999", "handle=text", "handle=-1"})
         expectNone(pszFrom);

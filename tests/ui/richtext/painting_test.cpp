@@ -185,12 +185,12 @@ TEST(Painting, KeepsTheContextAsItWas) {
 
 // What this process computed: other programs on the machine do not count.
 double ProcessSeconds() {
-    FILETIME created{}, ended{}, kernel{}, user{};
-    GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+    FILETIME aTimes[4] = {};  // created, ended, kernel, user
+    GetProcessTimes(GetCurrentProcess(), &aTimes[0], &aTimes[1], &aTimes[2], &aTimes[3]);
     const auto seconds = [](const FILETIME& time) {
         return (time.dwHighDateTime * 4294967296.0 + time.dwLowDateTime) * 1e-7;
     };
-    return seconds(kernel) + seconds(user);
+    return seconds(aTimes[2]) + seconds(aTimes[3]);
 }
 
 TEST(Painting, GetsOverHostileTexts) {
@@ -202,7 +202,7 @@ TEST(Painting, GetsOverHostileTexts) {
           std::string("<bmp handle=0 width=32767 height=32767 file=a.bmp><icon cx=99999 cy=99999 "
                       "idres=32512 iddll=user32.dll>")}) {
         const double before = ProcessSeconds();
-        Canvas(300, 100, strText);
+        const Canvas canvas(300, 100, strText);
         EXPECT_LT(ProcessSeconds() - before, 3) << strText.substr(0, 30);
     }
 }
@@ -261,7 +261,7 @@ TEST(EffectPainting, OtherEffectsAreTheirPixels) {
                               {0, 0, kBlockWidth, kBlockHeight}, aPixels.data(),
                               std::size_t{4} * kBlockWidth);
         const auto differs = [&](int x, int y) {
-            const std::uint8_t* p = &aPixels[static_cast<std::size_t>(4 * (y * kBlockWidth + x))];
+            const std::uint8_t* p = &aPixels[4 * static_cast<std::size_t>(y * kBlockWidth + x)];
             return canvas.At(x, y) != RGB(p[2], p[1], p[0]);
         };
         EXPECT_EQ(canvas.Count(canvas.Area(), differs), 0) << pszName;

@@ -165,7 +165,7 @@ TEST(Abuse, LengthsThatOverflowAreHeld) {
         EXPECT_LT(held.text.Boxes().nHeight, kMaxCoordinate);
     }
     for (const std::int32_t nWidth : {-2147483647 - 1, -1, 0, 1, 2147483647}) {
-        AbusedText("some words <table width=50%><tr><td>x</table>", nWidth);
+        const AbusedText any("some words <table width=50%><tr><td>x</table>", nWidth);
     }
 }
 

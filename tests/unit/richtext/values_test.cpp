@@ -208,20 +208,19 @@ TEST(Tables, HoldTheLanguagesEntities) {
 }
 
 TEST(BrowserCommand, CutsTheCommandAtItsPlaceholder) {
-    ExpectTexts(
-        [](const char* psz) { return BrowserCommandLine(psz, "T"); },
-        {
-            {"browser.exe %1", "browser.exe  T"},
-            {"\"C:\\A B\\browser.exe\" -nohome", "\"C:\\A B\\browser.exe\" -nohome T"},
-            {"\"C:\\A B\\browser.exe\" \"%1\"", "\"C:\\A B\\browser.exe\"  T"},
-            {"\"C:\\A B\\browser.exe\" -url \"%1\" -new", "\"C:\\A B\\browser.exe\" -url  T"},
-            {"browser.exe \"-url=%1\"", "browser.exe  T"},
-            {"\"browser.exe\" %1 \"%1\"", "\"browser.exe\"  T"},
-            {"%1", " T"},
-            {"\"%1\"", " T"},
-            {"browser.exe %10", "browser.exe  T"},
-            {"", " T"},
-        });
+    ExpectTexts([](const char* psz) { return BrowserCommandLine(psz, "T"); },
+                {
+                    {"browser.exe %1", "browser.exe  T"},
+                    {R"("C:\A B\browser.exe" -nohome)", R"("C:\A B\browser.exe" -nohome T)"},
+                    {R"("C:\A B\browser.exe" "%1")", R"("C:\A B\browser.exe"  T)"},
+                    {R"("C:\A B\browser.exe" -url "%1" -new)", R"("C:\A B\browser.exe" -url  T)"},
+                    {R"(browser.exe "-url=%1")", "browser.exe  T"},
+                    {R"("browser.exe" %1 "%1")", R"("browser.exe"  T)"},
+                    {"%1", " T"},
+                    {R"("%1")", " T"},
+                    {"browser.exe %10", "browser.exe  T"},
+                    {"", " T"},
+                });
 }
 
 }  // namespace
