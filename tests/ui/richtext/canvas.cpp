@@ -44,7 +44,9 @@ Canvas::Canvas(int nWidth, int nHeight, std::string_view markup) : Canvas(nWidth
 
 COLORREF Canvas::At(int x, int y) const {
     GdiFlush();
-    const std::uint32_t n = m_picture.Pixels()[static_cast<std::size_t>(y * m_picture.Width() + x)];
+    const auto row = m_picture.Pixels().subspan(static_cast<std::size_t>(y) *
+                                                static_cast<std::size_t>(m_picture.Width()));
+    const std::uint32_t n = row[static_cast<std::size_t>(x)];
     return RGB(n >> 16 & 0xFF, n >> 8 & 0xFF, n & 0xFF);
 }
 

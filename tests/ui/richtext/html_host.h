@@ -30,7 +30,7 @@ public:
 
     long long m_nResult = 33;
     bool m_bThrows = false;
-    std::string m_strCommand = "\"C:\\Programs\\browser.exe\" -new \"%1\"";
+    std::string m_strCommand = R"("C:\Programs\browser.exe" -new "%1")";
     std::vector<std::string> m_aOpened;
     std::vector<std::string> m_aStarted;
 };
