@@ -1,10 +1,8 @@
 // Any bytes as a bitmap: what is let through holds what it promises.
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <vector>
 
-#include "fuzz_check.h"
+#include "fuzz_target.h"
 #include "platform/bitmap_image.h"
 
 namespace {
@@ -30,15 +28,13 @@ void Check(const std::optional<mvp::BitmapImage>& image, Bytes bytes) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
-    const Bytes data(pData, nSize);
-    Check(mvp::ReadBitmapResource(data), data);
-    if (nSize >= 2) {
+void Fuzz(std::string_view data) {
+    std::vector<std::uint8_t> file(data.begin(), data.end());
+    Check(mvp::ReadBitmapResource(file), file);
+    if (file.size() >= 2) {
         // The two letters of a file need no guessing.
-        std::vector<std::uint8_t> file(data.begin(), data.end());
         file[0] = 'B';
         file[1] = 'M';
         Check(mvp::ReadBitmapFile(file), file);
     }
-    return 0;
 }

@@ -1,12 +1,7 @@
 // Any bytes through all stages: a byte that gives the width, a style sheet up to a byte 1 (none:
 // the built-in one), the markup.
-#include <cstddef>
-#include <cstdint>
-#include <string_view>
-
-#include "fuzz_check.h"
+#include "fuzz_target.h"
 #include "richtext/dump.h"
-#include "richtext/href_filter.h"
 #include "richtext/rich_text.h"
 #include "richtext/style/fixed_measurer.h"
 
@@ -47,12 +42,12 @@ void Check(const CRichText& text, std::string_view markup) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
-    if (nSize == 0) {
-        return 0;
+void Fuzz(std::string_view data) {
+    if (data.empty()) {
+        return;
     }
-    const std::int32_t nWidth = pData[0] * 3;
-    std::string_view rest(reinterpret_cast<const char*>(pData) + 1, nSize - 1);
+    const std::int32_t nWidth = static_cast<unsigned char>(data[0]) * 3;
+    std::string_view rest = data.substr(1);
     const std::size_t nEnd = rest.find('\x01');
     CFixedMeasurer measurer;
     CRichText text(measurer);
@@ -71,5 +66,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
     // A layout depends on the width alone, not on the one before.
     FUZZ_CHECK(text.Layout(nWidth));
     FUZZ_CHECK(DumpLayout(text.Document(), text.Boxes()) == strFirst);
-    return 0;
 }

@@ -1,16 +1,10 @@
 // Any bytes through the markup reader.
-#include <cstddef>
-#include <cstdint>
-#include <string_view>
-
-#include "fuzz_check.h"
-#include "richtext/href_filter.h"
+#include "fuzz_target.h"
 #include "richtext/markup/markup_reader.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
+void Fuzz(std::string_view data) {
     using namespace mvp::richtext;
-    const std::string_view text(reinterpret_cast<const char*>(pData), nSize);
-    CMarkupReader reader(text);
+    CMarkupReader reader(data);
     std::size_t nEvents = 0;
     std::size_t nShown = 0;
     bool bHref = false;
@@ -23,9 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
                           reader.Attributes().Has(AttributeId::Href));
     }
     // Every event takes at least a byte of the text, and none shows more than it took.
-    FUZZ_CHECK(nEvents <= nSize);
-    FUZZ_CHECK(nShown <= nSize);
+    FUZZ_CHECK(nEvents <= data.size());
+    FUZZ_CHECK(nShown <= data.size());
     // What may open things is in the text for a plain filter to see.
-    FUZZ_CHECK(!bHref || MatchesHrefFilter(text));
-    return 0;
+    FUZZ_CHECK(!bHref || MatchesHrefFilter(data));
 }

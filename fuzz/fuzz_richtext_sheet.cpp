@@ -1,17 +1,13 @@
 // Any bytes through the style sheet and the declarations in it.
-#include <cstddef>
-#include <cstdint>
-#include <string_view>
-
-#include "fuzz_check.h"
+#include "fuzz_target.h"
 #include "richtext/style/style_delta.h"
 #include "richtext/style/style_sheet.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
+void Fuzz(std::string_view data) {
     using namespace mvp::richtext;
     CStyleSheet sheet;
-    sheet.Load(std::string_view(reinterpret_cast<const char*>(pData), nSize));
-    FUZZ_CHECK(sheet.Rules().size() <= nSize);
+    sheet.Load(data);
+    FUZZ_CHECK(sheet.Rules().size() <= data.size());
     std::string_view previous;
     for (const CStyleSheet::Rule& rule : sheet.Rules()) {
         FUZZ_CHECK(!rule.selector.empty() && previous <= rule.selector);
@@ -26,5 +22,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
     }
     sheet.SetLinkRules(1, true, 2, false);
     FUZZ_CHECK(sheet.Find("a:hover").size() == 1);
-    return 0;
 }

@@ -1,15 +1,10 @@
 // Any bytes through every value reader.
-#include <cstddef>
-#include <cstdint>
-#include <string_view>
-
-#include "fuzz_check.h"
+#include "fuzz_target.h"
 #include "richtext/markup/markup_tables.h"
 #include "richtext/style/value_readers.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize) {
+void Fuzz(std::string_view value) {
     using namespace mvp::richtext;
-    const std::string_view value(reinterpret_cast<const char*>(pData), nSize);
     const SystemColours& system = DefaultSystemColours();
     const LengthContext context{7, 13, 96};
     const auto colour = ReadColour(value, system);
@@ -34,5 +29,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
     FindTag(value);
     FindAttribute(value);
     MatchEntity(value);
-    return 0;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "richtext/markup/markup_tables.h"
+#include "richtext/markup/text_bytes.h"
 #include "richtext/style/colour_table.h"
 #include "richtext/style/style_sheet.h"
 
@@ -16,51 +17,22 @@ namespace {
 
 using namespace mvp::richtext;
 
-constexpr const char* kValues[] = {"10",
-                                   "10px",
-                                   "2em",
-                                   "3ex",
-                                   "1in",
-                                   "2cm",
-                                   "15mm",
-                                   "12pt",
-                                   "1pc",
-                                   "50%",
-                                   "-2pt",
-                                   "+3",
-                                   "0x10",
-                                   "010",
-                                   "0",
-                                   "-1",
-                                   "99999999",
-                                   "#FF9900",
-                                   "#F00",
-                                   "red",
-                                   "left",
-                                   "center",
-                                   "right",
-                                   "top",
-                                   "middle",
-                                   "vcenter",
-                                   "bottom",
-                                   "solid",
-                                   "none",
-                                   "thick",
-                                   "3hgradient",
-                                   "metal",
-                                   "transparent",
-                                   "italic",
-                                   "bold",
-                                   "underline, overline",
-                                   "Verdana, Arial",
-                                   "file.bmp"};
+std::vector<std::string> Split(std::string_view list) {
+    std::vector<std::string> aParts;
+    for (auto part = NextToken(list, "|"); !part.empty(); part = NextToken(list, "|")) {
+        aParts.emplace_back(part);
+    }
+    return aParts;
+}
 
-constexpr const char* kProperties[] = {"font-size",      "font-family",      "font-style",
-                                       "font-weight",    "text-align",       "text-transform",
-                                       "color",          "background-color", "text-decoration",
-                                       "vertical-align", "border-color",     "border-width",
-                                       "size",           "border-style",     "margin",
-                                       "padding"};
+const std::vector<std::string> kValues = Split(
+    "10|10px|2em|3ex|1in|2cm|15mm|12pt|1pc|50%|-2pt|+3|0x10|010|0|-1|99999999|#FF9900|#F00|red|"
+    "left|center|right|top|middle|vcenter|bottom|solid|none|thick|3hgradient|metal|transparent|"
+    "italic|bold|underline, overline|Verdana, Arial|file.bmp");
+const std::vector<std::string> kProperties = Split(
+    "font-size|font-family|font-style|font-weight|text-align|text-transform|color|"
+    "background-color|text-decoration|vertical-align|border-color|border-width|size|border-style|"
+    "margin|padding");
 
 class CSeeds {
 public:
@@ -85,33 +57,32 @@ private:
     int m_nNext = 0;
 };
 
-std::string Tagged(std::string_view tag, const std::string& strAttributes) {
-    return std::string("x <")
-        .append(tag)
-        .append(strAttributes)
-        .append(">some well-known words</")
-        .append(tag)
-        .append("> y");
+std::string Tagged(const std::string& strTag, const std::string& strAttributes) {
+    return "x <" + strTag + strAttributes + ">some well-known words</" + strTag + "> y";
 }
 
-void WriteTags(CSeeds& seeds) {
+void WriteTags(CSeeds& seeds, std::ostream& dictionary) {
     const std::string strTable =
-        "<table border=1><tr><td>a b</td><td colspan=2 rowspan=2>c</td></tr>";
+        "<table border=1><tr><td>a b</td><td colspan=2 rowspan=2>c</td></tr><tr><td>";
     std::size_t nValue = 0;
     for (int i = 0; i < kTagCount; ++i) {
-        const std::string_view tag = InfoOf(static_cast<TagId>(i)).name;
-        seeds.WriteMarkup(Tagged(tag, "") + Tagged(tag, " class=\"c\""),
+        const std::string strTag(InfoOf(static_cast<TagId>(i)).name);
+        dictionary << "\"<" << strTag << ">\"\n\"</" << strTag << ">\"\n";
+        seeds.WriteMarkup(Tagged(strTag, "") + Tagged(strTag, " class=\"c\""),
                           ".c{padding:2px;color:red}");
-        for (int j = 0; j < kAttributeCount; j += 3) {
-            std::string strAttributes;
-            for (int k = j; k < j + 3 && k < kAttributeCount; ++k) {
-                strAttributes.append(" ").append(NameOf(static_cast<AttributeId>(k)));
-                strAttributes.append("=\"").append(kValues[nValue++ % std::size(kValues)]);
-                strAttributes.append("\"");
+        std::string strAttributes;
+        for (int j = 0; j < kAttributeCount; ++j) {
+            strAttributes.append(" ").append(NameOf(static_cast<AttributeId>(j)));
+            strAttributes += "=\"" + kValues[nValue++ % kValues.size()] + "\"";
+            if (j % 3 == 2 || j + 1 == kAttributeCount) {
+                seeds.WriteMarkup(Tagged(strTag, strAttributes));
+                strAttributes.clear();
             }
-            seeds.WriteMarkup(Tagged(tag, strAttributes));
         }
-        seeds.WriteMarkup(strTable + "<tr><td>" + Tagged(tag, "") + "</table>");
+        seeds.WriteMarkup(strTable + Tagged(strTag, "") + "</table>");
+    }
+    for (int i = 0; i < kAttributeCount; ++i) {
+        dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
     }
     std::string strEntities;
     for (int i = 0; i < kEntityCount; ++i) {
@@ -122,29 +93,16 @@ void WriteTags(CSeeds& seeds) {
     seeds.WriteMarkup("a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
 }
 
-void WriteSheets(CSeeds& seeds) {
+void WriteSheets(CSeeds& seeds, std::ostream& dictionary) {
     seeds.Write("sheet", std::string(BuiltInStyleSheet()));
-    for (const char* pszProperty : kProperties) {
+    for (const std::string& strProperty : kProperties) {
+        dictionary << "\"" << strProperty << ":\"\n";
         std::string strBlock;
-        for (const char* pszValue : kValues) {
-            strBlock.append(pszProperty).append(":").append(pszValue).append(";");
+        for (const std::string& strValue : kValues) {
+            strBlock += strProperty + ":" + strValue + ";";
         }
         seeds.Write("sheet", "b, .c, a:link {" + strBlock + "}/* x */ h1{}");
         seeds.WriteMarkup("<span class=c>x <b>y</b></span>", ".c{" + strBlock + "}");
-    }
-}
-
-void WriteDictionary(const std::filesystem::path& path) {
-    std::ofstream file(path);
-    for (int i = 0; i < kTagCount; ++i) {
-        file << "\"<" << InfoOf(static_cast<TagId>(i)).name << ">\"\n";
-        file << "\"</" << InfoOf(static_cast<TagId>(i)).name << ">\"\n";
-    }
-    for (int i = 0; i < kAttributeCount; ++i) {
-        file << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
-    }
-    for (const char* pszProperty : kProperties) {
-        file << "\"" << pszProperty << ":\"\n";
     }
 }
 
@@ -156,15 +114,16 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path folder = argv[1];
+    std::filesystem::create_directories(folder);
+    std::ofstream dictionary(folder / "richtext.dict");
     CSeeds seeds(folder);
-    WriteTags(seeds);
-    WriteSheets(seeds);
-    for (const char* pszValue : kValues) {
-        seeds.Write("values", pszValue);
+    WriteTags(seeds, dictionary);
+    WriteSheets(seeds, dictionary);
+    for (const std::string& strValue : kValues) {
+        seeds.Write("values", strValue);
     }
     for (int i = 0; i < kColourNameCount; ++i) {
         seeds.Write("values", std::string(ColourName(i)));
     }
-    WriteDictionary(folder / "richtext.dict");
     return 0;
 }

@@ -94,7 +94,8 @@ TEST(EnterPinWithoutMemory, DoesNotReactToRemovalWithoutAWatcher) {
     driver.Join();
     EXPECT_EQ(request.Pin(), "1234");
     request.Free();
-    EXPECT_TRUE(log.Contains(1, "VKDelegateSubscriberCardRemoved Constructor: exception")) << log.Dump();
+    EXPECT_TRUE(log.Contains(1, "VKDelegateSubscriberCardRemoved Constructor: exception"))
+        << log.Dump();
     EXPECT_TRUE(log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
 }
 

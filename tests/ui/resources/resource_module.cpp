@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "resources/resource_numbers.h"
+
 namespace {
 
 BOOL CALLBACK CollectName(HMODULE, LPCSTR, LPSTR name, LONG_PTR context) {
@@ -25,25 +27,29 @@ const std::vector<std::string>& Languages() {
     return languages;
 }
 
-ResourceModule::ResourceModule(const std::string& language) : m_strLanguage(language) {
+std::vector<NamedNumber> NamedNumbers(std::string_view prefix) {
+    std::vector<NamedNumber> numbers = {
+#include "named_numbers.inc"
+    };
+    std::erase_if(numbers, [&](const NamedNumber& n) { return !n.strName.starts_with(prefix); });
+    return numbers;
+}
+
+ResourceModule::ResourceModule(const std::string& language) {
     const std::string path = "..\\bin\\" + language + R"(\Resources\Localized\mvpinguirc.dll)";
     m_module.reset(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
     if (!m_module)
         throw std::runtime_error("cannot open " + path);
 }
 
-std::set<int> ResourceModule::ResourceNames(LPCSTR type) const {
+std::set<int> ResourceModule::Numbers(LPCSTR type) const {
     std::set<int> names;
     EnumResourceNamesA(get(), type, CollectName, reinterpret_cast<LONG_PTR>(&names));
-    return names;
-}
-
-std::set<int> ResourceModule::Numbers(LPCSTR type) const {
     if (type != RT_STRING)
-        return ResourceNames(type);
+        return names;
     // Strings are stored in blocks of sixteen; block n begins with string 16 (n - 1).
     std::set<int> numbers;
-    for (const int block : ResourceNames(type)) {
+    for (const int block : names) {
         for (int number = 16 * (block - 1); number < 16 * block; ++number) {
             if (!Text(number).empty())
                 numbers.insert(number);

@@ -8,6 +8,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/handle.h"
@@ -15,12 +16,18 @@
 // The languages built.
 const std::vector<std::string>& Languages();
 
+struct NamedNumber {
+    std::string strName;
+    int nNumber;
+};
+// What resource_numbers.h defines, in its order, with names that begin like this.
+std::vector<NamedNumber> NamedNumbers(std::string_view prefix);
+
 class ResourceModule {
 public:
     explicit ResourceModule(const std::string& language);
 
     HMODULE get() const { return m_module.get(); }
-    const std::string& Language() const { return m_strLanguage; }
 
     // The numbers of one type: RT_DIALOG, RT_BITMAP, RT_GROUP_ICON, RT_STRING.
     std::set<int> Numbers(LPCSTR type) const;
@@ -28,8 +35,5 @@ public:
     std::string Text(int number) const;
 
 private:
-    std::set<int> ResourceNames(LPCSTR type) const;
-
-    std::string m_strLanguage;
     mvp::ModuleHandle m_module;
 };

@@ -8,64 +8,41 @@
 
 namespace {
 
-// The fixed part of an extended template, in 16-bit words; menu, class and title follow, then the
-// font's size in points.
+// The fixed part of an extended template, in 16-bit words. Behind it stand the menu and the class,
+// the title, and the font's size in points.
 constexpr std::size_t kStyleWord = 6;
-constexpr std::size_t kFixedWords = 13;
+constexpr std::size_t kMenuWord = 13;
 
-// Steps over a menu, class or title field: nothing, a number, or a text.
-std::size_t AfterNameOrNumber(const std::vector<WORD>& words, std::size_t at) {
-    if (words.at(at) == 0xFFFF)
-        return at + 2;
-    while (words.at(at) != 0)
-        ++at;
-    return at + 1;
-}
-
-std::vector<WORD> LoadTemplate(const ResourceModule& module, int dialog) {
+// The template with its font enlarged. Ours have no menu, and the class of all dialogs.
+std::vector<WORD> LoadTemplate(const ResourceModule& module, int dialog, int percent) {
     const HRSRC resource = FindResourceA(module.get(), MAKEINTRESOURCEA(dialog), RT_DIALOG);
-    if (resource == nullptr)
-        throw std::runtime_error("no template " + std::to_string(dialog));
+    const DWORD size = SizeofResource(module.get(), resource);
     // Created windows read the template by 32-bit fields; a vector is aligned well enough.
-    std::vector<WORD> words((SizeofResource(module.get(), resource) + 1) / sizeof(WORD));
-    std::memcpy(words.data(), LockResource(LoadResource(module.get(), resource)),
-                SizeofResource(module.get(), resource));
-    if (words.at(0) != 1 || words.at(1) != 0xFFFF)
-        throw std::runtime_error("not an extended template: " + std::to_string(dialog));
+    std::vector<WORD> words((size + 1) / sizeof(WORD));
+    if (resource != nullptr)
+        std::memcpy(words.data(), LockResource(LoadResource(module.get(), resource)), size);
+    if (words.size() <= kMenuWord || words[0] != 1 || words[1] != 0xFFFF || words[kMenuWord] != 0 ||
+        words[kMenuWord + 1] != 0)
+        throw std::runtime_error("no extended template: " + std::to_string(dialog));
+    WORD& points = *(std::find(words.begin() + kMenuWord + 2, words.end(), 0) + 1);
+    points = static_cast<WORD>(points * percent / 100);
     return words;
-}
-
-void ScaleFont(std::vector<WORD>& words, int percent) {
-    std::size_t at = kFixedWords;
-    for (int field = 0; field < 3; ++field)
-        at = AfterNameOrNumber(words, at);
-    words.at(at) = static_cast<WORD>(words.at(at) * percent / 100);
 }
 
 INT_PTR CALLBACK TakeNothing(HWND, UINT, WPARAM, LPARAM) {
     return FALSE;
 }
 
-std::string TextOf(HWND hWnd) {
-    std::string text(static_cast<std::size_t>(GetWindowTextLengthA(hWnd)) + 1, '\0');
-    text.resize(
-        static_cast<std::size_t>(GetWindowTextA(hWnd, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
-Control ControlOf(HWND hWnd, HWND hDialog) {
+Control MakeControl(HWND hWnd, HWND hDialog) {
     std::array<char, 64> className{};
+    std::array<char, 1024> text{};
     GetClassNameA(hWnd, className.data(), static_cast<int>(className.size()));
-    Control control{};
-    control.hWnd = hWnd;
-    control.nNumber = GetDlgCtrlID(hWnd);
-    control.strClass = className.data();
-    std::transform(control.strClass.begin(), control.strClass.end(), control.strClass.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    GetWindowTextA(hWnd, text.data(), static_cast<int>(text.size()));
+    CharLowerA(className.data());
+    Control control{hWnd, GetDlgCtrlID(hWnd), className.data(), 0, {}, text.data()};
     control.dwStyle = static_cast<DWORD>(GetWindowLongA(hWnd, GWL_STYLE));
     GetWindowRect(hWnd, &control.rect);
     MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT*>(&control.rect), 2);
-    control.strText = TextOf(hWnd);
     return control;
 }
 
@@ -79,38 +56,23 @@ SIZE TextSize(const Control& control, UINT format, int width) {
     return {rect.right, rect.bottom};
 }
 
-// What a static or button keeps of its width and height for other things than its text.
+// What a control keeps of its width and height for other things than its text.
 SIZE Reserved(const Control& control) {
-    if (!control.IsButton())
-        return {0, 0};
-    switch (control.dwStyle & BS_TYPEMASK) {
-        case BS_GROUPBOX:
-            return {18, 0};  // the caption begins 9 pixels in
-        case BS_CHECKBOX:
-        case BS_AUTOCHECKBOX:
-        case BS_3STATE:
-        case BS_AUTO3STATE:
-        case BS_RADIOBUTTON:
-        case BS_AUTORADIOBUTTON:
-            return {GetSystemMetrics(SM_CXMENUCHECK) + 4, 0};
-        default:
-            return {12, 4};  // frame, focus rectangle, and some air
-    }
-}
-
-bool WrapsText(const Control& control) {
-    if (control.IsButton())
-        return (control.dwStyle & BS_MULTILINE) != 0;
-    const DWORD type = control.dwStyle & SS_TYPEMASK;
-    return type == SS_LEFT || type == SS_CENTER || type == SS_RIGHT;
+    return control.IsGroupBox() ? SIZE{18, 0}  // the caption begins 9 pixels in
+           : control.IsButton() ? SIZE{12, 4}  // frame, focus rectangle, and some air
+                                : SIZE{0, 0};
 }
 
 }  // namespace
 
+bool Control::WrapsText() const {
+    const DWORD type = dwStyle & SS_TYPEMASK;
+    return IsStatic() && (type == SS_LEFT || type == SS_CENTER || type == SS_RIGHT);
+}
+
 bool Control::IsTextStatic() const {
     const DWORD type = dwStyle & SS_TYPEMASK;
-    return IsStatic() && (type == SS_LEFT || type == SS_CENTER || type == SS_RIGHT ||
-                          type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP);
+    return WrapsText() || (IsStatic() && (type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP));
 }
 
 bool Control::HasPrefixText() const {
@@ -118,8 +80,7 @@ bool Control::HasPrefixText() const {
 }
 
 TemplateWindow::TemplateWindow(const ResourceModule& module, int dialog, int percent) {
-    std::vector<WORD> words = LoadTemplate(module, dialog);
-    ScaleFont(words, percent);
+    const std::vector<WORD> words = LoadTemplate(module, dialog, percent);
     DWORD style = 0;
     std::memcpy(&style, &words.at(kStyleWord), sizeof(style));
     if ((style & WS_CHILD) != 0)
@@ -147,8 +108,12 @@ std::vector<Control> TemplateWindow::Controls() const {
     std::vector<Control> controls;
     for (HWND hWnd = GetWindow(m_hWnd, GW_CHILD); hWnd != nullptr;
          hWnd = GetWindow(hWnd, GW_HWNDNEXT))
-        controls.push_back(ControlOf(hWnd, m_hWnd));
+        controls.push_back(MakeControl(hWnd, m_hWnd));
     return controls;
+}
+
+Control TemplateWindow::ControlOf(int nNumber) const {
+    return MakeControl(GetDlgItem(m_hWnd, nNumber), m_hWnd);
 }
 
 std::string ClippedBecause(const Control& control) {
@@ -157,7 +122,7 @@ std::string ClippedBecause(const Control& control) {
     const SIZE reserved = Reserved(control);
     const int width = static_cast<int>(control.rect.right - control.rect.left - reserved.cx);
     const int height = static_cast<int>(control.rect.bottom - control.rect.top - reserved.cy);
-    UINT format = WrapsText(control) ? DT_WORDBREAK : DT_SINGLELINE;
+    UINT format = control.WrapsText() ? DT_WORDBREAK : DT_SINGLELINE;
     if (!control.HasPrefixText())
         format |= DT_NOPREFIX;
     const SIZE text = TextSize(control, format, width);

@@ -26,7 +26,8 @@ struct Control {
     bool IsGroupBox() const { return IsButton() && (dwStyle & BS_TYPEMASK) == BS_GROUPBOX; }
     bool IsVisible() const { return (dwStyle & WS_VISIBLE) != 0; }
     bool IsTabStop() const { return (dwStyle & WS_TABSTOP) != 0; }
-    // A static that shows text, and no picture or frame.
+    // A static that breaks its text into lines, or any that shows text, and no picture or frame.
+    bool WrapsText() const;
     bool IsTextStatic() const;
     // Whether an ampersand in the text marks a mnemonic.
     bool HasPrefixText() const;
@@ -46,6 +47,7 @@ public:
     RECT ClientRect() const;
     // In the order of the template, which is the tab order.
     std::vector<Control> Controls() const;
+    Control ControlOf(int nNumber) const;
 
 private:
     HWND m_hHost = nullptr;

@@ -7,25 +7,25 @@ namespace mvp::test {
 namespace {
 
 char LetterOf(COLORREF colour) {
-    switch (colour) {
-        case RGB(255, 0, 0):
-            return 'r';
-        case RGB(0, 255, 0):
-            return 'g';
-        case RGB(0, 0, 255):
-            return 'b';
-        case RGB(255, 255, 255):
-            return 'w';
-        case RGB(0, 0, 0):
-            return 'k';
-        case kUntouched:
-            return '.';
-        default:
-            return '?';
-    }
+    constexpr COLORREF kColours[] = {kRed, kGreen, kBlue, RGB(255, 255, 255), 0, kUntouched};
+    const auto* const pFound = std::find(std::begin(kColours), std::end(kColours), colour);
+    return "rgbwk.?"[pFound - std::begin(kColours)];
 }
 
 }  // namespace
+
+TestDrawer::TestDrawer(std::string_view markup, const char* pszSheet) {
+    LOGFONTA font{};
+    font.lfHeight = -13;
+    font.lfCharSet = DEFAULT_CHARSET;
+    // Without smoothing every pixel of a letter has the text's colour.
+    font.lfQuality = NONANTIALIASED_QUALITY;
+    std::strcpy(font.lfFaceName, "Tahoma");
+    SetFont(font);
+    SetTextColor(RGB(0, 0, 0));
+    SetStyleSheet(pszSheet);
+    SetText(markup);
+}
 
 Canvas::Canvas(int nWidth, int nHeight)
     : m_picture(nWidth, nHeight),
@@ -34,68 +34,54 @@ Canvas::Canvas(int nWidth, int nHeight)
     std::fill(m_picture.Pixels().begin(), m_picture.Pixels().end(), 0xFF00FFU);
 }
 
+Canvas::Canvas(int nWidth, int nHeight, CHtmlDrawer& drawer) : Canvas(nWidth, nHeight) {
+    drawer.Draw(Dc(), Area(), Area());
+}
+
+Canvas::Canvas(int nWidth, int nHeight, std::string_view markup) : Canvas(nWidth, nHeight) {
+    TestDrawer(markup).Draw(Dc(), Area(), Area());
+}
+
 COLORREF Canvas::At(int x, int y) const {
     GdiFlush();
-    const std::uint32_t n = m_picture.Pixels()[static_cast<std::size_t>(y * m_picture.Width() + x)];
+    const auto row = m_picture.Pixels().subspan(static_cast<std::size_t>(y) *
+                                                static_cast<std::size_t>(m_picture.Width()));
+    const std::uint32_t n = row[static_cast<std::size_t>(x)];
     return RGB(n >> 16 & 0xFF, n >> 8 & 0xFF, n & 0xFF);
 }
 
 std::string Canvas::Runs(int nLine, bool bRow) const {
+    const auto letter = [&](int i) { return LetterOf(bRow ? At(i, nLine) : At(nLine, i)); };
     const int nEnd = bRow ? m_picture.Width() : m_picture.Height();
     std::string strRuns;
-    for (int n = 0; n < nEnd;) {
-        const auto letter = [&](int i) { return LetterOf(bRow ? At(i, nLine) : At(nLine, i)); };
-        const int nStart = n;
+    for (int nStart = 0, n = 0; n < nEnd; nStart = n) {
         while (n < nEnd && letter(n) == letter(nStart))
             ++n;
-        if (!strRuns.empty())
-            strRuns += ' ';
-        strRuns.append(std::to_string(n - nStart)).append(1, letter(nStart));
+        strRuns += (nStart == 0 ? "" : " ") + std::to_string(n - nStart) + letter(nStart);
     }
     return strRuns;
 }
 
+int Canvas::Count(const RECT& part, const std::function<bool(int x, int y)>& holds) const {
+    int nCount = 0;
+    for (int y = part.top; y < part.bottom; ++y) {
+        for (int x = part.left; x < part.right; ++x)
+            nCount += holds(x, y) ? 1 : 0;
+    }
+    return nCount;
+}
+
+int Canvas::CountOf(COLORREF colour) const {
+    return Count(Area(), [&](int x, int y) { return At(x, y) == colour; });
+}
+
 RECT Canvas::Ink() const {
     RECT ink{};
-    for (int y = 0; y < m_picture.Height(); ++y) {
-        for (int x = 0; x < m_picture.Width(); ++x) {
-            const RECT pixel = {x, y, x + 1, y + 1};
-            if (At(x, y) != kUntouched)
-                UnionRect(&ink, &ink, &pixel);
-        }
-    }
+    Count(Area(), [&](int x, int y) {
+        const RECT pixel = {x, y, x + 1, y + 1};
+        return At(x, y) != kUntouched && UnionRect(&ink, &ink, &pixel);
+    });
     return ink;
-}
-
-bool Canvas::operator==(const Canvas& other) const {
-    GdiFlush();
-    const auto colour = [](std::uint32_t a, std::uint32_t b) {
-        return (a & 0xFFFFFF) == (b & 0xFFFFFF);
-    };
-    return std::equal(m_picture.Pixels().begin(), m_picture.Pixels().end(),
-                      other.m_picture.Pixels().begin(), other.m_picture.Pixels().end(), colour);
-}
-
-void UseTestFont(CHtmlDrawer& drawer) {
-    LOGFONTA font{};
-    font.lfHeight = -13;
-    font.lfCharSet = DEFAULT_CHARSET;
-    // Without smoothing every pixel of a letter has the text's colour.
-    font.lfQuality = NONANTIALIASED_QUALITY;
-    std::strcpy(font.lfFaceName, "Tahoma");
-    drawer.SetFont(font);
-    drawer.SetTextColor(RGB(0, 0, 0));
-}
-
-void DrawMarkup(const Canvas& canvas, std::string_view markup, const RECT& dirty) {
-    CHtmlDrawer drawer;
-    UseTestFont(drawer);
-    drawer.SetText(markup);
-    drawer.Draw(canvas.Dc(), canvas.Area(), dirty);
-}
-
-void DrawMarkup(const Canvas& canvas, std::string_view markup) {
-    DrawMarkup(canvas, markup, canvas.Area());
 }
 
 }  // namespace mvp::test

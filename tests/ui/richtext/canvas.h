@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -13,11 +14,23 @@
 namespace mvp::test {
 
 constexpr COLORREF kUntouched = RGB(255, 0, 255);
+constexpr COLORREF kRed = RGB(255, 0, 0);
+constexpr COLORREF kGreen = RGB(0, 255, 0);
+constexpr COLORREF kBlue = RGB(0, 0, 255);
+
+// A drawer of a text in Tahoma of a fixed size in black, so that nothing depends on the desktop's
+// settings.
+class TestDrawer : public CHtmlDrawer {
+public:
+    explicit TestDrawer(std::string_view markup = "", const char* pszSheet = nullptr);
+};
 
 class Canvas {
 public:
-    // All of it in the colour of nothing drawn.
+    // All of it in the colour of nothing drawn; then, from its corner on, what the drawer draws.
     Canvas(int nWidth, int nHeight);
+    Canvas(int nWidth, int nHeight, CHtmlDrawer& drawer);
+    Canvas(int nWidth, int nHeight, std::string_view markup);
 
     HDC Dc() const { return m_dc.get(); }
     RECT Area() const { return {0, 0, m_picture.Width(), m_picture.Height()}; }
@@ -28,7 +41,9 @@ public:
     std::string Column(int x) const { return Runs(x, false); }
     // Where anything has been drawn.
     RECT Ink() const;
-    bool operator==(const Canvas& other) const;
+    // How many pixels there are, in a part or in all of it, for which this holds.
+    int Count(const RECT& part, const std::function<bool(int x, int y)>& holds) const;
+    int CountOf(COLORREF colour) const;
 
 private:
     std::string Runs(int nLine, bool bRow) const;
@@ -37,12 +52,5 @@ private:
     MemoryDc m_dc;
     DcSelection m_selection;
 };
-
-// Tahoma at a fixed size in black, so that nothing depends on the desktop's settings.
-void UseTestFont(CHtmlDrawer& drawer);
-
-// A drawer with the test font and a text, drawn once with what lies in `dirty`.
-void DrawMarkup(const Canvas& canvas, std::string_view markup, const RECT& dirty);
-void DrawMarkup(const Canvas& canvas, std::string_view markup);
 
 }  // namespace mvp::test

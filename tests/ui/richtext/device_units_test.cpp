@@ -1,17 +1,15 @@
 // Lengths on a real device: its dots per inch and its fonts decide what a unit comes to.
-#include <cstdlib>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
+#include "../support/child_process.h"
 #include "canvas.h"
 
 namespace mvp::test {
 namespace {
 
-// The resolution that the case below has asked for, in the process that it starts.
-constexpr char kExpectedDots[] = "MVP_EXPECTED_DOTS";
-constexpr char kDesktopKey[] = R"(Control Panel\Desktop)";
 constexpr int kFontHeight = 30;
 
 int HeightOfX() {
@@ -21,29 +19,12 @@ int HeightOfX() {
     const DcSelection selection(canvas.Dc(), font.get());
     SetBkMode(canvas.Dc(), TRANSPARENT);
     ExtTextOutA(canvas.Dc(), 5, 5, 0, nullptr, "x", 1, nullptr);
-    const RECT ink = canvas.Ink();
-    return ink.bottom - ink.top;
+    return static_cast<int>(canvas.Ink().bottom - canvas.Ink().top);
 }
 
-int WidthOf(const std::string& strLength) {
-    CHtmlDrawer drawer;
-    UseTestFont(drawer);
-    drawer.SetText("<font size=30px><hr width=" + strLength + "></font>");
-    drawer.Measure(2000);
-    return drawer.RichText().Boxes().aFragments.at(0).nWidth;
-}
-
-TEST(DeviceUnits, AreThoseOfTheScreen) {
-    const WindowDc screen(nullptr);
-    const int nDots = GetDeviceCaps(screen.get(), LOGPIXELSY);
-    char szExpected[16] = "";
-    if (GetEnvironmentVariableA(kExpectedDots, szExpected, sizeof szExpected) != 0) {
-        ASSERT_EQ(nDots, std::atoi(szExpected));
-    }
-    const struct {
-        const char* pszLength;
-        int nPixels;
-    } kCases[] = {
+// For a screen of so many dots per inch.
+void ExpectUnits(int nDots) {
+    const std::pair<const char*, int> kCases[] = {
         {"7px", 7},
         {"3em", 3 * kFontHeight},
         {"5ex", 5 * HeightOfX()},
@@ -53,62 +34,55 @@ TEST(DeviceUnits, AreThoseOfTheScreen) {
         {"31pt", 31 * nDots / 72},
         {"7pc", 7 * nDots / 6},
     };
-    for (const auto& testCase : kCases)
-        EXPECT_EQ(WidthOf(testCase.pszLength), testCase.nPixels) << testCase.pszLength;
+    for (const auto& [pszLength, nPixels] : kCases) {
+        TestDrawer drawer(std::string("<font size=30px><hr width=") + pszLength + "></font>");
+        drawer.Measure(2000);
+        EXPECT_EQ(drawer.RichText().Boxes().aFragments.at(0).nWidth, nPixels) << pszLength;
+    }
+}
+
+TEST(DeviceUnits, AreThoseOfTheScreen) {
+    ExpectUnits(GetDeviceCaps(WindowDc(nullptr).get(), LOGPIXELSY));
+}
+
+TEST(DeviceUnits, DISABLED_AreThoseOf144Dots) {
+    ASSERT_EQ(GetDeviceCaps(WindowDc(nullptr).get(), LOGPIXELSY), 144);
+    ExpectUnits(144);
 }
 
 // Sets the resolution of processes that are started, and puts it back.
 class Resolution {
 public:
     explicit Resolution(DWORD dwDots) {
-        RegOpenKeyExA(HKEY_CURRENT_USER, kDesktopKey, 0, KEY_READ | KEY_WRITE, m_key.put());
         DWORD dwBytes = sizeof m_dwBefore;
-        m_bBefore =
-            RegQueryValueExA(m_key.get(), "LogPixels", nullptr, nullptr,
-                             reinterpret_cast<BYTE*>(&m_dwBefore), &dwBytes) == ERROR_SUCCESS;
+        RegGetValueA(HKEY_CURRENT_USER, kKey, kValue, RRF_RT_REG_DWORD, nullptr, &m_dwBefore,
+                     &dwBytes);
         Set(dwDots);
-        SetEnvironmentVariableA(kExpectedDots, std::to_string(dwDots).c_str());
     }
     Resolution(const Resolution&) = delete;
     Resolution& operator=(const Resolution&) = delete;
     ~Resolution() {
-        SetEnvironmentVariableA(kExpectedDots, nullptr);
-        if (m_bBefore)
+        if (m_dwBefore != 0)
             Set(m_dwBefore);
         else
-            RegDeleteValueA(m_key.get(), "LogPixels");
+            RegDeleteKeyValueA(HKEY_CURRENT_USER, kKey, kValue);
     }
 
 private:
-    void Set(DWORD dwDots) {
-        RegSetValueExA(m_key.get(), "LogPixels", 0, REG_DWORD,
-                       reinterpret_cast<const BYTE*>(&dwDots), sizeof dwDots);
+    static constexpr char kKey[] = R"(Control Panel\Desktop)";
+    static constexpr char kValue[] = "LogPixels";
+
+    static void Set(DWORD dwDots) {
+        RegSetKeyValueA(HKEY_CURRENT_USER, kKey, kValue, REG_DWORD, &dwDots, sizeof dwDots);
     }
 
-    RegistryKey m_key;
-    DWORD m_dwBefore = 0;
-    bool m_bBefore = false;
+    DWORD m_dwBefore = 0;  // 0: there is none
 };
 
 TEST(DeviceUnits, FollowTheResolution) {
     const Resolution resolution(144);
-    char szProgram[MAX_PATH] = "";
-    GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
-    std::string strCommand =
-        "\"" + std::string(szProgram) + "\" --gtest_filter=DeviceUnits.AreThoseOfTheScreen";
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    ASSERT_TRUE(CreateProcessA(nullptr, strCommand.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                               nullptr, &startup, &process));
-    const KernelHandle program(process.hProcess);
-    const KernelHandle thread(process.hThread);
-    constexpr DWORD kLongest = 60000;
-    if (WaitForSingleObject(program.get(), kLongest) != WAIT_OBJECT_0)
-        TerminateProcess(program.get(), 1);
-    DWORD dwCode = 1;
-    GetExitCodeProcess(program.get(), &dwCode);
-    EXPECT_EQ(dwCode, 0u) << "its own output says why";
+    const ChildResult result = RunDisabledTest("DeviceUnits.DISABLED_AreThoseOf144Dots");
+    EXPECT_EQ(result.dwExitCode, 0u) << result.strOutput;
 }
 
 }  // namespace

@@ -16,13 +16,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-template <class Interface>
-struct ComTraits {
-    using Handle = Interface*;
+struct AccessibleTraits {
+    using Handle = IAccessible*;
     static Handle None() noexcept { return nullptr; }
     static void Close(Handle handle) noexcept { handle->Release(); }
 };
-using Accessible = UniqueHandle<ComTraits<IAccessible>>;
 
 VARIANT Child(long nChild) {
     VARIANT child{};
@@ -59,16 +57,22 @@ protected:
         SysFreeString(str);
         return szText;
     }
-    using NumberGetter = HRESULT (STDMETHODCALLTYPE IAccessible::*)(VARIANT, VARIANT*);
-    long Number(NumberGetter get, long nChild) {
+    // -1 when there is none.
+    template <class... Arguments, class... Values>
+    long Number(HRESULT (STDMETHODCALLTYPE IAccessible::*get)(Arguments...), Values... values) {
         VARIANT number{};
-        return (m_object.get()->*get)(Child(nChild), &number) == S_OK && number.vt == VT_I4
+        return (m_object.get()->*get)(values..., &number) == S_OK && number.vt == VT_I4
                    ? number.lVal
                    : -1;
     }
+    HRESULT NameResult(const VARIANT& child) {
+        BSTR str = nullptr;
+        return m_object.get()->get_accName(child, &str);
+    }
+    HRESULT Act(long nChild) { return m_object.get()->accDoDefaultAction(Child(nChild)); }
 
     CHtmlHost m_host;
-    Accessible m_object;
+    UniqueHandle<AccessibleTraits> m_object;
 };
 
 TEST_F(HtmlAccessible, TellsTextAndLinks) {
@@ -81,47 +85,43 @@ TEST_F(HtmlAccessible, TellsTextAndLinks) {
     EXPECT_EQ(Text(&IAccessible::get_accValue, 2), "http://d.example/");
     EXPECT_EQ(Text(&IAccessible::get_accValue, 1), "none");
     EXPECT_EQ(Text(&IAccessible::get_accDefaultAction, 1), "Jump");
-    EXPECT_EQ(Number(&IAccessible::get_accRole, CHILDID_SELF), ROLE_SYSTEM_GROUPING);
-    EXPECT_EQ(Number(&IAccessible::get_accRole, 1), ROLE_SYSTEM_LINK);
-    EXPECT_EQ(Number(&IAccessible::get_accState, 1), STATE_SYSTEM_LINKED | STATE_SYSTEM_FOCUSABLE);
-    EXPECT_NE(Number(&IAccessible::get_accState, 0) & STATE_SYSTEM_READONLY, 0);
+    const auto role = &IAccessible::get_accRole;
+    const auto state = &IAccessible::get_accState;
+    EXPECT_EQ(Number(role, Child(CHILDID_SELF)), ROLE_SYSTEM_GROUPING);
+    EXPECT_EQ(Number(role, Child(1)), ROLE_SYSTEM_LINK);
+    EXPECT_EQ(Number(state, Child(1)), STATE_SYSTEM_LINKED | STATE_SYSTEM_FOCUSABLE);
+    EXPECT_NE(Number(state, Child(0)) & STATE_SYSTEM_READONLY, 0);
 
     m_host.m_pStatic->SetWindowText("no links");
-    EXPECT_EQ(Number(&IAccessible::get_accRole, CHILDID_SELF), ROLE_SYSTEM_STATICTEXT);
+    EXPECT_EQ(Number(role, Child(CHILDID_SELF)), ROLE_SYSTEM_STATICTEXT);
 }
 
 TEST_F(HtmlAccessible, PlacesAreWhereTheyAreSeen) {
-    long nLeft = 0;
-    long nTop = 0;
-    long nWidth = 0;
-    long nHeight = 0;
-    ASSERT_EQ(m_object.get()->accLocation(&nLeft, &nTop, &nWidth, &nHeight, Child(2)), S_OK);
-    RECT link = m_host.m_pStatic->Drawer().LinkRects(1).at(0);
+    RECT link = m_host.LinkRect(1);
     m_host.m_pStatic->ClientToScreen(&link);
-    EXPECT_EQ(nLeft, link.left);
-    EXPECT_EQ(nTop, link.top);
-    EXPECT_EQ(nWidth, link.right - link.left);
-    EXPECT_EQ(nHeight, link.bottom - link.top);
+    RECT told{};
+    ASSERT_EQ(
+        m_object.get()->accLocation(&told.left, &told.top, &told.right, &told.bottom, Child(2)),
+        S_OK);
+    told.right += told.left;  // width and height were told
+    told.bottom += told.top;
+    EXPECT_TRUE(EqualRect(&told, &link));
 
-    VARIANT hit{};
-    ASSERT_EQ(m_object.get()->accHitTest(link.left + 1, link.top + 1, &hit), S_OK);
-    EXPECT_EQ(hit.lVal, 2);
-    ASSERT_EQ(m_object.get()->accHitTest(link.right + 40, link.top + 1, &hit), S_OK);
-    EXPECT_EQ(hit.lVal, CHILDID_SELF);
-    EXPECT_EQ(m_object.get()->accHitTest(0, 0, &hit), S_FALSE);
+    const auto hit = &IAccessible::accHitTest;
+    EXPECT_EQ(Number(hit, link.left + 1, link.top + 1), 2);
+    EXPECT_EQ(Number(hit, link.right + 40, link.top + 1), CHILDID_SELF);
+    EXPECT_EQ(Number(hit, 0, 0), -1);
 
-    VARIANT next{};
-    ASSERT_EQ(m_object.get()->accNavigate(NAVDIR_FIRSTCHILD, Child(CHILDID_SELF), &next), S_OK);
-    EXPECT_EQ(next.lVal, 1);
-    ASSERT_EQ(m_object.get()->accNavigate(NAVDIR_NEXT, Child(1), &next), S_OK);
-    EXPECT_EQ(next.lVal, 2);
-    EXPECT_EQ(m_object.get()->accNavigate(NAVDIR_NEXT, Child(2), &next), S_FALSE);
+    const auto navigate = &IAccessible::accNavigate;
+    EXPECT_EQ(Number(navigate, NAVDIR_FIRSTCHILD, Child(CHILDID_SELF)), 1);
+    EXPECT_EQ(Number(navigate, NAVDIR_NEXT, Child(1)), 2);
+    EXPECT_EQ(Number(navigate, NAVDIR_NEXT, Child(2)), -1);
 }
 
 TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
     for (const BOOL bEnabled : {FALSE, TRUE}) {
         m_host.m_pStatic->EnableWindow(bEnabled);
-        ASSERT_EQ(m_object.get()->accDoDefaultAction(Child(1)), S_OK);
+        ASSERT_EQ(Act(1), S_OK);
         EXPECT_THAT(m_host.m_aMessages, IsEmpty()) << "not while the reader waits";
         MSG message{};
         while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
@@ -129,37 +129,32 @@ TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
         EXPECT_EQ(m_host.m_aMessages.size(), bEnabled ? 1U : 0U);
     }
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("m"));
-    EXPECT_EQ(m_object.get()->accDoDefaultAction(Child(CHILDID_SELF)), DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(Act(CHILDID_SELF), DISP_E_MEMBERNOTFOUND);
 
     m_host.SetForegroundWindow();
     ASSERT_EQ(m_object.get()->accSelect(SELFLAG_TAKEFOCUS, Child(2)), S_OK);
-    VARIANT focus{};
-    ASSERT_EQ(m_object.get()->get_accFocus(&focus), S_OK);
-    EXPECT_EQ(focus.lVal, 2);
-    EXPECT_NE(Number(&IAccessible::get_accState, 2) & STATE_SYSTEM_FOCUSED, 0);
+    EXPECT_EQ(Number(&IAccessible::get_accFocus), 2);
+    EXPECT_NE(Number(&IAccessible::get_accState, Child(2)) & STATE_SYSTEM_FOCUSED, 0);
+    EXPECT_EQ(Number(&IAccessible::get_accState, Child(1)) & STATE_SYSTEM_FOCUSED, 0);
 }
 
 TEST_F(HtmlAccessible, RefusesWhatIsNotThere) {
     for (const long nChild : {3L, -1L, 0x7FFFFFFFL}) {
-        BSTR str = nullptr;
-        EXPECT_EQ(m_object.get()->get_accName(Child(nChild), &str), E_INVALIDARG) << nChild;
-        EXPECT_EQ(m_object.get()->accDoDefaultAction(Child(nChild)), E_INVALIDARG) << nChild;
+        EXPECT_EQ(NameResult(Child(nChild)), E_INVALIDARG) << nChild;
+        EXPECT_EQ(Act(nChild), E_INVALIDARG) << nChild;
     }
     VARIANT noNumber{};
     noNumber.vt = VT_BSTR;
-    BSTR str = nullptr;
-    EXPECT_EQ(m_object.get()->get_accName(noNumber, &str), E_INVALIDARG);
+    EXPECT_EQ(NameResult(noNumber), E_INVALIDARG);
 }
 
 TEST_F(HtmlAccessible, OutlivesTheControl) {
     m_host.m_pStatic.reset();
-    BSTR str = nullptr;
     long n = 0;
-    EXPECT_EQ(m_object.get()->get_accName(Child(1), &str), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(NameResult(Child(1)), CO_E_OBJNOTCONNECTED);
     EXPECT_EQ(m_object.get()->get_accChildCount(&n), CO_E_OBJNOTCONNECTED);
-    EXPECT_EQ(m_object.get()->accDoDefaultAction(Child(1)), CO_E_OBJNOTCONNECTED);
-    IAccessible* pLast = m_object.release();
-    EXPECT_EQ(pLast->Release(), 0u) << "nobody else holds it";
+    EXPECT_EQ(Act(1), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(m_object.release()->Release(), 0u) << "nobody else holds it";
 }
 
 }  // namespace

@@ -20,8 +20,8 @@ CHtmlHost::~CHtmlHost() {
     CHtmlHost::DestroyWindow();
 }
 
-CHtmlStatic& CHtmlHost::Add(LPCSTR pszText, DWORD dwStyle) {
-    m_pStatic = std::make_unique<CHtmlStatic>(m_shell);
+CHtmlStatic& CHtmlHost::Add(LPCSTR pszText, DWORD dwStyle, CHtmlStatic::Clock pfnClock) {
+    m_pStatic = std::make_unique<CHtmlStatic>(m_shell, pfnClock);
     m_pStatic->Create(pszText, WS_CHILD | WS_VISIBLE | dwStyle, CRect(10, 20, 210, 100), this, 789);
     m_pStatic->SetLinkCallback(m_hWnd, kLinkMessage, 77);
     UpdateWindow();
@@ -29,23 +29,23 @@ CHtmlStatic& CHtmlHost::Add(LPCSTR pszText, DWORD dwStyle) {
 }
 
 void CHtmlHost::MoveTo(int nLink) {
-    CPoint point(199, 79);
-    if (nLink != kNoLink) {
-        const RECT area = m_pStatic->Drawer().LinkRects(nLink).at(0);
-        point = CPoint((area.left + area.right) / 2, (area.top + area.bottom) / 2);
-    }
+    const RECT area = nLink == kNoLink ? RECT{199, 79, 199, 79} : LinkRect(nLink);
+    CPoint point((area.left + area.right) / 2, (area.top + area.bottom) / 2);
     m_pStatic->ClientToScreen(&point);
     SetCursorPos(point.x, point.y);
     m_pStatic->SendMessage(WM_SETCURSOR, reinterpret_cast<WPARAM>(m_pStatic->m_hWnd),
                            MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
 }
 
-void CHtmlHost::Click(int nLink) {
-    const RECT area = m_pStatic->Drawer().LinkRects(nLink).at(0);
-    const LPARAM where = MAKELPARAM(area.left + 2, area.top + 2);
+void CHtmlHost::Click(int nPressed, int nReleased) {
+    const auto in = [&](int nLink) {
+        const RECT area = nLink == kNoLink ? RECT{190, 70, 200, 80} : LinkRect(nLink);
+        return MAKELPARAM(area.left + 2, area.top + 2);
+    };
     const HWND hWnd = m_pStatic->m_hWnd;
-    ::SendMessageA(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, where);
-    ::SendMessageA(hWnd, WM_LBUTTONUP, 0, where);
+    const LPARAM released = in(nReleased);
+    ::SendMessageA(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, in(nPressed));
+    ::SendMessageA(hWnd, WM_LBUTTONUP, 0, released);
 }
 
 COLORREF CHtmlHost::At(int x, int y) {
@@ -58,8 +58,7 @@ BOOL CHtmlHost::OnEraseBkgnd(CDC* pDC) {
     CRect all;
     GetClientRect(&all);
     ::FillRect(*pDC, &all, m_background);
-    // A mark that lies under the control's corner.
-    ::FillRect(*pDC, CRect(200, 90, 210, 100), CBrush(RGB(255, 255, 0)));
+    ::FillRect(*pDC, CRect(200, 90, 210, 100), CBrush(kMark));
     return TRUE;
 }
 

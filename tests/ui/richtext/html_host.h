@@ -13,8 +13,6 @@
 
 namespace mvp::test {
 
-constexpr UINT kLinkMessage = WM_USER + 200;
-
 // Records what would be opened and started.
 class RecordedShell : public richtext::CShell {
 public:
@@ -32,7 +30,7 @@ public:
 
     long long m_nResult = 33;
     bool m_bThrows = false;
-    std::string m_strCommand = "\"C:\\Programs\\browser.exe\" -new \"%1\"";
+    std::string m_strCommand = R"("C:\Programs\browser.exe" -new "%1")";
     std::vector<std::string> m_aOpened;
     std::vector<std::string> m_aStarted;
 };
@@ -41,16 +39,23 @@ class CHtmlHost : public CWnd {
 public:
     static constexpr COLORREF kBackground = RGB(0, 128, 0);
     static constexpr COLORREF kStatic = RGB(200, 220, 240);
+    static constexpr COLORREF kMark = RGB(255, 255, 0);  // from (190, 70) of the control on
+    static constexpr UINT kLinkMessage = WM_USER + 200;
 
     CHtmlHost();
     ~CHtmlHost() override;
 
     // A control of 200 x 80 at (10, 20), with the link callback set to this window.
-    CHtmlStatic& Add(LPCSTR pszText, DWORD dwStyle = 0);
+    CHtmlStatic& Add(LPCSTR pszText, DWORD dwStyle = 0,
+                     CHtmlStatic::Clock pfnClock = &GetTickCount);
 
-    // Moves the mouse to the middle of a link, or away with kNoLink, and clicks it.
+    // Where a link stands in the control: its first part.
+    RECT LinkRect(int nLink) { return m_pStatic->Drawer().LinkRects(nLink).at(0); }
+    // Moves the mouse to the middle of a link, or away with kNoLink.
     void MoveTo(int nLink);
-    void Click(int nLink);
+    // Presses the button inside of a link, or beside all with kNoLink, and lets it go in another.
+    void Click(int nPressed, int nReleased);
+    void Click(int nLink) { Click(nLink, nLink); }
     // What has been painted at a point of the control.
     COLORREF At(int x, int y);
 

@@ -1,4 +1,10 @@
-// The control: painting, links, hover.
+// The control: painting, links, hover, keyboard.
+#include <array>
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include <dlgfw/dialog.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,23 +21,31 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(HtmlStatic, PaintsOnWhatTheDrawingModeSays) {
-    CHtmlHost host;
-    CHtmlStatic& control = host.Add("text");
-    EXPECT_EQ(host.At(195, 75), CHtmlHost::kStatic);
-    control.SetDrawingMode(CHtmlStatic::kTransparent);
-    EXPECT_EQ(host.At(100, 60), CHtmlHost::kBackground);
-    EXPECT_EQ(host.At(195, 75), RGB(255, 255, 0)) << "the parent's picture, in its place";
+class HtmlStatic : public testing::Test {
+protected:
+    // What the control draws when it is asked to.
+    const Canvas& Print(const Canvas& canvas) {
+        m_host.m_pStatic->SendMessage(WM_PRINTCLIENT, reinterpret_cast<WPARAM>(canvas.Dc()),
+                                      PRF_CLIENT);
+        return canvas;
+    }
 
+    CHtmlHost m_host;
+};
+
+TEST_F(HtmlStatic, PaintsOnWhatTheDrawingModeSays) {
+    CHtmlStatic& control = m_host.Add("text");
+    EXPECT_EQ(m_host.At(195, 75), CHtmlHost::kStatic);
+    control.SetDrawingMode(CHtmlStatic::kTransparent);
+    EXPECT_EQ(m_host.At(100, 60), CHtmlHost::kBackground);
+    EXPECT_EQ(m_host.At(195, 75), CHtmlHost::kMark) << "the parent's picture, in its place";
     const Canvas canvas(200, 80);
-    control.SendMessage(WM_PRINTCLIENT, reinterpret_cast<WPARAM>(canvas.Dc()), PRF_CLIENT);
-    EXPECT_EQ(canvas.At(100, 60), CHtmlHost::kBackground);
-    EXPECT_EQ(canvas.At(195, 75), RGB(255, 255, 0));
+    EXPECT_EQ(Print(canvas).At(100, 60), CHtmlHost::kBackground);
+    EXPECT_EQ(canvas.At(195, 75), CHtmlHost::kMark);
 }
 
-TEST(HtmlStatic, TakesTextMarginsColoursAndFont) {
-    CHtmlHost host;
-    CHtmlStatic& control = host.Add("<b>first</b>");
+TEST_F(HtmlStatic, TakesTextMarginsColoursAndFont) {
+    CHtmlStatic& control = m_host.Add("<b>first</b>");
     EXPECT_EQ(control.Drawer().PlainText(), "first") << "the text it is created with";
     control.SetWindowText("second");
     EXPECT_EQ(control.Drawer().PlainText(), "second");
@@ -40,11 +54,10 @@ TEST(HtmlStatic, TakesTextMarginsColoursAndFont) {
     EXPECT_EQ(strText, "second");
 
     control.SetWindowText("<a msg=m>n</a>");
-    const RECT before = control.Drawer().LinkRects(0).at(0);
+    const RECT before = m_host.LinkRect(0);
     control.SetMargins(45, 7);
-    const RECT after = control.Drawer().LinkRects(0).at(0);
-    EXPECT_EQ(after.left - before.left, 45);
-    EXPECT_EQ(after.top - before.top, 7);
+    EXPECT_EQ(m_host.LinkRect(0).left - before.left, 45);
+    EXPECT_EQ(m_host.LinkRect(0).top - before.top, 7);
 
     // The handle is kept, its font's description is copied: the font may go at once.
     LOGFONTA description{};
@@ -53,23 +66,15 @@ TEST(HtmlStatic, TakesTextMarginsColoursAndFont) {
     control.SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(hFont), TRUE);
     EXPECT_EQ(control.SendMessage(WM_GETFONT), reinterpret_cast<LRESULT>(hFont));
     DeleteObject(hFont);
-    const RECT larger = control.Drawer().LinkRects(0).at(0);
-    EXPECT_GT(larger.bottom - larger.top, 29);
+    EXPECT_GT(m_host.LinkRect(0).bottom - m_host.LinkRect(0).top, 29);
 
     control.SetWindowText("<font size=60px>\x95</font>");
     control.SetColors(RGB(255, 255, 255), RGB(255, 255, 255), RGB(255, 255, 255));
-    control.UpdateWindow();
     const Canvas canvas(200, 80);
-    control.SendMessage(WM_PRINTCLIENT, reinterpret_cast<WPARAM>(canvas.Dc()), PRF_CLIENT);
-    int nWhite = 0;
-    for (int x = 0; x < 200; ++x) {
-        for (int y = 0; y < 80; ++y)
-            nWhite += canvas.At(x, y) == RGB(255, 255, 255);
-    }
-    EXPECT_GT(nWhite, 20);
+    EXPECT_GT(Print(canvas).CountOf(RGB(255, 255, 255)), 20);
 }
 
-TEST(HtmlStatic, IsBoundToAControlOfADialog) {
+TEST_F(HtmlStatic, IsBoundToAControlOfADialog) {
     DialogTemplate form("form", {0, 0, 160, 60});
     form.Add("STATIC", 1001, "<i>from</i> the template", {7, 7, 140, 40}, 0);
     class CFormDlg : public CDialog {
@@ -83,143 +88,121 @@ TEST(HtmlStatic, IsBoundToAControlOfADialog) {
     dialog.DestroyWindow();
 }
 
-TEST(HtmlStatic, KnowsItsLinksBeforeItIsPainted) {
-    CHtmlHost host;
-    host.ShowWindow(SW_HIDE);
-    CHtmlStatic& control = host.Add("one two three <a msg=m>link</a>");
-    EXPECT_EQ(control.Drawer().LinkRects(0).at(0).top, 0) << "all on one line";
+TEST_F(HtmlStatic, KnowsItsLinksBeforeItIsPainted) {
+    m_host.ShowWindow(SW_HIDE);
+    CHtmlStatic& control = m_host.Add("one two three <a msg=m>link</a>");
+    EXPECT_EQ(m_host.LinkRect(0).top, 0) << "all on one line";
     control.MoveWindow(0, 0, 40, 80, FALSE);
-    EXPECT_GT(control.Drawer().LinkRects(0).at(0).top, 10);
+    EXPECT_GT(m_host.LinkRect(0).top, 10);
 }
 
-TEST(HtmlStatic, LinksDoWhatTheySay) {
-    CHtmlHost host;
-    CHtmlStatic& control = host.Add(
+TEST_F(HtmlStatic, LinksDoWhatTheySay) {
+    CHtmlStatic& control = m_host.Add(
         "<a msg=\"one &amp; only\">first</a> <a href=http://a.example/>second</a> "
         "<a msg=both href=http://b.example/>third</a> plain");
-    host.Click(0);
-    EXPECT_THAT(host.m_aMessages, ElementsAre("one & only"));
-    EXPECT_EQ(host.m_lParam, 77);
-    host.Click(1);
-    EXPECT_THAT(host.m_shell.m_aOpened, ElementsAre("http://a.example/"));
-    EXPECT_THAT(host.m_shell.m_aStarted, IsEmpty());
-    host.Click(2);
-    EXPECT_EQ(host.m_aMessages.size(), 2u);
-    EXPECT_EQ(host.m_shell.m_aOpened.size(), 1u);
+    for (const int nLink : {0, 1, 2})
+        m_host.Click(nLink);
+    EXPECT_THAT(m_host.m_aMessages, ElementsAre("one & only", "both"));
+    EXPECT_EQ(m_host.m_lParam, 77);
+    EXPECT_THAT(m_host.m_shell.m_aOpened, ElementsAre("http://a.example/"));
+    EXPECT_THAT(m_host.m_shell.m_aStarted, IsEmpty());
 
     // The shell's errors end at 32.
-    host.m_shell.m_nResult = 32;
-    host.Click(1);
-    EXPECT_THAT(host.m_shell.m_aStarted,
+    m_host.m_shell.m_nResult = 32;
+    m_host.Click(1);
+    m_host.m_shell.m_strCommand.clear();
+    m_host.Click(1);
+    EXPECT_THAT(m_host.m_shell.m_aStarted,
                 ElementsAre("\"C:\\Programs\\browser.exe\" -new  http://a.example/"));
-    host.m_shell.m_strCommand.clear();
-    host.Click(1);
-    EXPECT_EQ(host.m_shell.m_aStarted.size(), 1u);
 
-    // Pressed on one link and let go on another, or beside it: nothing.
-    const RECT first = control.Drawer().LinkRects(0).at(0);
-    const RECT second = control.Drawer().LinkRects(1).at(0);
-    control.SendMessage(WM_LBUTTONDOWN, 0, MAKELPARAM(first.left + 1, first.top + 1));
-    control.SendMessage(WM_LBUTTONUP, 0, MAKELPARAM(second.left + 1, second.top + 1));
-    control.SendMessage(WM_LBUTTONDOWN, 0, MAKELPARAM(190, 70));
-    control.SendMessage(WM_LBUTTONUP, 0, MAKELPARAM(first.left + 1, first.top + 1));
-    EXPECT_EQ(host.m_aMessages.size(), 2u);
-
-    control.SetLinkCallback(nullptr, kLinkMessage, 0);
-    host.Click(0);
-    control.SetLinkCallback(host, 0, 0);
-    host.Click(0);
-    EXPECT_EQ(host.m_aMessages.size(), 2u);
+    // Pressed on one link and let go on another, or pressed beside it: nothing.
+    m_host.Click(0, 1);
+    m_host.Click(kNoLink, 0);
+    control.SetLinkCallback(nullptr, CHtmlHost::kLinkMessage, 0);
+    m_host.Click(0);
+    control.SetLinkCallback(m_host, 0, 0);
+    m_host.Click(0);
+    EXPECT_EQ(m_host.m_aMessages.size(), 2u);
+    EXPECT_EQ(m_host.m_shell.m_aOpened.size(), 3u);
 }
 
-TEST(HtmlStatic, LogsLinksThatCannotBeFollowed) {
+TEST_F(HtmlStatic, LogsLinksThatCannotBeFollowed) {
     const LogRecorder log;
-    CHtmlHost host;
-    host.Add("<a href=x>go</a>");
-    host.Click(0);
+    m_host.Add("<a href=x>go</a>");
+    m_host.Click(0);
     EXPECT_THAT(log.Texts(1), IsEmpty());
-    host.m_shell.m_nResult = 2;
-    host.m_shell.m_strCommand.clear();
-    host.Click(0);
-    host.m_shell.m_bThrows = true;
-    host.Click(0);
+    m_host.m_shell.m_nResult = 2;
+    m_host.m_shell.m_strCommand.clear();
+    m_host.Click(0);
+    m_host.m_shell.m_bThrows = true;
+    m_host.Click(0);
     EXPECT_THAT(log.Texts(1), ElementsAre("CHtmlDrawer::FollowLink: the link was not opened",
                                           "CHtmlDrawer::FollowLink: exception"));
 }
 
-bool g_bFindThrows = false;
-HINSTANCE FindOrThrow(LPCSTR, LPCSTR) {
-    if (g_bFindThrows)
-        throw std::bad_alloc();
-    return GetModuleHandleA("user32.dll");
-}
-
-std::vector<std::string> g_aFailures;
-void NoteFailure(const char* pszFailure) noexcept {
-    g_aFailures.emplace_back(pszFailure);
-}
-
-TEST(HtmlStatic, TellsWhyNothingIsDrawn) {
-    g_bFindThrows = false;
-    g_aFailures.clear();
-    CHtmlDrawer drawer(&FindOrThrow, richtext::SystemShell(), &NoteFailure);
+TEST_F(HtmlStatic, TellsWhyNothingIsDrawn) {
+    static bool s_bThrows;
+    static std::vector<std::string> s_aFailures;
+    s_bThrows = false;
+    s_aFailures.clear();
+    CHtmlDrawer drawer(
+        [](LPCSTR, LPCSTR) -> HINSTANCE {
+            return s_bThrows ? throw std::bad_alloc() : GetModuleHandleA("user32.dll");
+        },
+        richtext::SystemShell(),
+        [](const char* pszFailure) noexcept { s_aFailures.emplace_back(pszFailure); });
     drawer.SetText("<icon idres=32512>");
     EXPECT_GT(drawer.Measure(200).cy, 0);
-    g_bFindThrows = true;
-    const Canvas canvas(200, 80);
-    const RECT area = {0, 0, 200, 80};
-    drawer.Draw(canvas.Dc(), area, area);
+    s_bThrows = true;
+    const Canvas canvas(200, 80, drawer);
     drawer.SetText("<icon idres=32512>");
-    drawer.Draw(canvas.Dc(), area, area);
-    EXPECT_THAT(g_aFailures, ElementsAre("CHtmlDrawer::Draw: exception",
+    drawer.Draw(canvas.Dc(), canvas.Area(), canvas.Area());
+    EXPECT_THAT(s_aFailures, ElementsAre("CHtmlDrawer::Draw: exception",
                                          "CHtmlDrawer::Layout: the text was not laid out"));
 }
 
-TEST(HtmlStatic, LinkTextsBecomeLinks) {
-    CHtmlHost host;
-    CHtmlStatic& control = host.Add("");
+TEST_F(HtmlStatic, LinkTextsBecomeLinks) {
+    CHtmlStatic& control = m_host.Add("");
     control.SetLinkText(CHtmlStatic::LinkKind::Msg, "msg", "Close");
     CString strText;
     control.GetWindowText(strText);
     EXPECT_EQ(strText, "<a msg=\"msg\">Close</a>");
-    host.Click(0);
-    EXPECT_THAT(host.m_aMessages, ElementsAre("msg"));
+    m_host.Click(0);
+    EXPECT_THAT(m_host.m_aMessages, ElementsAre("msg"));
     control.SetLinkText(CHtmlStatic::LinkKind::Href, "http://c.example/", "Open");
-    host.Click(0);
-    EXPECT_THAT(host.m_shell.m_aOpened, ElementsAre("http://c.example/"));
+    m_host.Click(0);
+    EXPECT_THAT(m_host.m_shell.m_aOpened, ElementsAre("http://c.example/"));
 }
 
-TEST(HtmlStatic, MayGoWhileALinkIsFollowed) {
-    CHtmlHost host;
-    host.Add("<a msg=m>link</a>");
-    host.m_bDeletesControl = true;
-    host.Click(0);
-    EXPECT_EQ(host.m_pStatic, nullptr);
-    EXPECT_THAT(host.m_aMessages, ElementsAre("m"));
+TEST_F(HtmlStatic, MayGoWhileALinkIsFollowed) {
+    m_host.Add("<a msg=m>link</a>");
+    m_host.m_bDeletesControl = true;
+    m_host.Click(0);
+    EXPECT_EQ(m_host.m_pStatic, nullptr);
+    EXPECT_THAT(m_host.m_aMessages, ElementsAre("m"));
 }
 
-TEST(HtmlStatic, HoverRepaintsTheLinkAlone) {
-    CHtmlHost host;
-    CHtmlStatic& control = host.Add("before <a msg=m>link</a> after <a msg=n>other</a>");
-    host.MoveTo(kNoLink);
+TEST_F(HtmlStatic, HoverRepaintsTheLinkAlone) {
+    CHtmlStatic& control = m_host.Add("before <a msg=m>link</a> after <a msg=n>other</a>");
+    m_host.MoveTo(kNoLink);
     EXPECT_EQ(control.Drawer().HoverLink(), kNoLink);
     control.UpdateWindow();
 
-    host.MoveTo(0);
+    m_host.MoveTo(0);
     EXPECT_EQ(control.Drawer().HoverLink(), 0);
     EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_HAND));
     RECT dirty{};
     ASSERT_TRUE(GetUpdateRect(control, &dirty, FALSE));
-    const RECT link = control.Drawer().LinkRects(0).at(0);
+    const RECT link = m_host.LinkRect(0);
     EXPECT_EQ(dirty.top, link.top);
     EXPECT_EQ(dirty.bottom, link.bottom);
     EXPECT_NEAR(dirty.left, link.left, 3);
     EXPECT_NEAR(dirty.right, link.right, 3);
     control.UpdateWindow();
-    host.MoveTo(0);
+    m_host.MoveTo(0);
     EXPECT_FALSE(GetUpdateRect(control, &dirty, FALSE)) << "the same link again";
 
-    host.MoveTo(1);
+    m_host.MoveTo(1);
     EXPECT_EQ(control.Drawer().HoverLink(), 1);
     control.SendMessage(WM_MOUSELEAVE);
     EXPECT_EQ(control.Drawer().HoverLink(), kNoLink);
@@ -232,58 +215,131 @@ TEST(HtmlStatic, HoverRepaintsTheLinkAlone) {
     control.SendMessage(0x8064, 1);
     EXPECT_EQ(control.Drawer().HoverLink(), 1);
     control.SendMessage(0x8065, 99);
-    EXPECT_THAT(host.m_aMessages, IsEmpty());
+    EXPECT_THAT(m_host.m_aMessages, IsEmpty());
 }
 
-DWORD g_dwNow = 0;
-DWORD WINAPI MadeClock() {
-    return g_dwNow;
-}
-
-TEST(HtmlStatic, MovesImagesByTheClockItIsGiven) {
+TEST_F(HtmlStatic, MovesImagesByTheClockItIsGiven) {
     std::uint32_t aPixels[16 * 8];
     for (std::size_t i = 0; i < std::size(aPixels); ++i)
         aPixels[i] = i % 16 < 8 ? 0xFF0000 : 0x0000FF;
     const Bitmap strip(CreateBitmap(16, 8, 1, 32, aPixels));
     const HIMAGELIST hList = ImageList_Create(8, 8, ILC_COLOR24, 2, 0);
     ASSERT_EQ(ImageList_Add(hList, strip.get(), nullptr), 0);
-    CHtmlHost host;
-    host.m_pStatic = std::make_unique<CHtmlStatic>(host.m_shell, &MadeClock);
-    CHtmlStatic& control = *host.m_pStatic;
-    control.Create("", WS_CHILD | WS_VISIBLE, CRect(10, 20, 210, 100), &host, 789);
-    control.AllowImageList(hList);
     // The clock may begin anew at any time.
-    g_dwNow = 0xFFFFFFC0;
+    constexpr DWORD kStart = 0xFFFFFFC0;
+    static DWORD s_dwNow;
+    s_dwNow = kStart;
+    CHtmlStatic& control = m_host.Add("", 0, []() WINAPI -> DWORD { return s_dwNow; });
+    control.AllowImageList(hList);
     const std::string strHandle = std::to_string(reinterpret_cast<UINT_PTR>(hList));
     control.SetWindowText(("<ilst cx=40 cy=40 speed=100 handle=" + strHandle + ">").c_str());
-    const struct {
-        DWORD dwPassed;
-        COLORREF colour;
-    } kMoments[] = {{0, RGB(255, 0, 0)},
-                    {99, RGB(255, 0, 0)},
-                    {100, RGB(0, 0, 255)},
-                    {199, RGB(0, 0, 255)},
-                    {1000, RGB(255, 0, 0)}};
-    for (const auto& moment : kMoments) {
-        g_dwNow = 0xFFFFFFC0 + moment.dwPassed;
+    constexpr std::pair<DWORD, COLORREF> kMoments[] = {
+        {0, kRed}, {99, kRed}, {100, kBlue}, {199, kBlue}, {1000, kRed}};
+    for (const auto& [dwPassed, colour] : kMoments) {
+        s_dwNow = kStart + dwPassed;
         control.SendMessage(WM_TIMER, 1);
-        EXPECT_EQ(host.At(20, 20), moment.colour) << moment.dwPassed;
+        EXPECT_EQ(m_host.At(20, 20), colour) << dwPassed;
     }
-    host.m_pStatic.reset();
+    m_host.m_pStatic.reset();
     ImageList_Destroy(hList);
 }
 
-TEST(HtmlStatic, HoldsNothingMoreAfterManyTexts) {
-    CHtmlHost host;
-    CHtmlStatic& control = host.Add("");
+TEST_F(HtmlStatic, HoldsNothingMoreAfterManyTexts) {
+    CHtmlStatic& control = m_host.Add("");
     control.SetDrawingMode(CHtmlStatic::kTransparent);
-    ExpectRoundsKeepNothing(20, 200, [&](int n) {
-        control.SetWindowText(n % 2 == 0 ? "<h1>one</h1><table border=1 bgeffect=metal "
-                                           "bgcolor=red><tr><td><a msg=m>x</a></table>"
-                                         : "<a msg=m>two</a><icon idres=32512 iddll=user32.dll>");
-        host.MoveTo(0);
+    const auto round = [&](int n) {
+        const std::string strText =
+            "<font size=" + std::to_string(8 + n % 80) +
+            "px face=Verdana>text</font><a msg=m>x</a><icon idres=32512 iddll=user32.dll>"
+            "<table border=2 bgcolor=red bgeffect=" +
+            std::to_string(n % 16) + "><tr><td><b>cell</table>";
+        control.SetWindowText(strText.c_str());
+        m_host.MoveTo(0);
         control.UpdateWindow();
-    });
+    };
+    // The fonts of some texts are kept; how many lies between none and these.
+    ExpectRoundsKeepNothing(80, 200, round,
+                            {.objects = 40, .heapBlocks = 150, .heapBytes = 150000});
+}
+
+// Links by keyboard, through the dialog manager's own message filter.
+class HtmlKeyboard : public testing::Test {
+protected:
+    void SetUp() override {
+        m_host.SetForegroundWindow();
+        m_hBefore = MakeEdit(0);
+        m_host.Add("<a msg=one>one</a> and <a msg=></a><a msg=two>two</a>", WS_TABSTOP);
+        m_hAfter = MakeEdit(1);
+        SetFocus(m_hBefore);
+    }
+
+    HWND MakeEdit(int n) {
+        return CreateWindowExA(0, "EDIT", "", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 10, 110 + 30 * n,
+                               100, 20, m_host, nullptr, nullptr, nullptr);
+    }
+    // What a message loop does with a key.
+    void Press(WORD nKey, bool bShift = false) {
+        Hold(nKey, bShift, 0x80);
+        for (const UINT nMessage : {UINT{WM_KEYDOWN}, UINT{WM_KEYUP}}) {
+            MSG message{GetFocus(), nMessage, nKey, 1, 0, {}};
+            if (!IsDialogMessageA(m_host, &message))
+                DispatchMessageA(&message);
+        }
+        Hold(nKey, bShift, 0);
+    }
+    static void Hold(WORD nKey, bool bShift, BYTE nState) {
+        std::array<BYTE, 256> aKeys{};
+        GetKeyboardState(aKeys.data());
+        aKeys[nKey] = nState;
+        aKeys[VK_SHIFT] = bShift ? nState : BYTE{0};
+        SetKeyboardState(aKeys.data());
+    }
+    // A window has the focus and, if it is the control, one of its links.
+    void ExpectFocus(HWND hWnd, int nLink) {
+        EXPECT_EQ(GetFocus(), hWnd);
+        EXPECT_EQ(m_host.m_pStatic->Drawer().FocusLink(), nLink);
+    }
+
+    CHtmlHost m_host;
+    HWND m_hBefore = nullptr;
+    HWND m_hAfter = nullptr;
+};
+
+TEST_F(HtmlKeyboard, TabGoesFromLinkToLinkAndOn) {
+    const HWND hControl = m_host.m_pStatic->m_hWnd;
+    // A link without anything to see is passed over.
+    const struct {
+        HWND hWnd;
+        int nLink;
+        bool bShift;
+    } kSteps[] = {{hControl, 0, false}, {hControl, 2, false}, {m_hAfter, kNoLink, false},
+                  {hControl, 2, true},  {hControl, 0, true},  {m_hBefore, kNoLink, true}};
+    for (const auto& step : kSteps) {
+        SCOPED_TRACE(&step - kSteps);
+        Press(VK_TAB, step.bShift);
+        ExpectFocus(step.hWnd, step.nLink);
+    }
+}
+
+TEST_F(HtmlKeyboard, EnterAndSpaceFollowTheLink) {
+    constexpr WORD kKeys[] = {VK_TAB, VK_RETURN, VK_TAB, VK_SPACE};
+    for (const WORD nKey : kKeys)
+        Press(nKey);
+    EXPECT_THAT(m_host.m_aMessages, ElementsAre("one", "two"));
+}
+
+TEST_F(HtmlKeyboard, WithoutLinksTheDialogKeepsTheKeys) {
+    m_host.m_pStatic->SetWindowText("nothing to follow");
+    Press(VK_TAB);
+    ExpectFocus(m_host.m_pStatic->m_hWnd, kNoLink);
+    Press(VK_TAB);
+    ExpectFocus(m_hAfter, kNoLink);
+}
+
+TEST_F(HtmlKeyboard, AClickTakesTheFocus) {
+    m_host.Click(2);
+    ExpectFocus(m_host.m_pStatic->m_hWnd, 2);
+    EXPECT_THAT(m_host.m_aMessages, ElementsAre("two"));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "richtext/control/link_opener.h"
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -16,12 +15,7 @@ namespace {
 
 class SystemShell : public testing::Test {
 protected:
-    SystemShell() {
-        char szFolder[MAX_PATH] = "";
-        GetTempPathA(MAX_PATH, szFolder);
-        m_strFile = szFolder + std::string("link_opener") + std::to_string(GetCurrentProcessId());
-        SetEnvironmentVariableA("MVP_LINK_OPENED", m_strFile.c_str());
-    }
+    SystemShell() { SetEnvironmentVariableA("MVP_LINK_OPENED", m_strFile.c_str()); }
     ~SystemShell() override {
         SetEnvironmentVariableA("MVP_LINK_OPENED", nullptr);
         DeleteFileA(m_strFile.c_str());
@@ -50,7 +44,7 @@ protected:
     }
 
     RegistryHive m_classes{HKEY_CLASSES_ROOT};
-    std::string m_strFile;
+    std::string m_strFile = (std::filesystem::temp_directory_path() / "link_opened").string();
 };
 
 TEST_F(SystemShell, OpensLinksWithTheirProgramOrThatOfHtmlFiles) {

@@ -1,54 +1,42 @@
 // What the golden dumps do not say: questions asked of a layout, and layouts that must not depend
 // on something.
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "richtext/document/plain_text.h"
 #include "richtext/dump.h"
-#include "richtext/layout/layout_queries.h"
-#include "richtext/rich_text.h"
-#include "richtext/style/fixed_measurer.h"
+#include "richtext/layout/table_columns.h"
+#include "richtext/layout/table_grid.h"
+#include "richtext/layout/table_rows.h"
+#include "test_text.h"
 
 namespace mvp::richtext {
 namespace {
 
 class LayoutTest : public testing::Test {
 protected:
-    LayoutTest() {
-        BuildSettings settings;
-        settings.font = {"Tahoma", 10, 400, false};
-        EXPECT_TRUE(m_text.SetSettings(settings));
-    }
-
     // The lines' texts, with a bar behind each.
     std::string Lines(const std::string& strMarkup, std::int32_t nWidth) {
-        EXPECT_TRUE(m_text.SetText(strMarkup));
-        EXPECT_TRUE(m_text.Layout(nWidth));
+        m_test.LayOut(strMarkup, nWidth);
         std::string strLines;
-        for (const LineBox& line : m_text.Boxes().aLines) {
-            for (std::uint32_t i = 0; i < line.nFragments; ++i) {
-                const Fragment& fragment = m_text.Boxes().aFragments[line.nFirstFragment + i];
-                if (fragment.kind == FragmentKind::Text) {
-                    strLines +=
-                        m_text.Document().strText.substr(fragment.nOffset, fragment.nLength);
-                }
-            }
-            strLines += '|';
+        for (const std::string& strLine : m_test.Lines()) {
+            strLines += strLine + '|';
         }
         return strLines;
     }
 
-    CFixedMeasurer m_measurer;
-    CRichText m_text{m_measurer};
+    TestText m_test{{"Tahoma", 10}};
+    CRichText& m_text = m_test.text;
 };
 
 TEST_F(LayoutTest, BreaksLines) {
-    struct Case {
+    constexpr struct {
         const char* pszMarkup;
         std::int32_t nWidth;
         const char* pszLines;
-    };
-    constexpr Case kCases[] = {
+    } kCases[] = {
         // Spaces collapse, and none begins or ends a line.
         {"  a   b  <br>  c &nbsp; d ", 200, "a b|c d|"},
         {"a <b> b</b>", 200, "a b|"},
@@ -75,7 +63,7 @@ TEST_F(LayoutTest, BreaksLines) {
         {"a<br><table><tr><td>b</table>\nc", 200, "a|b||c|"},
     };
     EXPECT_TRUE(m_text.SetStyleSheet(""));
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         EXPECT_EQ(Lines(c.pszMarkup, c.nWidth), c.pszLines) << c.pszMarkup;
     }
 }
@@ -84,41 +72,40 @@ TEST_F(LayoutTest, TransformsFollowTheCodePage) {
     EXPECT_TRUE(
         m_text.SetStyleSheet(".u {text-transform:uppercase} .l {text-transform:lowercase} "
                              ".c {text-transform:capitalize}"));
-    EXPECT_EQ(Lines("<span class=u>stra\xDF"
-                    "e \xE9\xFF\xF7</span>",
-                    500),
-              "STRA\xDF"
-              "E \xC9\x9F\xF7|");
-    EXPECT_EQ(Lines("<span class=l>\xC9T\xC9 1</span>", 500), "\xE9t\xE9 1|");
-    EXPECT_EQ(Lines("<span class=c>don't be well-known 2nd \xE9t\xE9 \xDFx</span>", 500),
-              "Don't Be Well-Known 2nd \xC9t\xE9 \xDFx|");
-    // A word begins where it does, whatever is transformed before it.
-    EXPECT_EQ(Lines("so, <span class=c>every</span> o<span class=c>ne</span>", 500),
-              "so, Every one|");
+    ExpectTexts([&](const char* pszMarkup) { return Lines(pszMarkup, 500); },
+                {
+                    {"<span class=u>stra\xDF"
+                     "e \xE9\xFF\xF7</span>",
+                     "STRA\xDF"
+                     "E \xC9\x9F\xF7|"},
+                    {"<span class=l>\xC9T\xC9 1</span>", "\xE9t\xE9 1|"},
+                    {"<span class=c>don't be well-known 2nd \xE9t\xE9 \xDFx</span>",
+                     "Don't Be Well-Known 2nd \xC9t\xE9 \xDFx|"},
+                    // A word begins where it does, whatever is transformed before it.
+                    {"so, <span class=c>every</span> o<span class=c>ne</span>", "so, Every one|"},
+                });
 }
 
 TEST_F(LayoutTest, FindsWhatIsUnderThePoint) {
     // "go " is 15 wide, the link's two words 5 and 10 on two lines.
     EXPECT_EQ(Lines("go <a msg=m>b cc</a> <a href=h>d</a>", 22), "go b|cc d|");
-    struct Case {
-        std::int32_t nX;
-        std::int32_t nY;
+    constexpr struct {
+        std::int32_t nX, nY;
         std::uint32_t nLink;
-    };
-    constexpr Case kCases[] = {{0, 0, kNone},
-                               {14, 0, kNone},
-                               {15, 0, 0},
-                               {19, 9, 0},
-                               {20, 5, kNone},
-                               {0, 10, 0},
-                               {9, 19, 0},
-                               {12, 15, kNone},
-                               {15, 15, 1},
-                               {15, 20, kNone},
-                               {-1, 10, kNone},
-                               {15, -1, kNone},
-                               {2000000000, 2000000000, kNone}};
-    for (const Case& c : kCases) {
+    } kCases[] = {{0, 0, kNone},
+                  {14, 0, kNone},
+                  {15, 0, 0},
+                  {19, 9, 0},
+                  {20, 5, kNone},
+                  {0, 10, 0},
+                  {9, 19, 0},
+                  {12, 15, kNone},
+                  {15, 15, 1},
+                  {15, 20, kNone},
+                  {-1, 10, kNone},
+                  {15, -1, kNone},
+                  {2000000000, 2000000000, kNone}};
+    for (const auto& c : kCases) {
         EXPECT_EQ(HitTest(m_text.Boxes(), c.nX, c.nY).nLink, c.nLink) << c.nX << "," << c.nY;
     }
     const auto boxes = LinkBoxes(m_text.Boxes(), 0);
@@ -133,17 +120,15 @@ TEST_F(LayoutTest, HoverNeverChangesTheLayout) {
     EXPECT_TRUE(
         m_text.SetStyleSheet("a:link {color:1} a:hover {color:2; font-size:40px; padding:9}"));
     Lines("x <a msg=m>link <b>bold</b></a>", 500);
+    const CStyleTable& styles = m_text.Document().styles;
     for (const Fragment& fragment : m_text.Boxes().aFragments) {
-        const CStyleTable& styles = m_text.Document().styles;
-        if (fragment.nLink == kNone) {
-            EXPECT_EQ(styles[fragment.nStyle].nHover, kNone);
-            continue;
+        const ComputedStyle& style = styles[fragment.nStyle];
+        ASSERT_EQ(style.nHover != kNone, fragment.nLink != kNone);
+        if (style.nHover != kNone) {
+            EXPECT_EQ(styles[style.nHover].colour, 2U);
+            EXPECT_EQ(styles[style.nHover].nFont, style.nFont);
+            EXPECT_EQ(styles[style.nHover].nBox, style.nBox);
         }
-        const std::uint32_t nHover = styles[fragment.nStyle].nHover;
-        ASSERT_NE(nHover, kNone);
-        EXPECT_EQ(styles[nHover].colour, 2U);
-        EXPECT_EQ(styles[nHover].nFont, styles[fragment.nStyle].nFont);
-        EXPECT_EQ(styles[nHover].nBox, styles[fragment.nStyle].nBox);
     }
 }
 
@@ -161,6 +146,141 @@ TEST_F(LayoutTest, IsMadeAnewOnlyForWhatChanged) {
     EXPECT_TRUE(m_text.SetSettings(settings));
     EXPECT_TRUE(m_text.Layout(15));
     EXPECT_EQ(m_text.Boxes().nHeight, 40);
+}
+
+TEST_F(LayoutTest, PlainTextKeepsWordsAndLinesApart) {
+    constexpr struct {
+        const char *pszMarkup, *pszPlain, *pszLink;
+    } kCases[] = {
+        {"one <b>two</b>", "one two", ""},
+        {"one<br><br>two<hr>three", "one\ntwo\nthree", ""},
+        {"a<table><tr><td>b<td>c</tr><tr><td>d</table>e", "a\nb c\nd\ne", ""},
+        {"see <a msg=m>this <i>page</i><br>here</a>.", "see this page\nhere.", "this page\nhere"},
+        {"<br> &lt;x> ", "<x>", ""},
+        {"", "", ""},
+    };
+    for (const auto& c : kCases) {
+        m_test.LayOut(c.pszMarkup, 200);
+        EXPECT_EQ(PlainTextOf(m_text.Document()), c.pszPlain) << c.pszMarkup;
+        EXPECT_EQ(LinkTextOf(m_text.Document(), 0), c.pszLink) << c.pszMarkup;
+    }
+}
+
+// --- tables: how a width is given out to the columns, and a height to the rows ---
+
+Column Auto(int nMin, int nMax) {
+    return {ToFixed(nMin), ToFixed(nMax), 0, false};
+}
+Column Given(int nMin, int nWidth) {
+    return {ToFixed(nMin), ToFixed(nWidth), 0, true};
+}
+Column Percent(int nMin, int nMax, int nPercent) {
+    return {ToFixed(nMin), ToFixed(nMax), nPercent, false};
+}
+
+TEST(TableColumns, ShareTheWidth) {
+    const struct {
+        std::vector<Column> columns;
+        int nWidth;
+        std::vector<int> widths;
+    } kCases[] = {
+        // Never below the least.
+        {{Auto(30, 50), Auto(20, 90)}, 10, {30, 20}},
+        // Between least and most: by what each could grow.
+        {{Auto(10, 30), Auto(10, 70)}, 60, {20, 40}},
+        // A share in per cent first, then a width in pixels, then the rest.
+        {{Auto(10, 100), Given(10, 50), Percent(10, 20, 40)}, 100, {10, 50, 40}},
+        {{Auto(10, 100), Given(10, 50)}, 100, {50, 50}},
+        {{Auto(10, 100), Given(10, 50)}, 40, {10, 30}},
+        {{Auto(10, 100), Percent(5, 10, 50)}, 100, {50, 50}},
+        // More than most: to those without a width, else to those in pixels, else to the shares.
+        {{Auto(5, 10), Auto(5, 30), Given(5, 20)}, 100, {20, 60, 20}},
+        {{Given(5, 20), Given(5, 60), Percent(5, 5, 20)}, 200, {40, 120, 40}},
+        {{Percent(5, 5, 20), Percent(5, 5, 30)}, 100, {40, 60}},
+        {{Auto(0, 0), Auto(0, 0)}, 50, {25, 25}},
+        {{}, 50, {}},
+    };
+    for (const auto& c : kCases) {
+        std::vector<Fixed> widths(c.columns.size());
+        ShareWidth(c.columns, ToFixed(c.nWidth), widths);
+        std::vector<int> pixels;
+        for (const Fixed width : widths) {
+            pixels.push_back(static_cast<int>(RoundPixels(width)));
+        }
+        EXPECT_EQ(pixels, c.widths) << c.nWidth;
+    }
+}
+
+TEST(TableColumns, TakeFromCellsOfOneColumnFirst) {
+    const std::vector<ColumnCell> cells = {
+        {0, 2, ToFixed(60), ToFixed(100), 0, false},  // over both, with 10 between
+        {0, 1, ToFixed(10), ToFixed(30), 0, false},
+        {1, 1, ToFixed(10), ToFixed(10), 0, false},
+        {2, 1, ToFixed(10), ToFixed(40), 0, true},
+        {2, 1, ToFixed(20), ToFixed(90), 0, false},  // the width in pixels stands
+        {1, 2, 0, 0, 50, false},                     // a share for the two without one
+    };
+    std::vector<Column> columns(3);
+    MeasureColumns(cells, ToFixed(10), columns);
+    EXPECT_EQ(columns[0].nMin + columns[1].nMin, ToFixed(50));
+    EXPECT_EQ(columns[0].nMax + columns[1].nMax, ToFixed(90));
+    EXPECT_EQ(columns[2].nMin, ToFixed(20));
+    EXPECT_EQ(columns[2].nMax, ToFixed(40));
+    EXPECT_TRUE(columns[2].bFixed);
+    EXPECT_EQ(columns[0].nPercent, 0);
+    EXPECT_NEAR(columns[1].nPercent + columns[2].nPercent, 50, 1);
+
+    // Shares end at a hundred together: the first ones have theirs.
+    columns.assign(3, {});
+    MeasureColumns(std::vector<ColumnCell>{{0, 1, 0, 0, 80, false}, {1, 1, 0, 0, 60, false}}, 0,
+                   columns);
+    EXPECT_EQ(columns[0].nPercent, 80);
+    EXPECT_EQ(columns[1].nPercent, 20);
+}
+
+TEST(TableRows, HoldTheirCells) {
+    const struct {
+        std::vector<RowCell> cells;
+        int nTableHeight;
+        std::vector<int> heights;
+    } kCases[] = {
+        {{{0, 1, 10, -1, false}, {1, 1, 20, -1, false}}, 0, {10, 20, 0}},
+        // A cell over rows: in proportion, but not to a row with a height of its own.
+        {{{0, 2, 60, -1, false}, {0, 1, 10, -1, false}, {1, 1, 20, -1, false}}, 0, {20, 40, 0}},
+        {{{0, 2, 60, -1, false}, {0, 1, 10, -1, true}, {1, 1, 20, -1, false}}, 0, {10, 50, 0}},
+        {{{1, 2, 30, -1, false}}, 0, {0, 15, 15}},
+        // On one baseline: the highest above it and the deepest below it.
+        {{{0, 1, 20, 16, false}, {0, 1, 20, 4, false}}, 0, {32, 0, 0}},
+        {{{0, 1, 10, -1, false}, {1, 1, 30, -1, false}}, 80, {20, 60, 0}},
+    };
+    for (const auto& c : kCases) {
+        std::vector<Row> rows(3);
+        MeasureRows(c.cells, 0, c.nTableHeight, rows);
+        std::vector<int> heights;
+        for (const Row& row : rows) {
+            heights.push_back(static_cast<int>(row.nHeight));
+        }
+        EXPECT_EQ(heights, c.heights);
+    }
+}
+
+TEST(TableGrid, LeavesOutColumnsNoCellBeginsIn) {
+    CTableGrid grid;
+    grid.BeginRow();
+    grid.Place(1, 3);
+    grid.Place(4, 1);
+    grid.BeginRow();
+    grid.Place(2, 1);
+    grid.Place(1, 1);
+    grid.Finish();
+    EXPECT_EQ(grid.Rows(), 2);
+    EXPECT_EQ(grid.Columns(), 3);
+    const std::vector<GridCell>& cells = grid.Cells();
+    EXPECT_EQ(cells[0].nRowSpan, 2);
+    EXPECT_EQ(cells[1].nColSpan, 2);
+    EXPECT_EQ(cells[2].nColumn, 1);
+    EXPECT_EQ(cells[2].nColSpan, 1);
+    EXPECT_EQ(cells[3].nColumn, 2);
 }
 
 }  // namespace

@@ -1,0 +1,138 @@
+// Whole documents: against the dumps of every stage, one document a file in golden/, and against
+// what an independent layout engine gave for the same documents (layout_oracle.json).
+//
+// With MVP_UPDATE_GOLDEN set in the environment the dumps are written anew instead of compared.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "richtext/dump.h"
+#include "test_text.h"
+#include <nlohmann/json.hpp>
+
+namespace mvp::richtext {
+namespace {
+
+// A section begins with a line "==== name" and runs up to the next one.
+std::map<std::string, std::string> SectionsOf(const std::string& strFile) {
+    std::map<std::string, std::string> sections;
+    std::string* pSection = nullptr;
+    std::istringstream stream(strFile);
+    for (std::string strLine; std::getline(stream, strLine);) {
+        if (strLine.starts_with("==== ")) {
+            pSection = &sections[strLine.substr(5)];
+        } else {
+            *pSection += strLine + "\n";
+        }
+    }
+    return sections;
+}
+
+// The last line feed belongs to the file, not to the text.
+std::string WithoutLastLineFeed(const std::string& strText) {
+    return strText.substr(0, strText.size() - (strText.ends_with('\n') ? 1 : 0));
+}
+
+std::string Produce(std::map<std::string, std::string> sections) {
+    TestText test({"Tahoma", 10});
+    const std::string strSheet = WithoutLastLineFeed(sections["sheet"]);
+    // "builtin" alone stands for no text.
+    EXPECT_TRUE(test.text.SetStyleSheet(
+        strSheet == "builtin" ? std::nullopt : std::optional<std::string_view>(strSheet)));
+    const std::string strMarkup = WithoutLastLineFeed(sections["markup"]);
+    test.LayOut(strMarkup, std::atoi(sections["width"].c_str()));
+    sections["events"] = DumpMarkup(strMarkup);
+    sections["styles"] = DumpStyles(test.text.Document());
+    sections["layout"] = DumpLayout(test.text.Document(), test.text.Boxes());
+    std::string strFile;
+    for (const char* pszSection : {"width", "sheet", "markup", "events", "styles", "layout"}) {
+        strFile += std::string("==== ").append(pszSection).append("\n") + sections[pszSection];
+    }
+    return strFile;
+}
+
+TEST(Golden, EveryDocumentGivesItsDumps) {
+    int nFiles = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(RICHTEXT_TEST_DATA "/golden")) {
+        ++nFiles;
+        std::ifstream file(entry.path(), std::ios::binary);
+        const std::string strExpected(std::istreambuf_iterator<char>(file), {});
+        const std::string strProduced = Produce(SectionsOf(strExpected));
+        if (std::getenv("MVP_UPDATE_GOLDEN") != nullptr) {
+            std::ofstream(entry.path(), std::ios::binary) << strProduced;
+        } else {
+            EXPECT_EQ(strProduced, strExpected) << entry.path().filename();
+        }
+    }
+    EXPECT_GE(nFiles, 12);
+}
+
+using Rect = std::array<double, 4>;
+
+// Without spaces, and without the lines that are empty then.
+std::vector<std::string> Squeezed(std::vector<std::string> aLines) {
+    for (std::string& strLine : aLines) {
+        std::erase(strLine, ' ');
+    }
+    std::erase(aLines, "");
+    return aLines;
+}
+
+bool Agree(const Rect& a, const Rect& b, double tolerance) {
+    for (const std::size_t nSide : {std::size_t{0}, std::size_t{1}}) {
+        const double nStart = a[nSide] - b[nSide];
+        const double nEnd = nStart + a[nSide + 2] - b[nSide + 2];
+        if (std::abs(nStart) > tolerance || std::abs(nEnd) > tolerance) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Agree(const CRichText& text, bool bCells, const std::vector<Rect>& expected,
+           double tolerance) {
+    std::vector<Rect> aRects;
+    for (const BlockBox& block : text.Boxes().aBlocks) {
+        if (block.bCell == bCells) {
+            aRects.push_back(
+                {double(block.nX), double(block.nY), double(block.nWidth), double(block.nHeight)});
+        }
+    }
+    return std::equal(aRects.begin(), aRects.end(), expected.begin(), expected.end(),
+                      [&](const Rect& a, const Rect& b) { return Agree(a, b, tolerance); });
+}
+
+// Line texts are equal but for white space, and every edge of a rectangle is within a pixel.
+TEST(LayoutOracle, EveryDocumentAgrees) {
+    std::ifstream file(RICHTEXT_TEST_DATA "/layout_oracle.json");
+    const nlohmann::json oracle = nlohmann::json::parse(file);
+    const double tolerance = oracle.at("tolerance_px");
+    ASSERT_GE(oracle.at("documents").size(), 40U);
+    for (const auto& document : oracle.at("documents")) {
+        TestText test({{}, oracle.at("font").at("base_size")});
+        const CRichText& text = test.text;
+        EXPECT_TRUE(test.text.SetStyleSheet(document.at("css").get<std::string>()));
+        test.LayOut(document.at("html").get<std::string>(), document.at("width"));
+        const double nHeight = document.at("height");
+        EXPECT_TRUE(Squeezed(test.Lines()) == Squeezed(document.at("lines")) &&
+                    Agree(text, true, document.at("cells"), tolerance) &&
+                    Agree(text, false, document.at("tables"), tolerance) &&
+                    std::abs(text.Boxes().nHeight - nHeight) <= tolerance)
+            << document.at("id") << ": " << document.at("why") << "\n"
+            << document.at("html") << "\n"
+            << DumpLayout(text.Document(), text.Boxes());
+    }
+}
+
+}  // namespace
+}  // namespace mvp::richtext

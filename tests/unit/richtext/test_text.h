@@ -1,0 +1,56 @@
+// A text through all stages, measured without a device, and tables of texts.
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "richtext/rich_text.h"
+#include "richtext/style/fixed_measurer.h"
+
+namespace mvp::richtext {
+
+// What is made of each first text is the second.
+inline void ExpectTexts(const std::function<std::string(const char*)>& make,
+                        std::initializer_list<std::pair<const char*, std::string>> cases) {
+    for (const auto& [pszText, strExpected] : cases) {
+        EXPECT_EQ(make(pszText), strExpected) << pszText;
+    }
+}
+
+struct TestText {
+    explicit TestText(FontDescription font = BuildSettings().font) {
+        BuildSettings settings;
+        settings.font = font;
+        EXPECT_TRUE(text.SetSettings(settings));
+    }
+
+    void LayOut(std::string_view markup, std::int32_t nWidth) {
+        EXPECT_TRUE(text.SetText(markup));
+        EXPECT_TRUE(text.Layout(nWidth));
+    }
+
+    // The text of every line.
+    std::vector<std::string> Lines() const {
+        std::vector<std::string> aLines;
+        for (const LineBox& line : text.Boxes().aLines) {
+            std::string& strLine = aLines.emplace_back();
+            for (std::uint32_t i = 0; i < line.nFragments; ++i) {
+                const Fragment& fragment = text.Boxes().aFragments[line.nFirstFragment + i];
+                if (fragment.kind == FragmentKind::Text) {
+                    strLine += text.Document().strText.substr(fragment.nOffset, fragment.nLength);
+                }
+            }
+        }
+        return aLines;
+    }
+
+    CFixedMeasurer measurer;
+    CRichText text{measurer};
+};
+
+}  // namespace mvp::richtext
