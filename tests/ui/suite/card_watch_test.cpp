@@ -27,12 +27,6 @@ constexpr DWORD kEmpty = SCARD_STATE_EMPTY;
 constexpr DWORD kCard = SCARD_STATE_PRESENT;
 constexpr DWORD kMove = 0x10000;  // one movement more on the counter
 
-std::string FakeModule() {
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(GetModuleHandleA("fake_winscard.dll"), path, sizeof(path));
-    return path;
-}
-
 class CardWatch : public testing::Test {
 protected:
     void Start() {
@@ -42,27 +36,28 @@ protected:
                 const std::lock_guard lock(m_lock);
                 m_removed.push_back(strReader);
             },
-            FakeModule());
+            "fake_winscard.dll");
         ASSERT_TRUE(m_watch);
     }
     ~CardWatch() override {
         if (m_watch)
             ExpectEnd();
         EXPECT_EQ(FakeContexts(), 0);
-        for (const char* pszReader : {"A", "B"})
-            FakeRemoveReader(pszReader);
+        FakeRemoveReader("A");
+        FakeRemoveReader("B");
         FakeSetUp(TRUE);
     }
 
-    // Waits until the watch knows how things are now.
-    void LetItLook() {
-        EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeIsSettled() != FALSE; }));
-    }
-    // What was reported by then.
+    // What was reported until the watch knew how things are now.
     Names Removed() {
-        LetItLook();
+        EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeIsSettled() != FALSE; }));
         const std::lock_guard lock(m_lock);
         return m_removed;
+    }
+    // Makes a change; what has been reported when the watch knows of it.
+    Names After(const char* pszReader, DWORD nState) {
+        FakeSetReader(pszReader, nState);
+        return Removed();
     }
     // Waits until the watch has tried to connect.
     void LetItTry() const {
@@ -84,21 +79,16 @@ TEST_F(CardWatch, ReportsCardsAndReadersThatLeave) {
     FakeSetReader("A", kCard + kMove);
     FakeSetReader("B", kEmpty);
     Start();
-    LetItLook();
-    FakeSetReader("A", kEmpty + 2 * kMove);
-    EXPECT_EQ(Removed(), (Names{"A"}));
-    FakeSetReader("B", kCard + kMove);
-    LetItLook();
-    FakeSetReader("B", kCard + 3 * kMove);
-    EXPECT_EQ(Removed(), (Names{"A", "B"}));
+    EXPECT_EQ(Removed(), Names{});
+    EXPECT_EQ(After("A", kEmpty + 2 * kMove), (Names{"A"}));
+    EXPECT_EQ(After("B", kCard + kMove), (Names{"A"}));
+    EXPECT_EQ(After("B", kCard + 3 * kMove), (Names{"A", "B"}));
     FakeRemoveReader("B");
     EXPECT_EQ(Removed(), (Names{"A", "B", "B"}));
     FakeRemoveReader("A");
-    LetItLook();
-    FakeSetReader("A", kCard);
-    LetItLook();
-    FakeSetReader("A", kEmpty + kMove);
-    EXPECT_EQ(Removed(), (Names{"A", "B", "B", "A"}));
+    EXPECT_EQ(Removed(), (Names{"A", "B", "B"}));
+    EXPECT_EQ(After("A", kCard), (Names{"A", "B", "B"}));
+    EXPECT_EQ(After("A", kEmpty + kMove), (Names{"A", "B", "B", "A"}));
 }
 
 TEST_F(CardWatch, OutlivesTheService) {
@@ -107,7 +97,7 @@ TEST_F(CardWatch, OutlivesTheService) {
     Start();
     LetItTry();
     FakeSetUp(TRUE);
-    LetItLook();
+    EXPECT_EQ(Removed(), Names{});
     FakeSetUp(FALSE);
     EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeContexts() == 0; }));
     FakeSetReader("A", kEmpty);
@@ -129,7 +119,7 @@ TEST_F(CardWatch, EndsWhereverItIs) {
     FakeSetPatient(TRUE);
     FakeSetReader("A", kEmpty);
     Start();
-    LetItLook();
+    Removed();
     ExpectEnd();
     FakeSetPatient(FALSE);
 }
