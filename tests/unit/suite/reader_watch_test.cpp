@@ -12,7 +12,7 @@ namespace {
 
 // A smart-card service in a made world. Each wait takes the next step of a script; behind the last
 // one the watch ends. A step is a word of one or more of these: +A plugs reader A in, -A unplugs
-// it, >A inserts a card, <A pulls it, stop and start are the service's. A dot does nothing.
+// it, >A inserts a card, <A pulls it, /0 stops the service and /1 starts it. A dot does nothing.
 class CScriptedService final : public ICardService {
 public:
     explicit CScriptedService(const std::string& script) : m_script(script) {}
@@ -66,17 +66,16 @@ private:
                 m_readers[strReader] = {};
             else if (step[n] == '-')
                 m_readers.erase(strReader);
-            else if (step[n] == '>' || step[n] == '<')
-                m_readers[strReader] = {step[n] == '>', m_readers[strReader].nMoves + 1};
+            else if (step[n] == '/')
+                SetUp(step[n + 1] == '1');
             else
-                return SetUp(step == "start");
+                m_readers[strReader] = {step[n] == '>', m_readers[strReader].nMoves + 1};
         }
     }
     void SetUp(bool bUp) {
         m_bUp = bUp;
-        if (!bUp)
-            for (auto& [name, reader] : m_readers)
-                reader.nMoves = 0;
+        for (auto& [name, reader] : m_readers)
+            reader.nMoves = bUp ? reader.nMoves : 0;
     }
 
     Wait Look(std::vector<ReaderState>& readers) {
@@ -128,13 +127,13 @@ TEST(ReaderWatch, ReportsCardsThatLeave) {
         {"inserted and pulled between two looks: nobody knew of it", "+A >A<A", ""},
         {"reader unplugged with its card, and back", "+A+B>A>B -A +A>A <A", "AA"},
         {"empty reader unplugged", "+A -A", ""},
-        {"service restarted in between, card stays", "+A>A<A>A stop start .", ""},
-        {"service restarted, card pulled meanwhile", "+A>A stop <A . start", "A"},
-        {"service restarted, reader gone meanwhile", "+A>A stop -A start .", "A"},
-        {"service stays away", "+A>A stop . . . . .", "A"},
-        {"service away often, never for long", "+A>A stop start stop start stop start", ""},
-        {"service back after long", "+A>A stop . . . . start <A", "AA"},
-        {"service starts late", "stop . . start +A>A <A", "A"},
+        {"service restarted in between, card stays", "+A>A<A>A /0 /1 .", ""},
+        {"service restarted, card pulled meanwhile", "+A>A /0 <A/1", "A"},
+        {"service restarted, reader gone meanwhile", "+A>A /0 -A/1 .", "A"},
+        {"service stays away", "+A>A /0 . . . . .", "A"},
+        {"service away often, never for long", "+A>A /0 /1 /0 /1 /0 /1", ""},
+        {"service back after long", "+A>A /0 . . . . /1 <A", "AA"},
+        {"service starts late", "/0 . . /1+A>A <A", "A"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(RemovedIn(c.pszScript), c.pszRemoved) << c.pszName;
