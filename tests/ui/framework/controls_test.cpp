@@ -53,13 +53,9 @@ TEST_F(ControlsTest, ListKeepsRowsColumnsAndImages) {
     EXPECT_STREQ(szText, "05/06/24");
 }
 
-TEST_F(ControlsTest, EditSelectsLimitsAndHidesAndFollowsASpinButton) {
+TEST_F(ControlsTest, EditSelectsAndFollowsASpinButton) {
     CEdit edit;
-    ASSERT_TRUE(edit.Create(WS_CHILD | ES_PASSWORD, kPlace, &m_host, 8));
-    edit.SetPasswordChar('+');
-    EXPECT_EQ(edit.SendMessage(EM_GETPASSWORDCHAR), '+');
-    edit.SetLimitText(6);
-    EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 6);
+    ASSERT_TRUE(edit.Create(WS_CHILD, kPlace, &m_host, 8));
     edit.SetWindowText("abcdef");
     edit.SetSel(1, 3);
     int nStart = 0;
@@ -84,11 +80,17 @@ TEST_F(ControlsTest, EditSelectsLimitsAndHidesAndFollowsASpinButton) {
         str.Remove(',');  // between thousands
         EXPECT_STREQ(str, expected);
     }
-    edit.SetReadOnly();
-    EXPECT_NE(edit.GetStyle() & ES_READONLY, 0u);
 }
 
-TEST_F(ControlsTest, PicturesAndChecksComeBackAsTheyWereSet) {
+TEST_F(ControlsTest, SettingsReachTheControl) {
+    CEdit edit;
+    ASSERT_TRUE(edit.Create(WS_CHILD | ES_PASSWORD, kPlace, &m_host, 8));
+    edit.SetPasswordChar('+');
+    edit.SetLimitText(6);
+    edit.SetReadOnly();
+    EXPECT_EQ(edit.SendMessage(EM_GETPASSWORDCHAR), '+');
+    EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 6);
+    EXPECT_NE(edit.GetStyle() & ES_READONLY, 0u);
     HICON hIcon = LoadIconA(nullptr, IDI_INFORMATION);
     CStatic picture;
     ASSERT_TRUE(picture.Create("", WS_CHILD | SS_ICON, kPlace, &m_host));

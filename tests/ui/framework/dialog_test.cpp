@@ -16,6 +16,12 @@ namespace {
 
 const Script kPressOk = [](Dialog& dialog) { dialog.Click(IDOK); };
 
+// What the dialog ends with when the script has run over it.
+INT_PTR RunModal(CDialog& dlg, const Script& script = kPressOk) {
+    DialogDriver driver(script);
+    return dlg.DoModal();
+}
+
 // A window that is owned by another one, as a dialog is.
 struct Popup : CWnd {
     explicit Popup(CWnd* pOwner) {
@@ -39,12 +45,12 @@ TEST(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
             EXPECT_TRUE(host.IsWindowEnabled());
             EXPECT_FALSE(dlg.IsWindowVisible());
         };
-        DialogDriver driver([&](Dialog& dialog) {
+        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
             EXPECT_EQ(dialog.FocusedId(), kFormEdit);
             EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), host.m_hWnd);
             dialog.Click(nButton);
         });
-        EXPECT_EQ(dlg.DoModal(), nButton);
+        EXPECT_EQ(nResult, nButton);
         EXPECT_FALSE(IsWindow(hWnd));
         EXPECT_EQ(dlg.m_hWnd, nullptr);
         EXPECT_TRUE(host.IsWindowEnabled());
@@ -52,8 +58,7 @@ TEST(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
     }
     host.EnableWindow(FALSE);
     CFormDlg dlg(&host);
-    DialogDriver driver(kPressOk);
-    EXPECT_EQ(dlg.DoModal(), IDOK);
+    EXPECT_EQ(RunModal(dlg), IDOK);
     EXPECT_FALSE(host.IsWindowEnabled()) << "it was disabled before";
 }
 
@@ -165,8 +170,7 @@ TEST(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
     Popup popup(&host);  // the window that the dialog disables is the popup's owner
     auto* pDlg = new CFormDlg(&popup);
     pDlg->m_onButton = [pDlg] { delete pDlg; };
-    DialogDriver driver([](Dialog& dialog) { dialog.Click(kFormButton); });
-    EXPECT_EQ(pDlg->DoModal(), -1);
+    EXPECT_EQ(RunModal(*pDlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
     EXPECT_TRUE(host.IsWindowEnabled());
 }
 
@@ -256,31 +260,27 @@ TEST(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
         CFormDlg dlg(&host);
         CEdit edit;
         HWND hWnd = nullptr;
-        HWND hEdit = nullptr;
         int nDestroyed = 0;
         dlg.m_onInit = [&] {
             edit.SubclassDlgItem(kFormEdit, &dlg);
-            hEdit = edit.m_hWnd;
             hWnd = dlg.m_hWnd;
         };
         dlg.m_onDestroy = [&] { ++nDestroyed; };
-        DialogDriver driver([&](Dialog& dialog) {
-            dialog.Run([&] {
-                host.PostMessage(WM_NULL);  // the modal loop has this to do first
-                for (const UINT message : lies[i % 4])
-                    SendMessageA(bEdit ? hEdit : hWnd, message, 0, 0);
-                // What comes after it must not make a success of it.
-                if (!bEdit)
-                    SendMessageA(hWnd, WM_COMMAND, IDOK, 0);
-            });
-        });
-        EXPECT_EQ(dlg.DoModal(), -1);
+        dlg.m_onButton = [&] {
+            HWND hEdit = edit.m_hWnd;
+            host.PostMessage(WM_NULL);  // the modal loop has this to do first
+            for (const UINT message : lies[i % 4])
+                SendMessageA(bEdit ? hEdit : hWnd, message, 0, 0);
+            // What comes after it must not make a success of it.
+            if (!bEdit)
+                SendMessageA(hWnd, WM_COMMAND, IDOK, 0);
+        };
+        EXPECT_EQ(RunModal(dlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
         EXPECT_FALSE(IsWindow(hWnd));
         EXPECT_EQ(dlg.m_hWnd, nullptr);
         EXPECT_EQ(edit.m_hWnd, nullptr);
         EXPECT_GE(nDestroyed, 1);
         EXPECT_TRUE(host.IsWindowEnabled());
-        driver.Join();
         ASSERT_FALSE(HasFailure());
     }
 }
@@ -315,15 +315,12 @@ TEST(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     // Where it stands after SetWindowPos(..., nFlags) in its initialisation.
     const auto place = [&](DWORD dwStyle, const RECT& to, UINT nFlags) {
         CFormDlg dlg(&host, dwStyle);
+        CRect rect;
         dlg.m_onInit = [&] {
             dlg.SetWindowPos(nullptr, to.left, to.top, to.right, to.bottom, nFlags | SWP_NOZORDER);
         };
-        CRect rect;
-        DialogDriver driver([&](Dialog& dialog) {
-            rect = dialog.ScreenRect();
-            dialog.Click(IDOK);
-        });
-        EXPECT_EQ(dlg.DoModal(), IDOK);
+        dlg.m_onDestroy = [&] { dlg.GetWindowRect(rect); };
+        EXPECT_EQ(RunModal(dlg), IDOK);
         return rect;
     };
     CRect rectHost;

@@ -61,6 +61,8 @@ protected:
         return static_cast<LRESULT>(wParam) + lParam;
     }
     afx_msg void OnPaint() { throw std::string("no painting"); }
+    afx_msg void OnChange() { m_log.push_back("change"); }
+    afx_msg void OnMenu() { m_log.push_back("menu"); }
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -73,6 +75,8 @@ BEGIN_MESSAGE_MAP(CProbeWnd, CWnd)
     ON_WM_PAINT()
     ON_MESSAGE(kAsk, &CProbeWnd::OnAsk)
     ON_REGISTERED_MESSAGE(g_nRegistered, &CProbeWnd::OnRegistered)
+    ON_EN_CHANGE(5, &CProbeWnd::OnChange)
+    ON_COMMAND(101, &CProbeWnd::OnMenu)
 END_MESSAGE_MAP()
 
 int Refuse() {
@@ -253,46 +257,27 @@ BEGIN_MESSAGE_MAP(CDigitEdit, CEdit)
     ON_MESSAGE(WM_CHAR, &CDigitEdit::OnChar)
 END_MESSAGE_MAP()
 
-class CParentWnd : public CProbeWnd {
-public:
-    std::vector<UINT> m_calls;
-
+// With an edit in the window.
+class Family : public OpenWindow {
 protected:
-    afx_msg void OnChange() { m_calls.push_back(EN_CHANGE); }
-    afx_msg void OnMenu() { m_calls.push_back(WM_COMMAND); }
-    DECLARE_MESSAGE_MAP()
-};
-
-BEGIN_MESSAGE_MAP(CParentWnd, CProbeWnd)
-    ON_EN_CHANGE(5, &CParentWnd::OnChange)
-    ON_COMMAND(101, &CParentWnd::OnMenu)
-END_MESSAGE_MAP()
-
-class Family : public testing::Test {
-protected:
-    Family() {
-        EXPECT_TRUE(parent.CreatePopup());
-        hEdit = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 20, parent,
-                                reinterpret_cast<HMENU>(5), nullptr, nullptr);
-    }
-    CParentWnd parent;
-    HWND hEdit;
+    const HWND m_hEdit = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 20, m_wnd,
+                                         reinterpret_cast<HMENU>(5), nullptr, nullptr);
 };
 
 TEST_F(Family, SubclassedControlAnswersFirst) {
     CDigitEdit edit;
-    EXPECT_FALSE(edit.SubclassDlgItem(6, &parent));
-    ASSERT_TRUE(edit.SubclassDlgItem(5, &parent));
+    EXPECT_FALSE(edit.SubclassDlgItem(6, &m_wnd));
+    ASSERT_TRUE(edit.SubclassDlgItem(5, &m_wnd));
     CDigitEdit second;
-    EXPECT_FALSE(second.SubclassWindow(hEdit));
-    EXPECT_EQ(parent.GetDlgItem(5), &edit);
+    EXPECT_FALSE(second.SubclassWindow(m_hEdit));
+    EXPECT_EQ(m_wnd.GetDlgItem(5), &edit);
     for (const char ch : {'1', 'x', '2'})
         edit.SendMessage(WM_CHAR, static_cast<WPARAM>(ch), 1);
     CString str;
-    EXPECT_EQ(parent.GetDlgItemText(5, str), 2);
+    EXPECT_EQ(m_wnd.GetDlgItemText(5, str), 2);
     EXPECT_STREQ(str, "12");
-    EXPECT_EQ(parent.GetDlgItemText(6, str), 0);
-    DestroyWindow(hEdit);
+    EXPECT_EQ(m_wnd.GetDlgItemText(6, str), 0);
+    DestroyWindow(m_hEdit);
     EXPECT_EQ(edit.m_hWnd, nullptr);
 }
 
@@ -305,29 +290,30 @@ TEST_F(Family, SystemChangesReachTheObjectsBelowATopLevelWindow) {
         int m_nHeard = 0;
     };
     Listening panel;
-    ASSERT_TRUE(panel.Create("", WS_CHILD, kPlace, &parent));
+    ASSERT_TRUE(panel.Create("", WS_CHILD, kPlace, &m_wnd));
     Listening label;
     ASSERT_TRUE(label.Create("", WS_CHILD, kPlace, &panel));
-    parent.SendMessage(WM_SYSCOLORCHANGE);
-    parent.SendMessage(WM_SETTINGCHANGE);
+    m_wnd.SendMessage(WM_SYSCOLORCHANGE);
+    m_wnd.SendMessage(WM_SETTINGCHANGE);
     EXPECT_EQ(panel.m_nHeard, 2);
     EXPECT_EQ(label.m_nHeard, 2);
 }
 
 TEST_F(Family, NotificationsGoToTheControlFirstAndThenToTheParent) {
-    SetWindowTextA(hEdit, "a");
-    EXPECT_THAT(std::exchange(parent.m_calls, {}), ElementsAre(UINT{EN_CHANGE}));
+    m_wnd.m_log.clear();
+    SetWindowTextA(m_hEdit, "a");
+    EXPECT_THAT(std::exchange(m_wnd.m_log, {}), ElementsAre("change"));
     CDigitEdit edit;
-    ASSERT_TRUE(edit.SubclassWindow(hEdit));
+    ASSERT_TRUE(edit.SubclassWindow(m_hEdit));
     edit.SetWindowText("b");
     EXPECT_EQ(edit.m_nChanges, 1);
-    EXPECT_TRUE(parent.m_calls.empty());
+    EXPECT_TRUE(m_wnd.m_log.empty());
 
     // Without a brush the colours are left to the parent's own answer.
     HDC hDC = GetDC(edit);
     const auto color = [&] {
-        return parent.SendMessage(WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(hDC),
-                                  reinterpret_cast<LPARAM>(edit.m_hWnd));
+        return m_wnd.SendMessage(WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(hDC),
+                                 reinterpret_cast<LPARAM>(edit.m_hWnd));
     };
     const LRESULT lStandard = color();
     edit.m_hBrush = static_cast<HBRUSH>(GetStockObject(DKGRAY_BRUSH));
@@ -335,10 +321,10 @@ TEST_F(Family, NotificationsGoToTheControlFirstAndThenToTheParent) {
     EXPECT_NE(lStandard, reinterpret_cast<LRESULT>(edit.m_hBrush));
     ReleaseDC(edit, hDC);
 
-    parent.SendMessage(WM_COMMAND, 101);
-    parent.SendMessage(WM_COMMAND, 102);
-    EXPECT_EQ(parent.SendMessage(WM_NOTIFY, 5, 0), 0);  // a header is missing
-    EXPECT_THAT(parent.m_calls, ElementsAre(UINT{WM_COMMAND}));
+    m_wnd.SendMessage(WM_COMMAND, 101);
+    m_wnd.SendMessage(WM_COMMAND, 102);
+    EXPECT_EQ(m_wnd.SendMessage(WM_NOTIFY, 5, 0), 0);  // a header is missing
+    EXPECT_THAT(m_wnd.m_log, ElementsAre("menu"));
 }
 
 }  // namespace

@@ -11,33 +11,36 @@
 namespace mvp::test {
 namespace {
 
-// A message box as it stands on the screen.
-struct Box {
-    std::string caption;
-    std::string text;
-    HICON hIcon = nullptr;
-    std::set<int> buttons;
-    int nDefaultButton = 0;
-    HWND hOwner = nullptr;
-    bool bForeground = false;
-};
+std::string IconName(HICON hIcon) {
+    const std::pair<LPCSTR, const char*> icons[] = {{IDI_WARNING, "warning"},
+                                                    {IDI_QUESTION, "question"},
+                                                    {IDI_ERROR, "error"},
+                                                    {IDI_INFORMATION, "information"}};
+    for (const auto& [pszIcon, pszName] : icons)
+        if (hIcon == LoadIconA(nullptr, pszIcon))
+            return pszName;
+    return "none";
+}
 
-Box Read(const Dialog& dialog) {
-    Box box;
-    box.caption = dialog.Title();
-    box.nDefaultButton = dialog.FocusedId();
-    box.hOwner = GetWindow(dialog.Handle(), GW_OWNER);
-    box.bForeground = GetForegroundWindow() == dialog.Handle();
+// A message box as it stands on the screen: "caption: text [icon] 1 2*", the buttons by their
+// numbers, the default one with a star.
+std::string Describe(const Dialog& dialog) {
+    std::string text;
+    std::string icon;
+    std::set<int> buttons;
     for (HWND h = GetWindow(dialog.Handle(), GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
         const int nId = GetDlgCtrlID(h);
         if (ClassOf(h) == "Button")
-            box.buttons.insert(nId);
+            buttons.insert(nId);
         else if ((GetWindowLongPtrA(h, GWL_STYLE) & SS_TYPEMASK) == SS_ICON)
-            box.hIcon = reinterpret_cast<HICON>(SendMessageA(h, STM_GETICON, 0, 0));
+            icon = IconName(reinterpret_cast<HICON>(SendMessageA(h, STM_GETICON, 0, 0)));
         else
-            box.text = dialog.Text(nId);
+            text = dialog.Text(nId);
     }
-    return box;
+    std::string all = dialog.Title() + ": " + text + " [" + icon + "]";
+    for (const int nId : buttons)
+        all += " " + std::to_string(nId) + (nId == dialog.FocusedId() ? "*" : "");
+    return all;
 }
 
 constexpr int kEnterKey = -1;
@@ -45,80 +48,65 @@ constexpr int kEnterKey = -1;
 class VkErrMes : public testing::Test {
 protected:
     // What `show`, which opens a box, returned when `nButton` was pressed in it.
-    int Run(const std::function<int()>& show, int nButton) {
+    int Answer(const std::function<int()>& show, int nButton) {
         DialogDriver driver([&](Dialog& dialog) {
-            m_box = Read(dialog);
+            m_strBox = Describe(dialog);
+            m_hOwner = GetWindow(dialog.Handle(), GW_OWNER);
+            m_bForeground = GetForegroundWindow() == dialog.Handle();
             nButton == kEnterKey ? dialog.Enter() : dialog.Click(nButton);
         });
         return show();
     }
     int Notice(const char* pszText, int nButton) {
-        return Run([&] { return m_pDisplay(-1, pszText, 0, 0, 0); }, nButton);
+        const auto show = m_module.Get<decltype(VKErrMesDisplayEx)>("VKErrMesDisplayEx");
+        return Answer([&] { return show(-1, pszText, 0, 0, 0); }, nButton);
     }
     int Warn(HWND hParent, const char* pszText, const char* pszReader, int nButton,
              UINT nButtons = 0, UINT nIcon = 0, UINT nFlags = 0) {
-        return Run(
-            [&] {
-                return m_pDisplayWithParent(hParent, 5, pszText, nButtons, nIcon, nFlags, nullptr,
-                                            pszReader);
-            },
+        const auto show = m_module.Get<decltype(VKErrMesDisplayExWithParentParamAndReader)>(
+            "VKErrMesDisplayExWithParentParamAndReader");
+        return Answer(
+            [&] { return show(hParent, 5, pszText, nButtons, nIcon, nFlags, nullptr, pszReader); },
             nButton);
     }
 
     CRealModule m_module{"vkerrmes"};
-    decltype(VKErrMesDisplayEx)* m_pDisplay =
-        m_module.Get<decltype(VKErrMesDisplayEx)>("VKErrMesDisplayEx");
-    decltype(VKErrMesDisplayExWithParentParamAndReader)* m_pDisplayWithParent =
-        m_module.Get<decltype(VKErrMesDisplayExWithParentParamAndReader)>(
-            "VKErrMesDisplayExWithParentParamAndReader");
-    Box m_box;
+    std::string m_strBox;
+    HWND m_hOwner = nullptr;
+    bool m_bForeground = false;
 };
 
-using Buttons = std::set<int>;
-
-TEST_F(VkErrMes, TheNoticeHasAWarningIconAndOkAlone) {
+TEST_F(VkErrMes, TheNoticeHasAWarningIconAndOneButton) {
     EXPECT_EQ(Notice("The code is wrong", kEnterKey), 1);
-    EXPECT_EQ(m_box.caption, "Veskara");
-    EXPECT_EQ(m_box.text, "The code is wrong");
-    EXPECT_EQ(m_box.hIcon, LoadIconA(nullptr, IDI_WARNING));
-    EXPECT_EQ(m_box.buttons.size(), 1U);
-    EXPECT_EQ(m_box.hOwner, nullptr);
-    EXPECT_TRUE(m_box.bForeground);
+    EXPECT_EQ(m_strBox.substr(0, m_strBox.rfind(' ')), "Veskara: The code is wrong [warning]");
+    EXPECT_EQ(m_hOwner, nullptr);
+    EXPECT_TRUE(m_bForeground);
 }
 
 TEST_F(VkErrMes, TheWarningCanBeDeclined) {
     EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", IDOK), 1);
     EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", IDCANCEL), 0);
     EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", kEnterKey), 0) << "Enter must not accept it";
-    EXPECT_EQ(m_box.caption, "Veskara - Reader A");
-    EXPECT_EQ(m_box.text, "Last try");
-    EXPECT_EQ(m_box.hIcon, LoadIconA(nullptr, IDI_WARNING));
-    EXPECT_EQ(m_box.buttons, (Buttons{IDOK, IDCANCEL}));
-    EXPECT_EQ(m_box.nDefaultButton, IDCANCEL);
-    EXPECT_TRUE(m_box.bForeground);
+    EXPECT_EQ(m_strBox, "Veskara - Reader A: Last try [warning] 1 2*");
+    EXPECT_TRUE(m_bForeground);
 }
 
 TEST_F(VkErrMes, ButtonsIconAndFlagsCanBeChosen) {
     const struct {
         UINT nButtons, nIcon, nFlags;
-        Buttons buttons;
-        LPCSTR pszIcon;
-        int nDefault, nPress, nResult;
+        int nPress, nResult;
+        const char* pszBox;
     } cases[] = {
-        {MB_YESNO, MB_ICONQUESTION, 0, {IDYES, IDNO}, IDI_QUESTION, IDYES, IDYES, 1},
-        {MB_YESNO, MB_ICONERROR, MB_DEFBUTTON2, {IDYES, IDNO}, IDI_ERROR, IDNO, IDNO, 0},
-        {MB_OKCANCEL, MB_ICONINFORMATION, 0, {IDOK, IDCANCEL}, IDI_INFORMATION, IDOK, IDOK, 1},
-        {MB_RETRYCANCEL, 0, 0, {IDRETRY, IDCANCEL}, IDI_WARNING, IDRETRY, IDRETRY, 0},
+        {MB_YESNO, MB_ICONQUESTION, 0, IDYES, 1, "[question] 6* 7"},
+        {MB_YESNO, MB_ICONERROR, MB_DEFBUTTON2, IDNO, 0, "[error] 6 7*"},
+        {MB_OKCANCEL, MB_ICONINFORMATION, 0, IDOK, 1, "[information] 1* 2"},
+        {MB_RETRYCANCEL, 0, 0, IDRETRY, 0, "[warning] 2 4*"},
         // Values that are none: the defaults.
-        {77, 0x70, MB_SERVICE_NOTIFICATION, {IDOK, IDCANCEL}, IDI_WARNING, IDCANCEL, IDOK, 1},
+        {77, 0x70, MB_SERVICE_NOTIFICATION, IDOK, 1, "[warning] 1 2*"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.nButtons);
         EXPECT_EQ(Warn(nullptr, "text", "", c.nPress, c.nButtons, c.nIcon, c.nFlags), c.nResult);
-        EXPECT_EQ(m_box.buttons, c.buttons);
-        EXPECT_EQ(m_box.hIcon, LoadIconA(nullptr, c.pszIcon));
-        EXPECT_EQ(m_box.nDefaultButton, c.nDefault);
-        EXPECT_EQ(m_box.caption, "Veskara");
+        EXPECT_EQ(m_strBox, std::string("Veskara: text ") + c.pszBox);
     }
 }
 
@@ -126,20 +114,22 @@ TEST_F(VkErrMes, StandsOverItsParentAndOutlivesAMissingOne) {
     const HWND hParent = CreateWindowA("STATIC", "parent", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200,
                                        nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(Warn(hParent, "text", nullptr, IDOK), 1);
-    EXPECT_EQ(m_box.hOwner, hParent);
+    EXPECT_EQ(m_hOwner, hParent);
     EXPECT_TRUE(IsWindowEnabled(hParent));
     DestroyWindow(hParent);
     EXPECT_EQ(Warn(hParent, "text", nullptr, IDOK), 1);
-    EXPECT_EQ(m_box.hOwner, nullptr);
+    EXPECT_EQ(m_hOwner, nullptr);
 }
 
 TEST_F(VkErrMes, TextsAreBoundedAndMayBeNull) {
     const std::string huge(100000, 'w');
     Warn(nullptr, huge.c_str(), huge.c_str(), IDCANCEL);
-    EXPECT_EQ(m_box.text, huge.substr(0, VKERRMES_TEXT_MAX));
-    EXPECT_LT(m_box.caption.size(), 300U);
+    const std::size_t nCaption = m_strBox.find(": ");
+    EXPECT_LT(nCaption, 300U);
+    EXPECT_EQ(m_strBox.substr(nCaption),
+              ": " + huge.substr(0, VKERRMES_TEXT_MAX) + " [warning] 1 2*");
     EXPECT_EQ(Notice(nullptr, IDOK), 1);
-    EXPECT_EQ(m_box.text, "");
+    EXPECT_TRUE(m_strBox.starts_with("Veskara:  [")) << m_strBox;
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include "platform/system_library.h"
 #include "support/waiting.h"
 #include "ui/support/child_process.h"
-#include "vkevtsub_client.h"
 
 namespace mvp::test {
 namespace {
@@ -21,9 +20,7 @@ TEST(VkEvtSubUnload, LeavesNothingBehindThatRunsInIt) {
     for (int i = 0; i < 100; ++i) {
         {
             const ModuleHandle client(LoadLibraryA(kClient));
-            const auto useOnce =
-                FindFunction<decltype(&ClientUseOnce)>(client.get(), "ClientUseOnce");
-            ASSERT_TRUE(useOnce());
+            ASSERT_TRUE(FindFunction<bool (*)()>(client.get(), "ClientUseOnce")());
             ASSERT_TRUE(isLoaded());
         }
         // Freed by the client; its own threads free it too, as they end.
@@ -34,7 +31,7 @@ TEST(VkEvtSubUnload, LeavesNothingBehindThatRunsInIt) {
 // The process that the next test starts: it ends in the middle of a call, with the subscriber's
 // destructor run as the client library is detached.
 TEST(VkEvtSubUnload, DISABLED_EndsInACall) {
-    FindFunction<decltype(&ClientHang)>(LoadLibraryA(kClient), "ClientHang")();
+    FindFunction<void (*)()>(LoadLibraryA(kClient), "ClientHang")();
     ExitProcess(42);
 }
 
