@@ -16,12 +16,6 @@ namespace {
 
 const Script kPressOk = [](Dialog& dialog) { dialog.Click(IDOK); };
 
-// What the dialog ends with when the script has run over it.
-INT_PTR RunModal(CDialog& dlg, const Script& script = kPressOk) {
-    DialogDriver driver(script);
-    return dlg.DoModal();
-}
-
 // A window that is owned by another one, as a dialog is.
 struct Popup : CWnd {
     explicit Popup(CWnd* pOwner) {
@@ -30,78 +24,90 @@ struct Popup : CWnd {
     }
 };
 
-TEST(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
-    CHostWnd host;
-    host.SetForegroundWindow();
+class DialogTest : public testing::Test {
+protected:
+    // What the dialog, which the script serves, ends with. Its window goes, and the host is given
+    // back.
+    INT_PTR RunModal(CDialog& dlg, const Script& script = kPressOk) {
+        DialogDriver driver(script);
+        return ExpectEnd(dlg);
+    }
+    // The same without being seen.
+    INT_PTR RunUnseen(CDialog& dlg) {
+        DialogDriver noDialog;
+        return ExpectEnd(dlg);
+    }
+
+    CHostWnd m_host;
+
+private:
+    INT_PTR ExpectEnd(CDialog& dlg) {
+        const INT_PTR nResult = dlg.DoModal();
+        EXPECT_EQ(dlg.m_hWnd, nullptr);
+        EXPECT_TRUE(m_host.IsWindowEnabled());
+        return nResult;
+    }
+};
+
+TEST_F(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
+    m_host.SetForegroundWindow();
     for (const int nButton : {IDOK, IDCANCEL}) {
-        CFormDlg dlg(&host);
+        CFormDlg dlg(&m_host);
         HWND hWnd = nullptr;
         dlg.m_onInit = [&] {
             hWnd = dlg.m_hWnd;
             EXPECT_FALSE(dlg.IsWindowVisible());
-            EXPECT_FALSE(host.IsWindowEnabled());
+            EXPECT_FALSE(m_host.IsWindowEnabled());
         };
         dlg.m_onDestroy = [&] {
-            EXPECT_TRUE(host.IsWindowEnabled());
+            EXPECT_TRUE(m_host.IsWindowEnabled());
             EXPECT_FALSE(dlg.IsWindowVisible());
         };
         const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
             EXPECT_EQ(dialog.FocusedId(), kFormEdit);
-            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), host.m_hWnd);
+            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), m_host.m_hWnd);
             dialog.Click(nButton);
         });
         EXPECT_EQ(nResult, nButton);
         EXPECT_FALSE(IsWindow(hWnd));
-        EXPECT_EQ(dlg.m_hWnd, nullptr);
-        EXPECT_TRUE(host.IsWindowEnabled());
-        EXPECT_EQ(GetActiveWindow(), host.m_hWnd);
+        EXPECT_EQ(GetActiveWindow(), m_host.m_hWnd);
     }
-    host.EnableWindow(FALSE);
-    CFormDlg dlg(&host);
-    EXPECT_EQ(RunModal(dlg), IDOK);
-    EXPECT_FALSE(host.IsWindowEnabled()) << "it was disabled before";
 }
 
-TEST(DialogTest, ChildAsParentDisablesItsTopLevelWindow) {
-    CHostWnd outer;
-    Popup popup(&outer);
+TEST_F(DialogTest, ChildAsParentDisablesItsTopLevelWindowWhichMayBeDisabledAlready) {
+    Popup popup(&m_host);
     CWnd child;
     ASSERT_TRUE(child.Create("STATIC", "", WS_VISIBLE, CRect(0, 0, 9, 9), &popup, 1));
-    CFormDlg dlg(&child);
-    DialogDriver driver([&](Dialog& dialog) {
-        EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), popup.m_hWnd);
-        EXPECT_FALSE(popup.IsWindowEnabled());
-        EXPECT_FALSE(outer.IsWindowEnabled());
-        dialog.Click(IDOK);
-    });
-    EXPECT_EQ(dlg.DoModal(), IDOK);
-    EXPECT_TRUE(popup.IsWindowEnabled());
-    EXPECT_TRUE(outer.IsWindowEnabled());
+    for (const BOOL bEnabled : {TRUE, FALSE}) {
+        popup.EnableWindow(bEnabled);
+        CFormDlg dlg(&child);
+        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
+            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), popup.m_hWnd);
+            EXPECT_FALSE(popup.IsWindowEnabled());
+            EXPECT_FALSE(m_host.IsWindowEnabled());
+            dialog.Click(IDOK);
+        });
+        EXPECT_EQ(nResult, IDOK);
+        EXPECT_EQ(popup.IsWindowEnabled(), bEnabled);
+    }
 }
 
-TEST(DialogTest, DoesNotOpenWithoutTemplateOrParentOrWhenItEndsFirst) {
-    DialogDriver noDialog;
-    CHostWnd host;
-    CDialog by_number(54321u, &host);
-    EXPECT_EQ(by_number.DoModal(), -1);
+TEST_F(DialogTest, DoesNotOpenWithoutTemplateOrParentOrWhenItEndsFirst) {
+    CDialog by_number(54321u, &m_host);
+    EXPECT_EQ(RunUnseen(by_number), -1);
     CDialog empty;
-    EXPECT_FALSE(empty.InitModalIndirect(nullptr, &host));
-    EXPECT_EQ(empty.DoModal(), -1);
-    EXPECT_FALSE(empty.Create(54321u, &host));
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_FALSE(empty.InitModalIndirect(nullptr, &m_host));
+    EXPECT_EQ(RunUnseen(empty), -1);
+    EXPECT_FALSE(empty.Create(54321u, &m_host));
 
-    CFormDlg dlg(&host);
+    CFormDlg dlg(&m_host);
     dlg.m_onInit = [&] { dlg.EndDialog(77); };
-    EXPECT_EQ(dlg.DoModal(), 77);
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_EQ(RunUnseen(dlg), 77);
     dlg.m_onInit = [&] { dlg.DestroyWindow(); };
-    EXPECT_EQ(dlg.DoModal(), -1);
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_EQ(RunUnseen(dlg), -1);
 
-    HWND hGone = host.m_hWnd;
-    host.DestroyWindow();
-    CFormDlg orphan(CWnd::FromHandle(hGone));
-    EXPECT_EQ(orphan.DoModal(), -1);
+    CFormDlg orphan(CWnd::FromHandle(reinterpret_cast<HWND>(LONG_PTR{0xDEAD})));
+    EXPECT_EQ(RunUnseen(orphan), -1);
 }
 
 // A dialog over another one; what its button does ends one of them or both.
@@ -165,16 +171,16 @@ TEST_F(NestedDialogs, EndWithTheirOwner) {
     ExpectBothEnd();
 }
 
-TEST(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
-    CHostWnd host;
-    Popup popup(&host);  // the window that the dialog disables is the popup's owner
+TEST_F(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
+    Popup popup(&m_host);  // the window that the dialog disables is the popup's owner
     auto* pDlg = new CFormDlg(&popup);
     pDlg->m_onButton = [pDlg] { delete pDlg; };
-    EXPECT_EQ(RunModal(*pDlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
-    EXPECT_TRUE(host.IsWindowEnabled());
+    DialogDriver driver([](Dialog& dialog) { dialog.Click(kFormButton); });
+    EXPECT_EQ(pDlg->DoModal(), -1);
+    EXPECT_TRUE(m_host.IsWindowEnabled());
 }
 
-TEST(DialogTest, ModelessDialogOwnsItself) {
+TEST_F(DialogTest, ModelessDialogOwnsItself) {
     struct Own final : CFormDlg {
         explicit Own(bool& bDeleted) : m_bDeleted(bDeleted) {}
         ~Own() override { m_bDeleted = true; }
@@ -182,44 +188,36 @@ TEST(DialogTest, ModelessDialogOwnsItself) {
         void PostNcDestroy() override { delete this; }
         bool& m_bDeleted;
     };
-    CHostWnd host;
     bool bDeleted = false;
     auto* pDlg = new Own(bDeleted);
-    ASSERT_TRUE(pDlg->Open(&host));
+    ASSERT_TRUE(pDlg->Open(&m_host));
     EXPECT_FALSE(pDlg->IsWindowVisible());
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_TRUE(m_host.IsWindowEnabled());
     SendMessageA(pDlg->m_hWnd, WM_COMMAND, IDOK, 0);
     EXPECT_TRUE(bDeleted);
 
     bDeleted = false;
     pDlg = new Own(bDeleted);
     pDlg->m_onInit = [] { throw 1; };
-    EXPECT_FALSE(pDlg->Open(&host));
+    EXPECT_FALSE(pDlg->Open(&m_host));
     EXPECT_TRUE(bDeleted);
 }
 
-TEST(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
+TEST_F(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
     static unsigned nReports = 0;
     const auto pfnOld = AfxSetExceptionReporter([](UINT) { ++nReports; });
-    CHostWnd host;
-    {
-        DialogDriver noDialog;
-        CFormDlg dlg(&host);
-        dlg.m_onInit = [] { throw 1; };
-        EXPECT_EQ(dlg.DoModal(), -1);
-        EXPECT_EQ(nReports, 1u);
-        EXPECT_EQ(dlg.m_hWnd, nullptr);
-        EXPECT_TRUE(host.IsWindowEnabled());
-    }
-    CFormDlg dlg(&host);
+    CFormDlg dlg(&m_host);
+    dlg.m_onInit = [] { throw 1; };
+    EXPECT_EQ(RunUnseen(dlg), -1);
+    EXPECT_EQ(nReports, 1u);
+    dlg.m_onInit = nullptr;
     dlg.m_onPreTranslate = [](MSG* pMsg) { return pMsg->message == WM_CHAR ? throw 2 : false; };
-    DialogDriver driver([](Dialog& dialog) {
+    const Script type = [](Dialog& dialog) {
         PostMessageA(dialog.Control(kFormEdit), WM_CHAR, 'x', 0);
         dialog.WaitGone();
-    });
-    EXPECT_EQ(dlg.DoModal(), -1);
+    };
+    EXPECT_EQ(RunModal(dlg, type), -1);
     EXPECT_EQ(nReports, 2u);
-    EXPECT_TRUE(host.IsWindowEnabled());
     AfxSetExceptionReporter(pfnOld);
 }
 
@@ -234,30 +232,29 @@ struct Counting : Base {
     std::atomic<int> m_nCount = 0;
 };
 
-TEST(DialogTest, TellsItsParentOfIdlenessUnlessTheStyleForbidsAndMayEndThen) {
+TEST_F(DialogTest, TellsItsParentOfIdlenessUnlessTheStyleForbidsAndMayEndThen) {
     for (const DWORD dwStyle : {DWORD{0}, DWORD{DS_NOIDLEMSG}}) {
         Counting<CHostWnd, WM_ENTERIDLE> host;
         Counting<CFormDlg, WM_KICKIDLE> dlg(&host, DialogTemplate::kPopup | dwStyle);
         dlg.m_onButton = [&] { dlg.EndDialog(5); };
-        DialogDriver driver([&](Dialog& dialog) {
+        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
             // What is sent from now on arrives while the loop waits for what is posted.
             dialog.WaitUntil("the dialog is idle", [&] { return dlg.m_nCount > 0; });
             SendMessageA(dialog.Handle(), WM_COMMAND, kFormButton, 0);
         });
-        EXPECT_EQ(dlg.DoModal(), 5);
+        EXPECT_EQ(nResult, 5);
         EXPECT_EQ(host.m_nCount > 0, dwStyle == 0);
     }
 }
 
 // The window is told of its end, or the edit in it is, and the system had no hand in it.
-TEST(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
+TEST_F(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
     const std::initializer_list<UINT> lies[] = {
         {WM_DESTROY}, {WM_NCDESTROY}, {WM_DESTROY, WM_NCDESTROY}, {WM_NCDESTROY, WM_NCDESTROY}};
     for (int i = 0; i < 8; ++i) {
         SCOPED_TRACE(i);
         const bool bEdit = i >= 4;
-        CHostWnd host;
-        CFormDlg dlg(&host);
+        CFormDlg dlg(&m_host);
         CEdit edit;
         HWND hWnd = nullptr;
         int nDestroyed = 0;
@@ -268,7 +265,7 @@ TEST(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
         dlg.m_onDestroy = [&] { ++nDestroyed; };
         dlg.m_onButton = [&] {
             HWND hEdit = edit.m_hWnd;
-            host.PostMessage(WM_NULL);  // the modal loop has this to do first
+            m_host.PostMessage(WM_NULL);  // the modal loop has this to do first
             for (const UINT message : lies[i % 4])
                 SendMessageA(bEdit ? hEdit : hWnd, message, 0, 0);
             // What comes after it must not make a success of it.
@@ -277,15 +274,13 @@ TEST(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
         };
         EXPECT_EQ(RunModal(dlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
         EXPECT_FALSE(IsWindow(hWnd));
-        EXPECT_EQ(dlg.m_hWnd, nullptr);
         EXPECT_EQ(edit.m_hWnd, nullptr);
         EXPECT_GE(nDestroyed, 1);
-        EXPECT_TRUE(host.IsWindowEnabled());
         ASSERT_FALSE(HasFailure());
     }
 }
 
-TEST(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
+TEST_F(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
     struct Stubborn : CFormDlg {
         using CFormDlg::CFormDlg;
         BOOL CreateModalWindow(LPCDLGTEMPLATE lpDialogTemplate, ModalParent& parent,
@@ -299,22 +294,20 @@ TEST(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
             return CFormDlg::CreateModalWindow(lpDialogTemplate, parent, hInst);
         }
     };
-    CHostWnd host;
-    Stubborn dlg(&host);
+    Stubborn dlg(&m_host);
     DialogDriver driver([](Dialog& dialog) {
         EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), nullptr);
         dialog.Click(IDOK);
     });
     EXPECT_EQ(dlg.DoModal(), IDOK);
-    EXPECT_FALSE(host.IsWindowEnabled());
+    EXPECT_FALSE(m_host.IsWindowEnabled());
 }
 
-TEST(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
+TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     constexpr DWORD dwPlain = WS_POPUP | WS_CAPTION | DS_SETFONT;
-    CHostWnd host;
     // Where it stands after SetWindowPos(..., nFlags) in its initialisation.
     const auto place = [&](DWORD dwStyle, const RECT& to, UINT nFlags) {
-        CFormDlg dlg(&host, dwStyle);
+        CFormDlg dlg(&m_host, dwStyle);
         CRect rect;
         dlg.m_onInit = [&] {
             dlg.SetWindowPos(nullptr, to.left, to.top, to.right, to.bottom, nFlags | SWP_NOZORDER);
@@ -324,7 +317,7 @@ TEST(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
         return rect;
     };
     CRect rectHost;
-    host.GetWindowRect(rectHost);
+    m_host.GetWindowRect(rectHost);
     const auto isCentered = [&](const CRect& rect) {
         const CPoint is = rect.CenterPoint();
         const CPoint wanted = rectHost.CenterPoint();
@@ -337,10 +330,9 @@ TEST(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     EXPECT_EQ(place(dwPlain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE).TopLeft(), CPoint(0, 0));
 }
 
-TEST(DialogTest, ThousandDialogsLeaveNothing) {
-    CHostWnd host;
-    ExpectRoundsKeepNothing(20, 1000, [&host](int) {
-        CFormDlg dlg(&host);
+TEST_F(DialogTest, ThousandDialogsLeaveNothing) {
+    ExpectRoundsKeepNothing(20, 1000, [this](int) {
+        CFormDlg dlg(&m_host);
         CWnd edit;
         dlg.m_onInit = [&] {
             edit.SubclassDlgItem(kFormEdit, &dlg);

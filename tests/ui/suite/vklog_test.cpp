@@ -26,34 +26,19 @@ using Strings = std::vector<std::string>;
 
 constexpr unsigned kAllLevels = 1 | 2 | VKLOG_DETAIL_BIT | 8 | 16;
 
+std::string g_strDebugger;  // what the module has sent to debuggers
+void WINAPI TakeDebuggersLine(LPCSTR pszLine) {
+    g_strDebugger += pszLine;
+}
+
 // The module, loaded afresh: it reads its settings once in its life.
 struct Log {
+    Log() { g_strDebugger.clear(); }
+
     CRealModule module{"vklog"};
     decltype(vklogLog)* pLog = module.Get<decltype(vklogLog)>("vklogLog");
     decltype(vklogSetOutput)* pSetOutput = module.Get<decltype(vklogSetOutput)>("vklogSetOutput");
-};
-
-// What the module sends to debuggers while this lives.
-class CDebuggerRecorder {
-public:
-    CDebuggerRecorder() : m_handler(AddVectoredExceptionHandler(1, &Take)) { s_text.clear(); }
-    CDebuggerRecorder(const CDebuggerRecorder&) = delete;
-    CDebuggerRecorder& operator=(const CDebuggerRecorder&) = delete;
-    ~CDebuggerRecorder() { RemoveVectoredExceptionHandler(m_handler); }
-
-    static std::string Text() { return s_text; }
-
-private:
-    static LONG WINAPI Take(EXCEPTION_POINTERS* pPointers) {
-        constexpr DWORD kText = 0x40010006;
-        const EXCEPTION_RECORD& record = *pPointers->ExceptionRecord;
-        if (record.ExceptionCode == kText)
-            s_text += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
-        return EXCEPTION_CONTINUE_SEARCH;
-    }
-
-    static inline std::string s_text;
-    void* m_handler;
+    PatchedImports debugger{"vklog.dll", {{"OutputDebugStringA", Address(&TakeDebuggersLine)}}};
 };
 
 class VkLog : public testing::Test {
@@ -146,7 +131,6 @@ TEST_F(VkLog, StaysOffWithoutUsableSettings) {
             hive.SetRaw(kKey, "LogFile", c.nFileType, c.file);
         if (c.nLevelsType != REG_NONE)
             hive.SetRaw(kKey, "LogLevels", c.nLevelsType, c.levels);
-        const CDebuggerRecorder debugger;
         const Log log;
         log.pLog("TAG", VKLOG_ERROR, "x");
         log.pLog("TAG", VKLOG_ERROR, "x");
@@ -154,7 +138,7 @@ TEST_F(VkLog, StaysOffWithoutUsableSettings) {
         if (*c.pszTold != '\0')
             strTold =
                 std::string("Setting ignored: ") + kKey + "\\" + c.pszTold + "; nothing is logged";
-        EXPECT_EQ(debugger.Text(), strTold.empty() ? "" : "vklog: " + strTold + "\n");
+        EXPECT_EQ(g_strDebugger, strTold.empty() ? "" : "vklog: " + strTold + "\n");
         // Wrong levels are also told where their lines are missed.
         const bool bInFile = strTold.find("LogLevels") != std::string::npos;
         EXPECT_EQ(Lines(), bInFile ? Strings{"VKLOG error: " + strTold} : Strings{});
@@ -168,7 +152,6 @@ ULONGLONG WINAPI MadeClock() {
 }
 
 TEST_F(VkLog, AFileThatCannotBeOpenedIsToldAndTriedAgain) {
-    const CDebuggerRecorder debugger;
     const Log log;
     const PatchedImports clock("vklog.dll", {{"GetTickCount64", Address(&MadeClock)}});
     const std::string strFolder = m_strFile + ".d";
@@ -179,7 +162,7 @@ TEST_F(VkLog, AFileThatCannotBeOpenedIsToldAndTriedAgain) {
     EXPECT_EQ(GetLastError(), 1234U);
     g_nNow += 5000;
     log.pLog("TAG", VKLOG_ERROR, "lost");
-    const std::string strText = debugger.Text();
+    const std::string strText = g_strDebugger;
     EXPECT_TRUE(strText.ends_with("\\log.txt cannot be written (error 3), lines are lost\n"));
     EXPECT_EQ(strText.find("vklog: "), strText.rfind("vklog: ")) << "told once: " << strText;
 
