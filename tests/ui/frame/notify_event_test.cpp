@@ -30,22 +30,19 @@ HWND Sender() {
 // A window that takes notices.
 class NoticeWindow {
 public:
-    explicit NoticeWindow(const char* pszClass) : m_pszClass(pszClass) {
+    explicit NoticeWindow(const char* pszClass) {
         WNDCLASSA info{};
         info.lpfnWndProc = Proc;
         info.hInstance = GetModuleHandleA(nullptr);
         info.lpszClassName = pszClass;
-        RegisterClassA(&info);
+        RegisterClassA(&info);  // kept; a repetition is refused
         m_hWnd = CreateWindowA(pszClass, "", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
                                info.hInstance, nullptr);
         EXPECT_NE(m_hWnd, nullptr);
     }
     NoticeWindow(const NoticeWindow&) = delete;
     NoticeWindow& operator=(const NoticeWindow&) = delete;
-    ~NoticeWindow() {
-        DestroyWindow(m_hWnd);
-        UnregisterClassA(m_pszClass, GetModuleHandleA(nullptr));
-    }
+    ~NoticeWindow() { DestroyWindow(m_hWnd); }
     // The last one, as "code sender size reader".
     static inline std::string s_strNotice;
 
@@ -59,7 +56,6 @@ private:
         return TRUE;
     }
 
-    const char* m_pszClass;
     HWND m_hWnd;
 };
 

@@ -82,12 +82,6 @@ protected:
     CSubscriber::Handler Noting(const std::string& strWho = "") {
         return [this, strWho](const VKEvent& event) { Note(strWho + event.pszReaderName); };
     }
-    // Sends a message to the thread of `window`; it is handled when that thread serves it.
-    static void Send(
-        UiThread& window, const std::function<void()>& work = [] {}) {
-        window.Run(work, kDeadline);
-    }
-
     UiThread m_window;  // a window of the test's thread
     CGate m_running;    // for a call to tell that it runs
     CGate m_go;         // for it to wait for
@@ -145,8 +139,8 @@ TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCall) {
         m_running.Open();
         m_go.Wait();
         // Each answers only when its thread waits in UnSubscribe.
-        Send(m_window);
-        Send(*windowOfOther);
+        m_window.Run([] {}, kDeadline);
+        windowOfOther->Run([] {}, kDeadline);
         bOver = true;
     });
     Raise("A");
@@ -172,7 +166,7 @@ TEST_F(VkEvtSub, UnSubscribeServesSentMessagesAndLeavesPostedOnes) {
     CSubscriber subscriber([&](const VKEvent&) {
         m_running.Open();
         for (int i = 0; i < 10; ++i)
-            Send(m_window, [&] { ++nSent; });
+            m_window.Run([&] { ++nSent; }, kDeadline);
     });
     Raise("A");
     m_running.Wait();
@@ -195,11 +189,13 @@ TEST_F(VkEvtSub, UnSubscribeInAMessageThatTheCallSends) {
     std::unique_ptr<CSubscriber> subscriber;
     std::atomic<bool> bOver{false};
     subscriber = std::make_unique<CSubscriber>([&](const VKEvent&) {
-        Send(m_window, [&] {
-            subscriber.reset();
-            EXPECT_TRUE(bOver);
-            PostQuitMessage(0);
-        });
+        m_window.Run(
+            [&] {
+                subscriber.reset();
+                EXPECT_TRUE(bOver);
+                PostQuitMessage(0);
+            },
+            kDeadline);
         bOver = true;
     });
     Raise("A");

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <new>
 #include <random>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -99,19 +100,12 @@ TEST(Pattern, IgnoresTheCaseOfAsciiLetters) {
 }
 
 TEST(Pattern, RefusesWhatIsMalformed) {
-    const std::string malformed[] = {"(",           ")",       "a)",
-                                     "(a",          "(?=a)",   "(?",
-                                     "*",           "a|*",     "(*a)",
-                                     "a**",         "a+*",     "^*",
-                                     "$?",          "[",       "[]",
-                                     "[^]",         "[a",      "[z-a]",
-                                     "[a-\\d]",     "[\\d-a]", "[a-",
-                                     "[[:alpha:]]", "[\\",     "\\",
-                                     "\\1",         "\\b",     "\\q",
-                                     "\\x",         "\\x4",    "\\xg0",
-                                     "a{2}",        "}",       std::string(kPatternMax + 1, 'a')};
-    for (const std::string& pattern : malformed)
+    std::istringstream malformed(
+        R"(( ) a) (a (?=a) (? * a|* (*a) a** a+* ^* $? [ [] [^] [a [z-a] [a-\d] [\d-a] [a-)"
+        R"( [[:alpha:]] [\ \ \1 \b \q \x \x4 \xg0 a{2} })");
+    for (std::string pattern; malformed >> pattern;)
         EXPECT_FALSE(CompilePattern(pattern, false)) << pattern;
+    EXPECT_FALSE(CompilePattern(std::string(kPatternMax + 1, 'a'), false));
 }
 
 // An expression as a pattern, and as a function that gives every place where a match can end that
