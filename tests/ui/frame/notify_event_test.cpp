@@ -92,8 +92,6 @@ public:
           m_child(std::string("NotifyEventTest.DISABLED_") + pszClass) {
         EXPECT_TRUE(WaitFor(kDeadline, [=] { return FindWindowA(pszClass, nullptr) != nullptr; }));
     }
-    Receiver(const Receiver&) = delete;
-    Receiver& operator=(const Receiver&) = delete;
     ~Receiver() {
         TerminateProcess(m_child.Process(), 1);
         WaitForSingleObject(m_child.Process(), 10'000);

@@ -82,9 +82,15 @@ protected:
     CSubscriber::Handler Noting(const std::string& strWho = "") {
         return [this, strWho](const VKEvent& event) { Note(strWho + event.pszReaderName); };
     }
+    // In a call: tells that it runs, and waits.
+    void Hold() const {
+        m_running.Open();
+        m_go.Wait();
+    }
+
     UiThread m_window;  // a window of the test's thread
-    CGate m_running;    // for a call to tell that it runs
-    CGate m_go;         // for it to wait for
+    CGate m_running;
+    CGate m_go;
 
 private:
     std::mutex m_lock;
@@ -119,10 +125,7 @@ TEST_F(VkEvtSub, DeliversInOrderOnOneThreadOfItsOwn) {
 }
 
 TEST_F(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
-    const CSubscriber early([&](const VKEvent&) {
-        m_running.Open();
-        m_go.Wait();
-    });
+    const CSubscriber early([&](const VKEvent&) { Hold(); });
     Raise("holds the thread");
     m_running.Wait();
     Raise("before");
@@ -132,14 +135,15 @@ TEST_F(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
     EXPECT_EQ(Notes(), Texts{"after"});
 }
 
-TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCall) {
+TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
     std::unique_ptr<UiThread> windowOfOther;
+    int nSent = 0;
     std::atomic<bool> bOver{false};
     CSubscriber subscriber([&](const VKEvent&) {
-        m_running.Open();
-        m_go.Wait();
+        Hold();
         // Each answers only when its thread waits in UnSubscribe.
-        m_window.Run([] {}, kDeadline);
+        for (int i = 0; i < 10; ++i)
+            m_window.Run([&] { ++nSent; }, kDeadline);
         windowOfOther->Run([] {}, kDeadline);
         bOver = true;
     });
@@ -153,27 +157,15 @@ TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCall) {
         EXPECT_TRUE(bOver);
         windowOfOther.reset();
     });
+    PostThreadMessageA(GetCurrentThreadId(), WM_APP + 1, 0, 0);
+    PostQuitMessage(7);
     subscriber.UnSubscribe();
     EXPECT_TRUE(bOver);
+    EXPECT_EQ(nSent, 10);
     other.join();
     bOver = false;
     WaitForIdle();
     EXPECT_FALSE(bOver) << "called after it had unsubscribed";
-}
-
-TEST_F(VkEvtSub, UnSubscribeServesSentMessagesAndLeavesPostedOnes) {
-    int nSent = 0;
-    CSubscriber subscriber([&](const VKEvent&) {
-        m_running.Open();
-        for (int i = 0; i < 10; ++i)
-            m_window.Run([&] { ++nSent; }, kDeadline);
-    });
-    Raise("A");
-    m_running.Wait();
-    PostThreadMessageA(GetCurrentThreadId(), WM_APP + 1, 0, 0);
-    PostQuitMessage(7);
-    subscriber.UnSubscribe();
-    EXPECT_EQ(nSent, 10);
 
     MSG message;
     EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
@@ -263,8 +255,7 @@ TEST_F(VkEvtSub, BoundsTheEventsThatWait) {
     std::atomic<int> nCalls{0};
     const CSubscriber subscriber([&](const VKEvent&) {
         ++nCalls;
-        m_running.Open();
-        m_go.Wait();
+        Hold();
     });
     Raise("first");
     m_running.Wait();

@@ -238,20 +238,9 @@ void ExpectAllLines(const Strings& lines, std::size_t nWriters, int nLinesEach) 
         EXPECT_EQ(nCount, nLinesEach) << nWriter;
 }
 
-TEST_F(VkLog, ThreadsDoNotMixTheirLines) {
-    const Log log;
-    log.pSetOutput(m_strFile.c_str(), kAllLevels);
-    std::vector<std::thread> threads;
-    for (unsigned nWriter = 0; nWriter < 4; ++nWriter)
-        threads.emplace_back([&log, nWriter] { WriteNumbered(log, nWriter, 500); });
-    for (std::thread& thread : threads)
-        thread.join();
-    ExpectAllLines(Lines(), 4, 500);
-}
-
 constexpr char kReady[] = "VeskaraLogTestReady";
 constexpr char kGo[] = "VeskaraLogTestGo";
-constexpr int kLinesOfAProcess = 3000;
+constexpr int kLinesOfAThread = 500;
 
 // What the processes of the next test run.
 TEST(VkLogProcess, DISABLED_Writes) {
@@ -261,10 +250,14 @@ TEST(VkLogProcess, DISABLED_Writes) {
     const KernelHandle go(OpenEventA(SYNCHRONIZE, FALSE, kGo));
     ReleaseSemaphore(ready.get(), 1, nullptr);
     ASSERT_EQ(WaitForSingleObject(go.get(), 60000), WAIT_OBJECT_0);
-    WriteNumbered(log, GetCurrentProcessId(), kLinesOfAProcess);
+    std::vector<std::thread> threads;
+    for (unsigned nWriter = GetCurrentProcessId() * 10; threads.size() < 3; ++nWriter)
+        threads.emplace_back([&, nWriter] { WriteNumbered(log, nWriter, kLinesOfAThread); });
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
-TEST_F(VkLog, ProcessesDoNotMixTheirLines) {
+TEST_F(VkLog, ProcessesAndThreadsDoNotMixTheirLines) {
     const KernelHandle ready(CreateSemaphoreA(nullptr, 0, 10, kReady));
     const KernelHandle go(CreateEventA(nullptr, TRUE, FALSE, kGo));
     SetEnvironmentVariableA("VKLOG_TEST_FILE", m_strFile.c_str());
@@ -278,7 +271,7 @@ TEST_F(VkLog, ProcessesDoNotMixTheirLines) {
         const ChildResult result = writer->Wait();
         EXPECT_EQ(result.dwExitCode, 0U) << result.strOutput;
     }
-    ExpectAllLines(Lines(), 3, kLinesOfAProcess);
+    ExpectAllLines(Lines(), 9, kLinesOfAThread);
 }
 
 }  // namespace
