@@ -36,21 +36,21 @@ public:
 protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
         if (std::exchange(m_bFirst, false))
-            m_log.push_back(FromHandlePermanent(m_hWnd) == this ? "bound" : "unbound");
+            m_log.emplace_back(FromHandlePermanent(m_hWnd) == this ? "bound" : "unbound");
         return CWnd::WindowProc(message, wParam, lParam);
     }
-    void PreSubclassWindow() override { m_log.push_back("presubclass"); }
+    void PreSubclassWindow() override { m_log.emplace_back("presubclass"); }
     void PostNcDestroy() override {
-        m_log.push_back(m_hWnd == nullptr ? "postncdestroy" : "still bound");
+        m_log.emplace_back(m_hWnd == nullptr ? "postncdestroy" : "still bound");
     }
 
     afx_msg int OnCreate(LPCREATESTRUCT lpCreateStruct) {
-        m_log.push_back("create");
+        m_log.emplace_back("create");
         const int nResult = m_onCreate();
         return nResult != 0 ? nResult : CWnd::OnCreate(lpCreateStruct);
     }
     afx_msg void OnDestroy() {
-        m_log.push_back("destroy");
+        m_log.emplace_back("destroy");
         CWnd::OnDestroy();
     }
     afx_msg LRESULT OnAsk(WPARAM, LPARAM) {
@@ -61,8 +61,8 @@ protected:
         return static_cast<LRESULT>(wParam) + lParam;
     }
     afx_msg void OnPaint() { throw std::string("no painting"); }
-    afx_msg void OnChange() { m_log.push_back("change"); }
-    afx_msg void OnMenu() { m_log.push_back("menu"); }
+    afx_msg void OnChange() { m_log.emplace_back("change"); }
+    afx_msg void OnMenu() { m_log.emplace_back("menu"); }
     DECLARE_MESSAGE_MAP()
 
 private:

@@ -3,7 +3,8 @@
 #include <windows.h>
 #include <uxtheme.h>
 
-#include <cstdint>
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -64,16 +65,13 @@ protected:
     // "102-110 92-100": the runs of the highlight colour from the right.
     std::string HighlightedRuns() {
         const std::vector<COLORREF> line = MiddleLine();
-        const COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
+        const auto isOn = [](COLORREF color) { return color == GetSysColor(COLOR_HIGHLIGHT); };
         std::string runs;
-        for (std::size_t x = 0; x < line.size();) {
-            const std::size_t start = x;
-            while (x < line.size() && line[x] == highlight)
-                ++x;
-            if (x > start)
-                runs.insert(0, std::to_string(start) + '-' + std::to_string(x) + ' ');
-            else
-                ++x;
+        for (auto it = line.begin(); (it = std::find_if(it, line.end(), isOn)) != line.end();) {
+            const auto end = std::find_if_not(it, line.end(), isOn);
+            runs.insert(0, std::to_string(it - line.begin()) + '-' +
+                               std::to_string(end - line.begin()) + ' ');
+            it = end;
         }
         return runs;
     }
@@ -208,27 +206,24 @@ TEST_F(ProgressBarTest, TakesAnySizeAndOutOfPlaceMessages) {
     EXPECT_EQ(Send(WM_USER + 2), 0);
 }
 
-// What the system says of the bar's theme; empty when it has no theme library.
+// What the system says of the bar's theme; none when it has no theme library.
 struct ThemeFacts {
-    bool bHasLibrary = false;
-    bool bIsThemed = false;
     RECT content{};
     SIZE chunk{};
 };
 
-ThemeFacts AskTheme(HWND hBar) {
-    ThemeFacts facts;
+std::optional<ThemeFacts> AskTheme(HWND hBar) {
     const auto library = LoadSystemLibrary("UxTheme.dll");
-    facts.bHasLibrary = static_cast<bool>(library);
     if (!library)
-        return facts;
+        return std::nullopt;
     const HMODULE h = library.get();
-    facts.bIsThemed = FindFunction<decltype(&IsAppThemed)>(h, "IsAppThemed")() != FALSE;
     const WindowDc dc(hBar);
     RECT bar{};
     GetClientRect(hBar, &bar);
+    ThemeFacts facts;
     const HTHEME theme =
         FindFunction<decltype(&OpenThemeData)>(h, "OpenThemeData")(hBar, L"Progress");
+    EXPECT_NE(theme, nullptr) << "this test wants a theme to be switched on";
     FindFunction<decltype(&GetThemeBackgroundContentRect)>(h, "GetThemeBackgroundContentRect")(
         theme, dc.get(), PP_BAR, 0, &bar, &facts.content);
     FindFunction<decltype(&GetThemePartSize)>(h, "GetThemePartSize")(
@@ -244,24 +239,21 @@ TEST_F(ProgressBarTest, FollowsTheThemeWhereThereIsOne) {
     Destroy();
 
     Create(kVisible);
-    const ThemeFacts facts = AskTheme(m_hBar);
+    const std::optional<ThemeFacts> facts = AskTheme(m_hBar);
     const std::vector<COLORREF> atStart = MiddleLine();
-    if (!facts.bHasLibrary) {
-        EXPECT_EQ(atStart, classic);
+    EXPECT_EQ(atStart != classic, facts.has_value());
+    if (!facts)
         return;
-    }
-    ASSERT_TRUE(facts.bIsThemed) << "this test wants a theme to be switched on";
-    EXPECT_NE(atStart, classic);
 
     // When the head has gone one step, what is new is one chunk beside the first, nothing else.
-    const int places = (facts.content.right - facts.content.left) / facts.chunk.cx;
+    const int places = (facts->content.right - facts->content.left) / facts->chunk.cx;
     ASSERT_GT(places, 1);
     Tick(1 + (100 + places - 1) / places);
     const std::vector<COLORREF> oneStep = MiddleLine();
-    const int left = facts.content.left + facts.chunk.cx + 2;
+    const int left = facts->content.left + facts->chunk.cx + 2;
     for (int x = 0; x < static_cast<int>(oneStep.size()); ++x) {
         const auto i = static_cast<std::size_t>(x);
-        EXPECT_EQ(oneStep[i] != atStart[i], x >= left && x < left + facts.chunk.cx) << x;
+        EXPECT_EQ(oneStep[i] != atStart[i], x >= left && x < left + facts->chunk.cx) << x;
     }
 }
 

@@ -116,7 +116,7 @@ __declspec(dllexport) LONG WINAPI SCardReleaseContext(SCARDCONTEXT hContext) {
 }
 
 __declspec(dllexport) LONG WINAPI
-    SCardListReadersA(SCARDCONTEXT, LPCSTR, LPSTR pszReaders, LPDWORD pnLength) {
+    SCardListReadersA(SCARDCONTEXT, LPCSTR, LPSTR mszReaders, LPDWORD pcchReaders) {
     const mvp::CScopedLock lock(g_world.lock);
     if (!g_world.bUp)
         return SCARD_E_SERVICE_STOPPED;
@@ -126,25 +126,25 @@ __declspec(dllexport) LONG WINAPI
     for (const auto& [name, nState] : g_world.readers)
         list += name + '\0';
     list += '\0';
-    const DWORD nRoom = *pnLength;
-    *pnLength = static_cast<DWORD>(list.size());
-    if (pszReaders == nullptr)
+    const DWORD nRoom = *pcchReaders;
+    *pcchReaders = static_cast<DWORD>(list.size());
+    if (mszReaders == nullptr)
         return SCARD_S_SUCCESS;
     if (nRoom < list.size())
         return SCARD_E_INSUFFICIENT_BUFFER;
-    std::ranges::copy(list, pszReaders);
+    std::ranges::copy(list, mszReaders);
     return SCARD_S_SUCCESS;
 }
 
 __declspec(dllexport) LONG WINAPI
-    SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD nTimeoutMs, LPSCARD_READERSTATEA pStates,
-                          DWORD nStates) {
+    SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD dwTimeout,
+                          LPSCARD_READERSTATEA rgReaderStates, DWORD cReaders) {
     const mvp::CScopedLock lock(g_world.lock);
-    const ULONGLONG nEnd = GetTickCount64() + nTimeoutMs;
+    const ULONGLONG nEnd = GetTickCount64() + dwTimeout;
     for (;;) {
         if (g_world.cancelled.erase(hContext) > 0)
             return SCARD_E_CANCELLED;
-        const LONG nResult = Look(pStates, nStates);
+        const LONG nResult = Look(rgReaderStates, cReaders);
         const ULONGLONG nNow = GetTickCount64();
         if (nResult != SCARD_E_TIMEOUT || (nNow >= nEnd && !g_world.bPatient))
             return nResult;

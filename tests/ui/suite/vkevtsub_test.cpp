@@ -198,7 +198,9 @@ TEST_F(VkEvtSub, UnSubscribeInAMessageThatTheCallSends) {
 }
 
 TEST_F(VkEvtSub, EverythingIsAllowedWithinACall) {
-    std::unique_ptr<CSubscriber> selfDeleting, victim, born;
+    std::unique_ptr<CSubscriber> selfDeleting;
+    std::unique_ptr<CSubscriber> victim;
+    std::unique_ptr<CSubscriber> born;
     CSubscriber* pLeaving = nullptr;
     CSubscriber leaving([&](const VKEvent& event) {
         Note("leaving " + std::string(event.pszReaderName));
