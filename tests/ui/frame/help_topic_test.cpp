@@ -16,6 +16,7 @@ constexpr char kValue[] = "VeskaraHelpPath";
 
 const std::string kIgnored =
     R"(Setting ignored: SOFTWARE\Quillon\Veskara\GlobalConfig\VeskaraHelpPath: )";
+const std::string kNoSuchFile = kIgnored + "no such file: ";
 const std::string kThere = R"(C:\windows\win.ini)";
 
 using Texts = std::vector<std::string>;
@@ -55,8 +56,7 @@ TEST_F(HelpTopic, ShowsTheConfiguredFileAtTheTopicAndTellsWhenItIsNotThere) {
         m_hive.SetString(kKey, kValue, strPath);
         DoDisplayTopic(1015);
         EXPECT_EQ(s_calls, Texts{"1015 " + strPath});
-        const std::string strTold = kIgnored + "no such file: " + strMissing;
-        EXPECT_EQ(m_log.Texts(1), strMissing.empty() ? Texts{} : Texts{strTold});
+        EXPECT_EQ(m_log.Texts(1), strMissing.empty() ? Texts{} : Texts{kNoSuchFile + strMissing});
         EXPECT_TRUE(m_log.Contains(8, "DoDisplayTopic"));
         EXPECT_TRUE(m_log.Contains(2, "Displaying topic 1015"));
         EXPECT_TRUE(m_log.Contains(16, "DoDisplayTopic"));

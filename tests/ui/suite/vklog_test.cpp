@@ -2,13 +2,14 @@
 
 #include <windows.h>
 
-#include <cstdio>
+#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <memory>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -230,7 +231,7 @@ void ExpectAllLines(const Strings& lines, std::size_t nWriters, int nLinesEach) 
     for (const std::string& line : lines) {
         unsigned nWriter = 0;
         int nNumber = -1;
-        std::sscanf(line.c_str(), "TAG error: %u %d", &nWriter, &nNumber);
+        std::istringstream(line.substr(line.find(':') + 1)) >> nWriter >> nNumber;
         EXPECT_EQ(nNumber, next[nWriter]++) << nWriter;
     }
     EXPECT_EQ(next.size(), nWriters);
@@ -261,9 +262,9 @@ TEST_F(VkLog, ProcessesAndThreadsDoNotMixTheirLines) {
     const KernelHandle ready(CreateSemaphoreA(nullptr, 0, 10, kReady));
     const KernelHandle go(CreateEventA(nullptr, TRUE, FALSE, kGo));
     SetEnvironmentVariableA("VKLOG_TEST_FILE", m_strFile.c_str());
-    std::vector<std::unique_ptr<DisabledTest>> writers;
-    for (int i = 0; i < 3; ++i)
-        writers.push_back(std::make_unique<DisabledTest>("VkLogProcess.DISABLED_Writes"));
+    std::array<std::unique_ptr<DisabledTest>, 3> writers;
+    for (auto& writer : writers)
+        writer = std::make_unique<DisabledTest>("VkLogProcess.DISABLED_Writes");
     for (std::size_t i = 0; i < writers.size(); ++i)
         EXPECT_EQ(WaitForSingleObject(ready.get(), 60000), WAIT_OBJECT_0);
     SetEvent(go.get());
