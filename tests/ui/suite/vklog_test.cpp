@@ -241,7 +241,7 @@ void ExpectAllLines(const Strings& lines, std::size_t nWriters, int nLinesEach) 
 
 constexpr char kReady[] = "VeskaraLogTestReady";
 constexpr char kGo[] = "VeskaraLogTestGo";
-constexpr int kLinesOfAThread = 500;
+constexpr int kLinesOfAThread = 1000;
 
 // What the processes of the next test run.
 TEST(VkLogProcess, DISABLED_Writes) {
