@@ -23,57 +23,38 @@ namespace mvp::test {
 namespace {
 
 constexpr char kInstallKey[] = "Software\\Quillon\\Veskara";
-
 constexpr char kPlantedMark[] = "MVP_PLANTED_CODE_RAN";
 
-// A current directory, left at the end.
+const std::filesystem::path g_home = std::filesystem::current_path();
+
+// A current directory, left at the end; by default an empty one, without a resource module.
 class CurrentDirectory {
 public:
-    explicit CurrentDirectory(const std::filesystem::path& path)
-        : m_old(std::filesystem::current_path()) {
-        std::filesystem::current_path(path);
+    explicit CurrentDirectory(const std::string& strName = "empty_" +
+                                                           std::to_string(GetCurrentProcessId()))
+        : m_path(g_home / strName), m_bMade(std::filesystem::create_directories(m_path)) {
+        std::filesystem::current_path(m_path);
     }
     CurrentDirectory(const CurrentDirectory&) = delete;
     CurrentDirectory& operator=(const CurrentDirectory&) = delete;
-    ~CurrentDirectory() { std::filesystem::current_path(m_old); }
-
-private:
-    std::filesystem::path m_old;
-};
-
-// A current directory without a resource module, left at the end.
-class EmptyDirectory {
-public:
-    EmptyDirectory()
-        : m_old(std::filesystem::current_path()),
-          m_path(m_old / ("attach_test_" + std::to_string(GetCurrentProcessId()))) {
-        std::filesystem::create_directories(m_path);
-        std::filesystem::current_path(m_path);
-    }
-    EmptyDirectory(const EmptyDirectory&) = delete;
-    EmptyDirectory& operator=(const EmptyDirectory&) = delete;
-    ~EmptyDirectory() {
-        std::filesystem::current_path(m_old);
+    ~CurrentDirectory() {
+        std::filesystem::current_path(g_home);
         std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
+        if (m_bMade)
+            std::filesystem::remove(m_path, ignored);
     }
-    const std::filesystem::path& Old() const { return m_old; }
 
 private:
-    std::filesystem::path m_old;
     std::filesystem::path m_path;
+    bool m_bMade;
 };
 
 class Attached {
 public:
-    Attached() : m_bAttached(AttachLibrary(GetModuleHandleA(nullptr))) {}
+    Attached() { EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr))); }
     Attached(const Attached&) = delete;
     Attached& operator=(const Attached&) = delete;
     ~Attached() { DetachLibrary(); }
-    bool Succeeded() const { return m_bAttached; }
-
-private:
-    bool m_bAttached;
 };
 
 class CProbeDialog : public CBaseDialog {
@@ -88,79 +69,80 @@ bool IsProgressBarClassKnown() {
            info.style == 0x4003;
 }
 
-TEST(Attach, FindsTheModuleBelowTheCurrentDirectory) {
-    RegistryHive hive;
-    LogRecorder log;
+class Attach : public testing::Test {
+protected:
+    void SetInstallPath(const std::string& strPath) {
+        m_hive.SetString(kInstallKey, "VeskaraInstallPath", strPath);
+    }
+    void ExpectModuleIsMissed(const std::string& strTried);
+    void ExpectPlantedResources();
+
+    RegistryHive m_hive;
+    LogRecorder m_log;
+};
+
+TEST_F(Attach, FindsTheModuleBelowTheCurrentDirectory) {
     {
         const Attached library;
-        EXPECT_TRUE(library.Succeeded());
         EXPECT_NE(ResourceModule(), nullptr);
-        EXPECT_TRUE(log.Lines().empty()) << log.Dump();
+        EXPECT_TRUE(m_log.Lines().empty()) << m_log.Dump();
         EXPECT_TRUE(IsProgressBarClassKnown());
     }
     EXPECT_EQ(ResourceModule(), nullptr);
     EXPECT_FALSE(IsProgressBarClassKnown());
 }
 
-TEST(Attach, FallsBackToTheInstallPath) {
-    RegistryHive hive;
-    const EmptyDirectory directory;
-    hive.SetString(kInstallKey, "VeskaraInstallPath", directory.Old().string() + "\\");
-    LogRecorder log;
-    const Attached library;
-    EXPECT_TRUE(library.Succeeded());
-    EXPECT_NE(ResourceModule(), nullptr);
-    EXPECT_TRUE(log.Texts(1).empty() && log.Texts(2).empty()) << log.Dump();
-}
-
-TEST(Attach, WithoutAnInstallPathAsksTheLoaderItself) {
-    RegistryHive hive;
-    const EmptyDirectory directory;
-    LogRecorder log;
-    const Attached library;
-    // The loader finds the relative path beside the program.
-    EXPECT_NE(ResourceModule(), nullptr);
-    EXPECT_TRUE(log.Contains(2, "Warning : RegOpenKeyEx returns 2")) << log.Dump();
-}
-
-TEST(Attach, LivesWithoutTheModule) {
-    struct Case {
-        std::string strInstallPath;
-        std::string strTried;
-    };
-    // A path that leaves no room is cut at the buffer's end, never written beyond it.
-    const std::string full(511, 'x');
-    const std::string nearlyFull(500, 'y');
-    const Case cases[] = {
-        {"C:\\nowhere\\", R"(C:\nowhere\Resources\Localized\mvpinguirc.dll)"},
-        {nearlyFull, nearlyFull + "Resources\\L"},
-        {full, full},
-    };
-    for (const Case& c : cases) {
-        RegistryHive hive;
-        hive.SetString(kInstallKey, "VeskaraInstallPath", c.strInstallPath);
-        const EmptyDirectory directory;
-        LogRecorder log;
+TEST_F(Attach, FallsBackToTheInstallPathAndThenToTheLoaderItself) {
+    const CurrentDirectory directory;
+    {
+        // The loader finds the relative path beside the program.
         const Attached library;
-        EXPECT_TRUE(library.Succeeded());
-        EXPECT_EQ(ResourceModule(), nullptr);
-        ASSERT_EQ(log.Texts(2).size(), 1U) << log.Dump();
-        EXPECT_TRUE(log.Texts(2)[0].starts_with("LoadLibrary(" + c.strTried +
-                                                ") failed with error code 0x"))
-            << log.Dump();
-        log.Clear();
-        // Nothing is searched in the host's own resources instead.
-        CString text("before");
-        EXPECT_FALSE(LoadResourceString(1, text));
-        EXPECT_EQ(std::string(text), "before");
-        EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
-        EXPECT_EQ(CProbeDialog(1).DoModal(), -1);
-        EXPECT_TRUE(log.Lines().empty()) << "the cause stands at the attach: " << log.Dump();
+        EXPECT_NE(ResourceModule(), nullptr);
+        EXPECT_TRUE(m_log.Contains(2, "Warning : RegOpenKeyEx returns 2")) << m_log.Dump();
     }
+    SetInstallPath(g_home.string() + "\\");
+    m_log.Clear();
+    const Attached library;
+    EXPECT_NE(ResourceModule(), nullptr);
+    EXPECT_TRUE(m_log.Texts(1).empty() && m_log.Texts(2).empty()) << m_log.Dump();
+}
+
+void Attach::ExpectModuleIsMissed(const std::string& strTried) {
+    m_log.Clear();
+    const CurrentDirectory directory;
+    const Attached library;
+    EXPECT_EQ(ResourceModule(), nullptr);
+    ASSERT_EQ(m_log.Texts(2).size(), 1U) << m_log.Dump();
+    EXPECT_TRUE(
+        m_log.Texts(2)[0].starts_with("LoadLibrary(" + strTried + ") failed with error code 0x"))
+        << m_log.Dump();
+    m_log.Clear();
+    // Nothing is searched in the host's own resources instead.
+    CString text("before");
+    EXPECT_FALSE(LoadResourceString(1, text));
+    EXPECT_EQ(std::string(text), "before");
+    EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
+    EXPECT_EQ(CProbeDialog(1).DoModal(), -1);
+    EXPECT_TRUE(m_log.Lines().empty()) << "the cause stands at the attach: " << m_log.Dump();
+}
+
+TEST_F(Attach, LivesWithoutTheModule) {
+    SetInstallPath("C:\\nowhere\\");
+    ExpectModuleIsMissed(R"(C:\nowhere\Resources\Localized\mvpinguirc.dll)");
+    // A path that leaves no room is cut at the buffer's end, never written beyond it.
+    const std::string nearlyFull(500, 'y');
+    SetInstallPath(nearlyFull);
+    ExpectModuleIsMissed(nearlyFull + "Resources\\L");
+    const std::string full(511, 'x');
+    SetInstallPath(full);
+    ExpectModuleIsMissed(full);
+    m_hive.SetUnterminated(kInstallKey, "VeskaraInstallPath", full + 'x');
+    ExpectModuleIsMissed(full);
 }
 
 // Every kind of resource comes from the module, and what it lacks is named.
-void ExpectPlantedResources() {
+void Attach::ExpectPlantedResources() {
+    const Attached library;
     EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
     EXPECT_STREQ(GetErrorString(1), "planted text");
     const HICON hIcon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
@@ -172,7 +154,7 @@ void ExpectPlantedResources() {
     EXPECT_NE(dialog.SendDlgItemMessage(IDC_ENTER_PIN_BANNER, STM_GETIMAGE, IMAGE_BITMAP), 0);
     dialog.DestroyWindow();
 
-    LogRecorder log;
+    m_log.Clear();
     CString text("before");
     EXPECT_FALSE(LoadResourceString(IDS_LAST_PIN_TRY, text));
     EXPECT_EQ(std::string(text), "before");
@@ -180,27 +162,22 @@ void ExpectPlantedResources() {
     EXPECT_EQ(LoadResourceIcon(IDI_CARD_PIN, 16), nullptr);
     EXPECT_EQ(CProbeDialog(IDD_POLICIES).DoModal(), -1);
     EXPECT_FALSE(CProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
-    EXPECT_EQ(log.Texts(1), (std::vector<std::string>{
-                                "String 3073 is missing from the resource module",
-                                "String 3060 is missing from the resource module",
-                                "Icon 3012 is missing from the resource module",
-                                "Dialog template 3011 is missing from the resource module",
-                                "Dialog template 3002 is missing from the resource module"}))
-        << log.Dump();
+    std::vector<std::string> expected;
+    for (const char* pszMissing : {"String 3073", "String 3060", "Icon 3012",
+                                   "Dialog template 3011", "Dialog template 3002"})
+        expected.push_back(std::string(pszMissing) + " is missing from the resource module");
+    EXPECT_EQ(m_log.Texts(1), expected) << m_log.Dump();
 }
 
-TEST(Attach, RunsNothingOfTheModule) {
-    RegistryHive hive;
-    const std::filesystem::path planted = std::filesystem::current_path() / "planted";
+TEST_F(Attach, RunsNothingOfTheModule) {
+    const std::filesystem::path planted = g_home / "planted";
     {
-        const CurrentDirectory directory(planted);
-        const Attached library;
+        const CurrentDirectory directory("planted");
         ExpectPlantedResources();
     }
     {
-        const EmptyDirectory directory;
-        hive.SetString(kInstallKey, "VeskaraInstallPath", planted.string() + "\\");
-        const Attached library;
+        const CurrentDirectory directory;
+        SetInstallPath(planted.string() + "\\");
         ExpectPlantedResources();
     }
     EXPECT_EQ(GetEnvironmentVariableA(kPlantedMark, nullptr, 0), 0U);
@@ -212,27 +189,23 @@ TEST(Attach, RunsNothingOfTheModule) {
     SetEnvironmentVariableA(kPlantedMark, nullptr);
 }
 
-struct StepsDone {
-    bool bClass = false;
-    bool bModule = true;
-};
-
-void NoteSteps(void* pSteps, const char*, int, const char* pszText) {
-    if (std::string_view(pszText) == "ReadInstallPath begins")
-        *static_cast<StepsDone*>(pSteps) = {IsProgressBarClassKnown(), ResourceModule() != nullptr};
-}
-
-TEST(Attach, KeepsItsOrder) {
-    RegistryHive hive;
+TEST_F(Attach, KeepsItsOrder) {
+    static std::string steps;  // those that are done when the install path is read
     const auto recordTo = RecordingFunction<LogRecordTo>("vklog.dll", "vklogRecordTo");
-    StepsDone steps;
     {
-        const EmptyDirectory directory;
-        recordTo(NoteSteps, &steps);
+        const CurrentDirectory directory;
+        recordTo(
+            [](void*, const char*, int, const char* pszText) {
+                if (std::string_view(pszText) != "ReadInstallPath begins")
+                    return;
+                steps = IsProgressBarClassKnown() ? "class " : "";
+                steps += ResourceModule() != nullptr ? "module " : "";
+            },
+            nullptr);
         const Attached library;
         recordTo(nullptr, nullptr);
     }
-    EXPECT_TRUE(steps.bClass && !steps.bModule);
+    EXPECT_EQ(steps, "class ");
     // The framework, whose turn is last, refuses a library without an instance.
     EXPECT_FALSE(AttachLibrary(nullptr));
     EXPECT_TRUE(IsProgressBarClassKnown());
@@ -240,12 +213,10 @@ TEST(Attach, KeepsItsOrder) {
     DetachLibrary();
 }
 
-TEST(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
+TEST_F(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     struct Throwing : CWnd {
         LRESULT WindowProc(UINT nMessage, WPARAM wParam, LPARAM lParam) override {
-            if (nMessage == WM_APP)
-                throw 1;
-            return CWnd::WindowProc(nMessage, wParam, lParam);
+            return nMessage == WM_APP ? throw 1 : CWnd::WindowProc(nMessage, wParam, lParam);
         }
     };
     static int nTold = 0;
@@ -253,14 +224,13 @@ TEST(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     Throwing window;
     window.SubclassWindow(
         CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
-    const RegistryHive hive;
-    LogRecorder log;
     {
         const Attached library;
         SendMessageA(window.m_hWnd, WM_APP, 0, 0);
     }
     SendMessageA(window.m_hWnd, WM_APP, 0, 0);
-    EXPECT_EQ(log.Texts(1), std::vector<std::string>{"Exception in the handler of message 0x8000"});
+    EXPECT_EQ(m_log.Texts(1),
+              std::vector<std::string>{"Exception in the handler of message 0x8000"});
     EXPECT_EQ(nTold, 2);
     // One that was set after the library's stays when the library goes.
     const AFX_EXCEPTION_REPORTER pfnLater = [](UINT) {};
@@ -270,17 +240,6 @@ TEST(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     }
     EXPECT_EQ(AfxSetExceptionReporter(pfnOld), pfnLater);
     window.DestroyWindow();
-}
-
-TEST(Attach, SurvivesAnInstallPathWithoutTerminator) {
-    RegistryHive hive;
-    hive.SetUnterminated(kInstallKey, "VeskaraInstallPath", std::string(512, 'z'));
-    const EmptyDirectory directory;
-    LogRecorder log;
-    const Attached library;
-    EXPECT_TRUE(library.Succeeded());
-    ASSERT_EQ(log.Texts(2).size(), 1U);
-    EXPECT_TRUE(log.Texts(2)[0].starts_with("LoadLibrary(" + std::string(511, 'z') + ") failed"));
 }
 
 }  // namespace

@@ -1,18 +1,20 @@
 #include "services/notify_event.h"
 
+#include <atomic>
 #include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <cstdio>
+#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "platform/handle.h"
+#include "platform/system_library.h"
 #include "support/log_recorder.h"
+#include "support/patched_imports.h"
 #include "support/resource_counts.h"
 #include "support/waiting.h"
+#include "ui/support/child_process.h"
 
 namespace mvp::test {
 namespace {
@@ -21,84 +23,90 @@ constexpr char kTray[] = "VkTrayHandlerClass";
 constexpr char kConsole[] = "VKUserConsoleCL";
 constexpr std::chrono::seconds kDeadline{30};
 
-std::string Contents(const std::string& strFile) {
-    std::ifstream file(strFile, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+HWND Sender() {
+    return reinterpret_cast<HWND>(UINT_PTR{4711});
 }
 
-// Starts a program of this folder; ends it with the object.
-class Program {
+// A window that takes notices.
+class NoticeWindow {
 public:
-    explicit Program(const std::string& strArguments) {
-        std::string line = strArguments;
-        STARTUPINFOA startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION info{};
-        if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                            &startup, &info))
-            ADD_FAILURE() << "cannot start " << strArguments << ": " << GetLastError();
-        m_process.reset(info.hProcess);
-        KernelHandle(info.hThread).reset();
+    explicit NoticeWindow(const char* pszClass) {
+        WNDCLASSA info{};
+        info.lpfnWndProc = Proc;
+        info.hInstance = GetModuleHandleA(nullptr);
+        info.lpszClassName = pszClass;
+        RegisterClassA(&info);  // kept; a repetition is refused
+        m_hWnd = CreateWindowA(pszClass, "", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
+                               info.hInstance, nullptr);
+        EXPECT_NE(m_hWnd, nullptr);
     }
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-    ~Program() {
-        TerminateProcess(m_process.get(), 1);
-        WaitForSingleObject(m_process.get(), 10'000);
-    }
-    bool HasEnded(DWORD nTimeout) const {
-        return WaitForSingleObject(m_process.get(), nTimeout) == WAIT_OBJECT_0;
-    }
+    NoticeWindow(const NoticeWindow&) = delete;
+    NoticeWindow& operator=(const NoticeWindow&) = delete;
+    ~NoticeWindow() { DestroyWindow(m_hWnd); }
+    // The last one, as "code sender size reader".
+    static inline std::string s_strNotice;
 
 private:
-    KernelHandle m_process;
+    static LRESULT CALLBACK Proc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message != WM_COPYDATA)
+            return DefWindowProcA(hWnd, message, wParam, lParam);
+        const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+        s_strNotice = std::to_string(record.dwData) + " " + std::to_string(wParam) + " " +
+                      std::to_string(record.cbData) + " " + static_cast<const char*>(record.lpData);
+        return TRUE;
+    }
+
+    HWND m_hWnd;
 };
+
+void ExpectNotice() {
+    EXPECT_TRUE(WaitFor(kDeadline, [] {
+        MSG message;
+        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);  // takes what was sent
+        return !NoticeWindow::s_strNotice.empty();
+    }));
+}
+
+// Runs in a process of its own: takes no message before its event is set, then one notice.
+void TakeOneNotice(const char* pszClass) {
+    const KernelHandle go(OpenEventA(SYNCHRONIZE, FALSE, (std::string("Go") + pszClass).c_str()));
+    const NoticeWindow window(pszClass);
+    WaitForSingleObject(go.get(), INFINITE);
+    ExpectNotice();
+    std::printf("[%s]\n", NoticeWindow::s_strNotice.c_str());
+}
+
+TEST(NotifyEventTest, DISABLED_VkTrayHandlerClass) {
+    TakeOneNotice(kTray);
+}
+
+TEST(NotifyEventTest, DISABLED_VKUserConsoleCL) {
+    TakeOneNotice(kConsole);
+}
 
 // A receiver in another process.
 class Receiver {
 public:
-    Receiver(const char* pszClass, const char* pszMode)
-        : m_strFile("notice_" + std::string(pszClass) + std::to_string(GetCurrentProcessId())),
-          m_program("notice_receiver.exe " + std::string(pszClass) + " " + pszMode + " " +
-                    m_strFile) {
-        EXPECT_TRUE(
-            WaitFor(kDeadline, [this] { return std::filesystem::exists(m_strFile + ".ready"); }));
+    explicit Receiver(const char* pszClass, bool bGo = true)
+        : m_go(CreateEventA(nullptr, TRUE, bGo, (std::string("Go") + pszClass).c_str())),
+          m_child(std::string("NotifyEventTest.DISABLED_") + pszClass) {
+        EXPECT_TRUE(WaitFor(kDeadline, [=] { return FindWindowA(pszClass, nullptr) != nullptr; }));
     }
-    Receiver(const Receiver&) = delete;
-    Receiver& operator=(const Receiver&) = delete;
     ~Receiver() {
-        std::error_code ignored;
-        for (const char* pszSuffix : {"", ".ready", ".go"})
-            std::filesystem::remove(m_strFile + pszSuffix, ignored);
+        TerminateProcess(m_child.Process(), 1);
+        WaitForSingleObject(m_child.Process(), 10'000);
     }
-    void Go() const { std::ofstream(m_strFile + ".go") << "go"; }
-    std::string Notice() const {
-        std::string text;
-        // A file that has just appeared may not be readable yet.
-        EXPECT_TRUE(WaitFor(kDeadline, [&] {
-            text = Contents(m_strFile);
-            return !text.empty();
-        }));
-        return text;
+    void Go() const { SetEvent(m_go.get()); }
+    std::string Notice() {
+        const std::string strOutput = m_child.Wait().strOutput;
+        const std::size_t nStart = strOutput.rfind("\n[7") + 2;
+        return strOutput.substr(nStart, strOutput.find(']', nStart) - nStart);
     }
 
 private:
-    std::string m_strFile;
-    Program m_program;
+    KernelHandle m_go;
+    DisabledTest m_child;
 };
-
-std::chrono::milliseconds Duration(const auto& body) {
-    const auto start = std::chrono::steady_clock::now();
-    body();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
-                                                                 start);
-}
-
-HWND Sender() {
-    return reinterpret_cast<HWND>(UINT_PTR{4711});
-}
 
 TEST(NotifyEventTest, WithoutReceiversOnlyLogs) {
     LogRecorder log;
@@ -109,86 +117,92 @@ TEST(NotifyEventTest, WithoutReceiversOnlyLogs) {
 }
 
 TEST(NotifyEventTest, ReachesBothReceiversWithEverything) {
-    const Receiver tray(kTray, "answer");
-    const Receiver console(kConsole, "answer");
+    Receiver tray(kTray);
+    Receiver console(kConsole);
     LogRecorder log;
     NotifyEvent(kEventCardUnlocked, "Reader \xE9", Sender());
     EXPECT_EQ(tray.Notice(), "78946 4711 9 Reader \xE9");
     EXPECT_EQ(console.Notice(), "78946 4711 9 Reader \xE9");
-    EXPECT_TRUE(log.Contains(0,
-                             "NotifyEvent: Posting registered window message: 78946, on reader "
-                             "Reader \xE9 to the Smart Card Agent"))
-        << log.Dump();
-    EXPECT_TRUE(log.Contains(0,
-                             "NotifyEvent: Posting registered window message: 78946, on reader "
-                             "Reader \xE9 to the User Console"))
-        << log.Dump();
+    const std::string strPosting =
+        "NotifyEvent: Posting registered window message: 78946, on reader Reader \xE9 to the ";
+    EXPECT_TRUE(log.Contains(0, strPosting + "Smart Card Agent")) << log.Dump();
+    EXPECT_TRUE(log.Contains(0, strPosting + "User Console")) << log.Dump();
 }
 
-TEST(NotifyEventTest, SenderMayEndAtOnce) {
-    const Receiver tray(kTray, "answer");
-    const Program sender("notice_sender.exe");
-    EXPECT_EQ(tray.Notice(), "78945 1234 9 Reader B");
-    EXPECT_TRUE(sender.HasEnded(10'000));
+TEST(NotifyEventTest, DISABLED_Sends) {
+    NotifyEvent(kEventUnlockCodeShown, "Reader B", reinterpret_cast<HWND>(UINT_PTR{1234}));
 }
 
 TEST(NotifyEventTest, NoticeOutlivesItsSender) {
-    const Receiver tray(kTray, "late");
-    const Program sender("notice_sender.exe");
-    ASSERT_TRUE(sender.HasEnded(10'000));
+    Receiver tray(kTray, false);
+    EXPECT_EQ(RunDisabledTest("NotifyEventTest.DISABLED_Sends").dwExitCode, 0U);
     tray.Go();
     EXPECT_EQ(tray.Notice(), "78945 1234 9 Reader B");
 }
 
+// What the next test sees of the library's waits.
+const DWORD g_nCaller = GetCurrentThreadId();
+const KernelHandle g_returned(CreateEventA(nullptr, TRUE, FALSE, nullptr));  // the call has
+std::atomic<int> g_nTimeouts = 0;                                            // of the caller
+std::atomic<int> g_nEarlyReturns = 0;  // of the call, before its notice was sent
+std::atomic<UINT> g_nPatience = 0;     // of a delivery, as it was asked for
+
+LRESULT WINAPI Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam, UINT nFlags,
+                    UINT nTimeout, PDWORD_PTR pResult) {
+    static const auto pSend = FindFunction<decltype(&SendMessageTimeoutA)>(
+        GetModuleHandleA("user32.dll"), "SendMessageTimeoutA");
+    if (message == WM_COPYDATA) {
+        g_nPatience = std::exchange(nTimeout, 60'000);
+        // A call that does not wait for the sending returns now.
+        g_nEarlyReturns += WaitForSingleObject(g_returned.get(), 200) == WAIT_OBJECT_0;
+    }
+    const LRESULT sent = pSend(hWnd, message, wParam, lParam, nFlags, nTimeout, pResult);
+    g_nTimeouts += sent == 0 && GetCurrentThreadId() == g_nCaller;
+    return sent;
+}
+
+DWORD WINAPI Wait(HANDLE hObject, DWORD nTimeout) {
+    static const auto pWait = FindFunction<decltype(&WaitForSingleObject)>(
+        GetModuleHandleA("kernel32.dll"), "WaitForSingleObject");
+    const DWORD nResult = pWait(hObject, nTimeout);
+    g_nTimeouts += nResult == WAIT_TIMEOUT && GetCurrentThreadId() == g_nCaller;
+    return nResult;
+}
+
 TEST(NotifyEventTest, HangingReceiverDelaysNobody) {
-    const Receiver tray(kTray, "hang");
-    const Receiver console(kConsole, "answer");
+    auto tray = std::make_unique<Receiver>(kTray, false);
+    Receiver console(kConsole);
     const auto before = ResourceCounts::Now();
-    const auto took = Duration([] { NotifyEvent(kEventUnlockCodeShown, "Reader C", Sender()); });
-    EXPECT_LT(took, std::chrono::seconds(2));
+    {
+        const PatchedImports seen(nullptr, {{"SendMessageTimeoutA", Address(&Send)},
+                                            {"WaitForSingleObject", Address(&Wait)}});
+        NotifyEvent(kEventUnlockCodeShown, "Reader C", Sender());
+        SetEvent(g_returned.get());
+        EXPECT_EQ(g_nTimeouts, 0);
+        EXPECT_EQ(g_nEarlyReturns, 0);
+        EXPECT_EQ(g_nPatience, 5'000U);
+    }
     EXPECT_EQ(console.Notice(), "78945 4711 9 Reader C");
-    // The delivery to the one that hangs is given up, and leaves nothing.
+    tray.reset();
+    // The delivery to the one that hung leaves nothing.
     EXPECT_TRUE(
         WaitFor(kDeadline, [&] { return ResourceCounts::Now().threads <= before.threads; }));
     ExpectNoGrowth(before, ResourceCounts::Now());
 }
 
-std::string g_strTaken;
-
-LRESULT CALLBACK TakeNotice(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message != WM_COPYDATA)
-        return DefWindowProcA(hWnd, message, wParam, lParam);
-    g_strTaken = static_cast<const char*>(reinterpret_cast<const COPYDATASTRUCT*>(lParam)->lpData);
-    return TRUE;
-}
-
-// The receiver cannot take the notice before the call has returned, so the call may not wait for
-// it.
+// The receiver cannot take the notice before the call has returned, and one that was given up
+// never: the call may not wait for it.
 TEST(NotifyEventTest, ReachesAWindowOfTheCallersOwnThread) {
-    WNDCLASSA info{};
-    info.lpfnWndProc = TakeNotice;
-    info.hInstance = GetModuleHandleA(nullptr);
-    info.lpszClassName = kTray;
-    ASSERT_NE(RegisterClassA(&info), 0);
-    const HWND own = CreateWindowA(kTray, "", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
-                                   info.hInstance, nullptr);
-    const auto took = Duration([] { NotifyEvent(kEventUnlockCodeShown, "Reader D", Sender()); });
-    EXPECT_LT(took, std::chrono::seconds(4));  // it gives up after five
-    EXPECT_EQ(g_strTaken, "");
-    EXPECT_TRUE(WaitFor(kDeadline, [] {
-        MSG message;
-        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);  // takes what was sent
-        return !g_strTaken.empty();
-    }));
-    EXPECT_EQ(g_strTaken, "Reader D");
-    DestroyWindow(own);
-    UnregisterClassA(kTray, info.hInstance);
-}
-
-TEST(NotifyEventTest, NullReaderIsAnEmptyOne) {
-    const Receiver tray(kTray, "answer");
-    NotifyEvent(kEventUnlockCodeShown, nullptr, nullptr);
-    EXPECT_EQ(tray.Notice(), "78945 0 1 ");
+    const NoticeWindow window(kTray);
+    const std::pair<const char*, std::string> cases[] = {{"Reader D", "78945 4711 9 Reader D"},
+                                                         {nullptr, "78945 4711 1 "}};
+    for (const auto& [pszReader, strNotice] : cases) {
+        NoticeWindow::s_strNotice.clear();
+        NotifyEvent(kEventUnlockCodeShown, pszReader, Sender());
+        EXPECT_EQ(NoticeWindow::s_strNotice, "");
+        ExpectNotice();
+        EXPECT_EQ(NoticeWindow::s_strNotice, strNotice);
+    }
 }
 
 }  // namespace

@@ -14,10 +14,15 @@ namespace {
 
 constexpr RECT kPlace = {5, 5, 205, 105};
 
-TEST(ControlsTest, ListKeepsRowsColumnsAndImages) {
-    CHostWnd host;
+class ControlsTest : public testing::Test {
+protected:
+    CHostWnd m_host;
+};
+
+TEST_F(ControlsTest, ListKeepsRowsColumnsAndImages) {
     CListCtrl list;
-    ASSERT_TRUE(list.Create(WC_LISTVIEWA, "", LVS_REPORT | LVS_SHAREIMAGELISTS, kPlace, &host, 7));
+    ASSERT_TRUE(
+        list.Create(WC_LISTVIEWA, "", LVS_REPORT | LVS_SHAREIMAGELISTS, kPlace, &m_host, 7));
     CImageList images;
     CImageList others;
     ASSERT_TRUE(images.Create(16, 16, ILC_COLOR24 | ILC_MASK, 2, 1));
@@ -48,12 +53,23 @@ TEST(ControlsTest, ListKeepsRowsColumnsAndImages) {
     EXPECT_STREQ(szText, "05/06/24");
 }
 
-TEST(ControlsTest, SpinButtonMovesItsBuddyWithinItsRange) {
-    CHostWnd host;
+TEST_F(ControlsTest, EditSelectsAndFollowsASpinButton) {
     CEdit edit;
-    ASSERT_TRUE(edit.Create(WS_CHILD, kPlace, &host, 8));
+    ASSERT_TRUE(edit.Create(WS_CHILD, kPlace, &m_host, 8));
+    edit.SetWindowText("abcdef");
+    edit.SetSel(1, 3);
+    int nStart = 0;
+    int nEnd = 0;
+    edit.GetSel(nStart, nEnd);
+    EXPECT_EQ(std::pair(nStart, nEnd), std::pair(1, 3));
+    edit.SetWindowPos(&CWnd::wndTopMost, 0, 0, 30, 40, SWP_NOMOVE);
+    CRect rect;
+    edit.GetWindowRect(rect);
+    m_host.ScreenToClient(rect);
+    EXPECT_EQ(rect, CRect(CPoint(5, 5), CSize(30, 40)));
+
     CSpinButtonCtrl spin;
-    ASSERT_TRUE(spin.Create(UPDOWN_CLASSA, "", UDS_SETBUDDYINT, kPlace, &host, 9));
+    ASSERT_TRUE(spin.Create(UPDOWN_CLASSA, "", UDS_SETBUDDYINT, kPlace, &m_host, 9));
     EXPECT_EQ(spin.SetBuddy(&edit), nullptr);
     EXPECT_EQ(spin.SetBuddy(&edit), &edit);
     spin.SetRange32(-3, 100000);
@@ -66,49 +82,31 @@ TEST(ControlsTest, SpinButtonMovesItsBuddyWithinItsRange) {
     }
 }
 
-TEST(ControlsTest, EditSelectsLimitsAndHides) {
-    CHostWnd host;
+TEST_F(ControlsTest, SettingsReachTheControl) {
     CEdit edit;
-    ASSERT_TRUE(edit.Create(WS_CHILD | ES_PASSWORD, kPlace, &host, 8));
+    ASSERT_TRUE(edit.Create(WS_CHILD | ES_PASSWORD, kPlace, &m_host, 8));
     edit.SetPasswordChar('+');
-    EXPECT_EQ(edit.SendMessage(EM_GETPASSWORDCHAR), '+');
     edit.SetLimitText(6);
-    EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 6);
     edit.SetReadOnly();
+    EXPECT_EQ(edit.SendMessage(EM_GETPASSWORDCHAR), '+');
+    EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 6);
     EXPECT_NE(edit.GetStyle() & ES_READONLY, 0u);
-    edit.SetWindowText("abcdef");
-    edit.SetSel(1, 3);
-    int nStart = 0;
-    int nEnd = 0;
-    edit.GetSel(nStart, nEnd);
-    EXPECT_EQ(nStart, 1);
-    EXPECT_EQ(nEnd, 3);
-    edit.SetWindowPos(&CWnd::wndTopMost, 0, 0, 30, 40, SWP_NOMOVE);
-    CRect rect;
-    edit.GetWindowRect(rect);
-    host.ScreenToClient(rect);
-    EXPECT_EQ(rect, CRect(CPoint(5, 5), CSize(30, 40)));
-}
-
-TEST(ControlsTest, PicturesAndChecksComeBackAsTheyWereSet) {
-    CHostWnd host;
     HICON hIcon = LoadIconA(nullptr, IDI_INFORMATION);
     CStatic picture;
-    ASSERT_TRUE(picture.Create("", WS_CHILD | SS_ICON, kPlace, &host));
+    ASSERT_TRUE(picture.Create("", WS_CHILD | SS_ICON, kPlace, &m_host));
     EXPECT_EQ(picture.SetIcon(hIcon), nullptr);
     EXPECT_EQ(picture.SetIcon(nullptr), hIcon);
     CButton check;
-    ASSERT_TRUE(check.Create("", WS_CHILD | BS_AUTO3STATE, kPlace, &host, 9));
+    ASSERT_TRUE(check.Create("", WS_CHILD | BS_AUTO3STATE, kPlace, &m_host, 9));
     check.SetCheck(BST_INDETERMINATE);
     EXPECT_EQ(check.GetCheck(), BST_INDETERMINATE);
-    EXPECT_EQ(host.IsDlgButtonChecked(9), UINT{BST_INDETERMINATE});
+    EXPECT_EQ(m_host.IsDlgButtonChecked(9), UINT{BST_INDETERMINATE});
 }
 
-TEST(DrawingTest, ObjectsAreOwnedAndSelectionsGivenBack) {
-    CHostWnd host;
+TEST_F(ControlsTest, DrawingObjectsAreOwnedAndSelectionsGivenBack) {
     CBitmap bitmap;
     {
-        CClientDC screen(&host);
+        CClientDC screen(&m_host);
         CDC memory;
         CDC copy;
         ASSERT_TRUE(memory.CreateCompatibleDC(&screen));
@@ -131,24 +129,22 @@ TEST(DrawingTest, ObjectsAreOwnedAndSelectionsGivenBack) {
     EXPECT_EQ(GetObjectType(hSecond), DWORD{OBJ_BITMAP});
     EXPECT_TRUE(DeleteObject(hSecond));
     CRgn region;
-    EXPECT_TRUE(region.CreateRectRgn(0, 0, 10, 10));
     CRgn hole;
-    EXPECT_TRUE(hole.CreateRectRgn(2, 2, 4, 4));
+    EXPECT_TRUE(region.CreateRectRgn(0, 0, 10, 10) && hole.CreateRectRgn(2, 2, 4, 4));
     EXPECT_EQ(region.CombineRgn(&region, &hole, RGN_XOR), COMPLEXREGION);
     EXPECT_FALSE(PtInRegion(region, 3, 3));
 }
 
-TEST(DrawingTest, PointFontHasTheHeightAsked) {
-    CHostWnd host;
-    CStatic label;
-    ASSERT_TRUE(label.Create("", WS_CHILD, kPlace, &host));
-    CClientDC dc(&label);
+TEST_F(ControlsTest, PointFontHasTheHeightAsked) {
+    CClientDC dc(&m_host);
     CFont font;
     ASSERT_TRUE(font.CreatePointFont(120, "Tahoma", &dc));
     LOGFONTA logFont = {};
     EXPECT_GT(font.GetLogFont(&logFont), 0);
     EXPECT_EQ(logFont.lfHeight, -GetDeviceCaps(dc, LOGPIXELSY) / 6);
     EXPECT_STREQ(logFont.lfFaceName, "Tahoma");
+    CStatic label;
+    ASSERT_TRUE(label.Create("", WS_CHILD, kPlace, &m_host));
     label.SetFont(&font);
     EXPECT_EQ(label.GetFont(), &font);
     const CSize small = dc.GetTextExtent("Text", 4);

@@ -3,11 +3,8 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
-#include <string>
-#include <thread>
 
 #include <dlgfw/controls.h>
-#include <dlgfw/dialog.h>
 #include <gtest/gtest.h>
 
 #include "support/dialog_driver.h"
@@ -17,109 +14,135 @@
 namespace mvp::test {
 namespace {
 
-TEST(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
-    CHostWnd host;
-    host.SetForegroundWindow();
+const Script kPressOk = [](Dialog& dialog) { dialog.Click(IDOK); };
+
+// A window that is owned by another one, as a dialog is.
+struct Popup : CWnd {
+    explicit Popup(CWnd* pOwner) {
+        EXPECT_TRUE(
+            CreateEx(0, nullptr, "popup", WS_POPUP | WS_VISIBLE, CRect(0, 0, 50, 50), pOwner, 0));
+    }
+};
+
+class DialogTest : public testing::Test {
+protected:
+    // What the dialog, which the script serves, ends with. Its window goes, and the host is given
+    // back.
+    INT_PTR RunModal(CDialog& dlg, const Script& script = kPressOk) {
+        DialogDriver driver(script);
+        return ExpectEnd(dlg);
+    }
+    // The same without being seen.
+    INT_PTR RunUnseen(CDialog& dlg) {
+        DialogDriver noDialog;
+        return ExpectEnd(dlg);
+    }
+
+    CHostWnd m_host;
+
+private:
+    INT_PTR ExpectEnd(CDialog& dlg) {
+        const INT_PTR nResult = dlg.DoModal();
+        EXPECT_EQ(dlg.m_hWnd, nullptr);
+        EXPECT_TRUE(m_host.IsWindowEnabled());
+        return nResult;
+    }
+};
+
+TEST_F(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
+    m_host.SetForegroundWindow();
     for (const int nButton : {IDOK, IDCANCEL}) {
-        CFormDlg dlg(&host);
+        CFormDlg dlg(&m_host);
         HWND hWnd = nullptr;
         dlg.m_onInit = [&] {
             hWnd = dlg.m_hWnd;
             EXPECT_FALSE(dlg.IsWindowVisible());
-            EXPECT_FALSE(host.IsWindowEnabled());
+            EXPECT_FALSE(m_host.IsWindowEnabled());
         };
         dlg.m_onDestroy = [&] {
-            EXPECT_TRUE(host.IsWindowEnabled());
+            EXPECT_TRUE(m_host.IsWindowEnabled());
             EXPECT_FALSE(dlg.IsWindowVisible());
         };
-        DialogDriver driver([&](Dialog& dialog) {
+        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
             EXPECT_EQ(dialog.FocusedId(), kFormEdit);
-            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), host.m_hWnd);
+            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), m_host.m_hWnd);
             dialog.Click(nButton);
         });
-        EXPECT_EQ(dlg.DoModal(), nButton);
+        EXPECT_EQ(nResult, nButton);
         EXPECT_FALSE(IsWindow(hWnd));
-        EXPECT_EQ(dlg.m_hWnd, nullptr);
-        EXPECT_TRUE(host.IsWindowEnabled());
-        EXPECT_EQ(GetActiveWindow(), host.m_hWnd);
+        EXPECT_EQ(GetActiveWindow(), m_host.m_hWnd);
     }
 }
 
-TEST(DialogTest, ParentThatWasDisabledStaysSo) {
-    CHostWnd host;
-    host.EnableWindow(FALSE);
-    CFormDlg dlg(&host);
-    DialogDriver driver([](Dialog& dialog) { dialog.Click(IDOK); });
-    EXPECT_EQ(dlg.DoModal(), IDOK);
-    EXPECT_FALSE(host.IsWindowEnabled());
-}
-
-TEST(DialogTest, ChildAsParentDisablesItsTopLevelWindow) {
-    CHostWnd outer;
-    CWnd popup;
-    ASSERT_TRUE(
-        popup.CreateEx(0, nullptr, "popup", WS_POPUP | WS_VISIBLE, CRect(0, 0, 50, 50), &outer, 0));
+TEST_F(DialogTest, ChildAsParentDisablesItsTopLevelWindowWhichMayBeDisabledAlready) {
+    Popup popup(&m_host);
     CWnd child;
     ASSERT_TRUE(child.Create("STATIC", "", WS_VISIBLE, CRect(0, 0, 9, 9), &popup, 1));
-    CFormDlg dlg(&child);
-    DialogDriver driver([&](Dialog& dialog) {
-        EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), popup.m_hWnd);
-        EXPECT_FALSE(popup.IsWindowEnabled());
-        EXPECT_FALSE(outer.IsWindowEnabled());
-        dialog.Click(IDOK);
-    });
-    EXPECT_EQ(dlg.DoModal(), IDOK);
-    EXPECT_TRUE(popup.IsWindowEnabled());
-    EXPECT_TRUE(outer.IsWindowEnabled());
-}
-
-TEST(DialogTest, DialogWithoutTemplateDoesNotOpen) {
-    DialogDriver noDialog;
-    CHostWnd host;
-    CDialog by_number(54321u, &host);
-    EXPECT_EQ(by_number.DoModal(), -1);
-    CDialog empty;
-    EXPECT_FALSE(empty.InitModalIndirect(nullptr, &host));
-    EXPECT_EQ(empty.DoModal(), -1);
-    EXPECT_FALSE(empty.Create(54321u, &host));
-    EXPECT_TRUE(host.IsWindowEnabled());
-}
-
-TEST(DialogTest, DialogWithDestroyedParentDoesNotOpen) {
-    DialogDriver noDialog;
-    HWND hGone = nullptr;
-    {
-        CHostWnd host;
-        hGone = host.m_hWnd;
+    for (const BOOL bEnabled : {TRUE, FALSE}) {
+        popup.EnableWindow(bEnabled);
+        CFormDlg dlg(&child);
+        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
+            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), popup.m_hWnd);
+            EXPECT_FALSE(popup.IsWindowEnabled());
+            EXPECT_FALSE(m_host.IsWindowEnabled());
+            dialog.Click(IDOK);
+        });
+        EXPECT_EQ(nResult, IDOK);
+        EXPECT_EQ(popup.IsWindowEnabled(), bEnabled);
     }
-    CWnd* pGone = CWnd::FromHandle(hGone);
-    CFormDlg dlg(pGone);
-    EXPECT_EQ(dlg.DoModal(), -1);
 }
 
-TEST(DialogTest, EndedWhileInitialisingItIsNeverSeen) {
-    CHostWnd host;
-    CFormDlg dlg(&host);
+TEST_F(DialogTest, DoesNotOpenWithoutTemplateOrParentOrWhenItEndsFirst) {
+    CDialog by_number(54321u, &m_host);
+    EXPECT_EQ(RunUnseen(by_number), -1);
+    CDialog empty;
+    EXPECT_FALSE(empty.InitModalIndirect(nullptr, &m_host));
+    EXPECT_EQ(RunUnseen(empty), -1);
+    EXPECT_FALSE(empty.Create(54321u, &m_host));
+
+    CFormDlg dlg(&m_host);
     dlg.m_onInit = [&] { dlg.EndDialog(77); };
-    DialogDriver noDialog;
-    EXPECT_EQ(dlg.DoModal(), 77);
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_EQ(RunUnseen(dlg), 77);
     dlg.m_onInit = [&] { dlg.DestroyWindow(); };
-    EXPECT_EQ(dlg.DoModal(), -1);
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_EQ(RunUnseen(dlg), -1);
+
+    CFormDlg orphan(CWnd::FromHandle(reinterpret_cast<HWND>(LONG_PTR{0xDEAD})));
+    EXPECT_EQ(RunUnseen(orphan), -1);
 }
 
-TEST(DialogTest, NestedDialogsEndInTurn) {
-    CHostWnd host;
-    CFormDlg outer(&host);
-    INT_PTR nInner = 0;
-    outer.m_onButton = [&] {
-        CWnd* pTemporary = CWnd::FromHandle(GetDesktopWindow());
-        CFormDlg inner(&outer);
-        nInner = inner.DoModal();
-        // What a handler got before it opened a dialog is still good after it.
-        EXPECT_EQ(CWnd::FromHandle(GetDesktopWindow()), pTemporary);
-    };
+// A dialog over another one; what its button does ends one of them or both.
+class NestedDialogs : public testing::Test {
+protected:
+    NestedDialogs() {
+        m_outer.m_onButton = [this] {
+            CWnd* pTemporary = CWnd::FromHandle(GetDesktopWindow());
+            CFormDlg inner(&m_outer);
+            inner.m_onButton = m_onInnerButton;
+            m_nInner = inner.DoModal();
+            // What a handler got before it opened a dialog is still good after it.
+            EXPECT_EQ(CWnd::FromHandle(GetDesktopWindow()), pTemporary);
+        };
+    }
+    // Both end, by the inner one's button.
+    void ExpectBothEnd() {
+        DialogDriver driver([](Dialog& first) {
+            first.Click(kFormButton);
+            Dialog second = first.Next();
+            PostMessageA(second.Control(kFormButton), BM_CLICK, 0, 0);
+            second.WaitGone();
+            first.WaitGone();
+        });
+        EXPECT_EQ(m_outer.DoModal(), -1);
+        EXPECT_EQ(m_nInner, -1);
+    }
+
+    std::unique_ptr<CHostWnd> m_pHost = std::make_unique<CHostWnd>();
+    CFormDlg m_outer{m_pHost.get()};
+    std::function<void()> m_onInnerButton;
+    INT_PTR m_nInner = 0;
+};
+
+TEST_F(NestedDialogs, EndInTurn) {
     DialogDriver driver([&](Dialog& first) {
         first.Click(kFormButton);
         Dialog second = first.Next();
@@ -128,69 +151,36 @@ TEST(DialogTest, NestedDialogsEndInTurn) {
         second.WaitGone();
         first.WaitUntil("the first is enabled again",
                         [&] { return IsWindowEnabled(first.Handle()) != FALSE; });
-        EXPECT_FALSE(host.IsWindowEnabled());
+        EXPECT_FALSE(m_pHost->IsWindowEnabled());
         first.Click(IDOK);
     });
-    EXPECT_EQ(outer.DoModal(), IDOK);
-    EXPECT_EQ(nInner, IDCANCEL);
+    EXPECT_EQ(m_outer.DoModal(), IDOK);
+    EXPECT_EQ(m_nInner, IDCANCEL);
 }
 
-TEST(DialogTest, QuitEndsEveryLoopAndIsPostedAgain) {
-    CFormDlg outer;
-    INT_PTR nInner = 0;
-    outer.m_onButton = [&] {
-        CFormDlg inner(&outer);
-        inner.m_onButton = [] { PostQuitMessage(7); };
-        nInner = inner.DoModal();
-    };
-    DialogDriver driver([](Dialog& first) {
-        first.Click(kFormButton);
-        Dialog second = first.Next();
-        PostMessageA(second.Control(kFormButton), BM_CLICK, 0, 0);
-        second.WaitGone();
-        first.WaitGone();
-    });
-    EXPECT_EQ(outer.DoModal(), -1);
-    EXPECT_EQ(nInner, -1);
+TEST_F(NestedDialogs, QuitEndsEveryLoopAndIsPostedAgain) {
+    m_onInnerButton = [] { PostQuitMessage(7); };
+    ExpectBothEnd();
     MSG message = {};
     ASSERT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(message.wParam, 7u);
 }
 
-TEST(DialogTest, DestroyingTheOwnerEndsTheDialogsOverIt) {
-    auto pHost = std::make_unique<CHostWnd>();
-    CFormDlg outer(pHost.get());
-    INT_PTR nInner = 0;
-    outer.m_onButton = [&] {
-        CFormDlg inner(&outer);
-        inner.m_onButton = [&] { pHost.reset(); };
-        nInner = inner.DoModal();
-    };
-    DialogDriver driver([](Dialog& first) {
-        first.Click(kFormButton);
-        Dialog second = first.Next();
-        second.Click(kFormButton);
-        second.WaitGone();
-        first.WaitGone();
-    });
-    EXPECT_EQ(outer.DoModal(), -1);
-    EXPECT_EQ(nInner, -1);
+TEST_F(NestedDialogs, EndWithTheirOwner) {
+    m_onInnerButton = [&] { m_pHost.reset(); };
+    ExpectBothEnd();
 }
 
-TEST(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
-    CHostWnd host;
-    // The window that the dialog disables is the popup's owner.
-    CWnd popup;
-    ASSERT_TRUE(
-        popup.CreateEx(0, nullptr, "popup", WS_POPUP | WS_VISIBLE, CRect(0, 0, 50, 50), &host, 0));
+TEST_F(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
+    Popup popup(&m_host);  // the window that the dialog disables is the popup's owner
     auto* pDlg = new CFormDlg(&popup);
     pDlg->m_onButton = [pDlg] { delete pDlg; };
     DialogDriver driver([](Dialog& dialog) { dialog.Click(kFormButton); });
     EXPECT_EQ(pDlg->DoModal(), -1);
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_TRUE(m_host.IsWindowEnabled());
 }
 
-TEST(DialogTest, ModelessDialogOwnsItself) {
+TEST_F(DialogTest, ModelessDialogOwnsItself) {
     struct Own final : CFormDlg {
         explicit Own(bool& bDeleted) : m_bDeleted(bDeleted) {}
         ~Own() override { m_bDeleted = true; }
@@ -198,46 +188,36 @@ TEST(DialogTest, ModelessDialogOwnsItself) {
         void PostNcDestroy() override { delete this; }
         bool& m_bDeleted;
     };
-    CHostWnd host;
     bool bDeleted = false;
     auto* pDlg = new Own(bDeleted);
-    ASSERT_TRUE(pDlg->Open(&host));
+    ASSERT_TRUE(pDlg->Open(&m_host));
     EXPECT_FALSE(pDlg->IsWindowVisible());
-    EXPECT_TRUE(host.IsWindowEnabled());
+    EXPECT_TRUE(m_host.IsWindowEnabled());
     SendMessageA(pDlg->m_hWnd, WM_COMMAND, IDOK, 0);
     EXPECT_TRUE(bDeleted);
 
     bDeleted = false;
     pDlg = new Own(bDeleted);
     pDlg->m_onInit = [] { throw 1; };
-    EXPECT_FALSE(pDlg->Open(&host));
+    EXPECT_FALSE(pDlg->Open(&m_host));
     EXPECT_TRUE(bDeleted);
 }
 
-UINT g_nReports = 0;
-
-TEST(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
-    g_nReports = 0;
-    const auto pfnOld = AfxSetExceptionReporter([](UINT) { ++g_nReports; });
-    CHostWnd host;
-    {
-        DialogDriver noDialog;
-        CFormDlg dlg(&host);
-        dlg.m_onInit = [] { throw 1; };
-        EXPECT_EQ(dlg.DoModal(), -1);
-        EXPECT_EQ(g_nReports, 1u);
-        EXPECT_EQ(dlg.m_hWnd, nullptr);
-        EXPECT_TRUE(host.IsWindowEnabled());
-    }
-    CFormDlg dlg(&host);
+TEST_F(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
+    static unsigned nReports = 0;
+    const auto pfnOld = AfxSetExceptionReporter([](UINT) { ++nReports; });
+    CFormDlg dlg(&m_host);
+    dlg.m_onInit = [] { throw 1; };
+    EXPECT_EQ(RunUnseen(dlg), -1);
+    EXPECT_EQ(nReports, 1u);
+    dlg.m_onInit = nullptr;
     dlg.m_onPreTranslate = [](MSG* pMsg) { return pMsg->message == WM_CHAR ? throw 2 : false; };
-    DialogDriver driver([](Dialog& dialog) {
+    const Script type = [](Dialog& dialog) {
         PostMessageA(dialog.Control(kFormEdit), WM_CHAR, 'x', 0);
         dialog.WaitGone();
-    });
-    EXPECT_EQ(dlg.DoModal(), -1);
-    EXPECT_EQ(g_nReports, 2u);
-    EXPECT_TRUE(host.IsWindowEnabled());
+    };
+    EXPECT_EQ(RunModal(dlg, type), -1);
+    EXPECT_EQ(nReports, 2u);
     AfxSetExceptionReporter(pfnOld);
 }
 
@@ -252,74 +232,55 @@ struct Counting : Base {
     std::atomic<int> m_nCount = 0;
 };
 
-TEST(DialogTest, SentMessageMayEndTheLoop) {
-    Counting<CFormDlg, WM_KICKIDLE> dlg;
-    dlg.m_onAsk = [&](WPARAM) {
-        dlg.EndDialog(5);
-        return 1;
-    };
-    DialogDriver driver([&](Dialog& dialog) {
-        // What is sent from now on arrives while the loop waits for what is posted.
-        dialog.WaitUntil("the dialog is idle", [&] { return dlg.m_nCount > 0; });
-        SendMessageA(dialog.Handle(), kFormAsk, 0, 0);
-    });
-    EXPECT_EQ(dlg.DoModal(), 5);
-}
-
-// The window is told of its end, or the edit in it is, and the system had no hand in it.
-TEST(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
-    const std::initializer_list<UINT> lies[] = {
-        {WM_DESTROY}, {WM_NCDESTROY}, {WM_DESTROY, WM_NCDESTROY}, {WM_NCDESTROY, WM_NCDESTROY}};
-    for (const bool bEdit : {false, true}) {
-        for (const auto& lie : lies) {
-            CHostWnd host;
-            CFormDlg dlg(&host);
-            CEdit edit;
-            HWND hWnd = nullptr;
-            HWND hEdit = nullptr;
-            int nDestroyed = 0;
-            dlg.m_onInit = [&] {
-                edit.SubclassDlgItem(kFormEdit, &dlg);
-                hEdit = edit.m_hWnd;
-                hWnd = dlg.m_hWnd;
-            };
-            dlg.m_onDestroy = [&] { ++nDestroyed; };
-            DialogDriver driver([&](Dialog& dialog) {
-                dialog.Run([&] {
-                    host.PostMessage(WM_NULL);  // the modal loop has this to do first
-                    for (const UINT message : lie)
-                        SendMessageA(bEdit ? hEdit : hWnd, message, 0, 0);
-                    // What comes after it must not make a success of it.
-                    if (!bEdit)
-                        SendMessageA(hWnd, WM_COMMAND, IDOK, 0);
-                });
-            });
-            EXPECT_EQ(dlg.DoModal(), -1);
-            EXPECT_FALSE(IsWindow(hWnd));
-            EXPECT_EQ(dlg.m_hWnd, nullptr);
-            EXPECT_EQ(edit.m_hWnd, nullptr);
-            EXPECT_GE(nDestroyed, 1);
-            EXPECT_TRUE(host.IsWindowEnabled());
-            driver.Join();
-            ASSERT_FALSE(HasFailure());
-        }
-    }
-}
-
-TEST(DialogTest, ParentIsToldOfIdlenessUnlessTheStyleForbids) {
+TEST_F(DialogTest, TellsItsParentOfIdlenessUnlessTheStyleForbidsAndMayEndThen) {
     for (const DWORD dwStyle : {DWORD{0}, DWORD{DS_NOIDLEMSG}}) {
         Counting<CHostWnd, WM_ENTERIDLE> host;
         Counting<CFormDlg, WM_KICKIDLE> dlg(&host, DialogTemplate::kPopup | dwStyle);
-        DialogDriver driver([&](Dialog& dialog) {
+        dlg.m_onButton = [&] { dlg.EndDialog(5); };
+        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
+            // What is sent from now on arrives while the loop waits for what is posted.
             dialog.WaitUntil("the dialog is idle", [&] { return dlg.m_nCount > 0; });
-            dialog.Click(IDOK);
+            SendMessageA(dialog.Handle(), WM_COMMAND, kFormButton, 0);
         });
-        EXPECT_EQ(dlg.DoModal(), IDOK);
+        EXPECT_EQ(nResult, 5);
         EXPECT_EQ(host.m_nCount > 0, dwStyle == 0);
     }
 }
 
-TEST(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
+// The window is told of its end, or the edit in it is, and the system had no hand in it.
+TEST_F(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
+    const std::initializer_list<UINT> lies[] = {
+        {WM_DESTROY}, {WM_NCDESTROY}, {WM_DESTROY, WM_NCDESTROY}, {WM_NCDESTROY, WM_NCDESTROY}};
+    for (int i = 0; i < 8; ++i) {
+        SCOPED_TRACE(i);
+        const bool bEdit = i >= 4;
+        CFormDlg dlg(&m_host);
+        CEdit edit;
+        HWND hWnd = nullptr;
+        int nDestroyed = 0;
+        dlg.m_onInit = [&] {
+            edit.SubclassDlgItem(kFormEdit, &dlg);
+            hWnd = dlg.m_hWnd;
+        };
+        dlg.m_onDestroy = [&] { ++nDestroyed; };
+        dlg.m_onButton = [&] {
+            HWND hEdit = edit.m_hWnd;
+            m_host.PostMessage(WM_NULL);  // the modal loop has this to do first
+            for (const UINT message : lies[i % 4])
+                SendMessageA(bEdit ? hEdit : hWnd, message, 0, 0);
+            // What comes after it must not make a success of it.
+            if (!bEdit)
+                SendMessageA(hWnd, WM_COMMAND, IDOK, 0);
+        };
+        EXPECT_EQ(RunModal(dlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
+        EXPECT_FALSE(IsWindow(hWnd));
+        EXPECT_EQ(edit.m_hWnd, nullptr);
+        EXPECT_GE(nDestroyed, 1);
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
+TEST_F(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
     struct Stubborn : CFormDlg {
         using CFormDlg::CFormDlg;
         BOOL CreateModalWindow(LPCDLGTEMPLATE lpDialogTemplate, ModalParent& parent,
@@ -333,71 +294,52 @@ TEST(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
             return CFormDlg::CreateModalWindow(lpDialogTemplate, parent, hInst);
         }
     };
-    CHostWnd host;
-    Stubborn dlg(&host);
+    Stubborn dlg(&m_host);
     DialogDriver driver([](Dialog& dialog) {
         EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), nullptr);
         dialog.Click(IDOK);
     });
     EXPECT_EQ(dlg.DoModal(), IDOK);
-    EXPECT_FALSE(host.IsWindowEnabled());
+    EXPECT_FALSE(m_host.IsWindowEnabled());
 }
 
-TEST(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
+TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     constexpr DWORD dwPlain = WS_POPUP | WS_CAPTION | DS_SETFONT;
-    CHostWnd host;
-    CRect rectHost;
-    host.GetWindowRect(rectHost);
-    const auto open = [&](DWORD dwStyle, const std::function<void(CFormDlg&)>& onInit) {
-        CFormDlg dlg(&host, dwStyle);
-        dlg.m_onInit = [&] { onInit(dlg); };
+    // Where it stands after SetWindowPos(..., nFlags) in its initialisation.
+    const auto place = [&](DWORD dwStyle, const RECT& to, UINT nFlags) {
+        CFormDlg dlg(&m_host, dwStyle);
         CRect rect;
-        DialogDriver driver([&](Dialog& dialog) {
-            rect = dialog.ScreenRect();
-            dialog.Click(IDOK);
-        });
-        EXPECT_EQ(dlg.DoModal(), IDOK);
+        dlg.m_onInit = [&] {
+            dlg.SetWindowPos(nullptr, to.left, to.top, to.right, to.bottom, nFlags | SWP_NOZORDER);
+        };
+        dlg.m_onDestroy = [&] { dlg.GetWindowRect(rect); };
+        EXPECT_EQ(RunModal(dlg), IDOK);
         return rect;
     };
-    const CRect rectCentered = open(dwPlain, [](CFormDlg&) {});
-    EXPECT_LE(std::abs(rectCentered.CenterPoint().x - rectHost.CenterPoint().x), 1);
-    EXPECT_LE(std::abs(rectCentered.CenterPoint().y - rectHost.CenterPoint().y), 1);
-    const CRect rectAtOrigin = open(dwPlain, [](CFormDlg& dlg) {
-        dlg.SetWindowPos(nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-    });
-    EXPECT_EQ(rectAtOrigin.TopLeft(), CPoint(0, 0));
-    const CRect rectSmaller = open(dwPlain, [](CFormDlg& dlg) {
-        dlg.SetWindowPos(nullptr, 0, 0, 50, 40, SWP_NOMOVE | SWP_NOZORDER);
-    });
-    EXPECT_LE(std::abs(rectSmaller.CenterPoint().x - rectHost.CenterPoint().x), 1);
-    const CRect rectMoved = open(dwPlain, [](CFormDlg& dlg) {
-        dlg.SetWindowPos(nullptr, 5, 6, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-    });
-    EXPECT_EQ(rectMoved.TopLeft(), CPoint(5, 6));
-    EXPECT_EQ(open(dwPlain | DS_ABSALIGN, [](CFormDlg&) {}).TopLeft(), CPoint(0, 0));
+    CRect rectHost;
+    m_host.GetWindowRect(rectHost);
+    const auto isCentered = [&](const CRect& rect) {
+        const CPoint is = rect.CenterPoint();
+        const CPoint wanted = rectHost.CenterPoint();
+        return std::abs(is.x - wanted.x) <= 1 && std::abs(is.y - wanted.y) <= 1;
+    };
+    EXPECT_TRUE(isCentered(place(dwPlain, {}, SWP_NOSIZE | SWP_NOMOVE)));
+    EXPECT_TRUE(isCentered(place(dwPlain, {0, 0, 50, 40}, SWP_NOMOVE)));
+    EXPECT_EQ(place(dwPlain, {}, SWP_NOSIZE).TopLeft(), CPoint(0, 0));
+    EXPECT_EQ(place(dwPlain, {5, 6, 0, 0}, SWP_NOSIZE).TopLeft(), CPoint(5, 6));
+    EXPECT_EQ(place(dwPlain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE).TopLeft(), CPoint(0, 0));
 }
 
-TEST(DialogTest, ThousandDialogsLeaveNothing) {
-    CHostWnd host;
-    const auto open = [&host] {
-        CFormDlg dlg(&host);
+TEST_F(DialogTest, ThousandDialogsLeaveNothing) {
+    ExpectRoundsKeepNothing(20, 1000, [this](int) {
+        CFormDlg dlg(&m_host);
         CWnd edit;
         dlg.m_onInit = [&] {
             edit.SubclassDlgItem(kFormEdit, &dlg);
             dlg.PostMessage(WM_COMMAND, IDOK);
         };
-        return dlg.DoModal();
-    };
-    for (int i = 0; i < 20; ++i)
-        ASSERT_EQ(open(), IDOK);
-    const auto before = ResourceCounts::Now();
-    const DWORD dwUser = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    const DWORD dwGdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    for (int i = 0; i < 1000; ++i)
-        ASSERT_EQ(open(), IDOK);
-    ExpectNoGrowth(before, ResourceCounts::Now());
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), dwUser);
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), dwGdi);
+        EXPECT_EQ(dlg.DoModal(), IDOK);
+    });
 }
 
 }  // namespace

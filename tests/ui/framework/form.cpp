@@ -6,7 +6,6 @@ namespace mvp::test {
 
 BEGIN_MESSAGE_MAP(CFormDlg, CDialog)
     ON_BN_CLICKED(kFormButton, &CFormDlg::OnButton)
-    ON_MESSAGE(kFormAsk, &CFormDlg::OnAsk)
     ON_WM_DESTROY()
 END_MESSAGE_MAP()
 
@@ -29,11 +28,6 @@ void CFormDlg::OnButton() {
     // The dialog, and the function object in it, may go meanwhile.
     if (const auto onButton = m_onButton)
         onButton();
-}
-
-LRESULT CFormDlg::OnAsk(WPARAM wParam, LPARAM) {
-    const auto onAsk = m_onAsk;
-    return onAsk ? onAsk(wParam) : 0;
 }
 
 void CFormDlg::OnDestroy() {

@@ -1,5 +1,5 @@
-// The dialog that these tests open: an edit, OK and Cancel, and what each test does in its
-// handlers.
+// The dialog that these tests open: an edit, a button, OK and Cancel, and what each test does in
+// its handlers.
 #pragma once
 
 #include <functional>
@@ -12,31 +12,23 @@ namespace mvp::test {
 
 constexpr int kFormEdit = 1001;
 constexpr int kFormButton = 1002;
-constexpr UINT kFormAsk = WM_APP + 7;
 
 class CFormDlg : public CDialog {
 public:
     explicit CFormDlg(CWnd* pParent = nullptr, DWORD dwStyle = DialogTemplate::kPopup);
 
-    // Called from the handlers of the same names, where set.
+    // Called at the messages of these names, where set.
     std::function<void()> m_onInit;
     std::function<void()> m_onButton;
-    std::function<LRESULT(WPARAM)> m_onAsk;  // kFormAsk
     std::function<void()> m_onDestroy;
     std::function<bool(MSG*)> m_onPreTranslate;
 
-    using CDialog::CreateModalWindow;
-    using CDialog::m_nModalResult;
-
     BOOL PreTranslateMessage(MSG* pMsg) override;
-    // Modeless.
-    BOOL Open(CWnd* pParent) { return CreateIndirect(m_template.Get(), pParent); }
-    DialogTemplate& Template() { return m_template; }
+    BOOL Open(CWnd* pParent) { return CreateIndirect(m_template.Get(), pParent); }  // modeless
 
 protected:
     BOOL OnInitDialog() override;
     afx_msg void OnButton();
-    afx_msg LRESULT OnAsk(WPARAM wParam, LPARAM lParam);
     afx_msg void OnDestroy();
     DECLARE_MESSAGE_MAP()
 

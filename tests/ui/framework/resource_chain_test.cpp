@@ -15,10 +15,6 @@ namespace {
 
 class ResourceChainTest : public testing::Test {
 protected:
-    ResourceChainTest() : m_a(LoadLibraryA("chain_a.dll")), m_b(LoadLibraryA("chain_b.dll")) {
-        EXPECT_TRUE(m_a);
-        EXPECT_TRUE(m_b);
-    }
     ~ResourceChainTest() override {
         AfxTermExtensionModule(m_stateA);
         AfxTermExtensionModule(m_stateB);
@@ -38,8 +34,8 @@ protected:
     void LinkA() { Link(m_stateA, m_a); }
     void LinkB() { Link(m_stateB, m_b); }
 
-    ModuleHandle m_a;
-    ModuleHandle m_b;
+    const ModuleHandle m_a{LoadLibraryA("chain_a.dll")};
+    const ModuleHandle m_b{LoadLibraryA("chain_b.dll")};
     AFX_EXTENSION_MODULE m_stateA;
     AFX_EXTENSION_MODULE m_stateB;
 };
@@ -54,6 +50,10 @@ TEST_F(ResourceChainTest, LinksAreSearchedNewestFirstAfterTheCurrentHandle) {
     EXPECT_EQ(String(100), "from B");
     EXPECT_EQ(String(101), "only in A");  // B has others of the same block
     EXPECT_EQ(String(103), "unchanged");
+    CString str;
+    EXPECT_TRUE(str.LoadString(m_a.get(), 100));
+    EXPECT_FALSE(str.LoadString(m_b.get(), 101));
+    EXPECT_STREQ(str, "from A");
     AfxSetResourceHandle(m_a.get());
     EXPECT_EQ(AfxGetResourceHandle(), m_a.get());
     EXPECT_EQ(String(100), "from A");
@@ -85,15 +85,6 @@ TEST_F(ResourceChainTest, ModuleMayNameAnotherOneForItsResources) {
     EXPECT_EQ(String(101), "unchanged");
 }
 
-TEST_F(ResourceChainTest, StringsAreLoadedByNumber) {
-    LinkA();
-    CString str;
-    EXPECT_TRUE(str.LoadString(m_b.get(), 100));
-    EXPECT_STREQ(str, "from B");
-    EXPECT_FALSE(str.LoadString(m_b.get(), 101));
-    EXPECT_STREQ(str, "from B");
-}
-
 TEST_F(ResourceChainTest, DialogsAndBitmapsComeFromTheChain) {
     LinkA();
     LinkB();
@@ -104,13 +95,11 @@ TEST_F(ResourceChainTest, DialogsAndBitmapsComeFromTheChain) {
     EXPECT_EQ(size.bmWidth, 1);
     EXPECT_FALSE(bitmap.LoadBitmap(301u));
 
-    CDialog extended(200u);
-    CDialog plain(201u);
-    DialogDriver driver(
-        Step(Titled("Dialog of A"), [](Dialog& dialog) { dialog.Click(IDOK); }),
-        Step(Titled("Plain dialog of A"), [](Dialog& dialog) { dialog.Click(IDOK); }));
-    EXPECT_EQ(extended.DoModal(), IDOK);
-    EXPECT_EQ(plain.DoModal(), IDOK);
+    const Script pressOk = [](Dialog& dialog) { dialog.Click(IDOK); };
+    DialogDriver driver(Step(Titled("Dialog of A"), pressOk),
+                        Step(Titled("Plain dialog of A"), pressOk));
+    EXPECT_EQ(CDialog(200u).DoModal(), IDOK);
+    EXPECT_EQ(CDialog(201u).DoModal(), IDOK);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <dlgfw/string.h>
 #include <gtest/gtest.h>
@@ -16,39 +15,34 @@ namespace {
 
 const char kSecret[] = "1234-abcd-5678";
 
+using String = std::optional<CString>;
 struct Change {
     const char* name;
-    std::function<void(std::optional<CString>&)> apply;
-};
-
-// Each makes the string give up its storage.
-const Change kReleases[] = {
-    {"destructor", [](auto& s) { s.reset(); }},
-    {"Empty", [](auto& s) { s->Empty(); }},
-    {"assignment of nothing", [](auto& s) { *s = ""; }},
-    {"assignment of a longer text", [](auto& s) { *s = CString('x', 100); }},
-    {"move assignment", [](auto& s) { *s = CString("y"); }},
-    {"growth by appending", [](auto& s) { *s += CString('x', 100); }},
-    {"growth by appending itself",
-     [](auto& s) {
-         for (int i = 0; i < 4; ++i)
-             *s += *s;
-     }},
-    {"growth of the buffer", [](auto& s) { s->GetBuffer(1000); }},
-    {"Format", [](auto& s) { s->Format("%d", 5); }},
-    {"Replace", [](auto& s) { s->Replace("1234", "4321"); }},
+    std::function<void(String&)> apply;
 };
 
 TEST(StringTest, StorageIsZeroWhenItIsReleased) {
+    const Change releases[] = {
+        {"destructor", [](String& s) { s.reset(); }},
+        {"Empty", [](String& s) { s->Empty(); }},
+        {"assignment of nothing", [](String& s) { *s = ""; }},
+        {"assignment of a longer text", [](String& s) { *s = CString('x', 100); }},
+        {"move assignment", [](String& s) { *s = CString("y"); }},
+        {"growth by appending", [](String& s) { *s += CString('x', 100); }},
+        {"growth by appending itself", [](String& s) { *s += *s, *s += *s, *s += *s, *s += *s; }},
+        {"growth of the buffer", [](String& s) { s->GetBuffer(1000); }},
+        {"Format", [](String& s) { s->Format("%d", 5); }},
+        {"Replace", [](String& s) { s->Replace("1234", "4321"); }},
+    };
     const char* pStorage = nullptr;
     std::optional<size_t> dirty;
     const FreedBlocks freed({"dlgfw.dll"}, [&](const void* p, size_t nBytes) {
         if (p == pStorage)
             dirty = DirtyBytes(p, nBytes);
     });
-    for (const Change& change : kReleases) {
+    for (const Change& change : releases) {
         SCOPED_TRACE(change.name);
-        std::optional<CString> s(kSecret);
+        String s(kSecret);
         pStorage = s->GetString();
         dirty.reset();
         change.apply(s);
@@ -56,40 +50,28 @@ TEST(StringTest, StorageIsZeroWhenItIsReleased) {
     }
 }
 
-// Each shortens the text within its storage.
-const Change kCuts[] = {
-    {"assignment of a shorter text", [](auto& s) { *s = "12"; }},
-    {"assignment of its own part", [](auto& s) { *s = s->GetString() + 10; }},
-    {"Truncate", [](auto& s) { s->Truncate(3); }},
-    {"Remove", [](auto& s) { s->Remove('-'); }},
-    {"TrimRight",
-     [](auto& s) {
-         s->Replace('8', ' ');
-         s->TrimRight();
-     }},
-    {"TrimLeft",
-     [](auto& s) {
-         s->Replace('1', ' ');
-         s->TrimLeft();
-     }},
-    {"ReleaseBuffer of a length", [](auto& s) { s->ReleaseBuffer(4); }},
-    {"ReleaseBuffer at a terminator",
-     [](auto& s) {
-         s->GetBuffer()[4] = '\0';
-         s->ReleaseBuffer();
-     }},
-};
-
-TEST(StringTest, StorageBehindTheTextIsZero) {
-    for (const Change& change : kCuts) {
+TEST(StringTest, StorageBehindAShortenedTextIsZero) {
+    const Change cuts[] = {
+        {"assignment of a shorter text", [](String& s) { *s = "12"; }},
+        {"assignment of its own part", [](String& s) { *s = s->GetString() + 10; }},
+        {"Truncate", [](String& s) { s->Truncate(3); }},
+        {"Remove", [](String& s) { s->Remove('-'); }},
+        {"TrimRight", [](String& s) { s->Replace('8', ' '), s->TrimRight(); }},
+        {"TrimLeft", [](String& s) { s->Replace('1', ' '), s->TrimLeft(); }},
+        {"ReleaseBuffer of a length", [](String& s) { s->ReleaseBuffer(4); }},
+        {"ReleaseBuffer at a terminator",
+         [](String& s) { s->GetBuffer()[4] = '\0', s->ReleaseBuffer(); }},
+    };
+    for (const Change& change : cuts) {
         SCOPED_TRACE(change.name);
-        std::optional<CString> s(kSecret);
+        String s(kSecret);
         const char* p = s->GetString();
         change.apply(s);
         ASSERT_EQ(s->GetString(), p);
         ASSERT_LT(s->GetLength(), static_cast<int>(sizeof(kSecret)) - 1);
-        EXPECT_TRUE(std::all_of(p + s->GetLength(), p + s->GetAllocLength() + 1,
-                                [](char ch) { return ch == '\0'; }));
+        EXPECT_EQ(DirtyBytes(p + s->GetLength(),
+                             static_cast<size_t>(s->GetAllocLength() - s->GetLength()) + 1),
+                  0u);
     }
 }
 
@@ -113,10 +95,7 @@ TEST(StringTest, StorageIsNeverShared) {
 
 TEST(StringTest, PositionsOutOfRangeAreClipped) {
     const CString s("abcdef");
-    struct {
-        CString result;
-        const char* expected;
-    } const cases[] = {
+    const std::pair<CString, const char*> cases[] = {
         {s.Mid(2), "cdef"},
         {s.Mid(2, 2), "cd"},
         {s.Mid(-3, 2), "ab"},
@@ -133,8 +112,8 @@ TEST(StringTest, PositionsOutOfRangeAreClipped) {
         {CString(nullptr, 5), ""},
         {CString('z', -1), ""},
     };
-    for (const auto& c : cases)
-        EXPECT_STREQ(c.result, c.expected);
+    for (const auto& [result, expected] : cases)
+        EXPECT_STREQ(result, expected);
 
     CString t("ab");
     EXPECT_EQ(t.GetAt(2), '\0');
@@ -145,7 +124,7 @@ TEST(StringTest, PositionsOutOfRangeAreClipped) {
     EXPECT_LE(t.GetLength(), t.GetAllocLength());
 }
 
-TEST(StringTest, FindsAndReplaces) {
+TEST(StringTest, FindsReplacesAndCompares) {
     CString s("one two two");
     EXPECT_EQ(s.Find('t'), 4);
     EXPECT_EQ(s.Find('t', 5), 8);
@@ -163,10 +142,8 @@ TEST(StringTest, FindsAndReplaces) {
     EXPECT_STREQ(s, "0ne");
     EXPECT_STREQ(CString("\t a b\r\n").Trim(), "a b");
     EXPECT_STREQ(CString("   ").Trim(), "");
-}
 
-TEST(StringTest, ComparesBytesOrWithoutRegardToCase) {
-    const CString s("Reader");
+    s = "Reader";
     EXPECT_TRUE(s == "Reader" && "Reader" == s && s != "reader" && s == CString("Reader"));
     EXPECT_EQ(s.CompareNoCase("rEADER"), 0);
     EXPECT_NE(s.CompareNoCase("readers"), 0);
@@ -175,7 +152,7 @@ TEST(StringTest, ComparesBytesOrWithoutRegardToCase) {
     EXPECT_STREQ(CString("a\xE9z").MakeUpper(), "A\xC9Z");
 }
 
-TEST(StringTest, Formats) {
+TEST(StringTest, FormatsAndJoins) {
     CString s;
     s.Format("%d of %s: %5.2f %08X", 3, "ten", 2.5, 0xABCDu);
     EXPECT_STREQ(s, "3 of ten:  2.50 0000ABCD");
@@ -186,12 +163,9 @@ TEST(StringTest, Formats) {
     EXPECT_EQ(s.GetLength(), 5000);
     s.Format("%s", "");
     EXPECT_TRUE(s.IsEmpty());
-}
 
-TEST(StringTest, JoinsTexts) {
     const CString a("a");
     EXPECT_STREQ("x" + a + a + "b", "xaab");
-    CString s;
     for (int i = 0; i < 1000; ++i)
         s += 'z';
     EXPECT_EQ(s, std::string(1000, 'z').c_str());

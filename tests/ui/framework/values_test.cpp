@@ -12,14 +12,8 @@ namespace mvp::test {
 namespace {
 
 TEST(TimeTest, TellsTheLocalDate) {
-    struct tm fields = {};
-    fields.tm_year = 124;
-    fields.tm_mon = 1;
-    fields.tm_mday = 29;
-    fields.tm_hour = 23;
-    fields.tm_isdst = -1;
-    const CTime time(_mktime64(&fields));
-    EXPECT_STREQ(time.Format("%m/%d/%y %H:%M:%S"), "02/29/24 23:00:00");
+    struct tm fields = {0, 0, 23, 29, 1, 124, 0, 0, -1};
+    EXPECT_STREQ(CTime(_mktime64(&fields)).Format("%m/%d/%y %H:%M:%S"), "02/29/24 23:00:00");
     EXPECT_STREQ(CTime(4102531200).Format("%Y"), "2100");  // beyond 32 bits of seconds
     EXPECT_TRUE(CTime(5) < CTime(6) && CTime(6) > CTime(5) && CTime(5) != CTime(6));
     for (const __time64_t none : {__time64_t{-1}, std::numeric_limits<__time64_t>::min(),

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <dlgfw/controls.h>
@@ -25,33 +26,31 @@ UINT g_nRegistered = 0;  // not registered yet
 // Writes down what happens to it, in order.
 class CProbeWnd : public CWnd {
 public:
-    explicit CProbeWnd(std::vector<std::string>* pLog = nullptr) : m_pLog(pLog) {}
-
-    BOOL CreatePopup(DWORD dwStyle = WS_POPUP) {
-        return CreateEx(0, nullptr, "probe", dwStyle, kPlace, nullptr, 0);
+    BOOL CreatePopup(LPCSTR lpszClass = nullptr) {
+        return CreateEx(0, lpszClass, "probe", WS_POPUP, kPlace, nullptr, 0);
     }
-    // Runs in the handler of kAsk.
-    std::function<LRESULT()> m_onAsk;
-    bool m_bRefuse = false;
-    bool m_bThrow = false;
+    std::vector<std::string> m_log;
+    std::function<LRESULT()> m_onAsk;  // runs in the handler of kAsk
+    std::function<int()> m_onCreate = [] { return 0; };
 
 protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
         if (std::exchange(m_bFirst, false))
-            Log(m_hWnd != nullptr && FromHandlePermanent(m_hWnd) == this ? "bound" : "unbound");
+            m_log.emplace_back(FromHandlePermanent(m_hWnd) == this ? "bound" : "unbound");
         return CWnd::WindowProc(message, wParam, lParam);
     }
-    void PreSubclassWindow() override { Log("presubclass"); }
-    void PostNcDestroy() override { Log(m_hWnd == nullptr ? "postncdestroy" : "still bound"); }
+    void PreSubclassWindow() override { m_log.emplace_back("presubclass"); }
+    void PostNcDestroy() override {
+        m_log.emplace_back(m_hWnd == nullptr ? "postncdestroy" : "still bound");
+    }
 
     afx_msg int OnCreate(LPCREATESTRUCT lpCreateStruct) {
-        Log("create");
-        if (m_bThrow)
-            throw 5;
-        return m_bRefuse ? -1 : CWnd::OnCreate(lpCreateStruct);
+        m_log.emplace_back("create");
+        const int nResult = m_onCreate();
+        return nResult != 0 ? nResult : CWnd::OnCreate(lpCreateStruct);
     }
     afx_msg void OnDestroy() {
-        Log("destroy");
+        m_log.emplace_back("destroy");
         CWnd::OnDestroy();
     }
     afx_msg LRESULT OnAsk(WPARAM, LPARAM) {
@@ -62,14 +61,11 @@ protected:
         return static_cast<LRESULT>(wParam) + lParam;
     }
     afx_msg void OnPaint() { throw std::string("no painting"); }
+    afx_msg void OnChange() { m_log.emplace_back("change"); }
+    afx_msg void OnMenu() { m_log.emplace_back("menu"); }
     DECLARE_MESSAGE_MAP()
 
 private:
-    void Log(const char* event) {
-        if (m_pLog != nullptr)
-            m_pLog->push_back(event);
-    }
-    std::vector<std::string>* m_pLog;
     bool m_bFirst = true;
 };
 
@@ -79,11 +75,16 @@ BEGIN_MESSAGE_MAP(CProbeWnd, CWnd)
     ON_WM_PAINT()
     ON_MESSAGE(kAsk, &CProbeWnd::OnAsk)
     ON_REGISTERED_MESSAGE(g_nRegistered, &CProbeWnd::OnRegistered)
+    ON_EN_CHANGE(5, &CProbeWnd::OnChange)
+    ON_COMMAND(101, &CProbeWnd::OnMenu)
 END_MESSAGE_MAP()
 
+int Refuse() {
+    return -1;
+}
+
 TEST(WindowTest, ObjectIsBoundFromTheFirstToTheLastMessage) {
-    std::vector<std::string> log;
-    CProbeWnd wnd(&log);
+    CProbeWnd wnd;
     ASSERT_TRUE(wnd.CreatePopup());
     HWND hWnd = wnd.m_hWnd;
     EXPECT_EQ(CWnd::FromHandle(hWnd), &wnd);
@@ -91,34 +92,31 @@ TEST(WindowTest, ObjectIsBoundFromTheFirstToTheLastMessage) {
     EXPECT_EQ(wnd.m_hWnd, nullptr);
     EXPECT_EQ(CWnd::FromHandlePermanent(hWnd), nullptr);
     EXPECT_FALSE(wnd.DestroyWindow());
-    EXPECT_THAT(log, ElementsAre("presubclass", "bound", "create", "destroy", "postncdestroy"));
+    EXPECT_THAT(wnd.m_log,
+                ElementsAre("presubclass", "bound", "create", "destroy", "postncdestroy"));
 }
 
 TEST(WindowTest, FailedCreationLeavesNothingAndTellsTheObjectOnce) {
-    struct Refusing : CProbeWnd {
-        using CProbeWnd::CProbeWnd;
+    struct Unprepared : CProbeWnd {
         BOOL PreCreateWindow(CREATESTRUCTA&) override { return FALSE; }
     };
-    std::vector<std::string> log;
-    const auto fails = [&](CProbeWnd& wnd, LPCSTR lpszClass) {
-        log.clear();
-        return !wnd.CreateEx(0, lpszClass, "", WS_POPUP, kPlace, nullptr, 0) &&
-               wnd.m_hWnd == nullptr && std::count(log.begin(), log.end(), "postncdestroy") == 1;
-    };
     const auto before = ResourceCounts::Now();
-    CProbeWnd refusing(&log);
-    refusing.m_bRefuse = true;
-    EXPECT_TRUE(fails(refusing, nullptr));
-    CProbeWnd throwing(&log);
-    throwing.m_bThrow = true;
-    EXPECT_TRUE(fails(throwing, nullptr));
-    CProbeWnd classless(&log);
-    EXPECT_TRUE(fails(classless, "no such class"));
-    Refusing before_creation(&log);
-    EXPECT_TRUE(fails(before_creation, nullptr));
+    const auto expectFailure = [](CProbeWnd& wnd, LPCSTR lpszClass = nullptr) {
+        EXPECT_FALSE(wnd.CreatePopup(lpszClass));
+        EXPECT_EQ(wnd.m_hWnd, nullptr);
+        EXPECT_EQ(std::count(wnd.m_log.begin(), wnd.m_log.end(), "postncdestroy"), 1);
+    };
+    CProbeWnd refusing;
+    refusing.m_onCreate = Refuse;
+    expectFailure(refusing);
+    CProbeWnd throwing;
+    throwing.m_onCreate = []() -> int { throw 5; };
+    expectFailure(throwing);
+    Unprepared unprepared;
+    expectFailure(unprepared);
+    CProbeWnd classless;
+    expectFailure(classless, "no such class");
     EXPECT_EQ(ResourceCounts::Now().windows, before.windows);
-
-    classless.m_bRefuse = false;
     EXPECT_TRUE(classless.CreatePopup());  // it can be tried again
 }
 
@@ -131,6 +129,17 @@ TEST(WindowTest, DeletingTheObjectDestroysItsWindow) {
     pWnd.reset();
     EXPECT_FALSE(IsWindow(hWnd));
     EXPECT_EQ(label.m_hWnd, nullptr);  // it went with its parent
+
+    // In its handler: then it is not touched again.
+    auto* pOwn = new CProbeWnd;
+    ASSERT_TRUE(pOwn->CreatePopup());
+    pOwn->m_onAsk = [pOwn] {
+        delete pOwn;
+        return LRESULT{7};
+    };
+    hWnd = pOwn->m_hWnd;
+    EXPECT_EQ(SendMessageA(hWnd, kAsk, 0, 0), 7);
+    EXPECT_FALSE(IsWindow(hWnd));
 }
 
 TEST(WindowTest, ObjectMayDeleteItselfWhenItsWindowGoes) {
@@ -148,80 +157,67 @@ TEST(WindowTest, ObjectMayDeleteItselfWhenItsWindowGoes) {
     EXPECT_EQ(nDeleted, 1);
 
     pWnd = new Own(nDeleted);
-    pWnd->m_bRefuse = true;
+    pWnd->m_onCreate = Refuse;
     EXPECT_FALSE(pWnd->CreatePopup());
     EXPECT_EQ(nDeleted, 2);
 }
 
-TEST(WindowTest, ObjectDeletedInItsHandlerIsNotTouchedAgain) {
-    auto* pWnd = new CProbeWnd;
-    ASSERT_TRUE(pWnd->CreatePopup());
-    pWnd->m_onAsk = [pWnd] {
-        delete pWnd;
-        return LRESULT{7};
-    };
-    HWND hWnd = pWnd->m_hWnd;
-    EXPECT_EQ(SendMessageA(hWnd, kAsk, 0, 0), 7);
-    EXPECT_FALSE(IsWindow(hWnd));
-}
+// What most tests begin with.
+class OpenWindow : public testing::Test {
+protected:
+    OpenWindow() { EXPECT_TRUE(m_wnd.CreatePopup()); }
+    CProbeWnd m_wnd;
+};
 
-UINT g_nReported = 0;
-
-TEST(WindowTest, ExceptionEndsAtTheWindowProcedure) {
-    const auto pfnOld = AfxSetExceptionReporter([](UINT message) { g_nReported = message; });
-    CProbeWnd wnd;
-    ASSERT_TRUE(wnd.CreatePopup());
-    wnd.m_onAsk = []() -> LRESULT { throw std::runtime_error("no"); };
-    EXPECT_EQ(wnd.SendMessage(kAsk), 0);
-    EXPECT_EQ(g_nReported, kAsk);
-    wnd.m_onAsk = [] { return LRESULT{3}; };
-    EXPECT_EQ(wnd.SendMessage(kAsk), 3);
+TEST_F(OpenWindow, ExceptionEndsAtTheWindowProcedure) {
+    static UINT nReported = 0;
+    const auto pfnOld = AfxSetExceptionReporter([](UINT message) { nReported = message; });
+    m_wnd.m_onAsk = []() -> LRESULT { throw std::runtime_error("no"); };
+    EXPECT_EQ(m_wnd.SendMessage(kAsk), 0);
+    EXPECT_EQ(nReported, kAsk);
+    m_wnd.m_onAsk = [] { return LRESULT{3}; };
+    EXPECT_EQ(m_wnd.SendMessage(kAsk), 3);
 
     // Painting that fails is not asked for again and again.
-    wnd.ShowWindow(SW_SHOWNA);
-    wnd.Invalidate();
-    wnd.UpdateWindow();
-    EXPECT_EQ(g_nReported, UINT{WM_PAINT});
-    EXPECT_FALSE(GetUpdateRect(wnd, nullptr, FALSE));
+    m_wnd.ShowWindow(SW_SHOWNA);
+    m_wnd.Invalidate();
+    m_wnd.UpdateWindow();
+    EXPECT_EQ(nReported, UINT{WM_PAINT});
+    EXPECT_FALSE(GetUpdateRect(m_wnd, nullptr, FALSE));
     EXPECT_NE(AfxSetExceptionReporter(pfnOld), pfnOld);
 }
 
-TEST(WindowTest, RegisteredMessagesAreReadWhenTheyCome) {
-    CProbeWnd wnd;
-    ASSERT_TRUE(wnd.CreatePopup());
+TEST_F(OpenWindow, RegisteredMessagesAreReadWhenTheyCome) {
     g_nRegistered = 0;
-    EXPECT_EQ(wnd.SendMessage(WM_NULL, 1, 2), 0);  // an empty variable answers nothing
+    EXPECT_EQ(m_wnd.SendMessage(WM_NULL, 1, 2), 0);  // an empty variable answers nothing
     g_nRegistered = RegisterWindowMessageA("dlgfw test message");
-    EXPECT_EQ(wnd.SendMessage(g_nRegistered, 1, 2), 3);
+    EXPECT_EQ(m_wnd.SendMessage(g_nRegistered, 1, 2), 3);
 }
 
-TEST(WindowTest, PermanentObjectsAreThoseOfTheThread) {
-    CProbeWnd wnd;
-    ASSERT_TRUE(wnd.CreatePopup());
-    CWnd* pSeen = &wnd;
+TEST_F(OpenWindow, PermanentObjectsAreThoseOfTheThread) {
+    CWnd* pSeen = &m_wnd;
     HWND hSeen = nullptr;
+    CWnd second;
     std::thread([&] {
-        pSeen = CWnd::FromHandlePermanent(wnd.m_hWnd);
-        hSeen = CWnd::FromHandle(wnd.m_hWnd)->m_hWnd;
+        pSeen = CWnd::FromHandlePermanent(m_wnd.m_hWnd);
+        hSeen = CWnd::FromHandle(m_wnd.m_hWnd)->m_hWnd;
+        EXPECT_FALSE(second.SubclassWindow(m_wnd.m_hWnd));
     }).join();
     EXPECT_EQ(pSeen, nullptr);
-    EXPECT_EQ(hSeen, wnd.m_hWnd);
-    CWnd second;
-    EXPECT_FALSE(second.Attach(wnd.m_hWnd));
+    EXPECT_EQ(hSeen, m_wnd.m_hWnd);
+    EXPECT_FALSE(second.Attach(m_wnd.m_hWnd));
     EXPECT_FALSE(second.Attach(nullptr));
     EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
 }
 
-TEST(WindowTest, TemporariesLastUntilTheThreadIsIdle) {
-    CProbeWnd wnd;
-    ASSERT_TRUE(wnd.CreatePopup());
+TEST_F(OpenWindow, TemporariesLastUntilTheThreadIsIdle) {
     HWND hDesktop = GetDesktopWindow();
     CWnd* pOuter = CWnd::FromHandle(hDesktop);  // made outside of any handler
     EXPECT_EQ(CWnd::FromHandlePermanent(hDesktop), nullptr);
 
     // Temporaries ask nothing of their handles, so made-up ones will do.
     ULONG_PTR nNext = 0x10000;
-    wnd.m_onAsk = [&] {
+    m_wnd.m_onAsk = [&] {
         for (int i = 0; i < 50; ++i) {
             auto* hMadeUp = reinterpret_cast<HWND>(nNext += 2);
             CWnd* pFirst = CWnd::FromHandle(hMadeUp);
@@ -230,11 +226,7 @@ TEST(WindowTest, TemporariesLastUntilTheThreadIsIdle) {
         }
         return 0;
     };
-    wnd.SendMessage(kAsk);
-    const auto before = ResourceCounts::Now();
-    for (int i = 0; i < 100; ++i)
-        wnd.SendMessage(kAsk);
-    EXPECT_LE(ResourceCounts::Now().heapBlocks, before.heapBlocks + 5);
+    ExpectRoundsKeepNothing(1, 100, [&](int) { m_wnd.SendMessage(kAsk); }, {.heapBlocks = 5});
     // What was made before the handlers ran is not theirs to lose.
     EXPECT_EQ(CWnd::FromHandle(hDesktop), pOuter);
     EXPECT_EQ(pOuter->m_hWnd, hDesktop);
@@ -265,51 +257,31 @@ BEGIN_MESSAGE_MAP(CDigitEdit, CEdit)
     ON_MESSAGE(WM_CHAR, &CDigitEdit::OnChar)
 END_MESSAGE_MAP()
 
-class CParentWnd : public CProbeWnd {
-public:
-    std::vector<UINT> m_calls;
-
+// With an edit in the window.
+class Family : public OpenWindow {
 protected:
-    afx_msg void OnChange() { m_calls.push_back(EN_CHANGE); }
-    afx_msg void OnMenu() { m_calls.push_back(WM_COMMAND); }
-    DECLARE_MESSAGE_MAP()
+    const HWND m_hEdit = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 20, m_wnd,
+                                         reinterpret_cast<HMENU>(5), nullptr, nullptr);
 };
 
-BEGIN_MESSAGE_MAP(CParentWnd, CProbeWnd)
-    ON_EN_CHANGE(5, &CParentWnd::OnChange)
-    ON_COMMAND(101, &CParentWnd::OnMenu)
-END_MESSAGE_MAP()
-
-struct Family {
-    Family() {
-        EXPECT_TRUE(parent.CreatePopup());
-        hEdit = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 20, parent,
-                                reinterpret_cast<HMENU>(5), nullptr, nullptr);
-    }
-    CParentWnd parent;
-    HWND hEdit;
-};
-
-TEST(WindowTest, SubclassedControlAnswersFirst) {
-    Family family;
+TEST_F(Family, SubclassedControlAnswersFirst) {
     CDigitEdit edit;
-    EXPECT_FALSE(edit.SubclassDlgItem(6, &family.parent));
-    ASSERT_TRUE(edit.SubclassDlgItem(5, &family.parent));
+    EXPECT_FALSE(edit.SubclassDlgItem(6, &m_wnd));
+    ASSERT_TRUE(edit.SubclassDlgItem(5, &m_wnd));
     CDigitEdit second;
-    EXPECT_FALSE(second.SubclassWindow(family.hEdit));
-    EXPECT_EQ(family.parent.GetDlgItem(5), &edit);
+    EXPECT_FALSE(second.SubclassWindow(m_hEdit));
+    EXPECT_EQ(m_wnd.GetDlgItem(5), &edit);
     for (const char ch : {'1', 'x', '2'})
         edit.SendMessage(WM_CHAR, static_cast<WPARAM>(ch), 1);
     CString str;
-    EXPECT_EQ(family.parent.GetDlgItemText(5, str), 2);
+    EXPECT_EQ(m_wnd.GetDlgItemText(5, str), 2);
     EXPECT_STREQ(str, "12");
-    EXPECT_EQ(family.parent.GetDlgItemText(6, str), 0);
-    DestroyWindow(family.hEdit);
+    EXPECT_EQ(m_wnd.GetDlgItemText(6, str), 0);
+    DestroyWindow(m_hEdit);
     EXPECT_EQ(edit.m_hWnd, nullptr);
-    std::thread([&] { EXPECT_FALSE(second.SubclassWindow(family.parent.m_hWnd)); }).join();
 }
 
-TEST(WindowTest, SystemChangesReachTheObjectsBelowATopLevelWindow) {
+TEST_F(Family, SystemChangesReachTheObjectsBelowATopLevelWindow) {
     struct Listening : CStatic {
         LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
             m_nHeard += message == WM_SYSCOLORCHANGE || message == WM_SETTINGCHANGE ? 1 : 0;
@@ -317,32 +289,31 @@ TEST(WindowTest, SystemChangesReachTheObjectsBelowATopLevelWindow) {
         }
         int m_nHeard = 0;
     };
-    Family family;
     Listening panel;
-    ASSERT_TRUE(panel.Create("", WS_CHILD, kPlace, &family.parent));
+    ASSERT_TRUE(panel.Create("", WS_CHILD, kPlace, &m_wnd));
     Listening label;
     ASSERT_TRUE(label.Create("", WS_CHILD, kPlace, &panel));
-    family.parent.SendMessage(WM_SYSCOLORCHANGE);
-    family.parent.SendMessage(WM_SETTINGCHANGE);
+    m_wnd.SendMessage(WM_SYSCOLORCHANGE);
+    m_wnd.SendMessage(WM_SETTINGCHANGE);
     EXPECT_EQ(panel.m_nHeard, 2);
     EXPECT_EQ(label.m_nHeard, 2);
 }
 
-TEST(WindowTest, NotificationsGoToTheControlFirstAndThenToTheParent) {
-    Family family;
-    SetWindowTextA(family.hEdit, "a");
-    EXPECT_THAT(std::exchange(family.parent.m_calls, {}), ElementsAre(UINT{EN_CHANGE}));
+TEST_F(Family, NotificationsGoToTheControlFirstAndThenToTheParent) {
+    m_wnd.m_log.clear();
+    SetWindowTextA(m_hEdit, "a");
+    EXPECT_THAT(std::exchange(m_wnd.m_log, {}), ElementsAre("change"));
     CDigitEdit edit;
-    ASSERT_TRUE(edit.SubclassWindow(family.hEdit));
+    ASSERT_TRUE(edit.SubclassWindow(m_hEdit));
     edit.SetWindowText("b");
     EXPECT_EQ(edit.m_nChanges, 1);
-    EXPECT_TRUE(family.parent.m_calls.empty());
+    EXPECT_TRUE(m_wnd.m_log.empty());
 
     // Without a brush the colours are left to the parent's own answer.
     HDC hDC = GetDC(edit);
     const auto color = [&] {
-        return family.parent.SendMessage(WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(hDC),
-                                         reinterpret_cast<LPARAM>(edit.m_hWnd));
+        return m_wnd.SendMessage(WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(hDC),
+                                 reinterpret_cast<LPARAM>(edit.m_hWnd));
     };
     const LRESULT lStandard = color();
     edit.m_hBrush = static_cast<HBRUSH>(GetStockObject(DKGRAY_BRUSH));
@@ -350,10 +321,10 @@ TEST(WindowTest, NotificationsGoToTheControlFirstAndThenToTheParent) {
     EXPECT_NE(lStandard, reinterpret_cast<LRESULT>(edit.m_hBrush));
     ReleaseDC(edit, hDC);
 
-    family.parent.SendMessage(WM_COMMAND, 101);
-    family.parent.SendMessage(WM_COMMAND, 102);
-    EXPECT_EQ(family.parent.SendMessage(WM_NOTIFY, 5, 0), 0);  // a header is missing
-    EXPECT_THAT(family.parent.m_calls, ElementsAre(UINT{WM_COMMAND}));
+    m_wnd.SendMessage(WM_COMMAND, 101);
+    m_wnd.SendMessage(WM_COMMAND, 102);
+    EXPECT_EQ(m_wnd.SendMessage(WM_NOTIFY, 5, 0), 0);  // a header is missing
+    EXPECT_THAT(m_wnd.m_log, ElementsAre("menu"));
 }
 
 }  // namespace

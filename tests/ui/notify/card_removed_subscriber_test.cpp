@@ -20,6 +20,8 @@
 namespace mvp::test {
 namespace {
 
+using Texts = std::vector<std::string>;
+
 constexpr UINT kRemoved = WM_APP + 7;
 constexpr unsigned kIdleTimeout = 10'000;
 
@@ -37,8 +39,8 @@ int TakePosted() {
     return nCount;
 }
 
-std::vector<std::string> Lines(const LogRecorder& log) {
-    std::vector<std::string> lines;
+Texts Lines(const LogRecorder& log) {
+    Texts lines;
     for (const RecordedLine& line : log.Lines())
         lines.push_back(std::to_string(line.nLevel) + " " + line.strText);
     return lines;
@@ -78,8 +80,8 @@ TEST(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
     Remove("Reader A");
     ASSERT_EQ(threads.size(), 3U) << "none after the end";
     EXPECT_NE(threads[0], GetCurrentThreadId());
-    std::vector<std::string> expected = {"8 CCardRemoved::CCardRemoved() - contructor",
-                                         "16 CCardRemoved::CCardRemoved() - contructor"};
+    Texts expected = {"8 CCardRemoved::CCardRemoved() - contructor",
+                      "16 CCardRemoved::CCardRemoved() - contructor"};
     for (const bool bThrew : {false, true, false}) {
         expected.insert(expected.end(), {"8 CCardRemoved::HandleEvent",
                                          "2 CCardRemoved::HandleEvent: m_pPopupAlert->Hide "});
@@ -90,37 +92,29 @@ TEST(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
     expected.insert(expected.end(), {"8 CCardRemoved::~CCardRemoved() - destructor",
                                      "16 CCardRemoved::~CCardRemoved() - destructor"});
     EXPECT_EQ(Lines(log), expected);
-}
 
-TEST(CardRemovedOfAPopup, WithoutAPopupSaysSo) {
-    LogRecorder log;
     const CCardRemoved subscriber(nullptr);
     log.Clear();
     Remove("Reader A");
-    EXPECT_EQ(Lines(log), (std::vector<std::string>{
-                              "8 CCardRemoved::HandleEvent",
-                              "1 CCardRemoved::HandleEvent: m_pPopupAlert = NULL",
-                              "16 CCardRemoved::HandleEvent",
-                          }));
+    EXPECT_EQ(Lines(log), (Texts{"8 CCardRemoved::HandleEvent",
+                                 "1 CCardRemoved::HandleEvent: m_pPopupAlert = NULL",
+                                 "16 CCardRemoved::HandleEvent"}));
 }
 
 TEST(CardRemovedOfAPopup, UnsubscribesFirst) {
     LogRecorder log;
-    Popup popup([&] {
-        // Goes on only once the destructor waits for it.
-        EXPECT_TRUE(WaitFor(std::chrono::seconds(10), [&] {
-            return log.Contains(8, "CCardRemoved::~CCardRemoved() - destructor");
-        }));
-    });
+    const auto waitFor = [&](const char* pszEntry) {
+        EXPECT_TRUE(WaitFor(std::chrono::seconds(10), [&] { return log.Contains(8, pszEntry); }));
+    };
+    // Goes on only once the destructor waits for it.
+    Popup popup([&] { waitFor("CCardRemoved::~CCardRemoved() - destructor"); });
     auto subscriber = std::make_unique<CCardRemoved>(&popup);
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, ""), VKEVTSUB_OK);
-    EXPECT_TRUE(WaitFor(std::chrono::seconds(10),
-                        [&] { return log.Contains(8, "CCardRemoved::HandleEvent"); }));
+    waitFor("CCardRemoved::HandleEvent");
     subscriber.reset();
-    const std::vector<std::string> exits = log.Texts(16);
-    EXPECT_EQ(exits, (std::vector<std::string>{"CCardRemoved::CCardRemoved() - contructor",
-                                               "CCardRemoved::HandleEvent",
-                                               "CCardRemoved::~CCardRemoved() - destructor"}));
+    EXPECT_EQ(log.Texts(16),
+              (Texts{"CCardRemoved::CCardRemoved() - contructor", "CCardRemoved::HandleEvent",
+                     "CCardRemoved::~CCardRemoved() - destructor"}));
 }
 
 TEST(CardRemovedOfAWindow, IsPostedWhileTheWindowIsThere) {
@@ -140,24 +134,18 @@ TEST(CardRemovedOfAWindow, IsPostedWhileTheWindowIsThere) {
     Remove("Reader A");
     EXPECT_EQ(TakePosted(), 0);
     const char kHandled[] = "VKDelegateSubscriberCardRemoved::HandleEvent";
-    EXPECT_EQ(Lines(log), (std::vector<std::string>{std::string("8 ") + kHandled,
-                                                    std::string("16 ") + kHandled}));
+    EXPECT_EQ(Lines(log), (Texts{std::string("8 ") + kHandled, std::string("16 ") + kHandled}));
     ::operator delete(pStorage);
 }
 
-TEST(CardRemovedOfAWindow, IsNotPostedToAWindowOfAnotherThread) {
+TEST(CardRemovedOfAWindow, IsNotPostedWithoutATargetOrToAWindowOfAnotherThread) {
     // As when the target's thread has ended and its handle serves another thread's window.
     Window window;
     std::unique_ptr<VKDelegateSubscriberCardRemoved> subscriber;
     std::thread([&] {
         subscriber = std::make_unique<VKDelegateSubscriberCardRemoved>(&window, kRemoved, "");
     }).join();
-    Remove("Reader A");
-    EXPECT_EQ(TakePosted(), 0);
-}
-
-TEST(CardRemovedOfAWindow, LivesWithoutATarget) {
-    const VKDelegateSubscriberCardRemoved subscriber(nullptr, kRemoved, "");
+    const VKDelegateSubscriberCardRemoved targetless(nullptr, kRemoved, "");
     Remove("Reader A");
     EXPECT_EQ(TakePosted(), 0);
 }

@@ -4,78 +4,55 @@
 #include <windows.h>
 
 #include <array>
-#include <cstring>
 #include <functional>
-#include <thread>
 
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "common/thread_windows.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/handle.h"
+#include "platform/system_library.h"
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 
 namespace mvp::test {
 namespace {
 
-class Library {
-public:
-    Library() : m_module(LoadLibraryA("mvpingui.dll")) {}
+uint32_t AskForPin(HMODULE library) {
+    char* pPin = nullptr;
+    uint32_t cbPin = 0;
+    return FindFunction<decltype(&GetPINFromUser)>(library, "GetPINFromUser")(
+        nullptr, "Reader A", 0, 4, 8, &pPin, &cbPin);
+}
 
-    template <class Function>
-    Function* Get(const char* pszName) const {
-        return reinterpret_cast<Function*>(
-            reinterpret_cast<void*>(GetProcAddress(m_module.get(), pszName)));
-    }
-    void Free() { m_module.reset(); }
-
-    uint32_t AskForPin() const {
-        char* pPin = nullptr;
-        uint32_t cbPin = 0;
-        return Get<decltype(GetPINFromUser)>("GetPINFromUser")(nullptr, "Reader A", 0, 4, 8, &pPin,
-                                                               &cbPin);
-    }
-    uint32_t AskForNewPin() const {
-        std::array<char, 64> newPin{};
-        std::array<char, 64> oldPin{};
-        uint32_t cbNew = 0;
-        uint32_t cbOld = 0;
-        const PwdRuleArgs rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
-        return Get<decltype(GetChangePINInfoFromUser)>("GetChangePINInfoFromUser")(
-            &rules, 0, newPin.data(), &cbNew, oldPin.data(), &cbOld, "Reader A", nullptr, false);
-    }
-
-private:
-    ModuleHandle m_module;
-};
+uint32_t AskForNewPin(HMODULE library) {
+    std::array<char, 64> newPin{};
+    std::array<char, 64> oldPin{};
+    uint32_t cbNew = 0;
+    uint32_t cbOld = 0;
+    const PwdRuleArgs rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
+    return FindFunction<decltype(&GetChangePINInfoFromUser)>(library, "GetChangePINInfoFromUser")(
+        &rules, 0, newPin.data(), &cbNew, oldPin.data(), &cbOld, "Reader A", nullptr, false);
+}
 
 // Ends the thread as soon as its dialog shows.
 void CALLBACK EndThread(HWND, UINT, UINT_PTR, DWORD) {
-    BOOL bShown = FALSE;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND hWnd, LPARAM lShown) -> BOOL {
-            std::array<char, 16> className{};
-            GetClassNameA(hWnd, className.data(), static_cast<int>(className.size()));
-            if (IsWindowVisible(hWnd) && std::strcmp(className.data(), "#32770") == 0)
-                *reinterpret_cast<BOOL*>(lShown) = TRUE;
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&bShown));
-    if (bShown)
-        ExitThread(0);
+    for (HWND hWnd : VisibleWindows(GetCurrentThreadId()))
+        if (IsDialog(hWnd))
+            ExitThread(0);
 }
+
+using Ask = std::function<uint32_t()>;
 
 DWORD WINAPI AskAndEnd(void* pAsk) {
     SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &EndThread);
-    (*static_cast<const std::function<uint32_t()>*>(pAsk))();
+    (*static_cast<Ask*>(pAsk))();
     return 1;  // the dialog ended, not the thread
 }
 
-void EndUnderDialog(const std::function<uint32_t()>& ask) {
-    const KernelHandle thread(CreateThread(
-        nullptr, 0, &AskAndEnd, const_cast<std::function<uint32_t()>*>(&ask), 0, nullptr));
+void EndUnderDialog(Ask ask) {
+    const KernelHandle thread(CreateThread(nullptr, 0, &AskAndEnd, &ask, 0, nullptr));
     ASSERT_EQ(WaitForSingleObject(thread.get(), 20'000), WAIT_OBJECT_0);
     DWORD dwCode = 1;
     GetExitCodeThread(thread.get(), &dwCode);
@@ -89,19 +66,19 @@ void RemoveCard() {
 
 TEST(EndedThread, LeavesNothingThatTouchesItsStack) {
     LogRecorder log;
-    Library library;
-    EndUnderDialog([&] { return library.AskForPin(); });
+    ModuleHandle library(LoadLibraryA("mvpingui.dll"));
+    EndUnderDialog([&] { return AskForPin(library.get()); });
     RemoveCard();
-    EndUnderDialog([&] { return library.AskForNewPin(); });
+    EndUnderDialog([&] { return AskForNewPin(library.get()); });
     log.Clear();
     RemoveCard();
     EXPECT_EQ(std::ssize(log.Texts(16)), 2) << "both still hear of it: " << log.Dump();
     {
         // The panel that was left behind is nobody's answer.
         DialogDriver driver([](Dialog& d) { d.Escape(); });
-        EXPECT_EQ(library.AskForNewPin(), MVPINGUI_REFUSED);
+        EXPECT_EQ(AskForNewPin(library.get()), MVPINGUI_REFUSED);
     }
-    library.Free();
+    library.reset();
     RemoveCard();
 }
 

@@ -3,7 +3,8 @@
 #include <windows.h>
 #include <uxtheme.h>
 
-#include <cstdint>
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 
 #include "platform/handle.h"
 #include "platform/system_library.h"
+#include "support/resource_counts.h"
 
 namespace mvp {
 namespace {
@@ -63,16 +65,13 @@ protected:
     // "102-110 92-100": the runs of the highlight colour from the right.
     std::string HighlightedRuns() {
         const std::vector<COLORREF> line = MiddleLine();
-        const COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
+        const auto isOn = [](COLORREF color) { return color == GetSysColor(COLOR_HIGHLIGHT); };
         std::string runs;
-        for (std::size_t x = 0; x < line.size();) {
-            const std::size_t start = x;
-            while (x < line.size() && line[x] == highlight)
-                ++x;
-            if (x > start)
-                runs.insert(0, std::to_string(start) + '-' + std::to_string(x) + ' ');
-            else
-                ++x;
+        for (auto it = line.begin(); (it = std::find_if(it, line.end(), isOn)) != line.end();) {
+            const auto end = std::find_if_not(it, line.end(), isOn);
+            runs.insert(0, std::to_string(it - line.begin()) + '-' +
+                               std::to_string(end - line.begin()) + ' ');
+            it = end;
         }
         return runs;
     }
@@ -153,10 +152,8 @@ TEST_F(ProgressBarTest, MovesWithEveryTickAndStartsAgain) {
     EXPECT_EQ(HighlightedRuns(), "2-10 ");
     Tick(4);
     EXPECT_EQ(HighlightedRuns(), "12-20 2-10 ");
-}
 
-TEST_F(ProgressBarTest, GoesBackToTheStartWhenDisabled) {
-    Create(kVisible | kProgressClassicLook);
+    // Disabled, it goes back to the start.
     Tick(41);
     EnableWindow(m_hBar, FALSE);
     EXPECT_EQ(HighlightedRuns(), "2-10 ");
@@ -165,23 +162,18 @@ TEST_F(ProgressBarTest, GoesBackToTheStartWhenDisabled) {
     EXPECT_EQ(HighlightedRuns(), "12-20 2-10 ");
 }
 
-TEST_F(ProgressBarTest, DrawsTheClassicBarSunkenOnTheButtonFace) {
+TEST_F(ProgressBarTest, DrawsTheClassicBarSunkenOnTheButtonFaceAndAnyPartOfIt) {
     Create(kVisible | kProgressClassicLook);
-    const WindowDc dc(m_hBar);
-    const COLORREF face = GetSysColor(COLOR_BTNFACE);
-    EXPECT_EQ(GetPixel(dc.get(), 0, 0), GetSysColor(COLOR_BTNSHADOW));
-    EXPECT_EQ(GetPixel(dc.get(), 203, 14), GetSysColor(COLOR_BTNHIGHLIGHT));
-    EXPECT_EQ(GetPixel(dc.get(), 100, 7), face);
-    // The first chunk fills the height inside the edge: lines 2 to 12 of 15.
-    const COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
-    EXPECT_NE(GetPixel(dc.get(), 5, 1), highlight);
-    EXPECT_EQ(GetPixel(dc.get(), 5, 2), highlight);
-    EXPECT_EQ(GetPixel(dc.get(), 5, 12), highlight);
-    EXPECT_NE(GetPixel(dc.get(), 5, 13), highlight);
-}
-
-TEST_F(ProgressBarTest, RepaintsOnlyAPartOnTheRightPlace) {
-    Create(kVisible | kProgressClassicLook);
+    {
+        const WindowDc dc(m_hBar);
+        const COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
+        EXPECT_EQ(GetPixel(dc.get(), 0, 0), GetSysColor(COLOR_BTNSHADOW));
+        EXPECT_EQ(GetPixel(dc.get(), 203, 14), GetSysColor(COLOR_BTNHIGHLIGHT));
+        EXPECT_EQ(GetPixel(dc.get(), 100, 7), GetSysColor(COLOR_BTNFACE));
+        // The first chunk fills the height inside the edge: lines 2 to 12 of 15.
+        for (const int y : {1, 2, 12, 13})
+            EXPECT_EQ(GetPixel(dc.get(), 5, y) == highlight, y == 2 || y == 12) << y;
+    }
     Tick(41);
     const RECT part = {90, 3, 120, 12};
     {
@@ -214,27 +206,24 @@ TEST_F(ProgressBarTest, TakesAnySizeAndOutOfPlaceMessages) {
     EXPECT_EQ(Send(WM_USER + 2), 0);
 }
 
-// What the system says of the bar's theme; empty when it has no theme library.
+// What the system says of the bar's theme; none when it has no theme library.
 struct ThemeFacts {
-    bool bHasLibrary = false;
-    bool bIsThemed = false;
     RECT content{};
     SIZE chunk{};
 };
 
-ThemeFacts AskTheme(HWND hBar) {
-    ThemeFacts facts;
+std::optional<ThemeFacts> AskTheme(HWND hBar) {
     const auto library = LoadSystemLibrary("UxTheme.dll");
-    facts.bHasLibrary = static_cast<bool>(library);
     if (!library)
-        return facts;
+        return std::nullopt;
     const HMODULE h = library.get();
-    facts.bIsThemed = FindFunction<decltype(&IsAppThemed)>(h, "IsAppThemed")() != FALSE;
     const WindowDc dc(hBar);
     RECT bar{};
     GetClientRect(hBar, &bar);
+    ThemeFacts facts;
     const HTHEME theme =
         FindFunction<decltype(&OpenThemeData)>(h, "OpenThemeData")(hBar, L"Progress");
+    EXPECT_NE(theme, nullptr) << "this test wants a theme to be switched on";
     FindFunction<decltype(&GetThemeBackgroundContentRect)>(h, "GetThemeBackgroundContentRect")(
         theme, dc.get(), PP_BAR, 0, &bar, &facts.content);
     FindFunction<decltype(&GetThemePartSize)>(h, "GetThemePartSize")(
@@ -250,58 +239,36 @@ TEST_F(ProgressBarTest, FollowsTheThemeWhereThereIsOne) {
     Destroy();
 
     Create(kVisible);
-    const ThemeFacts facts = AskTheme(m_hBar);
+    const std::optional<ThemeFacts> facts = AskTheme(m_hBar);
     const std::vector<COLORREF> atStart = MiddleLine();
-    if (!facts.bHasLibrary) {
-        EXPECT_EQ(atStart, classic);
+    EXPECT_EQ(atStart != classic, facts.has_value());
+    if (!facts)
         return;
-    }
-    ASSERT_TRUE(facts.bIsThemed) << "this test wants a theme to be switched on";
-    EXPECT_NE(atStart, classic);
 
     // When the head has gone one step, what is new is one chunk beside the first, nothing else.
-    const int places = (facts.content.right - facts.content.left) / facts.chunk.cx;
+    const int places = (facts->content.right - facts->content.left) / facts->chunk.cx;
     ASSERT_GT(places, 1);
     Tick(1 + (100 + places - 1) / places);
     const std::vector<COLORREF> oneStep = MiddleLine();
-    const int left = facts.content.left + facts.chunk.cx + 2;
+    const int left = facts->content.left + facts->chunk.cx + 2;
     for (int x = 0; x < static_cast<int>(oneStep.size()); ++x) {
         const auto i = static_cast<std::size_t>(x);
-        EXPECT_EQ(oneStep[i] != atStart[i], x >= left && x < left + facts.chunk.cx) << x;
+        EXPECT_EQ(oneStep[i] != atStart[i], x >= left && x < left + facts->chunk.cx) << x;
     }
 }
 
-// The system counts the objects, but under Wine its answer is 0: there every handle's low word is
-// tried, which alone names the object.
-unsigned CountGdiObjects() {
-    if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS))
-        return count;
-    unsigned count = 0;
-    for (ULONG_PTR n = 4; n <= 0xFFFF; ++n)
-        count += GetObjectType(reinterpret_cast<HGDIOBJ>(n)) != 0 ? 1u : 0u;
-    return count;
-}
-
-TEST_F(ProgressBarTest, KeepsNoGdiObjects) {
-    const auto live = [this] {
+TEST_F(ProgressBarTest, KeepsNothing) {
+    const auto live = [this](int) {
         for (const DWORD look : {DWORD{0}, kProgressClassicLook}) {
             Create(kVisible | look);
             Tick(30);
             Destroy();
         }
     };
-    live();  // what the system keeps for later is made here
-    const unsigned before = CountGdiObjects();
-    ASSERT_GT(before, 0u);
-    for (int i = 0; i < 20; ++i)
-        live();
-    EXPECT_LE(CountGdiObjects(), before + 5);
-
+    test::ExpectRoundsKeepNothing(1, 20, live, {.objects = 5});
     // Nor between two paintings of one window.
     Create(kVisible);
-    const unsigned between = CountGdiObjects();
-    Tick(50);
-    EXPECT_LE(CountGdiObjects(), between);
+    test::ExpectRoundsKeepNothing(1, 1, [this](int) { Tick(50); });
 }
 
 }  // namespace

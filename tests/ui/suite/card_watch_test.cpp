@@ -1,20 +1,167 @@
 // The watch over the readers, with a smart-card service of the test's own behind the real
-// functions.
+// functions: this program exports what CPcscService uses, and is the module that it loads.
 #include "suite/vkevtsub/card_watch.h"
 
 #include <windows.h>
+#include <winscard.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstring>
+#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "fake_winscard.h"
+#include "platform/critical_section.h"
 #include "suite/vkevtsub/pcsc_service.h"
 #include "support/waiting.h"
+
+namespace {
+
+struct World {
+    // Does `change` and tells whoever waits.
+    void Change(const std::function<void(World&)>& change) {
+        const mvp::CScopedLock scope(lock);
+        change(*this);
+        ++nChange;
+        WakeAllConditionVariable(&changed);
+    }
+    // What `ask` finds.
+    int Ask(const std::function<int(World&)>& ask) {
+        const mvp::CScopedLock scope(lock);
+        return ask(*this);
+    }
+
+    mvp::CCriticalSection lock;
+    CONDITION_VARIABLE changed{};
+    unsigned nChange = 1;      // the number of the last change
+    unsigned nSeenChange = 0;  // the last one that a wait has taken note of
+    bool bUp = true;
+    bool bPatient = false;                 // a wait goes on when its time is over
+    std::map<std::string, DWORD> readers;  // name and state
+    std::set<SCARDCONTEXT> contexts;
+    std::set<SCARDCONTEXT> cancelled;
+    SCARDCONTEXT nLast = 0;
+    int nConnects = 0;
+};
+World g_world;
+
+void SetReader(const std::string& strReader, DWORD nState) {
+    g_world.Change([&](World& world) { world.readers[strReader] = nState; });
+}
+
+void RemoveReader(const std::string& strReader) {
+    g_world.Change([&](World& world) { world.readers.erase(strReader); });
+}
+
+void SetService(bool bUp) {
+    g_world.Change([&](World& world) { world.bUp = bUp; });
+}
+
+int Contexts() {
+    return g_world.Ask([](World& world) { return static_cast<int>(world.contexts.size()); });
+}
+
+int Connects() {
+    return g_world.Ask([](World& world) { return world.nConnects; });
+}
+
+constexpr char kComingAndGoing[] = R"(\\?PnP?\Notification)";
+
+// What a wait finds now; SCARD_E_TIMEOUT when nothing differs from what is known.
+LONG Look(LPSCARD_READERSTATEA pStates, DWORD nStates) {
+    if (!g_world.bUp)
+        return SCARD_E_SERVICE_STOPPED;
+    bool bChange = false;
+    for (DWORD i = 0; i < nStates; ++i) {
+        SCARD_READERSTATEA& state = pStates[i];
+        const auto reader = g_world.readers.find(state.szReader);
+        const bool bReaders = std::strcmp(state.szReader, kComingAndGoing) == 0;
+        if (!bReaders && reader == g_world.readers.end())
+            return SCARD_E_UNKNOWN_READER;
+        state.dwEventState =
+            bReaders ? static_cast<DWORD>(g_world.readers.size()) << 16 : reader->second;
+        if (state.dwEventState == (state.dwCurrentState & ~DWORD{SCARD_STATE_CHANGED}))
+            continue;
+        state.dwEventState |= SCARD_STATE_CHANGED;
+        bChange = true;
+    }
+    return bChange ? SCARD_S_SUCCESS : SCARD_E_TIMEOUT;
+}
+
+}  // namespace
+
+extern "C" {
+
+__declspec(dllexport) LONG WINAPI
+    SCardEstablishContext(DWORD, LPCVOID, LPCVOID, LPSCARDCONTEXT phContext) {
+    const mvp::CScopedLock lock(g_world.lock);
+    ++g_world.nConnects;
+    if (!g_world.bUp)
+        return SCARD_E_NO_SERVICE;
+    *phContext = ++g_world.nLast;
+    g_world.contexts.insert(*phContext);
+    return SCARD_S_SUCCESS;
+}
+
+__declspec(dllexport) LONG WINAPI SCardReleaseContext(SCARDCONTEXT hContext) {
+    const mvp::CScopedLock lock(g_world.lock);
+    return g_world.contexts.erase(hContext) > 0 ? SCARD_S_SUCCESS : SCARD_E_INVALID_HANDLE;
+}
+
+__declspec(dllexport) LONG WINAPI
+    SCardListReadersA(SCARDCONTEXT, LPCSTR, LPSTR mszReaders, LPDWORD pcchReaders) {
+    const mvp::CScopedLock lock(g_world.lock);
+    if (!g_world.bUp)
+        return SCARD_E_SERVICE_STOPPED;
+    if (g_world.readers.empty())
+        return SCARD_E_NO_READERS_AVAILABLE;
+    std::string list;
+    for (const auto& [name, nState] : g_world.readers)
+        list += name + '\0';
+    list += '\0';
+    const DWORD nRoom = *pcchReaders;
+    *pcchReaders = static_cast<DWORD>(list.size());
+    if (mszReaders == nullptr)
+        return SCARD_S_SUCCESS;
+    if (nRoom < list.size())
+        return SCARD_E_INSUFFICIENT_BUFFER;
+    std::ranges::copy(list, mszReaders);
+    return SCARD_S_SUCCESS;
+}
+
+__declspec(dllexport) LONG WINAPI
+    SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD dwTimeout,
+                          LPSCARD_READERSTATEA rgReaderStates, DWORD cReaders) {
+    const mvp::CScopedLock lock(g_world.lock);
+    const ULONGLONG nEnd = GetTickCount64() + dwTimeout;
+    for (;;) {
+        if (g_world.cancelled.erase(hContext) > 0)
+            return SCARD_E_CANCELLED;
+        const LONG nResult = Look(rgReaderStates, cReaders);
+        const ULONGLONG nNow = GetTickCount64();
+        if (nResult != SCARD_E_TIMEOUT || (nNow >= nEnd && !g_world.bPatient))
+            return nResult;
+        g_world.nSeenChange = g_world.nChange;
+        SleepConditionVariableCS(&g_world.changed, g_world.lock.get(),
+                                 g_world.bPatient ? INFINITE : static_cast<DWORD>(nEnd - nNow));
+    }
+}
+
+__declspec(dllexport) LONG WINAPI SCardCancel(SCARDCONTEXT hContext) {
+    const mvp::CScopedLock lock(g_world.lock);
+    g_world.cancelled.insert(hContext);
+    WakeAllConditionVariable(&g_world.changed);
+    return SCARD_S_SUCCESS;
+}
+
+}  // extern "C"
 
 namespace mvp {
 namespace {
@@ -27,46 +174,43 @@ constexpr DWORD kEmpty = SCARD_STATE_EMPTY;
 constexpr DWORD kCard = SCARD_STATE_PRESENT;
 constexpr DWORD kMove = 0x10000;  // one movement more on the counter
 
-std::string FakeModule() {
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(GetModuleHandleA("fake_winscard.dll"), path, sizeof(path));
-    return path;
-}
-
 class CardWatch : public testing::Test {
 protected:
     void Start() {
-        m_nConnectsBefore = FakeConnects();
+        m_nConnectsBefore = Connects();
         m_watch = CCardWatch::Start(
             [this](const CCardWatch&, const std::string& strReader) {
                 const std::lock_guard lock(m_lock);
                 m_removed.push_back(strReader);
             },
-            FakeModule());
+            "card_watch_test.exe");
         ASSERT_TRUE(m_watch);
     }
     ~CardWatch() override {
         if (m_watch)
             ExpectEnd();
-        EXPECT_EQ(FakeContexts(), 0);
-        for (const char* pszReader : {"A", "B"})
-            FakeRemoveReader(pszReader);
-        FakeSetUp(TRUE);
+        EXPECT_EQ(Contexts(), 0);
+        RemoveReader("A");
+        RemoveReader("B");
+        SetService(true);
     }
 
-    // Waits until the watch knows how things are now.
-    void LetItLook() {
-        EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeIsSettled() != FALSE; }));
-    }
-    // What was reported by then.
+    // What was reported until the watch knew how things are now.
     Names Removed() {
-        LetItLook();
+        EXPECT_TRUE(WaitFor(kDeadline, [] {
+            return g_world.Ask([](World& w) { return w.nSeenChange == w.nChange; }) != 0;
+        }));
         const std::lock_guard lock(m_lock);
         return m_removed;
     }
+    // Makes a change; what has been reported when the watch knows of it.
+    Names After(const char* pszReader, DWORD nState) {
+        SetReader(pszReader, nState);
+        return Removed();
+    }
     // Waits until the watch has tried to connect.
     void LetItTry() const {
-        EXPECT_TRUE(WaitFor(kDeadline, [this] { return FakeConnects() > m_nConnectsBefore; }));
+        EXPECT_TRUE(WaitFor(kDeadline, [this] { return Connects() > m_nConnectsBefore; }));
     }
     // The watch's thread holds it as well, and lets it go when it ends.
     void ExpectEnd() {
@@ -81,43 +225,38 @@ protected:
 };
 
 TEST_F(CardWatch, ReportsCardsAndReadersThatLeave) {
-    FakeSetReader("A", kCard + kMove);
-    FakeSetReader("B", kEmpty);
+    SetReader("A", kCard + kMove);
+    SetReader("B", kEmpty);
     Start();
-    LetItLook();
-    FakeSetReader("A", kEmpty + 2 * kMove);
-    EXPECT_EQ(Removed(), (Names{"A"}));
-    FakeSetReader("B", kCard + kMove);
-    LetItLook();
-    FakeSetReader("B", kCard + 3 * kMove);
-    EXPECT_EQ(Removed(), (Names{"A", "B"}));
-    FakeRemoveReader("B");
+    EXPECT_EQ(Removed(), Names{});
+    EXPECT_EQ(After("A", kEmpty + 2 * kMove), (Names{"A"}));
+    EXPECT_EQ(After("B", kCard + kMove), (Names{"A"}));
+    EXPECT_EQ(After("B", kCard + 3 * kMove), (Names{"A", "B"}));
+    RemoveReader("B");
     EXPECT_EQ(Removed(), (Names{"A", "B", "B"}));
-    FakeRemoveReader("A");
-    LetItLook();
-    FakeSetReader("A", kCard);
-    LetItLook();
-    FakeSetReader("A", kEmpty + kMove);
-    EXPECT_EQ(Removed(), (Names{"A", "B", "B", "A"}));
+    RemoveReader("A");
+    EXPECT_EQ(Removed(), (Names{"A", "B", "B"}));
+    EXPECT_EQ(After("A", kCard), (Names{"A", "B", "B"}));
+    EXPECT_EQ(After("A", kEmpty + kMove), (Names{"A", "B", "B", "A"}));
 }
 
 TEST_F(CardWatch, OutlivesTheService) {
-    FakeSetUp(FALSE);
-    FakeSetReader("A", kCard);
+    SetService(false);
+    SetReader("A", kCard);
     Start();
     LetItTry();
-    FakeSetUp(TRUE);
-    LetItLook();
-    FakeSetUp(FALSE);
-    EXPECT_TRUE(WaitFor(kDeadline, [] { return FakeContexts() == 0; }));
-    FakeSetReader("A", kEmpty);
-    FakeSetUp(TRUE);
+    SetService(true);
+    EXPECT_EQ(Removed(), Names{});
+    SetService(false);
+    EXPECT_TRUE(WaitFor(kDeadline, [] { return Contexts() == 0; }));
+    SetReader("A", kEmpty);
+    SetService(true);
     EXPECT_EQ(Removed(), (Names{"A"}));
 }
 
 TEST_F(CardWatch, EndsWhereverItIs) {
-    for (const BOOL bUp : {TRUE, FALSE}) {
-        FakeSetUp(bUp);
+    for (const bool bUp : {true, false}) {
+        SetService(bUp);
         Start();
         ExpectEnd();  // in the beginning
         Start();
@@ -125,13 +264,13 @@ TEST_F(CardWatch, EndsWhereverItIs) {
         ExpectEnd();  // between two tries, or on its way to the wait
     }
     // In a wait that would last.
-    FakeSetUp(TRUE);
-    FakeSetPatient(TRUE);
-    FakeSetReader("A", kEmpty);
+    SetService(true);
+    g_world.Change([](World& world) { world.bPatient = true; });
+    SetReader("A", kEmpty);
     Start();
-    LetItLook();
+    Removed();
     ExpectEnd();
-    FakeSetPatient(FALSE);
+    g_world.Change([](World& world) { world.bPatient = false; });
 }
 
 TEST(PcscService, CannotConnectWithoutTheModuleOrItsFunctions) {

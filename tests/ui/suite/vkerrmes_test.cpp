@@ -1,191 +1,136 @@
 #include "suite/vkerrmes/vkerrmes.h"
 
-#include <windows.h>
-
-#include <chrono>
 #include <functional>
 #include <set>
 #include <string>
-#include <thread>
 
+#include "common/thread_windows.h"
 #include "real_module.h"
+#include "support/dialog_driver.h"
 
+namespace mvp::test {
 namespace {
 
-// A message box as it stands on the screen.
-struct Box {
-    std::string caption;
+std::string IconName(HICON hIcon) {
+    const std::pair<LPCSTR, const char*> icons[] = {{IDI_WARNING, "warning"},
+                                                    {IDI_QUESTION, "question"},
+                                                    {IDI_ERROR, "error"},
+                                                    {IDI_INFORMATION, "information"}};
+    for (const auto& [pszIcon, pszName] : icons)
+        if (hIcon == LoadIconA(nullptr, pszIcon))
+            return pszName;
+    return "none";
+}
+
+// A message box as it stands on the screen: "caption: text [icon] 1 2*", the buttons by their
+// numbers, the default one with a star.
+std::string Describe(const Dialog& dialog) {
     std::string text;
-    HICON hIcon = nullptr;
+    std::string icon;
     std::set<int> buttons;
-    int nDefaultButton = 0;
-    HWND hOwner = nullptr;
-    bool bForeground = false;
-};
-
-std::string TextOf(HWND hWnd) {
-    std::string text(8192, '\0');
-    text.resize(
-        static_cast<std::size_t>(GetWindowTextA(hWnd, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
-BOOL CALLBACK ReadChild(HWND hChild, LPARAM param) {
-    Box& box = *reinterpret_cast<Box*>(param);
-    char name[32] = {};
-    GetClassNameA(hChild, name, sizeof(name));
-    const LONG_PTR nStyle = GetWindowLongPtrA(hChild, GWL_STYLE);
-    if (lstrcmpiA(name, "Button") == 0)
-        box.buttons.insert(GetDlgCtrlID(hChild));
-    else if ((nStyle & SS_TYPEMASK) == SS_ICON)
-        box.hIcon = reinterpret_cast<HICON>(SendMessageA(hChild, STM_GETICON, 0, 0));
-    else
-        box.text = TextOf(hChild);
-    return TRUE;
-}
-
-BOOL CALLBACK FindBox(HWND hWnd, LPARAM param) {
-    char name[32] = {};
-    GetClassNameA(hWnd, name, sizeof(name));
-    if (lstrcmpA(name, "#32770") != 0 || !IsWindowVisible(hWnd))
-        return TRUE;
-    *reinterpret_cast<HWND*>(param) = hWnd;
-    return FALSE;
+    for (HWND h = GetWindow(dialog.Handle(), GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
+        const int nId = GetDlgCtrlID(h);
+        if (ClassOf(h) == "Button")
+            buttons.insert(nId);
+        else if ((GetWindowLongPtrA(h, GWL_STYLE) & SS_TYPEMASK) == SS_ICON)
+            icon = IconName(reinterpret_cast<HICON>(SendMessageA(h, STM_GETICON, 0, 0)));
+        else
+            text = dialog.Text(nId);
+    }
+    std::string all = dialog.Title() + ": " + text + " [" + icon + "]";
+    for (const int nId : buttons)
+        all += " " + std::to_string(nId) + (nId == dialog.FocusedId() ? "*" : "");
+    return all;
 }
 
 constexpr int kEnterKey = -1;
 
-// Waits for the box of `nThread`, reads it, and presses `nButton` (or the Enter key).
-Box AnswerBox(DWORD nThread, int nButton) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    HWND hBox = nullptr;
-    while (hBox == nullptr && std::chrono::steady_clock::now() < deadline) {
-        EnumThreadWindows(nThread, FindBox, reinterpret_cast<LPARAM>(&hBox));
-        Sleep(5);
-    }
-    if (hBox == nullptr) {
-        ADD_FAILURE() << "no message box";
-        return {};
-    }
-    SendMessageA(hBox, WM_NULL, 0, 0);  // back when its initialisation is over
-    Box box;
-    box.caption = TextOf(hBox);
-    EnumChildWindows(hBox, ReadChild, reinterpret_cast<LPARAM>(&box));
-    box.hOwner = GetWindow(hBox, GW_OWNER);
-    box.bForeground = GetForegroundWindow() == hBox;
-    GUITHREADINFO thread = {};
-    thread.cbSize = sizeof(thread);
-    GetGUIThreadInfo(nThread, &thread);
-    box.nDefaultButton = GetDlgCtrlID(thread.hwndFocus);
-    if (nButton == kEnterKey)
-        PostMessageA(thread.hwndFocus, WM_KEYDOWN, VK_RETURN, 0);
-    else
-        PostMessageA(hBox, WM_COMMAND, static_cast<WPARAM>(nButton), 0);
-    return box;
-}
-
 class VkErrMes : public testing::Test {
 protected:
     // What `show`, which opens a box, returned when `nButton` was pressed in it.
-    int Run(const std::function<int()>& show, int nButton) {
-        const DWORD nThread = GetCurrentThreadId();
-        std::thread user([&] { m_box = AnswerBox(nThread, nButton); });
-        const int nResult = show();
-        user.join();
-        return nResult;
+    int Answer(const std::function<int()>& show, int nButton) {
+        DialogDriver driver([&](Dialog& dialog) {
+            m_strBox = Describe(dialog);
+            m_hOwner = GetWindow(dialog.Handle(), GW_OWNER);
+            m_bForeground = GetForegroundWindow() == dialog.Handle();
+            nButton == kEnterKey ? dialog.Enter() : dialog.Click(nButton);
+        });
+        return show();
+    }
+    int Notice(const char* pszText, int nButton) {
+        const auto show = m_module.Get<decltype(VKErrMesDisplayEx)>("VKErrMesDisplayEx");
+        return Answer([&] { return show(-1, pszText, 0, 0, 0); }, nButton);
+    }
+    int Warn(HWND hParent, const char* pszText, const char* pszReader, int nButton,
+             UINT nButtons = 0, UINT nIcon = 0, UINT nFlags = 0) {
+        const auto show = m_module.Get<decltype(VKErrMesDisplayExWithParentParamAndReader)>(
+            "VKErrMesDisplayExWithParentParamAndReader");
+        return Answer(
+            [&] { return show(hParent, 5, pszText, nButtons, nIcon, nFlags, nullptr, pszReader); },
+            nButton);
     }
 
     CRealModule m_module{"vkerrmes"};
-    decltype(VKErrMesDisplayEx)* m_pDisplay =
-        m_module.Get<decltype(VKErrMesDisplayEx)>("VKErrMesDisplayEx");
-    decltype(VKErrMesDisplayExWithParentParamAndReader)* m_pDisplayWithParent =
-        m_module.Get<decltype(VKErrMesDisplayExWithParentParamAndReader)>(
-            "VKErrMesDisplayExWithParentParamAndReader");
-    Box m_box;
+    std::string m_strBox;
+    HWND m_hOwner = nullptr;
+    bool m_bForeground = false;
 };
 
-using Buttons = std::set<int>;
-
-TEST_F(VkErrMes, TheNoticeHasAWarningIconAndOkAlone) {
-    EXPECT_EQ(Run([&] { return m_pDisplay(-1, "The code is wrong", 0, 0, 0); }, kEnterKey), 1);
-    EXPECT_EQ(m_box.caption, "Veskara");
-    EXPECT_EQ(m_box.text, "The code is wrong");
-    EXPECT_EQ(m_box.hIcon, LoadIconA(nullptr, IDI_WARNING));
-    EXPECT_EQ(m_box.buttons.size(), 1U);
-    EXPECT_EQ(m_box.hOwner, nullptr);
-    EXPECT_TRUE(m_box.bForeground);
+TEST_F(VkErrMes, TheNoticeHasAWarningIconAndOneButton) {
+    EXPECT_EQ(Notice("The code is wrong", kEnterKey), 1);
+    EXPECT_EQ(m_strBox.substr(0, m_strBox.rfind(' ')), "Veskara: The code is wrong [warning]");
+    EXPECT_EQ(m_hOwner, nullptr);
+    EXPECT_TRUE(m_bForeground);
 }
 
 TEST_F(VkErrMes, TheWarningCanBeDeclined) {
-    const auto warn = [&] {
-        return m_pDisplayWithParent(nullptr, -1, "Last try", 0, 0, 0, nullptr, "Reader A");
-    };
-    EXPECT_EQ(Run(warn, IDOK), 1);
-    EXPECT_EQ(Run(warn, IDCANCEL), 0);
-    EXPECT_EQ(Run(warn, kEnterKey), 0) << "Enter must not accept it";
-    EXPECT_EQ(m_box.caption, "Veskara - Reader A");
-    EXPECT_EQ(m_box.text, "Last try");
-    EXPECT_EQ(m_box.hIcon, LoadIconA(nullptr, IDI_WARNING));
-    EXPECT_EQ(m_box.buttons, (Buttons{IDOK, IDCANCEL}));
-    EXPECT_EQ(m_box.nDefaultButton, IDCANCEL);
-    EXPECT_TRUE(m_box.bForeground);
+    EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", IDOK), 1);
+    EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", IDCANCEL), 0);
+    EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", kEnterKey), 0) << "Enter must not accept it";
+    EXPECT_EQ(m_strBox, "Veskara - Reader A: Last try [warning] 1 2*");
+    EXPECT_TRUE(m_bForeground);
 }
 
 TEST_F(VkErrMes, ButtonsIconAndFlagsCanBeChosen) {
     const struct {
         UINT nButtons, nIcon, nFlags;
-        Buttons buttons;
-        LPCSTR pszIcon;
-        int nDefault, nPress, nResult;
+        int nPress, nResult;
+        const char* pszBox;
     } cases[] = {
-        {MB_YESNO, MB_ICONQUESTION, 0, {IDYES, IDNO}, IDI_QUESTION, IDYES, IDYES, 1},
-        {MB_YESNO, MB_ICONERROR, MB_DEFBUTTON2, {IDYES, IDNO}, IDI_ERROR, IDNO, IDNO, 0},
-        {MB_OKCANCEL, MB_ICONINFORMATION, 0, {IDOK, IDCANCEL}, IDI_INFORMATION, IDOK, IDOK, 1},
-        {MB_RETRYCANCEL, 0, 0, {IDRETRY, IDCANCEL}, IDI_WARNING, IDRETRY, IDRETRY, 0},
+        {MB_YESNO, MB_ICONQUESTION, 0, IDYES, 1, "[question] 6* 7"},
+        {MB_YESNO, MB_ICONERROR, MB_DEFBUTTON2, IDNO, 0, "[error] 6 7*"},
+        {MB_OKCANCEL, MB_ICONINFORMATION, 0, IDOK, 1, "[information] 1* 2"},
+        {MB_RETRYCANCEL, 0, 0, IDRETRY, 0, "[warning] 2 4*"},
         // Values that are none: the defaults.
-        {77, 0x70, MB_SERVICE_NOTIFICATION, {IDOK, IDCANCEL}, IDI_WARNING, IDCANCEL, IDOK, 1},
+        {77, 0x70, MB_SERVICE_NOTIFICATION, IDOK, 1, "[warning] 1 2*"},
     };
-    for (const auto& each : cases) {
-        const int nResult = Run(
-            [&] {
-                return m_pDisplayWithParent(nullptr, 5, "text", each.nButtons, each.nIcon,
-                                            each.nFlags, nullptr, "");
-            },
-            each.nPress);
-        EXPECT_EQ(nResult, each.nResult);
-        EXPECT_EQ(m_box.buttons, each.buttons);
-        EXPECT_EQ(m_box.hIcon, LoadIconA(nullptr, each.pszIcon));
-        EXPECT_EQ(m_box.nDefaultButton, each.nDefault);
-        EXPECT_EQ(m_box.caption, "Veskara");
+    for (const auto& c : cases) {
+        EXPECT_EQ(Warn(nullptr, "text", "", c.nPress, c.nButtons, c.nIcon, c.nFlags), c.nResult);
+        EXPECT_EQ(m_strBox, std::string("Veskara: text ") + c.pszBox);
     }
 }
 
 TEST_F(VkErrMes, StandsOverItsParentAndOutlivesAMissingOne) {
     const HWND hParent = CreateWindowA("STATIC", "parent", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200,
                                        nullptr, nullptr, nullptr, nullptr);
-    const auto warn = [&] {
-        return m_pDisplayWithParent(hParent, -1, "text", 0, 0, 0, nullptr, nullptr);
-    };
-    EXPECT_EQ(Run(warn, IDOK), 1);
-    EXPECT_EQ(m_box.hOwner, hParent);
+    EXPECT_EQ(Warn(hParent, "text", nullptr, IDOK), 1);
+    EXPECT_EQ(m_hOwner, hParent);
     EXPECT_TRUE(IsWindowEnabled(hParent));
-
     DestroyWindow(hParent);
-    EXPECT_EQ(Run(warn, IDOK), 1);
-    EXPECT_EQ(m_box.hOwner, nullptr);
+    EXPECT_EQ(Warn(hParent, "text", nullptr, IDOK), 1);
+    EXPECT_EQ(m_hOwner, nullptr);
 }
 
 TEST_F(VkErrMes, TextsAreBoundedAndMayBeNull) {
     const std::string huge(100000, 'w');
-    Run(
-        [&] {
-            return m_pDisplayWithParent(nullptr, -1, huge.c_str(), 0, 0, 0, nullptr, huge.c_str());
-        },
-        IDCANCEL);
-    EXPECT_EQ(m_box.text, huge.substr(0, VKERRMES_TEXT_MAX));
-    EXPECT_LT(m_box.caption.size(), 300U);
-    EXPECT_EQ(Run([&] { return m_pDisplay(-1, nullptr, 0, 0, 0); }, IDOK), 1);
-    EXPECT_EQ(m_box.text, "");
+    Warn(nullptr, huge.c_str(), huge.c_str(), IDCANCEL);
+    const std::size_t nCaption = m_strBox.find(": ");
+    EXPECT_LT(nCaption, 300U);
+    EXPECT_EQ(m_strBox.substr(nCaption),
+              ": " + huge.substr(0, VKERRMES_TEXT_MAX) + " [warning] 1 2*");
+    EXPECT_EQ(Notice(nullptr, IDOK), 1);
+    EXPECT_TRUE(m_strBox.starts_with("Veskara:  [")) << m_strBox;
 }
 
 }  // namespace
+}  // namespace mvp::test

@@ -1,5 +1,4 @@
-#include "vkevtsub_client.h"
-
+// A library that uses vkevtsub, as a host's would, and can be loaded and freed with it.
 #include <windows.h>
 
 #include <atomic>
@@ -21,7 +20,6 @@ public:
         return Subscribe(VKEVENT_CARD_REMOVED) == VKEVTSUB_OK &&
                VKRaiseEvent(VKEVENT_CARD_REMOVED, "A") == VKEVTSUB_OK;
     }
-    int Stop() { return UnSubscribe(); }
     int Calls() const { return m_nCalls; }
 
 private:
@@ -33,14 +31,20 @@ CClient g_hanging(true);
 
 }  // namespace
 
-bool ClientUseOnce() {
+extern "C" {
+
+// Subscribes, raises an event, waits for it and unsubscribes. Whether all of that went well.
+__declspec(dllexport) bool ClientUseOnce() {
     CClient client(false);
-    return client.Start() && VKWaitForIdle(20000) == VKEVTSUB_OK && client.Calls() == 1 &&
-           client.Stop() == VKEVTSUB_OK;
+    return client.Start() && VKWaitForIdle(20000) == VKEVTSUB_OK && client.Calls() == 1;
 }
 
-void ClientHang() {
+// Subscribes an object that lives as long as the library and whose HandleEvent never returns;
+// returns when that is running.
+__declspec(dllexport) void ClientHang() {
     g_hanging.Start();
     while (g_hanging.Calls() == 0)
         Sleep(1);
 }
+
+}  // extern "C"

@@ -18,14 +18,17 @@
 #include "platform/handle.h"
 #include "support/log_recorder.h"
 #include "support/resource_counts.h"
+#include "support/ui_thread.h"
 #include "support/waiting.h"
 
+namespace mvp::test {
 namespace {
 
-constexpr unsigned kDeadlineMs = 20000;
+using Texts = std::vector<std::string>;
+constexpr std::chrono::seconds kDeadline(20);
 
 // Before anybody subscribed.
-const auto g_nThreadsAtStart = mvp::test::ResourceCounts::Now().threads;
+const auto g_nThreadsAtStart = ResourceCounts::Now().threads;
 
 class CSubscriber : public VKDelegateSubscriber {
 public:
@@ -46,32 +49,13 @@ private:
     Handler m_handler;
 };
 
-// Collects texts from any thread.
-class CNotes {
-public:
-    void Add(const std::string& strText) {
-        const std::lock_guard lock(m_lock);
-        m_texts.push_back(strText);
-    }
-    std::vector<std::string> All() const {
-        const std::lock_guard lock(m_lock);
-        return m_texts;
-    }
-
-private:
-    mutable std::mutex m_lock;
-    std::vector<std::string> m_texts;
-};
-using Texts = std::vector<std::string>;
-
 class CGate {
 public:
-    CGate() : m_event(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
     void Open() const { SetEvent(m_event.get()); }
-    bool Wait() const { return WaitForSingleObject(m_event.get(), kDeadlineMs) == WAIT_OBJECT_0; }
+    void Wait() const { EXPECT_EQ(WaitForSingleObject(m_event.get(), 20000), WAIT_OBJECT_0); }
 
 private:
-    mvp::KernelHandle m_event;
+    KernelHandle m_event{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
 };
 
 void Raise(const std::string& strReader) {
@@ -79,23 +63,52 @@ void Raise(const std::string& strReader) {
 }
 
 void WaitForIdle() {
-    EXPECT_EQ(VKWaitForIdle(kDeadlineMs), VKEVTSUB_OK);
+    EXPECT_EQ(VKWaitForIdle(20000), VKEVTSUB_OK);
 }
 
-TEST(VkEvtSub, DeliversInOrderOnOneThreadOfItsOwn) {
-    CNotes notes;
+class VkEvtSub : public testing::Test {
+protected:
+    void Note(const std::string& strText) {
+        const std::lock_guard lock(m_lock);
+        m_notes.push_back(strText);
+    }
+    // What was noted when all that was raised had been delivered.
+    Texts Notes() {
+        WaitForIdle();
+        const std::lock_guard lock(m_lock);
+        return m_notes;
+    }
+    // A subscriber's handler: notes the reader, after `strWho`.
+    CSubscriber::Handler Noting(const std::string& strWho = "") {
+        return [this, strWho](const VKEvent& event) { Note(strWho + event.pszReaderName); };
+    }
+    // In a call: tells that it runs, and waits.
+    void Hold() const {
+        m_running.Open();
+        m_go.Wait();
+    }
+
+    UiThread m_window;  // a window of the test's thread
+    CGate m_running;
+    CGate m_go;
+
+private:
+    std::mutex m_lock;
+    Texts m_notes;
+};
+
+TEST_F(VkEvtSub, DeliversInOrderOnOneThreadOfItsOwn) {
     std::atomic<DWORD> nThread{0};
     std::atomic<bool> bOneThread{true};
-    const auto note = [&](const char* pszWho, const VKEvent& event) {
+    const CSubscriber first([&](const VKEvent& event) {
         DWORD nNone = 0;
         if (!nThread.compare_exchange_strong(nNone, GetCurrentThreadId()))
             bOneThread = bOneThread && nThread == GetCurrentThreadId();
         EXPECT_EQ(event.nKind, VKEVENT_CARD_REMOVED);
-        notes.Add(pszWho + std::string(event.pszReaderName));
-    };
-    const CSubscriber first([&](const VKEvent& event) { note("first ", event); });
-    const CSubscriber second([&](const VKEvent& event) { note("second ", event); });
-    const CSubscriber other([&](const VKEvent&) { notes.Add("other"); }, 77);
+        Note("first " + std::string(event.pszReaderName));
+    });
+    const CSubscriber second(Noting("second "));
+    const CSubscriber other([&](const VKEvent&) { Note("other"); }, 77);
     Texts expected;
     for (int i = 0; i < 200; ++i) {
         std::string strReader = std::to_string(i);
@@ -106,119 +119,53 @@ TEST(VkEvtSub, DeliversInOrderOnOneThreadOfItsOwn) {
     }
     VKRaiseEvent(77, nullptr);
     expected.push_back("other");
-    WaitForIdle();
-    EXPECT_EQ(notes.All(), expected);
+    EXPECT_EQ(Notes(), expected);
     EXPECT_TRUE(bOneThread);
     EXPECT_NE(nThread, GetCurrentThreadId());
 }
 
-TEST(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
-    CNotes notes;
-    const CGate running, go;
-    const CSubscriber early([&](const VKEvent&) {
-        running.Open();
-        go.Wait();
-    });
+TEST_F(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
+    const CSubscriber early([&](const VKEvent&) { Hold(); });
     Raise("holds the thread");
-    ASSERT_TRUE(running.Wait());
+    m_running.Wait();
     Raise("before");
-    const CSubscriber late([&](const VKEvent& event) { notes.Add(event.pszReaderName); });
+    const CSubscriber late(Noting());
     Raise("after");
-    go.Open();
-    WaitForIdle();
-    EXPECT_EQ(notes.All(), Texts{"after"});
+    m_go.Open();
+    EXPECT_EQ(Notes(), Texts{"after"});
 }
 
-// A window whose messages go to a function.
-class CTestWindow {
-public:
-    using Procedure = std::function<LRESULT(UINT nMessage)>;
-
-    explicit CTestWindow(Procedure procedure) : m_procedure(std::move(procedure)) {
-        WNDCLASSA windowClass = {};
-        windowClass.lpfnWndProc = Dispatch;
-        windowClass.lpszClassName = "VkEvtSubTest";
-        RegisterClassA(&windowClass);
-        m_hWnd = CreateWindowA("VkEvtSubTest", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
-                               nullptr);
-        SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    }
-    CTestWindow(const CTestWindow&) = delete;
-    CTestWindow& operator=(const CTestWindow&) = delete;
-    ~CTestWindow() { DestroyWindow(m_hWnd); }
-
-    HWND Handle() const { return m_hWnd; }
-
-private:
-    static LRESULT CALLBACK Dispatch(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
-        const auto* pWindow =
-            reinterpret_cast<CTestWindow*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
-        if (pWindow != nullptr && nMessage >= WM_APP)
-            return pWindow->m_procedure(nMessage);
-        return DefWindowProcA(hWnd, nMessage, wParam, lParam);
-    }
-
-    Procedure m_procedure;
-    HWND m_hWnd;
-};
-
-TEST(VkEvtSub, UnSubscribeWaitsForTheRunningCall) {
-    const auto answer = [](UINT) { return LRESULT{1}; };
-    const CTestWindow window(answer);
-    const CGate running, ready;
-    HWND hOther = nullptr;
+TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
+    std::unique_ptr<UiThread> windowOfOther;
+    int nSent = 0;
     std::atomic<bool> bOver{false};
     CSubscriber subscriber([&](const VKEvent&) {
-        running.Open();
-        ready.Wait();
+        Hold();
         // Each answers only when its thread waits in UnSubscribe.
-        for (const HWND hWnd : {window.Handle(), hOther}) {
-            DWORD_PTR nAnswer = 0;
-            SendMessageTimeoutA(hWnd, WM_APP, 0, 0, SMTO_NORMAL, kDeadlineMs, &nAnswer);
-            EXPECT_EQ(nAnswer, 1U);
-        }
+        for (int i = 0; i < 10; ++i)
+            m_window.Run([&] { ++nSent; }, kDeadline);
+        windowOfOther->Run([] {}, kDeadline);
         bOver = true;
     });
     Raise("A");
     Raise("B");
-    ASSERT_TRUE(running.Wait());
+    m_running.Wait();
     std::thread other([&] {
-        const CTestWindow windowOfOther(answer);
-        hOther = windowOfOther.Handle();
-        ready.Open();
+        windowOfOther = std::make_unique<UiThread>();
+        m_go.Open();
         subscriber.UnSubscribe();
         EXPECT_TRUE(bOver);
+        windowOfOther.reset();
     });
+    PostThreadMessageA(GetCurrentThreadId(), WM_APP + 1, 0, 0);
+    PostQuitMessage(7);
     subscriber.UnSubscribe();
     EXPECT_TRUE(bOver);
+    EXPECT_EQ(nSent, 10);
     other.join();
     bOver = false;
     WaitForIdle();
     EXPECT_FALSE(bOver) << "called after it had unsubscribed";
-}
-
-TEST(VkEvtSub, UnSubscribeServesSentMessagesAndLeavesPostedOnes) {
-    int nSent = 0;
-    int nPosted = 0;
-    const CTestWindow window([&](UINT nMessage) {
-        ++(nMessage == WM_APP ? nSent : nPosted);
-        return LRESULT{42};
-    });
-    const CGate running;
-    std::atomic<LRESULT> nAnswer{0};
-    CSubscriber subscriber([&](const VKEvent&) {
-        running.Open();
-        for (int i = 0; i < 10; ++i)
-            nAnswer += SendMessageA(window.Handle(), WM_APP, 0, 0);
-    });
-    Raise("A");
-    ASSERT_TRUE(running.Wait());
-    PostMessageA(window.Handle(), WM_APP + 1, 0, 0);
-    PostQuitMessage(7);
-    subscriber.UnSubscribe();
-    EXPECT_EQ(nAnswer, 420);
-    EXPECT_EQ(nSent, 10);
-    EXPECT_EQ(nPosted, 0);
 
     MSG message;
     EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
@@ -230,17 +177,17 @@ TEST(VkEvtSub, UnSubscribeServesSentMessagesAndLeavesPostedOnes) {
 
 // The call sends a message, and the window that gets it unsubscribes the very subscriber: each
 // would wait for the other.
-TEST(VkEvtSub, UnSubscribeInAMessageThatTheCallSends) {
+TEST_F(VkEvtSub, UnSubscribeInAMessageThatTheCallSends) {
     std::unique_ptr<CSubscriber> subscriber;
     std::atomic<bool> bOver{false};
-    const CTestWindow window([&](UINT) {
-        subscriber.reset();
-        EXPECT_TRUE(bOver);
-        PostQuitMessage(0);
-        return LRESULT{1};
-    });
     subscriber = std::make_unique<CSubscriber>([&](const VKEvent&) {
-        SendMessageA(window.Handle(), WM_APP, 0, 0);
+        m_window.Run(
+            [&] {
+                subscriber.reset();
+                EXPECT_TRUE(bOver);
+                PostQuitMessage(0);
+            },
+            kDeadline);
         bOver = true;
     });
     Raise("A");
@@ -250,50 +197,46 @@ TEST(VkEvtSub, UnSubscribeInAMessageThatTheCallSends) {
     EXPECT_EQ(subscriber, nullptr);
 }
 
-TEST(VkEvtSub, EverythingIsAllowedWithinACall) {
-    CNotes notes;
-    std::unique_ptr<CSubscriber> selfDeleting, victim, born;
+TEST_F(VkEvtSub, EverythingIsAllowedWithinACall) {
+    std::unique_ptr<CSubscriber> selfDeleting;
+    std::unique_ptr<CSubscriber> victim;
+    std::unique_ptr<CSubscriber> born;
     CSubscriber* pLeaving = nullptr;
     CSubscriber leaving([&](const VKEvent& event) {
-        notes.Add("leaving " + std::string(event.pszReaderName));
+        Note("leaving " + std::string(event.pszReaderName));
         EXPECT_EQ(pLeaving->UnSubscribe(), VKEVTSUB_OK);
         EXPECT_EQ(pLeaving->UnSubscribe(), VKEVTSUB_NOT_SUBSCRIBED);
         EXPECT_EQ(VKWaitForIdle(0), VKEVTSUB_INVALID);
     });
     pLeaving = &leaving;
     selfDeleting = std::make_unique<CSubscriber>([&](const VKEvent& event) {
-        notes.Add("deletes itself " + std::string(event.pszReaderName));
+        Note("deletes itself " + std::string(event.pszReaderName));
         victim.reset();
-        born = std::make_unique<CSubscriber>(
-            [&](const VKEvent& later) { notes.Add("born " + std::string(later.pszReaderName)); });
+        born = std::make_unique<CSubscriber>(Noting("born "));
         Raise("B");
         selfDeleting.reset();
     });
-    victim = std::make_unique<CSubscriber>([&](const VKEvent&) { notes.Add("victim"); });
+    victim = std::make_unique<CSubscriber>(Noting("victim "));
     Raise("A");
-    WaitForIdle();
-    EXPECT_EQ(notes.All(), (Texts{"leaving A", "deletes itself A", "born B"}));
+    EXPECT_EQ(Notes(), (Texts{"leaving A", "deletes itself A", "born B"}));
 }
 
-TEST(VkEvtSub, ExceptionsStayInside) {
-    CNotes notes;
-    mvp::test::LogRecorder log;
+TEST_F(VkEvtSub, ExceptionsStayInside) {
+    LogRecorder log;
     const CSubscriber throwing([](const VKEvent& event) {
         if (std::string(event.pszReaderName) == "A")
             throw std::runtime_error("A");
         throw 5;
     });
-    const CSubscriber next([&](const VKEvent& event) { notes.Add(event.pszReaderName); });
+    const CSubscriber next(Noting());
     Raise("A");
     Raise("B");
-    WaitForIdle();
-    EXPECT_EQ(notes.All(), (Texts{"A", "B"}));
+    EXPECT_EQ(Notes(), (Texts{"A", "B"}));
     EXPECT_EQ(log.Texts(1), Texts(2, "VKDelegateSubscriber::HandleEvent: exception"));
 }
 
-TEST(VkEvtSub, RefusesWhatItCannotTake) {
-    CNotes notes;
-    CSubscriber subscriber([&](const VKEvent& event) { notes.Add(event.pszReaderName); });
+TEST_F(VkEvtSub, RefusesWhatItCannotTake) {
+    CSubscriber subscriber(Noting());
     EXPECT_EQ(subscriber.Subscribe(VKEVENT_CARD_REMOVED), VKEVTSUB_SUBSCRIBED);
     EXPECT_EQ(subscriber.UnSubscribe(), VKEVTSUB_OK);
     EXPECT_EQ(subscriber.UnSubscribe(), VKEVTSUB_NOT_SUBSCRIBED);
@@ -307,25 +250,22 @@ TEST(VkEvtSub, RefusesWhatItCannotTake) {
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, (strLongest + 'r').c_str()), VKEVTSUB_INVALID);
     Raise(strLongest);
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, nullptr), VKEVTSUB_OK);
-    WaitForIdle();
-    EXPECT_EQ(notes.All(), (Texts{strLongest, ""}));
+    EXPECT_EQ(Notes(), (Texts{strLongest, ""}));
 }
 
-TEST(VkEvtSub, BoundsTheEventsThatWait) {
+TEST_F(VkEvtSub, BoundsTheEventsThatWait) {
     std::atomic<int> nCalls{0};
-    const CGate running, go;
     const CSubscriber subscriber([&](const VKEvent&) {
         ++nCalls;
-        running.Open();
-        go.Wait();
+        Hold();
     });
     Raise("first");
-    ASSERT_TRUE(running.Wait());
+    m_running.Wait();
     for (int i = 0; i < 1024; ++i)
         Raise("waits");
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, "one too many"), VKEVTSUB_NO_RESOURCES);
     EXPECT_EQ(VKWaitForIdle(10), VKEVTSUB_TIMEOUT);
-    go.Open();
+    m_go.Open();
     WaitForIdle();
     EXPECT_EQ(nCalls, 1025);
 }
@@ -333,7 +273,7 @@ TEST(VkEvtSub, BoundsTheEventsThatWait) {
 // A subscriber that notices when it is called after its end.
 class CMortal : public VKDelegateSubscriber {
 public:
-    CMortal(unsigned nSeed, HWND hWnd) : m_random(nSeed), m_hWnd(hWnd) {
+    CMortal(unsigned nSeed, UiThread& window) : m_random(nSeed), m_window(window) {
         Subscribe(VKEVENT_CARD_REMOVED);
     }
     ~CMortal() override {
@@ -341,24 +281,16 @@ public:
         m_nAlive = 0;
     }
     void HandleEvent(const VKEvent&) override {
-        if (m_nAlive != kAlive)
-            ++s_nCallsOfDead;
+        s_nCallsOfDead += m_nAlive != kAlive;
         ++s_nCalls;
-        switch (m_random() % 8) {
-            case 0:
-                UnSubscribe();
-                break;
-            case 1:
-                SendMessageA(m_hWnd, WM_APP, 0, 0);
-                break;
-            case 2:
-                Sleep(0);
-                break;
-            default:
-                break;
-        }
-        if (m_nAlive != kAlive)
-            ++s_nCallsOfDead;
+        const unsigned nWhat = m_random() % 8;
+        if (nWhat == 0)
+            UnSubscribe();
+        else if (nWhat == 1)
+            m_window.Run([] {}, kDeadline);
+        else if (nWhat == 2)
+            Sleep(0);
+        s_nCallsOfDead += m_nAlive != kAlive;
     }
 
     static inline std::atomic<int> s_nCalls{0};
@@ -367,77 +299,63 @@ public:
 private:
     static constexpr unsigned kAlive = 0xA11FE;
     std::mt19937 m_random;
-    HWND m_hWnd;
+    UiThread& m_window;
     volatile unsigned m_nAlive = kAlive;
 };
 
-void LiveAndDie(unsigned nSeed, HWND hWnd, int nSteps, const std::function<void()>& between) {
+void ServeMessages() {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageA(&message);
+}
+
+void LiveAndDie(unsigned nSeed, UiThread& window) {
     std::mt19937 random(nSeed);
     std::vector<std::unique_ptr<CMortal>> mortals(6);
-    for (int i = 0; i < nSteps; ++i) {
+    for (int i = 0; i < 3000; ++i) {
         auto& place = mortals[random() % mortals.size()];
-        switch (random() % 3) {
-            case 0:
-                place = std::make_unique<CMortal>(random(), hWnd);
-                break;
-            case 1:
-                place.reset();
-                break;
-            default:
-                VKRaiseEvent(VKEVENT_CARD_REMOVED, "A");
-        }
-        between();
+        const unsigned nWhat = random() % 3;
+        if (nWhat == 2)
+            VKRaiseEvent(VKEVENT_CARD_REMOVED, "A");
+        else
+            place = nWhat == 0 ? std::make_unique<CMortal>(random(), window) : nullptr;
+        ServeMessages();
     }
 }
 
-TEST(VkEvtSub, SurvivesARaceOfDeletionsAndEvents) {
-    const unsigned nSeed = 4711;
-    const CTestWindow window([](UINT) { return LRESULT{0}; });
+TEST_F(VkEvtSub, SurvivesARaceOfDeletionsAndEvents) {
+    constexpr unsigned kSeed = 4711;
     std::atomic<int> nRunning{3};
     std::vector<std::thread> threads;
     for (unsigned i = 1; i <= 3; ++i)
         threads.emplace_back([&, i] {
-            LiveAndDie(nSeed + i, window.Handle(), 3000, [] {});
+            LiveAndDie(kSeed + i, m_window);
             --nRunning;
         });
-    const auto serve = [] {
-        MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-            DispatchMessageA(&message);
-    };
-    LiveAndDie(nSeed, window.Handle(), 3000, serve);
-    EXPECT_TRUE(mvp::test::WaitFor(std::chrono::seconds(100), [&] {
-        serve();
+    LiveAndDie(kSeed, m_window);
+    EXPECT_TRUE(WaitFor(std::chrono::seconds(100), [&] {
+        ServeMessages();
         return nRunning == 0;
     }));
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(CMortal::s_nCallsOfDead, 0) << "seed " << nSeed;
+    EXPECT_EQ(CMortal::s_nCallsOfDead, 0) << "seed " << kSeed;
     EXPECT_GT(CMortal::s_nCalls, 1000);
 }
 
-TEST(VkEvtSub, EndsItsThreadsAndKeepsNothing) {
-    const auto live = [](int nCycles) {
-        for (int i = 0; i < nCycles; ++i) {
+TEST_F(VkEvtSub, EndsItsThreadsAndKeepsNothing) {
+    const auto live = [](int nRound) {
+        for (int i = 0; i < (nRound == 0 ? 20 : 500); ++i) {
             const CSubscriber subscriber([](const VKEvent&) {});
             Raise("A");
         }
+        // Those that are ending still count.
+        EXPECT_TRUE(
+            WaitFor(kDeadline, [] { return ResourceCounts::Now().threads <= g_nThreadsAtStart; }));
     };
-    // Those that are ending still count.
-    const auto waitForTheEnd = [] {
-        EXPECT_TRUE(mvp::test::WaitFor(std::chrono::seconds(20), [] {
-            return mvp::test::ResourceCounts::Now().threads <= g_nThreadsAtStart;
-        }));
-    };
-    live(20);
-    waitForTheEnd();
-    const auto before = mvp::test::ResourceCounts::Now();
-    live(1000);
-    waitForTheEnd();
     // How many threads were ending at a time varies, and with it what the system keeps of them.
-    mvp::test::GrowthAllowance allowance;
-    allowance.privateBytes = 4 << 20;
-    mvp::test::ExpectNoGrowth(before, mvp::test::ResourceCounts::Now(), allowance);
+    ExpectRoundsKeepNothing(1, 2, live, {.privateBytes = 4 << 20});
 }
 
 }  // namespace
+}  // namespace mvp::test

@@ -34,9 +34,8 @@ constexpr Kind kKinds[] = {
 };
 
 void Put(Bytes& bytes, std::size_t nAt, std::uint32_t nValue, std::size_t nBytes = 4) {
-    for (std::size_t i = 0; i < nBytes; ++i) {
+    for (std::size_t i = 0; i < nBytes; ++i)
         bytes[nAt + i] = static_cast<std::uint8_t>(nValue >> 8 * i);
-    }
 }
 
 constexpr std::uint32_t kFileHeader = 14;
@@ -44,21 +43,17 @@ constexpr std::uint32_t kFileHeader = 14;
 Bytes FileOf(const Kind& kind) {
     const std::uint32_t nOffset = kFileHeader + kind.nHeader + kind.nBeforeRows;
     Bytes bytes(nOffset + kind.nRows, 0x40);
-    bytes[0] = 'B';
-    bytes[1] = 'M';
+    Put(bytes, 0, 0x4D42, 2);
     Put(bytes, 10, nOffset);
     Put(bytes, 14, kind.nHeader);
-    if (kind.nHeader == 12) {
-        Put(bytes, 18, static_cast<std::uint32_t>(kind.nWidth), 2);
-        Put(bytes, 20, static_cast<std::uint32_t>(kind.nHeight), 2);
-        Put(bytes, 22, 1, 2);
-        Put(bytes, 24, kind.nBits, 2);
+    const bool bCore = kind.nHeader == 12;
+    const std::size_t nSide = bCore ? 2 : 4;
+    Put(bytes, 18, static_cast<std::uint32_t>(kind.nWidth), nSide);
+    Put(bytes, 18 + nSide, static_cast<std::uint32_t>(kind.nHeight), nSide);
+    Put(bytes, 18 + 2 * nSide, 1, 2);
+    Put(bytes, 20 + 2 * nSide, kind.nBits, 2);
+    if (bCore)
         return bytes;
-    }
-    Put(bytes, 18, static_cast<std::uint32_t>(kind.nWidth));
-    Put(bytes, 22, static_cast<std::uint32_t>(kind.nHeight));
-    Put(bytes, 26, 1, 2);
-    Put(bytes, 28, kind.nBits, 2);
     Put(bytes, 30, kind.nPacking);
     Put(bytes, 46, kind.nColours);
     if (kind.nPacking == 3) {
@@ -100,9 +95,8 @@ TEST(BitmapImage, ReadsEveryKind) {
         bytes.resize(bytes.size() + 4);
         EXPECT_TRUE(ReadBitmapFile(bytes).has_value()) << "room in front of the rows";
         EXPECT_TRUE(ReadBitmapResource(std::span(bytes).subspan(kFileHeader)).has_value());
-        for (std::size_t n = 0; n < nOffset; ++n) {
+        for (std::size_t n = 0; n < nOffset; ++n)
             EXPECT_FALSE(ReadBitmapFile(std::span(bytes).first(n)).has_value()) << n;
-        }
     }
 }
 

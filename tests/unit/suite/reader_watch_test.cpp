@@ -1,7 +1,7 @@
 #include "suite/vkevtsub/reader_watch.h"
 
-#include <functional>
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,30 +11,11 @@ namespace mvp {
 namespace {
 
 // A smart-card service in a made world. Each wait takes the next step of a script; behind the last
-// one the watch ends.
+// one the watch ends. A step is a word of one or more of these: +A plugs reader A in, -A unplugs
+// it, >A inserts a card, <A pulls it, /0 stops the service and /1 starts it. A dot does nothing.
 class CScriptedService final : public ICardService {
 public:
-    using Step = std::function<void(CScriptedService&)>;
-
-    explicit CScriptedService(std::vector<Step> script) : m_script(std::move(script)) {}
-
-    // What happens in the world.
-    void Plug(const std::string& strReader) { m_readers[strReader] = {}; }
-    void Unplug(const std::string& strReader) { m_readers.erase(strReader); }
-    void Insert(const std::string& strReader) {
-        m_readers.at(strReader).bCardIn = true;
-        ++m_readers.at(strReader).nMoves;
-    }
-    void Pull(const std::string& strReader) {
-        m_readers.at(strReader).bCardIn = false;
-        ++m_readers.at(strReader).nMoves;
-    }
-    void Stop() {
-        m_bUp = false;
-        for (auto& [name, reader] : m_readers)
-            reader.nMoves = 0;
-    }
-    void Start() { m_bUp = true; }
+    explicit CScriptedService(const std::string& script) : m_script(script) {}
 
     bool Connect() override {
         if (m_bUp)
@@ -77,10 +58,24 @@ private:
     };
 
     void TakeStep() {
-        if (m_nNext < m_script.size())
-            m_script[m_nNext++](*this);
-        else
-            m_bEnding = true;
+        std::string step;
+        m_bEnding = !(m_script >> step);
+        for (std::size_t n = 0; n + 1 < step.size(); n += 2) {
+            const std::string strReader(1, step[n + 1]);
+            if (step[n] == '+')
+                m_readers[strReader] = {};
+            else if (step[n] == '-')
+                m_readers.erase(strReader);
+            else if (step[n] == '/')
+                SetUp(step[n + 1] == '1');
+            else
+                m_readers[strReader] = {step[n] == '>', m_readers[strReader].nMoves + 1};
+        }
+    }
+    void SetUp(bool bUp) {
+        m_bUp = bUp;
+        for (auto& [name, reader] : m_readers)
+            reader.nMoves = bUp ? reader.nMoves : 0;
     }
 
     Wait Look(std::vector<ReaderState>& readers) {
@@ -101,114 +96,59 @@ private:
         return bChange ? Wait::kReported : Wait::kNothing;
     }
 
-    std::vector<Step> m_script;
-    std::size_t m_nNext = 0;
+    std::istringstream m_script;
     std::map<std::string, Reader> m_readers;
     bool m_bUp = true;
     bool m_bEnding = false;
     int m_nConnections = 0;
 };
 
-using World = CScriptedService;
-using Names = std::vector<std::string>;
-
-Names RemovedIn(CScriptedService& service) {
-    Names removed;
-    CReaderWatch(service, [&](const std::string& strReader) {
-        removed.push_back(strReader);
-    }).Run();
+// The readers whose cards were reported to have left, in order.
+std::string RemovedIn(const std::string& script) {
+    CScriptedService service(script);
+    std::string removed;
+    CReaderWatch(service, [&](const std::string& strReader) { removed += strReader; }).Run();
     EXPECT_EQ(service.Connections(), 0);
     return removed;
 }
 
-void Nothing(World&) {}
-
 TEST(ReaderWatch, ReportsCardsThatLeave) {
     const struct {
         const char* pszName;
-        std::vector<World::Step> script;
-        Names removed;
+        const char* pszScript;
+        const char* pszRemoved;
     } cases[] = {
-        {"no readers", {Nothing}, {}},
-        {"pulled",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); }, [](World& w) { w.Pull("A"); }},
-         {"A"}},
-        {"there before the watch, and stays",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); }, Nothing, Nothing},
-         {}},
-        {"one of two",
-         {[](World& w) { w.Plug("A"), w.Plug("B"), w.Insert("A"), w.Insert("B"); },
-          [](World& w) { w.Pull("B"); }, [](World& w) { w.Pull("A"); }},
-         {"B", "A"}},
-        {"inserted later",
-         {[](World& w) { w.Plug("A"); }, [](World& w) { w.Insert("A"); },
-          [](World& w) { w.Pull("A"); }},
-         {"A"}},
-        {"exchanged between two looks",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); },
-          [](World& w) { w.Pull("A"), w.Insert("A"); }, [](World& w) { w.Pull("A"); }},
-         {"A", "A"}},
-        {"inserted and pulled between two looks: nobody knew of it",
-         {[](World& w) { w.Plug("A"); }, [](World& w) { w.Insert("A"), w.Pull("A"); }},
-         {}},
-        {"reader unplugged with its card, and plugged in again",
-         {[](World& w) { w.Plug("A"), w.Plug("B"), w.Insert("A"), w.Insert("B"); },
-          [](World& w) { w.Unplug("A"); }, [](World& w) { w.Plug("A"), w.Insert("A"); },
-          [](World& w) { w.Pull("A"); }},
-         {"A", "A"}},
-        {"empty reader unplugged",
-         {[](World& w) { w.Plug("A"); }, [](World& w) { w.Unplug("A"); }},
-         {}},
-        {"service restarted in between, card stays",
-         {[](World& w) { w.Plug("A"), w.Insert("A"), w.Pull("A"), w.Insert("A"); },
-          [](World& w) { w.Stop(); }, [](World& w) { w.Start(); }, Nothing},
-         {}},
-        {"service restarted, card pulled meanwhile",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); }, [](World& w) { w.Stop(); },
-          [](World& w) { w.Pull("A"), w.Start(); }},
-         {"A"}},
-        {"service restarted, reader gone meanwhile",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); }, [](World& w) { w.Stop(); },
-          [](World& w) { w.Unplug("A"), w.Start(); }, Nothing},
-         {"A"}},
-        {"service stays away",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); }, [](World& w) { w.Stop(); }, Nothing,
-          Nothing, Nothing, Nothing, Nothing},
-         {"A"}},
-        {"service away again and again, never for long",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); }, &World::Stop, &World::Start, &World::Stop,
-          &World::Start, &World::Stop, &World::Start},
-         {}},
-        {"service back after long",
-         {[](World& w) { w.Plug("A"), w.Insert("A"); }, [](World& w) { w.Stop(); }, Nothing,
-          Nothing, Nothing, Nothing, [](World& w) { w.Start(); }, [](World& w) { w.Pull("A"); }},
-         {"A", "A"}},
-        {"service starts late",
-         {[](World& w) { w.Stop(); }, Nothing, Nothing,
-          [](World& w) { w.Start(), w.Plug("A"), w.Insert("A"); }, [](World& w) { w.Pull("A"); }},
-         {"A"}},
+        {"no readers", ".", ""},
+        {"pulled", "+A>A <A", "A"},
+        {"there before the watch, and stays", "+A>A . .", ""},
+        {"one of two", "+A+B>A>B <B <A", "BA"},
+        {"inserted later", "+A >A <A", "A"},
+        {"exchanged between two looks", "+A>A <A>A <A", "AA"},
+        {"inserted and pulled between two looks: nobody knew of it", "+A >A<A", ""},
+        {"reader unplugged with its card, and back", "+A+B>A>B -A +A>A <A", "AA"},
+        {"empty reader unplugged", "+A -A", ""},
+        {"service restarted in between, card stays", "+A>A<A>A /0 /1 .", ""},
+        {"service restarted, card pulled meanwhile", "+A>A /0 <A/1", "A"},
+        {"service restarted, reader gone meanwhile", "+A>A /0 -A/1 .", "A"},
+        {"service stays away", "+A>A /0 . . . . .", "A"},
+        {"service away often, never for long", "+A>A /0 /1 /0 /1 /0 /1", ""},
+        {"service back after long", "+A>A /0 . . . . /1 <A", "AA"},
+        {"service starts late", "/0 . . /1+A>A <A", "A"},
     };
-    for (const auto& each : cases) {
-        CScriptedService service(each.script);
-        EXPECT_EQ(RemovedIn(service), each.removed) << each.pszName;
-    }
+    for (const auto& c : cases)
+        EXPECT_EQ(RemovedIn(c.pszScript), c.pszRemoved) << c.pszName;
 }
 
 TEST(ReaderWatch, WatchesManyReaders) {
-    std::vector<World::Step> script;
-    Names expected;
-    script.push_back([](World& world) {
-        for (int i = 100; i < 200; ++i) {
-            world.Plug("Reader " + std::to_string(i));
-            world.Insert("Reader " + std::to_string(i));
-        }
-    });
-    for (int i = 199; i >= 100; i -= 7) {
-        expected.push_back("Reader " + std::to_string(i));
-        script.push_back([i](World& world) { world.Pull("Reader " + std::to_string(i)); });
+    std::string script;
+    std::string expected;
+    for (char ch = '0'; ch <= 'z'; ++ch)
+        script += {'+', ch, '>', ch};
+    for (char ch = 'z'; ch > '0'; ch = static_cast<char>(ch - 7)) {
+        expected += ch;
+        script += {' ', '<', ch};
     }
-    CScriptedService service(script);
-    EXPECT_EQ(RemovedIn(service), expected);
+    EXPECT_EQ(RemovedIn(script), expected);
 }
 
 // A service that gives the same answer at once, always, for a minute.
