@@ -1,6 +1,5 @@
 // The customer's pictures in the enter-PIN dialog.
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -8,14 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include "resources/resource_numbers.h"
 #include "support/bitmap_header.h"
-#include "support/dialog_driver.h"
-#include "support/log_recorder.h"
-#include "support/registry_hive.h"
-#include "ui/dialogs/attached_library.h"
+#include "ui/dialogs/library_test.h"
 #include "ui/dialogs/other_system.h"
-#include "ui/dialogs/pin_request.h"
+#include "ui/dialogs/pin_requests.h"
 
 namespace mvp::test {
 namespace {
@@ -47,48 +42,31 @@ constexpr DWORD kHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
 // they begin elsewhere.
 std::string BitmapFile(int nWidth, int nHeight, std::size_t nPixelBytes,
                        DWORD dwOffset = kHeaders) {
-    BITMAPFILEHEADER file{};
-    file.bfType = 0x4D42;
-    file.bfOffBits = dwOffset;
-    file.bfSize = static_cast<DWORD>(kHeaders + nPixelBytes);
+    const BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(kHeaders + nPixelBytes), 0, 0, dwOffset};
     const BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
-    std::string bytes(sizeof file + sizeof info, '\0');
-    std::memcpy(bytes.data(), &file, sizeof file);
-    std::memcpy(bytes.data() + sizeof file, &info, sizeof info);
-    return bytes + std::string(nPixelBytes, '\x40');
+    return std::string(reinterpret_cast<const char*>(&file), sizeof file) +
+           std::string(reinterpret_cast<const char*>(&info), sizeof info) +
+           std::string(nPixelBytes, '\x40');
 }
 
-class Branding : public testing::Test {
-protected:
-    // Which of the four pictures the dialog shows: built-in banner and strip, then the customer's.
-    std::vector<bool> Shown() {
-        std::vector<bool> shown;
-        PinRequest request;
-        DialogDriver driver([&](Dialog& d) {
-            for (const int id : {IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
-                                 IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS})
-                shown.push_back(d.IsVisible(id));
-            const RECT brand = d.Rect(IDC_ENTER_PIN_BRAND_BANNER);
-            const RECT standard = d.Rect(IDC_ENTER_PIN_BANNER);
-            if (d.IsVisible(IDC_ENTER_PIN_BRAND_BANNER)) {
-                EXPECT_EQ(brand.right - brand.left, standard.right - standard.left);
-                EXPECT_EQ(brand.bottom - brand.top, standard.bottom - standard.top);
-            }
-            d.Escape();
-        });
-        request.Call();
-        driver.Join();
-        request.Free();
-        return shown;
-    }
+// Which pictures the dialog shows: built-in banner and strip, then the customer's.
+std::string Shown() {
+    std::string strShown;
+    PinRequest().Ask([&](Dialog& d) {
+        for (const int nId : {IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
+                              IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS})
+            strShown += d.IsVisible(nId) ? "BSbs"[strShown.size()] : '-';
+        if (d.IsVisible(IDC_ENTER_PIN_BRAND_BANNER)) {
+            EXPECT_EQ(CRect(d.Rect(IDC_ENTER_PIN_BRAND_BANNER)).Size(),
+                      CRect(d.Rect(IDC_ENTER_PIN_BANNER)).Size());
+        }
+        d.Escape();
+    });
+    return strShown;
+}
 
-    AttachedLibrary m_library;
-    RegistryHive m_hive;
-    LogRecorder m_log;
-};
-
-using Flags = std::vector<bool>;
-const Flags kBuiltIn = {true, true, false, false};
+using Branding = LibraryTest;
+constexpr char kBuiltIn[] = "BS--";
 
 TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     EXPECT_EQ(Shown(), kBuiltIn);
@@ -103,15 +81,15 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     const TestFile claim("claimbitmap", BitmapFile(1000, 1000, 200 - kHeaders));
     const TestFile beyond("beyondbitmap", BitmapFile(20, 20, 1200, 0x7FFFFFF0));
     const TestFile early("earlybitmap", BitmapFile(20, 20, 1200, 16));
+    constexpr const char* kNoFile = "there is no such file";
     constexpr const char* kNoBitmap = "the file is not a bitmap that can be shown";
-    struct Case {
+    const struct {
         std::string strValue;
         const char* pszReason;
-    };
-    const Case cases[] = {
-        {"C:\\missing.bmp", "there is no such file"},
-        {"C:\\", "there is no such file"},
-        {std::string(255, 'p'), "there is no such file"},
+    } cases[] = {
+        {"C:\\missing.bmp", kNoFile},
+        {"C:\\", kNoFile},
+        {std::string(255, 'p'), kNoFile},
         {text.Path(), kNoBitmap},
         {huge.Path(), kNoBitmap},
         {claim.Path(), kNoBitmap},
@@ -130,12 +108,12 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
             std::string("Setting ignored: ") + kKey + "\\" + pszValueName + ": " + pszReason;
         EXPECT_EQ(std::ranges::count(m_log.Texts(1), line), 1) << line << m_log.Dump();
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         m_hive.SetString(kKey, "BannerHiRes", c.strValue);
         expectIgnored("BannerHiRes", c.pszReason);
     }
     m_hive.SetUnterminated(kKey, "BannerHiRes", std::string(260, 'u'));
-    expectIgnored("BannerHiRes", "there is no such file");
+    expectIgnored("BannerHiRes", kNoFile);
     m_hive.DeleteValue(kKey, "BannerHiRes");
     for (const DWORD dwNoText : {0x41424344U, 0U, 256U}) {
         m_hive.SetDword(kKey, "ProgressBarHiRes", dwNoText);
@@ -144,33 +122,22 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
 }
 
 TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {
-    struct Case {
-        int nBitsPerPixel;
-        const char* pszResolution;
-        const char* pszOther;
-    };
-    const Case cases[] = {{0, "HiRes", "LowRes"}, {8, "HiRes", "LowRes"}, {4, "LowRes", "HiRes"}};
-    const TestFile picture("picture", BitmapFile(20, 20, 1200));
-    for (const Case& c : cases) {
-        const ScreenOfDepth depth(c.nBitsPerPixel);
-        const std::string banner = std::string("Banner") + c.pszResolution;
-        const std::string progress = std::string("ProgressBar") + c.pszResolution;
-        m_hive.SetString(kKey, std::string("Banner") + c.pszOther, picture.Path());
+    // Larger than its place, to which it is cut.
+    const TestFile large("large", BitmapFile(3000, 2000, std::size_t{9000} * 2000));
+    const TestFile small("small", BitmapFile(20, 20, 1200));
+    for (const int nBitsPerPixel : {0, 8, 4}) {
+        const ScreenOfDepth depth(nBitsPerPixel);
+        const std::string strResolution = nBitsPerPixel == 4 ? "LowRes" : "HiRes";
+        m_hive.SetString(kKey, nBitsPerPixel == 4 ? "BannerHiRes" : "BannerLowRes", small.Path());
         EXPECT_EQ(Shown(), kBuiltIn) << "the other resolution's picture is no fallback";
-        m_hive.SetString(kKey, banner, picture.Path());
-        EXPECT_EQ(Shown(), (Flags{false, true, true, false}));
-        m_hive.SetString(kKey, progress, picture.Path());
-        EXPECT_EQ(Shown(), (Flags{false, false, true, true}));
-        m_hive.DeleteValue(kKey, banner);
-        EXPECT_EQ(Shown(), (Flags{true, false, false, true}));
+        m_hive.SetString(kKey, "Banner" + strResolution, large.Path());
+        EXPECT_EQ(Shown(), "-Sb-");
+        m_hive.SetString(kKey, "ProgressBar" + strResolution, small.Path());
+        EXPECT_EQ(Shown(), "--bs");
+        m_hive.DeleteValue(kKey, "Banner" + strResolution);
+        EXPECT_EQ(Shown(), "B--s");
         m_hive.DeleteKey(kKey);
     }
-}
-
-TEST_F(Branding, LargePictureIsCutToThePlace) {
-    const TestFile large("large", BitmapFile(3000, 2000, std::size_t{9000} * 2000));
-    m_hive.SetString(kKey, "BannerHiRes", large.Path());
-    EXPECT_EQ(Shown(), (Flags{false, true, true, false}));
 }
 
 }  // namespace

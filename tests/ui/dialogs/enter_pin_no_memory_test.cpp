@@ -6,17 +6,12 @@
 #include <new>
 #include <string_view>
 
-#include <dlgfw/string.h>
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
-#include "frame/module.h"
-#include "resources/resource_numbers.h"
-#include "support/dialog_driver.h"
-#include "support/log_recorder.h"
 #include "support/memory_scan.h"
-#include "ui/dialogs/attached_library.h"
-#include "ui/dialogs/pin_request.h"
+#include "ui/dialogs/library_test.h"
+#include "ui/dialogs/pin_requests.h"
 
 namespace {
 
@@ -55,47 +50,38 @@ CString* CopyString(CString* pThis, const CString& strSource) {
 namespace mvp::test {
 namespace {
 
-TEST(EnterPinWithoutMemory, IsRefusedAndHoldsTheGuard) {
-    const AttachedLibrary library;
+using EnterPinWithoutMemory = LibraryTest;
+
+TEST_F(EnterPinWithoutMemory, IsRefusedAndHoldsTheGuard) {
     const Secret pin;
     const SecretWatch watch({&pin});
-    LogRecorder log;
     PinRequest request{.dwMax = 100};
-    DialogDriver driver([&](Dialog& d) {
+    const auto enter = [&pin](Dialog& d) {
         d.Type(IDC_ENTER_PIN_EDIT, pin);
         d.Type(IDC_ENTER_PIN_EDIT, kFiller);
         d.Click(IDOK);
-    });
+    };
     g_bRefuse = true;
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_EQ(request.Call(enter), MVPINGUI_REFUSED);
     g_bRefuse = false;
-    driver.Join();
-    EXPECT_TRUE(request.IsUntouched());
-    EXPECT_TRUE(log.Contains(2, "GetPINFromUser: Enter PIN action validated")) << log.Dump();
-    EXPECT_TRUE(log.Contains(1, "GetPINFromUser: PIN buffer allocation failed"));
-    EXPECT_TRUE(log.Contains(1, "GetPINFromUser: returns: -1"));
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action validated")) << m_log.Dump();
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: PIN buffer allocation failed"));
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: returns: -1"));
     EXPECT_EQ(Module().nPinDialogInProgress, 1);
-    FreeGetPinBuffer(nullptr, 0);
+    EXPECT_EQ(request.Outcome(MVPINGUI_REFUSED), kRefused);
     EXPECT_EQ(Module().nPinDialogInProgress, 0);
     watch.ExpectNothingLeft("no memory");
 }
 
-TEST(EnterPinWithoutMemory, DoesNotReactToRemovalWithoutAWatcher) {
-    const AttachedLibrary library;
-    LogRecorder log;
-    PinRequest request{.pszReader = kReader.data()};
-    DialogDriver driver([](Dialog& d) {
+TEST_F(EnterPinWithoutMemory, DoesNotReactToRemovalWithoutAWatcher) {
+    const auto removeAndEnter = [](Dialog& d) {
         EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, kReader.data()), VKEVTSUB_OK);
         EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
-        d.Type(IDC_ENTER_PIN_EDIT, "1234");
-        d.Click(IDOK);
-    });
-    EXPECT_EQ(request.Call(), MVPINGUI_OK);
-    driver.Join();
-    EXPECT_EQ(request.Pin(), "1234");
-    request.Free();
-    EXPECT_TRUE(log.Contains(1, "VKDetectCardRemovedDlg::OnInitDialog: exception")) << log.Dump();
-    EXPECT_TRUE(log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
+        TypePin()(d);
+    };
+    EXPECT_EQ(PinRequest{.pszReader = kReader.data()}.Ask(removeAndEnter), "1234");
+    EXPECT_TRUE(m_log.Contains(1, "VKDetectCardRemovedDlg::OnInitDialog: exception"));
+    EXPECT_TRUE(m_log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
 }
 
 }  // namespace
