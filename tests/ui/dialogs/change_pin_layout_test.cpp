@@ -44,7 +44,10 @@ TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
                 const CRect cancel = rectOf(d.Control(IDCANCEL));
                 CRect client;
                 GetClientRect(d.Handle(), &client);
-                EXPECT_EQ(rectOf(GetParent(d.Control(IDC_POLICIES_BOX))).bottom, box.bottom);
+                const CRect lines = rectOf(GetParent(d.Control(IDC_POLICIES_BOX)));
+                EXPECT_EQ(lines.TopLeft(),
+                          rectOf(d.Control(IDC_CHANGE_PIN_PANEL_POLICIES_PLACE)).TopLeft());
+                EXPECT_EQ(lines.bottom, box.bottom);
                 EXPECT_EQ(panel.bottom, box.bottom);
                 EXPECT_EQ(panel.TopLeft(), place.TopLeft());
                 // As far below the panel, and above the frame, as the template has them: 7 units.

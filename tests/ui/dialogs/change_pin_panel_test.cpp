@@ -8,7 +8,6 @@
 
 #include "dialogs/pin/change_pin_panels.h"
 #include "mvpingui/change_pin_dialog.h"
-#include "support/dialog_template.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/dialogs/pin_requests.h"
 
@@ -34,7 +33,10 @@ std::string Read(const CWnd& host) {
 
 TEST_F(ChangePinPanel, IsReadWithoutADialog) {
     CHost host;
+    const HINSTANCE before = AfxGetResourceHandle();
     const auto panel = Embed(host, &host.m_ok);
+    EXPECT_EQ(AfxGetResourceHandle(), before);
+    EXPECT_EQ(RectIn(host.m_hWnd, panel->m_hWnd).TopLeft(), CPoint(150, 20));
     EXPECT_FALSE(host.m_ok.IsWindowEnabled());
     EXPECT_EQ(::GetFocus(), ::GetDlgItem(panel->m_hWnd, kCurrent));
     SetPins(panel->m_hWnd, "1234", "58381", "58381");
@@ -45,27 +47,7 @@ TEST_F(ChangePinPanel, IsReadWithoutADialog) {
     host.m_ok.EnableWindow(TRUE);
     EXPECT_EQ(Read(host), kRefused);
     EXPECT_FALSE(host.m_ok.IsWindowEnabled());
-}
-
-TEST_F(ChangePinPanel, StandsInItsHostAsToldAndEndsWithItsRules) {
-    CHost host;
-    const HINSTANCE before = AfxGetResourceHandle();
-    const auto panel = Embed(host, nullptr);
-    EXPECT_EQ(AfxGetResourceHandle(), before);
-    EXPECT_EQ(RectIn(host.m_hWnd, panel->m_hWnd).TopLeft(), CPoint(150, 20));
-    const CRect rules =
-        RectIn(panel->m_hWnd, FindWindowExA(panel->m_hWnd, nullptr, "#32770", nullptr));
-    const CRect place =
-        RectIn(panel->m_hWnd, ::GetDlgItem(panel->m_hWnd, IDC_CHANGE_PIN_PANEL_POLICIES_PLACE));
-    EXPECT_EQ(rules.TopLeft(), place.TopLeft());
-    CRect client;
-    panel->GetClientRect(&client);
-    EXPECT_EQ(client.bottom, rules.bottom);
-}
-
-TEST_F(ChangePinPanel, EmptyCurrentPinDisablesOkButBreaksNoRule) {
-    CHost host;
-    const auto panel = Embed(host, &host.m_ok);
+    // An empty current PIN disables OK, but breaks no rule.
     SetPins(panel->m_hWnd, "", "5838", "5838");
     EXPECT_FALSE(host.m_ok.IsWindowEnabled());
     EXPECT_TRUE(panel->VerifyAndUpdateAllPolicies("5838"));
@@ -166,17 +148,10 @@ TEST_F(ChangePinPanel, MayBeDestroyedWhileItsCheckRuns) {
 TEST_F(ChangePinPanel, HostMayGoFirst) {
     auto host = std::make_unique<CHost>();
     const auto panel = Embed(*host, &host->m_ok);
-    SetPins(panel->m_hWnd, "1234", "5838", "5838");
+    SetPins(panel->m_hWnd, "12345", "58381", "58382");
     host.reset();
     EXPECT_EQ(panel->m_hWnd, nullptr);
-    // What was read last stays with the object until it is erased.
-    EXPECT_STREQ(panel->NewPin(), "5838");
-}
-
-TEST_F(ChangePinPanel, ErasesItsPinsInPlace) {
-    CHost host;
-    const auto panel = Embed(host, nullptr);
-    SetPins(panel->m_hWnd, "12345", "58381", "58382");
+    // What was read last stays with the object until it is erased, in place.
     const char* pCurrent = panel->CurrentPin();
     const char* pNew = panel->NewPin();
     EXPECT_STREQ(pCurrent, "12345");
@@ -222,54 +197,6 @@ TEST_F(ChangePinPanel, ReadsItsConfiguration) {
                                           std::to_string(c.dwRead) + ": " + strPath;
         EXPECT_EQ(m_log.Texts(1), std::vector<std::string>{strLine});
     }
-}
-
-// A dialog of the host's own around the panel, of another shape than the library's.
-class CHostDialog : public CDialog {
-public:
-    CHostDialog() : m_template("Host", {10, 10, 400, 220}) {
-        m_template.Add("BUTTON", IDOK, "OK", {10, 10, 60, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP);
-        InitModalIndirect(m_template.Get());
-    }
-
-    std::string m_strRead;
-
-protected:
-    BOOL OnInitDialog() override {
-        CDialog::OnInitDialog();
-        m_ok.SubclassDlgItem(IDOK, this);
-        m_panel = Embed(*this, &m_ok);
-        return FALSE;
-    }
-    void OnOK() override {
-        ChangePinRequest request{.hHost = m_hWnd};
-        m_strRead = request.Outcome(request.CallAlone());
-        CDialog::OnOK();
-    }
-
-private:
-    DialogTemplate m_template;
-    CButton m_ok;
-    std::unique_ptr<CChangePINDialog> m_panel;
-};
-
-TEST_F(ChangePinPanel, WorksInAHostsDialog) {
-    CHostDialog dialog;
-    const DialogDriver driver([](Dialog& d) {
-        EXPECT_EQ(d.FocusedId(), kCurrent);
-        EXPECT_FALSE(d.IsEnabled(IDOK));
-        d.Type(kCurrent, "1234");
-        d.Tab();
-        EXPECT_EQ(d.FocusedId(), kNew);
-        d.Type(kNew, "5838");
-        d.Type(kConfirm, "5838");
-        d.Tab();
-        EXPECT_EQ(d.FocusedId(), IDOK);
-        d.Focus(kConfirm);
-        d.Enter();
-    });
-    EXPECT_EQ(dialog.DoModal(), IDOK);
-    EXPECT_EQ(dialog.m_strRead, "1234/5838");
 }
 
 }  // namespace

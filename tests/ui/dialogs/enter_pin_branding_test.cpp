@@ -3,13 +3,12 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "support/bitmap_header.h"
+#include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/other_system.h"
 #include "ui/dialogs/pin_requests.h"
 
 namespace mvp::test {
@@ -17,32 +16,11 @@ namespace {
 
 constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
 
-// A file of the test's own, removed at the end.
-class TestFile {
-public:
-    TestFile(const std::string& strName, const std::string& strBytes)
-        : m_path(std::filesystem::absolute(strName + std::to_string(GetCurrentProcessId()))) {
-        std::ofstream(m_path, std::ios::binary) << strBytes;
-    }
-    TestFile(const TestFile&) = delete;
-    TestFile& operator=(const TestFile&) = delete;
-    ~TestFile() {
-        std::error_code ignored;
-        std::filesystem::remove(m_path, ignored);
-    }
-    std::string Path() const { return m_path.string(); }
-
-private:
-    std::filesystem::path m_path;
-};
-
-constexpr DWORD kHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
-
-// A bitmap file of one colour. The header may claim another size than the pixels have, and that
-// they begin elsewhere.
-std::string BitmapFile(int nWidth, int nHeight, std::size_t nPixelBytes,
-                       DWORD dwOffset = kHeaders) {
-    const BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(kHeaders + nPixelBytes), 0, 0, dwOffset};
+// A bitmap file of one colour.
+std::string BitmapFile(int nWidth, int nHeight) {
+    const auto nPixelBytes = static_cast<std::size_t>(3 * nWidth * nHeight);
+    constexpr DWORD kHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
+    const BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(kHeaders + nPixelBytes), 0, 0, kHeaders};
     const BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
     return std::string(reinterpret_cast<const char*>(&file), sizeof file) +
            std::string(reinterpret_cast<const char*>(&info), sizeof info) +
@@ -65,7 +43,24 @@ std::string Shown() {
     return strShown;
 }
 
-using Branding = LibraryTest;
+class Branding : public LibraryTest {
+protected:
+    ~Branding() override {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_folder, ignored);
+    }
+    // The path of a file of the test's own.
+    std::string MakeFile(const std::string& strName, const std::string& strBytes) {
+        std::filesystem::create_directory(m_folder);
+        std::ofstream(m_folder / strName, std::ios::binary) << strBytes;
+        return (m_folder / strName).string();
+    }
+
+private:
+    std::filesystem::path m_folder =
+        std::filesystem::absolute("branding" + std::to_string(GetCurrentProcessId()));
+};
+
 constexpr char kBuiltIn[] = "BS--";
 
 TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
@@ -75,12 +70,6 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     m_hive.SetString(kKey, "BannerHiRes", "");
     EXPECT_EQ(Shown(), kBuiltIn);
     EXPECT_TRUE(m_log.Texts(1).back().starts_with("GetPINFromUser: returns")) << m_log.Dump();
-    const TestFile text("notabitmap", "this is not a bitmap");
-    const TestFile huge("hugebitmap", BitmapFile(0x7FFFFFFF, 0x7FFFFFFF, 100));
-    const TestFile good("good", BitmapFile(20, 20, 1200));
-    const TestFile claim("claimbitmap", BitmapFile(1000, 1000, 200 - kHeaders));
-    const TestFile beyond("beyondbitmap", BitmapFile(20, 20, 1200, 0x7FFFFFF0));
-    const TestFile early("earlybitmap", BitmapFile(20, 20, 1200, 16));
     constexpr const char* kNoFile = "there is no such file";
     constexpr const char* kNoBitmap = "the file is not a bitmap that can be shown";
     const struct {
@@ -90,13 +79,9 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
         {"C:\\missing.bmp", kNoFile},
         {"C:\\", kNoFile},
         {std::string(255, 'p'), kNoFile},
-        {text.Path(), kNoBitmap},
-        {huge.Path(), kNoBitmap},
-        {claim.Path(), kNoBitmap},
-        {beyond.Path(), kNoBitmap},
-        {early.Path(), kNoBitmap},
+        {MakeFile("text", "this is not a bitmap"), kNoBitmap},
         {"NUL", kNoBitmap},
-        {'"' + good.Path() + '"', "the path stands in quotation marks"},
+        {'"' + MakeFile("good", BitmapFile(20, 20)) + '"', "the path stands in quotation marks"},
         {"%SystemRoot%\\a.bmp",
          "variables in the path are not replaced, and there is no such file"},
         {std::string(300, 'l'), "the value is longer than 260 bytes"},
@@ -121,18 +106,25 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     }
 }
 
+int g_nBitsPerPixel = 0;
+
+int WINAPI TellBitsPerPixel(HDC, int nIndex) {
+    return nIndex == BITSPIXEL ? g_nBitsPerPixel : 0;
+}
+
 TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {
     // Larger than its place, to which it is cut.
-    const TestFile large("large", BitmapFile(3000, 2000, std::size_t{9000} * 2000));
-    const TestFile small("small", BitmapFile(20, 20, 1200));
-    for (const int nBitsPerPixel : {0, 8, 4}) {
-        const ScreenOfDepth depth(nBitsPerPixel);
+    const std::string strLarge = MakeFile("large", BitmapFile(3000, 2000));
+    const std::string strSmall = MakeFile("small", BitmapFile(20, 20));
+    const PatchedImports depth(nullptr, {{"GetDeviceCaps", Address(&TellBitsPerPixel)}});
+    for (const int nBitsPerPixel : {32, 8, 4}) {
+        g_nBitsPerPixel = nBitsPerPixel;
         const std::string strResolution = nBitsPerPixel == 4 ? "LowRes" : "HiRes";
-        m_hive.SetString(kKey, nBitsPerPixel == 4 ? "BannerHiRes" : "BannerLowRes", small.Path());
+        m_hive.SetString(kKey, nBitsPerPixel == 4 ? "BannerHiRes" : "BannerLowRes", strSmall);
         EXPECT_EQ(Shown(), kBuiltIn) << "the other resolution's picture is no fallback";
-        m_hive.SetString(kKey, "Banner" + strResolution, large.Path());
+        m_hive.SetString(kKey, "Banner" + strResolution, strLarge);
         EXPECT_EQ(Shown(), "-Sb-");
-        m_hive.SetString(kKey, "ProgressBar" + strResolution, small.Path());
+        m_hive.SetString(kKey, "ProgressBar" + strResolution, strSmall);
         EXPECT_EQ(Shown(), "--bs");
         m_hive.DeleteValue(kKey, "Banner" + strResolution);
         EXPECT_EQ(Shown(), "B--s");

@@ -10,6 +10,7 @@
 #include <vkevtsub/vkevtsub.h>
 
 #include "notify/card_removed_subscriber.h"
+#include "support/failing_heap.h"
 #include "support/resource_counts.h"
 #include "support/waiting.h"
 #include "ui/dialogs/library_test.h"
@@ -111,6 +112,20 @@ TEST_F(CardRemoval, AroundThePressOfOkCountsWhatIsHandledFirst) {
         });
         EXPECT_EQ(strOutcome, first != First::Removal ? "1234" : kRefused);
     }
+}
+
+TEST_F(CardRemoval, HasNoEffectWithoutMemoryForTheWatch) {
+    const std::string strReader(1000, 'r');
+    FailingHeap heap("dlgfw.dll");
+    heap.FailAt(1, strReader.size());  // the dialog's own copy comes first
+    const auto removeAndEnter = [&](Dialog& d) {
+        RemoveAndWait(strReader.c_str());
+        TypePin()(d);
+    };
+    EXPECT_EQ(PinRequest{.pszReader = strReader.c_str()}.Ask(removeAndEnter), "1234");
+    EXPECT_TRUE(heap.Stop());
+    EXPECT_TRUE(m_log.Contains(1, "VKDetectCardRemovedDlg::OnInitDialog: exception"));
+    EXPECT_TRUE(m_log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
 }
 
 // What the user and the card do, in an order drawn by chance; the outcome must fit what was done.

@@ -11,9 +11,9 @@
 
 #include "frame/help_topic.h"
 #include "support/caps_lock.h"
+#include "support/patched_imports.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/other_system.h"
 #include "ui/dialogs/pin_requests.h"
 
 namespace mvp::test {
@@ -124,8 +124,16 @@ TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
     }
 }
 
+// The system whose edits do not warn of Caps Lock.
+BOOL WINAPI TellOldSystem(OSVERSIONINFOA* pVersion) {
+    pVersion->dwPlatformId = VER_PLATFORM_WIN32_NT;
+    pVersion->dwMajorVersion = 5;
+    pVersion->dwMinorVersion = 0;
+    return TRUE;
+}
+
 TEST_F(EnterPin, WhatMovesTakesItsWarningDown) {
-    const OldSystem system;
+    const PatchedImports oldSystem(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
     const CapsLock capsLock(true);
     const std::string classes[] = {"CEnterPinDlg", "CChangePINDialogMain", "CChangePINDialog"};
     for (const std::string& strMoved : classes) {
@@ -199,7 +207,11 @@ TEST_F(EnterPin, OneRequestAtATime) {
 TEST_F(EnterPin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
     for (const bool bNullPin : {true, false}) {
         m_log.Clear();
-        PinRequest request{.bShowLastTry = 1, .bNullPin = bNullPin, .bNullLength = !bNullPin};
+        PinRequest request{.bShowLastTry = 1};
+        if (bNullPin)
+            request.ppPin = nullptr;
+        else
+            request.pcbPin = nullptr;
         EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
         EXPECT_TRUE(request.IsUntouched());
         EXPECT_TRUE(m_boxes.Calls().empty());

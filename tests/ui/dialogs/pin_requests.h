@@ -38,15 +38,13 @@ struct PinRequest {
     int bShowLastTry = 0;
     std::uint32_t dwMin = 4;
     std::uint32_t dwMax = 8;
-
-    bool bNullPin = false;
-    bool bNullLength = false;
     char* pPin = kUntouchedBuffer;
     std::uint32_t cbPin = kUntouchedLength;
+    char** ppPin = &pPin;
+    std::uint32_t* pcbPin = &cbPin;
 
     std::uint32_t CallAlone() {
-        return GetPINFromUser(hParent, pszReader, bShowLastTry, dwMin, dwMax,
-                              bNullPin ? nullptr : &pPin, bNullLength ? nullptr : &cbPin);
+        return GetPINFromUser(hParent, pszReader, bShowLastTry, dwMin, dwMax, ppPin, pcbPin);
     }
     template <class... Steps>
     std::uint32_t Call(Steps&&... steps) {
@@ -84,15 +82,17 @@ inline void Leave(Dialog& d) {
 }
 
 struct ChangePinRequest {
+    // What a PIN is written to.
     struct Output {
-        static constexpr std::uint32_t kUntouchedLength = 0xCAFE;
-
-        bool bNullText = false;
-        bool bNullLength = false;
         std::array<char, 256> text = Marked();
-        std::uint32_t cb = kUntouchedLength;
+        std::uint32_t cb = PinRequest::kUntouchedLength;
+        char* pszText = text.data();
+        std::uint32_t* pcbText = &cb;
 
-        bool IsUntouched() const { return text == Marked() && cb == kUntouchedLength; }
+        Output() = default;
+        Output(const Output&) = delete;
+        Output& operator=(const Output&) = delete;
+        bool IsUntouched() const { return text == Marked() && cb == PinRequest::kUntouchedLength; }
         // The PIN when it ends with a zero and nothing was written behind; else why not.
         std::string Pin() const {
             if (IsUntouched())
@@ -104,7 +104,6 @@ struct ChangePinRequest {
             return {text.data(), cb};
         }
 
-    private:
         static constexpr std::array<char, 256> Marked() {
             std::array<char, 256> buffer{};
             buffer.fill('\x7F');
@@ -120,11 +119,9 @@ struct ChangePinRequest {
     Output oldPin = {};
 
     std::uint32_t CallAlone() {
-        return GetChangePINInfoFromUser(
-            pRules, bShowLastTry, newPin.bNullText ? nullptr : newPin.text.data(),
-            newPin.bNullLength ? nullptr : &newPin.cb,
-            oldPin.bNullText ? nullptr : oldPin.text.data(),
-            oldPin.bNullLength ? nullptr : &oldPin.cb, "Reader A", hHost, bAskCurrentPin);
+        return GetChangePINInfoFromUser(pRules, bShowLastTry, newPin.pszText, newPin.pcbText,
+                                        oldPin.pszText, oldPin.pcbText, "Reader A", hHost,
+                                        bAskCurrentPin);
     }
     // The current PIN, a stroke, the new one; or kRefused.
     std::string Outcome(std::uint32_t dwResult) const {

@@ -99,7 +99,7 @@ TEST(Wiping, AfterARefusedRequest) {
 constexpr PwdRuleArgs kLongPins = {0, 0, 1, 1, 4, 64, 0};
 
 // The function's result. The caller's own copies are the caller's affair.
-std::uint32_t CallAndWipe(ChangePinRequest request) {
+std::uint32_t CallAndWipe(ChangePinRequest&& request) {
     const std::uint32_t dwResult = request.CallAlone();
     for (ChangePinRequest::Output* pOutput : {&request.newPin, &request.oldPin})
         SecureZeroMemory(pOutput->text.data(), pOutput->text.size());
