@@ -110,39 +110,39 @@ protected:
     ~OwnBalloon() override { SetCapsLock(false); }
 };
 
-TEST_F(OwnBalloon, FollowsFocusAndKey) {
-    CTestEdit edit(true);
-    SetCapsLock(false);
-    edit.SetFocus();
-    EXPECT_EQ(edit.Balloon(), nullptr);
-    SetCapsLock(true, true);
-    edit.Release(VK_CAPITAL);
-    EXPECT_EQ(edit.Balloon(), nullptr) << "the key is still held down";
-    SetCapsLock(true);
-    edit.Release(VK_CAPITAL);
-    EXPECT_TRUE(edit.ComesUp());
-    edit.LeaveIt();
-    EXPECT_FALSE(edit.IsBalloonUp());
-    edit.SetFocus();
-    EXPECT_TRUE(edit.ComesUp()) << "on when the edit gains the focus";
-    SetCapsLock(false);
-    edit.Release(VK_CAPITAL);
-    EXPECT_FALSE(edit.IsBalloonUp());
-}
-
-TEST_F(OwnBalloon, OnlyTypingTakesItDown) {
-    CTestEdit edit(true);
-    SetCapsLock(true);
-    edit.SetFocus();
-    ASSERT_TRUE(edit.ComesUp());
-    edit.Release(VK_SHIFT);
-    EXPECT_TRUE(edit.IsBalloonUp());
-    edit.Release('A');
-    EXPECT_FALSE(edit.IsBalloonUp());
-    edit.Release(VK_CAPITAL);
-    EXPECT_TRUE(edit.ComesUp());
-    edit.ResetToolTip();
-    EXPECT_FALSE(edit.IsBalloonUp());
+TEST_F(OwnBalloon, FollowsFocusAndKeysAndGoesWithTheEdit) {
+    HWND hBalloon = nullptr;
+    {
+        CTestEdit edit(true);
+        edit.SetFocus();
+        EXPECT_EQ(edit.Balloon(), nullptr);
+        SetCapsLock(true, true);
+        edit.Release(VK_CAPITAL);
+        EXPECT_EQ(edit.Balloon(), nullptr) << "the key is still held down";
+        SetCapsLock(true);
+        edit.Release(VK_CAPITAL);
+        EXPECT_TRUE(edit.ComesUp());
+        edit.LeaveIt();
+        EXPECT_FALSE(edit.IsBalloonUp());
+        edit.SetFocus();
+        EXPECT_TRUE(edit.ComesUp()) << "on when the edit gains the focus";
+        edit.Release(VK_SHIFT);
+        EXPECT_TRUE(edit.IsBalloonUp());
+        edit.Release('A');
+        EXPECT_FALSE(edit.IsBalloonUp()) << "only typing takes it down";
+        edit.Release(VK_CAPITAL);
+        EXPECT_TRUE(edit.ComesUp());
+        edit.ResetToolTip();
+        EXPECT_FALSE(edit.IsBalloonUp());
+        edit.Release(VK_CAPITAL);
+        EXPECT_TRUE(edit.ComesUp());
+        SetCapsLock(false);
+        edit.Release(VK_CAPITAL);
+        EXPECT_FALSE(edit.IsBalloonUp());
+        hBalloon = edit.Balloon();
+        EXPECT_NE(hBalloon, nullptr);
+    }
+    EXPECT_FALSE(IsWindow(hBalloon));
 }
 
 TEST_F(OwnBalloon, SpeaksOfPinOrPassword) {
@@ -169,26 +169,6 @@ TEST_F(OwnBalloon, StandsByTheEditAndOnTheScreen) {
         SendMessageA(edit.Balloon(), TTM_WINDOWFROMPOINT, 0, reinterpret_cast<LPARAM>(&point));
         EXPECT_EQ(point, CPoint(rect.left + 5, rect.top + 5));
     }
-}
-
-TEST_F(OwnBalloon, GoesWithTheEdit) {
-    HWND hBalloon = nullptr;
-    SetCapsLock(true);
-    {
-        CTestEdit edit(true);
-        edit.SetFocus();
-        hBalloon = edit.Balloon();
-        ASSERT_NE(hBalloon, nullptr);
-    }
-    EXPECT_FALSE(IsWindow(hBalloon));
-}
-
-TEST_F(OwnBalloon, IsNotMadeOnNewerSystems) {
-    CTestEdit edit(false);
-    SetCapsLock(true);
-    edit.SetFocus();
-    edit.Release(VK_CAPITAL);
-    EXPECT_EQ(edit.Balloon(), nullptr);
 }
 
 // What a tool-tip such as the system's edit makes, which belongs to the edit and tells it what it
@@ -226,6 +206,12 @@ TEST_F(SystemsBalloon, GetsTheLibrarysWordsForItsWarningOnly) {
     }
     CTestEdit edit(false);
     EXPECT_EQ(WordsOfSystemBalloon(edit, kOtherWords), kOtherWords);
+    // Where the system has its own balloon, the edit makes none.
+    SetCapsLock(true);
+    edit.SetFocus();
+    edit.Release(VK_CAPITAL);
+    EXPECT_EQ(edit.Balloon(), nullptr);
+    SetCapsLock(false);
 }
 
 // The answer to a balloon that asks for its text, which it keeps and takes from nowhere else.

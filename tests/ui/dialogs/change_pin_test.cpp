@@ -67,8 +67,7 @@ TEST_F(ChangePin, OpensReadyToType) {
 TEST_F(ChangePin, HandsOutBothPins) {
     const struct {
         const PwdRuleArgs* pRules;
-        std::string strCurrent;
-        std::string strNew;
+        std::string strCurrent, strNew;
     } cases[] = {{&kAllRules, "1234", "58381"},
                  {&kNoRules, "\xE9\xFF", "\x80 x"},
                  {&kNoRules, "1", ""},

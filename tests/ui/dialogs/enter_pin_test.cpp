@@ -23,8 +23,7 @@ using EnterPin = LibraryTest;
 
 TEST_F(EnterPin, HandsOutExactlyWhatWasTyped) {
     const struct {
-        std::uint32_t dwMin;
-        std::uint32_t dwMax;
+        std::uint32_t dwMin, dwMax;
         std::string strPin;
     } cases[] = {{4, 8, "123456"},
                  {1, 1, "7"},

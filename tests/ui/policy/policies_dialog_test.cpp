@@ -94,14 +94,11 @@ TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
 TEST_F(PoliciesDialog, EachRuleLooksAtItsOwnText) {
     const PwdRuleArgs unsignedBounds = {0, 0, 0, 0, 0x80000000, 0xFFFFFFFE, 0};
     const PwdRuleArgs noMaximum = {0, 1, 1, 1, 4, kNone, 0};
-    const std::string strHuge(100'000, '7');
+    const CString strHuge('7', 100'000);
     const struct {
         const PwdRuleArgs* pRules;
-        const char* pszOld;
-        const char* pszValue;
-        const char* pszNew;
-        const char* pszConfirm;
-        const char* pszLines;
+        CString strOld, strValue, strNew, strConfirm;
+        std::string strLines;
     } cases[] = {
         {&kAllRules, "1", "9", "5838x5838", "5838x5838", "vsvsss"},
         {&kAllRules, "1", "5838x5838", "9", "9", "svssvs"},
@@ -110,15 +107,15 @@ TEST_F(PoliciesDialog, EachRuleLooksAtItsOwnText) {
         {&kAllRules, "", "", "", "", "vsvvss"},
         {&kAllRules, "1", "\xFE\xFF\x01\x80", "2", "2", "ssssvs"},
         {&unsignedBounds, "", "1", "", "", "vs---s"},
-        {&noMaximum, "1", strHuge.c_str(), strHuge.c_str(), strHuge.c_str(), "s-vsss"},
+        {&noMaximum, "1", strHuge, strHuge, strHuge, "s-vsss"},
         {nullptr, "1", "1", "1", "1", "-----s"},
         {nullptr, "1", "1", "1", "2", "-----v"},
     };
     for (const auto& c : cases) {
         HostedPanel panel(c.pRules);
-        const bool bVerdict = panel.Check(c.pszOld, c.pszValue, c.pszNew, c.pszConfirm);
-        EXPECT_EQ(panel.Lines(), c.pszLines);
-        EXPECT_EQ(bVerdict, std::string(c.pszLines).find('v') == std::string::npos) << c.pszLines;
+        const bool bVerdict = panel.Check(c.strOld, c.strValue, c.strNew, c.strConfirm);
+        EXPECT_EQ(panel.Lines(), c.strLines);
+        EXPECT_EQ(bVerdict, c.strLines.find('v') == std::string::npos) << c.strLines;
     }
 }
 
