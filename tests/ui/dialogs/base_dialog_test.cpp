@@ -1,6 +1,7 @@
 #include "mvpingui/base_dialog.h"
 
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <vector>
 

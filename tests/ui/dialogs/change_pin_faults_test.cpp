@@ -107,8 +107,9 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
     CString value;
     const auto hasError = [this](std::initializer_list<std::string_view> parts) {
         return std::ranges::any_of(m_log.Texts(1), [&](const std::string& strLine) {
-            return std::ranges::any_of(
-                parts, [&](std::string_view part) { return strLine.find(part) != strLine.npos; });
+            return std::ranges::any_of(parts, [&](std::string_view part) {
+                return strLine.find(part) != std::string::npos;
+            });
         });
     };
     // What the edits do, and what a host calls.

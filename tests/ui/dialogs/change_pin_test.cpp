@@ -1,6 +1,7 @@
 // GetChangePINInfoFromUser with the library's own dialog, from the call to its result.
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>

@@ -192,7 +192,7 @@ private:
 TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
     // A run by hand may ask for more: MVP_SOAK_ROUNDS=10000.
     const char* pszRounds = std::getenv("MVP_SOAK_ROUNDS");
-    const int nRounds = pszRounds != nullptr ? std::atoi(pszRounds) : 200;
+    const long nRounds = pszRounds != nullptr ? std::strtol(pszRounds, nullptr, 10) : 200;
     std::mt19937 random(20261121);
     // Blocks, handles and threads are counted strictly. What the heaps have fetched from the system
     // is not: with their checks on they hold freed blocks back for a while.
@@ -203,7 +203,7 @@ TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
         EXPECT_TRUE(i % 20 != 19 || VKWaitForIdle(10'000) == VKEVTSUB_OK);
         m_log.Clear();
     };
-    ExpectRoundsKeepNothing(20, nRounds, round, {.privateBytes = 64 << 20});
+    ExpectRoundsKeepNothing(20, static_cast<int>(nRounds), round, {.privateBytes = 64 << 20});
 }
 
 }  // namespace

@@ -76,7 +76,7 @@ TEST_F(EnterPin, OpensOnTopAndHelps) {
 
 TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
     const auto isAllowed = [](int nLength) { return nLength >= 4 && nLength <= 8; };
-    EXPECT_EQ(PinRequest().Ask([&](Dialog& d) {
+    const auto typeAndDelete = [&](Dialog& d) {
         EXPECT_FALSE(d.IsEnabled(IDOK));
         for (int nLength = 1; nLength <= 9; ++nLength) {
             d.Type(IDC_ENTER_PIN_EDIT, "\xE9");
@@ -98,8 +98,8 @@ TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
         d.Enter();
         EXPECT_TRUE(d.IsOpen());
         d.Escape();
-    }),
-              kRefused);
+    };
+    EXPECT_EQ(PinRequest().Ask(typeAndDelete), kRefused);
 }
 
 TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
@@ -339,16 +339,15 @@ TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
 // The system destroys owned windows of the same thread only; the dialog of another goes on without.
 TEST_F(EnterPin, ParentMayGoMeanwhile) {
     const HWND hOwn = MakeParent();
-    EXPECT_EQ(
-        PinRequest{.hParent = hOwn}.Ask([&](Dialog& d) { d.Run([&] { DestroyWindow(hOwn); }); }),
-        kRefused);
+    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(hOwn); }); };
+    EXPECT_EQ(PinRequest{.hParent = hOwn}.Ask(destroyOwn), kRefused);
     const ForeignParent foreign;
-    EXPECT_EQ(PinRequest{.hParent = foreign.Handle()}.Ask([&](Dialog& d) {
+    const auto destroyForeign = [&](Dialog& d) {
         SendMessageA(foreign.Handle(), WM_CLOSE, 0, 0);
         EXPECT_FALSE(IsWindow(foreign.Handle()));
         TypePin()(d);
-    }),
-              "1234");
+    };
+    EXPECT_EQ(PinRequest{.hParent = foreign.Handle()}.Ask(destroyForeign), "1234");
 }
 
 HWND g_hRefused = nullptr;

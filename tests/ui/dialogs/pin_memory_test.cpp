@@ -61,7 +61,7 @@ class Scrubbing : public testing::Test {
 protected:
     ~Scrubbing() override { DestroyWindow(m_hEdit); }
     void Type() {
-        for (size_t i = 0; i < m_pin.size(); ++i)
+        for (size_t i = 0; i < Secret::size(); ++i)
             SendMessageA(m_hEdit, WM_CHAR, static_cast<unsigned char>(m_pin[i]), 1);
     }
 
@@ -80,7 +80,7 @@ TEST_F(Scrubbing, LeavesNothingInTheEdit) {
     Type();
     EXPECT_EQ(hits(), 1) << "the text has not moved";
     // One by one, which is how the control comes to remember all of it.
-    for (size_t i = 0; i < m_pin.size(); ++i)
+    for (size_t i = 0; i < Secret::size(); ++i)
         SendMessageA(m_hEdit, WM_CHAR, VK_BACK, 1);
     Type();
     EXPECT_EQ(hits(), 2) << "the text, and the one that was deleted";

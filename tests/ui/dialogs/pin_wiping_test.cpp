@@ -1,5 +1,6 @@
 // That nothing of a PIN is left in the memory of the process, be it the library's or the system's,
 // after every ending of a request.
+#include <utility>
 #include <vector>
 
 #include <dlgfw/dlgfw.h>
@@ -15,6 +16,9 @@ namespace {
 
 using End = void (*)(Dialog& dialog, const Secret& pin);
 
+void Cancel(Dialog& d, const Secret& /*pin*/) {
+    d.Escape();
+}
 void RemoveCard(Dialog& d, const Secret& /*pin*/) {
     VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
     d.WaitGone();
@@ -58,7 +62,7 @@ void DeleteAndCancel(Dialog& d, const Secret& pin) {
         d.Type(IDC_ENTER_PIN_EDIT, pin);
     }
     // One by one, which is how the control comes to remember all of it.
-    for (size_t i = 0; i < pin.size(); ++i)
+    for (size_t i = 0; i < Secret::size(); ++i)
         d.Send(IDC_ENTER_PIN_EDIT, WM_CHAR, VK_BACK);
     d.Escape();
 }
@@ -69,7 +73,7 @@ TEST(Wiping, AfterARefusedRequest) {
         std::uint32_t dwMax;
         End end;
     } cases[] = {
-        {"Cancel", 100, [](Dialog& d, const Secret&) { d.Escape(); }},
+        {"Cancel", 100, Cancel},
         {"deleted and cancelled", 100, DeleteAndCancel},
         {"removal", 100, RemoveCard},
         {"a false end of the edit", 100,
@@ -78,17 +82,14 @@ TEST(Wiping, AfterARefusedRequest) {
          }},
         {"a false end of the dialog", 100,
          [](Dialog& d, const Secret&) { SendMessageA(d.Handle(), WM_NCDESTROY, 0, 0); }},
-        {"too long", 8,
-         [](Dialog& d, const Secret&) {
-             EXPECT_FALSE(d.IsEnabled(IDOK));
-             d.Escape();
-         }},
+        {"too long", 8, Cancel},
     };
     for (const auto& c : cases) {
         const Secret pin;
         const SecretWatch watch({&pin});
         const auto enter = [&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, pin);
+            EXPECT_EQ(d.IsEnabled(IDOK), c.dwMax == 100);
             c.end(d, pin);
         };
         EXPECT_EQ(PinRequest{.dwMax = c.dwMax}.Ask(enter), kRefused);
@@ -113,7 +114,7 @@ TEST(Wiping, AfterAChangeOfThePin) {
         std::uint32_t dwResult;
     } cases[] = {
         {"OK", [](Dialog& d, const Secret&) { d.Click(IDOK); }, MVPINGUI_OK},
-        {"Cancel", [](Dialog& d, const Secret&) { d.Escape(); }, MVPINGUI_REFUSED},
+        {"Cancel", Cancel, MVPINGUI_REFUSED},
         {"removal", RemoveCard, MVPINGUI_REFUSED},
     };
     for (const auto& c : cases) {
@@ -148,7 +149,7 @@ TEST(Wiping, AfterAnEmbeddedPanel) {
         ASSERT_NE(panel.LocCreate(&host), 0);
         for (const auto& [nId, pPin] :
              {std::pair{kCurrent, &currentPin}, {kNew, &newPin}, {kConfirm, &newPin}})
-            for (size_t i = 0; i < pPin->size(); ++i)
+            for (size_t i = 0; i < Secret::size(); ++i)
                 SendDlgItemMessageA(panel.m_hWnd, nId, WM_CHAR, static_cast<WPARAM>((*pPin)[i]), 1);
         EXPECT_EQ(CallAndWipe({.hHost = host.m_hWnd}), MVPINGUI_OK);
         host.DestroyWindow();

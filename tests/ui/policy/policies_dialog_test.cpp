@@ -21,40 +21,25 @@ using PoliciesDialog = LibraryTest;
 constexpr std::uint32_t kNone = MVP_NO_PIN_LENGTH_RULE;
 constexpr PwdRuleArgs kAllRules = {0xDEAD, 1, 0x80000000, 2, 4, 8, 1};
 
-// Counts the messages that reach windows of this thread.
-class MessageCounter {
-public:
-    explicit MessageCounter(std::vector<HWND> windows) : m_windows(std::move(windows)) {
-        for (const HWND hWnd : m_windows)
-            SetWindowSubclass(hWnd, &Receive, kId, reinterpret_cast<DWORD_PTR>(this));
-    }
-    MessageCounter(const MessageCounter&) = delete;
-    MessageCounter& operator=(const MessageCounter&) = delete;
-    ~MessageCounter() {
-        for (const HWND hWnd : m_windows)
-            RemoveWindowSubclass(hWnd, &Receive, kId);
-    }
+// The messages that have reached watched windows of this thread.
+std::vector<std::pair<HWND, UINT>> g_seen;
 
-    // Those of one window, or of all.
-    std::ptrdiff_t Count(UINT nMessage, HWND hWnd = nullptr) const {
-        return std::ranges::count_if(m_seen, [=](const std::pair<HWND, UINT>& seen) {
-            return seen.second == nMessage && (hWnd == nullptr || seen.first == hWnd);
-        });
-    }
-    void Clear() { m_seen.clear(); }
+LRESULT CALLBACK See(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam, UINT_PTR /*nId*/,
+                     DWORD_PTR /*nData*/) {
+    g_seen.emplace_back(hWnd, nMessage);
+    return DefSubclassProc(hWnd, nMessage, wParam, lParam);
+}
 
-private:
-    static constexpr UINT_PTR kId = 0x4D43;
+void Watch(HWND hWnd) {
+    SetWindowSubclass(hWnd, &See, 0, 0);
+}
 
-    static LRESULT CALLBACK Receive(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam,
-                                    UINT_PTR /*nId*/, DWORD_PTR nCounter) {
-        reinterpret_cast<MessageCounter*>(nCounter)->m_seen.emplace_back(hWnd, nMessage);
-        return DefSubclassProc(hWnd, nMessage, wParam, lParam);
-    }
-
-    std::vector<HWND> m_windows;
-    std::vector<std::pair<HWND, UINT>> m_seen;
-};
+// Those of one window, or of all.
+std::ptrdiff_t Seen(UINT nMessage, HWND hWnd = nullptr) {
+    return std::ranges::count_if(g_seen, [=](const std::pair<HWND, UINT>& seen) {
+        return seen.second == nMessage && (hWnd == nullptr || seen.first == hWnd);
+    });
+}
 
 void DispatchAll() {
     MSG message;
@@ -144,37 +129,40 @@ TEST_F(PoliciesDialog, KeepsStillWhenNothingChanges) {
     std::vector<HWND> lines;
     for (const RuleLine& line : kRuleLines)
         lines.insert(lines.end(), {panel.Control(line.nText), panel.Control(line.nIcon)});
-    std::vector<HWND> all = lines;
-    all.insert(all.end(), {panel.Handle(), panel.Control(IDC_POLICIES_BOX), panel.Host().m_hWnd});
+    for (const HWND hLine : lines)
+        Watch(hLine);
+    for (const HWND hAround :
+         {panel.Handle(), panel.Control(IDC_POLICIES_BOX), panel.Host().m_hWnd})
+        Watch(hAround);
     DispatchAll();
-    MessageCounter messages(all);
+    g_seen.clear();
 
     panel.Check("1234", "58", "58", "58");
     DispatchAll();
     for (const UINT nMessage :
          {UINT{STM_SETICON}, UINT{WM_SETTEXT}, UINT{WM_PAINT}, UINT{WM_ERASEBKGND},
           UINT{WM_NCPAINT}, UINT{WM_SHOWWINDOW}, UINT{WM_WINDOWPOSCHANGED}})
-        EXPECT_EQ(messages.Count(nMessage), 0) << nMessage;
+        EXPECT_EQ(Seen(nMessage), 0) << nMessage;
     // The counter does count.
     const HWND hIcon = panel.Control(IDC_POLICIES_MIN_ICON);
-    EXPECT_EQ(messages.Count(STM_GETICON, hIcon), 1);
+    EXPECT_EQ(Seen(STM_GETICON, hIcon), 1);
 
     // One rule changes its state: its icon is drawn, and no other line.
     panel.Check("1234", "5838", "5838", "5838");
-    messages.Clear();
+    g_seen.clear();
     panel.Check("1234", "583", "583", "583");
     DispatchAll();
-    EXPECT_EQ(messages.Count(STM_SETICON), 1);
-    EXPECT_EQ(messages.Count(STM_SETICON, hIcon), 1);
-    EXPECT_EQ(messages.Count(WM_SETTEXT), 0);
+    EXPECT_EQ(Seen(STM_SETICON), 1);
+    EXPECT_EQ(Seen(STM_SETICON, hIcon), 1);
+    EXPECT_EQ(Seen(WM_SETTEXT), 0);
     // The icon may be drawn at once, without a message of its own; all else stays as it is.
-    EXPECT_EQ(messages.Count(WM_PAINT), messages.Count(WM_PAINT, hIcon));
-    EXPECT_EQ(messages.Count(WM_ERASEBKGND), messages.Count(WM_ERASEBKGND, hIcon));
-    messages.Clear();
+    EXPECT_EQ(Seen(WM_PAINT), Seen(WM_PAINT, hIcon));
+    EXPECT_EQ(Seen(WM_ERASEBKGND), Seen(WM_ERASEBKGND, hIcon));
+    g_seen.clear();
     for (const HWND hLine : lines)
         InvalidateRect(hLine, nullptr, FALSE);
     DispatchAll();
-    EXPECT_EQ(messages.Count(WM_PAINT), 12) << "paints are seen";
+    EXPECT_EQ(Seen(WM_PAINT), 12) << "paints are seen";
 }
 
 TEST_F(PoliciesDialog, HiddenLinesKeepTheirIcon) {
@@ -183,9 +171,10 @@ TEST_F(PoliciesDialog, HiddenLinesKeepTheirIcon) {
     const HWND hIcon = panel.Control(IDC_POLICIES_MIN_ICON);
     SendMessageA(hIcon, STM_SETICON,
                  reinterpret_cast<WPARAM>(LoadResourceIcon(IDI_RULE_VIOLATED, 16)), 0);
-    MessageCounter messages({hIcon});
+    Watch(hIcon);
+    g_seen.clear();
     panel.Check("", "1", "1", "1");
-    EXPECT_EQ(messages.Count(STM_SETICON), 0);
+    EXPECT_EQ(Seen(STM_SETICON), 0);
     EXPECT_FALSE(IsWindowVisible(hIcon));
 }
 

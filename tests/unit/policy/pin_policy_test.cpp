@@ -1,6 +1,12 @@
 #include "policy/pin_policy.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <map>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -100,6 +106,99 @@ TEST(CheckPin, ReadsLongTextsToTheirEnd) {
     odd.back() = 'x';
     EXPECT_EQ(Letters(CheckPin(PinRules(&record), {even, even, even, odd})), "ssVVsV");
     EXPECT_EQ(Letters(CheckPin(PinRules(&record), {even, odd, odd, odd})), "ssssVs");
+}
+
+std::string Progression(int first, int step, std::size_t length) {
+    std::string text;
+    for (; text.size() < length; first += step)
+        text.push_back(static_cast<char>(first));
+    return text;
+}
+
+// The letters by a second statement of the rules, each the plainest code that says it.
+std::string ExpectedLetters(const PwdRuleArgs& rules, const PinTexts& texts) {
+    const auto letter = [](bool demanded, bool broken) {
+        const char state = broken ? 'V' : 's';
+        return demanded ? state : '-';
+    };
+    const std::string pin(texts.value);
+    const bool strange = pin.find_first_not_of("0123456789") != std::string::npos;
+    // A PIN shorter than three characters is weak; a longer one is weak when it is the progression
+    // that its first two characters begin.
+    const bool weak =
+        pin.length() <= 2 || pin == Progression(pin[0], pin[1] - pin[0], pin.length());
+    return {letter(~rules.dwMinPINLen != 0, !(pin.length() >= rules.dwMinPINLen)),
+            letter(~rules.dwMaxPINLen != 0, !(pin.length() <= rules.dwMaxPINLen)),
+            letter(rules.bPreventWeakPIN != 0, weak),
+            letter(rules.bPreventSamePIN != 0, texts.oldValue == texts.newValue),
+            letter(rules.bPreventAlphaPIN != 0, strange),
+            letter(true, texts.newValue != texts.confirmValue)};
+}
+
+class Dice {
+public:
+    std::uint32_t Below(std::uint32_t bound) {
+        return static_cast<std::uint32_t>(m_engine() % bound);
+    }
+    int Byte() { return static_cast<int>(Below(256)); }
+    std::uint32_t OneOf(std::initializer_list<std::uint32_t> values) {
+        return values.begin()[m_engine() % values.size()];
+    }
+    std::uint32_t Flag() { return OneOf({0, 0, 1, 2, 0x10000, 0xFFFFFFFF}); }
+    std::uint32_t Bound() {
+        return OneOf({0xFFFFFFFF, 0xFFFFFFFE, 0x80000000, Below(42), Below(42), Below(42)});
+    }
+    // Lengths 0 to 40: digits, or a progression, or one byte away from that.
+    std::string Text() {
+        std::string text = Progression(Byte(), Byte(), Below(41));
+        if (Below(2) == 0)
+            std::ranges::generate(text, [this] { return static_cast<char>('0' + Below(10)); });
+        return Near(text);
+    }
+    // `text`, or it with one byte changed, added or taken away at the end.
+    std::string Near(std::string text) {
+        const std::uint32_t change = Below(4);
+        if (change == 0 && text.size() < 40)
+            text.push_back(static_cast<char>(Below(2) == 0 ? ' ' : Byte()));
+        else if (change == 1 && !text.empty())
+            text.pop_back();
+        else if (change == 2 && !text.empty())
+            text[m_engine() % text.size()] = static_cast<char>(Byte());
+        return text;
+    }
+
+private:
+    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): every run asks the same
+    std::mt19937_64 m_engine{20'240'611};
+};
+
+TEST(CheckPin, AgreesWithTheSecondStatementOnAMillionAttempts) {
+    constexpr int attempts = 1'000'000;
+    Dice dice;
+    std::map<std::pair<std::size_t, char>, int> seen;
+    int allowedOnes = 0;
+    for (int i = 0; i < attempts; ++i) {
+        const PwdRuleArgs rules = {dice.Flag(),  dice.Flag(),  dice.Flag(), dice.Flag(),
+                                   dice.Bound(), dice.Bound(), dice.Flag()};
+        const std::string pin = dice.Text();
+        const std::string newPin = dice.Below(2) == 0 ? pin : dice.Text();
+        const std::string oldPin = dice.Near(newPin);
+        const std::string confirmation = dice.Near(newPin);
+        const PinTexts texts = {oldPin, pin, newPin, confirmation};
+        const PinCheck check = CheckPin(PinRules(&rules), texts);
+        const std::string expected = ExpectedLetters(rules, texts);
+        ASSERT_EQ(Letters(check), expected) << "attempt " << i;
+        const bool allowed = expected.find('V') == std::string::npos;
+        ASSERT_EQ(check.Verdict(), allowed) << "attempt " << i;
+        allowedOnes += allowed ? 1 : 0;
+        for (std::size_t rule = 0; rule < expected.size(); ++rule)
+            ++seen[{rule, expected[rule]}];
+    }
+    // The agreement is worth something only if every branch was taken often.
+    for (std::size_t rule = 0; rule < kPinRuleCount; ++rule)
+        for (const char state : {'s', 'V'})
+            EXPECT_GT((seen[{rule, state}]), attempts / 20) << rule << state;
+    EXPECT_GT(allowedOnes, attempts / 50);
 }
 
 }  // namespace
