@@ -18,7 +18,8 @@ constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
 
 // A bitmap file of one colour.
 std::string BitmapFile(int nWidth, int nHeight) {
-    const auto nPixelBytes = static_cast<std::size_t>(3 * nWidth * nHeight);
+    const auto nPixelBytes =
+        std::size_t{3} * static_cast<DWORD>(nWidth) * static_cast<DWORD>(nHeight);
     constexpr DWORD kHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
     const BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(kHeaders + nPixelBytes), 0, 0, kHeaders};
     const BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
