@@ -9,49 +9,42 @@
 #include <objbase.h>
 #include <vkevtsub/vkevtsub.h>
 
-#include "frame/module.h"
-#include "resources/resource_numbers.h"
 #include "services/card_removed_subscriber.h"
-#include "support/dialog_driver.h"
-#include "support/log_recorder.h"
+#include "support/failing_heap.h"
 #include "support/resource_counts.h"
 #include "support/waiting.h"
-#include "ui/dialogs/attached_library.h"
-#include "ui/dialogs/pin_request.h"
+#include "ui/dialogs/library_test.h"
+#include "ui/dialogs/pin_requests.h"
 
 namespace mvp::test {
 namespace {
 
-constexpr unsigned kIdleTimeout = 10'000;
-constexpr char kWatchEnded[] = "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed";
+using CardRemoval = LibraryTest;
 
 void Remove(const char* pszReader) {
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
 }
 
-class CardRemoval : public testing::Test {
-protected:
-    AttachedLibrary m_library;
-    LogRecorder m_log;
-};
+void RemoveAndWait(const char* pszReader = "Reader A") {
+    Remove(pszReader);
+    EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+}
 
 TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
-    struct Case {
+    const struct {
         const char* pszReader;
         const char* pszRemoved;
         bool bCloses;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"Reader A", "Reader A", true}, {"reader a", "READER A", true},   {"", "Reader A", true},
         {nullptr, "Reader A", true},    {"Reader A", "Reader B", false},  {"Reader A", "", false},
         {"Reader A", nullptr, false},   {"Reader A", "Reader A ", false},
     };
-    for (const Case& c : cases) {
-        PinRequest request{.pszReader = c.pszReader};
-        DialogDriver driver([&](Dialog& d) {
+    for (const auto& c : cases) {
+        m_log.Clear();
+        const std::string strOutcome = PinRequest{.pszReader = c.pszReader}.Ask([&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
-            Remove(c.pszRemoved);
-            EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
+            RemoveAndWait(c.pszRemoved);
             if (c.bCloses) {
                 d.WaitGone();
             } else {
@@ -60,30 +53,23 @@ TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
                 d.Click(IDOK);
             }
         });
-        EXPECT_EQ(request.Call(), c.bCloses ? MVPINGUI_REFUSED : MVPINGUI_OK);
-        driver.Join();
-        EXPECT_EQ(request.IsUntouched(), c.bCloses);
-        request.Free();
+        EXPECT_EQ(strOutcome, c.bCloses ? kRefused : "1234");
+        EXPECT_EQ(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"), c.bCloses);
         // Whatever the ending, the watch ends once, with its own words.
-        EXPECT_EQ(std::ranges::count(m_log.Texts(2), kWatchEnded), 1) << m_log.Dump();
-        m_log.Clear();
+        EXPECT_EQ(
+            std::ranges::count(m_log.Texts(2),
+                               "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed"),
+            1)
+            << m_log.Dump();
     }
 }
 
 TEST_F(CardRemoval, BeforeAndAfterTheDialogHasNoEffect) {
-    Remove("Reader A");
-    EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
+    RemoveAndWait();
     PinRequest request;
-    DialogDriver driver([](Dialog& d) {
-        d.Type(IDC_ENTER_PIN_EDIT, "1234");
-        d.Click(IDOK);
-    });
-    EXPECT_EQ(request.Call(), MVPINGUI_OK);
-    driver.Join();
-    Remove("Reader A");
-    EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
-    EXPECT_EQ(request.Pin(), "1234");
-    request.Free();
+    const std::uint32_t dwResult = request.Call(TypePin());
+    RemoveAndWait();
+    EXPECT_EQ(request.Outcome(dwResult), "1234");
 }
 
 TEST_F(CardRemoval, WatchingItInitialisesComOnTheThread) {
@@ -94,7 +80,6 @@ TEST_F(CardRemoval, WatchingItInitialisesComOnTheThread) {
 }
 
 TEST_F(CardRemoval, WhileTheDialogOpensCloses) {
-    PinRequest request;
     // The event arrives between the creation of the window and its first showing.
     std::thread remover([this] {
         EXPECT_TRUE(WaitFor(std::chrono::seconds(10), [this] {
@@ -102,41 +87,51 @@ TEST_F(CardRemoval, WhileTheDialogOpensCloses) {
         }));
         Remove("Reader A");
     });
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_EQ(PinRequest().CallAlone(), MVPINGUI_REFUSED);
     remover.join();
-    request.Free();
+    FreeGetPinBuffer(nullptr, 0);
 }
 
 TEST_F(CardRemoval, AroundThePressOfOkCountsWhatIsHandledFirst) {
     enum class First { Ok, Removal, OkSent };
     for (const First first : {First::Ok, First::Removal, First::OkSent}) {
-        PinRequest request;
-        DialogDriver driver([&](Dialog& d) {
+        const std::string strOutcome = PinRequest().Ask([&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
             // In one go, so that the dialog's thread has not taken up what was posted to it.
             d.Run([&] {
                 if (first == First::Ok)
-                    SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-                Remove("Reader A");
-                EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
+                    SendCommand(d, IDOK);
+                RemoveAndWait();
                 if (first == First::Removal)
                     PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
                 // Overtakes the removal, which is in the queue.
                 if (first == First::OkSent)
-                    SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+                    SendCommand(d, IDOK);
             });
             d.WaitGone();
         });
-        EXPECT_EQ(request.Call(), first != First::Removal ? MVPINGUI_OK : MVPINGUI_REFUSED);
-        driver.Join();
-        request.Free();
+        EXPECT_EQ(strOutcome, first != First::Removal ? "1234" : kRefused);
     }
+}
+
+TEST_F(CardRemoval, HasNoEffectWithoutMemoryForTheWatch) {
+    const std::string strReader(1000, 'r');
+    FailingHeap heap("dlgfw.dll");
+    heap.FailAt(1, strReader.size());  // the dialog's own copy comes first
+    const auto removeAndEnter = [&](Dialog& d) {
+        RemoveAndWait(strReader.c_str());
+        TypePin()(d);
+    };
+    EXPECT_EQ(PinRequest{.pszReader = strReader.c_str()}.Ask(removeAndEnter), "1234");
+    EXPECT_TRUE(heap.Stop());
+    EXPECT_TRUE(m_log.Contains(1, "VKDetectCardRemovedDlg::OnInitDialog: exception"));
+    EXPECT_TRUE(m_log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
 }
 
 // What the user and the card do, in an order drawn by chance; the outcome must fit what was done.
 class Interleaving {
 public:
-    Interleaving(unsigned nSeed, std::mt19937& random) : m_nSeed(nSeed), m_random(random) {}
+    explicit Interleaving(std::mt19937& random) : m_random(random) {}
 
     void Run() {
         PinRequest request;
@@ -145,17 +140,12 @@ public:
         m_nSteps = static_cast<int>(m_random() % 5);
         g_pCurrent = this;
         const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &Interleaving::OnTimer);
-        const uint32_t result = request.Call();
+        const std::string strOutcome = request.Outcome(request.CallAlone());
         KillTimer(nullptr, timer);
         g_pCurrent = nullptr;
-        if (result == MVPINGUI_OK) {
-            EXPECT_TRUE(m_bOk) << "seed " << m_nSeed;
-            EXPECT_EQ(request.Pin(), m_strTyped) << "seed " << m_nSeed;
-        } else {
-            EXPECT_TRUE(request.IsUntouched()) << "seed " << m_nSeed;
-            EXPECT_TRUE(m_bCancel || m_bRemoved) << "seed " << m_nSeed;
-        }
-        request.Free();
+        EXPECT_TRUE(strOutcome == kRefused ? m_bCancel || m_bRemoved
+                                           : m_bOk && strOutcome == m_strTyped)
+            << strOutcome;
     }
 
 private:
@@ -168,48 +158,29 @@ private:
     }
 
     void Step(HWND hDialog) {
-        const bool last = m_nSteps-- <= 0;
-        switch (last ? 2 + m_random() % 3 : m_random() % 2) {
-            case 0:
-                Type(hDialog);
-                break;
-            case 1:
-                Remove("Reader B");
-                break;
-            case 2:
-                if (m_strTyped.size() < 4)
-                    Type(hDialog);
-                // A removal may come in between, and may be too late.
-                if (m_random() % 2 == 0) {
-                    Remove("Reader A");
-                    m_bRemoved = true;
-                }
-                m_bOk = true;
-                PostMessageA(hDialog, WM_COMMAND, IDOK, 0);
-                break;
-            case 3:
-                m_bCancel = true;
-                PostMessageA(hDialog, WM_COMMAND, IDCANCEL, 0);
-                if (m_random() % 2 == 0) {
-                    Remove("Reader A");
-                    m_bRemoved = true;
-                }
-                break;
-            default:
-                Remove("Reader A");
-                m_bRemoved = true;
-                break;
+        const auto nEnd = m_nSteps-- <= 0 ? m_random() % 3 : 3;
+        const bool bOneInTwo = m_random() % 2 == 0;
+        if (nEnd == 3 && bOneInTwo)
+            Remove("Reader B");
+        else if (nEnd == 3 || (nEnd == 0 && m_strTyped.size() < 4))
+            Type(hDialog);
+        // A removal may come in between, and may be too late.
+        if (nEnd == 2 || (nEnd != 3 && bOneInTwo)) {
+            Remove("Reader A");
+            m_bRemoved = true;
         }
+        m_bOk = m_bOk || nEnd == 0;
+        m_bCancel = m_bCancel || nEnd == 1;
+        if (nEnd < 2)
+            PostMessageA(hDialog, WM_COMMAND, nEnd == 0 ? IDOK : IDCANCEL, 0);
     }
 
     void Type(HWND hDialog) {
-        m_strTyped = "12345678";
-        m_strTyped.resize(4 + m_random() % 5);
+        m_strTyped = std::string("12345678", 4 + m_random() % 5);
         SetDlgItemTextA(hDialog, IDC_ENTER_PIN_EDIT, m_strTyped.c_str());
     }
 
     static inline Interleaving* g_pCurrent = nullptr;
-    unsigned m_nSeed;
     std::mt19937& m_random;
     int m_nSteps = 0;
     std::string m_strTyped;
@@ -221,23 +192,18 @@ private:
 TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
     // A run by hand may ask for more: MVP_SOAK_ROUNDS=10000.
     const char* pszRounds = std::getenv("MVP_SOAK_ROUNDS");
-    const long rounds = pszRounds != nullptr ? std::strtol(pszRounds, nullptr, 10) : 200;
-    const unsigned seed = 20261121;
-    std::mt19937 random(seed);
-    const auto round = [&] { Interleaving(seed, random).Run(); };
-    for (int i = 0; i < 20; ++i)
-        round();
-    EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
-    m_log.Clear();
-    const auto before = ResourceCounts::Now();
-    for (int i = 0; i < rounds && !HasFailure(); ++i) {
-        round();
-        m_log.Clear();
-    }
-    EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
+    const long nRounds = pszRounds != nullptr ? std::strtol(pszRounds, nullptr, 10) : 200;
+    std::mt19937 random(20261121);
     // Blocks, handles and threads are counted strictly. What the heaps have fetched from the system
     // is not: with their checks on they hold freed blocks back for a while.
-    ExpectNoGrowth(before, ResourceCounts::Now(), {.privateBytes = 64 << 20});
+    const auto round = [&](int i) {
+        if (!HasFailure())
+            Interleaving(random).Run();
+        // At rest when things are counted.
+        EXPECT_TRUE(i % 20 != 19 || VKWaitForIdle(10'000) == VKEVTSUB_OK);
+        m_log.Clear();
+    };
+    ExpectRoundsKeepNothing(20, static_cast<int>(nRounds), round, {.privateBytes = 64 << 20});
 }
 
 }  // namespace

@@ -1,372 +1,49 @@
-// GetPINFromUser from the call to its result, and the dialog in between.
+// GetPINFromUser from the call to its result, the dialog in between, and the window it stands over.
 #include <windows.h>
 #include <commctrl.h>
 
-#include <algorithm>
+#include <future>
+#include <regex>
 #include <string>
+#include <thread>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "frame/module.h"
-#include "mvpingui/mvpingui.h"
-#include "resources/resource_numbers.h"
 #include "services/help_topic.h"
-#include "services/resource_module.h"
 #include "support/caps_lock.h"
-#include "support/dialog_driver.h"
-#include "support/log_recorder.h"
-#include "support/message_box_recorder.h"
-#include "support/registry_hive.h"
+#include "support/patched_imports.h"
 #include "support/resource_counts.h"
-#include "ui/dialogs/attached_library.h"
-#include "ui/dialogs/other_system.h"
-#include "ui/dialogs/pin_request.h"
+#include "ui/dialogs/library_test.h"
+#include "ui/dialogs/pin_requests.h"
 
 namespace mvp::test {
 namespace {
 
-using Request = PinRequest;
-
-class EnterPin : public testing::Test {
-protected:
-    ~EnterPin() override {
-        FreeGetPinBuffer(nullptr, 0);
-        SetPinPromptString(nullptr);
-    }
-
-    AttachedLibrary m_library;
-    RegistryHive m_hive;
-    LogRecorder m_log;
-    MessageBoxRecorder m_boxes;
-};
+using EnterPin = LibraryTest;
 
 TEST_F(EnterPin, HandsOutExactlyWhatWasTyped) {
-    struct Case {
-        uint32_t dwMin;
-        uint32_t dwMax;
+    const struct {
+        std::uint32_t dwMin, dwMax;
         std::string strPin;
-    };
-    const Case cases[] = {
-        {4, 8, "123456"},       {1, 1, "7"},
-        {4, 4, "0000"},         {0, 8, "\xE9\xE8\xFC\xDF"},
-        {0, 0xFFFFFFFF, "a b"}, {1, 20'000, std::string(10'000, '5')},
-    };
-    for (const Case& c : cases) {
-        Request request{.dwMin = c.dwMin, .dwMax = c.dwMax};
-        DialogDriver driver([&](Dialog& d) {
+    } cases[] = {{4, 8, "123456"},
+                 {1, 1, "7"},
+                 {4, 4, "0000"},
+                 {0, 8, "\xE9\xE8\xFC\xDF"},
+                 {0, 0xFFFFFFFF, "a b"},
+                 {1, 20'000, std::string(10'000, '5')},
+                 {0, 8, ""}};
+    for (const auto& c : cases) {
+        PinRequest request{.dwMin = c.dwMin, .dwMax = c.dwMax};
+        const std::string strPin = request.Ask([&](Dialog& d) {
             if (c.strPin.size() > 100)
                 d.Paste(IDC_ENTER_PIN_EDIT, c.strPin);
             else
                 d.Type(IDC_ENTER_PIN_EDIT, c.strPin);
             d.Click(IDOK);
         });
-        EXPECT_EQ(request.Call(), MVPINGUI_OK) << m_log.Dump();
-        driver.Join();
-        ASSERT_EQ(request.cbPin, c.strPin.size());
-        EXPECT_TRUE(request.Pin() == c.strPin);
-        FreeGetPinBuffer(request.pPin, request.cbPin);
+        EXPECT_TRUE(strPin == c.strPin) << c.strPin.size() << m_log.Dump();
     }
-}
-
-TEST_F(EnterPin, EmptyPinIsAnAnswerWhenAllowed) {
-    Request request{.dwMin = 0};
-    DialogDriver driver([](Dialog& d) {
-        EXPECT_TRUE(d.IsEnabled(IDOK));
-        d.Enter();
-    });
-    EXPECT_EQ(request.Call(), MVPINGUI_OK);
-    EXPECT_EQ(request.pPin, nullptr);
-    EXPECT_EQ(request.cbPin, 0U);
     EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: PIN empty"));
-}
-
-TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
-    Request request;
-    DialogDriver driver([](Dialog& d) {
-        EXPECT_FALSE(d.IsEnabled(IDOK));
-        EXPECT_EQ(d.FocusedId(), IDC_ENTER_PIN_EDIT);
-        for (int length = 1; length <= 9; ++length) {
-            d.Type(IDC_ENTER_PIN_EDIT, "\xE9");
-            const bool allowed = length >= 4 && length <= 8;
-            EXPECT_EQ(d.IsEnabled(IDOK), allowed) << length;
-            // The command comes without the button, and is refused all the same.
-            if (!allowed)
-                SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-            ASSERT_TRUE(d.IsOpen()) << length;
-        }
-        for (int length = 8; length >= 0; --length) {
-            d.Press(VK_BACK);
-            EXPECT_EQ(d.IsEnabled(IDOK), length >= 4 && length <= 8) << length;
-        }
-        d.Paste(IDC_ENTER_PIN_EDIT, "12345");
-        EXPECT_TRUE(d.IsEnabled(IDOK));
-        d.Send(IDC_ENTER_PIN_EDIT, EM_SETSEL, 0, -1);
-        d.Send(IDC_ENTER_PIN_EDIT, WM_CLEAR);
-        EXPECT_FALSE(d.IsEnabled(IDOK));
-        d.Enter();
-        EXPECT_TRUE(d.IsOpen());
-        d.Escape();
-    });
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    EXPECT_TRUE(request.IsUntouched());
-}
-
-TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
-    const UINT nRemoved = RegisterWindowMessageA("VKCardRemovedEvent");
-    const struct {
-        UINT nMessage;
-        WPARAM wParam;
-        std::uint32_t dwResult;
-    } ends[] = {{WM_COMMAND, IDOK, MVPINGUI_OK},
-                {WM_COMMAND, IDCANCEL, MVPINGUI_REFUSED},
-                {nRemoved, 1, MVPINGUI_REFUSED}};
-    for (const auto& end : ends) {
-        Request request;
-        DialogDriver driver([&](Dialog& d) {
-            d.Type(IDC_ENTER_PIN_EDIT, "1234");
-            // In one go, so that the modal loop has no chance to end in between.
-            d.Run([&] {
-                SendMessageA(d.Handle(), end.nMessage, end.wParam, 0);
-                SetDlgItemTextA(d.Handle(), IDC_ENTER_PIN_EDIT, "1");
-                SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-            });
-        });
-        EXPECT_EQ(request.Call(), end.dwResult);
-        if (end.dwResult == MVPINGUI_OK)
-            EXPECT_EQ(request.Pin(), "1234");
-        else
-            EXPECT_TRUE(request.IsUntouched());
-        request.Free();
-    }
-}
-
-TEST_F(EnterPin, MovingTakesTheWarningDown) {
-    const OldSystem system;
-    const CapsLock capsLock(true);
-    Request request;
-    DialogDriver driver([](Dialog& d) {
-        d.Focus(IDC_ENTER_PIN_EDIT);
-        HWND hBalloon = nullptr;
-        d.WaitUntil("the warning shows", [&] {
-            hBalloon = FindWindowA(TOOLTIPS_CLASSA, nullptr);
-            return hBalloon != nullptr && IsWindowVisible(hBalloon) != FALSE;
-        });
-        const RECT rect = d.ScreenRect();
-        SetWindowPos(d.Handle(), nullptr, rect.left + 10, rect.top, 0, 0,
-                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-        EXPECT_FALSE(IsWindowVisible(hBalloon));
-        d.Escape();
-    });
-    request.Call();
-}
-
-TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {
-    Request request;
-    DialogDriver driver([](Dialog& d) {
-        d.Type(IDC_ENTER_PIN_EDIT, "1234");
-        d.Click(IDOK);
-    });
-    request.Call();
-    driver.Join();
-    std::vector<std::string> lines;
-    for (const RecordedLine& line : m_log.Lines()) {
-        // Addresses and flags, and moves of the window, are no two times the same.
-        const std::string text = line.strText.substr(0, line.strText.find_first_of("(") - 1);
-        if (line.nLevel != 0 && !text.ends_with("::OnMove"))
-            lines.push_back(std::to_string(line.nLevel) + " " + text.substr(0, text.find("this:")));
-    }
-    EXPECT_THAT(lines, testing::ElementsAreArray({
-                           "8 GetPINFromUser",
-                           "2 GetPINFromUser: hParent = 0, Reader = Reader A",
-                           "2 GetPINFromUser: Enter PIN action allowed",
-                           "8 VKDetectCardRemovedDlg",
-                           "2 VKDetectCardRemovedDlg: pParent = 0, Reader = Reader A",
-                           "16 VKDetectCardRemovedDlg",
-                           "8 CEnterPinDlg",
-                           "2 CEnterPinDlg: pParent = 0, Reader = Reader A",
-                           "8 CEnterPinDlg::IsHighColorSupported",
-                           "16 CEnterPinDlg::IsHighColorSupported",
-                           "16 CEnterPinDlg",
-                           "2 CEnterPinDlg::OnContextualHelp: ",
-                           "2 CEnterPinDlg::OnContextualHelp: CreateDlgIndirect with hWndParent",
-                           "8 CEnterPinDlg::OnInitDialog",
-                           "8 VKDetectCardRemovedDlg::OnInitDialog",
-                           "8 CBaseDialog::OnInitDialog",
-                           "16 CBaseDialog::OnInitDialog",
-                           "8 VKDelegateSubscriberCardRemoved Constructor",
-                           "16 VKDelegateSubscriberCardRemoved Constructor",
-                           "16 VKDetectCardRemovedDlg::OnInitDialog",
-                           "8 CEnterPinDlg::TryToInsertBitmap",
-                           "8 CEnterPinDlg::GetBrandingBitmaps",
-                           "16 CEnterPinDlg::GetBrandingBitmaps",
-                           "16 CEnterPinDlg::TryToInsertBitmap",
-                           "16 CEnterPinDlg::OnInitDialog",
-                           "2 CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success",
-                           "8 CEnterPinDlg::OnOK",
-                           "8 VKDetectCardRemovedDlg::StopDetectingRemoveEvent",
-                           "2 VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed",
-                           "8 VKDelegateSubscriberCardRemoved Destructor",
-                           "16 VKDelegateSubscriberCardRemoved Destructor",
-                           "16 VKDetectCardRemovedDlg::StopDetectingRemoveEvent",
-                           "16 CEnterPinDlg::OnOK",
-                           "8 VKDetectCardRemovedDlg::OnDestroy",
-                           "8 VKDetectCardRemovedDlg::StopDetectingRemoveEvent",
-                           "16 VKDetectCardRemovedDlg::StopDetectingRemoveEvent",
-                           "16 VKDetectCardRemovedDlg::OnDestroy",
-                           "2 GetPINFromUser: Enter PIN action validated",
-                           "8 ~CEnterPinDlg",
-                           "8 CBaseDialog::HidePinFromMemory",
-                           "16 CBaseDialog::HidePinFromMemory",
-                           "16 ~CEnterPinDlg",
-                           "8 ~VKDetectCardRemovedDlg",
-                           "16 ~VKDetectCardRemovedDlg",
-                           "2 GetPINFromUser: returns: 0",
-                           "16 GetPINFromUser",
-                       }));
-    for (const char* pszText :
-         {"CEnterPinDlg::OnEnChangeEditPassword:BEG", "CEnterPinDlg::OnEnChangeEditPassword:END",
-          "CEnterPinDlg::GetPinValue"})
-        EXPECT_TRUE(m_log.Contains(0, pszText)) << pszText;
-    // Once at the opening, once for each of four characters: overwriting the edit at the end is
-    // nobody's change.
-    EXPECT_EQ(std::ranges::count(m_log.Texts(0), "CEnterPinDlg::OnEnChangeEditPassword:BEG"), 5);
-    for (const RecordedLine& line : m_log.Lines())
-        EXPECT_EQ(line.strText.find("1234"), std::string::npos) << line.strText;
-    FreeGetPinBuffer(request.pPin, request.cbPin);
-}
-
-TEST_F(EnterPin, OneRequestAtATime) {
-    Request first;
-    {
-        DialogDriver driver([](Dialog& d) {
-            d.Type(IDC_ENTER_PIN_EDIT, "1234");
-            d.Click(IDOK);
-        });
-        ASSERT_EQ(first.Call(), MVPINGUI_OK);
-    }
-    Request second;
-    {
-        DialogDriver noDialog;
-        EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
-    }
-    EXPECT_TRUE(second.IsUntouched());
-    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"));
-    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: returns: -1"));
-    FreeGetPinBuffer(first.pPin, first.cbPin);
-    {
-        DialogDriver driver([](Dialog& d) { d.Escape(); });
-        EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
-    }
-    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action cancelled"));
-    // Cancelled, and refused all the same until the caller has said that it holds nothing.
-    {
-        DialogDriver noDialog;
-        EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
-    }
-    FreeGetPinBuffer(nullptr, 0);
-    DialogDriver driver([](Dialog& d) { d.Escape(); });
-    EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
-}
-
-TEST_F(EnterPin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
-    for (const bool nullPin : {true, false}) {
-        m_log.Clear();
-        Request request{.bShowLastTry = 1, .bNullPin = nullPin, .bNullLength = !nullPin};
-        {
-            DialogDriver noDialog;
-            EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-        }
-        EXPECT_TRUE(request.IsUntouched());
-        EXPECT_TRUE(m_boxes.Calls().empty());
-        EXPECT_EQ(Module().nPinDialogInProgress, 0);
-        EXPECT_EQ(m_log.Texts(1),
-                  (std::vector<std::string>{
-                      nullPin ? "GetPINFromUser: ppPin == NULL" : "GetPINFromUser: pcbPin == NULL",
-                      "GetPINFromUser: returns: -1"}));
-        EXPECT_EQ(m_log.Texts(16), std::vector<std::string>{"GetPINFromUser"});
-    }
-}
-
-TEST_F(EnterPin, BoundsThatExcludeEachOtherAreTold) {
-    Request request{.dwMin = 5, .dwMax = 4};
-    DialogDriver driver([](Dialog& d) {
-        d.Type(IDC_ENTER_PIN_EDIT, "12345");
-        EXPECT_FALSE(d.IsEnabled(IDOK));
-        d.Escape();
-    });
-    request.Call();
-    driver.Join();
-    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: minimum length 5 > maximum length 4"));
-}
-
-TEST_F(EnterPin, LastTryComesFirst) {
-    Request request{.bShowLastTry = 1};
-    m_boxes.SetAnswer(0);
-    {
-        DialogDriver noDialog;
-        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    }
-    EXPECT_TRUE(request.IsUntouched());
-    EXPECT_EQ(Module().nPinDialogInProgress, 0);
-    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: DisplayLastPINTry"));
-    EXPECT_FALSE(m_log.ContainsPart("returns:")) << m_log.Dump();
-    EXPECT_FALSE(m_log.Contains(16, "GetPINFromUser"));
-    m_boxes.SetAnswer(1);
-    DialogDriver driver([](Dialog& d) { d.Escape(); });
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    EXPECT_EQ(m_boxes.Calls().size(), 2U);
-    driver.Join();
-    // Also while a PIN is still out: what is declined then leaves no word of the guard.
-    for (const int nAnswer : {1, 0}) {
-        m_log.Clear();
-        m_boxes.SetAnswer(nAnswer);
-        DialogDriver noDialog;
-        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-        EXPECT_EQ(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"), nAnswer == 1);
-    }
-    EXPECT_EQ(m_boxes.Calls().size(), 4U);
-}
-
-TEST_F(EnterPin, MissingTemplateIsACancelledRequest) {
-    FreeResourceModule();
-    Request request;
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    EXPECT_TRUE(request.IsUntouched());
-    EXPECT_EQ(Module().nPinDialogInProgress, 1);
-    LoadResourceModule();
-}
-
-TEST_F(EnterPin, PromptReplacesTheText) {
-    std::string standard;
-    const auto textOfPrompt = [] {
-        std::string text;
-        Request request;
-        DialogDriver driver([&](Dialog& d) {
-            text = d.Text(IDC_ENTER_PIN_PROMPT);
-            d.Escape();
-        });
-        request.Call();
-        driver.Join();
-        FreeGetPinBuffer(nullptr, 0);
-        return text;
-    };
-    standard = textOfPrompt();
-    EXPECT_FALSE(standard.empty());
-    SetPinPromptString("PIN of the payroll card, please");
-    EXPECT_EQ(textOfPrompt(), "PIN of the payroll card, please");
-    SetPinPromptString(nullptr);
-    EXPECT_EQ(textOfPrompt(), standard);
-}
-
-TEST_F(EnterPin, StandsOnTop) {
-    Request request;
-    DialogDriver driver([](Dialog& d) {
-        EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
-        d.Run([&] { EXPECT_EQ(GetForegroundWindow(), d.Handle()); });
-        d.Escape();
-    });
-    request.Call();
 }
 
 std::string g_strHelpFile;
@@ -378,48 +55,329 @@ HWND WINAPI RecordTopic(HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) {
     return nullptr;
 }
 
-TEST_F(EnterPin, F1ShowsItsTopic) {
+TEST_F(EnterPin, OpensOnTopAndHelps) {
     m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
     SetHelpViewer(RecordTopic);
-    Request request;
-    DialogDriver driver([](Dialog& d) {
+    PinRequest().Ask([](Dialog& d) {
+        EXPECT_EQ(d.FocusedId(), IDC_ENTER_PIN_EDIT);
+        EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
         HELPINFO info{};
         info.cbSize = sizeof info;
-        d.Run([&] { SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&info)); });
+        d.Run([&] {
+            EXPECT_EQ(GetForegroundWindow(), d.Handle());
+            SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+        });
         d.Escape();
     });
-    request.Call();
-    driver.Join();
     SetHelpViewer(nullptr);
     EXPECT_EQ(g_strHelpFile, "v.chm");
     EXPECT_EQ(g_nTopic, 1015U);
 }
 
-TEST_F(EnterPin, CardRemovalCancels) {
-    const UINT message = RegisterWindowMessageA("VKCardRemovedEvent");
-    Request request;
-    DialogDriver driver([&](Dialog& d) {
-        d.Type(IDC_ENTER_PIN_EDIT, "1234");
-        PostMessageA(d.Handle(), message, 1, 0);
-        d.WaitGone();
+TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
+    const auto isAllowed = [](int nLength) { return nLength >= 4 && nLength <= 8; };
+    const auto typeAndDelete = [&](Dialog& d) {
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        for (int nLength = 1; nLength <= 9; ++nLength) {
+            d.Type(IDC_ENTER_PIN_EDIT, "\xE9");
+            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(nLength)) << nLength;
+            // The command comes without the button, and is refused all the same.
+            if (!isAllowed(nLength))
+                SendCommand(d, IDOK);
+            ASSERT_TRUE(d.IsOpen()) << nLength;
+        }
+        for (int nLength = 8; nLength >= 0; --nLength) {
+            d.Press(VK_BACK);
+            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(nLength)) << nLength;
+        }
+        d.Paste(IDC_ENTER_PIN_EDIT, "12345");
+        EXPECT_TRUE(d.IsEnabled(IDOK));
+        d.Send(IDC_ENTER_PIN_EDIT, EM_SETSEL, 0, -1);
+        d.Send(IDC_ENTER_PIN_EDIT, WM_CLEAR);
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        d.Enter();
+        EXPECT_TRUE(d.IsOpen());
+        d.Escape();
+    };
+    EXPECT_EQ(PinRequest().Ask(typeAndDelete), kRefused);
+}
+
+TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
+    const UINT nRemoved = RegisterWindowMessageA("VKCardRemovedEvent");
+    const struct {
+        UINT nMessage;
+        WPARAM wParam;
+        const char* pszOutcome;
+    } ends[] = {
+        {WM_COMMAND, IDOK, "1234"}, {WM_COMMAND, IDCANCEL, kRefused}, {nRemoved, 1, kRefused}};
+    for (const auto& end : ends) {
+        const std::string strOutcome = PinRequest().Ask([&](Dialog& d) {
+            d.Type(IDC_ENTER_PIN_EDIT, "1234");
+            d.Run([&] {
+                SendMessageA(d.Handle(), end.nMessage, end.wParam, 0);
+                SetDlgItemTextA(d.Handle(), IDC_ENTER_PIN_EDIT, "1");
+                SendCommand(d, IDOK);
+            });
+        });
+        EXPECT_EQ(strOutcome, end.pszOutcome);
+    }
+}
+
+// The system whose edits do not warn of Caps Lock.
+BOOL WINAPI TellOldSystem(OSVERSIONINFOA* pVersion) {
+    pVersion->dwPlatformId = VER_PLATFORM_WIN32_NT;
+    pVersion->dwMajorVersion = 5;
+    pVersion->dwMinorVersion = 0;
+    return TRUE;
+}
+
+TEST_F(EnterPin, WhatMovesTakesItsWarningDown) {
+    const PatchedImports oldSystem(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
+    const CapsLock capsLock(true);
+    const std::string classes[] = {"CEnterPinDlg", "CChangePINDialogMain", "CChangePINDialog"};
+    for (const std::string& strMoved : classes) {
+        const auto move = [&](Dialog& d) {
+            HWND hBalloon = nullptr;
+            d.WaitUntil("the warning shows", [&] {
+                hBalloon = FindWindowA(TOOLTIPS_CLASSA, nullptr);
+                return hBalloon != nullptr && IsWindowVisible(hBalloon) != FALSE;
+            });
+            m_log.Clear();
+            const bool bPanel = strMoved == "CChangePINDialog";
+            SetWindowPos(bPanel ? GetParent(d.Control(kCurrent)) : d.Handle(), nullptr, 3, 3, 0, 0,
+                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+            EXPECT_FALSE(IsWindowVisible(hBalloon)) << strMoved;
+            for (const std::string& strClass : classes)
+                EXPECT_EQ(m_log.Contains(16, strClass + "::OnMove"), strClass == strMoved);
+            d.Escape();
+        };
+        strMoved == classes[0] ? PinRequest().Ask(move) : ChangePinRequest().Ask(move);
+    }
+}
+
+TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {
+    PinRequest request;
+    request.Call(TypePin());
+    // Moves of the window, addresses and flags are no two times the same.
+    const std::regex varying(R"(CEnterPinDlg::OnMove\{\} |(this:| \(Flags)[^;]*)");
+    const std::string strLines = std::regex_replace(LogShape(), varying, "");
+    const std::string strChange =
+        "0 CEnterPinDlg::OnEnChangeEditPassword:BEG; 0 CEnterPinDlg::OnEnChangeEditPassword:END; ";
+    // Overwriting the edit at the end is nobody's change.
+    const std::string strFourTyped = strChange + strChange + strChange + strChange;
+    EXPECT_EQ(
+        strLines,
+        "GetPINFromUser{2 GetPINFromUser: hParent = 0, Reader = Reader A; "
+        "2 GetPINFromUser: Enter PIN action allowed; VKDetectCardRemovedDlg{"
+        "2 VKDetectCardRemovedDlg: pParent = 0, Reader = Reader A; } CEnterPinDlg{"
+        "2 CEnterPinDlg: pParent = 0, Reader = Reader A; CEnterPinDlg::IsHighColorSupported{} } "
+        "2 CEnterPinDlg::OnContextualHelp: ; "
+        "2 CEnterPinDlg::OnContextualHelp: CreateDlgIndirect with hWndParent; "
+        "CEnterPinDlg::OnInitDialog{VKDetectCardRemovedDlg::OnInitDialog{"
+        "CBaseDialog::OnInitDialog{} VKDelegateSubscriberCardRemoved Constructor{} } "
+        "CEnterPinDlg::TryToInsertBitmap{CEnterPinDlg::GetBrandingBitmaps{} } " +
+            strChange + "} 2 CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success; " +
+            strFourTyped +
+            "CEnterPinDlg::OnOK{VKDetectCardRemovedDlg::StopDetectingRemoveEvent{"
+            "2 VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed; "
+            "VKDelegateSubscriberCardRemoved Destructor{} } } VKDetectCardRemovedDlg::OnDestroy{"
+            "VKDetectCardRemovedDlg::StopDetectingRemoveEvent{} } "
+            "2 GetPINFromUser: Enter PIN action validated; 0 CEnterPinDlg::GetPinValue; "
+            "~CEnterPinDlg{CBaseDialog::HidePinFromMemory{} } ~VKDetectCardRemovedDlg{} "
+            "2 GetPINFromUser: returns: 0; } ");
+    FreeGetPinBuffer(request.pPin, request.cbPin);
+}
+
+TEST_F(EnterPin, OneRequestAtATime) {
+    PinRequest first;
+    ASSERT_EQ(first.Call(TypePin()), MVPINGUI_OK);
+    PinRequest second;
+    EXPECT_EQ(second.Call(), MVPINGUI_REFUSED);
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"));
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: returns: -1"));
+    FreeGetPinBuffer(first.pPin, first.cbPin);
+    EXPECT_EQ(second.Call(Leave), MVPINGUI_REFUSED);
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action cancelled"));
+    // Cancelled, and refused all the same until the caller has said that it holds nothing.
+    EXPECT_EQ(second.Ask(), kRefused);
+    EXPECT_EQ(second.Ask(Leave), kRefused);
+}
+
+TEST_F(EnterPin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
+    for (const bool bNullPin : {true, false}) {
+        m_log.Clear();
+        PinRequest request{.bShowLastTry = 1};
+        if (bNullPin)
+            request.ppPin = nullptr;
+        else
+            request.pcbPin = nullptr;
+        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+        EXPECT_TRUE(request.IsUntouched());
+        EXPECT_TRUE(m_boxes.Calls().empty());
+        EXPECT_EQ(Module().nPinDialogInProgress, 0);
+        EXPECT_EQ(LogShape(),
+                  std::string("GetPINFromUser{2 GetPINFromUser: hParent = 0, Reader = Reader A; ") +
+                      "1 GetPINFromUser: " + (bNullPin ? "ppPin" : "pcbPin") +
+                      " == NULL; 1 GetPINFromUser: returns: -1; } ");
+    }
+}
+
+TEST_F(EnterPin, BoundsThatExcludeEachOtherAreTold) {
+    PinRequest{.dwMin = 5, .dwMax = 4}.Ask([](Dialog& d) {
+        d.Type(IDC_ENTER_PIN_EDIT, "12345");
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        d.Escape();
     });
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: minimum length 5 > maximum length 4"));
+}
+
+TEST_F(EnterPin, LastTryComesFirst) {
+    PinRequest request{.bShowLastTry = 1};
+    m_boxes.SetAnswer(0);
     EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
     EXPECT_TRUE(request.IsUntouched());
-    EXPECT_TRUE(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"));
+    EXPECT_EQ(Module().nPinDialogInProgress, 0);
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: DisplayLastPINTry"));
+    EXPECT_FALSE(m_log.ContainsPart("returns:")) << m_log.Dump();
+    EXPECT_FALSE(m_log.Contains(16, "GetPINFromUser"));
+    m_boxes.SetAnswer(1);
+    EXPECT_EQ(request.Call(Leave), MVPINGUI_REFUSED);
+    // Also while a PIN is still out: what is declined then leaves no word of the guard.
+    for (const int nAnswer : {1, 0}) {
+        m_log.Clear();
+        m_boxes.SetAnswer(nAnswer);
+        EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+        EXPECT_EQ(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"), nAnswer == 1);
+    }
+    EXPECT_EQ(m_boxes.Calls().size(), 4U);
+    FreeGetPinBuffer(nullptr, 0);
+}
+
+TEST_F(EnterPin, MissingTemplateIsACancelledRequest) {
+    FreeResourceModule();
+    PinRequest request;
+    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
+    EXPECT_EQ(Module().nPinDialogInProgress, 1);
+    EXPECT_EQ(request.Ask(), kRefused);
+    LoadResourceModule();
+}
+
+TEST_F(EnterPin, PromptReplacesTheText) {
+    const auto textOfPrompt = [](const char* pszPrompt) {
+        SetPinPromptString(pszPrompt);
+        std::string strText;
+        PinRequest().Ask([&](Dialog& d) {
+            strText = d.Text(IDC_ENTER_PIN_PROMPT);
+            d.Escape();
+        });
+        return strText;
+    };
+    const std::string strStandard = textOfPrompt(nullptr);
+    EXPECT_FALSE(strStandard.empty());
+    EXPECT_EQ(textOfPrompt("PIN of the payroll card, please"), "PIN of the payroll card, please");
+    EXPECT_EQ(textOfPrompt(nullptr), strStandard);
 }
 
 TEST_F(EnterPin, ManyRequestsKeepNothing) {
     ExpectRoundsKeepNothing(1, 50, [this](int) {
-        Request request;
-        DialogDriver driver([](Dialog& d) {
-            d.Type(IDC_ENTER_PIN_EDIT, "1234");
-            d.Click(IDOK);
-        });
-        request.Call();
-        driver.Join();
-        FreeGetPinBuffer(request.pPin, request.cbPin);
+        PinRequest().Ask(TypePin());
         m_log.Clear();
     });
+}
+
+HWND MakeParent() {
+    return CreateWindowExA(0, "STATIC", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 300, 300, 200,
+                           100, nullptr, nullptr, nullptr, nullptr);
+}
+
+// A window of a thread of its own, which takes messages until the object goes.
+class ForeignParent {
+public:
+    ForeignParent() {
+        std::promise<HWND> made;
+        auto hWnd = made.get_future();
+        m_thread = std::thread([made = std::move(made)]() mutable {
+            made.set_value(MakeParent());
+            for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;)
+                DispatchMessageA(&message);
+        });
+        m_hWnd = hWnd.get();
+        m_dwThread = GetWindowThreadProcessId(m_hWnd, nullptr);
+    }
+    ForeignParent(const ForeignParent&) = delete;
+    ForeignParent& operator=(const ForeignParent&) = delete;
+    ~ForeignParent() {
+        PostThreadMessageA(m_dwThread, WM_QUIT, 0, 0);
+        m_thread.join();
+    }
+    HWND Handle() const { return m_hWnd; }
+
+private:
+    std::thread m_thread;
+    HWND m_hWnd;
+    DWORD m_dwThread;
+};
+
+TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
+    const ForeignParent foreign;
+    const HWND hOwn = MakeParent();
+    for (const HWND hParent : {hOwn, foreign.Handle()}) {
+        for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
+            const std::string strOutcome = PinRequest{.hParent = hParent}.Ask([&](Dialog& d) {
+                EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), hParent);
+                EXPECT_FALSE(IsWindowEnabled(hParent));
+                d.Type(IDC_ENTER_PIN_EDIT, "1234");
+                d.Press(key);
+            });
+            EXPECT_EQ(strOutcome, key == VK_RETURN ? "1234" : kRefused);
+            EXPECT_TRUE(IsWindowEnabled(hParent));
+        }
+    }
+    DestroyWindow(hOwn);
+}
+
+// The system destroys owned windows of the same thread only; the dialog of another goes on without.
+TEST_F(EnterPin, ParentMayGoMeanwhile) {
+    const HWND hOwn = MakeParent();
+    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(hOwn); }); };
+    EXPECT_EQ(PinRequest{.hParent = hOwn}.Ask(destroyOwn), kRefused);
+    const ForeignParent foreign;
+    const auto destroyForeign = [&](Dialog& d) {
+        SendMessageA(foreign.Handle(), WM_CLOSE, 0, 0);
+        EXPECT_FALSE(IsWindow(foreign.Handle()));
+        TypePin()(d);
+    };
+    EXPECT_EQ(PinRequest{.hParent = foreign.Handle()}.Ask(destroyForeign), "1234");
+}
+
+HWND g_hRefused = nullptr;
+
+// Lets no window be created over g_hRefused.
+LRESULT CALLBACK RefuseOwner(int nCode, WPARAM wParam, LPARAM lParam) {
+    if (nCode == HCBT_CREATEWND &&
+        reinterpret_cast<const CBT_CREATEWNDA*>(lParam)->lpcs->hwndParent == g_hRefused)
+        return 1;
+    return CallNextHookEx(nullptr, nCode, wParam, lParam);
+}
+
+// The dialog opens without it, and it stays disabled: it is in no state to be used.
+TEST_F(EnterPin, ParentOfNoUseIsDoneWithout) {
+    for (const bool bExists : {false, true}) {
+        m_log.Clear();
+        g_hRefused = MakeParent();
+        if (!bExists)
+            DestroyWindow(g_hRefused);
+        HHOOK hHook = SetWindowsHookExA(WH_CBT, &RefuseOwner, nullptr, GetCurrentThreadId());
+        PinRequest{.hParent = g_hRefused}.Ask([](Dialog& d) {
+            EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), nullptr);
+            d.Escape();
+        });
+        UnhookWindowsHookEx(hHook);
+        EXPECT_TRUE(m_log.Contains(
+            2, "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL"));
+        EXPECT_FALSE(IsWindowEnabled(g_hRefused));
+        DestroyWindow(g_hRefused);
+    }
 }
 
 }  // namespace

@@ -1,30 +1,44 @@
 // VKPoliciesDlg: what it shows, in which order, and that it keeps still when nothing changes.
 #include "mvpingui/policies_dialog.h"
 
+#include <windows.h>
+#include <commctrl.h>
+
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "support/failing_heap.h"
-#include "ui/policy/message_counter.h"
-#include "ui/policy/panel_test.h"
+#include "ui/policy/rule_panel.h"
 
 namespace mvp::test {
 namespace {
 
+using PoliciesDialog = LibraryTest;
 constexpr std::uint32_t kNone = MVP_NO_PIN_LENGTH_RULE;
 constexpr PwdRuleArgs kAllRules = {0xDEAD, 1, 0x80000000, 2, 4, 8, 1};
 
-class PoliciesDialog : public testing::Test {
-protected:
-    AttachedLibrary m_library;
-    LogRecorder m_log;
-};
+// The messages that have reached watched windows of this thread.
+std::vector<std::pair<HWND, UINT>> g_seen;
 
-std::string LogPlace(const RecordedLine& line) {
-    return std::to_string(line.nLevel) + " " + line.strText;
+LRESULT CALLBACK See(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam, UINT_PTR /*nId*/,
+                     DWORD_PTR /*nData*/) {
+    g_seen.emplace_back(hWnd, nMessage);
+    return DefSubclassProc(hWnd, nMessage, wParam, lParam);
+}
+
+void Watch(HWND hWnd) {
+    SetWindowSubclass(hWnd, &See, 0, 0);
+}
+
+// Those of one window, or of all.
+std::ptrdiff_t Seen(UINT nMessage, HWND hWnd = nullptr) {
+    return std::ranges::count_if(g_seen, [=](const std::pair<HWND, UINT>& seen) {
+        return seen.second == nMessage && (hWnd == nullptr || seen.first == hWnd);
+    });
 }
 
 void DispatchAll() {
@@ -38,86 +52,61 @@ TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
     // Every rule is gone through, in force or not, met or not; the predicates and the icons of
     // those in force alone.
     for (const PwdRuleArgs* pRules : {&kAllRules, &only}) {
-        const bool bAll = pRules == &kAllRules;
         HostedPanel panel(pRules);
         m_log.Clear();
         panel.Check("old", "val", "new", "other");
-        std::vector<std::string> lines;
-        for (const RecordedLine& line : m_log.Lines())
-            lines.push_back(LogPlace(line));
-        std::vector<std::string> expected = {"8 VKPoliciesDlg::VerifyAndUpdatePolicies",
-                                             "0 csOldValue: old", "0 csValue: val",
-                                             "0 csNewValue: new"};
-        const auto expectScope = [&expected](const std::string& strName, bool bWithIcon = false) {
-            expected.push_back("8 " + strName);
-            if (bWithIcon)
-                for (const char* pszLevel : {"8 ", "16 "})
-                    expected.push_back(pszLevel + std::string("VKPoliciesDlg::SetPolicyIcon"));
-            expected.push_back("16 " + strName);
-        };
-        expectScope("VKPoliciesDlg::SetMinPINLen", bAll);
-        expectScope("VKPoliciesDlg::SetMaxPINLen", bAll);
-        expectScope("VKPoliciesDlg::SetPreventSamePIN", bAll);
-        if (bAll)
-            expectScope("VKPoliciesDlg::IsPinWeak");
-        expectScope("VKPoliciesDlg::SetWeakPIN", bAll);
-        if (bAll)
-            expectScope("VKPoliciesDlg::IsAlphaPinWeak");
-        expectScope("VKPoliciesDlg::SetAlphaPIN", bAll);
-        expectScope("VKPoliciesDlg::SetConfirmPIN", true);
+        const bool bAll = pRules == &kAllRules;
+        const std::string strIcon = bAll ? "VKPoliciesDlg::SetPolicyIcon{} " : "";
+        std::string strExpected =
+            "VKPoliciesDlg::VerifyAndUpdatePolicies{0 csOldValue: old; 0 csValue: val; "
+            "0 csNewValue: new; ";
+        for (const char* pszLine :
+             {"SetMinPINLen", "SetMaxPINLen", "SetPreventSamePIN", "SetWeakPIN", "SetAlphaPIN"}) {
+            if (bAll && pszLine == std::string("SetWeakPIN"))
+                strExpected += "VKPoliciesDlg::IsPinWeak{} ";
+            if (bAll && pszLine == std::string("SetAlphaPIN"))
+                strExpected += "VKPoliciesDlg::IsAlphaPinWeak{} ";
+            strExpected += "VKPoliciesDlg::" + std::string(pszLine) + "{" + strIcon + "} ";
+        }
+        strExpected += "VKPoliciesDlg::SetConfirmPIN{VKPoliciesDlg::SetPolicyIcon{} } ";
         for (int i = 0; i < 4; ++i)
-            expectScope("CBaseDialog::HidePinFromMemory");
-        expected.emplace_back("16 VKPoliciesDlg::VerifyAndUpdatePolicies");
-        EXPECT_EQ(lines, expected);
+            strExpected += "CBaseDialog::HidePinFromMemory{} ";
+        EXPECT_EQ(LogShape(), strExpected + "} ");
     }
 }
 
+// What each rule looks at; what it makes of it, the checker's own tests hold.
 TEST_F(PoliciesDialog, EachRuleLooksAtItsOwnText) {
-    struct Case {
-        const char* pszWhat;
-        PwdRuleArgs rules;
-        const char* pszOld;
-        const char* pszValue;
-        const char* pszNew;
-        const char* pszConfirm;
-        const char* pszLines;
+    const PwdRuleArgs unsignedBounds = {0, 0, 0, 0, 0x80000000, 0xFFFFFFFE, 0};
+    const PwdRuleArgs noMaximum = {0, 1, 1, 1, 4, kNone, 0};
+    const CString strHuge('7', 100'000);
+    const struct {
+        const PwdRuleArgs* pRules;
+        CString strOld, strValue, strNew, strConfirm;
+        std::string strLines;
+    } cases[] = {
+        {&kAllRules, "1", "9", "5838x5838", "5838x5838", "vsvsss"},
+        {&kAllRules, "1", "5838x5838", "9", "9", "svssvs"},
+        {&kAllRules, "new", "5838", "new", "5838", "sssvsv"},
+        {&kAllRules, "1", "58385838", "2", "2", "ssssss"},
+        {&kAllRules, "", "", "", "", "vsvvss"},
+        {&kAllRules, "1", "\xFE\xFF\x01\x80", "2", "2", "ssssvs"},
+        {&unsignedBounds, "", "1", "", "", "vs---s"},
+        {&noMaximum, "1", strHuge, strHuge, strHuge, "s-vsss"},
+        {nullptr, "1", "1", "1", "1", "-----s"},
+        {nullptr, "1", "1", "1", "2", "-----v"},
     };
-    const std::string strHuge(100'000, '7');
-    const Case cases[] = {
-        {"length, weakness, digits: the value", kAllRules, "1", "9", "5838x5838", "5838x5838",
-         "vsvsss"},
-        {"the value again", kAllRules, "1", "5838x5838", "9", "9", "svssvs"},
-        {"sameness, confirmation: the new value", kAllRules, "new", "5838", "new", "5838",
-         "sssvsv"},
-        {"bounds inclusive", kAllRules, "1", "5838", "2", "2", "ssssss"},
-        {"bounds inclusive", kAllRules, "1", "58385838", "2", "2", "ssssss"},
-        {"both empty are the same", kAllRules, "", "", "", "", "vsvvss"},
-        {"case counts", kAllRules, "abcd", "5838", "abcD", "abcd", "sssssv"},
-        {"a blank behind it", kAllRules, "1", "5838", "1234", "1234 ", "sssssv"},
-        {"bytes above 127", kAllRules, "1", "\xFE\xFF\x01\x80", "2", "2", "ssssvs"},
-        {"steps wrap at 256", kAllRules, "1", "\xFE\xFF", "2", "2", "vsvsvs"},
-        {"zero is a bound", {0, 0, 0, 0, 0, 0, 0}, "", "", "", "", "ss---s"},
-        {"zero is a bound", {0, 0, 0, 0, 0, 0, 0}, "", "1", "", "", "sv---s"},
-        {"unsigned bounds", {0, 0, 0, 0, 0x80000000, 0xFFFFFFFE, 0}, "", "1", "", "", "vs---s"},
-        {"no rule", {0, 0, 0, 0, kNone, kNone, 0}, "", "", "", "", "-----s"},
-        {"long PIN",
-         {0, 1, 1, 1, 4, kNone, 0},
-         "1",
-         strHuge.c_str(),
-         strHuge.c_str(),
-         strHuge.c_str(),
-         "s-vsss"},
-    };
-    for (const Case& c : cases) {
-        HostedPanel panel(&c.rules);
-        const bool bVerdict = panel.Check(c.pszOld, c.pszValue, c.pszNew, c.pszConfirm);
-        EXPECT_EQ(panel.Lines(), c.pszLines) << c.pszWhat;
-        EXPECT_EQ(bVerdict, std::string(c.pszLines).find('v') == std::string::npos) << c.pszWhat;
+    for (const auto& c : cases) {
+        HostedPanel panel(c.pRules);
+        const bool bVerdict = panel.Check(c.strOld, c.strValue, c.strNew, c.strConfirm);
+        EXPECT_EQ(panel.Lines(), c.strLines);
+        EXPECT_EQ(bVerdict, c.strLines.find('v') == std::string::npos) << c.strLines;
     }
 }
 
 TEST_F(PoliciesDialog, LinesShowTheirTexts) {
     HostedPanel panel(&kAllRules);
+    EXPECT_EQ(RectIn(panel.Host().m_hWnd, panel.Handle()).TopLeft(), CPoint(12, 34));
     EXPECT_EQ(panel.Text(IDC_POLICIES_BOX), std::string(ResourceString(IDS_POLICIES_BOX)));
     // Until the first check nothing shows.
     EXPECT_FALSE(panel.Panel().IsWindowVisible());
@@ -134,55 +123,46 @@ TEST_F(PoliciesDialog, LinesShowTheirTexts) {
     }
 }
 
-TEST_F(PoliciesDialog, WithoutARecordOnlyTheConfirmationCounts) {
-    HostedPanel panel(nullptr);
-    EXPECT_TRUE(panel.Check("1", "1", "1", "1"));
-    EXPECT_EQ(panel.Lines(), "-----s");
-    EXPECT_FALSE(panel.Check("1", "1", "1", "2"));
-    EXPECT_EQ(panel.Lines(), "-----v");
-}
-
 TEST_F(PoliciesDialog, KeepsStillWhenNothingChanges) {
     HostedPanel panel(&kAllRules);
     panel.Check("1234", "58", "58", "58");
     std::vector<HWND> lines;
-    for (const RuleLine& line : kRuleLines) {
-        lines.push_back(panel.Control(line.nText));
-        lines.push_back(panel.Control(line.nIcon));
-    }
-    std::vector<HWND> all = lines;
-    all.push_back(panel.Handle());
-    all.push_back(panel.Control(IDC_POLICIES_BOX));
-    all.push_back(panel.Host().m_hWnd);
+    for (const RuleLine& line : kRuleLines)
+        lines.insert(lines.end(), {panel.Control(line.nText), panel.Control(line.nIcon)});
+    for (const HWND hLine : lines)
+        Watch(hLine);
+    for (const HWND hAround :
+         {panel.Handle(), panel.Control(IDC_POLICIES_BOX), panel.Host().m_hWnd})
+        Watch(hAround);
     DispatchAll();
-    MessageCounter messages(all);
+    g_seen.clear();
 
     panel.Check("1234", "58", "58", "58");
     DispatchAll();
-    for (const int nMessage : {STM_SETICON, WM_SETTEXT, WM_PAINT, WM_ERASEBKGND, WM_NCPAINT,
-                               WM_SHOWWINDOW, WM_WINDOWPOSCHANGED})
-        EXPECT_EQ(messages.Count(static_cast<UINT>(nMessage)), 0) << nMessage;
+    for (const UINT nMessage :
+         {UINT{STM_SETICON}, UINT{WM_SETTEXT}, UINT{WM_PAINT}, UINT{WM_ERASEBKGND},
+          UINT{WM_NCPAINT}, UINT{WM_SHOWWINDOW}, UINT{WM_WINDOWPOSCHANGED}})
+        EXPECT_EQ(Seen(nMessage), 0) << nMessage;
     // The counter does count.
-    EXPECT_EQ(messages.Count(panel.Control(IDC_POLICIES_MIN_ICON), STM_GETICON), 1);
+    const HWND hIcon = panel.Control(IDC_POLICIES_MIN_ICON);
+    EXPECT_EQ(Seen(STM_GETICON, hIcon), 1);
 
     // One rule changes its state: its icon is drawn, and no other line.
-    messages.Clear();
     panel.Check("1234", "5838", "5838", "5838");
-    messages.Clear();
+    g_seen.clear();
     panel.Check("1234", "583", "583", "583");
     DispatchAll();
-    EXPECT_EQ(messages.Count(STM_SETICON), 1);
-    EXPECT_EQ(messages.Count(panel.Control(IDC_POLICIES_MIN_ICON), STM_SETICON), 1);
-    EXPECT_EQ(messages.Count(WM_SETTEXT), 0);
+    EXPECT_EQ(Seen(STM_SETICON), 1);
+    EXPECT_EQ(Seen(STM_SETICON, hIcon), 1);
+    EXPECT_EQ(Seen(WM_SETTEXT), 0);
     // The icon may be drawn at once, without a message of its own; all else stays as it is.
-    const HWND hIcon = panel.Control(IDC_POLICIES_MIN_ICON);
-    EXPECT_EQ(messages.Count(WM_PAINT), messages.Count(hIcon, WM_PAINT));
-    EXPECT_EQ(messages.Count(WM_ERASEBKGND), messages.Count(hIcon, WM_ERASEBKGND));
-    messages.Clear();
+    EXPECT_EQ(Seen(WM_PAINT), Seen(WM_PAINT, hIcon));
+    EXPECT_EQ(Seen(WM_ERASEBKGND), Seen(WM_ERASEBKGND, hIcon));
+    g_seen.clear();
     for (const HWND hLine : lines)
         InvalidateRect(hLine, nullptr, FALSE);
     DispatchAll();
-    EXPECT_EQ(messages.Count(WM_PAINT), 12) << "paints are seen";
+    EXPECT_EQ(Seen(WM_PAINT), 12) << "paints are seen";
 }
 
 TEST_F(PoliciesDialog, HiddenLinesKeepTheirIcon) {
@@ -191,82 +171,54 @@ TEST_F(PoliciesDialog, HiddenLinesKeepTheirIcon) {
     const HWND hIcon = panel.Control(IDC_POLICIES_MIN_ICON);
     SendMessageA(hIcon, STM_SETICON,
                  reinterpret_cast<WPARAM>(LoadResourceIcon(IDI_RULE_VIOLATED, 16)), 0);
-    MessageCounter messages({hIcon});
+    Watch(hIcon);
+    g_seen.clear();
     panel.Check("", "1", "1", "1");
-    EXPECT_EQ(messages.Count(STM_SETICON), 0);
+    EXPECT_EQ(Seen(STM_SETICON), 0);
     EXPECT_FALSE(IsWindowVisible(hIcon));
 }
 
-TEST_F(PoliciesDialog, CreationBorrowsTheResourceHandle) {
-    const HINSTANCE before = AfxGetResourceHandle();
-    EXPECT_NE(before, ResourceModule());
-    HostedPanel panel(&kAllRules);
-    EXPECT_EQ(AfxGetResourceHandle(), before);
-    const RECT place = RectIn(panel.Host().m_hWnd, panel.Handle());
-    EXPECT_EQ(place.left, 12);
-    EXPECT_EQ(place.top, 34);
-}
-
-// The panel over a template that lacks a control, or in a resource module that lacks all strings.
-class CIncompletePanel : public VKPoliciesDlg {
+class CIncompletePanel : public CIncomplete<VKPoliciesDlg> {
 public:
     CIncompletePanel(CWnd* pHost, int nMissing)
-        : VKPoliciesDlg(&kAllRules, 0, nullptr, pHost, 15, 0, 6), m_nMissing(nMissing) {}
-
-protected:
-    void DoDataExchange(CDataExchange* pDX) override {
-        if (m_nMissing == 0)
-            FreeResourceModule();
-        ::DestroyWindow(::GetDlgItem(m_hWnd, m_nMissing));
-        VKPoliciesDlg::DoDataExchange(pDX);
-    }
-
-private:
-    int m_nMissing;
+        : CIncomplete(nMissing, &kAllRules, 0, nullptr, pHost, 15, 0, 6) {}
 };
 
-class Host : public CWnd {
-public:
-    Host() {
-        CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 600, 500, nullptr, nullptr);
-    }
-};
+void ExpectJudges(VKPoliciesDlg& panel) {
+    EXPECT_TRUE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "5838"));
+    EXPECT_FALSE(panel.VerifyAndUpdatePolicies("1", "583", "5838", "5838"));
+}
 
 TEST_F(PoliciesDialog, LivesWithMissingControls) {
-    Host host;
+    CHost host;
     std::vector<int> controls = {IDC_POLICIES_BOX};
     for (const RuleLine& line : kRuleLines)
         controls.insert(controls.end(), {line.nText, line.nIcon});
+    constexpr char kDone[] = "VKPoliciesDlg::PutPoliciesInBox";
+    const HostedPanel whole(&kAllRules);
+    EXPECT_TRUE(m_log.Contains(16, kDone));
     for (const int nMissing : controls) {
         SCOPED_TRACE(nMissing);
         m_log.Clear();
-        {
-            // The line of success, which a whole panel has.
-            HostedPanel whole(&kAllRules);
-            EXPECT_TRUE(m_log.Contains(16, "VKPoliciesDlg::PutPoliciesInBox"));
-            m_log.Clear();
-        }
         CIncompletePanel panel(&host, nMissing);
         ASSERT_NE(panel.LocCreate(&host), 0);
-        EXPECT_FALSE(m_log.Contains(16, "VKPoliciesDlg::PutPoliciesInBox"));
-        RECT whole = {0, 0, 236, 84};
-        MapDialogRect(panel.m_hWnd, &whole);
-        EXPECT_EQ(RectIn(host.m_hWnd, panel.m_hWnd).bottom, whole.bottom) << "left as it is";
-        EXPECT_TRUE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "5838"));
-        EXPECT_FALSE(panel.VerifyAndUpdatePolicies("1", "583", "5838", "5838"));
+        EXPECT_FALSE(m_log.Contains(16, kDone));
+        RECT untouched = {0, 0, 236, 84};
+        MapDialogRect(panel.m_hWnd, &untouched);
+        EXPECT_EQ(RectIn(host.m_hWnd, panel.m_hWnd).bottom, untouched.bottom) << "left as it is";
+        ExpectJudges(panel);
         for (const int nId : controls)
             EXPECT_EQ(IsWindowVisible(::GetDlgItem(panel.m_hWnd, nId)) != FALSE, nId != nMissing)
                 << nId;
         panel.DestroyWindow();
     }
     // And without a window at all.
-    VKPoliciesDlg panel(&kAllRules, 0, nullptr, &host, 15, 0, 6);
-    EXPECT_TRUE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "5838"));
-    EXPECT_FALSE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "583"));
+    VKPoliciesDlg windowless(&kAllRules, 0, nullptr, &host, 15, 0, 6);
+    ExpectJudges(windowless);
 }
 
 TEST(PoliciesDialogWithoutPictures, ShowsNoneAndJudges) {
-    Host host;
+    CHost host;
     // Made before the library has its resource module: no icon loads.
     CIncompletePanel panel(&host, 0);
     const AttachedLibrary library;
@@ -277,12 +229,11 @@ TEST(PoliciesDialogWithoutPictures, ShowsNoneAndJudges) {
         panel.SendDlgItemMessage(line.nIcon, STM_SETICON,
                                  reinterpret_cast<WPARAM>(LoadIconA(nullptr, IDI_ERROR)));
     }
-    EXPECT_TRUE(panel.VerifyAndUpdatePolicies("1", "5838", "5838", "5838"));
-    EXPECT_FALSE(panel.VerifyAndUpdatePolicies("1", "583", "5838", "5838"));
+    ExpectJudges(panel);
     for (const RuleLine& line : kRuleLines) {
-        EXPECT_EQ(panel.SendDlgItemMessage(line.nText, WM_GETTEXTLENGTH), 0) << line.pszName;
-        EXPECT_EQ(panel.SendDlgItemMessage(line.nIcon, STM_GETICON), 0) << line.pszName;
-        EXPECT_TRUE(IsWindowVisible(::GetDlgItem(panel.m_hWnd, line.nIcon))) << line.pszName;
+        EXPECT_EQ(panel.SendDlgItemMessage(line.nText, WM_GETTEXTLENGTH), 0) << line.nText;
+        EXPECT_EQ(panel.SendDlgItemMessage(line.nIcon, STM_GETICON), 0) << line.nIcon;
+        EXPECT_TRUE(IsWindowVisible(::GetDlgItem(panel.m_hWnd, line.nIcon))) << line.nIcon;
     }
 }
 

@@ -6,27 +6,23 @@ namespace mvp {
 namespace {
 
 TEST(CapsLockBalloon, OneSystemLacksTheWarning) {
-    struct Case {
-        unsigned long nPlatform;
-        unsigned long nMajor;
-        unsigned long nMinor;
+    const struct {
+        unsigned long nPlatform, nMajor, nMinor;
         bool bLacks;
-    };
-    const Case cases[] = {{2, 5, 0, true},   {1, 5, 0, false}, {2, 4, 0, false}, {2, 5, 1, false},
-                          {2, 10, 0, false}, {2, 6, 1, false}, {0, 0, 0, false}};
-    for (const Case& c : cases)
+    } cases[] = {{2, 5, 0, true},   {1, 5, 0, false}, {2, 4, 0, false}, {2, 5, 1, false},
+                 {2, 10, 0, false}, {2, 6, 1, false}, {0, 0, 0, false}};
+    for (const auto& c : cases)
         EXPECT_EQ(LacksCapsLockWarning(c.nPlatform, c.nMajor, c.nMinor), c.bLacks) << c.nMajor;
 }
 
 TEST(CapsLockBalloon, StaysOnTheScreen) {
-    struct Case {
+    constexpr int kScreenWidth = 1000;
+    const struct {
         const char* pszWhat;
         BalloonAnchor edit;
         BalloonSize balloon;
         BalloonPlace expected;
-    };
-    constexpr int kScreenWidth = 1000;
-    const Case cases[] = {
+    } cases[] = {
         {"room above", {300, 400, 420}, {200, 100}, {300, 304}},
         {"the last place above", {300, 151, 171}, {200, 100}, {300, 55}},
         {"no room above", {300, 150, 170}, {200, 100}, {300, 162}},
@@ -36,7 +32,7 @@ TEST(CapsLockBalloon, StaysOnTheScreen) {
         {"beyond the right edge", {801, 400, 420}, {200, 100}, {800, 304}},
         {"wider than the screen", {10, 400, 420}, {1200, 100}, {0, 304}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const BalloonPlace place = PlaceBalloon(c.edit, c.balloon, kScreenWidth);
         EXPECT_EQ(place.nLeft, c.expected.nLeft) << c.pszWhat;
         EXPECT_EQ(place.nTop, c.expected.nTop) << c.pszWhat;
@@ -44,12 +40,8 @@ TEST(CapsLockBalloon, StaysOnTheScreen) {
 }
 
 TEST(CapsLockBalloon, OnlyTypingHidesIt) {
-    constexpr unsigned kBackspace = 0x08;
-    constexpr unsigned kTab = 0x09;
-    constexpr unsigned kShift = 0x10;
-    constexpr unsigned kCapsLock = 0x14;
-    EXPECT_EQ(BalloonActionForKey(kCapsLock), BalloonAction::Check);
-    for (const unsigned key : {kBackspace, kTab, kShift})
+    EXPECT_EQ(BalloonActionForKey(0x14), BalloonAction::Check);  // Caps Lock
+    for (const unsigned key : {0x08u, 0x09u, 0x10u})             // Backspace, Tab, Shift
         EXPECT_EQ(BalloonActionForKey(key), BalloonAction::Leave) << key;
     for (const unsigned key : {unsigned{'A'}, unsigned{'7'}, 0x0Du, 0x1Bu, 0x25u, 0x2Eu, 0x11u})
         EXPECT_EQ(BalloonActionForKey(key), BalloonAction::Hide) << key;

@@ -8,29 +8,25 @@ namespace mvp {
 namespace {
 
 TEST(EnterPinRules, LengthCountsWithinBothBounds) {
-    struct Case {
+    const struct {
         std::size_t cbPin;
-        std::uint32_t dwMin;
-        std::uint32_t dwMax;
+        std::uint32_t dwMin, dwMax;
         bool bAllowed;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {3, 4, 8, false}, {4, 4, 8, true},          {8, 4, 8, true},
         {9, 4, 8, false}, {0, 0, 8, true},          {0, 1, 8, false},
         {5, 6, 4, false}, {4, 4, 0xFFFFFFFF, true}, {0x100000004, 4, 8, false},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(IsPinLengthAllowed(c.cbPin, c.dwMin, c.dwMax), c.bAllowed) << c.cbPin;
 }
 
 TEST(EnterPinRules, IgnoredPictureHasItsReason) {
-    struct Case {
+    const struct {
         const char* pszPath;
-        bool bText;
-        bool bFileThere;
+        bool bText, bFileThere;
         const char* pszReason;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"C:\\a.bmp", true, true, "the file is not a bitmap that can be shown"},
         {"C:\\100%", true, false, "there is no such file"},
         {"C:\\%a%b", true, true, "the file is not a bitmap that can be shown"},
@@ -39,7 +35,7 @@ TEST(EnterPinRules, IgnoredPictureHasItsReason) {
         {"\"C:\\a.bmp\"", true, false, "the path stands in quotation marks"},
         {"A", false, false, "the value is not a text"},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(std::string(WhyNoPicture(c.pszPath, c.bText, c.bFileThere)), c.pszReason);
 }
 

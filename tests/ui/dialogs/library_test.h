@@ -1,0 +1,120 @@
+// The library as a host has it after loading, in a white-box test program, and what most tests of
+// its dialogs stand on.
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <dlgfw/dlgfw.h>
+#include <gtest/gtest.h>
+
+#include "frame/module.h"
+#include "resources/resource_numbers.h"
+#include "services/resource_module.h"
+#include "support/log_recorder.h"
+#include "support/message_box_recorder.h"
+#include "support/registry_hive.h"
+
+namespace mvp::test {
+
+// Attached while this object lives.
+class AttachedLibrary {
+public:
+    // Speaks a language of the build, "en" or "fr", or the one beside the tests. The library looks
+    // below the current directory, which is the tests' own at first.
+    explicit AttachedLibrary(const std::string& strLanguage = {}) {
+        if (!strLanguage.empty())
+            std::filesystem::current_path(m_folder / ".." / "bin" / strLanguage);
+        EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr)));
+    }
+    AttachedLibrary(const AttachedLibrary&) = delete;
+    AttachedLibrary& operator=(const AttachedLibrary&) = delete;
+    ~AttachedLibrary() {
+        DetachLibrary();
+        std::error_code ignored;
+        std::filesystem::current_path(m_folder, ignored);
+    }
+
+private:
+    std::filesystem::path m_folder = std::filesystem::current_path();
+};
+
+class LibraryTest : public testing::Test {
+protected:
+    // The log as one text: "Name{", what it did, "} " for a scope that was left under its name;
+    // "level text; " for any other line.
+    std::string LogShape() const {
+        std::string strShape;
+        std::vector<std::string> open;
+        for (const auto& [strTag, nLevel, strText] : m_log.Lines()) {
+            if (nLevel == 8) {
+                open.push_back(strText);
+                strShape += strText + "{";
+            } else if (nLevel == 16 && !open.empty() && open.back() == strText) {
+                open.pop_back();
+                strShape += "} ";
+            } else {
+                strShape += std::to_string(nLevel) + " " + strText + "; ";
+            }
+        }
+        return strShape;
+    }
+
+    AttachedLibrary m_library;
+    RegistryHive m_hive;
+    LogRecorder m_log;
+    MessageBoxRecorder m_boxes;
+};
+
+// A host's window with an OK button at its left.
+class CHost : public CWnd {
+public:
+    CHost() {
+        CreateEx(WS_EX_CONTROLPARENT, "STATIC", "host", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 30,
+                 40, 900, 500, nullptr, nullptr);
+        m_ok.CreateEx(0, "BUTTON", "OK", WS_CHILD | WS_VISIBLE, 5, 5, 90, 30, m_hWnd, nullptr);
+    }
+    ~CHost() override {
+        if (m_hWnd != nullptr)
+            DestroyWindow();
+    }
+
+    CButton m_ok;
+};
+
+// A dialog over a template that lacks a control; 0: whose resource module goes while it opens.
+template <class Base>
+class CIncomplete : public Base {
+public:
+    template <class... Args>
+    explicit CIncomplete(int nMissing, Args... args) : Base(args...), m_nMissing(nMissing) {}
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override {
+        ::DestroyWindow(::GetDlgItem(this->m_hWnd, m_nMissing));
+        if (m_nMissing == 0)
+            FreeResourceModule();
+        Base::DoDataExchange(pDX);
+    }
+
+private:
+    int m_nMissing;
+};
+
+// In the client coordinates of `hParent`.
+inline CRect RectIn(HWND hParent, HWND hWnd) {
+    CRect rect;
+    GetWindowRect(hWnd, &rect);
+    MapWindowPoints(nullptr, hParent, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+inline HICON IconOf(HWND hControl) {
+    return reinterpret_cast<HICON>(SendMessageA(hControl, STM_GETICON, 0, 0));
+}
+
+}  // namespace mvp::test

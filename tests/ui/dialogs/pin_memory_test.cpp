@@ -1,0 +1,104 @@
+// What the system's edit remembers of a PIN, seen while its window still lives; and a request whose
+// PIN buffer cannot be had.
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include "dialogs/base/edit_scrubber.h"
+#include "support/memory_scan.h"
+#include "ui/dialogs/library_test.h"
+#include "ui/dialogs/pin_requests.h"
+
+namespace {
+
+// Behind the secret: for an unusual length, so that nothing else asks for as many bytes.
+constexpr std::string_view kFiller = "0000000000000000000";
+constexpr std::size_t kLength = mvp::test::Secret::kLength + kFiller.size();
+std::atomic<bool> g_bRefuse = false;  // thread-local storage would itself be allocated
+
+}  // namespace
+
+// The linker routes every malloc of this program and of the library's code in it through here
+// (--wrap=malloc).
+extern "C" {
+void* __real_malloc(std::size_t size);   // NOLINT(bugprone-reserved-identifier): the linker's names
+void* __wrap_malloc(std::size_t size) {  // NOLINT(bugprone-reserved-identifier)
+    return g_bRefuse && size == kLength ? nullptr : __real_malloc(size);
+}
+}
+
+namespace mvp::test {
+namespace {
+
+using EnterPinWithoutMemory = LibraryTest;
+
+TEST_F(EnterPinWithoutMemory, IsRefusedAndHoldsTheGuard) {
+    const Secret pin;
+    const SecretWatch watch({&pin});
+    PinRequest request{.dwMax = 100};
+    const auto enter = [&pin](Dialog& d) {
+        d.Type(IDC_ENTER_PIN_EDIT, pin);
+        d.Type(IDC_ENTER_PIN_EDIT, kFiller);
+        d.Click(IDOK);
+    };
+    g_bRefuse = true;
+    EXPECT_EQ(request.Call(enter), MVPINGUI_REFUSED);
+    g_bRefuse = false;
+    EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: Enter PIN action validated")) << m_log.Dump();
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: PIN buffer allocation failed"));
+    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: returns: -1"));
+    EXPECT_EQ(Module().nPinDialogInProgress, 1);
+    EXPECT_EQ(request.Outcome(MVPINGUI_REFUSED), kRefused);
+    EXPECT_EQ(Module().nPinDialogInProgress, 0);
+    watch.ExpectNothingLeft("no memory");
+}
+
+class Scrubbing : public testing::Test {
+protected:
+    ~Scrubbing() override { DestroyWindow(m_hEdit); }
+    void Type() {
+        for (size_t i = 0; i < Secret::size(); ++i)
+            SendMessageA(m_hEdit, WM_CHAR, static_cast<unsigned char>(m_pin[i]), 1);
+    }
+
+    Secret m_pin;
+    HWND m_hEdit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD | ES_AUTOHSCROLL, 0, 0,
+                                   100, 20, nullptr, nullptr, nullptr, nullptr);
+};
+
+TEST_F(Scrubbing, LeavesNothingInTheEdit) {
+    // The control's blocks lie on a heap; a stack keeps what it likes of the typing.
+    const auto hits = [&] {
+        return std::ranges::count(ScanOwnMemory(m_pin), MemoryHit::Place::kHeap, &MemoryHit::place);
+    };
+    PrepareEditForSecret(m_hEdit);
+    EXPECT_EQ(GetWindowTextLengthA(m_hEdit), 0);
+    Type();
+    EXPECT_EQ(hits(), 1) << "the text has not moved";
+    // One by one, which is how the control comes to remember all of it.
+    for (size_t i = 0; i < Secret::size(); ++i)
+        SendMessageA(m_hEdit, WM_CHAR, VK_BACK, 1);
+    Type();
+    EXPECT_EQ(hits(), 2) << "the text, and the one that was deleted";
+    ScrubEdit(m_hEdit);
+    EXPECT_EQ(hits(), 0);
+    EXPECT_EQ(GetWindowTextLengthA(m_hEdit), 0);
+    EXPECT_FALSE(SendMessageA(m_hEdit, EM_CANUNDO, 0, 0));
+}
+
+// What the control copies of so long a text lies in blocks that it has freed.
+TEST_F(Scrubbing, ReachesTheEndOfALongText) {
+    SetWindowTextA(m_hEdit, std::string(600, 'x').c_str());
+    SendMessageA(m_hEdit, EM_SETSEL, 600, 600);
+    Type();
+    ScrubEdit(m_hEdit);
+    for (const MemoryHit& hit : ScanOwnMemory(m_pin))
+        EXPECT_TRUE(hit.place != MemoryHit::Place::kHeap || hit.bFreed) << hit;
+}
+
+}  // namespace
+}  // namespace mvp::test
