@@ -124,7 +124,7 @@ TEST_F(CardRemoval, HasNoEffectWithoutMemoryForTheWatch) {
     };
     EXPECT_EQ(PinRequest{.pszReader = strReader.c_str()}.Ask(removeAndEnter), "1234");
     EXPECT_TRUE(heap.Stop());
-    EXPECT_TRUE(m_log.Contains(1, "VKDetectCardRemovedDlg::OnInitDialog: exception"));
+    EXPECT_TRUE(m_log.Contains(1, "VKDelegateSubscriberCardRemoved Constructor: exception"));
     EXPECT_TRUE(m_log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
 }
 

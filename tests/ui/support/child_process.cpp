@@ -1,37 +1,40 @@
 #include "child_process.h"
 
+#include <array>
 #include <stdexcept>
-
-#include "platform/handle.h"
 
 namespace mvp::test {
 
-ChildResult RunDisabledTest(const std::string& strName) {
-    char text[1024] = {};
-    GetModuleFileNameA(nullptr, text, sizeof text);
-    std::string strCommand = '"' + std::string(text) + '"';
-    strCommand += " --gtest_also_run_disabled_tests --gtest_filter=" + strName;
+DisabledTest::DisabledTest(const std::string& strName) {
+    std::array<char, MAX_PATH> program = {};
+    GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    std::string strCommand = "\"";
+    strCommand.append(program.data()).append("\" --gtest_also_run_disabled_tests --gtest_filter=");
+    strCommand.append(strName);
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-    KernelHandle output;
     KernelHandle writing;
-    CreatePipe(output.put(), writing.put(), &inherited, 0);
-    SetHandleInformation(output.get(), HANDLE_FLAG_INHERIT, 0);
+    CreatePipe(m_output.put(), writing.put(), &inherited, 0);
+    SetHandleInformation(m_output.get(), HANDLE_FLAG_INHERIT, 0);
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = startup.hStdError = writing.get();
+    startup.hStdOutput = writing.get();
+    startup.hStdError = writing.get();
     PROCESS_INFORMATION info = {};
     if (!CreateProcessA(nullptr, strCommand.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                         &startup, &info))
         throw std::runtime_error("the test could not be started");
-    const KernelHandle process(info.hProcess);
+    m_process.reset(info.hProcess);
     const KernelHandle thread(info.hThread);
-    writing.reset();
+}
+
+ChildResult DisabledTest::Wait() {
     ChildResult result;
-    for (DWORD dwRead = 0; ReadFile(output.get(), text, sizeof text, &dwRead, nullptr);)
-        result.strOutput.append(text, dwRead);
-    WaitForSingleObject(process.get(), INFINITE);
-    GetExitCodeProcess(process.get(), &result.dwExitCode);
+    std::array<char, 1024> part = {};
+    for (DWORD dwRead = 0; ReadFile(m_output.get(), part.data(), part.size(), &dwRead, nullptr);)
+        result.strOutput.append(part.data(), dwRead);
+    WaitForSingleObject(m_process.get(), INFINITE);
+    GetExitCodeProcess(m_process.get(), &result.dwExitCode);
     return result;
 }
 

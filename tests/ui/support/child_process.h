@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "platform/handle.h"
+
 namespace mvp::test {
 
 struct ChildResult {
@@ -13,6 +15,20 @@ struct ChildResult {
     std::string strOutput;
 };
 
-ChildResult RunDisabledTest(const std::string& strName);
+class DisabledTest {
+public:
+    explicit DisabledTest(const std::string& strName);
+
+    HANDLE Process() const { return m_process.get(); }
+    ChildResult Wait();
+
+private:
+    KernelHandle m_output;
+    KernelHandle m_process;
+};
+
+inline ChildResult RunDisabledTest(const std::string& strName) {
+    return DisabledTest(strName).Wait();
+}
 
 }  // namespace mvp::test
