@@ -69,7 +69,8 @@ private:
     void SetPreventSamePIN(bool bShow, bool bSatisfied);
     void SetAlphaPIN(bool bShow, bool bSatisfied);
     void SetConfirmPIN(bool bSatisfied);
-    bool LacksText(mvp::PinRule rule);
+    bool HasText(mvp::PinRule rule) const;
+    void GiveText(mvp::PinRule rule, CStatic& text, const CString& strText);
     void ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool bSatisfied);
     void SetPolicyIcon(CWnd* pIconControl, HICON hIcon);
     void PutPoliciesInBox();
@@ -81,6 +82,7 @@ private:
     CStatic m_sameText;
     CStatic m_alphaText;
     CStatic m_confirmText;
+    CStatic m_icons[6];  // a rule each
     int m_nTopMargin;
     int m_nLeftIndent;
     int m_nLineSpacing;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <type_traits>
 
 #include <dlgfw/geometry.h>
 #include <dlgfw/message_map.h>
@@ -43,6 +44,10 @@ constexpr std::array<LineControls, mvp::kPinRuleCount> kLines = {{
 
 std::string_view View(const CString& text) {
     return {static_cast<LPCSTR>(text), static_cast<std::size_t>(text.GetLength())};
+}
+
+constexpr unsigned TextBit(mvp::PinRule rule) {
+    return 1U << mvp::IndexOf(rule);
 }
 
 CString FormatLength(UINT nFormat, int nLength) {
@@ -90,6 +95,9 @@ void VKPoliciesDlg::DoDataExchange(CDataExchange* pDX) {
     mvp::BindIfThere(pDX, IDC_POLICIES_SAME_TEXT, m_sameText);
     mvp::BindIfThere(pDX, IDC_POLICIES_ALPHA_TEXT, m_alphaText);
     mvp::BindIfThere(pDX, IDC_POLICIES_CONFIRM_TEXT, m_confirmText);
+    static_assert(std::extent_v<decltype(m_icons)> == mvp::kPinRuleCount);
+    for (std::size_t i = 0; i < kLines.size(); ++i)
+        mvp::BindIfThere(pDX, kLines.at(i).nIcon, m_icons[i]);
 }
 
 BOOL VKPoliciesDlg::OnInitDialog() {
@@ -143,7 +151,7 @@ bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csVal
         ShowRule(rule, check.State(rule) != mvp::RuleState::NotInForce,
                  check.State(rule) == mvp::RuleState::Satisfied, csValue);
     if (m_hWnd != nullptr) {
-        m_groupBox.EnableWindow(TRUE);
+        mvp::EnableIf(m_groupBox, true);
         mvp::ShowIf(*this, true);
     }
     return check.Verdict();
@@ -187,62 +195,65 @@ bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
 
 void VKPoliciesDlg::SetMinPINLen(int nMin, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMinPINLen");
-    if (LacksText(mvp::PinRule::MinLength))
-        m_minText.SetWindowText(FormatLength(IDS_POLICIES_MIN_FORMAT, nMin));
+    if (!HasText(mvp::PinRule::MinLength))
+        GiveText(mvp::PinRule::MinLength, m_minText, FormatLength(IDS_POLICIES_MIN_FORMAT, nMin));
     ShowLine(m_minText, mvp::PinRule::MinLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetMaxPINLen(int nMax, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMaxPINLen");
-    if (LacksText(mvp::PinRule::MaxLength))
-        m_maxText.SetWindowText(FormatLength(IDS_POLICIES_MAX_FORMAT, nMax));
+    if (!HasText(mvp::PinRule::MaxLength))
+        GiveText(mvp::PinRule::MaxLength, m_maxText, FormatLength(IDS_POLICIES_MAX_FORMAT, nMax));
     ShowLine(m_maxText, mvp::PinRule::MaxLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetWeakPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetWeakPIN");
-    if (LacksText(mvp::PinRule::NotWeak))
-        m_weakText.SetWindowText(mvp::ResourceString(IDS_POLICIES_WEAK));
+    if (!HasText(mvp::PinRule::NotWeak))
+        GiveText(mvp::PinRule::NotWeak, m_weakText, mvp::ResourceString(IDS_POLICIES_WEAK));
     ShowLine(m_weakText, mvp::PinRule::NotWeak, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetPreventSamePIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetPreventSamePIN");
-    if (LacksText(mvp::PinRule::NotSame))
-        m_sameText.SetWindowText(mvp::ResourceString(IDS_POLICIES_SAME));
+    if (!HasText(mvp::PinRule::NotSame))
+        GiveText(mvp::PinRule::NotSame, m_sameText, mvp::ResourceString(IDS_POLICIES_SAME));
     ShowLine(m_sameText, mvp::PinRule::NotSame, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetAlphaPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetAlphaPIN");
-    if (LacksText(mvp::PinRule::DigitsOnly))
-        m_alphaText.SetWindowText(mvp::ResourceString(IDS_POLICIES_ALPHA));
+    if (!HasText(mvp::PinRule::DigitsOnly))
+        GiveText(mvp::PinRule::DigitsOnly, m_alphaText, mvp::ResourceString(IDS_POLICIES_ALPHA));
     ShowLine(m_alphaText, mvp::PinRule::DigitsOnly, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetConfirmPIN(bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetConfirmPIN");
-    if (LacksText(mvp::PinRule::Confirmation))
-        m_confirmText.SetWindowText(mvp::ResourceString(IDS_POLICIES_CONFIRM));
+    if (!HasText(mvp::PinRule::Confirmation))
+        GiveText(mvp::PinRule::Confirmation, m_confirmText,
+                 mvp::ResourceString(IDS_POLICIES_CONFIRM));
     ShowLine(m_confirmText, mvp::PinRule::Confirmation, true, bSatisfied);
 }
 
 // The card's rules do not change, so neither do the texts: a line is given its own once. Not anew
 // with each check: setting a text paints it, which flickers while the user types.
-bool VKPoliciesDlg::LacksText(mvp::PinRule rule) {
-    const unsigned nBit = 1U << mvp::IndexOf(rule);
-    const bool bLacks = m_hWnd != nullptr && (m_nTextsSet & nBit) == 0;
-    m_nTextsSet |= bLacks ? nBit : 0;
-    return bLacks;
+bool VKPoliciesDlg::HasText(mvp::PinRule rule) const {
+    return m_hWnd == nullptr || (m_nTextsSet & TextBit(rule)) != 0;
+}
+
+void VKPoliciesDlg::GiveText(mvp::PinRule rule, CStatic& text, const CString& strText) {
+    text.SetWindowText(strText);
+    m_nTextsSet |= TextBit(rule);
 }
 
 void VKPoliciesDlg::ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool bSatisfied) {
     mvp::ShowIf(text, bShow);
-    CWnd* pIcon = m_hWnd != nullptr ? GetDlgItem(kLines.at(mvp::IndexOf(rule)).nIcon) : nullptr;
-    if (pIcon != nullptr)
-        mvp::ShowIf(*pIcon, bShow);
+    CStatic& icon = m_icons[mvp::IndexOf(rule)];
+    mvp::ShowIf(icon, bShow);
     if (bShow)
-        SetPolicyIcon(pIcon, bSatisfied ? m_hSatisfied : m_hViolated);
+        SetPolicyIcon(icon.m_hWnd != nullptr ? &icon : nullptr,
+                      bSatisfied ? m_hSatisfied : m_hViolated);
 }
 
 void VKPoliciesDlg::SetPolicyIcon(CWnd* pIconControl, HICON hIcon) {

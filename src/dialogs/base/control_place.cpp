@@ -42,4 +42,9 @@ void ShowIf(CWnd& window, bool bShow) {
         window.ShowWindow(bShow ? SW_SHOW : SW_HIDE);
 }
 
+void EnableIf(CWnd& window, bool bEnable) {
+    if (window.m_hWnd != nullptr && (window.IsWindowEnabled() != FALSE) != bEnable)
+        window.EnableWindow(bEnable);
+}
+
 }  // namespace mvp

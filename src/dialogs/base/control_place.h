@@ -26,5 +26,7 @@ void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> co
 // Shows or hides the window. One that is there already is left alone: the system does all the work
 // of showing it again.
 void ShowIf(CWnd& window, bool bShow);
+// Enables or disables it, in the same way.
+void EnableIf(CWnd& window, bool bEnable);
 
 }  // namespace mvp

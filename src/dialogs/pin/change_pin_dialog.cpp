@@ -262,7 +262,7 @@ bool CChangePINDialog::ReadAndCheck() {
 
 void CChangePINDialog::EnableOk(bool bEnable) {
     if (m_pOkButton != nullptr)
-        m_pOkButton->EnableWindow(bEnable);
+        mvp::EnableIf(*m_pOkButton, bEnable);
 }
 
 void CChangePINDialog::EraseAllPinBuffers() {

@@ -238,11 +238,11 @@ TEST(PoliciesDialogWithoutPictures, ShowsNoneAndJudges) {
 }
 
 TEST_F(PoliciesDialog, WithoutMemoryNoPinIsGood) {
-    HostedPanel panel(&kAllRules);
     FailingHeap heap("dlgfw.dll");
     int nStopped = 0;
     bool bRefused = true;
     for (int i = 0; bRefused; ++i) {
+        HostedPanel panel(&kAllRules);
         CString pins[] = {"1", "5838", "5838", "5838"};
         m_log.Clear();
         heap.FailAt(i);
