@@ -52,8 +52,9 @@ constexpr unsigned TextBit(mvp::PinRule rule) {
 
 CString FormatLength(UINT nFormat, int nLength) {
     CString format = mvp::ResourceString(nFormat);
-    if (!mvp::TakesOneInteger(View(format)))
+    if (!mvp::TakesOneInteger(View(format))) {
         return format;
+    }
     CString text;
     text.Format(format, nLength);
     return text;
@@ -96,8 +97,9 @@ void VKPoliciesDlg::DoDataExchange(CDataExchange* pDX) {
     mvp::BindIfThere(pDX, IDC_POLICIES_ALPHA_TEXT, m_alphaText);
     mvp::BindIfThere(pDX, IDC_POLICIES_CONFIRM_TEXT, m_confirmText);
     static_assert(std::extent_v<decltype(m_icons)> == mvp::kPinRuleCount);
-    for (std::size_t i = 0; i < kLines.size(); ++i)
+    for (std::size_t i = 0; i < kLines.size(); ++i) {
         mvp::BindIfThere(pDX, kLines.at(i).nIcon, m_icons[i]);
+    }
 }
 
 BOOL VKPoliciesDlg::OnInitDialog() {
@@ -107,8 +109,9 @@ BOOL VKPoliciesDlg::OnInitDialog() {
         [this] {
             const BOOL result = CBaseDialog::OnInitDialog();
             CString caption;
-            if (mvp::LoadResourceString(IDS_POLICIES_BOX, caption))
+            if (mvp::LoadResourceString(IDS_POLICIES_BOX, caption)) {
                 m_groupBox.SetWindowText(caption);
+            }
             PutPoliciesInBox();
             return result;
         },
@@ -131,12 +134,13 @@ mvp::PinRules VKPoliciesDlg::Rules() const {
 bool VKPoliciesDlg::VerifyAndUpdatePolicies(CString csOldValue, CString csValue, CString csNewValue,
                                             CString csConfirmValue) {
     const mvp::LogScope scope("VKPoliciesDlg::VerifyAndUpdatePolicies");
-    const bool bVerdict = mvp::Guarded(
+    const bool verdict = mvp::Guarded(
         false, [&] { return CheckAndShow(csOldValue, csValue, csNewValue, csConfirmValue); },
         mvp::LogException("VKPoliciesDlg::VerifyAndUpdatePolicies"));
-    for (CString* pText : {&csOldValue, &csValue, &csNewValue, &csConfirmValue})
-        HidePinFromMemory(*pText);
-    return bVerdict;
+    for (CString* textControl : {&csOldValue, &csValue, &csNewValue, &csConfirmValue}) {
+        HidePinFromMemory(*textControl);
+    }
+    return verdict;
 }
 
 bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csValue,
@@ -147,9 +151,10 @@ bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csVal
     vklogLog(g_szLogTag, kLogDetail, "csNewValue: %s", static_cast<LPCSTR>(csNewValue));
     const mvp::PinCheck check = mvp::CheckPin(
         Rules(), {View(csOldValue), View(csValue), View(csNewValue), View(csConfirmValue)});
-    for (const mvp::PinRule rule : mvp::kPinCheckingOrder)
+    for (const mvp::PinRule rule : mvp::kPinCheckingOrder) {
         ShowRule(rule, check.State(rule) != mvp::RuleState::NotInForce,
                  check.State(rule) == mvp::RuleState::Satisfied, csValue);
+    }
     if (m_hWnd != nullptr) {
         mvp::EnableIf(m_groupBox, true);
         mvp::ShowIf(*this, true);
@@ -195,44 +200,50 @@ bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
 
 void VKPoliciesDlg::SetMinPINLen(int nMin, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMinPINLen");
-    if (!HasText(mvp::PinRule::MinLength))
+    if (!HasText(mvp::PinRule::MinLength)) {
         GiveText(mvp::PinRule::MinLength, m_minText, FormatLength(IDS_POLICIES_MIN_FORMAT, nMin));
+    }
     ShowLine(m_minText, mvp::PinRule::MinLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetMaxPINLen(int nMax, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMaxPINLen");
-    if (!HasText(mvp::PinRule::MaxLength))
+    if (!HasText(mvp::PinRule::MaxLength)) {
         GiveText(mvp::PinRule::MaxLength, m_maxText, FormatLength(IDS_POLICIES_MAX_FORMAT, nMax));
+    }
     ShowLine(m_maxText, mvp::PinRule::MaxLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetWeakPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetWeakPIN");
-    if (!HasText(mvp::PinRule::NotWeak))
+    if (!HasText(mvp::PinRule::NotWeak)) {
         GiveText(mvp::PinRule::NotWeak, m_weakText, mvp::ResourceString(IDS_POLICIES_WEAK));
+    }
     ShowLine(m_weakText, mvp::PinRule::NotWeak, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetPreventSamePIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetPreventSamePIN");
-    if (!HasText(mvp::PinRule::NotSame))
+    if (!HasText(mvp::PinRule::NotSame)) {
         GiveText(mvp::PinRule::NotSame, m_sameText, mvp::ResourceString(IDS_POLICIES_SAME));
+    }
     ShowLine(m_sameText, mvp::PinRule::NotSame, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetAlphaPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetAlphaPIN");
-    if (!HasText(mvp::PinRule::DigitsOnly))
+    if (!HasText(mvp::PinRule::DigitsOnly)) {
         GiveText(mvp::PinRule::DigitsOnly, m_alphaText, mvp::ResourceString(IDS_POLICIES_ALPHA));
+    }
     ShowLine(m_alphaText, mvp::PinRule::DigitsOnly, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetConfirmPIN(bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetConfirmPIN");
-    if (!HasText(mvp::PinRule::Confirmation))
+    if (!HasText(mvp::PinRule::Confirmation)) {
         GiveText(mvp::PinRule::Confirmation, m_confirmText,
                  mvp::ResourceString(IDS_POLICIES_CONFIRM));
+    }
     ShowLine(m_confirmText, mvp::PinRule::Confirmation, true, bSatisfied);
 }
 
@@ -251,36 +262,41 @@ void VKPoliciesDlg::ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool 
     mvp::ShowIf(text, bShow);
     CStatic& icon = m_icons[mvp::IndexOf(rule)];
     mvp::ShowIf(icon, bShow);
-    if (bShow)
+    if (bShow) {
         SetPolicyIcon(icon.m_hWnd != nullptr ? &icon : nullptr,
                       bSatisfied ? m_hSatisfied : m_hViolated);
+    }
 }
 
 void VKPoliciesDlg::SetPolicyIcon(CWnd* pIconControl, HICON hIcon) {
     const mvp::LogScope scope("VKPoliciesDlg::SetPolicyIcon");
-    if (pIconControl == nullptr)
+    if (pIconControl == nullptr) {
         return;
+    }
     auto* const current = reinterpret_cast<HICON>(pIconControl->SendMessage(STM_GETICON));
-    if (current == hIcon)
+    if (current == hIcon) {
         return;
+    }
     pIconControl->SendMessage(STM_SETICON, reinterpret_cast<WPARAM>(hIcon));
     UpdateWindow();
 }
 
 void VKPoliciesDlg::PutPoliciesInBox() {
     vklogLog(g_szLogTag, kLogEntry, "VKPoliciesDlg::PutPoliciesInBox");
-    const CWnd* pBox = GetDlgItem(IDC_POLICIES_BOX);
-    if (pBox == nullptr)
+    const CWnd* boxControl = GetDlgItem(IDC_POLICIES_BOX);
+    if (boxControl == nullptr) {
         return;
-    const CRect group = mvp::ClientRectOf(*this, *pBox);
+    }
+    const CRect group = mvp::ClientRectOf(*this, *boxControl);
     mvp::PolicyBox box{group.top, group.Height(), {}};
     for (std::size_t i = 0; i < kLines.size(); ++i) {
-        const CWnd* pText = GetDlgItem(kLines.at(i).nText);
-        const CWnd* pIcon = GetDlgItem(kLines.at(i).nIcon);
-        if (pText == nullptr || pIcon == nullptr)
+        const CWnd* textControl = GetDlgItem(kLines.at(i).nText);
+        const CWnd* icon = GetDlgItem(kLines.at(i).nIcon);
+        if (textControl == nullptr || icon == nullptr) {
             return;
-        const CRect text = mvp::ClientRectOf(*this, *pText);
-        box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, *pIcon).left};
+        }
+        const CRect text = mvp::ClientRectOf(*this, *textControl);
+        box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, *icon).left};
     }
     const mvp::PolicyLayout layout =
         mvp::LayOutPolicies(box, Rules(), {m_nTopMargin, m_nLeftIndent, m_nLineSpacing});

@@ -42,7 +42,7 @@ class ScriptsTest(unittest.TestCase):
         for name in (".clang-format", ".clang-tidy"):
             shutil.copy(TOP / name, self.top / name)
         sources = {"clean": "int main() {\n    return 0;\n}\n",
-                   "untidy": "int* Nothing() {\n    return 0;\n}\n",
+                   "untidy": "bool IsSo(bool is) {\n    return is ? true : false;\n}\n",
                    "unformatted": "int main() { return 0 ; }\n", "unbuilt": "int x;\n"}
         for name, text in sources.items():
             self.write(f"top/{name}.cpp", text)
@@ -53,12 +53,12 @@ class ScriptsTest(unittest.TestCase):
              for name in sources if name != "unbuilt"]))
         subprocess.run("git init -q && git add *.cpp", shell=True, cwd=self.top, check=True)
         for code, words, *files in ((0, "", "clean.cpp"),
-                                    (1, "modernize-use-nullptr", "untidy.cpp", "clean.cpp"),
+                                    (1, "readability-simplify-boolean-expr", "untidy.cpp", "clean.cpp"),
                                     (1, "should be clang-formatted", "unformatted.cpp"),
                                     (1, "unbuilt.cpp is in no build", "unbuilt.cpp"),
                                     (1, "no file of", "../outside.cpp"),
                                     (1, "no file of", "missing.cpp"),
-                                    (1, "modernize-use-nullptr",)):
+                                    (1, "readability-simplify-boolean-expr",)):
             with self.subTest(files):
                 run = self.run_script("lint", *files)
                 self.assertEqual(run.returncode, code, run)

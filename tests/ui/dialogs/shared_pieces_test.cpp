@@ -26,8 +26,8 @@ protected:
 
     LOGFONTA FontOf(int nId) {
         LOGFONTA font{};
-        const LRESULT hFont = m_dialog.SendDlgItemMessage(nId, WM_GETFONT);
-        GetObjectA(reinterpret_cast<HFONT>(hFont), sizeof font, &font);
+        const LRESULT fontHandle = m_dialog.SendDlgItemMessage(nId, WM_GETFONT);
+        GetObjectA(reinterpret_cast<HFONT>(fontHandle), sizeof font, &font);
         return font;
     }
 
