@@ -34,75 +34,29 @@ const std::vector<std::string> kProperties = Split(
     "background-color|text-decoration|vertical-align|border-color|border-width|size|border-style|"
     "margin|padding");
 
-class CSeeds {
-public:
-    explicit CSeeds(std::filesystem::path folder) : m_folder(std::move(folder)) {}
-
-    void Write(const char* pszTarget, const std::string& strSeed) {
-        const std::filesystem::path folder = m_folder / pszTarget;
-        std::filesystem::create_directories(folder);
-        char aName[16];
-        std::snprintf(aName, sizeof(aName), "%04d", m_nNext++);
-        std::ofstream(folder / aName, std::ios::binary) << strSeed;
-    }
-
-    // Markup serves the reader and, behind a width, a style sheet and its end, the layout.
-    void WriteMarkup(const std::string& strMarkup, const std::string& strSheet = "") {
-        Write("markup", strMarkup);
-        Write("layout", "@" + strSheet + '\x01' + strMarkup);
-    }
-
-private:
-    std::filesystem::path m_folder;
-    int m_nNext = 0;
-};
-
-std::string Tagged(const std::string& strTag, const std::string& strAttributes) {
-    return "x <" + strTag + strAttributes + ">some well-known words</" + strTag + "> y";
+void Write(const std::filesystem::path& folder, const std::string& strSeed) {
+    static int s_nNext = 0;
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / std::to_string(s_nNext++), std::ios::binary) << strSeed;
 }
 
-void WriteTags(CSeeds& seeds, std::ostream& dictionary) {
-    const std::string strTable =
-        "<table border=1><tr><td>a b</td><td colspan=2 rowspan=2>c</td></tr><tr><td>";
+// Each in a cell, with three attributes at a time; for the layout behind a width and an empty
+// sheet.
+void WriteTags(const std::filesystem::path& folder, std::ostream& dictionary) {
     std::size_t nValue = 0;
     for (int i = 0; i < kTagCount; ++i) {
         const std::string strTag(InfoOf(static_cast<TagId>(i)).name);
         dictionary << "\"<" << strTag << ">\"\n\"</" << strTag << ">\"\n";
-        seeds.WriteMarkup(Tagged(strTag, "") + Tagged(strTag, " class=\"c\""),
-                          ".c{padding:2px;color:red}");
-        std::string strAttributes;
-        for (int j = 0; j < kAttributeCount; ++j) {
-            strAttributes.append(" ").append(NameOf(static_cast<AttributeId>(j)));
-            strAttributes += "=\"" + kValues[nValue++ % kValues.size()] + "\"";
-            if (j % 3 == 2 || j + 1 == kAttributeCount) {
-                seeds.WriteMarkup(Tagged(strTag, strAttributes));
-                strAttributes.clear();
+        for (int j = 0; j < kAttributeCount;) {
+            std::string strMarkup = "<table border=1><tr><td>x <" + strTag;
+            for (const int nEnd = j + 3; j < nEnd && j < kAttributeCount; ++j) {
+                strMarkup.append(" ").append(NameOf(static_cast<AttributeId>(j)));
+                strMarkup += "=\"" + kValues[nValue++ % kValues.size()] + "\"";
             }
+            strMarkup += ">some well-known words</" + strTag + "> y</table>";
+            Write(folder / "markup", strMarkup);
+            Write(folder / "layout", "@\x01" + strMarkup);
         }
-        seeds.WriteMarkup(strTable + Tagged(strTag, "") + "</table>");
-    }
-    for (int i = 0; i < kAttributeCount; ++i) {
-        dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
-    }
-    std::string strEntities;
-    for (int i = 0; i < kEntityCount; ++i) {
-        strEntities.append(EntityAt(i).name).append(" ");
-    }
-    seeds.WriteMarkup(strEntities);
-    seeds.WriteMarkup("<a href=\"x\">y</a> <A HREF=x> <a href = 'x'> &lt;a href=x> <<a href=x>");
-    seeds.WriteMarkup("a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
-}
-
-void WriteSheets(CSeeds& seeds, std::ostream& dictionary) {
-    seeds.Write("sheet", std::string(BuiltInStyleSheet()));
-    for (const std::string& strProperty : kProperties) {
-        dictionary << "\"" << strProperty << ":\"\n";
-        std::string strBlock;
-        for (const std::string& strValue : kValues) {
-            strBlock += strProperty + ":" + strValue + ";";
-        }
-        seeds.Write("sheet", "b, .c, a:link {" + strBlock + "}/* x */ h1{}");
-        seeds.WriteMarkup("<span class=c>x <b>y</b></span>", ".c{" + strBlock + "}");
     }
 }
 
@@ -116,14 +70,31 @@ int main(int argc, char** argv) {
     const std::filesystem::path folder = argv[1];
     std::filesystem::create_directories(folder);
     std::ofstream dictionary(folder / "richtext.dict");
-    CSeeds seeds(folder);
-    WriteTags(seeds, dictionary);
-    WriteSheets(seeds, dictionary);
+    WriteTags(folder, dictionary);
+    for (int i = 0; i < kAttributeCount; ++i) {
+        dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
+    }
+    std::string strEntities;
+    for (int i = 0; i < kEntityCount; ++i) {
+        strEntities.append(EntityAt(i).name).append(" ");
+    }
+    Write(folder / "markup", strEntities + "a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
+    Write(folder / "sheet", std::string(BuiltInStyleSheet()));
+    for (const std::string& strProperty : kProperties) {
+        dictionary << "\"" << strProperty << ":\"\n";
+        std::string strSheet = "b, .c, a:link {";
+        for (const std::string& strValue : kValues) {
+            strSheet.append(strProperty).append(":").append(strValue).append(";");
+        }
+        Write(folder / "sheet", strSheet + "}/* x */ h1{}");
+        // A width, a style sheet and its end, the markup.
+        Write(folder / "layout", "@" + strSheet + "}\x01<span class=c>x <b>y</b></span>");
+    }
     for (const std::string& strValue : kValues) {
-        seeds.Write("values", strValue);
+        Write(folder / "values", strValue);
     }
     for (int i = 0; i < kColourNameCount; ++i) {
-        seeds.Write("values", std::string(ColourName(i)));
+        Write(folder / "values", std::string(ColourName(i)));
     }
     return 0;
 }

@@ -2,6 +2,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <functional>
 #include <future>
 #include <regex>
 #include <string>
@@ -223,12 +224,11 @@ TEST_F(EnterPin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
 }
 
 TEST_F(EnterPin, BoundsThatExcludeEachOtherAreTold) {
-    PinRequest{.dwMin = 5, .dwMax = 4}.Ask([](Dialog& d) {
-        d.Type(IDC_ENTER_PIN_EDIT, "12345");
-        EXPECT_FALSE(d.IsEnabled(IDOK));
-        d.Escape();
-    });
-    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: minimum length 5 > maximum length 4"));
+    constexpr PwdRuleArgs kContradiction = {0, 0, 0, 0, 5, 4, 0};
+    PinRequest{.dwMin = 5, .dwMax = 4}.Ask(Leave);
+    ChangePinRequest{.pRules = &kContradiction}.Ask(Leave);
+    for (const std::string strFunction : {"GetPINFromUser", "GetChangePINInfoFromUser"})
+        EXPECT_TRUE(m_log.Contains(1, strFunction + ": minimum length 5 > maximum length 4"));
 }
 
 TEST_F(EnterPin, LastTryComesFirst) {
@@ -253,15 +253,6 @@ TEST_F(EnterPin, LastTryComesFirst) {
     FreeGetPinBuffer(nullptr, 0);
 }
 
-TEST_F(EnterPin, MissingTemplateIsACancelledRequest) {
-    FreeResourceModule();
-    PinRequest request;
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    EXPECT_EQ(Module().nPinDialogInProgress, 1);
-    EXPECT_EQ(request.Ask(), kRefused);
-    LoadResourceModule();
-}
-
 TEST_F(EnterPin, PromptReplacesTheText) {
     const auto textOfPrompt = [](const char* pszPrompt) {
         SetPinPromptString(pszPrompt);
@@ -278,50 +269,28 @@ TEST_F(EnterPin, PromptReplacesTheText) {
     EXPECT_EQ(textOfPrompt(nullptr), strStandard);
 }
 
-TEST_F(EnterPin, ManyRequestsKeepNothing) {
-    ExpectRoundsKeepNothing(1, 50, [this](int) {
-        PinRequest().Ask(TypePin());
-        m_log.Clear();
-    });
-}
-
 HWND MakeParent() {
     return CreateWindowExA(0, "STATIC", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 300, 300, 200,
                            100, nullptr, nullptr, nullptr, nullptr);
 }
 
-// A window of a thread of its own, which takes messages until the object goes.
-class ForeignParent {
-public:
-    ForeignParent() {
-        std::promise<HWND> made;
-        auto hWnd = made.get_future();
-        m_thread = std::thread([made = std::move(made)]() mutable {
-            made.set_value(MakeParent());
-            for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;)
-                DispatchMessageA(&message);
-        });
-        m_hWnd = hWnd.get();
-        m_dwThread = GetWindowThreadProcessId(m_hWnd, nullptr);
-    }
-    ForeignParent(const ForeignParent&) = delete;
-    ForeignParent& operator=(const ForeignParent&) = delete;
-    ~ForeignParent() {
-        PostThreadMessageA(m_dwThread, WM_QUIT, 0, 0);
-        m_thread.join();
-    }
-    HWND Handle() const { return m_hWnd; }
-
-private:
-    std::thread m_thread;
-    HWND m_hWnd;
-    DWORD m_dwThread;
-};
+// Hands over a window of another thread, which takes messages meanwhile.
+void WithForeignParent(const std::function<void(HWND)>& use) {
+    std::promise<HWND> made;
+    std::thread thread([&] {
+        made.set_value(MakeParent());
+        for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;)
+            DispatchMessageA(&message);
+    });
+    const HWND hWnd = made.get_future().get();
+    const DWORD dwThread = GetWindowThreadProcessId(hWnd, nullptr);
+    use(hWnd);
+    PostThreadMessageA(dwThread, WM_QUIT, 0, 0);
+    thread.join();
+}
 
 TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
-    const ForeignParent foreign;
-    const HWND hOwn = MakeParent();
-    for (const HWND hParent : {hOwn, foreign.Handle()}) {
+    const auto expectGivenBack = [](HWND hParent) {
         for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
             const std::string strOutcome = PinRequest{.hParent = hParent}.Ask([&](Dialog& d) {
                 EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), hParent);
@@ -332,22 +301,24 @@ TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
             EXPECT_EQ(strOutcome, key == VK_RETURN ? "1234" : kRefused);
             EXPECT_TRUE(IsWindowEnabled(hParent));
         }
-    }
-    DestroyWindow(hOwn);
+    };
+    WithForeignParent(expectGivenBack);
+    const HWND hOwn = MakeParent();
+    expectGivenBack(hOwn);
+    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(hOwn); }); };
+    EXPECT_EQ(PinRequest{.hParent = hOwn}.Ask(destroyOwn), kRefused);
 }
 
 // The system destroys owned windows of the same thread only; the dialog of another goes on without.
-TEST_F(EnterPin, ParentMayGoMeanwhile) {
-    const HWND hOwn = MakeParent();
-    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(hOwn); }); };
-    EXPECT_EQ(PinRequest{.hParent = hOwn}.Ask(destroyOwn), kRefused);
-    const ForeignParent foreign;
-    const auto destroyForeign = [&](Dialog& d) {
-        SendMessageA(foreign.Handle(), WM_CLOSE, 0, 0);
-        EXPECT_FALSE(IsWindow(foreign.Handle()));
-        TypePin()(d);
-    };
-    EXPECT_EQ(PinRequest{.hParent = foreign.Handle()}.Ask(destroyForeign), "1234");
+TEST_F(EnterPin, ParentOfAnotherThreadMayGoMeanwhile) {
+    WithForeignParent([](HWND hParent) {
+        const auto destroy = [&](Dialog& d) {
+            SendMessageA(hParent, WM_CLOSE, 0, 0);
+            EXPECT_FALSE(IsWindow(hParent));
+            TypePin()(d);
+        };
+        EXPECT_EQ(PinRequest{.hParent = hParent}.Ask(destroy), "1234");
+    });
 }
 
 HWND g_hRefused = nullptr;

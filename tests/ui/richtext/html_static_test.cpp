@@ -232,9 +232,11 @@ TEST_F(HtmlStatic, MovesImagesByTheClockItIsGiven) {
     CHtmlStatic& control = m_host.Add("", 0, []() WINAPI -> DWORD { return s_dwNow; });
     control.AllowImageList(hList);
     const std::string strHandle = std::to_string(reinterpret_cast<UINT_PTR>(hList));
-    control.SetWindowText(("<ilst cx=40 cy=40 speed=100 handle=" + strHandle + ">").c_str());
+    control.SetWindowText(
+        ("<ilst cx=40 cy=40 index=1 speed=100 handle=" + strHandle + ">").c_str());
     constexpr std::pair<DWORD, COLORREF> kMoments[] = {
-        {0, kRed}, {99, kRed}, {100, kBlue}, {199, kBlue}, {1000, kRed}};
+        {0, kBlue}, {99, kBlue}, {100, kRed}, {199, kRed}, {1000, kBlue}};
+    EXPECT_EQ(control.Drawer().AnimationInterval(), 100u);
     for (const auto& [dwPassed, colour] : kMoments) {
         s_dwNow = kStart + dwPassed;
         control.SendMessage(WM_TIMER, 1);

@@ -1,4 +1,3 @@
-// The software card, and the file it is kept in.
 #include "pinhost/software_card.h"
 
 #include <filesystem>

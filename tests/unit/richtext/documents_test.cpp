@@ -89,14 +89,9 @@ std::vector<std::string> Squeezed(std::vector<std::string> aLines) {
 }
 
 bool Agree(const Rect& a, const Rect& b, double tolerance) {
-    for (const std::size_t nSide : {std::size_t{0}, std::size_t{1}}) {
-        const double nStart = a[nSide] - b[nSide];
-        const double nEnd = nStart + a[nSide + 2] - b[nSide + 2];
-        if (std::abs(nStart) > tolerance || std::abs(nEnd) > tolerance) {
-            return false;
-        }
-    }
-    return true;
+    const auto differ = [=](double nA, double nB) { return std::abs(nA - nB) > tolerance; };
+    return !differ(a[0], b[0]) && !differ(a[1], b[1]) && !differ(a[0] + a[2], b[0] + b[2]) &&
+           !differ(a[1] + a[3], b[1] + b[3]);
 }
 
 bool Agree(const CRichText& text, bool bCells, const std::vector<Rect>& expected,

@@ -1,4 +1,3 @@
-// The markup reader and the style sheet.
 #include <algorithm>
 #include <string>
 
@@ -101,7 +100,6 @@ TEST(StyleSheet, TakesLinkRulesOfTheHost) {
               "b {color:blue}\n");
 }
 
-// What holds of the last text item of a document.
 std::string LastStyle(const char* pszMarkup, std::optional<std::string_view> sheet) {
     TestText test;
     EXPECT_TRUE(test.text.SetStyleSheet(sheet));
