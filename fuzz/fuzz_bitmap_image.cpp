@@ -10,9 +10,8 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 void Check(const std::optional<mvp::BitmapImage>& image, Bytes bytes) {
-    if (!image.has_value()) {
+    if (!image.has_value())
         return;
-    }
     using Packing = mvp::BitmapImage::Packing;
     FUZZ_CHECK(image->nWidth > 0 && image->nWidth <= mvp::kMaxBitmapSide);
     FUZZ_CHECK(image->nHeight > 0 && image->nHeight <= mvp::kMaxBitmapSide);
@@ -21,9 +20,8 @@ void Check(const std::optional<mvp::BitmapImage>& image, Bytes bytes) {
     FUZZ_CHECK(image->nColours <= image->aColours.size());
     FUZZ_CHECK(!image->pixels.empty() && image->pixels.data() >= bytes.data());
     FUZZ_CHECK(image->pixels.data() + image->pixels.size() <= bytes.data() + bytes.size());
-    if (image->packing == Packing::None || image->packing == Packing::Masks) {
+    if (image->packing == Packing::None || image->packing == Packing::Masks)
         FUZZ_CHECK(static_cast<std::int64_t>(image->pixels.size()) * 8 >= nPixels * image->nBits);
-    }
 }
 
 }  // namespace

@@ -35,17 +35,15 @@ void Check(const CRichText& text, std::string_view markup) {
         FUZZ_CHECK(block.nParent == kNone || block.nParent < i);
         FUZZ_CHECK(block.nDecoration <= document.aDecorations.size());
     }
-    for (const Link& link : document.aLinks) {
+    for (const Link& link : document.aLinks)
         FUZZ_CHECK(!link.bHref || MatchesHrefFilter(markup));
-    }
 }
 
 }  // namespace
 
 void Fuzz(std::string_view data) {
-    if (data.empty()) {
+    if (data.empty())
         return;
-    }
     const std::int32_t nWidth = static_cast<unsigned char>(data[0]) * 3;
     std::string_view rest = data.substr(1);
     const std::size_t nEnd = rest.find('\x01');

@@ -19,9 +19,8 @@ using namespace mvp::richtext;
 
 std::vector<std::string> Split(std::string_view list) {
     std::vector<std::string> aParts;
-    for (auto part = NextToken(list, "|"); !part.empty(); part = NextToken(list, "|")) {
+    for (auto part = NextToken(list, "|"); !part.empty(); part = NextToken(list, "|"))
         aParts.emplace_back(part);
-    }
     return aParts;
 }
 
@@ -71,30 +70,25 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(folder);
     std::ofstream dictionary(folder / "richtext.dict");
     WriteTags(folder, dictionary);
-    for (int i = 0; i < kAttributeCount; ++i) {
+    for (int i = 0; i < kAttributeCount; ++i)
         dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
-    }
     std::string strEntities;
-    for (int i = 0; i < kEntityCount; ++i) {
+    for (int i = 0; i < kEntityCount; ++i)
         strEntities.append(EntityAt(i).name).append(" ");
-    }
     Write(folder / "markup", strEntities + "a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
     Write(folder / "sheet", std::string(BuiltInStyleSheet()));
     for (const std::string& strProperty : kProperties) {
         dictionary << "\"" << strProperty << ":\"\n";
         std::string strSheet = "b, .c, a:link {";
-        for (const std::string& strValue : kValues) {
+        for (const std::string& strValue : kValues)
             strSheet.append(strProperty).append(":").append(strValue).append(";");
-        }
         Write(folder / "sheet", strSheet + "}/* x */ h1{}");
         // A width, a style sheet and its end, the markup.
         Write(folder / "layout", "@" + strSheet + "}\x01<span class=c>x <b>y</b></span>");
     }
-    for (const std::string& strValue : kValues) {
+    for (const std::string& strValue : kValues)
         Write(folder / "values", strValue);
-    }
-    for (int i = 0; i < kColourNameCount; ++i) {
+    for (int i = 0; i < kColourNameCount; ++i)
         Write(folder / "values", std::string(ColourName(i)));
-    }
     return 0;
 }

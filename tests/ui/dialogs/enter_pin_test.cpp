@@ -254,19 +254,17 @@ TEST_F(EnterPin, LastTryComesFirst) {
 }
 
 TEST_F(EnterPin, PromptReplacesTheText) {
-    const auto textOfPrompt = [](const char* pszPrompt) {
-        SetPinPromptString(pszPrompt);
-        std::string strText;
+    std::string strStandard;
+    for (const char* pszPrompt : {"", "PIN of the payroll card, please", ""}) {
+        SetPinPromptString(*pszPrompt != '\0' ? pszPrompt : nullptr);
         PinRequest().Ask([&](Dialog& d) {
-            strText = d.Text(IDC_ENTER_PIN_PROMPT);
+            if (strStandard.empty())
+                strStandard = d.Text(IDC_ENTER_PIN_PROMPT);
+            EXPECT_FALSE(strStandard.empty());
+            EXPECT_EQ(d.Text(IDC_ENTER_PIN_PROMPT), *pszPrompt != '\0' ? pszPrompt : strStandard);
             d.Escape();
         });
-        return strText;
-    };
-    const std::string strStandard = textOfPrompt(nullptr);
-    EXPECT_FALSE(strStandard.empty());
-    EXPECT_EQ(textOfPrompt("PIN of the payroll card, please"), "PIN of the payroll card, please");
-    EXPECT_EQ(textOfPrompt(nullptr), strStandard);
+    }
 }
 
 HWND MakeParent() {

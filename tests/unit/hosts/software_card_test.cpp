@@ -18,20 +18,6 @@ Verdict Try(SoftwareCard& card, std::string_view pin) {
     return card.Verify({pin.data(), pin.size()});
 }
 
-TEST(SoftwareCard, CountsTriesDownAndGivesThemBack) {
-    SoftwareCard card;
-    EXPECT_EQ(Try(card, "0000"), Verdict::kWrong);
-    EXPECT_EQ(Try(card, "0000"), Verdict::kWrong);
-    EXPECT_TRUE(card.IsLastTry());
-    EXPECT_EQ(Try(card, "1234"), Verdict::kAccepted);
-    EXPECT_EQ(card.nTriesLeft, 3u);
-    for (const Verdict expected : {Verdict::kWrong, Verdict::kWrong, Verdict::kBlocked})
-        EXPECT_EQ(Try(card, "0000"), expected);
-    EXPECT_TRUE(card.IsBlocked());
-    EXPECT_EQ(Try(card, "1234"), Verdict::kBlocked) << "a blocked card must not accept";
-    EXPECT_EQ(card.nTriesLeft, 0u);
-}
-
 // The comparison reads the stored PIN in turns, so what repeats it must not pass for it.
 TEST(SoftwareCard, AcceptsNothingButThePin) {
     const std::string_view candidates[] = {"",         "1",    "123",  "12345",

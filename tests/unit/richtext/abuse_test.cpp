@@ -31,17 +31,15 @@ void OnSmallStack(std::function<void()> function) {
 std::string Repeated(std::string_view piece, std::size_t nTimes) {
     std::string strText;
     strText.reserve(piece.size() * nTimes);
-    for (std::size_t i = 0; i < nTimes; ++i) {
+    for (std::size_t i = 0; i < nTimes; ++i)
         strText += piece;
-    }
     return strText;
 }
 
 // The text with `value` for each "@".
 std::string With(std::string strText, std::string_view value) {
-    for (std::size_t n = strText.find('@'); n != std::string::npos; n = strText.find('@', n)) {
+    for (std::size_t n = strText.find('@'); n != std::string::npos; n = strText.find('@', n))
         strText.replace(n, 1, value);
-    }
     return strText;
 }
 
@@ -133,9 +131,8 @@ TEST(Abuse, SpansAreClamped) {
 
 TEST(Abuse, BoundsAreKept) {
     std::string strFonts;
-    for (int nSize = 100; nSize < 400; ++nSize) {
+    for (int nSize = 100; nSize < 400; ++nSize)
         strFonts += With("<font size=@>x</font>", std::to_string(nSize));
-    }
     EXPECT_EQ(AbusedText(strFonts).text.Document().styles.FontCount(), 256U);
 
     TestText boxes;
@@ -164,9 +161,8 @@ TEST(Abuse, LengthsThatOverflowAreHeld) {
         EXPECT_GT(held.text.Boxes().nHeight, 0);
         EXPECT_LT(held.text.Boxes().nHeight, kMaxCoordinate);
     }
-    for (const std::int32_t nWidth : {-2147483647 - 1, -1, 0, 1, 2147483647}) {
+    for (const std::int32_t nWidth : {-2147483647 - 1, -1, 0, 1, 2147483647})
         const AbusedText any("some words <table width=50%><tr><td>x</table>", nWidth);
-    }
 }
 
 }  // namespace

@@ -55,9 +55,8 @@ std::string Produce(std::map<std::string, std::string> sections) {
     sections["styles"] = DumpStyles(test.text.Document());
     sections["layout"] = DumpLayout(test.text.Document(), test.text.Boxes());
     std::string strFile;
-    for (const char* pszSection : {"width", "sheet", "markup", "events", "styles", "layout"}) {
+    for (const char* pszSection : {"width", "sheet", "markup", "events", "styles", "layout"})
         strFile += std::string("==== ").append(pszSection).append("\n") + sections[pszSection];
-    }
     return strFile;
 }
 
@@ -81,9 +80,8 @@ using Rect = std::array<double, 4>;
 
 // Without spaces, and without the lines that are empty then.
 std::vector<std::string> Squeezed(std::vector<std::string> aLines) {
-    for (std::string& strLine : aLines) {
+    for (std::string& strLine : aLines)
         std::erase(strLine, ' ');
-    }
     std::erase(aLines, "");
     return aLines;
 }

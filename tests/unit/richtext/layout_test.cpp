@@ -21,9 +21,8 @@ protected:
     std::string Lines(const std::string& strMarkup, std::int32_t nWidth) {
         m_test.LayOut(strMarkup, nWidth);
         std::string strLines;
-        for (const std::string& strLine : m_test.Lines()) {
+        for (const std::string& strLine : m_test.Lines())
             strLines += strLine + '|';
-        }
         return strLines;
     }
 
@@ -63,9 +62,8 @@ TEST_F(LayoutTest, BreaksLines) {
         {"a<br><table><tr><td>b</table>\nc", 200, "a|b||c|"},
     };
     EXPECT_TRUE(m_text.SetStyleSheet(""));
-    for (const auto& c : kCases) {
+    for (const auto& c : kCases)
         EXPECT_EQ(Lines(c.pszMarkup, c.nWidth), c.pszLines) << c.pszMarkup;
-    }
 }
 
 TEST_F(LayoutTest, TransformsFollowTheCodePage) {
@@ -90,9 +88,8 @@ TEST_F(LayoutTest, FindsWhatIsUnderThePoint) {
     // "go " is 15 wide, the link's two words 5 and 10 on two lines.
     EXPECT_EQ(Lines("go <a msg=m>b cc</a> <a href=h>d</a>", 22), "go b|cc d|");
     const auto expectAt = [&](std::uint32_t nLink, const std::vector<std::pair<int, int>>& points) {
-        for (const auto& [nX, nY] : points) {
+        for (const auto& [nX, nY] : points)
             EXPECT_EQ(HitTest(m_text.Boxes(), nX, nY).nLink, nLink) << nX << "," << nY;
-        }
     };
     expectAt(kNone, {{0, 0}, {14, 0}, {20, 5}, {12, 15}, {15, 20}, {-1, 10}, {15, -1}});
     expectAt(kNone, {{2000000000, 2000000000}});
@@ -194,9 +191,8 @@ TEST(TableColumns, ShareTheWidth) {
         std::vector<Fixed> widths(c.columns.size());
         ShareWidth(c.columns, ToFixed(c.nWidth), widths);
         std::vector<int> pixels;
-        for (const Fixed width : widths) {
+        for (const Fixed width : widths)
             pixels.push_back(static_cast<int>(RoundPixels(width)));
-        }
         EXPECT_EQ(pixels, c.widths) << c.nWidth;
     }
 }
@@ -247,9 +243,8 @@ TEST(TableRows, HoldTheirCells) {
         std::vector<Row> rows(3);
         MeasureRows(c.cells, 0, c.nTableHeight, rows);
         std::vector<int> heights;
-        for (const Row& row : rows) {
+        for (const Row& row : rows)
             heights.push_back(static_cast<int>(row.nHeight));
-        }
         EXPECT_EQ(heights, c.heights);
     }
 }

@@ -17,9 +17,8 @@ namespace mvp::richtext {
 // What is made of each first text is the second.
 inline void ExpectTexts(const std::function<std::string(const char*)>& make,
                         std::initializer_list<std::pair<const char*, std::string>> cases) {
-    for (const auto& [pszText, strExpected] : cases) {
+    for (const auto& [pszText, strExpected] : cases)
         EXPECT_EQ(make(pszText), strExpected) << pszText;
-    }
 }
 
 struct TestText {
@@ -40,9 +39,8 @@ struct TestText {
             std::string& strLine = aLines.emplace_back();
             for (std::uint32_t i = 0; i < line.nFragments; ++i) {
                 const Fragment& fragment = text.Boxes().aFragments[line.nFirstFragment + i];
-                if (fragment.kind == FragmentKind::Text) {
+                if (fragment.kind == FragmentKind::Text)
                     strLine += text.Document().strText.substr(fragment.nOffset, fragment.nLength);
-                }
             }
         }
         return aLines;

@@ -19,9 +19,8 @@ namespace {
 // The current desktop colours of these tests: index in the low byte, so that each is told apart.
 SystemColours TestColours() {
     SystemColours system;
-    for (std::size_t i = 0; i < system.aColour.size(); ++i) {
+    for (std::size_t i = 0; i < system.aColour.size(); ++i)
         system.aColour[i] = 0x100 + static_cast<Colour>(i);
-    }
     return system;
 }
 
@@ -33,9 +32,8 @@ TEST(Colours, AreReadAsWritten) {
         {"lightgrey", 0xD3D3D3}, {"darkgray", 0xA9A9A9}, {"yellowgreen", 0x32CD9A},
         {"aqua", 0xFFFF00},      {"cyan", 0xFFFF00},     {"99999999999", 0xFFFFFFFF}};
     const SystemColours system = TestColours();
-    for (const auto& [pszValue, expected] : kCases) {
+    for (const auto& [pszValue, expected] : kCases)
         EXPECT_EQ(ReadColour(pszValue, system), expected) << pszValue;
-    }
     EXPECT_EQ(ReadColour("lightgoldenrodyellow", system), 0xD2FAFAU);
     for (const char* pszOther : {"", "#F00", "#FF00000", "#GG0000", "nocolour", "lightgray", "grey",
                                  "rebeccapurple", "transparent", "-1"}) {
@@ -52,9 +50,8 @@ TEST(Colours, OfTheDesktopComeFromTheCaller) {
         EXPECT_LT(previous, ColourName(i));
         previous = ColourName(i);
         const Colour colour = ReadColour(previous, system).value_or(kNoColour);
-        if (colour >= 0x100 && colour < 0x119) {
+        if (colour >= 0x100 && colour < 0x119)
             strFound.append(previous).append(" " + std::to_string(colour - 0x100) + ", ");
-        }
     }
     EXPECT_EQ(strFound,
               "activeborder 10, activecaption 2, appworkspace 12, background 1, buttonface 15, "
@@ -69,9 +66,8 @@ TEST(Colours, OfTheDesktopComeFromTheCaller) {
 TEST(Lengths, AreReadAsWritten) {
     const LengthContext context{5, 20, 96};
     const auto expect = [&](const char* pszValue, std::int32_t nSize) {
-        for (const LengthUse use : {LengthUse::Size, LengthUse::FontSize}) {
+        for (const LengthUse use : {LengthUse::Size, LengthUse::FontSize})
             EXPECT_EQ(LengthOr(pszValue, 200, use, context), nSize) << pszValue;
-        }
     };
     constexpr std::pair<const char*, std::int32_t> kCases[] = {
         {"0", 0},      {"8", 8},      {"-1", -1},   {"0x10", 16}, {"010", 8},
@@ -79,16 +75,13 @@ TEST(Lengths, AreReadAsWritten) {
         {"-2pt", 2},   {"10pt", 13},  {"72pt", 96}, {"1in", 96},  {"+1in", 96},
         {"1cm", 37},   {"10mm", 37},  {"1mm", 3},   {"1pc", 16},  {"2ex", 10},
         {"2em", 40},   {"1.5em", 20}, {"50%", 100}, {"33%", 66},  {"-50%", -100}};
-    for (const auto& [pszValue, nSize] : kCases) {
+    for (const auto& [pszValue, nSize] : kCases)
         expect(pszValue, nSize);
-    }
     expect("1000000%", 2000000);
-    for (const char* pszLarge : {"99999999999", "99999999999in", "99999999999cm"}) {
+    for (const char* pszLarge : {"99999999999", "99999999999in", "99999999999cm"})
         expect(pszLarge, std::numeric_limits<std::int32_t>::max());
-    }
-    for (const char* pszOther : {"", "garbage", "px"}) {
+    for (const char* pszOther : {"", "garbage", "px"})
         expect(pszOther, 200);
-    }
     // Without a unit a font has one of seven sizes.
     constexpr std::int32_t kSteps[] = {8, 10, 12, 14, 18, 24, 36};
     for (int n = 1; n <= 7; ++n) {
@@ -144,9 +137,8 @@ TEST(BackgroundEffects, HaveTheNumbersOfTheLanguage) {
         EXPECT_EQ(ReadBackgroundEffect(std::to_string(nCode), context), effect) << nCode;
         ++nCode;
     }
-    for (const char* pszOther : {"", "plaid", "16", "-2", "99999999999"}) {
+    for (const char* pszOther : {"", "plaid", "16", "-2", "99999999999"})
         EXPECT_EQ(ReadBackgroundEffect(pszOther, context), std::nullopt) << pszOther;
-    }
 }
 
 TEST(Tables, HoldTheLanguagesTags) {
@@ -167,9 +159,8 @@ TEST(Tables, HoldTheLanguagesTags) {
         "code 21 code, pre 21 pre, big 21 big, small 21 small, sub 21 sub, sup 21 sup, "
         "span 22 span, a 23 link, table 0 table, tr 0 tr, td 0 td, ");
     EXPECT_EQ(FindTag("TABLE"), TagId::Table);
-    for (const char* pszUnknown : {"p", "div", "th", "", "tablex", "averyveryverylongtagname"}) {
+    for (const char* pszUnknown : {"p", "div", "th", "", "tablex", "averyveryverylongtagname"})
         EXPECT_EQ(FindTag(pszUnknown), std::nullopt) << pszUnknown;
-    }
 }
 
 TEST(Tables, FindEveryAttribute) {
@@ -184,13 +175,11 @@ TEST(Tables, FindEveryAttribute) {
 
 TEST(Tables, HoldTheLanguagesEntities) {
     // What each shows is in golden/entities.txt.
-    for (int i = 0; i < kEntityCount; ++i) {
+    for (int i = 0; i < kEntityCount; ++i)
         EXPECT_EQ(MatchEntity(EntityAt(i).name), &EntityAt(i)) << EntityAt(i).name;
-    }
     EXPECT_EQ(kEntityCount, 13);
-    for (const char* pszOther : {"&AMP;", "&amp", "&apos;"}) {
+    for (const char* pszOther : {"&AMP;", "&amp", "&apos;"})
         EXPECT_EQ(MatchEntity(pszOther), nullptr) << pszOther;
-    }
 }
 
 TEST(BrowserCommand, CutsTheCommandAtItsPlaceholder) {
