@@ -85,18 +85,19 @@ TEST(CheckPin, GivesEveryRulesState) {
     }
 }
 
-// A progression of four with every byte and step is weak, with one byte of it changed it is not; a
+// A progression with every byte and step is weak, with one byte of it changed it is not; a
 // text of digits is not one with any other byte in any place.
 TEST(PinPredicates, JudgeEveryByte) {
     for (int n = 0; n < 256 * 256; ++n) {
         const int first = n / 256;
         const int step = n % 256;
         std::string pin;
-        for (int i = 0; i < 4; ++i)
+        const int length = 3 + first % 2;
+        for (int i = 0; i < length; ++i)
             pin += static_cast<char>(first + i * step);
         ASSERT_TRUE(IsPinWeak(pin)) << first << " and on by " << step;
-        const auto at = static_cast<std::size_t>(n) % 4;
-        pin[at] = static_cast<char>(pin[at] + 1 + first % 255);
+        const auto at = static_cast<std::size_t>(n % 3 + length - 3);
+        pin[at] = static_cast<char>(pin[at] + 1 + first % 127);
         ASSERT_FALSE(IsPinWeak(pin)) << first << " and on by " << step << ", changed at " << at;
         std::string digits = "0950";
         digits[at] = static_cast<char>(first);
