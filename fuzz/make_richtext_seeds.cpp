@@ -18,10 +18,11 @@ namespace {
 using namespace mvp::richtext;
 
 std::vector<std::string> Split(std::string_view list) {
-    std::vector<std::string> aParts;
-    for (auto part = NextToken(list, "|"); !part.empty(); part = NextToken(list, "|"))
-        aParts.emplace_back(part);
-    return aParts;
+    std::vector<std::string> parts;
+    for (auto part = NextToken(list, "|"); !part.empty(); part = NextToken(list, "|")) {
+        parts.emplace_back(part);
+    }
+    return parts;
 }
 
 const std::vector<std::string> kValues = Split(
@@ -34,27 +35,27 @@ const std::vector<std::string> kProperties = Split(
     "margin|padding");
 
 void Write(const std::filesystem::path& folder, const std::string& strSeed) {
-    static int s_nNext = 0;
+    static int next = 0;
     std::filesystem::create_directories(folder);
-    std::ofstream(folder / std::to_string(s_nNext++), std::ios::binary) << strSeed;
+    std::ofstream(folder / std::to_string(next++), std::ios::binary) << strSeed;
 }
 
 // Each in a cell, with three attributes at a time; for the layout behind a width and an empty
 // sheet.
 void WriteTags(const std::filesystem::path& folder, std::ostream& dictionary) {
-    std::size_t nValue = 0;
+    std::size_t value = 0;
     for (int i = 0; i < kTagCount; ++i) {
-        const std::string strTag(InfoOf(static_cast<TagId>(i)).name);
-        dictionary << "\"<" << strTag << ">\"\n\"</" << strTag << ">\"\n";
+        const std::string tag(InfoOf(static_cast<TagId>(i)).name);
+        dictionary << "\"<" << tag << ">\"\n\"</" << tag << ">\"\n";
         for (int j = 0; j < kAttributeCount;) {
-            std::string strMarkup = "<table border=1><tr><td>x <" + strTag;
-            for (const int nEnd = j + 3; j < nEnd && j < kAttributeCount; ++j) {
-                strMarkup.append(" ").append(NameOf(static_cast<AttributeId>(j)));
-                strMarkup += "=\"" + kValues[nValue++ % kValues.size()] + "\"";
+            std::string markup = "<table border=1><tr><td>x <" + tag;
+            for (const int end = j + 3; j < end && j < kAttributeCount; ++j) {
+                markup.append(" ").append(NameOf(static_cast<AttributeId>(j)));
+                markup += "=\"" + kValues[value++ % kValues.size()] + "\"";
             }
-            strMarkup += ">some well-known words</" + strTag + "> y</table>";
-            Write(folder / "markup", strMarkup);
-            Write(folder / "layout", "@\x01" + strMarkup);
+            markup += ">some well-known words</" + tag + "> y</table>";
+            Write(folder / "markup", markup);
+            Write(folder / "layout", "@\x01" + markup);
         }
     }
 }
@@ -70,25 +71,30 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(folder);
     std::ofstream dictionary(folder / "richtext.dict");
     WriteTags(folder, dictionary);
-    for (int i = 0; i < kAttributeCount; ++i)
+    for (int i = 0; i < kAttributeCount; ++i) {
         dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
-    std::string strEntities;
-    for (int i = 0; i < kEntityCount; ++i)
-        strEntities.append(EntityAt(i).name).append(" ");
-    Write(folder / "markup", strEntities + "a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
-    Write(folder / "sheet", std::string(BuiltInStyleSheet()));
-    for (const std::string& strProperty : kProperties) {
-        dictionary << "\"" << strProperty << ":\"\n";
-        std::string strSheet = "b, .c, a:link {";
-        for (const std::string& strValue : kValues)
-            strSheet.append(strProperty).append(":").append(strValue).append(";");
-        Write(folder / "sheet", strSheet + "}/* x */ h1{}");
-        // A width, a style sheet and its end, the markup.
-        Write(folder / "layout", "@" + strSheet + "}\x01<span class=c>x <b>y</b></span>");
     }
-    for (const std::string& strValue : kValues)
-        Write(folder / "values", strValue);
-    for (int i = 0; i < kColourNameCount; ++i)
+    std::string entities;
+    for (int i = 0; i < kEntityCount; ++i) {
+        entities.append(EntityAt(i).name).append(" ");
+    }
+    Write(folder / "markup", entities + "a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
+    Write(folder / "sheet", std::string(BuiltInStyleSheet()));
+    for (const std::string& property : kProperties) {
+        dictionary << "\"" << property << ":\"\n";
+        std::string sheet = "b, .c, a:link {";
+        for (const std::string& value : kValues) {
+            sheet.append(property).append(":").append(value).append(";");
+        }
+        Write(folder / "sheet", sheet + "}/* x */ h1{}");
+        // A width, a style sheet and its end, the markup.
+        Write(folder / "layout", "@" + sheet + "}\x01<span class=c>x <b>y</b></span>");
+    }
+    for (const std::string& value : kValues) {
+        Write(folder / "values", value);
+    }
+    for (int i = 0; i < kColourNameCount; ++i) {
         Write(folder / "values", std::string(ColourName(i)));
+    }
     return 0;
 }

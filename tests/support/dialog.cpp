@@ -12,11 +12,12 @@ namespace {
 
 // A dialog's own control stands before one of the same number in a panel.
 HWND FindControl(HWND hParent, int nId) {
-    HWND hFound = GetDlgItem(hParent, nId);
-    for (HWND hChild = GetWindow(hParent, GW_CHILD); hFound == nullptr && hChild != nullptr;
-         hChild = GetWindow(hChild, GW_HWNDNEXT))
-        hFound = FindControl(hChild, nId);
-    return hFound;
+    HWND found = GetDlgItem(hParent, nId);
+    for (HWND child = GetWindow(hParent, GW_CHILD); found == nullptr && child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        found = FindControl(child, nId);
+    }
+    return found;
 }
 
 }  // namespace
@@ -34,25 +35,27 @@ RECT Dialog::ScreenRect() const {
 }
 
 HWND Dialog::Control(int nId) const {
-    HWND hControl = FindControl(m_hWnd, nId);
-    if (hControl == nullptr)
+    HWND control = FindControl(m_hWnd, nId);
+    if (control == nullptr) {
         throw DriverFailure("the dialog \"" + Title() + "\" has no control " + std::to_string(nId));
-    return hControl;
+    }
+    return control;
 }
 
 HWND Dialog::Usable(int nId) const {
-    HWND hControl = Control(nId);
-    if (!IsWindowVisible(hControl) || !IsWindowEnabled(hControl))
+    HWND control = Control(nId);
+    if (!IsWindowVisible(control) || !IsWindowEnabled(control)) {
         throw DriverFailure("control " + std::to_string(nId) + " of the dialog \"" + Title() +
                             "\" is disabled or hidden");
-    return hControl;
+    }
+    return control;
 }
 
 std::string Dialog::Text(int nId) const {
-    std::string strText(static_cast<size_t>(Send(nId, WM_GETTEXTLENGTH)) + 1, '\0');
-    strText.resize(static_cast<size_t>(
-        Send(nId, WM_GETTEXT, strText.size(), reinterpret_cast<LPARAM>(strText.data()))));
-    return strText;
+    std::string text(static_cast<size_t>(Send(nId, WM_GETTEXTLENGTH)) + 1, '\0');
+    text.resize(static_cast<size_t>(
+        Send(nId, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
 }
 
 RECT Dialog::Rect(int nId) const {
@@ -63,11 +66,12 @@ RECT Dialog::Rect(int nId) const {
 }
 
 LRESULT Dialog::Send(int nId, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
-    DWORD_PTR dwResult = 0;
+    DWORD_PTR result = 0;
     if (SendMessageTimeoutA(Control(nId), nMessage, wParam, lParam, SMTO_ABORTIFHUNG,
-                            static_cast<UINT>(m_driver.m_deadline.count()), &dwResult) == 0)
+                            static_cast<UINT>(m_driver.m_deadline.count()), &result) == 0) {
         throw DriverFailure("no answer to message " + std::to_string(nMessage));
-    return static_cast<LRESULT>(dwResult);
+    }
+    return static_cast<LRESULT>(result);
 }
 
 HWND Dialog::FocusedControl() const {
@@ -77,35 +81,38 @@ HWND Dialog::FocusedControl() const {
 }
 
 int Dialog::FocusedId() const {
-    HWND hFocus = FocusedControl();
-    return hFocus != nullptr && hFocus != m_hWnd ? GetDlgCtrlID(hFocus) : 0;
+    HWND focus = FocusedControl();
+    return focus != nullptr && focus != m_hWnd ? GetDlgCtrlID(focus) : 0;
 }
 
 // --- Acting by messages ---
 
 void Dialog::Post(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
-    if (!PostMessageA(hWnd, nMessage, wParam, lParam))
+    if (!PostMessageA(hWnd, nMessage, wParam, lParam)) {
         throw DriverFailure("message " + std::to_string(nMessage) + " could not be posted, error " +
                             std::to_string(GetLastError()));
+    }
 }
 
 void Dialog::Focus(int nId) {
-    HWND hControl = Usable(nId);
-    if (FocusedControl() == hControl)
+    HWND control = Usable(nId);
+    if (FocusedControl() == control) {
         return;
-    Run([hControl] { SetFocus(hControl); });
+    }
+    Run([control] { SetFocus(control); });
     WaitUntil("control " + std::to_string(nId) + " has the focus",
-              [&] { return FocusedControl() == hControl; });
+              [&] { return FocusedControl() == control; });
 }
 
 template <class Characters>
 void Dialog::TypeEach(int nId, const Characters& text) {
     Focus(nId);
-    const LRESULT nLength = Send(nId, WM_GETTEXTLENGTH);
-    Send(nId, EM_SETSEL, static_cast<WPARAM>(nLength), nLength);
-    HWND hControl = Control(nId);
-    for (size_t i = 0; i < text.size(); ++i)
-        Post(hControl, WM_CHAR, static_cast<unsigned char>(text[i]), 1);
+    const LRESULT length = Send(nId, WM_GETTEXTLENGTH);
+    Send(nId, EM_SETSEL, static_cast<WPARAM>(length), length);
+    HWND control = Control(nId);
+    for (size_t i = 0; i < text.size(); ++i) {
+        Post(control, WM_CHAR, static_cast<unsigned char>(text[i]), 1);
+    }
     Settle();
 }
 
@@ -118,15 +125,15 @@ void Dialog::Type(int nId, const Secret& secret) {
 }
 
 void Dialog::Paste(int nId, std::string_view text) {
-    HWND hControl = Usable(nId);
+    HWND control = Usable(nId);
     WaitUntil("the clipboard is free", [] { return OpenClipboard(nullptr) != FALSE; });
     EmptyClipboard();
-    const HGLOBAL hText = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, text.size() + 1);
-    std::memcpy(GlobalLock(hText), text.data(), text.size());
-    GlobalUnlock(hText);
-    SetClipboardData(CF_TEXT, hText);  // which owns it now
+    const HGLOBAL textHandle = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, text.size() + 1);
+    std::memcpy(GlobalLock(textHandle), text.data(), text.size());
+    GlobalUnlock(textHandle);
+    SetClipboardData(CF_TEXT, textHandle);  // which owns it now
     CloseClipboard();
-    Post(hControl, WM_PASTE, 0, 0);
+    Post(control, WM_PASTE, 0, 0);
     Settle();
 }
 
@@ -136,16 +143,16 @@ void Dialog::Click(int nId) {
 }
 
 void Dialog::Press(WORD vk) {
-    HWND hTop = GetAncestor(m_hWnd, GA_ROOT);
-    HWND hTarget = nullptr;
+    HWND top = GetAncestor(m_hWnd, GA_ROOT);
+    HWND target = nullptr;
     // The focus may still be on its way here from a dialog that has just gone.
     WaitUntil("the dialog has the focus", [&] {
-        hTarget = FocusedControl();
-        return hTarget == hTop || IsChild(hTop, hTarget);
+        target = FocusedControl();
+        return target == top || IsChild(top, target);
     });
-    const LPARAM nData = 1 | static_cast<LPARAM>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)) << 16;
-    Post(hTarget, WM_KEYDOWN, vk, nData);
-    PostMessageA(hTarget, WM_KEYUP, vk, nData | 0xC0000000);  // unless it has gone at the press
+    const LPARAM data = 1 | static_cast<LPARAM>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)) << 16;
+    Post(target, WM_KEYDOWN, vk, data);
+    PostMessageA(target, WM_KEYUP, vk, data | 0xC0000000);  // unless it has gone at the press
     // The press posts the key's character, which the second one waits for.
     Settle();
     Settle();
@@ -159,15 +166,17 @@ void Dialog::Cancel() {
 // --- Acting by real key strokes ---
 
 void Dialog::BringToForeground() const {
-    HWND hTop = GetAncestor(m_hWnd, GA_ROOT);
-    if (GetForegroundWindow() != hTop)
-        Run([hTop] { SetForegroundWindow(hTop); });
-    WaitUntil("the dialog is in the foreground", [hTop] { return GetForegroundWindow() == hTop; });
+    HWND top = GetAncestor(m_hWnd, GA_ROOT);
+    if (GetForegroundWindow() != top) {
+        Run([top] { SetForegroundWindow(top); });
+    }
+    WaitUntil("the dialog is in the foreground", [top] { return GetForegroundWindow() == top; });
 }
 
 void Dialog::AwaitKeys(bool bSent) const {
-    if (!bSent)
+    if (!bSent) {
         throw DriverFailure("the system refused a key stroke");
+    }
     // A stroke may end the dialog, and with it the thread's taking of messages.
     WaitUntil("the keys are taken", [this] {
         return !IsOpen() || WaitForKeys(m_driver.m_ui.Id(), std::chrono::milliseconds(200));

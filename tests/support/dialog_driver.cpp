@@ -20,14 +20,16 @@ void PumpWhile(Condition condition) {
         constexpr DWORD kLookMs = 2;  // how often the condition is asked
         MsgWaitForMultipleObjects(0, nullptr, FALSE, kLookMs, QS_ALLINPUT);
         for (MSG message = {}; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-            if (message.message == WM_QUIT)
+            if (message.message == WM_QUIT) {
                 quitCode = static_cast<int>(message.wParam);
+            }
             TranslateMessage(&message);
             DispatchMessageA(&message);
         }
     } while (condition());
-    if (quitCode)
+    if (quitCode) {
         PostQuitMessage(*quitCode);
+    }
 }
 
 }  // namespace
@@ -36,11 +38,12 @@ DialogDriver::DialogDriver(std::chrono::milliseconds deadline, std::vector<Step>
     : m_deadline(deadline), m_thread([this, steps = std::move(steps)] { Main(steps); }) {}
 
 void DialogDriver::Join() {
-    if (!m_thread.joinable())
+    if (!m_thread.joinable()) {
         return;
-    PumpWhile([this] { return m_phase == Phase::kScripts; });
-    m_phase = Phase::kStop;
-    PumpWhile([this] { return m_phase != Phase::kEnded; });
+    }
+    PumpWhile([this] { return m_phase == Phase::Scripts; });
+    m_phase = Phase::Stop;
+    PumpWhile([this] { return m_phase != Phase::Ended; });
     m_thread.join();
 }
 
@@ -52,14 +55,15 @@ void DialogDriver::Main(const std::vector<Step>& steps) noexcept {
             } catch (const std::exception& error) {
                 Fail(error.what());
             }
-            m_phase = Phase::kWatch;
+            m_phase = Phase::Watch;
             // From here on nobody waits for a dialog: one that opens would keep the test's thread
             // for ever.
-            for (; m_phase == Phase::kWatch; Sleep(5))
+            for (; m_phase == Phase::Watch; Sleep(5)) {
                 CancelWhatIsOpen();
+            }
         },
         [] { EndTestProcess("the dialog driver failed"); });
-    m_phase = Phase::kEnded;
+    m_phase = Phase::Ended;
 }
 
 void DialogDriver::RunSteps(const std::vector<Step>& steps) {
@@ -67,26 +71,29 @@ void DialogDriver::RunSteps(const std::vector<Step>& steps) {
         Dialog dialog = WaitForDialog(step.match);
         step.script(dialog);
         m_bFailed = testing::Test::HasFatalFailure();
-        if (m_bFailed)
+        if (m_bFailed) {
             return;  // has been reported; the dialog is cancelled now, not waited for
+        }
         dialog.WaitGone();
     }
 }
 
 void DialogDriver::CancelWhatIsOpen() {
-    for (HWND hDialog : OpenDialogs()) {
-        if (!m_bFailed)
+    for (HWND dialog : OpenDialogs()) {
+        if (!m_bFailed) {
             Fail("no script waits for what is open: " + DescribeWindows());
-        const std::string strTitle = TitleOf(hDialog);
+        }
+        const std::string title = TitleOf(dialog);
         // A dialog below another one takes the command only when that has gone, so it is repeated;
         // a dialog that knows no Cancel may know another answer.
         constexpr int kAnswers[] = {IDCANCEL, IDOK, IDNO, IDABORT};
-        int nTries = 0;
+        int tries = 0;
         do {
-            if (nTries == 12)
-                EndTestProcess("the dialog \"" + strTitle + "\" cannot be cancelled");
-            PostMessageA(hDialog, WM_COMMAND, static_cast<WPARAM>(kAnswers[nTries++ % 4]), 0);
-        } while (!WaitFor(std::chrono::milliseconds(250), [=] { return IsGone(hDialog); }));
+            if (tries == 12) {
+                EndTestProcess("the dialog \"" + title + "\" cannot be cancelled");
+            }
+            PostMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(kAnswers[tries++ % 4]), 0);
+        } while (!WaitFor(std::chrono::milliseconds(250), [=] { return IsGone(dialog); }));
     }
 }
 
@@ -97,23 +104,25 @@ void DialogDriver::Fail(const std::string& strReason) {
 
 void DialogDriver::WaitUntil(const std::string& strWhat,
                              const std::function<bool()>& condition) const {
-    if (!WaitFor(m_deadline, condition))
+    if (!WaitFor(m_deadline, condition)) {
         throw DriverFailure("waited " + std::to_string(m_deadline.count()) + " ms until " +
                             strWhat + "; open are: " + DescribeWindows());
+    }
 }
 
 Dialog DialogDriver::WaitForDialog(const DialogMatch& match) {
-    HWND hFound = nullptr;
+    HWND found = nullptr;
     WaitUntil("a dialog \"" + match.strTitle + "\" opens", [&] {
-        for (HWND hWnd : OpenDialogs())
-            if (IsReady(hWnd, match)) {
-                hFound = hWnd;
+        for (HWND window : OpenDialogs()) {
+            if (IsReady(window, match)) {
+                found = window;
                 return true;
             }
+        }
         return false;
     });
-    m_inHand.insert(hFound);
-    return {*this, hFound};
+    m_inHand.insert(found);
+    return {*this, found};
 }
 
 bool DialogDriver::IsReady(HWND hWnd, const DialogMatch& match) const {
@@ -122,10 +131,10 @@ bool DialogDriver::IsReady(HWND hWnd, const DialogMatch& match) const {
                (match.strTitle.empty() || TitleOf(hWnd) == match.strTitle);
     };
     // Answered once the dialog's initialisation is over, which may have closed it again.
-    DWORD_PTR dwResult = 0;
+    DWORD_PTR result = 0;
     return isWanted() &&
            SendMessageTimeoutA(hWnd, WM_NULL, 0, 0, SMTO_ABORTIFHUNG,
-                               static_cast<UINT>(m_deadline.count()), &dwResult) != 0 &&
+                               static_cast<UINT>(m_deadline.count()), &result) != 0 &&
            isWanted();
 }
 
@@ -137,11 +146,12 @@ std::vector<HWND> DialogDriver::OpenDialogs() const {
 
 // Every visible top-level window of the thread, for failure texts.
 std::string DialogDriver::DescribeWindows() const {
-    std::string strText;
-    for (HWND hWnd : VisibleWindows(m_ui.Id()))
-        strText += (strText.empty() ? "" : ", ") + ClassOf(hWnd) + " \"" + TitleOf(hWnd) + "\"" +
-                   (IsWindowEnabled(hWnd) ? "" : " (disabled)");
-    return strText.empty() ? "none" : strText;
+    std::string text;
+    for (HWND window : VisibleWindows(m_ui.Id())) {
+        text += (text.empty() ? "" : ", ") + ClassOf(window) + " \"" + TitleOf(window) + "\"" +
+                (IsWindowEnabled(window) ? "" : " (disabled)");
+    }
+    return text.empty() ? "none" : text;
 }
 
 }  // namespace mvp::test

@@ -29,10 +29,12 @@ const DLGTEMPLATE* DialogTemplate::Get() const {
 }
 
 void DialogTemplate::AddPart(DWORD dwStyle, DWORD dwExStyle, std::initializer_list<int> words) {
-    for (const DWORD dw : {dwStyle, dwExStyle})
+    for (const DWORD dw : {dwStyle, dwExStyle}) {
         m_words.insert(m_words.end(), {LOWORD(dw), HIWORD(dw)});
-    for (const int n : words)
+    }
+    for (const int n : words) {
         m_words.push_back(static_cast<WORD>(n));
+    }
 }
 
 void DialogTemplate::AddText(std::string_view text) {

@@ -16,8 +16,9 @@ int g_nSuccesses = 0;
 bool g_bRefused = false;
 
 bool IsRefused(std::size_t cb) {
-    if (g_nThread != GetCurrentThreadId() || cb < g_cbLeast || g_nSuccesses-- > 0)
+    if (g_nThread != GetCurrentThreadId() || cb < g_cbLeast || g_nSuccesses-- > 0) {
         return false;
+    }
     g_bRefused = true;
     g_nThread = 0;
     return true;
@@ -39,8 +40,9 @@ FailingHeap::FailingHeap(const char* pszModule)
     : m_imports(pszModule, {{"malloc", Address(&Malloc)},
                             {"calloc", Address(&Calloc)},
                             {"realloc", Address(&Realloc)}}) {
-    if (m_imports.IsEmpty())
+    if (m_imports.IsEmpty()) {
         throw std::runtime_error(std::string("no heap functions in ") + pszModule);
+    }
 }
 
 void FailingHeap::FailAt(int nSuccesses, std::size_t cbLeast) {

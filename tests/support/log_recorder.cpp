@@ -33,9 +33,11 @@ std::vector<RecordedLine> LogRecorder::Lines() const {
 
 std::vector<std::string> LogRecorder::Texts(int nLevel) const {
     std::vector<std::string> texts;
-    for (RecordedLine& line : Lines())
-        if (line.nLevel == nLevel)
+    for (RecordedLine& line : Lines()) {
+        if (line.nLevel == nLevel) {
             texts.push_back(std::move(line.strText));
+        }
+    }
     return texts;
 }
 
@@ -51,8 +53,9 @@ bool LogRecorder::ContainsPart(std::string_view part) const {
 
 std::string LogRecorder::Dump() const {
     std::string text = "the log:\n";
-    for (const RecordedLine& line : Lines())
+    for (const RecordedLine& line : Lines()) {
         text += "  " + line.strTag + ' ' + std::to_string(line.nLevel) + ": " + line.strText + '\n';
+    }
     return text;
 }
 

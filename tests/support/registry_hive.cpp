@@ -6,8 +6,9 @@ namespace mvp::test {
 namespace {
 
 void Check(LSTATUS nStatus, const std::string& strWhat) {
-    if (nStatus != ERROR_SUCCESS)
+    if (nStatus != ERROR_SUCCESS) {
         throw std::runtime_error(strWhat + ": error " + std::to_string(nStatus));
+    }
 }
 
 RegistryKey CreateVolatile(HKEY hParent, const std::string& strPath) {
@@ -42,22 +43,22 @@ RegistryKey RegistryHive::Open(const std::string& strPath) {
 
 void RegistryHive::SetRaw(const std::string& strPath, const std::string& strName, DWORD dwType,
                           std::string_view bytes) {
-    const void* pData = bytes.data();
-    size_t nSize = bytes.size();
-    std::wstring wide(nSize, L'\0');
+    const void* data = bytes.data();
+    size_t size = bytes.size();
+    std::wstring wide(size, L'\0');
     if (dwType == REG_SZ || dwType == REG_EXPAND_SZ || dwType == REG_MULTI_SZ) {
         // The registry keeps text as 16-bit characters. When it stores them it looks at the
         // character behind the given ones and takes a terminator that it finds there along: there
         // must be none.
-        const int nLength = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(nSize),
-                                                wide.data(), static_cast<int>(nSize));
-        wide.resize(static_cast<size_t>(nLength));
+        const int length = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(size),
+                                               wide.data(), static_cast<int>(size));
+        wide.resize(static_cast<size_t>(length));
         wide.push_back(L'#');
-        pData = wide.data();
-        nSize = static_cast<size_t>(nLength) * sizeof(wchar_t);
+        data = wide.data();
+        size = static_cast<size_t>(length) * sizeof(wchar_t);
     }
     Check(RegSetValueExW(Open(strPath).get(), std::wstring(strName.begin(), strName.end()).c_str(),
-                         0, dwType, static_cast<const BYTE*>(pData), static_cast<DWORD>(nSize)),
+                         0, dwType, static_cast<const BYTE*>(data), static_cast<DWORD>(size)),
           "setting " + strName);
 }
 

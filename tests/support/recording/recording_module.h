@@ -15,8 +15,9 @@ template <class Function>
 Function RecordingFunction(const char* pszModule, const char* pszFunction) {
     // Not given back: the module under test, which uses it too, may come and go.
     const auto function = FindFunction<Function>(LoadLibraryA(pszModule), pszFunction);
-    if (function == nullptr)
+    if (function == nullptr) {
         throw std::runtime_error(std::string(pszModule) + " is not the recording module");
+    }
     return function;
 }
 

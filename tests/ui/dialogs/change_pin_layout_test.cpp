@@ -10,13 +10,13 @@ namespace mvp::test {
 namespace {
 
 TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
-    for (const char* pszLanguage : {"en", "fr"}) {
-        const AttachedLibrary library(pszLanguage);
-        LONG nSmallestHeight = 0;
-        for (unsigned nSubset = 0; nSubset < kRuleSubsets; ++nSubset) {
-            SCOPED_TRACE(pszLanguage + std::to_string(nSubset));
-            const PwdRuleArgs rules = RulesOfSubset(nSubset);
-            ChangePinRequest request{.pRules = &rules, .bAskCurrentPin = nSubset % 3 != 0};
+    for (const char* language : {"en", "fr"}) {
+        const AttachedLibrary library(language);
+        LONG smallestHeight = 0;
+        for (unsigned subset = 0; subset < kRuleSubsets; ++subset) {
+            SCOPED_TRACE(language + std::to_string(subset));
+            const PwdRuleArgs rules = RulesOfSubset(subset);
+            ChangePinRequest request{.pRules = &rules, .bAskCurrentPin = subset % 3 != 0};
             request.Ask([&](Dialog& d) {
                 const auto rectOf = [&d](HWND hWnd) { return RectIn(d.Handle(), hWnd); };
                 const CRect box = rectOf(d.Control(IDC_POLICIES_BOX));
@@ -40,10 +40,11 @@ TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
                 EXPECT_LT(ok.right, cancel.left);
                 EXPECT_NEAR(client.bottom - ok.bottom, gap.bottom, 1);
                 EXPECT_NEAR(client.right - cancel.right, place.left, 1);
-                if (nSubset == 0)
-                    nSmallestHeight = client.bottom;
-                else
-                    EXPECT_GT(client.bottom, nSmallestHeight) << "more rules, more lines";
+                if (subset == 0) {
+                    smallestHeight = client.bottom;
+                } else {
+                    EXPECT_GT(client.bottom, smallestHeight) << "more rules, more lines";
+                }
                 d.Escape();
             });
         }

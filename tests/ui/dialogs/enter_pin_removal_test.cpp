@@ -42,7 +42,7 @@ TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
     };
     for (const auto& c : cases) {
         m_log.Clear();
-        const std::string strOutcome = PinRequest{.pszReader = c.pszReader}.Ask([&](Dialog& d) {
+        const std::string outcome = PinRequest{.pszReader = c.pszReader}.Ask([&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
             RemoveAndWait(c.pszRemoved);
             if (c.bCloses) {
@@ -53,7 +53,7 @@ TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
                 d.Click(IDOK);
             }
         });
-        EXPECT_EQ(strOutcome, c.bCloses ? kRefused : "1234");
+        EXPECT_EQ(outcome, c.bCloses ? kRefused : "1234");
         EXPECT_EQ(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"), c.bCloses);
         // Whatever the ending, the watch ends once, with its own words.
         EXPECT_EQ(
@@ -87,34 +87,37 @@ TEST_F(CardRemoval, WhileTheDialogOpensCloses) {
 TEST_F(CardRemoval, AroundThePressOfOkCountsWhatIsHandledFirst) {
     enum class First { Ok, Removal, OkSent };
     for (const First first : {First::Ok, First::Removal, First::OkSent}) {
-        const std::string strOutcome = PinRequest().Ask([&](Dialog& d) {
+        const std::string outcome = PinRequest().Ask([&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
             // In one go, so that the dialog's thread has not taken up what was posted to it.
             d.Run([&] {
-                if (first == First::Ok)
+                if (first == First::Ok) {
                     SendCommand(d, IDOK);
+                }
                 RemoveAndWait();
-                if (first == First::Removal)
+                if (first == First::Removal) {
                     PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+                }
                 // Overtakes the removal, which is in the queue.
-                if (first == First::OkSent)
+                if (first == First::OkSent) {
                     SendCommand(d, IDOK);
+                }
             });
             d.WaitGone();
         });
-        EXPECT_EQ(strOutcome, first != First::Removal ? "1234" : kRefused);
+        EXPECT_EQ(outcome, first != First::Removal ? "1234" : kRefused);
     }
 }
 
 TEST_F(CardRemoval, HasNoEffectWithoutMemoryForTheWatch) {
-    const std::string strReader(1000, 'r');
+    const std::string reader(1000, 'r');
     FailingHeap heap("dlgfw.dll");
-    heap.FailAt(1, strReader.size());  // the dialog's own copy comes first
+    heap.FailAt(1, reader.size());  // the dialog's own copy comes first
     const auto removeAndEnter = [&](Dialog& d) {
-        RemoveAndWait(strReader.c_str());
+        RemoveAndWait(reader.c_str());
         TypePin()(d);
     };
-    EXPECT_EQ(PinRequest{.pszReader = strReader.c_str()}.Ask(removeAndEnter), "1234");
+    EXPECT_EQ(PinRequest{.pszReader = reader.c_str()}.Ask(removeAndEnter), "1234");
     EXPECT_TRUE(heap.Stop());
     EXPECT_TRUE(m_log.Contains(1, "VKDelegateSubscriberCardRemoved Constructor: exception"));
     EXPECT_TRUE(m_log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
@@ -128,44 +131,44 @@ bool g_bOk;
 bool g_bLeft;
 
 void CALLBACK ActByChance(HWND, UINT, UINT_PTR, DWORD) {
-    const HWND hDialog = GetActiveWindow();
-    if (GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT) == nullptr)
+    const HWND dialog = GetActiveWindow();
+    if (GetDlgItem(dialog, IDC_ENTER_PIN_EDIT) == nullptr) {
         return;
+    }
     // Of two acts the second may be too late.
-    for (auto nActs = g_random() % 2 + 1; nActs > 0; --nActs) {
-        const auto nAct = g_random() % 9;
-        g_bOk = g_bOk || nAct == 0;
-        g_bLeft = g_bLeft || nAct == 1 || nAct == 2;
-        if (nAct < 2) {
-            PostMessageA(hDialog, WM_COMMAND, nAct == 0 ? IDOK : IDCANCEL, 0);
-        } else if (nAct < 6) {
-            Remove(nAct == 2 ? "Reader A" : "Reader B");
+    for (auto acts = g_random() % 2 + 1; acts > 0; --acts) {
+        const auto act = g_random() % 9;
+        g_bOk = g_bOk || act == 0;
+        g_bLeft = g_bLeft || act == 1 || act == 2;
+        if (act < 2) {
+            PostMessageA(dialog, WM_COMMAND, act == 0 ? IDOK : IDCANCEL, 0);
+        } else if (act < 6) {
+            Remove(act == 2 ? "Reader A" : "Reader B");
         } else {
             g_strTyped = std::string("12345678", 4 + g_random() % 5);
-            SetDlgItemTextA(hDialog, IDC_ENTER_PIN_EDIT, g_strTyped.c_str());
+            SetDlgItemTextA(dialog, IDC_ENTER_PIN_EDIT, g_strTyped.c_str());
         }
     }
 }
 
 TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
     // A run by hand may ask for more: MVP_SOAK_ROUNDS=10000.
-    const char* pszRounds = std::getenv("MVP_SOAK_ROUNDS");
-    const long nRounds = pszRounds != nullptr ? std::strtol(pszRounds, nullptr, 10) : 200;
+    const char* wanted = std::getenv("MVP_SOAK_ROUNDS");
+    const long rounds = wanted != nullptr ? std::strtol(wanted, nullptr, 10) : 200;
     const auto round = [&](int i) {
         g_bOk = g_bLeft = false;
         const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &ActByChance);
         PinRequest request;
-        const std::string strOutcome = request.Outcome(request.CallAlone());
+        const std::string outcome = request.Outcome(request.CallAlone());
         KillTimer(nullptr, timer);
-        EXPECT_TRUE(strOutcome == kRefused ? g_bLeft : g_bOk && strOutcome == g_strTyped)
-            << strOutcome;
+        EXPECT_TRUE(outcome == kRefused ? g_bLeft : g_bOk && outcome == g_strTyped) << outcome;
         // At rest when things are counted.
         EXPECT_TRUE(i % 20 != 19 || VKWaitForIdle(10'000) == VKEVTSUB_OK);
         m_log.Clear();
     };
     // Blocks, handles and threads are counted strictly. What the heaps have fetched from the system
     // is not: with their checks on they hold freed blocks back for a while.
-    ExpectRoundsKeepNothing(20, static_cast<int>(nRounds), round, {.privateBytes = 64 << 20});
+    ExpectRoundsKeepNothing(20, static_cast<int>(rounds), round, {.privateBytes = 64 << 20});
 }
 
 }  // namespace

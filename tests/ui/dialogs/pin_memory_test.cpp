@@ -58,16 +58,18 @@ TEST_F(EnterPinWithoutMemory, IsRefusedAndHoldsTheGuard) {
 // What the control copies of so long a text lies in blocks that it has freed.
 TEST(Scrubbing, ReachesTheEndOfALongText) {
     const Secret pin;
-    HWND hEdit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD | ES_AUTOHSCROLL, 0, 0, 100,
-                                 20, nullptr, nullptr, nullptr, nullptr);
-    SetWindowTextA(hEdit, std::string(600, 'x').c_str());
-    SendMessageA(hEdit, EM_SETSEL, 600, 600);
-    for (size_t i = 0; i < Secret::size(); ++i)
-        SendMessageA(hEdit, WM_CHAR, static_cast<unsigned char>(pin[i]), 1);
-    ScrubEdit(hEdit);
-    for (const MemoryHit& hit : ScanOwnMemory(pin))
-        EXPECT_TRUE(hit.place != MemoryHit::Place::kHeap || hit.bFreed) << hit;
-    DestroyWindow(hEdit);
+    HWND edit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD | ES_AUTOHSCROLL, 0, 0, 100,
+                                20, nullptr, nullptr, nullptr, nullptr);
+    SetWindowTextA(edit, std::string(600, 'x').c_str());
+    SendMessageA(edit, EM_SETSEL, 600, 600);
+    for (size_t i = 0; i < Secret::size(); ++i) {
+        SendMessageA(edit, WM_CHAR, static_cast<unsigned char>(pin[i]), 1);
+    }
+    ScrubEdit(edit);
+    for (const MemoryHit& hit : ScanOwnMemory(pin)) {
+        EXPECT_TRUE(hit.place != MemoryHit::Place::Heap || hit.bFreed) << hit;
+    }
+    DestroyWindow(edit);
 }
 
 }  // namespace

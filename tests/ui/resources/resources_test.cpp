@@ -94,8 +94,9 @@ constexpr int kLargestIndent = 20;
 // The text with a long number in place of its conversion, if it has one. The text is no format
 // here: one with other conversions is to fail its test, and not to break this one.
 std::string Filled(std::string text) {
-    if (const std::size_t at = text.find("%d"); at != std::string::npos)
+    if (const std::size_t at = text.find("%d"); at != std::string::npos) {
         text.replace(at, 2, "999");
+    }
     return text;
 }
 
@@ -159,10 +160,12 @@ INSTANTIATE_TEST_SUITE_P(Resources, EachLanguage, ::testing::ValuesIn(Languages(
                          [](const auto& test) { return test.param; });
 
 TEST_P(EachDialog, ClipsNoText) {
-    for (const std::string& why : m_clipped)
+    for (const std::string& why : m_clipped) {
         EXPECT_EQ(why, "");
-    for (const Control& control : m_controls)
+    }
+    for (const Control& control : m_controls) {
         EXPECT_EQ(ClippedBecause(control), "");
+    }
 }
 
 TEST_P(EachDialog, KeepsControlsInsideAndApart) {
@@ -182,8 +185,9 @@ TEST_P(EachDialog, KeepsControlsInsideAndApart) {
 TEST_P(EachDialog, HidesEveryEditAndLabelsItForTheKeyboardAndScreenReaders) {
     for (std::size_t i = 0; i < m_controls.size(); ++i) {
         const Control& edit = m_controls[i];
-        if (!edit.IsEdit())
+        if (!edit.IsEdit()) {
             continue;
+        }
         EXPECT_TRUE(i > 0 && m_controls[i - 1].IsTextStatic() && MnemonicOf(m_controls[i - 1]) != 0)
             << "what stands before edit " << edit.nNumber << " is no label with a mnemonic";
         EXPECT_TRUE(edit.IsTabStop()) << "edit " << edit.nNumber;
@@ -194,8 +198,9 @@ TEST_P(EachDialog, HidesEveryEditAndLabelsItForTheKeyboardAndScreenReaders) {
 TEST_P(EachDialog, TabsTheWayTheEyeReads) {
     const Control* previous = nullptr;
     for (const Control& control : m_controls) {
-        if (!control.IsTabStop())
+        if (!control.IsTabStop()) {
             continue;
+        }
         EXPECT_TRUE(previous == nullptr || ReadsOn(*previous, control))
             << "from control " << (previous == nullptr ? 0 : previous->nNumber) << " to "
             << control.nNumber;
@@ -214,8 +219,9 @@ TEST_P(EachLanguage, MnemonicsAreUniqueInAWindow) {
             PutRunTimeTexts(m_module, dialog, window);
             for (const Control& control : window.Controls()) {
                 const char mnemonic = MnemonicOf(control);
-                if (mnemonic == 0)
+                if (mnemonic == 0) {
                     continue;
+                }
                 EXPECT_TRUE(control.nNumber != IDOK && control.nNumber != IDCANCEL) << dialog;
                 EXPECT_TRUE(taken.emplace(mnemonic, control.strText).second)
                     << "\"" << taken[mnemonic] << "\" and \"" << control.strText << "\"";
@@ -227,10 +233,11 @@ TEST_P(EachLanguage, MnemonicsAreUniqueInAWindow) {
 
 TEST_P(EachLanguage, RuleLinesStayInTheirBoxWhenIndented) {
     const TemplateWindow window(m_module, IDD_POLICIES);
-    for (const Control& control : window.Controls())
+    for (const Control& control : window.Controls()) {
         EXPECT_TRUE(control.IsGroupBox() ||
                     control.rect.right + kLargestIndent < window.ClientRect().right)
             << "control " << control.nNumber;
+    }
 }
 
 // Drawn at another size than its control's, a picture would be stretched on an ordinary screen.
@@ -267,16 +274,17 @@ TEST_P(EachLanguage, HasTheStatedThingsAndNoOther) {
         {RT_DIALOG, "IDD_"}, {RT_STRING, "IDS_"}, {RT_GROUP_ICON, "IDI_"}, {RT_BITMAP, "IDB_"}};
     for (const auto& [type, prefix] : kinds) {
         std::set<int> numbers;
-        for (const NamedNumber& named : NamedNumbers(prefix))
+        for (const NamedNumber& named : NamedNumbers(prefix)) {
             numbers.insert(named.nNumber);
+        }
         EXPECT_EQ(m_module.Numbers(type), numbers) << prefix;
     }
 }
 
 TEST_P(EachLanguage, TakesOneIntegerInTheLengthFormatsAlone) {
     for (const int string : m_module.Numbers(RT_STRING)) {
-        const bool bLength = string == IDS_POLICIES_MIN_FORMAT || string == IDS_POLICIES_MAX_FORMAT;
-        EXPECT_EQ(Conversions(m_module.Text(string)), std::vector<std::string>(bLength, "%d"));
+        const bool length = string == IDS_POLICIES_MIN_FORMAT || string == IDS_POLICIES_MAX_FORMAT;
+        EXPECT_EQ(Conversions(m_module.Text(string)), std::vector<std::string>(length, "%d"));
     }
 }
 

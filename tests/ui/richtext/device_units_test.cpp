@@ -29,10 +29,10 @@ void ExpectUnits(int nDots) {
         {"2in", 2 * nDots},
         {"31pt", 31 * nDots / 72},
     };
-    for (const auto& [pszLength, nPixels] : kCases) {
-        TestDrawer drawer(std::string("<font size=30px><hr width=") + pszLength + "></font>");
+    for (const auto& [length, pixels] : kCases) {
+        TestDrawer drawer(std::string("<font size=30px><hr width=") + length + "></font>");
         drawer.Measure(2000);
-        EXPECT_EQ(drawer.RichText().Boxes().aFragments.at(0).nWidth, nPixels) << pszLength;
+        EXPECT_EQ(drawer.RichText().Boxes().aFragments.at(0).nWidth, pixels) << length;
     }
 }
 

@@ -13,48 +13,50 @@ char g_module[2 * Secret::kLength];
 
 TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
     const Secret secret;
-    auto* const hRuntimeHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
-    void* const pSmall = HeapAlloc(hRuntimeHeap, 0, 100);
-    auto* const pLarge = static_cast<char*>(HeapAlloc(hRuntimeHeap, 0, 3 << 20));
-    void* const pOther = HeapAlloc(GetProcessHeap(), 0, 100);
-    auto* const pPages = static_cast<char*>(
+    auto* const runtimeHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    void* const little = HeapAlloc(runtimeHeap, 0, 100);
+    auto* const large = static_cast<char*>(HeapAlloc(runtimeHeap, 0, 3 << 20));
+    void* const other = HeapAlloc(GetProcessHeap(), 0, 100);
+    auto* const pages = static_cast<char*>(
         VirtualAlloc(nullptr, 1 << 20, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     char stack[2 * Secret::kLength];
     const struct {
         void* pPlace;
         const char* pszOwner;
     } places[] = {
-        {pSmall, " in the C heap"},
-        {pLarge + (2 << 20) + 3, " in the C heap"},
-        {pOther, " in the process heap"},
+        {little, " in the C heap"},
+        {large + (2 << 20) + 3, " in the C heap"},
+        {other, " in the process heap"},
         {g_module, "memory_scan_test.exe"},
         {stack, " in this thread's stack"},
         // Over the border of two of the scan's pieces.
-        {pPages + (1 << 18) - 5, " in other memory"},
-        {pPages + (1 << 20) - 2 * Secret::kLength, " in other memory"},
+        {pages + (1 << 18) - 5, " in other memory"},
+        {pages + (1 << 20) - 2 * Secret::kLength, " in other memory"},
     };
-    for (const auto& place : places)
-        for (const bool bWide : {false, true}) {
-            secret.CopyTo(place.pPlace, bWide);
+    for (const auto& place : places) {
+        for (const bool wide : {false, true}) {
+            secret.CopyTo(place.pPlace, wide);
             const std::vector<MemoryHit> hits = ScanOwnMemory(secret);
             SecureZeroMemory(place.pPlace, 2 * Secret::kLength);
             ASSERT_EQ(hits.size(), 1u) << testing::PrintToString(hits);
             EXPECT_EQ(hits[0].address, reinterpret_cast<ULONG_PTR>(place.pPlace));
             EXPECT_EQ(hits[0].nCount, Secret::kLength);
-            EXPECT_EQ(hits[0].bWide, bWide);
+            EXPECT_EQ(hits[0].bWide, wide);
             EXPECT_FALSE(hits[0].bFreed);
-            const std::string strText = testing::PrintToString(hits[0]);
-            EXPECT_NE(strText.find(place.pszOwner), std::string::npos) << strText;
-            EXPECT_EQ(hits[0].place == MemoryHit::Place::kHeap,
-                      strText.find("heap") != std::string::npos);
+            const std::string text = testing::PrintToString(hits[0]);
+            EXPECT_NE(text.find(place.pszOwner), std::string::npos) << text;
+            EXPECT_EQ(hits[0].place == MemoryHit::Place::Heap,
+                      text.find("heap") != std::string::npos);
         }
-    secret.CopyTo(pOther);
-    HeapFree(GetProcessHeap(), 0, pOther);
-    for (const MemoryHit& hit : ScanOwnMemory(secret))
+    }
+    secret.CopyTo(other);
+    HeapFree(GetProcessHeap(), 0, other);
+    for (const MemoryHit& hit : ScanOwnMemory(secret)) {
         EXPECT_TRUE(hit.bFreed) << hit;
-    HeapFree(hRuntimeHeap, 0, pSmall);
-    HeapFree(hRuntimeHeap, 0, pLarge);
-    VirtualFree(pPages, 0, MEM_RELEASE);
+    }
+    HeapFree(runtimeHeap, 0, little);
+    HeapFree(runtimeHeap, 0, large);
+    VirtualFree(pages, 0, MEM_RELEASE);
 }
 
 TEST(FreedBlocks, SeeWhatEachFunctionGivesBack) {
@@ -72,11 +74,11 @@ TEST(FreedBlocks, SeeWhatEachFunctionGivesBack) {
         },
     };
     for (const auto& way : ways) {
-        int nSeen = 0;
+        int seen = 0;
         const FreedBlocks freed({nullptr},
-                                [&](const void*, size_t nBytes) { nSeen += nBytes == kSize; });
+                                [&](const void*, size_t nBytes) { seen += nBytes == kSize; });
         way(GetProcessHeap());
-        EXPECT_EQ(nSeen, 1) << &way - ways;
+        EXPECT_EQ(seen, 1) << &way - ways;
     }
 }
 

@@ -14,21 +14,22 @@ std::optional<std::string> Read(const char* pszName) {
     RegistryKey key;
     RegOpenKeyExA(HKEY_LOCAL_MACHINE, kPath, 0, KEY_READ, key.put());
     BYTE bytes[1024];
-    DWORD dwSize = sizeof bytes;
-    if (RegQueryValueExA(key.get(), pszName, nullptr, nullptr, bytes, &dwSize) != ERROR_SUCCESS)
+    DWORD size = sizeof bytes;
+    if (RegQueryValueExA(key.get(), pszName, nullptr, nullptr, bytes, &size) != ERROR_SUCCESS) {
         return std::nullopt;
-    return std::string(bytes, bytes + dwSize);
+    }
+    return std::string(bytes, bytes + size);
 }
 
 TEST(RegistryHive, GivesTheReaderWhatWasSetAndNothingAfterwards) {
-    const std::string strLong(600, 'x');
+    const std::string longText(600, 'x');
     {
         RegistryHive hive;
         hive.SetString(kPath, "Text", "abc");
-        hive.SetUnterminated(kPath, "Open", strLong);
+        hive.SetUnterminated(kPath, "Open", longText);
         hive.SetRaw(kPath, "Short", REG_DWORD, "\1\2");
         EXPECT_EQ(Read("Text"), std::string("abc", 4));
-        EXPECT_EQ(Read("Open"), strLong);
+        EXPECT_EQ(Read("Open"), longText);
         EXPECT_EQ(Read("Short"), "\1\2");
         hive.DeleteValue(kPath, "Text");
         EXPECT_EQ(Read("Text"), std::nullopt);

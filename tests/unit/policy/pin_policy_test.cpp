@@ -15,8 +15,9 @@ using namespace std::string_literals;
 // confirmation. '-' not in force, 's' satisfied, 'V' violated.
 std::string Letters(const PinCheck& check) {
     std::string letters;
-    for (const PinRule rule : kPinScreenOrder)
+    for (const PinRule rule : kPinScreenOrder) {
         letters += "-sV"[static_cast<int>(check.State(rule))];
+    }
     return letters;
 }
 
@@ -93,8 +94,9 @@ TEST(PinPredicates, JudgeEveryByte) {
         const int step = n % 256;
         std::string pin;
         const int length = 3 + first % 2;
-        for (int i = 0; i < length; ++i)
+        for (int i = 0; i < length; ++i) {
             pin += static_cast<char>(first + i * step);
+        }
         ASSERT_TRUE(IsPinWeak(pin)) << first << " and on by " << step;
         const auto at = static_cast<std::size_t>(n % 3 + length - 3);
         pin[at] = static_cast<char>(pin[at] + 1 + first % 127);

@@ -26,10 +26,11 @@ PolicyBox Template() {
 TEST(PolicyLayout, PutsTheLinesWhereTheHostsMarginsSay) {
     const PolicyLayout layout = LayOutPolicies(Template(), PinRules(&kAllRules), {10, 20, 10});
     std::string places;
-    for (const PlacedPolicyLine& line : layout.Lines())
+    for (const PlacedPolicyLine& line : layout.Lines()) {
         places += std::to_string(static_cast<int>(line.rule)) + ": " + std::to_string(line.nTextX) +
                   "," + std::to_string(line.nTextY) + " " + std::to_string(line.nIconX) + "," +
                   std::to_string(line.nIconY) + "; ";
+    }
     EXPECT_EQ(places,
               "0: 61,27 31,26; 1: 62,50 32,49; 2: 63,74 33,73; 3: 64,110 34,109; "
               "4: 65,136 35,135; 5: 66,163 36,162; ");

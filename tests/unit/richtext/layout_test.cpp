@@ -20,14 +20,15 @@ protected:
     // The lines' texts, with a bar behind each.
     std::string Lines(const std::string& strMarkup, std::int32_t nWidth) {
         m_test.LayOut(strMarkup, nWidth);
-        std::string strLines;
-        for (const std::string& strLine : m_test.Lines())
-            strLines += strLine + '|';
-        return strLines;
+        std::string lines;
+        for (const std::string& line : m_test.Lines()) {
+            lines += line + '|';
+        }
+        return lines;
     }
 
     TestText m_test{{"Tahoma", 10}};
-    CRichText& m_text = m_test.text;
+    RichText& m_text = m_test.text;
 };
 
 TEST_F(LayoutTest, BreaksLines) {
@@ -62,8 +63,9 @@ TEST_F(LayoutTest, BreaksLines) {
         {"a<br><table><tr><td>b</table>\nc", 200, "a|b||c|"},
     };
     EXPECT_TRUE(m_text.SetStyleSheet(""));
-    for (const auto& c : kCases)
+    for (const auto& c : kCases) {
         EXPECT_EQ(Lines(c.pszMarkup, c.nWidth), c.pszLines) << c.pszMarkup;
+    }
 }
 
 TEST_F(LayoutTest, TransformsFollowTheCodePage) {
@@ -88,8 +90,9 @@ TEST_F(LayoutTest, FindsWhatIsUnderThePoint) {
     // "go " is 15 wide, the link's two words 5 and 10 on two lines.
     EXPECT_EQ(Lines("go <a msg=m>b cc</a> <a href=h>d</a>", 22), "go b|cc d|");
     const auto expectAt = [&](std::uint32_t nLink, const std::vector<std::pair<int, int>>& points) {
-        for (const auto& [nX, nY] : points)
-            EXPECT_EQ(HitTest(m_text.Boxes(), nX, nY).nLink, nLink) << nX << "," << nY;
+        for (const auto& [x, y] : points) {
+            EXPECT_EQ(HitTest(m_text.Boxes(), x, y).nLink, nLink) << x << "," << y;
+        }
     };
     expectAt(kNone, {{0, 0}, {14, 0}, {20, 5}, {12, 15}, {15, 20}, {-1, 10}, {15, -1}});
     expectAt(kNone, {{2000000000, 2000000000}});
@@ -107,7 +110,7 @@ TEST_F(LayoutTest, HoverNeverChangesTheLayout) {
     EXPECT_TRUE(
         m_text.SetStyleSheet("a:link {color:1} a:hover {color:2; font-size:40px; padding:9}"));
     Lines("x <a msg=m>link <b>bold</b></a>", 500);
-    const CStyleTable& styles = m_text.Document().styles;
+    const StyleTable& styles = m_text.Document().styles;
     for (const Fragment& fragment : m_text.Boxes().aFragments) {
         const ComputedStyle& style = styles[fragment.nStyle];
         ASSERT_EQ(style.nHover != kNone, fragment.nLink != kNone);
@@ -121,13 +124,13 @@ TEST_F(LayoutTest, HoverNeverChangesTheLayout) {
 
 TEST_F(LayoutTest, IsMadeAnewOnlyForWhatChanged) {
     EXPECT_EQ(Lines("aaa bbb", 15), "aaa|bbb|");
-    const std::string strNarrow = DumpLayout(m_text.Document(), m_text.Boxes());
-    const Item* const pItems = m_text.Document().aItems.data();
+    const std::string narrow = DumpLayout(m_text.Document(), m_text.Boxes());
+    const Item* const items = m_text.Document().aItems.data();
     EXPECT_TRUE(m_text.Layout(500));
-    EXPECT_EQ(m_text.Document().aItems.data(), pItems);
+    EXPECT_EQ(m_text.Document().aItems.data(), items);
     EXPECT_EQ(m_text.Boxes().aLines.size(), 1U);
     EXPECT_TRUE(m_text.Layout(15));
-    EXPECT_EQ(DumpLayout(m_text.Document(), m_text.Boxes()), strNarrow);
+    EXPECT_EQ(DumpLayout(m_text.Document(), m_text.Boxes()), narrow);
     BuildSettings settings;
     settings.font.nSize = 20;
     EXPECT_TRUE(m_text.SetSettings(settings));
@@ -191,8 +194,9 @@ TEST(TableColumns, ShareTheWidth) {
         std::vector<Fixed> widths(c.columns.size());
         ShareWidth(c.columns, ToFixed(c.nWidth), widths);
         std::vector<int> pixels;
-        for (const Fixed width : widths)
+        for (const Fixed width : widths) {
             pixels.push_back(static_cast<int>(RoundPixels(width)));
+        }
         EXPECT_EQ(pixels, c.widths) << c.nWidth;
     }
 }
@@ -243,8 +247,9 @@ TEST(TableRows, HoldTheirCells) {
         std::vector<Row> rows(3);
         MeasureRows(c.cells, 0, c.nTableHeight, rows);
         std::vector<int> heights;
-        for (const Row& row : rows)
+        for (const Row& row : rows) {
             heights.push_back(static_cast<int>(row.nHeight));
+        }
         EXPECT_EQ(heights, c.heights);
     }
 }

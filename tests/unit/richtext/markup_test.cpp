@@ -52,7 +52,7 @@ TEST(MarkupReader, CutsTextIntoEvents) {
 TEST(StyleSheet, ScansRuleByRule) {
     ExpectTexts(
         [](const char* pszText) {
-            CStyleSheet sheet;
+            StyleSheet sheet;
             sheet.Load(pszText);
             return sheet.Dump();
         },
@@ -69,7 +69,7 @@ TEST(StyleSheet, ScansRuleByRule) {
 }
 
 TEST(StyleSheet, BuiltInOneIsLoadedForNoText) {
-    CStyleSheet sheet;
+    StyleSheet sheet;
     sheet.Load("b {x}");
     sheet.Load(std::nullopt);
     EXPECT_EQ(sheet.Rules().size(), 17U);
@@ -88,7 +88,7 @@ TEST(StyleSheet, BuiltInOneIsLoadedForNoText) {
 }
 
 TEST(StyleSheet, TakesLinkRulesOfTheHost) {
-    CStyleSheet sheet;
+    StyleSheet sheet;
     sheet.Load("a:link {color:red} b {color:blue} a:hover {color:red}");
     sheet.SetLinkRules(0x123456, false, 0xFF, true);
     EXPECT_EQ(sheet.Dump(),
@@ -101,13 +101,13 @@ std::string LastStyle(const char* pszMarkup, std::optional<std::string_view> she
     TestText test;
     EXPECT_TRUE(test.text.SetStyleSheet(sheet));
     test.LayOut(pszMarkup, 1000);
-    const auto& aItems = test.text.Document().aItems;
-    const auto last = std::find_if(aItems.rbegin(), aItems.rend(),
+    const auto& items = test.text.Document().aItems;
+    const auto last = std::find_if(items.rbegin(), items.rend(),
                                    [](const Item& item) { return item.kind == ItemKind::Text; });
-    const std::string strDump = DumpStyles(test.text.Document());
-    const std::string strName = "\nstyle " + std::to_string(last->nStyle) + ": font ";
-    const std::size_t nAt = strDump.find(strName) + strName.size();
-    return strDump.substr(nAt, strDump.find('\n', nAt) - nAt);
+    const std::string dump = DumpStyles(test.text.Document());
+    const std::string name = "\nstyle " + std::to_string(last->nStyle) + ": font ";
+    const std::size_t at = dump.find(name) + name.size();
+    return dump.substr(at, dump.find('\n', at) - at);
 }
 
 TEST(Styles, FollowTheCascade) {
@@ -143,8 +143,9 @@ TEST(Styles, FollowTheCascade) {
         {"<a msg=1>x<b>y</a>z", "a:link {color:red}", "\"\" 13 weight 700 colour 0x000000"},
         {"<center><right>x</right>y", "", "\"\" 13 weight 400 colour 0x000000 align center"},
     };
-    for (const auto& c : kCases)
+    for (const auto& c : kCases) {
         EXPECT_EQ(LastStyle(c.pszMarkup, c.pszSheet), c.pszStyle) << c.pszMarkup;
+    }
     // 14 points at 96 dots an inch.
     EXPECT_EQ(LastStyle("<h1>x", std::nullopt), "\"Verdana\" 18 weight 700 colour 0x000000");
     // p is in the sheet, but no tag of the language.
