@@ -34,75 +34,29 @@ const std::vector<std::string> kProperties = Split(
     "background-color|text-decoration|vertical-align|border-color|border-width|size|border-style|"
     "margin|padding");
 
-class Seeds {
-public:
-    explicit Seeds(std::filesystem::path folder) : m_folder(std::move(folder)) {}
-
-    void Write(const char* pszTarget, const std::string& strSeed) {
-        const std::filesystem::path folder = m_folder / pszTarget;
-        std::filesystem::create_directories(folder);
-        char name[16];
-        std::snprintf(name, sizeof(name), "%04d", m_nNext++);
-        std::ofstream(folder / name, std::ios::binary) << strSeed;
-    }
-
-    // Markup serves the reader and, behind a width, a style sheet and its end, the layout.
-    void WriteMarkup(const std::string& strMarkup, const std::string& strSheet = "") {
-        Write("markup", strMarkup);
-        Write("layout", "@" + strSheet + '\x01' + strMarkup);
-    }
-
-private:
-    std::filesystem::path m_folder;
-    int m_nNext = 0;
-};
-
-std::string Tagged(const std::string& strTag, const std::string& strAttributes) {
-    return "x <" + strTag + strAttributes + ">some well-known words</" + strTag + "> y";
+void Write(const std::filesystem::path& folder, const std::string& strSeed) {
+    static int next = 0;
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / std::to_string(next++), std::ios::binary) << strSeed;
 }
 
-void WriteTags(Seeds& seeds, std::ostream& dictionary) {
-    const std::string table =
-        "<table border=1><tr><td>a b</td><td colspan=2 rowspan=2>c</td></tr><tr><td>";
+// Each in a cell, with three attributes at a time; for the layout behind a width and an empty
+// sheet.
+void WriteTags(const std::filesystem::path& folder, std::ostream& dictionary) {
     std::size_t value = 0;
     for (int i = 0; i < kTagCount; ++i) {
         const std::string tag(InfoOf(static_cast<TagId>(i)).name);
         dictionary << "\"<" << tag << ">\"\n\"</" << tag << ">\"\n";
-        seeds.WriteMarkup(Tagged(tag, "") + Tagged(tag, " class=\"c\""),
-                          ".c{padding:2px;color:red}");
-        std::string attributes;
-        for (int j = 0; j < kAttributeCount; ++j) {
-            attributes.append(" ").append(NameOf(static_cast<AttributeId>(j)));
-            attributes += "=\"" + kValues[value++ % kValues.size()] + "\"";
-            if (j % 3 == 2 || j + 1 == kAttributeCount) {
-                seeds.WriteMarkup(Tagged(tag, attributes));
-                attributes.clear();
+        for (int j = 0; j < kAttributeCount;) {
+            std::string markup = "<table border=1><tr><td>x <" + tag;
+            for (const int end = j + 3; j < end && j < kAttributeCount; ++j) {
+                markup.append(" ").append(NameOf(static_cast<AttributeId>(j)));
+                markup += "=\"" + kValues[value++ % kValues.size()] + "\"";
             }
+            markup += ">some well-known words</" + tag + "> y</table>";
+            Write(folder / "markup", markup);
+            Write(folder / "layout", "@\x01" + markup);
         }
-        seeds.WriteMarkup(table + Tagged(tag, "") + "</table>");
-    }
-    for (int i = 0; i < kAttributeCount; ++i) {
-        dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
-    }
-    std::string entities;
-    for (int i = 0; i < kEntityCount; ++i) {
-        entities.append(EntityAt(i).name).append(" ");
-    }
-    seeds.WriteMarkup(entities);
-    seeds.WriteMarkup("<a href=\"x\">y</a> <A HREF=x> <a href = 'x'> &lt;a href=x> <<a href=x>");
-    seeds.WriteMarkup("a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
-}
-
-void WriteSheets(Seeds& seeds, std::ostream& dictionary) {
-    seeds.Write("sheet", std::string(BuiltInStyleSheet()));
-    for (const std::string& property : kProperties) {
-        dictionary << "\"" << property << ":\"\n";
-        std::string block;
-        for (const std::string& value : kValues) {
-            block += property + ":" + value + ";";
-        }
-        seeds.Write("sheet", "b, .c, a:link {" + block + "}/* x */ h1{}");
-        seeds.WriteMarkup("<span class=c>x <b>y</b></span>", ".c{" + block + "}");
     }
 }
 
@@ -116,14 +70,31 @@ int main(int argc, char** argv) {
     const std::filesystem::path folder = argv[1];
     std::filesystem::create_directories(folder);
     std::ofstream dictionary(folder / "richtext.dict");
-    Seeds seeds(folder);
-    WriteTags(seeds, dictionary);
-    WriteSheets(seeds, dictionary);
+    WriteTags(folder, dictionary);
+    for (int i = 0; i < kAttributeCount; ++i) {
+        dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
+    }
+    std::string entities;
+    for (int i = 0; i < kEntityCount; ++i) {
+        entities.append(EntityAt(i).name).append(" ");
+    }
+    Write(folder / "markup", entities + "a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
+    Write(folder / "sheet", std::string(BuiltInStyleSheet()));
+    for (const std::string& property : kProperties) {
+        dictionary << "\"" << property << ":\"\n";
+        std::string sheet = "b, .c, a:link {";
+        for (const std::string& value : kValues) {
+            sheet.append(property).append(":").append(value).append(";");
+        }
+        Write(folder / "sheet", sheet + "}/* x */ h1{}");
+        // A width, a style sheet and its end, the markup.
+        Write(folder / "layout", "@" + sheet + "}\x01<span class=c>x <b>y</b></span>");
+    }
     for (const std::string& value : kValues) {
-        seeds.Write("values", value);
+        Write(folder / "values", value);
     }
     for (int i = 0; i < kColourNameCount; ++i) {
-        seeds.Write("values", std::string(ColourName(i)));
+        Write(folder / "values", std::string(ColourName(i)));
     }
     return 0;
 }

@@ -22,7 +22,6 @@ public:
     using CBaseDialog::OnCtlColor;
     using CBaseDialog::ResizeDlg;
 
-    // Shows the dialog, does this on its thread, and cancels it.
     void Show(const std::function<void(Dialog&)>& work) {
         DialogDriver driver([&work](Dialog& d) {
             d.Run([&] { work(d); });
@@ -78,7 +77,6 @@ TEST_F(BaseDialog, StandsWhereItIsTold) {
     }
 }
 
-// The colour of the brush for a part of the dialog.
 COLORREF BackgroundOf(const Dialog& d, UINT nMessage, HWND hPart, HDC hDC) {
     auto* const brushHandle = reinterpret_cast<HBRUSH>(SendMessageA(
         d.Handle(), nMessage, reinterpret_cast<WPARAM>(hDC), reinterpret_cast<LPARAM>(hPart)));
@@ -108,16 +106,6 @@ TEST_F(BaseDialog, ColourModeDecidesTheBackground) {
         EXPECT_EQ(BackgroundOf(d, WM_CTLCOLORDLG, d.Handle(), dc.get()), kNew);
     });
     SetSysColors(1, &index, &old);
-}
-
-TEST_F(BaseDialog, HidePinOverwritesInPlace) {
-    CString pin("1234");
-    const char* bytes = pin;
-    CBaseDialog::HidePinFromMemory(pin);
-    EXPECT_EQ(std::string(bytes, 4), std::string(4, '\0'));
-    EXPECT_TRUE(pin.IsEmpty());
-    CBaseDialog::HidePinFromMemory(pin);
-    EXPECT_EQ(LogShape(), "CBaseDialog::HidePinFromMemory{} CBaseDialog::HidePinFromMemory{} ");
 }
 
 TEST_F(BaseDialog, ResizeTakesAwayFromTheDialogOrAControl) {

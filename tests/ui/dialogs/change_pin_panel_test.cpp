@@ -1,6 +1,7 @@
 // CChangePINDialog in windows of the host's own, and GetChangePINInfoFromUser reading it there.
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <dlgfw/message_map.h>
@@ -16,17 +17,15 @@ namespace {
 
 using ChangePinPanel = LibraryTest;
 
-std::unique_ptr<CChangePINDialog> Embed(CWnd& host, CButton* pOk, bool bAskCurrentPin = true,
-                                        const PwdRuleArgs* pRules = &kAllRules) {
+std::unique_ptr<CChangePINDialog> Embed(CWnd& host, CButton* pOk) {
     const RECT place = {150, 20, 0, 0};
-    auto panel = std::make_unique<CChangePINDialog>(99, 0, bAskCurrentPin, &place, pRules, pOk,
-                                                    &host, 15, 0, 6);
+    auto panel =
+        std::make_unique<CChangePINDialog>(99, 0, true, &place, &kAllRules, pOk, &host, 15, 0, 6);
     EXPECT_NE(panel->LocCreate(&host), 0);
     panel->ShowWindow(SW_SHOW);
     return panel;
 }
 
-// What the function returns without a dialog.
 std::string Read(const CWnd& host) {
     return ChangePinRequest{.hHost = host.m_hWnd}.Ask();
 }
@@ -54,17 +53,6 @@ TEST_F(ChangePinPanel, IsReadWithoutADialog) {
     EXPECT_FALSE(host.m_ok.IsWindowEnabled());
     // Length, weakness and digits are those of the value that is passed.
     EXPECT_FALSE(panel->VerifyAndUpdateAllPolicies("583"));
-}
-
-TEST_F(ChangePinPanel, CurrentPinThatIsNotAskedIsEmpty) {
-    HostWindow host;
-    const auto panel = Embed(host, &host.m_ok, false, nullptr);
-    EXPECT_EQ(::GetFocus(), ::GetDlgItem(panel->m_hWnd, kNew));
-    EXPECT_TRUE(host.m_ok.IsWindowEnabled()) << "two empty PINs match";
-    SetDlgItemTextA(panel->m_hWnd, kNew, "1");
-    EXPECT_FALSE(host.m_ok.IsWindowEnabled());
-    SetDlgItemTextA(panel->m_hWnd, kConfirm, "1");
-    EXPECT_EQ(Read(host), "/1");
 }
 
 TEST_F(ChangePinPanel, YoungestOfItsHostIsRead) {
@@ -164,40 +152,34 @@ TEST_F(ChangePinPanel, HostMayGoFirst) {
 
 TEST_F(ChangePinPanel, ReadsItsConfiguration) {
     constexpr char kKey[] = R"(Software\Quillon\Veskara\PXRM)";
-    constexpr char kValue[] = "EnableSmallPINEntryPrevention";
-    const auto read = [] {
-        return CChangePINDialog(0, 0, true, nullptr, nullptr, nullptr, nullptr, 0, 0, 0)
-            .SmallPinEntryPrevention();
+    const std::string path = std::string(kKey) + R"(\EnableSmallPINEntryPrevention)";
+    const auto expect = [&](std::uint32_t read, const std::vector<std::string>& errors) {
+        m_log.Clear();
+        const CChangePINDialog panel(0, 0, true, nullptr, nullptr, nullptr, nullptr, 0, 0, 0);
+        EXPECT_EQ(panel.SmallPinEntryPrevention(), read);
+        EXPECT_EQ(m_log.Texts(1), errors);
     };
-    EXPECT_EQ(read(), 0U);
+    expect(0, {});
     m_hive.CreateKey(kKey);
-    EXPECT_EQ(read(), 0U);
-    m_hive.SetDword(kKey, kValue, 0x80000001);
-    EXPECT_EQ(read(), 0x80000001U);
-    EXPECT_TRUE(m_log.Texts(1).empty()) << m_log.Dump();
-    const struct {
-        DWORD dwType;
-        std::string strBytes;
-        std::uint32_t dwRead;
-    } cases[] = {
+    expect(0, {});
+    const auto set = [&](DWORD type, const std::string& bytes) {
+        m_hive.SetRaw(kKey, "EnableSmallPINEntryPrevention", type, bytes);
+    };
+    set(REG_DWORD, {"\x01\0\0\x80", 4});
+    expect(0x80000001, {});
+    const std::tuple<DWORD, std::string, std::uint32_t> cases[] = {
         {REG_BINARY, "\x05", 5},
-        {REG_BINARY, std::string("\x05\0\0\0", 4), 5},
         {REG_SZ, std::string("0\0", 2), '0'},
         {REG_DWORD, "", 0},
         {REG_BINARY, std::string(255, 'x'), 0x78787878},
-        {REG_BINARY, std::string(256, 'x'), 0},
     };
-    const std::string path = std::string(kKey) + "\\" + kValue;
-    for (const auto& c : cases) {
-        m_hive.SetRaw(kKey, kValue, c.dwType, c.strBytes);
-        m_log.Clear();
-        EXPECT_EQ(read(), c.dwRead);
-        const std::string line = c.strBytes.size() > 255
-                                     ? "Setting ignored: " + path + ": larger than 255 bytes"
-                                     : "Setting is no REG_DWORD, its first bytes are followed as " +
-                                           std::to_string(c.dwRead) + ": " + path;
-        EXPECT_EQ(m_log.Texts(1), std::vector<std::string>{line});
+    for (const auto& [type, bytes, read] : cases) {
+        set(type, bytes);
+        expect(read, {"Setting is no REG_DWORD, its first bytes are followed as " +
+                      std::to_string(read) + ": " + path});
     }
+    set(REG_BINARY, std::string(256, 'x'));
+    expect(0, {"Setting ignored: " + path + ": larger than 255 bytes"});
 }
 
 }  // namespace

@@ -25,40 +25,26 @@ bool ShowsIcon(Dialog& d, int nControl, UINT nIcon) {
     return IconOf(d.Control(nControl)) == LoadResourceIcon(nIcon, 16);
 }
 
-// The middle of the caption, right of its text.
-COLORREF CaptionColor(HWND hWnd) {
-    HDC dc = GetWindowDC(hWnd);
-    const COLORREF color =
-        GetPixel(dc, RectIn(nullptr, hWnd).Width() / 2, GetSystemMetrics(SM_CYCAPTION) / 2);
-    ReleaseDC(hWnd, dc);
-    return color;
-}
-
 TEST_F(ChangePin, OpensReadyToType) {
     const auto open = [](Dialog& d) {
         EXPECT_EQ(d.Title(), std::string(ResourceString(IDS_CARD_PIN_TITLE)));
-        const struct {
-            int nControl;
-            UINT nString;
-        } texts[] = {{IDC_CHANGE_PIN_PANEL_INSTRUCTION, IDS_CHANGE_PIN_INSTRUCTION},
-                     {IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, IDS_CHANGE_PIN_CURRENT_LABEL},
-                     {IDC_CHANGE_PIN_PANEL_NEW_LABEL, IDS_CHANGE_PIN_NEW_LABEL},
-                     {IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, IDS_CHANGE_PIN_CONFIRM_LABEL}};
-        for (const auto& [control, text] : texts) {
+        for (const auto& [control, text] :
+             {std::pair<int, UINT>{IDC_CHANGE_PIN_PANEL_INSTRUCTION, IDS_CHANGE_PIN_INSTRUCTION},
+              {IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, IDS_CHANGE_PIN_CURRENT_LABEL},
+              {IDC_CHANGE_PIN_PANEL_NEW_LABEL, IDS_CHANGE_PIN_NEW_LABEL},
+              {IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, IDS_CHANGE_PIN_CONFIRM_LABEL}}) {
             EXPECT_EQ(d.Text(control), std::string(ResourceString(text)));
         }
         EXPECT_EQ(d.FocusedId(), kCurrent);
         EXPECT_FALSE(d.IsEnabled(IDOK));
         EXPECT_TRUE(d.IsEnabled(IDCANCEL));
         EXPECT_NE(d.Send(kNew, EM_GETPASSWORDCHAR), 0);
-        // The first check has been made.
         EXPECT_TRUE(ShowsIcon(d, IDC_POLICIES_MIN_ICON, IDI_RULE_VIOLATED));
         EXPECT_TRUE(ShowsIcon(d, IDC_POLICIES_CONFIRM_ICON, IDI_RULE_SATISFIED));
         d.Run([&] {
             EXPECT_EQ(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0),
                       reinterpret_cast<LRESULT>(LoadResourceIcon(IDI_CARD_PIN, 16)));
             EXPECT_EQ(GetForegroundWindow(), d.Handle());
-            EXPECT_EQ(CaptionColor(d.Handle()), GetSysColor(COLOR_ACTIVECAPTION));
         });
         d.Escape();
     };
@@ -301,16 +287,6 @@ TEST_F(ChangePin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
         EXPECT_EQ(LogShape(), "GetChangePINInfoFromUser{1 GetChangePINInfoFromUser: " +
                                   c.strArgument + " == NULL; } ");
     }
-}
-
-TEST_F(ChangePin, BoundsThatExcludeEachOtherAreTold) {
-    constexpr PwdRuleArgs kContradiction = {0, 0, 0, 0, 5, 4, 0};
-    ChangePinRequest{.pRules = &kContradiction}.Ask([](Dialog& d) {
-        TypePins(d, "1234", "58381", "58381");
-        EXPECT_FALSE(d.IsEnabled(IDOK));
-        d.Escape();
-    });
-    EXPECT_TRUE(m_log.Contains(1, "GetChangePINInfoFromUser: minimum length 5 > maximum length 4"));
 }
 
 TEST_F(ChangePin, LastTryComesFirst) {

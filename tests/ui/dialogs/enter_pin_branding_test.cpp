@@ -16,7 +16,6 @@ namespace {
 
 constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
 
-// A bitmap file of one colour.
 std::string BitmapFile(int nWidth, int nHeight) {
     const auto pixelBytes =
         std::size_t{3} * static_cast<DWORD>(nWidth) * static_cast<DWORD>(nHeight);
@@ -51,7 +50,6 @@ protected:
         std::error_code ignored;
         std::filesystem::remove_all(m_folder, ignored);
     }
-    // The path of a file of the test's own.
     std::string MakeFile(const std::string& strName, const std::string& strBytes) {
         std::filesystem::create_directory(m_folder);
         std::ofstream(m_folder / strName, std::ios::binary) << strBytes;

@@ -2,6 +2,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <functional>
 #include <future>
 #include <regex>
 #include <string>
@@ -226,12 +227,12 @@ TEST_F(EnterPin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
 }
 
 TEST_F(EnterPin, BoundsThatExcludeEachOtherAreTold) {
-    PinRequest{.dwMin = 5, .dwMax = 4}.Ask([](Dialog& d) {
-        d.Type(IDC_ENTER_PIN_EDIT, "12345");
-        EXPECT_FALSE(d.IsEnabled(IDOK));
-        d.Escape();
-    });
-    EXPECT_TRUE(m_log.Contains(1, "GetPINFromUser: minimum length 5 > maximum length 4"));
+    constexpr PwdRuleArgs kContradiction = {0, 0, 0, 0, 5, 4, 0};
+    PinRequest{.dwMin = 5, .dwMax = 4}.Ask(Leave);
+    ChangePinRequest{.pRules = &kContradiction}.Ask(Leave);
+    for (const std::string function : {"GetPINFromUser", "GetChangePINInfoFromUser"}) {
+        EXPECT_TRUE(m_log.Contains(1, function + ": minimum length 5 > maximum length 4"));
+    }
 }
 
 TEST_F(EnterPin, LastTryComesFirst) {
@@ -256,36 +257,19 @@ TEST_F(EnterPin, LastTryComesFirst) {
     FreeGetPinBuffer(nullptr, 0);
 }
 
-TEST_F(EnterPin, MissingTemplateIsACancelledRequest) {
-    FreeResourceModule();
-    PinRequest request;
-    EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-    EXPECT_EQ(Module().nPinDialogInProgress, 1);
-    EXPECT_EQ(request.Ask(), kRefused);
-    LoadResourceModule();
-}
-
 TEST_F(EnterPin, PromptReplacesTheText) {
-    const auto textOfPrompt = [](const char* pszPrompt) {
-        SetPinPromptString(pszPrompt);
-        std::string text;
+    std::string standard;
+    for (const char* prompt : {"", "PIN of the payroll card, please", ""}) {
+        SetPinPromptString(*prompt != '\0' ? prompt : nullptr);
         PinRequest().Ask([&](Dialog& d) {
-            text = d.Text(IDC_ENTER_PIN_PROMPT);
+            if (standard.empty()) {
+                standard = d.Text(IDC_ENTER_PIN_PROMPT);
+            }
+            EXPECT_FALSE(standard.empty());
+            EXPECT_EQ(d.Text(IDC_ENTER_PIN_PROMPT), *prompt != '\0' ? prompt : standard);
             d.Escape();
         });
-        return text;
-    };
-    const std::string standard = textOfPrompt(nullptr);
-    EXPECT_FALSE(standard.empty());
-    EXPECT_EQ(textOfPrompt("PIN of the payroll card, please"), "PIN of the payroll card, please");
-    EXPECT_EQ(textOfPrompt(nullptr), standard);
-}
-
-TEST_F(EnterPin, ManyRequestsKeepNothing) {
-    ExpectRoundsKeepNothing(1, 50, [this](int) {
-        PinRequest().Ask(TypePin());
-        m_log.Clear();
-    });
+    }
 }
 
 HWND MakeParent() {
@@ -293,65 +277,52 @@ HWND MakeParent() {
                            100, nullptr, nullptr, nullptr, nullptr);
 }
 
-// A window of a thread of its own, which takes messages until the object goes.
-class ForeignParent {
-public:
-    ForeignParent() {
-        std::promise<HWND> made;
-        auto window = made.get_future();
-        m_thread = std::thread([made = std::move(made)]() mutable {
-            made.set_value(MakeParent());
-            for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
-                DispatchMessageA(&message);
-            }
-        });
-        m_hWnd = window.get();
-        m_dwThread = GetWindowThreadProcessId(m_hWnd, nullptr);
-    }
-    ForeignParent(const ForeignParent&) = delete;
-    ForeignParent& operator=(const ForeignParent&) = delete;
-    ~ForeignParent() {
-        PostThreadMessageA(m_dwThread, WM_QUIT, 0, 0);
-        m_thread.join();
-    }
-    HWND Handle() const { return m_hWnd; }
-
-private:
-    std::thread m_thread;
-    HWND m_hWnd;
-    DWORD m_dwThread;
-};
+// Hands over a window of another thread, which takes messages meanwhile.
+void WithForeignParent(const std::function<void(HWND)>& use) {
+    std::promise<HWND> made;
+    std::thread thread([&] {
+        made.set_value(MakeParent());
+        for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
+            DispatchMessageA(&message);
+        }
+    });
+    const HWND window = made.get_future().get();
+    const DWORD threadValue = GetWindowThreadProcessId(window, nullptr);
+    use(window);
+    PostThreadMessageA(threadValue, WM_QUIT, 0, 0);
+    thread.join();
+}
 
 TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
-    const ForeignParent foreign;
-    const HWND own = MakeParent();
-    for (const HWND parent : {own, foreign.Handle()}) {
+    const auto expectGivenBack = [](HWND hParent) {
         for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
-            const std::string outcome = PinRequest{.hParent = parent}.Ask([&](Dialog& d) {
-                EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), parent);
-                EXPECT_FALSE(IsWindowEnabled(parent));
+            const std::string outcome = PinRequest{.hParent = hParent}.Ask([&](Dialog& d) {
+                EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), hParent);
+                EXPECT_FALSE(IsWindowEnabled(hParent));
                 d.Type(IDC_ENTER_PIN_EDIT, "1234");
                 d.Press(key);
             });
             EXPECT_EQ(outcome, key == VK_RETURN ? "1234" : kRefused);
-            EXPECT_TRUE(IsWindowEnabled(parent));
+            EXPECT_TRUE(IsWindowEnabled(hParent));
         }
-    }
-    DestroyWindow(own);
+    };
+    WithForeignParent(expectGivenBack);
+    const HWND own = MakeParent();
+    expectGivenBack(own);
+    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(own); }); };
+    EXPECT_EQ(PinRequest{.hParent = own}.Ask(destroyOwn), kRefused);
 }
 
 // The system destroys owned windows of the same thread only; the dialog of another goes on without.
-TEST_F(EnterPin, ParentMayGoMeanwhile) {
-    const HWND own = MakeParent();
-    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(own); }); };
-    EXPECT_EQ(PinRequest{.hParent = own}.Ask(destroyOwn), kRefused);
-    const ForeignParent foreign;
-    const auto destroyForeign = [&](Dialog& d) {
-        SendMessageA(foreign.Handle(), WM_CLOSE, 0, 0);
-        EXPECT_FALSE(IsWindow(foreign.Handle()));
-        TypePin()(d);
-    };
-    EXPECT_EQ(PinRequest{.hParent = foreign.Handle()}.Ask(destroyForeign), "1234");
+TEST_F(EnterPin, ParentOfAnotherThreadMayGoMeanwhile) {
+    WithForeignParent([](HWND hParent) {
+        const auto destroy = [&](Dialog& d) {
+            SendMessageA(hParent, WM_CLOSE, 0, 0);
+            EXPECT_FALSE(IsWindow(hParent));
+            TypePin()(d);
+        };
+        EXPECT_EQ(PinRequest{.hParent = hParent}.Ask(destroy), "1234");
+    });
 }
 
 HWND g_hRefused = nullptr;

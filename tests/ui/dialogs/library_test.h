@@ -21,7 +21,6 @@
 
 namespace mvp::test {
 
-// Attached while this object lives.
 class AttachedLibrary {
 public:
     // Speaks a language of the build, "en" or "fr", or the one beside the tests. The library looks
@@ -71,7 +70,6 @@ protected:
     MessageBoxRecorder m_boxes;
 };
 
-// A host's window with an OK button at its left.
 class HostWindow : public CWnd {
 public:
     HostWindow() {
@@ -108,7 +106,6 @@ private:
     int m_nMissing;
 };
 
-// In the client coordinates of `hParent`.
 inline CRect RectIn(HWND hParent, HWND hWnd) {
     CRect rect;
     GetWindowRect(hWnd, &rect);

@@ -1,6 +1,4 @@
-// What the system's edit remembers of a PIN, seen while its window still lives; and a request whose
-// PIN buffer cannot be had.
-#include <algorithm>
+// A request whose PIN buffer cannot be had, and what an edit with a long text leaves.
 #include <atomic>
 #include <cstddef>
 #include <string>
@@ -57,50 +55,21 @@ TEST_F(EnterPinWithoutMemory, IsRefusedAndHoldsTheGuard) {
     watch.ExpectNothingLeft("no memory");
 }
 
-class Scrubbing : public testing::Test {
-protected:
-    ~Scrubbing() override { DestroyWindow(m_hEdit); }
-    void Type() {
-        for (size_t i = 0; i < Secret::size(); ++i) {
-            SendMessageA(m_hEdit, WM_CHAR, static_cast<unsigned char>(m_pin[i]), 1);
-        }
-    }
-
-    Secret m_pin;
-    HWND m_hEdit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD | ES_AUTOHSCROLL, 0, 0,
-                                   100, 20, nullptr, nullptr, nullptr, nullptr);
-};
-
-TEST_F(Scrubbing, LeavesNothingInTheEdit) {
-    // The control's blocks lie on a heap; a stack keeps what it likes of the typing.
-    const auto hits = [&] {
-        return std::ranges::count(ScanOwnMemory(m_pin), MemoryHit::Place::Heap, &MemoryHit::place);
-    };
-    PrepareEditForSecret(m_hEdit);
-    EXPECT_EQ(GetWindowTextLengthA(m_hEdit), 0);
-    Type();
-    EXPECT_EQ(hits(), 1) << "the text has not moved";
-    // One by one, which is how the control comes to remember all of it.
-    for (size_t i = 0; i < Secret::size(); ++i) {
-        SendMessageA(m_hEdit, WM_CHAR, VK_BACK, 1);
-    }
-    Type();
-    EXPECT_EQ(hits(), 2) << "the text, and the one that was deleted";
-    ScrubEdit(m_hEdit);
-    EXPECT_EQ(hits(), 0);
-    EXPECT_EQ(GetWindowTextLengthA(m_hEdit), 0);
-    EXPECT_FALSE(SendMessageA(m_hEdit, EM_CANUNDO, 0, 0));
-}
-
 // What the control copies of so long a text lies in blocks that it has freed.
-TEST_F(Scrubbing, ReachesTheEndOfALongText) {
-    SetWindowTextA(m_hEdit, std::string(600, 'x').c_str());
-    SendMessageA(m_hEdit, EM_SETSEL, 600, 600);
-    Type();
-    ScrubEdit(m_hEdit);
-    for (const MemoryHit& hit : ScanOwnMemory(m_pin)) {
+TEST(Scrubbing, ReachesTheEndOfALongText) {
+    const Secret pin;
+    HWND edit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD | ES_AUTOHSCROLL, 0, 0, 100,
+                                20, nullptr, nullptr, nullptr, nullptr);
+    SetWindowTextA(edit, std::string(600, 'x').c_str());
+    SendMessageA(edit, EM_SETSEL, 600, 600);
+    for (size_t i = 0; i < Secret::size(); ++i) {
+        SendMessageA(edit, WM_CHAR, static_cast<unsigned char>(pin[i]), 1);
+    }
+    ScrubEdit(edit);
+    for (const MemoryHit& hit : ScanOwnMemory(pin)) {
         EXPECT_TRUE(hit.place != MemoryHit::Place::Heap || hit.bFreed) << hit;
     }
+    DestroyWindow(edit);
 }
 
 }  // namespace

@@ -71,7 +71,6 @@ struct PinRequest {
     }
 };
 
-// The enter-PIN dialog's scripts.
 inline Script TypePin(const std::string& strPin = "1234") {
     return [strPin](Dialog& d) {
         d.Type(IDC_ENTER_PIN_EDIT, strPin);
@@ -83,7 +82,6 @@ inline void Leave(Dialog& d) {
 }
 
 struct ChangePinRequest {
-    // What a PIN is written to.
     struct Output {
         std::array<char, 256> text = Marked();
         std::uint32_t cb = PinRequest::kUntouchedLength;

@@ -22,7 +22,6 @@ struct RuleLine {
     UINT nString;
 };
 
-// From the top of the screen.
 inline constexpr std::array<RuleLine, 6> kRuleLines = {{
     {IDC_POLICIES_MIN_TEXT, IDC_POLICIES_MIN_ICON, IDS_POLICIES_MIN_FORMAT},
     {IDC_POLICIES_MAX_TEXT, IDC_POLICIES_MAX_ICON, IDS_POLICIES_MAX_FORMAT},
@@ -47,16 +46,6 @@ constexpr PwdRuleArgs RulesOfSubset(unsigned nSubset) {
             (nSubset & 1u) != 0 ? 4 : MVP_NO_PIN_LENGTH_RULE,
             (nSubset & 2u) != 0 ? 8 : MVP_NO_PIN_LENGTH_RULE,
             0};
-}
-
-inline bool Overlap(const RECT& a, const RECT& b) {
-    RECT common;
-    return IntersectRect(&common, &a, &b) != FALSE;
-}
-
-inline bool Contains(const RECT& outer, const RECT& inner) {
-    RECT common;
-    return IntersectRect(&common, &outer, &inner) && EqualRect(&common, &inner);
 }
 
 struct PanelMargins {

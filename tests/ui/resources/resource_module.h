@@ -13,7 +13,6 @@
 
 #include "platform/handle.h"
 
-// The languages built.
 const std::vector<std::string>& Languages();
 
 struct NamedNumber {

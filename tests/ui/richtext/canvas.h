@@ -39,7 +39,6 @@ public:
     // green, blue, white and black, '.' for untouched, '?' for others.
     std::string Row(int y) const { return Runs(y, true); }
     std::string Column(int x) const { return Runs(x, false); }
-    // Where anything has been drawn.
     RECT Ink() const;
     // How many pixels there are, in a part or in all of it, for which this holds.
     int Count(const RECT& part, const std::function<bool(int x, int y)>& holds) const;

@@ -13,7 +13,6 @@
 
 namespace mvp::test {
 
-// Records what would be opened and started.
 class RecordedShell : public richtext::Shell {
 public:
     long long Open(const std::string& strTarget) override {

@@ -234,9 +234,10 @@ TEST_F(HtmlStatic, MovesImagesByTheClockItIsGiven) {
     CHtmlStatic& control = m_host.Add("", 0, []() WINAPI -> DWORD { return now; });
     control.AllowImageList(list);
     const std::string handle = std::to_string(reinterpret_cast<UINT_PTR>(list));
-    control.SetWindowText(("<ilst cx=40 cy=40 speed=100 handle=" + handle + ">").c_str());
+    control.SetWindowText(("<ilst cx=40 cy=40 index=1 speed=100 handle=" + handle + ">").c_str());
     constexpr std::pair<DWORD, COLORREF> kMoments[] = {
-        {0, kRed}, {99, kRed}, {100, kBlue}, {199, kBlue}, {1000, kRed}};
+        {0, kBlue}, {99, kBlue}, {100, kRed}, {199, kRed}, {1000, kBlue}};
+    EXPECT_EQ(control.Drawer().AnimationInterval(), 100u);
     for (const auto& [passed, colour] : kMoments) {
         now = kStart + passed;
         control.SendMessage(WM_TIMER, 1);

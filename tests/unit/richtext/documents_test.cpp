@@ -89,14 +89,9 @@ std::vector<std::string> Squeezed(std::vector<std::string> aLines) {
 }
 
 bool Agree(const Rect& a, const Rect& b, double tolerance) {
-    for (const std::size_t side : {std::size_t{0}, std::size_t{1}}) {
-        const double start = a[side] - b[side];
-        const double end = start + a[side + 2] - b[side + 2];
-        if (std::abs(start) > tolerance || std::abs(end) > tolerance) {
-            return false;
-        }
-    }
-    return true;
+    const auto differ = [=](double nA, double nB) { return std::abs(nA - nB) > tolerance; };
+    return !differ(a[0], b[0]) && !differ(a[1], b[1]) && !differ(a[0] + a[2], b[0] + b[2]) &&
+           !differ(a[1] + a[3], b[1] + b[3]);
 }
 
 bool Agree(const RichText& text, bool bCells, const std::vector<Rect>& expected, double tolerance) {

@@ -1,4 +1,3 @@
-// The pixels of the background effects.
 #include <cstdint>
 #include <set>
 #include <vector>

@@ -1,6 +1,7 @@
 // What the golden dumps do not say: questions asked of a layout, and layouts that must not depend
 // on something.
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include "richtext/document/plain_text.h"
 #include "richtext/dump.h"
 #include "richtext/layout/table_columns.h"
-#include "richtext/layout/table_grid.h"
 #include "richtext/layout/table_rows.h"
 #include "test_text.h"
 
@@ -89,25 +89,15 @@ TEST_F(LayoutTest, TransformsFollowTheCodePage) {
 TEST_F(LayoutTest, FindsWhatIsUnderThePoint) {
     // "go " is 15 wide, the link's two words 5 and 10 on two lines.
     EXPECT_EQ(Lines("go <a msg=m>b cc</a> <a href=h>d</a>", 22), "go b|cc d|");
-    constexpr struct {
-        std::int32_t nX, nY;
-        std::uint32_t nLink;
-    } kCases[] = {{0, 0, kNone},
-                  {14, 0, kNone},
-                  {15, 0, 0},
-                  {19, 9, 0},
-                  {20, 5, kNone},
-                  {0, 10, 0},
-                  {9, 19, 0},
-                  {12, 15, kNone},
-                  {15, 15, 1},
-                  {15, 20, kNone},
-                  {-1, 10, kNone},
-                  {15, -1, kNone},
-                  {2000000000, 2000000000, kNone}};
-    for (const auto& c : kCases) {
-        EXPECT_EQ(HitTest(m_text.Boxes(), c.nX, c.nY).nLink, c.nLink) << c.nX << "," << c.nY;
-    }
+    const auto expectAt = [&](std::uint32_t nLink, const std::vector<std::pair<int, int>>& points) {
+        for (const auto& [x, y] : points) {
+            EXPECT_EQ(HitTest(m_text.Boxes(), x, y).nLink, nLink) << x << "," << y;
+        }
+    };
+    expectAt(kNone, {{0, 0}, {14, 0}, {20, 5}, {12, 15}, {15, 20}, {-1, 10}, {15, -1}});
+    expectAt(kNone, {{2000000000, 2000000000}});
+    expectAt(0, {{15, 0}, {19, 9}, {0, 10}, {9, 19}});
+    expectAt(1, {{15, 15}});
     const auto boxes = LinkBoxes(m_text.Boxes(), 0);
     ASSERT_EQ(boxes.size(), 2U);
     EXPECT_EQ(boxes[0].nX, 15);
@@ -262,25 +252,6 @@ TEST(TableRows, HoldTheirCells) {
         }
         EXPECT_EQ(heights, c.heights);
     }
-}
-
-TEST(TableGrid, LeavesOutColumnsNoCellBeginsIn) {
-    TableGrid grid;
-    grid.BeginRow();
-    grid.Place(1, 3);
-    grid.Place(4, 1);
-    grid.BeginRow();
-    grid.Place(2, 1);
-    grid.Place(1, 1);
-    grid.Finish();
-    EXPECT_EQ(grid.Rows(), 2);
-    EXPECT_EQ(grid.Columns(), 3);
-    const std::vector<GridCell>& cells = grid.Cells();
-    EXPECT_EQ(cells[0].nRowSpan, 2);
-    EXPECT_EQ(cells[1].nColSpan, 2);
-    EXPECT_EQ(cells[2].nColumn, 1);
-    EXPECT_EQ(cells[2].nColSpan, 1);
-    EXPECT_EQ(cells[3].nColumn, 2);
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-// The markup reader and the style sheet.
 #include <algorithm>
 #include <string>
 
@@ -86,9 +85,6 @@ TEST(StyleSheet, BuiltInOneIsLoadedForNoText) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\r'), 17);
     EXPECT_EQ(text.substr(0, 62),
               "body {font-size: 10pt; color:black; font-family:Verdana}\r\np {f");
-
-    sheet.Load("");
-    EXPECT_TRUE(sheet.Rules().empty());
 }
 
 TEST(StyleSheet, TakesLinkRulesOfTheHost) {
@@ -101,7 +97,6 @@ TEST(StyleSheet, TakesLinkRulesOfTheHost) {
               "b {color:blue}\n");
 }
 
-// What holds of the last text item of a document.
 std::string LastStyle(const char* pszMarkup, std::optional<std::string_view> sheet) {
     TestText test;
     EXPECT_TRUE(test.text.SetStyleSheet(sheet));

@@ -34,7 +34,6 @@ struct TestText {
         EXPECT_TRUE(text.Layout(nWidth));
     }
 
-    // The text of every line.
     std::vector<std::string> Lines() const {
         std::vector<std::string> lines;
         for (const LineBox& line : text.Boxes().aLines) {

@@ -1,4 +1,5 @@
 // The value readers and the fixed tables, case by case.
+#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <string>
@@ -101,45 +102,30 @@ TEST(Lengths, AreReadAsWritten) {
     EXPECT_EQ(LengthOr("-50%", 5, LengthUse::Size, context), -3);
 }
 
+// The numbers of what a reader makes of each, "-" for what it does not know.
+template <class Reader>
+std::string All(Reader read, std::initializer_list<const char*> values) {
+    std::string all;
+    for (const char* valueText : values) {
+        const auto value = read(valueText);
+        all += value ? std::to_string(static_cast<int>(*value)) + " " : "- ";
+    }
+    return all;
+}
+
 TEST(Keywords, AreReadAsWritten) {
-    EXPECT_EQ(ReadFontStyle(""), false);
-    EXPECT_EQ(ReadFontStyle("normal"), false);
-    EXPECT_EQ(ReadFontStyle("Italic"), true);
-    EXPECT_EQ(ReadFontStyle("oblique"), true);
-    EXPECT_EQ(ReadFontStyle("bold"), std::nullopt);
-
-    EXPECT_EQ(ReadFontWeight(""), 400);
-    EXPECT_EQ(ReadFontWeight("normal"), 400);
-    EXPECT_EQ(ReadFontWeight("bold"), 700);
-    EXPECT_EQ(ReadFontWeight("bolder"), 900);
-    EXPECT_EQ(ReadFontWeight("lighter"), 100);
-    EXPECT_EQ(ReadFontWeight("650"), 650);
-    EXPECT_EQ(ReadFontWeight("heavy"), std::nullopt);
-
-    EXPECT_EQ(ReadTextAlign(""), TextAlign::Left);
-    EXPECT_EQ(ReadTextAlign("center"), TextAlign::Center);
-    EXPECT_EQ(ReadTextAlign("RIGHT"), TextAlign::Right);
-    EXPECT_EQ(ReadTextAlign("justify"), std::nullopt);  // only the tag justifies
-
-    EXPECT_EQ(ReadVerticalAlign(""), VerticalAlign::Baseline);
-    EXPECT_EQ(ReadVerticalAlign("middle"), VerticalAlign::Middle);
-    EXPECT_EQ(ReadVerticalAlign("vcenter"), VerticalAlign::Middle);
-    EXPECT_EQ(ReadVerticalAlign("top"), VerticalAlign::Top);
-    EXPECT_EQ(ReadVerticalAlign("bottom"), VerticalAlign::Bottom);
-    EXPECT_EQ(ReadVerticalAlign("sub"), std::nullopt);
-
-    EXPECT_EQ(ReadTextTransform("none"), TextTransform::None);
-    EXPECT_EQ(ReadTextTransform("capitalize"), TextTransform::Capitalize);
-    EXPECT_EQ(ReadTextTransform("full-width"), std::nullopt);
-
-    EXPECT_EQ(ReadTextDecoration(""), kDecorationNone);
-    EXPECT_EQ(ReadTextDecoration("underline,line-through overline"),
-              kUnderline | kLineThrough | kOverline);
-    EXPECT_EQ(ReadTextDecoration("none blink"), kDecorationNone);
-    EXPECT_EQ(ReadTextDecoration("blink"), std::nullopt);
-
-    EXPECT_EQ(ReadBorderStyle("dashed"), BorderStyle::Dashed);
-    EXPECT_EQ(ReadBorderStyle("groove"), std::nullopt);
+    EXPECT_EQ(All(ReadFontStyle, {"", "normal", "Italic", "oblique", "bold"}), "0 0 1 1 - ");
+    EXPECT_EQ(All(ReadFontWeight, {"", "normal", "bold", "bolder", "lighter", "650", "heavy"}),
+              "400 400 700 900 100 650 - ");
+    // Only the tag justifies.
+    EXPECT_EQ(All(ReadTextAlign, {"", "center", "RIGHT", "justify"}), "0 1 2 - ");
+    EXPECT_EQ(All(ReadVerticalAlign, {"", "middle", "vcenter", "top", "bottom", "sub"}),
+              "0 1 1 2 3 - ");
+    EXPECT_EQ(All(ReadTextTransform, {"none", "capitalize", "full-width"}), "0 3 - ");
+    EXPECT_EQ(
+        All(ReadTextDecoration, {"", "underline,line-through overline", "none blink", "blink"}),
+        "1 14 1 - ");
+    EXPECT_EQ(All(ReadBorderStyle, {"dashed", "groove"}), "3 - ");
     EXPECT_EQ(ReadBorderWidth("thin"), (Length{1, LengthUnit::Pixel}));
     EXPECT_EQ(ReadBorderWidth("thick"), (Length{5, LengthUnit::Pixel}));
     EXPECT_EQ(ReadBorderWidth("2pt"), (Length{2, LengthUnit::Point}));
