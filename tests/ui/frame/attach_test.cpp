@@ -16,7 +16,6 @@
 #include "services/resource_module.h"
 #include "support/log_recorder.h"
 #include "support/recording/recording.h"
-#include "support/recording/recording_module.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
@@ -191,10 +190,9 @@ TEST_F(Attach, RunsNothingOfTheModule) {
 
 TEST_F(Attach, KeepsItsOrder) {
     static std::string steps;  // those that are done when the install path is read
-    const auto recordTo = RecordingFunction<LogRecordTo>("vklog.dll", "vklogRecordTo");
     {
         const CurrentDirectory directory;
-        recordTo(
+        RecordLogTo(
             [](void*, const char*, int, const char* pszText) {
                 if (std::string_view(pszText) != "ReadInstallPath begins")
                     return;
@@ -203,7 +201,7 @@ TEST_F(Attach, KeepsItsOrder) {
             },
             nullptr);
         const Attached library;
-        recordTo(nullptr, nullptr);
+        RecordLogTo(nullptr, nullptr);
     }
     EXPECT_EQ(steps, "class ");
     // The framework, whose turn is last, refuses a library without an instance.

@@ -1,7 +1,6 @@
 #include "support/memory_scan.h"
 
 #include <cstdlib>
-#include <string>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -11,7 +10,7 @@ namespace {
 
 char g_module[2 * Secret::kLength];
 
-TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
+TEST(MemoryScan, FindsAPlantedTextWhereverItIs) {
     const Secret secret;
     auto* const hRuntimeHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
     void* const pSmall = HeapAlloc(hRuntimeHeap, 0, 100);
@@ -20,33 +19,21 @@ TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
     auto* const pPages = static_cast<char*>(
         VirtualAlloc(nullptr, 1 << 20, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     char stack[2 * Secret::kLength];
-    const struct {
-        void* pPlace;
-        const char* pszOwner;
-    } places[] = {
-        {pSmall, " in the C heap"},
-        {pLarge + (2 << 20) + 3, " in the C heap"},
-        {pOther, " in the process heap"},
-        {g_module, "memory_scan_test.exe"},
-        {stack, " in this thread's stack"},
-        // Over the border of two of the scan's pieces.
-        {pPages + (1 << 18) - 5, " in other memory"},
-        {pPages + (1 << 20) - 2 * Secret::kLength, " in other memory"},
-    };
-    for (const auto& place : places)
+    void* const places[] = {
+        pSmall, pLarge + (2 << 20) + 3, pOther,
+        // From here on outside the heaps; the first over the border of two of the scan's pieces.
+        pPages + (1 << 18) - 5, pPages + (1 << 20) - 2 * Secret::kLength, g_module, stack};
+    for (size_t i = 0; i < std::size(places); ++i)
         for (const bool bWide : {false, true}) {
-            secret.CopyTo(place.pPlace, bWide);
+            secret.CopyTo(places[i], bWide);
             const std::vector<MemoryHit> hits = ScanOwnMemory(secret);
-            SecureZeroMemory(place.pPlace, 2 * Secret::kLength);
+            SecureZeroMemory(places[i], 2 * Secret::kLength);
             ASSERT_EQ(hits.size(), 1u) << testing::PrintToString(hits);
-            EXPECT_EQ(hits[0].address, reinterpret_cast<ULONG_PTR>(place.pPlace));
+            EXPECT_EQ(hits[0].address, reinterpret_cast<ULONG_PTR>(places[i]));
             EXPECT_EQ(hits[0].nCount, Secret::kLength);
             EXPECT_EQ(hits[0].bWide, bWide);
             EXPECT_FALSE(hits[0].bFreed);
-            const std::string strText = testing::PrintToString(hits[0]);
-            EXPECT_NE(strText.find(place.pszOwner), std::string::npos) << strText;
-            EXPECT_EQ(hits[0].place == MemoryHit::Place::kHeap,
-                      strText.find("heap") != std::string::npos);
+            EXPECT_EQ(hits[0].place == MemoryHit::Place::kHeap, i < 3) << hits[0];
         }
     secret.CopyTo(pOther);
     HeapFree(GetProcessHeap(), 0, pOther);
