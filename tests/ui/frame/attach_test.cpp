@@ -27,32 +27,16 @@ constexpr char kPlantedMark[] = "MVP_PLANTED_CODE_RAN";
 const std::filesystem::path g_home = std::filesystem::current_path();
 
 // A current directory, left at the end; by default an empty one, without a resource module.
-class CurrentDirectory {
-public:
-    explicit CurrentDirectory(const std::string& strName = "empty_" +
-                                                           std::to_string(GetCurrentProcessId()))
-        : m_path(g_home / strName), m_bMade(std::filesystem::create_directories(m_path)) {
-        std::filesystem::current_path(m_path);
+struct CurrentDirectory {
+    explicit CurrentDirectory(const char* pszName = "empty") {
+        std::filesystem::create_directories(g_home / pszName);
+        std::filesystem::current_path(g_home / pszName);
     }
-    CurrentDirectory(const CurrentDirectory&) = delete;
-    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
-    ~CurrentDirectory() {
-        std::filesystem::current_path(g_home);
-        std::error_code ignored;
-        if (m_bMade)
-            std::filesystem::remove(m_path, ignored);
-    }
-
-private:
-    std::filesystem::path m_path;
-    bool m_bMade;
+    ~CurrentDirectory() { std::filesystem::current_path(g_home); }
 };
 
-class Attached {
-public:
+struct Attached {
     Attached() { EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr))); }
-    Attached(const Attached&) = delete;
-    Attached& operator=(const Attached&) = delete;
     ~Attached() { DetachLibrary(); }
 };
 
