@@ -139,7 +139,8 @@ TEST(DialogDriver, FailsWithTheReasonOfAMistakeAndCancelsTheDialog) {
     } mistakes[] = {
         {{}, "no script waits for what is open: #32770 \"Plain\""},
         {{[](Dialog&) {}}, "until the dialog \"Plain\" has gone"},
-        {{[](Dialog& dialog) { dialog.Next(); }}, "until a dialog opens; open are: #32770 \"Plain\""},
+        {{[](Dialog& dialog) { dialog.Next(); }},
+         "until a dialog opens; open are: #32770 \"Plain\""},
         {{[](Dialog& dialog) { dialog.Click(9); }}, "no control 9"},
         {{[](Dialog& dialog) { dialog.Click(IDOK); }}, "disabled"},
         {{[](Dialog& dialog) { dialog.Click(kHidden); }}, "hidden"},
