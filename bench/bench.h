@@ -15,8 +15,9 @@ constexpr int kRounds = 15;
 template <class Body>
 double NanosecondsEach(int repeats, Body& body) {
     const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < repeats; ++i)
+    for (int i = 0; i < repeats; ++i) {
         body();
+    }
     const std::chrono::duration<double, std::nano> took = std::chrono::steady_clock::now() - start;
     return took.count() / repeats;
 }

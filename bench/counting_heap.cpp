@@ -12,22 +12,22 @@ mvp::bench::HeapCount g_count;
 constexpr std::size_t kHeader = alignof(std::max_align_t);
 
 void* Take(std::size_t nBytes) {
-    void* const pRaw = std::malloc(nBytes + kHeader);
-    if (pRaw == nullptr) {
+    void* const raw = std::malloc(nBytes + kHeader);
+    if (raw == nullptr) {
         throw std::bad_alloc();
     }
-    *static_cast<std::size_t*>(pRaw) = nBytes;
+    *static_cast<std::size_t*>(raw) = nBytes;
     ++g_count.nAllocations;
     g_count.nLive += nBytes;
     g_count.nPeak = std::max(g_count.nPeak, g_count.nLive);
-    return static_cast<char*>(pRaw) + kHeader;
+    return static_cast<char*>(raw) + kHeader;
 }
 
 void GiveBack(void* pBlock) {
     if (pBlock != nullptr) {
-        void* const pRaw = static_cast<char*>(pBlock) - kHeader;
-        g_count.nLive -= *static_cast<std::size_t*>(pRaw);
-        std::free(pRaw);
+        void* const raw = static_cast<char*>(pBlock) - kHeader;
+        g_count.nLive -= *static_cast<std::size_t*>(raw);
+        std::free(raw);
     }
 }
 

@@ -41,8 +41,9 @@ private:
         m_size += sizeof record;
     }
     void PutWords(std::initializer_list<WORD> words) {
-        for (const WORD word : words)
+        for (const WORD word : words) {
             Put(word);
+        }
     }
     void Align() { m_size = (m_size + 3) & ~std::size_t{3}; }
 
@@ -92,13 +93,15 @@ END_MESSAGE_MAP()
 int main() {
     const auto framework = [] {
         BenchDialog dialog;
-        if (dialog.DoModal() != IDOK)
+        if (dialog.DoModal() != IDOK) {
             std::exit(1);
+        }
     };
     const auto bare = [] {
         if (DialogBoxIndirectParamA(GetModuleHandleA(nullptr), g_template.Get(), nullptr, BareProc,
-                                    0) != IDOK)
+                                    0) != IDOK) {
             std::exit(1);
+        }
     };
     mvp::bench::Print("open + close, 5 controls", "DialogBoxIndirect",
                       mvp::bench::Compare(20, framework, bare));

@@ -28,11 +28,11 @@ void TypeAndDelete(HWND hEdit) {
 }
 
 HWND BareEdit(HWND hHost) {
-    const HWND hEdit = CreateWindowExA(
-        WS_EX_CLIENTEDGE, "EDIT", "", WS_CHILD | WS_VISIBLE | ES_PASSWORD | ES_AUTOHSCROLL, 10, 300,
-        230, 23, hHost, nullptr, GetModuleHandleA(nullptr), nullptr);
-    SendMessageA(hEdit, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), 0);
-    return hEdit;
+    const HWND edit = CreateWindowExA(WS_EX_CLIENTEDGE, "EDIT", "",
+                                      WS_CHILD | WS_VISIBLE | ES_PASSWORD | ES_AUTOHSCROLL, 10, 300,
+                                      230, 23, hHost, nullptr, GetModuleHandleA(nullptr), nullptr);
+    SendMessageA(edit, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), 0);
+    return edit;
 }
 
 }  // namespace
@@ -40,19 +40,21 @@ HWND BareEdit(HWND hHost) {
 int main() {
     CWnd host;
     if (!host.CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 500, 400,
-                       nullptr, nullptr))
+                       nullptr, nullptr)) {
         return EXIT_FAILURE;
+    }
     const PwdRuleArgs rules = {0, 1, 1, 1, 4, 8, 0};
     CButton ok;
     ok.CreateEx(0, "BUTTON", "OK", WS_CHILD | WS_VISIBLE, 400, 350, 80, 25, host.m_hWnd, nullptr);
     CChangePINDialog panel(0, 0, true, nullptr, &rules, &ok, &host, 15, 0, 6);
-    if (panel.LocCreate(&host) == 0)
+    if (panel.LocCreate(&host) == 0) {
         return EXIT_FAILURE;
+    }
     panel.ShowWindow(SW_SHOW);
 
-    const HWND hEdit = GetDlgItem(panel.m_hWnd, IDC_CHANGE_PIN_PANEL_NEW_EDIT);
-    const HWND hBare = BareEdit(host.m_hWnd);
-    for (const HWND h : {hEdit, hBare}) {
+    const HWND edit = GetDlgItem(panel.m_hWnd, IDC_CHANGE_PIN_PANEL_NEW_EDIT);
+    const HWND bare = BareEdit(host.m_hWnd);
+    for (const HWND h : {edit, bare}) {
         SetWindowTextA(h, "583");
         SendMessageA(h, EM_SETSEL, 3, 3);
     }
@@ -60,5 +62,5 @@ int main() {
     mvp::bench::Print(
         "two key strokes, all rules", "the same in a bare edit",
         mvp::bench::Compare(
-            kPairs, [hEdit] { TypeAndDelete(hEdit); }, [hBare] { TypeAndDelete(hBare); }));
+            kPairs, [edit] { TypeAndDelete(edit); }, [bare] { TypeAndDelete(bare); }));
 }

@@ -23,8 +23,9 @@ HMODULE Load(const char* pszFile) {
 }
 
 void Hold(std::initializer_list<const char*> files) {
-    for (const char* pszFile : files)
-        Load(pszFile);
+    for (const char* file : files) {
+        Load(file);
+    }
 }
 
 void LoadProduct() {
@@ -39,8 +40,9 @@ void LoadFiveEmpty() {
     std::array<HMODULE, 5> modules = {Load("bench_empty.dll"), Load("bench_empty_2.dll"),
                                       Load("bench_empty_3.dll"), Load("bench_empty_4.dll"),
                                       Load("bench_empty_5.dll")};
-    for (const HMODULE module : modules)
+    for (const HMODULE module : modules) {
         FreeLibrary(module);
+    }
 }
 
 }  // namespace

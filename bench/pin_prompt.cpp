@@ -42,25 +42,26 @@ void TypeAndDelete(HWND hEdit) {
 }
 
 void MeasureKeyStroke(HWND hDialog) {
-    HWND hEdit = GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT);
-    HWND hBare = CreateWindowExA(WS_EX_CLIENTEDGE, "EDIT", "",
-                                 WS_POPUP | WS_VISIBLE | ES_PASSWORD | ES_AUTOHSCROLL, 0, 600, 230,
-                                 23, nullptr, nullptr, nullptr, nullptr);
-    for (HWND h : {hEdit, hBare}) {
+    HWND edit = GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT);
+    HWND bare = CreateWindowExA(WS_EX_CLIENTEDGE, "EDIT", "",
+                                WS_POPUP | WS_VISIBLE | ES_PASSWORD | ES_AUTOHSCROLL, 0, 600, 230,
+                                23, nullptr, nullptr, nullptr, nullptr);
+    for (HWND h : {edit, bare}) {
         SetWindowTextA(h, "583");
         SendMessageA(h, EM_SETSEL, 3, 3);
     }
     // From three to four characters and back: OK changes its state each time.
     g_keyStroke = mvp::bench::Compare(
-        kKeyStrokes, [hEdit] { TypeAndDelete(hEdit); }, [hBare] { TypeAndDelete(hBare); });
-    DestroyWindow(hBare);
+        kKeyStrokes, [edit] { TypeAndDelete(edit); }, [bare] { TypeAndDelete(bare); });
+    DestroyWindow(bare);
 }
 
 LRESULT CALLBACK OnSent(int nCode, WPARAM wParam, LPARAM lParam) {
     const auto& message = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
     if (nCode == HC_ACTION && message.message == WM_SHOWWINDOW && message.wParam != 0 &&
-        IsDialog(message.hwnd))
+        IsDialog(message.hwnd)) {
         PostMessageA(message.hwnd, kReady, 0, 0);
+    }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
 
@@ -68,25 +69,28 @@ LRESULT CALLBACK OnTaken(int nCode, WPARAM wParam, LPARAM lParam) {
     const auto& message = *reinterpret_cast<const MSG*>(lParam);
     if (nCode == HC_ACTION && wParam == PM_REMOVE && message.message == kReady) {
         g_ready = Clock::now();
-        if (g_bTypeFirst)
+        if (g_bTypeFirst) {
             MeasureKeyStroke(message.hwnd);
+        }
         PostMessageA(message.hwnd, WM_COMMAND, IDCANCEL, 0);
     }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
 
 void Ask() {
-    char* pPin = nullptr;
-    uint32_t cbPin = 0;
-    GetPINFromUser(nullptr, "Reader A", 0, 4, 8, &pPin, &cbPin);
-    FreeGetPinBuffer(pPin, cbPin);
+    char* pin = nullptr;
+    uint32_t pinSize = 0;
+    GetPINFromUser(nullptr, "Reader A", 0, 4, 8, &pin, &pinSize);
+    FreeGetPinBuffer(pin, pinSize);
 }
 
 INT_PTR CALLBACK BareProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM) {
-    if (message == WM_INITDIALOG)
+    if (message == WM_INITDIALOG) {
         ShowWindow(hWnd, SW_SHOW);
-    if (message == WM_COMMAND && wParam == IDCANCEL)
+    }
+    if (message == WM_COMMAND && wParam == IDCANCEL) {
         EndDialog(hWnd, IDCANCEL);
+    }
     return message == WM_INITDIALOG ? TRUE : FALSE;
 }
 
@@ -130,8 +134,9 @@ std::size_t PrivateBytes() {
     std::size_t bytes = 0;
     MEMORY_BASIC_INFORMATION info{};
     for (const char* p = nullptr; VirtualQuery(p, &info, sizeof info) != 0;
-         p = static_cast<const char*>(info.BaseAddress) + info.RegionSize)
+         p = static_cast<const char*>(info.BaseAddress) + info.RegionSize) {
         bytes += info.State == MEM_COMMIT && info.Type == MEM_PRIVATE ? info.RegionSize : 0;
+    }
     return bytes;
 }
 
@@ -147,10 +152,11 @@ void PrintCounts(const char* pszWhen) {
 int main() {
     InitGUIDll();
     const DWORD thread = GetCurrentThreadId();
-    HHOOK hSent = SetWindowsHookExA(WH_CALLWNDPROCRET, OnSent, nullptr, thread);
-    HHOOK hTaken = SetWindowsHookExA(WH_GETMESSAGE, OnTaken, nullptr, thread);
-    if (hSent == nullptr || hTaken == nullptr)
+    HHOOK sent = SetWindowsHookExA(WH_CALLWNDPROCRET, OnSent, nullptr, thread);
+    HHOOK taken = SetWindowsHookExA(WH_GETMESSAGE, OnTaken, nullptr, thread);
+    if (sent == nullptr || taken == nullptr) {
         return EXIT_FAILURE;
+    }
     mvp::bench::Print("call to ready", "bare dialog", CompareReady(&AskBare));
     mvp::bench::Print("call to ready", "credentials", CompareReady(&AskCredentials));
     g_bTypeFirst = true;
@@ -158,9 +164,10 @@ int main() {
     g_bTypeFirst = false;
     mvp::bench::Print("two key strokes until OK is right", "the same in a bare edit", g_keyStroke);
     PrintCounts("before the requests");
-    for (int i = 0; i < kPrompts; ++i)
+    for (int i = 0; i < kPrompts; ++i) {
         Ask();
+    }
     PrintCounts("after 1,000 requests");
-    UnhookWindowsHookEx(hTaken);
-    UnhookWindowsHookEx(hSent);
+    UnhookWindowsHookEx(taken);
+    UnhookWindowsHookEx(sent);
 }

@@ -25,8 +25,9 @@ struct Attempt {
 
 std::string RandomDigits(std::mt19937& engine, std::size_t length) {
     std::string text(length, '0');
-    for (char& c : text)
+    for (char& c : text) {
         c = static_cast<char>('0' + engine() % 10);
+    }
     return text;
 }
 
@@ -61,8 +62,9 @@ double Seconds(const std::vector<Attempt>& attempts, std::size_t repeats, Body b
     unsigned sum = 0;
     const Clock::time_point start = Clock::now();
     for (std::size_t i = 0; i < repeats; ++i) {
-        for (const Attempt& a : attempts)
+        for (const Attempt& a : attempts) {
             sum += body(a.Texts());
+        }
     }
     const std::chrono::duration<double> took = Clock::now() - start;
     g_sink = sum;
@@ -73,8 +75,9 @@ unsigned HashBytes(const mvp::PinTexts& texts) {
     unsigned sum = 0;
     for (const std::string_view text :
          {texts.oldValue, texts.value, texts.newValue, texts.confirmValue}) {
-        for (const char c : text)
+        for (const char c : text) {
             sum = sum * 31 + static_cast<unsigned char>(c);
+        }
     }
     return sum;
 }

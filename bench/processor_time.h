@@ -37,11 +37,11 @@ inline Times BestOf(int nRounds, const std::function<void()>& baseline,
         return std::max(1L, static_cast<long>(kRoundNs / std::max(1.0, ns)));
     };
     Times best{TimeOf(3, baseline), TimeOf(3, value)};
-    const long nBaselineRuns = runsOf(best.baseline);
-    const long nValueRuns = runsOf(best.value);
+    const long baselineRuns = runsOf(best.baseline);
+    const long valueRuns = runsOf(best.value);
     for (int i = 0; i < nRounds; ++i) {
-        best.baseline = std::min(best.baseline, TimeOf(nBaselineRuns, baseline));
-        best.value = std::min(best.value, TimeOf(nValueRuns, value));
+        best.baseline = std::min(best.baseline, TimeOf(baselineRuns, baseline));
+        best.value = std::min(best.value, TimeOf(valueRuns, value));
     }
     return best;
 }

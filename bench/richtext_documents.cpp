@@ -29,99 +29,99 @@ constexpr Style kStyles[] = {{"<b>", "</b>"},
 
 }  // namespace
 
-std::uint32_t CDocumentGenerator::Random(std::uint32_t nBelow) {
+std::uint32_t DocumentGenerator::Random(std::uint32_t nBelow) {
     m_nState = m_nState * 1664525U + 1013904223U;
     return (m_nState >> 8) % nBelow;
 }
 
-void CDocumentGenerator::Words(std::string& strOut, std::uint32_t nCount) {
+void DocumentGenerator::Words(std::string& strOut, std::uint32_t nCount) {
     for (std::uint32_t i = 0; i < nCount; ++i) {
         strOut += kWords[Random(static_cast<std::uint32_t>(std::size(kWords)))];
         strOut += ' ';
     }
 }
 
-std::string CDocumentGenerator::Notification() {
+std::string DocumentGenerator::Notification() {
     return "<b>Card removed</b><br>The card in reader <i>Front slot 1</i> was removed while a "
            "session was open. <a msg=\"reinsert\">Insert it again</a> to go on, or call "
            "the help desk &amp; ask for Ann.";
 }
 
-std::string CDocumentGenerator::Report() {
-    CDocumentGenerator generator;
-    std::string strOut = "<body><h1>Card report</h1><br>";
+std::string DocumentGenerator::Report() {
+    DocumentGenerator generator;
+    std::string out = "<body><h1>Card report</h1><br>";
     for (int i = 0; i < 4; ++i) {
-        strOut += "<h3>Part " + std::to_string(i + 1) + "</h3><br>";
+        out += "<h3>Part " + std::to_string(i + 1) + "</h3><br>";
         for (int j = 0; j < 3; ++j) {
-            strOut += std::string("<font color=") +
-                      kColours[generator.Random(static_cast<std::uint32_t>(std::size(kColours)))] +
-                      ">";
-            generator.Words(strOut, 4);
-            strOut += "</font>";
-            generator.Words(strOut, 8);
-            strOut += "<br>";
+            out += std::string("<font color=") +
+                   kColours[generator.Random(static_cast<std::uint32_t>(std::size(kColours)))] +
+                   ">";
+            generator.Words(out, 4);
+            out += "</font>";
+            generator.Words(out, 8);
+            out += "<br>";
         }
     }
-    strOut += R"(<table border=1 cellpadding=3 width="100%" bgcolor="#f0f0f0">)";
+    out += R"(<table border=1 cellpadding=3 width="100%" bgcolor="#f0f0f0">)";
     for (int i = 0; i < 5; ++i) {
-        strOut += "<tr><td width=\"30%\">";
-        generator.Words(strOut, 2);
-        strOut += "</td><td align=right><b>";
-        generator.Words(strOut, 4);
-        strOut += "</b></td></tr>";
+        out += "<tr><td width=\"30%\">";
+        generator.Words(out, 2);
+        out += "</td><td align=right><b>";
+        generator.Words(out, 4);
+        out += "</b></td></tr>";
     }
-    return strOut + "</table></body>";
+    return out + "</table></body>";
 }
 
-std::string CDocumentGenerator::Mixed(std::size_t nBytes) {
-    CDocumentGenerator generator;
-    std::string strOut;
-    strOut.reserve(nBytes + 256);
-    while (strOut.size() < nBytes) {
-        const std::uint32_t nRest = generator.Random(40);
-        generator.Words(strOut, 2 + generator.Random(6));
-        if (nRest == 0) {
-            strOut += "<br>";
-        } else if (nRest == 1) {
-            strOut += "&quot;";
+std::string DocumentGenerator::Mixed(std::size_t nBytes) {
+    DocumentGenerator generator;
+    std::string out;
+    out.reserve(nBytes + 256);
+    while (out.size() < nBytes) {
+        const std::uint32_t rest = generator.Random(40);
+        generator.Words(out, 2 + generator.Random(6));
+        if (rest == 0) {
+            out += "<br>";
+        } else if (rest == 1) {
+            out += "&quot;";
         }
         const Style& style =
             kStyles[generator.Random(static_cast<std::uint32_t>(std::size(kStyles)))];
-        strOut += style.pszOpen;
-        generator.Words(strOut, 1 + generator.Random(4));
-        strOut += style.pszClose;
+        out += style.pszOpen;
+        generator.Words(out, 1 + generator.Random(4));
+        out += style.pszClose;
     }
-    return strOut;
+    return out;
 }
 
-std::string CDocumentGenerator::Table() {
-    CDocumentGenerator generator;
-    std::string strOut = "<table border=1 cellpadding=2 cellspacing=1>";
-    for (int nRow = 0; nRow < 50; ++nRow) {
-        strOut += "<tr>";
-        for (int nColumn = 0; nColumn < 20;) {
+std::string DocumentGenerator::Table() {
+    DocumentGenerator generator;
+    std::string out = "<table border=1 cellpadding=2 cellspacing=1>";
+    for (int row = 0; row < 50; ++row) {
+        out += "<tr>";
+        for (int column = 0; column < 20;) {
             // One cell in ten spans two columns, one row in five has a cell of two rows.
-            const bool bWide = nColumn < 19 && generator.Random(10) == 0;
-            strOut += bWide ? "<td colspan=2>" : "<td>";
-            generator.Words(strOut, 1 + generator.Random(3));
-            strOut += "</td>";
-            nColumn += bWide ? 2 : 1;
+            const bool wide = column < 19 && generator.Random(10) == 0;
+            out += wide ? "<td colspan=2>" : "<td>";
+            generator.Words(out, 1 + generator.Random(3));
+            out += "</td>";
+            column += wide ? 2 : 1;
         }
-        strOut += nRow % 5 == 0 ? "<td rowspan=2>end</td></tr>" : "</tr>";
+        out += row % 5 == 0 ? "<td rowspan=2>end</td></tr>" : "</tr>";
     }
-    return strOut + "</table>";
+    return out + "</table>";
 }
 
-std::string CDocumentGenerator::Nested(int nDepth) {
-    std::string strOut;
+std::string DocumentGenerator::Nested(int nDepth) {
+    std::string out;
     for (int i = 0; i < nDepth; ++i) {
-        strOut += "<table border=1><tr><td>level</td><td>";
+        out += "<table border=1><tr><td>level</td><td>";
     }
-    strOut += "inside";
+    out += "inside";
     for (int i = 0; i < nDepth; ++i) {
-        strOut += "</td></tr></table>";
+        out += "</td></tr></table>";
     }
-    return strOut;
+    return out;
 }
 
 }  // namespace mvp::bench

@@ -8,7 +8,7 @@
 
 namespace mvp::bench {
 
-class CDocumentGenerator {
+class DocumentGenerator {
 public:
     // About 200 bytes: a sentence or two and a link.
     static std::string Notification();

@@ -25,10 +25,11 @@ LOGFONTA FontDescription() {
 }
 
 std::string Repeated(const std::string& strText, int nTimes) {
-    std::string strAll;
-    for (int i = 0; i < nTimes; ++i)
-        strAll += strText;
-    return strAll;
+    std::string all;
+    for (int i = 0; i < nTimes; ++i) {
+        all += strText;
+    }
+    return all;
 }
 
 // In a font that DrawText can be given as well; the view is full, and a little more.
@@ -97,14 +98,15 @@ int main() {
     Print("paint 360 x 640, mixed styles", "DrawTextA of the words",
           Compare(
               20, [&] { draw(mixed, kView); }, drawText));
-    int nLink = 0;
+    int link = 0;
     Print("repaint a link under the mouse", "paint the whole view",
           Compare(
               20,
               [&] {
-                  mixed.SetHoverLink(nLink = (nLink + 1) % 8);
-                  for (const RECT& area : mixed.LinkRects(nLink))
+                  mixed.SetHoverLink(link = (link + 1) % 8);
+                  for (const RECT& area : mixed.LinkRects(link)) {
                       draw(mixed, area);
+                  }
               },
               [&] { draw(mixed, kView); }));
     Print("lay out and paint a new text", "DrawTextA of the words",

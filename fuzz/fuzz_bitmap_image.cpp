@@ -16,13 +16,13 @@ void Check(const std::optional<mvp::BitmapImage>& image, Bytes bytes) {
     using Packing = mvp::BitmapImage::Packing;
     FUZZ_CHECK(image->nWidth > 0 && image->nWidth <= mvp::kMaxBitmapSide);
     FUZZ_CHECK(image->nHeight > 0 && image->nHeight <= mvp::kMaxBitmapSide);
-    const std::int64_t nPixels = std::int64_t{image->nWidth} * image->nHeight;
-    FUZZ_CHECK(nPixels <= mvp::kMaxBitmapPixels);
+    const std::int64_t pixels = std::int64_t{image->nWidth} * image->nHeight;
+    FUZZ_CHECK(pixels <= mvp::kMaxBitmapPixels);
     FUZZ_CHECK(image->nColours <= image->aColours.size());
     FUZZ_CHECK(!image->pixels.empty() && image->pixels.data() >= bytes.data());
     FUZZ_CHECK(image->pixels.data() + image->pixels.size() <= bytes.data() + bytes.size());
     if (image->packing == Packing::None || image->packing == Packing::Masks) {
-        FUZZ_CHECK(static_cast<std::int64_t>(image->pixels.size()) * 8 >= nPixels * image->nBits);
+        FUZZ_CHECK(static_cast<std::int64_t>(image->pixels.size()) * 8 >= pixels * image->nBits);
     }
 }
 

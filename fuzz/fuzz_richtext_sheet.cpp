@@ -5,11 +5,11 @@
 
 void Fuzz(std::string_view data) {
     using namespace mvp::richtext;
-    CStyleSheet sheet;
+    StyleSheet sheet;
     sheet.Load(data);
     FUZZ_CHECK(sheet.Rules().size() <= data.size());
     std::string_view previous;
-    for (const CStyleSheet::Rule& rule : sheet.Rules()) {
+    for (const StyleSheet::Rule& rule : sheet.Rules()) {
         FUZZ_CHECK(!rule.selector.empty() && previous <= rule.selector);
         previous = rule.selector;
         FUZZ_CHECK(!sheet.Find(rule.selector).empty());

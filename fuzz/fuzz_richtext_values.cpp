@@ -10,10 +10,10 @@ void Fuzz(std::string_view value) {
     const auto colour = ReadColour(value, system);
     FUZZ_CHECK(!colour.has_value() || ReadPropertyColour(value, system) == colour);
     const auto length = ReadLength(value);
-    for (const std::int32_t nDefault : {0, 1, -1, 2147483647, -2147483647 - 1}) {
-        const std::int32_t nSize32 = LengthOr(value, nDefault, LengthUse::Size, context);
-        FUZZ_CHECK(length.has_value() || nSize32 == nDefault);
-        LengthOr(value, nDefault, LengthUse::FontSize, context);
+    for (const std::int32_t fallback : {0, 1, -1, 2147483647, -2147483647 - 1}) {
+        const std::int32_t size32 = LengthOr(value, fallback, LengthUse::Size, context);
+        FUZZ_CHECK(length.has_value() || size32 == fallback);
+        LengthOr(value, fallback, LengthUse::FontSize, context);
     }
     const auto effect = ReadBackgroundEffect(value, context);
     FUZZ_CHECK(!effect.has_value() ||

@@ -27,12 +27,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
 // The plain text filter .*<.*href\s*=.*>.* (letter case matters, the dot matches everything), by
 // hand: what a host may use to tell texts that can open things from those that cannot.
 inline bool MatchesHrefFilter(std::string_view text) {
-    const std::size_t nLastClose = text.rfind('>');
-    for (std::size_t nAt = text.find("href", text.find('<')); nAt != std::string_view::npos;
-         nAt = text.find("href", nAt + 1)) {
-        const std::size_t nEquals = text.find_first_not_of(" \t\n\v\f\r", nAt + 4);
-        if (nEquals != std::string_view::npos && text[nEquals] == '=' &&
-            nLastClose != std::string_view::npos && nLastClose > nEquals) {
+    const std::size_t lastClose = text.rfind('>');
+    for (std::size_t at = text.find("href", text.find('<')); at != std::string_view::npos;
+         at = text.find("href", at + 1)) {
+        const std::size_t equals = text.find_first_not_of(" \t\n\v\f\r", at + 4);
+        if (equals != std::string_view::npos && text[equals] == '=' &&
+            lastClose != std::string_view::npos && lastClose > equals) {
             return true;
         }
     }

@@ -18,11 +18,11 @@ namespace {
 using namespace mvp::richtext;
 
 std::vector<std::string> Split(std::string_view list) {
-    std::vector<std::string> aParts;
+    std::vector<std::string> parts;
     for (auto part = NextToken(list, "|"); !part.empty(); part = NextToken(list, "|")) {
-        aParts.emplace_back(part);
+        parts.emplace_back(part);
     }
-    return aParts;
+    return parts;
 }
 
 const std::vector<std::string> kValues = Split(
@@ -34,16 +34,16 @@ const std::vector<std::string> kProperties = Split(
     "background-color|text-decoration|vertical-align|border-color|border-width|size|border-style|"
     "margin|padding");
 
-class CSeeds {
+class Seeds {
 public:
-    explicit CSeeds(std::filesystem::path folder) : m_folder(std::move(folder)) {}
+    explicit Seeds(std::filesystem::path folder) : m_folder(std::move(folder)) {}
 
     void Write(const char* pszTarget, const std::string& strSeed) {
         const std::filesystem::path folder = m_folder / pszTarget;
         std::filesystem::create_directories(folder);
-        char aName[16];
-        std::snprintf(aName, sizeof(aName), "%04d", m_nNext++);
-        std::ofstream(folder / aName, std::ios::binary) << strSeed;
+        char name[16];
+        std::snprintf(name, sizeof(name), "%04d", m_nNext++);
+        std::ofstream(folder / name, std::ios::binary) << strSeed;
     }
 
     // Markup serves the reader and, behind a width, a style sheet and its end, the layout.
@@ -61,48 +61,48 @@ std::string Tagged(const std::string& strTag, const std::string& strAttributes) 
     return "x <" + strTag + strAttributes + ">some well-known words</" + strTag + "> y";
 }
 
-void WriteTags(CSeeds& seeds, std::ostream& dictionary) {
-    const std::string strTable =
+void WriteTags(Seeds& seeds, std::ostream& dictionary) {
+    const std::string table =
         "<table border=1><tr><td>a b</td><td colspan=2 rowspan=2>c</td></tr><tr><td>";
-    std::size_t nValue = 0;
+    std::size_t value = 0;
     for (int i = 0; i < kTagCount; ++i) {
-        const std::string strTag(InfoOf(static_cast<TagId>(i)).name);
-        dictionary << "\"<" << strTag << ">\"\n\"</" << strTag << ">\"\n";
-        seeds.WriteMarkup(Tagged(strTag, "") + Tagged(strTag, " class=\"c\""),
+        const std::string tag(InfoOf(static_cast<TagId>(i)).name);
+        dictionary << "\"<" << tag << ">\"\n\"</" << tag << ">\"\n";
+        seeds.WriteMarkup(Tagged(tag, "") + Tagged(tag, " class=\"c\""),
                           ".c{padding:2px;color:red}");
-        std::string strAttributes;
+        std::string attributes;
         for (int j = 0; j < kAttributeCount; ++j) {
-            strAttributes.append(" ").append(NameOf(static_cast<AttributeId>(j)));
-            strAttributes += "=\"" + kValues[nValue++ % kValues.size()] + "\"";
+            attributes.append(" ").append(NameOf(static_cast<AttributeId>(j)));
+            attributes += "=\"" + kValues[value++ % kValues.size()] + "\"";
             if (j % 3 == 2 || j + 1 == kAttributeCount) {
-                seeds.WriteMarkup(Tagged(strTag, strAttributes));
-                strAttributes.clear();
+                seeds.WriteMarkup(Tagged(tag, attributes));
+                attributes.clear();
             }
         }
-        seeds.WriteMarkup(strTable + Tagged(strTag, "") + "</table>");
+        seeds.WriteMarkup(table + Tagged(tag, "") + "</table>");
     }
     for (int i = 0; i < kAttributeCount; ++i) {
         dictionary << "\" " << NameOf(static_cast<AttributeId>(i)) << "=\"\n";
     }
-    std::string strEntities;
+    std::string entities;
     for (int i = 0; i < kEntityCount; ++i) {
-        strEntities.append(EntityAt(i).name).append(" ");
+        entities.append(EntityAt(i).name).append(" ");
     }
-    seeds.WriteMarkup(strEntities);
+    seeds.WriteMarkup(entities);
     seeds.WriteMarkup("<a href=\"x\">y</a> <A HREF=x> <a href = 'x'> &lt;a href=x> <<a href=x>");
     seeds.WriteMarkup("a\nb\r\nc\td<!-- x --><!y><?z?> 3 < 4");
 }
 
-void WriteSheets(CSeeds& seeds, std::ostream& dictionary) {
+void WriteSheets(Seeds& seeds, std::ostream& dictionary) {
     seeds.Write("sheet", std::string(BuiltInStyleSheet()));
-    for (const std::string& strProperty : kProperties) {
-        dictionary << "\"" << strProperty << ":\"\n";
-        std::string strBlock;
-        for (const std::string& strValue : kValues) {
-            strBlock += strProperty + ":" + strValue + ";";
+    for (const std::string& property : kProperties) {
+        dictionary << "\"" << property << ":\"\n";
+        std::string block;
+        for (const std::string& value : kValues) {
+            block += property + ":" + value + ";";
         }
-        seeds.Write("sheet", "b, .c, a:link {" + strBlock + "}/* x */ h1{}");
-        seeds.WriteMarkup("<span class=c>x <b>y</b></span>", ".c{" + strBlock + "}");
+        seeds.Write("sheet", "b, .c, a:link {" + block + "}/* x */ h1{}");
+        seeds.WriteMarkup("<span class=c>x <b>y</b></span>", ".c{" + block + "}");
     }
 }
 
@@ -116,11 +116,11 @@ int main(int argc, char** argv) {
     const std::filesystem::path folder = argv[1];
     std::filesystem::create_directories(folder);
     std::ofstream dictionary(folder / "richtext.dict");
-    CSeeds seeds(folder);
+    Seeds seeds(folder);
     WriteTags(seeds, dictionary);
     WriteSheets(seeds, dictionary);
-    for (const std::string& strValue : kValues) {
-        seeds.Write("values", strValue);
+    for (const std::string& value : kValues) {
+        seeds.Write("values", value);
     }
     for (int i = 0; i < kColourNameCount; ++i) {
         seeds.Write("values", std::string(ColourName(i)));

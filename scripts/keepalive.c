@@ -12,7 +12,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR arguments, int 
     DWORD written = 0;
     WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), "up\n", 3, &written, NULL);
     MSG message;
-    while (GetMessageA(&message, NULL, 0, 0) > 0)
-        DispatchMessageA(&message);
+    while (GetMessageA(&message, NULL, 0, 0) > 0) {
+        DispatchMessageA(&message);}
     return 0;
 }

@@ -19,9 +19,9 @@ constexpr const char* kTagRules =
     "tbody {display:table-row-group}"
     "b {font-weight:bold} i {font-style:italic} u {text-decoration:underline}";
 
-class CFixedContainer final : public litehtml::document_container {
+class FixedContainer final : public litehtml::document_container {
 public:
-    virtual ~CFixedContainer() = default;
+    virtual ~FixedContainer() = default;
 
     litehtml::uint_ptr create_font(const char* /*pszFace*/, int nSize, int /*nWeight*/,
                                    litehtml::font_style /*italic*/, unsigned /*nDecoration*/,
@@ -80,10 +80,10 @@ private:
 };
 
 std::int32_t LayOut(litehtml::context& context, const std::string& strHtml) {
-    const std::string strSheet(mvp::richtext::BuiltInStyleSheet());
-    CFixedContainer container;
+    const std::string sheet(mvp::richtext::BuiltInStyleSheet());
+    FixedContainer container;
     litehtml::css rules;
-    rules.parse_stylesheet(strSheet.c_str(), nullptr, nullptr, nullptr);
+    rules.parse_stylesheet(sheet.c_str(), nullptr, nullptr, nullptr);
     rules.sort_selectors();
     const litehtml::document::ptr document =
         litehtml::document::createFromUTF8(strHtml.c_str(), &container, &context, &rules);

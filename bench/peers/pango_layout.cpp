@@ -28,9 +28,9 @@ int main() {
         pango_layout_set_width(layout.get(), mvp::bench::kPeerWidth * PANGO_SCALE);
         pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD);
         pango_layout_set_markup(layout.get(), strMarkup.data(), int(strMarkup.size()));
-        int nHeight = 0;
-        pango_layout_get_pixel_size(layout.get(), nullptr, &nHeight);
-        return nHeight;
+        int height = 0;
+        pango_layout_get_pixel_size(layout.get(), nullptr, &height);
+        return height;
     };
     mvp::bench::ComparePeer(
         {std::string("Pango ") + pango_version_string(), mvp::bench::ToPangoMarkup, layOut, false});

@@ -30,21 +30,21 @@ constexpr Replacement kPango[] = {
 
 template <std::size_t N>
 std::string Replaced(std::string_view text, const Replacement (&replacements)[N]) {
-    std::string strOut;
-    strOut.reserve(text.size() * 2);
+    std::string out;
+    out.reserve(text.size() * 2);
     while (!text.empty()) {
         const auto found =
             std::find_if(std::begin(replacements), std::end(replacements),
                          [&](const Replacement& one) { return text.starts_with(one.from); });
         if (found != std::end(replacements)) {
-            strOut += found->to;
+            out += found->to;
             text.remove_prefix(found->from.size());
         } else {
-            strOut += text.front();
+            out += text.front();
             text.remove_prefix(1);
         }
     }
-    return strOut;
+    return out;
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     const std::string_view sheet = mvp::richtext::BuiltInStyleSheet();
-    const QString strSheet =
+    const QString sheetText =
         QString::fromLatin1(sheet.data(), static_cast<qsizetype>(sheet.size()));
     QFont font;
     font.setPixelSize(mvp::bench::kPeerFontSize);
@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
         document.setUndoRedoEnabled(false);
         document.setDefaultFont(font);
         document.setDefaultTextOption(option);
-        document.setDefaultStyleSheet(strSheet);
+        document.setDefaultStyleSheet(sheetText);
         document.setHtml(QString::fromLatin1(strHtml.data(), qsizetype(strHtml.size())));
         document.setTextWidth(mvp::bench::kPeerWidth);
         return static_cast<std::int32_t>(document.size().height());

@@ -14,8 +14,9 @@ LONG WINAPI EndProcess(EXCEPTION_POINTERS* pException) {
     std::fprintf(stderr, "crashed: exception 0x%08lX at %p\n",
                  pException->ExceptionRecord->ExceptionCode,
                  pException->ExceptionRecord->ExceptionAddress);
-    if (g_pszLastWords != nullptr)
+    if (g_pszLastWords != nullptr) {
         std::puts(g_pszLastWords);
+    }
     std::fflush(nullptr);
     TerminateProcess(GetCurrentProcess(), g_nExitCode);
     return EXCEPTION_EXECUTE_HANDLER;

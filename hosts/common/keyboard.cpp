@@ -18,8 +18,8 @@ std::atomic<WORD> s_wMarkerScan = 0;
 
 // Kept for the life of the process: the hook may still be running when a wait is given up.
 HANDLE MarkerSeen() {
-    static const KernelHandle s_event(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-    return s_event.get();
+    static const KernelHandle event(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+    return event.get();
 }
 
 INPUT KeyInput(WORD vk, DWORD dwFlags) {
@@ -40,42 +40,47 @@ INPUT CharacterInput(wchar_t ch, DWORD dwFlags) {
 }
 
 void AddStroke(std::vector<INPUT>& inputs, WORD vk, const std::vector<WORD>& modifiers) {
-    for (const WORD modifier : modifiers)
+    for (const WORD modifier : modifiers) {
         inputs.push_back(KeyInput(modifier, 0));
+    }
     inputs.push_back(KeyInput(vk, 0));
     inputs.push_back(KeyInput(vk, KEYEVENTF_KEYUP));
-    for (const WORD modifier : std::vector<WORD>(modifiers.rbegin(), modifiers.rend()))
+    for (const WORD modifier : std::vector<WORD>(modifiers.rbegin(), modifiers.rend())) {
         inputs.push_back(KeyInput(modifier, KEYEVENTF_KEYUP));
+    }
 }
 
 void AddCharacter(std::vector<INPUT>& inputs, char ch) {
     wchar_t wide = 0;
-    if (MultiByteToWideChar(CP_ACP, 0, &ch, 1, &wide, 1) != 1)
+    if (MultiByteToWideChar(CP_ACP, 0, &ch, 1, &wide, 1) != 1) {
         return;
-    const int nKey = VkKeyScanW(wide);
-    const int nShiftState = (nKey >> 8) & 0xFF;
+    }
+    const int key = VkKeyScanW(wide);
+    const int shiftState = (key >> 8) & 0xFF;
     // Only what Shift alone reaches: Ctrl and Alt combinations differ between layouts' dead keys.
-    if (nKey == -1 || (nShiftState & ~1) != 0) {
+    if (key == -1 || (shiftState & ~1) != 0) {
         inputs.push_back(CharacterInput(wide, 0));
         inputs.push_back(CharacterInput(wide, KEYEVENTF_KEYUP));
         return;
     }
     std::vector<WORD> modifiers;
-    if (nShiftState != 0)
+    if (shiftState != 0) {
         modifiers.push_back(VK_SHIFT);
-    AddStroke(inputs, static_cast<WORD>(nKey & 0xFF), modifiers);
+    }
+    AddStroke(inputs, static_cast<WORD>(key & 0xFF), modifiers);
 }
 
 bool Send(std::vector<INPUT>& inputs) {
-    const auto nCount = static_cast<UINT>(inputs.size());
-    return nCount == 0 || SendInput(nCount, inputs.data(), sizeof(INPUT)) == nCount;
+    const auto count = static_cast<UINT>(inputs.size());
+    return count == 0 || SendInput(count, inputs.data(), sizeof(INPUT)) == count;
 }
 
 LRESULT CALLBACK OnMessageTaken(int nCode, WPARAM wParam, LPARAM lParam) {
-    const auto* pMessage = reinterpret_cast<const MSG*>(lParam);
-    if (nCode == HC_ACTION && wParam == PM_REMOVE && pMessage->message == WM_KEYUP &&
-        pMessage->wParam == kMarkerKey && ((pMessage->lParam >> 16) & 0xFF) == s_wMarkerScan)
+    const auto* message = reinterpret_cast<const MSG*>(lParam);
+    if (nCode == HC_ACTION && wParam == PM_REMOVE && message->message == WM_KEYUP &&
+        message->wParam == kMarkerKey && ((message->lParam >> 16) & 0xFF) == s_wMarkerScan) {
         SetEvent(MarkerSeen());
+    }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
 
@@ -96,11 +101,12 @@ bool SendKey(WORD vk, std::initializer_list<WORD> modifiers) {
 bool SendText(std::string_view text) {
     std::vector<INPUT> inputs;
     inputs.reserve(text.size() * 4);
-    for (const char ch : text)
+    for (const char ch : text) {
         AddCharacter(inputs, ch);
-    const bool bSent = Send(inputs);
+    }
+    const bool sent = Send(inputs);
     SecureZeroMemory(inputs.data(), inputs.size() * sizeof(INPUT));
-    return bSent;
+    return sent;
 }
 
 bool WaitForKeys(DWORD dwThreadId, std::chrono::milliseconds timeout) {
@@ -110,8 +116,9 @@ bool WaitForKeys(DWORD dwThreadId, std::chrono::milliseconds timeout) {
         SetWindowsHookExA(WH_GETMESSAGE, OnMessageTaken, nullptr, dwThreadId));
     INPUT marker = KeyInput(kMarkerKey, KEYEVENTF_KEYUP);
     marker.ki.wScan = s_wMarkerScan;
-    if (!hook || SendInput(1, &marker, sizeof marker) != 1)
+    if (!hook || SendInput(1, &marker, sizeof marker) != 1) {
         return false;
+    }
     return WaitForSingleObject(MarkerSeen(), static_cast<DWORD>(timeout.count())) == WAIT_OBJECT_0;
 }
 

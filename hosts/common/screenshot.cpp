@@ -27,8 +27,9 @@ public:
     ComScope(const ComScope&) = delete;
     ComScope& operator=(const ComScope&) = delete;
     ~ComScope() {
-        if (SUCCEEDED(m_hr))
+        if (SUCCEEDED(m_hr)) {
             CoUninitialize();
+        }
     }
 
 private:
@@ -68,8 +69,9 @@ bool ReadPixels(HDC hDC, HBITMAP hBitmap, Pixels& pixels, std::string& strError)
     info.bmiHeader.biCompression = BI_RGB;
     pixels.bgr.resize(pixels.Stride() * static_cast<size_t>(pixels.height));
     if (GetDIBits(hDC, hBitmap, 0, static_cast<UINT>(pixels.height), pixels.bgr.data(), &info,
-                  DIB_RGB_COLORS) != pixels.height)
+                  DIB_RGB_COLORS) != pixels.height) {
         return Fail(strError, "the picture's pixels could not be read", GetLastError());
+    }
     return true;
 }
 
@@ -79,14 +81,16 @@ bool Capture(const RECT& rect, Pixels& pixels, std::string& strError) {
     const WindowDc screen(nullptr);
     const MemoryDc memory(CreateCompatibleDC(screen.get()));
     const Bitmap bitmap(CreateCompatibleBitmap(screen.get(), pixels.width, pixels.height));
-    if (!memory || !bitmap)
+    if (!memory || !bitmap) {
         return Fail(strError, "no bitmap for the picture", GetLastError());
+    }
     {
         const DcSelection selection(memory.get(), bitmap.get());
         // CAPTUREBLT: layered windows belong to what the user sees.
         if (!BitBlt(memory.get(), 0, 0, pixels.width, pixels.height, screen.get(), rect.left,
-                    rect.top, SRCCOPY | CAPTUREBLT))
+                    rect.top, SRCCOPY | CAPTUREBLT)) {
             return Fail(strError, "the screen could not be read", GetLastError());
+        }
     }
     return ReadPixels(memory.get(), bitmap.get(), pixels, strError);
 }
@@ -96,46 +100,54 @@ bool Capture(const RECT& rect, Pixels& pixels, std::string& strError) {
 bool CaptureAtRest(const RECT& rect, Pixels& pixels, std::string& strError) {
     constexpr DWORD kPauseMs = 50;
     constexpr int kTries = 20;
-    if (!Capture(rect, pixels, strError))
+    if (!Capture(rect, pixels, strError)) {
         return false;
+    }
     for (int i = 0; i < kTries; ++i) {
         Sleep(kPauseMs);
         Pixels next;
-        if (!Capture(rect, next, strError))
+        if (!Capture(rect, next, strError)) {
             return false;
-        const bool bAtRest = next.bgr == pixels.bgr;
+        }
+        const bool atRest = next.bgr == pixels.bgr;
         pixels = std::move(next);
-        if (bAtRest)
+        if (atRest) {
             break;
+        }
     }
     return true;
 }
 
 std::wstring Widen(const std::string& str) {
-    const int nSize = static_cast<int>(str.size());
+    const int size = static_cast<int>(str.size());
     std::wstring wide(str.size(), L'\0');
-    const int nLength = MultiByteToWideChar(CP_ACP, 0, str.data(), nSize, wide.data(),
-                                            static_cast<int>(wide.size()));
-    wide.resize(static_cast<size_t>(nLength));
+    const int length = MultiByteToWideChar(CP_ACP, 0, str.data(), size, wide.data(),
+                                           static_cast<int>(wide.size()));
+    wide.resize(static_cast<size_t>(length));
     return wide;
 }
 
 HRESULT WriteFrame(IWICBitmapEncoder* pEncoder, Pixels& pixels) {
     ComPointer<IWICBitmapFrameEncode> frame;
     HRESULT hr = pEncoder->CreateNewFrame(frame.put(), nullptr);
-    if (SUCCEEDED(hr))
+    if (SUCCEEDED(hr)) {
         hr = frame.get()->Initialize(nullptr);
-    if (SUCCEEDED(hr))
+    }
+    if (SUCCEEDED(hr)) {
         hr =
             frame.get()->SetSize(static_cast<UINT>(pixels.width), static_cast<UINT>(pixels.height));
+    }
     WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
-    if (SUCCEEDED(hr))
+    if (SUCCEEDED(hr)) {
         hr = frame.get()->SetPixelFormat(&format);
-    if (SUCCEEDED(hr) && !IsEqualGUID(format, GUID_WICPixelFormat24bppBGR))
+    }
+    if (SUCCEEDED(hr) && !IsEqualGUID(format, GUID_WICPixelFormat24bppBGR)) {
         hr = WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
-    if (SUCCEEDED(hr))
+    }
+    if (SUCCEEDED(hr)) {
         hr = frame.get()->WritePixels(static_cast<UINT>(pixels.height), pixels.Stride(),
                                       static_cast<UINT>(pixels.bgr.size()), pixels.bgr.data());
+    }
     return SUCCEEDED(hr) ? frame.get()->Commit() : hr;
 }
 
@@ -145,32 +157,40 @@ HRESULT Encode(Pixels& pixels, const std::wstring& strFile) {
         CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
                          __uuidof(IWICImagingFactory), reinterpret_cast<void**>(factory.put()));
     ComPointer<IWICStream> stream;
-    if (SUCCEEDED(hr))
+    if (SUCCEEDED(hr)) {
         hr = factory.get()->CreateStream(stream.put());
-    if (SUCCEEDED(hr))
+    }
+    if (SUCCEEDED(hr)) {
         hr = stream.get()->InitializeFromFilename(strFile.c_str(), GENERIC_WRITE);
-    if (FAILED(hr))
+    }
+    if (FAILED(hr)) {
         return hr;
+    }
     ComPointer<IWICBitmapEncoder> encoder;
     hr = factory.get()->CreateEncoder(GUID_ContainerFormatPng, nullptr, encoder.put());
-    if (SUCCEEDED(hr))
+    if (SUCCEEDED(hr)) {
         hr = encoder.get()->Initialize(stream.get(), WICBitmapEncoderNoCache);
-    if (SUCCEEDED(hr))
+    }
+    if (SUCCEEDED(hr)) {
         hr = WriteFrame(encoder.get(), pixels);
-    if (SUCCEEDED(hr))
+    }
+    if (SUCCEEDED(hr)) {
         hr = encoder.get()->Commit();
+    }
     encoder.reset();
     stream.reset();
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         DeleteFileW(strFile.c_str());
+    }
     return hr;
 }
 
 bool Write(Pixels& pixels, const std::string& strFile, std::string& strError) {
     const ComScope com;
     const HRESULT hr = Encode(pixels, Widen(strFile));
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return Fail(strError, "the picture could not be written", static_cast<unsigned long>(hr));
+    }
     return true;
 }
 
@@ -179,16 +199,18 @@ bool Write(Pixels& pixels, const std::string& strFile, std::string& strError) {
 bool SaveScreenPng(const RECT& rect, const std::string& strFile, std::string& strError) {
     const RECT screen = ScreenRect();
     RECT part = {};
-    if (!IntersectRect(&part, &rect, &screen))
+    if (!IntersectRect(&part, &rect, &screen)) {
         return Fail(strError, "nothing of it lies on the screen", 0);
+    }
     Pixels pixels;
     return CaptureAtRest(part, pixels, strError) && Write(pixels, strFile, strError);
 }
 
 bool SaveBitmapPng(HBITMAP hBitmap, const std::string& strFile, std::string& strError) {
     BITMAP bitmap = {};
-    if (GetObjectA(hBitmap, sizeof bitmap, &bitmap) != sizeof bitmap)
+    if (GetObjectA(hBitmap, sizeof bitmap, &bitmap) != sizeof bitmap) {
         return Fail(strError, "no such bitmap", GetLastError());
+    }
     Pixels pixels;
     pixels.width = bitmap.bmWidth;
     pixels.height = bitmap.bmHeight;
@@ -198,8 +220,9 @@ bool SaveBitmapPng(HBITMAP hBitmap, const std::string& strFile, std::string& str
 
 bool SaveWindowPng(HWND hWnd, const std::string& strFile, std::string& strError) {
     RECT rect = {};
-    if (!GetWindowRect(hWnd, &rect))
+    if (!GetWindowRect(hWnd, &rect)) {
         return Fail(strError, "no such window", GetLastError());
+    }
     return SaveScreenPng(rect, strFile, strError);
 }
 

@@ -6,8 +6,9 @@ namespace mvp {
 namespace {
 
 BOOL CALLBACK CollectVisible(HWND hWnd, LPARAM lParam) {
-    if (IsWindowVisible(hWnd))
+    if (IsWindowVisible(hWnd)) {
         reinterpret_cast<std::vector<HWND>*>(lParam)->push_back(hWnd);
+    }
     return TRUE;
 }
 

@@ -12,8 +12,9 @@ template <class Condition>
 bool WaitFor(std::chrono::milliseconds timeout, Condition&& condition) {
     const auto end = std::chrono::steady_clock::now() + timeout;
     while (!condition()) {
-        if (std::chrono::steady_clock::now() >= end)
+        if (std::chrono::steady_clock::now() >= end) {
             return false;
+        }
         Sleep(2);
     }
     return true;

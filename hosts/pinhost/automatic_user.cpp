@@ -33,29 +33,32 @@ struct DialogGone {};
 
 template <class Condition>
 void Await(const char* pszWhat, Condition&& condition) {
-    if (!mvp::WaitFor(kDeadline, condition))
+    if (!mvp::WaitFor(kDeadline, condition)) {
         throw Failure(std::string("the automatic user waited in vain: ") + pszWhat);
+    }
 }
 
 template <class Condition>
 void AwaitWhileOpen(HWND hDialog, const char* pszWhat, Condition&& condition) {
     Await(pszWhat, [&] { return mvp::IsGone(hDialog) || condition(); });
-    if (mvp::IsGone(hDialog))
+    if (mvp::IsGone(hDialog)) {
         throw DialogGone();
+    }
 }
 
 BOOL CALLBACK FindEditProc(HWND hWnd, LPARAM lParam) {
     if (lstrcmpiA(mvp::ClassOf(hWnd).c_str(), "EDIT") != 0 || !IsWindowVisible(hWnd) ||
-        !IsWindowEnabled(hWnd))
+        !IsWindowEnabled(hWnd)) {
         return TRUE;
+    }
     *reinterpret_cast<HWND*>(lParam) = hWnd;
     return FALSE;
 }
 
 // Answered when the dialog's initialisation is over.
 bool Answers(HWND hDialog) {
-    DWORD_PTR dwResult = 0;
-    return SendMessageTimeoutA(hDialog, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 1000, &dwResult) != 0;
+    DWORD_PTR result = 0;
+    return SendMessageTimeoutA(hDialog, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 1000, &result) != 0;
 }
 
 HWND FocusOf(DWORD dwThreadId) {
@@ -65,24 +68,25 @@ HWND FocusOf(DWORD dwThreadId) {
 }
 
 void AwaitForeground(HWND hDialog) {
-    if (GetForegroundWindow() != hDialog)
+    if (GetForegroundWindow() != hDialog) {
         SetForegroundWindow(hDialog);
+    }
     AwaitWhileOpen(hDialog, "the dialog did not come to the foreground",
                    [hDialog] { return GetForegroundWindow() == hDialog; });
 }
 
 void AwaitKeys(HWND hDialog) {
-    const DWORD dwThreadId = GetWindowThreadProcessId(hDialog, nullptr);
+    const DWORD threadId = GetWindowThreadProcessId(hDialog, nullptr);
     AwaitWhileOpen(hDialog, "the dialog did not take the typed keys",
-                   [&] { return mvp::WaitForKeys(dwThreadId, 200ms); });
+                   [&] { return mvp::WaitForKeys(threadId, 200ms); });
 }
 
 }  // namespace
 
 HWND FindEdit(HWND hDialog) {
-    HWND hEdit = nullptr;
-    EnumChildWindows(hDialog, FindEditProc, reinterpret_cast<LPARAM>(&hEdit));
-    return hEdit;
+    HWND edit = nullptr;
+    EnumChildWindows(hDialog, FindEditProc, reinterpret_cast<LPARAM>(&edit));
+    return edit;
 }
 
 void AddPlanOptions(CLI::App& command, UserPlan& plan) {
@@ -90,7 +94,7 @@ void AddPlanOptions(CLI::App& command, UserPlan& plan) {
         .add_option_function<std::string>(
             "--press",
             [&plan](const std::string& strPress) {
-                plan.press = strPress == "ok" ? Press::kOk : Press::kCancel;
+                plan.press = strPress == "ok" ? Press::Ok : Press::Cancel;
             },
             "after typing, press ok or cancel")
         ->check(OneOf({"ok", "cancel"}))
@@ -103,14 +107,16 @@ void AddPlanOptions(CLI::App& command, UserPlan& plan) {
 
 AutomaticUser::AutomaticUser(UserPlan plan, DWORD dwUiThreadId)
     : m_plan(std::move(plan)), m_dwUiThreadId(dwUiThreadId) {
-    if (!m_plan.IsEmpty())
+    if (!m_plan.IsEmpty()) {
         m_thread = std::jthread([this](const std::stop_token& stop) { Main(stop); });
+    }
 }
 
 void AutomaticUser::Finish() {
     m_thread = {};  // asks it to stop, and waits
-    if (!m_strFailure.empty())
+    if (!m_strFailure.empty()) {
         throw EnvironmentError(m_strFailure);
+    }
 }
 
 void AutomaticUser::Main(const std::stop_token& stop) noexcept {
@@ -130,93 +136,109 @@ void AutomaticUser::Main(const std::stop_token& stop) noexcept {
 }
 
 void AutomaticUser::ServeDialogs(const std::stop_token& stop) {
-    HWND hDialog = WaitForDialog(stop, nullptr);
-    while (hDialog != nullptr && m_plan.bNeedsEdit && FindEdit(hDialog) == nullptr) {
-        Answer(hDialog, Press::kOk);
-        hDialog = WaitForDialog(stop, hDialog);
+    HWND dialog = WaitForDialog(stop, nullptr);
+    while (dialog != nullptr && m_plan.bNeedsEdit && FindEdit(dialog) == nullptr) {
+        Answer(dialog, Press::Ok);
+        dialog = WaitForDialog(stop, dialog);
     }
-    if (hDialog != nullptr)
-        Serve(hDialog);
+    if (dialog != nullptr) {
+        Serve(dialog);
+    }
 }
 
 // Null when the library returns without opening one.
 HWND AutomaticUser::WaitForDialog(const std::stop_token& stop, HWND hAfter) const {
-    HWND hFound = nullptr;
+    HWND found = nullptr;
     Await("no dialog was opened", [&] {
-        for (HWND hWnd : mvp::VisibleWindows(m_dwUiThreadId))
-            if (hWnd != hAfter && mvp::IsDialog(hWnd) && IsWindowEnabled(hWnd) && Answers(hWnd))
-                hFound = hWnd;
-        return hFound != nullptr || stop.stop_requested();
+        for (HWND window : mvp::VisibleWindows(m_dwUiThreadId)) {
+            if (window != hAfter && mvp::IsDialog(window) && IsWindowEnabled(window) &&
+                Answers(window)) {
+                found = window;
+            }
+        }
+        return found != nullptr || stop.stop_requested();
     });
-    return hFound;
+    return found;
 }
 
 void AutomaticUser::Type(HWND hDialog) const {
     AwaitForeground(hDialog);
-    HWND hBefore = nullptr;
-    for (const std::string& strText : m_plan.typed) {
-        if (hBefore != nullptr)
+    HWND before = nullptr;
+    for (const std::string& text : m_plan.typed) {
+        if (before != nullptr) {
             mvp::SendKey(VK_TAB);
+        }
         AwaitWhileOpen(hDialog, "no edit got the focus", [&] {
-            const HWND hFocus = FocusOf(m_dwUiThreadId);
-            if (hFocus == hBefore || lstrcmpiA(mvp::ClassOf(hFocus).c_str(), "EDIT") != 0)
+            const HWND focus = FocusOf(m_dwUiThreadId);
+            if (focus == before || lstrcmpiA(mvp::ClassOf(focus).c_str(), "EDIT") != 0) {
                 return false;
-            hBefore = hFocus;
+            }
+            before = focus;
             return true;
         });
-        if (!mvp::SendText(strText))
+        if (!mvp::SendText(text)) {
             throw Failure("the system refused the typed keys");
+        }
         AwaitKeys(hDialog);
     }
 }
 
 void AutomaticUser::Serve(HWND hDialog) {
-    if (!m_plan.typed.empty())
+    if (!m_plan.typed.empty()) {
         Type(hDialog);
+    }
     if (!m_plan.strScreenshot.empty()) {
         AwaitForeground(hDialog);
-        std::string strError;
-        const bool bSaved = mvp::SaveWindowPng(hDialog, m_plan.strScreenshot, strError);
-        if (!bSaved && mvp::IsGone(hDialog))
+        std::string error;
+        const bool saved = mvp::SaveWindowPng(hDialog, m_plan.strScreenshot, error);
+        if (!saved && mvp::IsGone(hDialog)) {
             throw DialogGone();
-        if (!bSaved)
-            throw Failure("no screenshot " + Utf8FromAnsi(m_plan.strScreenshot) + ": " + strError);
+        }
+        if (!saved) {
+            throw Failure("no screenshot " + Utf8FromAnsi(m_plan.strScreenshot) + ": " + error);
+        }
     }
     Press press = m_plan.press;
     const auto isOkEnabled = [hDialog] { return IsWindowEnabled(GetDlgItem(hDialog, IDOK)); };
-    if (press == Press::kOk && !mvp::WaitFor(kOkDeadline, isOkEnabled) && !mvp::IsGone(hDialog)) {
+    if (press == Press::Ok && !mvp::WaitFor(kOkDeadline, isOkEnabled) && !mvp::IsGone(hDialog)) {
         m_strRemark = "OK stayed disabled, so the dialog was cancelled";
-        press = Press::kCancel;
+        press = Press::Cancel;
     }
-    if (press != Press::kNothing)
+    if (press != Press::Nothing) {
         Answer(hDialog, press);
+    }
 }
 
 void AutomaticUser::Answer(HWND hDialog, Press press) const {
     AwaitForeground(hDialog);
-    if (press == Press::kOk && FindEdit(hDialog) == nullptr)
+    if (press == Press::Ok && FindEdit(hDialog) == nullptr) {
         // Of a dialog's buttons Enter presses the one with the focus, wherever it begins.
         AwaitWhileOpen(hDialog, "OK did not get the focus", [&] {
-            if (FocusOf(m_dwUiThreadId) == GetDlgItem(hDialog, IDOK))
+            if (FocusOf(m_dwUiThreadId) == GetDlgItem(hDialog, IDOK)) {
                 return true;
+            }
             mvp::SendKey(VK_TAB);
             AwaitKeys(hDialog);
             return false;
         });
-    mvp::SendKey(press == Press::kOk ? VK_RETURN : VK_ESCAPE);
+    }
+    mvp::SendKey(press == Press::Ok ? VK_RETURN : VK_ESCAPE);
     Await("the dialog stayed open", [hDialog] { return mvp::IsGone(hDialog); });
 }
 
 void AutomaticUser::CancelUntil(const std::stop_token& stop) const {
-    const bool bStopped = mvp::WaitFor(kCancelDeadline, [&] {
-        for (HWND hWnd : mvp::VisibleWindows(m_dwUiThreadId))
-            if (mvp::IsDialog(hWnd))
-                PostMessageA(hWnd, WM_COMMAND, IDCANCEL, 0);
+    const bool stopped = mvp::WaitFor(kCancelDeadline, [&] {
+        for (HWND window : mvp::VisibleWindows(m_dwUiThreadId)) {
+            if (mvp::IsDialog(window)) {
+                PostMessageA(window, WM_COMMAND, IDCANCEL, 0);
+            }
+        }
         Sleep(50);
         return stop.stop_requested();
     });
-    if (!bStopped)
+    if (!stopped) {
         EndNow((m_strFailure + "; a dialog cannot be cancelled").c_str());
+    }
 }
 
 }  // namespace pinhost

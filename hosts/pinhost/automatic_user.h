@@ -19,18 +19,18 @@
 
 namespace pinhost {
 
-enum class Press { kNothing, kOk, kCancel };
+enum class Press { Nothing, Ok, Cancel };
 
 struct UserPlan {
     // The first text goes where the dialog puts the focus, each other one to the next edit (Tab).
     std::vector<std::string> typed;
-    Press press = Press::kNothing;
+    Press press = Press::Nothing;
     std::string strScreenshot;  // a PNG file; taken after typing, before pressing. Empty: none
     // The dialog meant is one with an edit; one without that opens before it is accepted.
     bool bNeedsEdit = false;
 
     bool IsEmpty() const {
-        return typed.empty() && press == Press::kNothing && strScreenshot.empty();
+        return typed.empty() && press == Press::Nothing && strScreenshot.empty();
     }
 };
 

@@ -16,8 +16,8 @@ constexpr std::size_t kMaxReaderLength = 127;
 constexpr std::uint32_t kMaxTries = 255;
 
 [[noreturn]] void Refuse(const char* pszField, const char* pszFault) {
-    std::string strText(1, '"');
-    throw CardFileError(strText.append(pszField).append("\" ").append(pszFault));
+    std::string text(1, '"');
+    throw CardFileError(text.append(pszField).append("\" ").append(pszFault));
 }
 
 // Text holds PINs: the document is overwritten when it goes.
@@ -27,9 +27,11 @@ public:
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
     ~Document() {
-        for (Json& value : m_json)
-            if (auto* pText = value.get_ptr<std::string*>())
-                Wipe(pText->data(), pText->size());
+        for (Json& value : m_json) {
+            if (auto* text = value.get_ptr<std::string*>()) {
+                Wipe(text->data(), text->size());
+            }
+        }
     }
     const Json& Root() const { return m_json; }
 
@@ -39,81 +41,93 @@ private:
 
 const Json& Field(const Json& object, const char* pszField) {
     const auto it = object.find(pszField);
-    if (it == object.end())
+    if (it == object.end()) {
         Refuse(pszField, "is missing");
+    }
     return *it;
 }
 
 const std::string& TextField(const Json& object, const char* pszField) {
     const Json& value = Field(object, pszField);
-    if (!value.is_string())
+    if (!value.is_string()) {
         Refuse(pszField, "is not a text");
+    }
     return value.get_ref<const std::string&>();
 }
 
 std::uint32_t NumberField(const Json& object, const char* pszField, std::uint32_t nMax) {
     const Json& value = Field(object, pszField);
-    if (!value.is_number_unsigned())
+    if (!value.is_number_unsigned()) {
         Refuse(pszField, "is not a whole number");
-    const auto nValue = value.get<std::uint64_t>();
-    if (nValue > nMax)
+    }
+    const auto number = value.get<std::uint64_t>();
+    if (number > nMax) {
         Refuse(pszField, "is too large");
-    return static_cast<std::uint32_t>(nValue);
+    }
+    return static_cast<std::uint32_t>(number);
 }
 
 bool FlagField(const Json& object, const char* pszField) {
     const Json& value = Field(object, pszField);
-    if (!value.is_boolean())
+    if (!value.is_boolean()) {
         Refuse(pszField, "is neither true nor false");
+    }
     return value.get<bool>();
 }
 
 std::string ReaderField(const Json& object) {
-    const std::string& strReader = TextField(object, "reader");
-    if (strReader.size() > kMaxReaderLength)
+    const std::string& reader = TextField(object, "reader");
+    if (reader.size() > kMaxReaderLength) {
         Refuse("reader", "is too long");
-    if (std::any_of(strReader.begin(), strReader.end(),
-                    [](char ch) { return static_cast<unsigned char>(ch) < 0x20; }))
+    }
+    if (std::any_of(reader.begin(), reader.end(),
+                    [](char ch) { return static_cast<unsigned char>(ch) < 0x20; })) {
         Refuse("reader", "has control characters");
-    return strReader;
+    }
+    return reader;
 }
 
 // The text is valid UTF-8: the parser has seen to it.
 Secret SecretField(const Json& object, const char* pszField) {
-    const std::string& strText = TextField(object, pszField);
+    const std::string& text = TextField(object, pszField);
     Secret secret;
-    secret.reserve(strText.size());
-    for (std::size_t i = 0; i < strText.size(); ++i) {
-        const auto nByte = static_cast<unsigned char>(strText[i]);
-        if (nByte >= 0xC4)
+    secret.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte >= 0xC4) {
             Refuse(pszField, "has a character beyond U+00FF");
-        if (nByte < 0x80)
-            secret.push_back(strText[i]);
-        else
-            secret.push_back(static_cast<char>(((nByte & 0x03) << 6) |
-                                               (static_cast<unsigned char>(strText[++i]) & 0x3F)));
+        }
+        if (byte < 0x80) {
+            secret.push_back(text[i]);
+        } else {
+            secret.push_back(static_cast<char>(((byte & 0x03) << 6) |
+                                               (static_cast<unsigned char>(text[++i]) & 0x3F)));
+        }
     }
-    if (secret.empty() || secret.size() > kMaxSecretLength)
+    if (secret.empty() || secret.size() > kMaxSecretLength) {
         Refuse(pszField, "is empty or too long");
+    }
     return secret;
 }
 
 std::string SecretText(const Secret& secret) {
-    std::string strText;
-    strText.reserve(secret.size() * 2);
+    std::string text;
+    text.reserve(secret.size() * 2);
     for (const char ch : secret) {
-        const auto nByte = static_cast<unsigned char>(ch);
-        if (nByte >= 0x80)
-            strText.push_back(static_cast<char>(0xC0 | (nByte >> 6)));
-        strText.push_back(nByte < 0x80 ? ch : static_cast<char>(0x80 | (nByte & 0x3F)));
+        const auto byte = static_cast<unsigned char>(ch);
+        if (byte >= 0x80) {
+            text.push_back(static_cast<char>(0xC0 | (byte >> 6)));
+        }
+        text.push_back(byte < 0x80 ? ch : static_cast<char>(0x80 | (byte & 0x3F)));
     }
-    return strText;
+    return text;
 }
 
 CardPolicy PolicyField(const Json& object) {
     const Json& value = Field(object, "policy");
-    if (!value.is_object())
+    if (!value.is_object()) {
         Refuse("policy", "is not an object");
+    }
     constexpr auto kAny = std::numeric_limits<std::uint32_t>::max();
     CardPolicy policy;
     policy.dwMinPinLength = NumberField(value, "minLength", kAny);
@@ -121,14 +135,16 @@ CardPolicy PolicyField(const Json& object) {
     policy.bPreventAlphaPin = FlagField(value, "digitsOnly");
     policy.bPreventWeakPin = FlagField(value, "notWeak");
     policy.bPreventSamePin = FlagField(value, "notSame");
-    if (policy.dwMinPinLength > policy.dwMaxPinLength)
+    if (policy.dwMinPinLength > policy.dwMaxPinLength) {
         Refuse("minLength", "is greater than \"maxLength\"");
+    }
     return policy;
 }
 
 SoftwareCard CardOf(const Json& root) {
-    if (!root.is_object())
+    if (!root.is_object()) {
         throw CardFileError("it is not a JSON object");
+    }
     SoftwareCard card;
     card.strReader = ReaderField(root);
     card.pin = SecretField(root, "pin");
@@ -136,16 +152,18 @@ SoftwareCard CardOf(const Json& root) {
     card.nMaxTries = NumberField(root, "maxTries", kMaxTries);
     card.nTriesLeft = NumberField(root, "triesLeft", kMaxTries);
     card.policy = PolicyField(root);
-    if (card.nMaxTries == 0)
+    if (card.nMaxTries == 0) {
         Refuse("maxTries", "is 0");
-    if (card.nTriesLeft > card.nMaxTries)
+    }
+    if (card.nTriesLeft > card.nMaxTries) {
         Refuse("triesLeft", "is greater than \"maxTries\"");
+    }
     return card;
 }
 
 [[noreturn]] void RefuseFile(const std::filesystem::path& file, const std::string& strFault) {
-    const std::u8string strFile = file.u8string();
-    throw CardFileError("card file " + std::string(strFile.begin(), strFile.end()) + ": " +
+    const std::u8string fileName = file.u8string();
+    throw CardFileError("card file " + std::string(fileName.begin(), fileName.end()) + ": " +
                         strFault);
 }
 
@@ -169,8 +187,9 @@ Secret ReadAll(std::istream& stream) {
 }  // namespace
 
 SoftwareCard ParseCard(std::string_view text) {
-    if (text.size() > kMaxFileSize)
+    if (text.size() > kMaxFileSize) {
         throw CardFileError("it is too large");
+    }
     try {
         const Document document(Json::parse(text));
         return CardOf(document.Root());
@@ -194,23 +213,26 @@ Secret FormatCard(const SoftwareCard& card) {
           {"notWeak", card.policy.bPreventWeakPin},
           {"notSame", card.policy.bPreventSamePin}}},
     });
-    std::string strText = document.Root().dump(2);
-    strText += '\n';
-    Secret text(strText.begin(), strText.end());
-    Wipe(strText.data(), strText.size());
+    std::string content = document.Root().dump(2);
+    content += '\n';
+    Secret text(content.begin(), content.end());
+    Wipe(content.data(), content.size());
     return text;
 }
 
 SoftwareCard ReadCard(const std::filesystem::path& file) {
     std::error_code error;
-    if (!std::filesystem::exists(file, error) && !error)
+    if (!std::filesystem::exists(file, error) && !error) {
         return {};
+    }
     auto stream = OpenUnbuffered<std::ifstream>(file, std::ios::in);
-    if (!stream)
+    if (!stream) {
         RefuseFile(file, "it cannot be opened");
+    }
     const Secret text = ReadAll(stream);
-    if (stream.bad() || (text.empty() && !stream.eof()))
+    if (stream.bad() || (text.empty() && !stream.eof())) {
         RefuseFile(file, "it cannot be read");
+    }
     try {
         return ParseCard({text.data(), text.size()});
     } catch (const CardFileError& fault) {
@@ -226,8 +248,9 @@ void WriteCard(const std::filesystem::path& file, const SoftwareCard& card) {
         auto stream = OpenUnbuffered<std::ofstream>(fresh, std::ios::out | std::ios::trunc);
         stream.write(text.data(), static_cast<std::streamsize>(text.size()));
         stream.close();
-        if (!stream)
+        if (!stream) {
             RefuseFile(file, "it cannot be written");
+        }
     }
     std::error_code error;
     std::filesystem::rename(fresh, file, error);

@@ -47,10 +47,12 @@ void CardRemover::PullCard(const std::stop_token& stop) {
     };
     mvp::WaitFor(kForever, [&] { return stop.stop_requested() || isDialogOpen(); });
     mvp::WaitFor(m_delay, [&] { return stop.stop_requested(); });
-    if (stop.stop_requested())
+    if (stop.stop_requested()) {
         return;
-    if (m_pRaiseEvent(kCardRemovedEvent, m_strReader.c_str()) != 0)
+    }
+    if (m_pRaiseEvent(kCardRemovedEvent, m_strReader.c_str()) != 0) {
         throw EnvironmentError("the event was refused");
+    }
     m_bRemoved = true;
 }
 

@@ -14,11 +14,11 @@ namespace pinhost {
 
 // What the process ends with.
 enum class ExitCode {
-    kAccepted = 0,     // accepted, confirmed, shown
-    kNotAccepted = 1,  // wrong, blocked, cancelled, refused
-    kUsage = 2,        // the command line is wrong
-    kEnvironment = 3,  // a library, a file, the display: the flow could not be run
-    kCrashed = 4,
+    Accepted = 0,     // accepted, confirmed, shown
+    NotAccepted = 1,  // wrong, blocked, cancelled, refused
+    Usage = 2,        // the command line is wrong
+    Environment = 3,  // a library, a file, the display: the flow could not be run
+    Crashed = 4,
 };
 
 // The command line asks for what does not fit together.
@@ -42,7 +42,7 @@ struct HostOptions {
 
 // What came of a command, for people and for programs. docs/pinhost.md lists the words of "result".
 struct Outcome {
-    ExitCode code = ExitCode::kAccepted;
+    ExitCode code = ExitCode::Accepted;
     std::string strText;
     nlohmann::ordered_json json;
 };

@@ -26,9 +26,9 @@ std::string Object(const Json& members) {
 }
 
 void PrepareForCrash() {
-    mvp::EndWithCodeOnCrash(static_cast<unsigned>(ExitCode::kCrashed));
+    mvp::EndWithCodeOnCrash(static_cast<unsigned>(ExitCode::Crashed));
     g_strCrashWords = Object({{"result", "crashed"}});
-    mvp::EndWithCodeOnCrash(static_cast<unsigned>(ExitCode::kCrashed), g_strCrashWords.c_str());
+    mvp::EndWithCodeOnCrash(static_cast<unsigned>(ExitCode::Crashed), g_strCrashWords.c_str());
 }
 
 }  // namespace
@@ -40,8 +40,9 @@ void EndInJson() {
 
 void EndAs(const std::string& strCommand) {
     g_command = strCommand;
-    if (g_bJson)
+    if (g_bJson) {
         PrepareForCrash();
+    }
 }
 
 ExitCode TellOutcome(const Outcome& outcome) {
@@ -51,18 +52,19 @@ ExitCode TellOutcome(const Outcome& outcome) {
 
 ExitCode TellFailure(ExitCode code, const std::string& strMessage) {
     std::cerr << "pinhost: " << strMessage << std::endl;
-    if (g_bJson)
-        std::cout << Object({{"result", code == ExitCode::kUsage ? "usage" : "failed"},
+    if (g_bJson) {
+        std::cout << Object({{"result", code == ExitCode::Usage ? "usage" : "failed"},
                              {"message", strMessage}})
                   << std::endl;
+    }
     return code;
 }
 
 void EndNow(const char* pszMessage) noexcept {
-    mvp::Guarded([=] { TellFailure(ExitCode::kEnvironment, pszMessage); },
+    mvp::Guarded([=] { TellFailure(ExitCode::Environment, pszMessage); },
                  [=] { std::fprintf(stderr, "pinhost: %s\n", pszMessage); });
     // Nothing that runs at an orderly end could be relied on.
-    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::kEnvironment));
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::Environment));
     std::abort();
 }
 

@@ -46,36 +46,38 @@ void AddHostOptions(CLI::App& app, HostOptions& options) {
     app.add_flag("--json")->description("print the result as one JSON object, whatever it is");
     app.add_option("--language", options.strLanguage,
                    "language of the library's texts, such as en or fr");
-    auto* pLog = app.add_option("--log", options.strLogFile, "write the suite's log to this file");
+    auto* log = app.add_option("--log", options.strLogFile, "write the suite's log to this file");
     app.add_flag("--log-detail", options.bLogDetail, "log the details as well: they can show PINs")
-        ->needs(pLog);
+        ->needs(log);
 }
 
 using Commands = std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>>;
 
 Commands AddCommands(CLI::App& app) {
     Commands commands;
-    for (auto* pMake : {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand,
-                        MakeChangePinCommand, MakeRichTextCommand}) {
-        auto pCommand = pMake();
-        CLI::App* pAdded = pCommand->AddTo(app);
-        commands.emplace_back(pAdded, std::move(pCommand));
+    for (auto* make : {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand,
+                       MakeChangePinCommand, MakeRichTextCommand}) {
+        auto command = make();
+        CLI::App* added = command->AddTo(app);
+        commands.emplace_back(added, std::move(command));
     }
     return commands;
 }
 
 std::string NamesOf(const Commands& commands) {
-    std::string strNames;
-    for (const auto& command : commands)
-        strNames.append(strNames.empty() ? "" : ", ").append(command.first->get_name());
-    return strNames;
+    std::string names;
+    for (const auto& command : commands) {
+        names.append(names.empty() ? "" : ", ").append(command.first->get_name());
+    }
+    return names;
 }
 
 Outcome RunChosen(const Commands& commands, const HostOptions& options) {
     const auto it = std::find_if(commands.begin(), commands.end(),
                                  [](const auto& command) { return command.first->parsed(); });
-    if (it == commands.end())
+    if (it == commands.end()) {
         throw UsageError("no command; there are " + NamesOf(commands));
+    }
     EndAs(it->first->get_name());
     const mvp::ModuleHandle log = TurnLogOn(options);
     return it->second->Run(options);
@@ -83,26 +85,32 @@ Outcome RunChosen(const Commands& commands, const HostOptions& options) {
 
 // What the parser has against the command line.
 std::string Fault(const CLI::App& app, const Commands& commands, const CLI::ParseError& error) {
-    std::string strFault = error.what();
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
-        return strFault.substr(0, strFault.find(':')) + " needs a value";
+    std::string fault = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        return fault.substr(0, fault.find(':')) + " needs a value";
+    }
     const std::vector<std::string> rest = app.remaining(true);
-    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr || rest.empty())
-        return strFault;
-    if (app.get_subcommands().empty() && rest.front().rfind('-', 0) != 0)
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr || rest.empty()) {
+        return fault;
+    }
+    if (app.get_subcommands().empty() && rest.front().rfind('-', 0) != 0) {
         return "unknown command \"" + rest.front() + "\"; there are " + NamesOf(commands);
-    strFault = "not understood:";
-    for (const std::string& strWord : rest)
-        strFault.append(" ").append(strWord);
-    return strFault;
+    }
+    fault = "not understood:";
+    for (const std::string& word : rest) {
+        fault.append(" ").append(word);
+    }
+    return fault;
 }
 
 ExitCode TellParse(const CLI::App& app, const Commands& commands, const CLI::ParseError& error) {
-    if (!app.get_subcommands().empty())
+    if (!app.get_subcommands().empty()) {
         EndAs(app.get_subcommands().front()->get_name());
-    if (error.get_exit_code() != 0)
-        return TellFailure(ExitCode::kUsage, Utf8FromAnsi(Fault(app, commands, error)) +
-                                                 ". Run with --help for more information.");
+    }
+    if (error.get_exit_code() != 0) {
+        return TellFailure(ExitCode::Usage, Utf8FromAnsi(Fault(app, commands, error)) +
+                                                ". Run with --help for more information.");
+    }
     std::ostringstream text;  // of --help or --version
     app.exit(error, text, text);
     Outcome outcome;
@@ -115,8 +123,9 @@ ExitCode TellParse(const CLI::App& app, const Commands& commands, const CLI::Par
 ExitCode Main(int argc, char** argv) {
     const Utf8Console console;
     // Before the parser: what it refuses is told in the same form.
-    if (std::find(argv + 1, argv + argc, std::string_view("--json")) != argv + argc)
+    if (std::find(argv + 1, argv + argc, std::string_view("--json")) != argv + argc) {
         EndInJson();
+    }
     CLI::App app("Plays the smart-card middleware with a software card.", "pinhost");
     app.footer(kFooter);
     app.set_version_flag("--version", "pinhost " PINHOST_VERSION);
@@ -134,9 +143,9 @@ ExitCode Main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return TellParse(app, commands, error);
     } catch (const UsageError& error) {
-        return TellFailure(ExitCode::kUsage, error.what());
+        return TellFailure(ExitCode::Usage, error.what());
     } catch (const std::exception& error) {
-        return TellFailure(ExitCode::kEnvironment, error.what());
+        return TellFailure(ExitCode::Environment, error.what());
     }
 }
 
@@ -144,9 +153,9 @@ ExitCode Main(int argc, char** argv) {
 }  // namespace pinhost
 
 int main(int argc, char** argv) {
-    mvp::EndWithCodeOnCrash(static_cast<unsigned>(pinhost::ExitCode::kCrashed));
+    mvp::EndWithCodeOnCrash(static_cast<unsigned>(pinhost::ExitCode::Crashed));
     return mvp::Guarded(
-        static_cast<int>(pinhost::ExitCode::kEnvironment),
+        static_cast<int>(pinhost::ExitCode::Environment),
         [&] { return static_cast<int>(pinhost::Main(argc, argv)); },
         [] { pinhost::EndNow("out of memory"); });
 }

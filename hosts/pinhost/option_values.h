@@ -14,11 +14,12 @@ namespace pinhost {
 
 inline CLI::Validator WholeNumber(std::int64_t nLeast, std::int64_t nMost) {
     return {[=](const std::string& strValue) {
-                std::int64_t nValue = 0;
-                const char* pEnd = strValue.data() + strValue.size();
-                const auto [pRead, error] = std::from_chars(strValue.data(), pEnd, nValue);
-                if (error == std::errc() && pRead == pEnd && nValue >= nLeast && nValue <= nMost)
+                std::int64_t value = 0;
+                const char* end = strValue.data() + strValue.size();
+                const auto [read, error] = std::from_chars(strValue.data(), end, value);
+                if (error == std::errc() && read == end && value >= nLeast && value <= nMost) {
                     return std::string();
+                }
                 return "\"" + strValue + "\" is not a whole number from " + std::to_string(nLeast) +
                        " to " + std::to_string(nMost);
             },
@@ -31,13 +32,14 @@ CLI::Validator AnyWholeNumber() {
 }
 
 inline CLI::Validator OneOf(const std::vector<std::string>& words) {
-    std::string strWords;
-    for (const std::string& strWord : words)
-        strWords.append(strWords.empty() ? "" : ", ").append(strWord);
+    std::string all;
+    for (const std::string& word : words) {
+        all.append(all.empty() ? "" : ", ").append(word);
+    }
     return {[=](const std::string& strValue) {
                 return std::find(words.begin(), words.end(), strValue) != words.end()
                            ? std::string()
-                           : "\"" + strValue + "\" is none of " + strWords;
+                           : "\"" + strValue + "\" is none of " + all;
             },
             ""};
 }

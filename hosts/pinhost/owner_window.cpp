@@ -15,8 +15,9 @@ OwnerWindow::OwnerWindow() {
     m_hWnd = CreateWindowExA(0, windowClass.lpszClassName, "pinhost",
                              WS_OVERLAPPEDWINDOW | WS_VISIBLE, CW_USEDEFAULT, CW_USEDEFAULT, 640,
                              480, nullptr, nullptr, windowClass.hInstance, nullptr);
-    if (m_hWnd == nullptr)
+    if (m_hWnd == nullptr) {
         throw EnvironmentError("no window could be opened");
+    }
 }
 
 }  // namespace pinhost

@@ -22,10 +22,10 @@ bool IsLanguageName(const std::string& str) {
 
 std::string InstallPath() {
     std::array<char, 512> path{};
-    auto cbPath = static_cast<DWORD>(path.size());
+    auto pathSize = static_cast<DWORD>(path.size());
     const LSTATUS status =
         RegGetValueA(HKEY_LOCAL_MACHINE, R"(Software\Quillon\Veskara)", "VeskaraInstallPath",
-                     RRF_RT_REG_SZ, nullptr, path.data(), &cbPath);
+                     RRF_RT_REG_SZ, nullptr, path.data(), &pathSize);
     return status == ERROR_SUCCESS ? path.data() : "";
 }
 
@@ -37,49 +37,54 @@ bool CanBeReadFrom(const std::string& strModule) {
 // Without its resource module the library goes on, with empty texts and no dialogs: so it is looked
 // for first, where the library looks. A language that was asked for is taken from its own folder.
 void EnterLanguageFolder(const std::string& strLanguage) {
-    std::string strFolder = OwnFolder();
+    std::string folder = OwnFolder();
     if (!strLanguage.empty()) {
-        if (!IsLanguageName(strLanguage))
+        if (!IsLanguageName(strLanguage)) {
             throw UsageError("not a language: " + Utf8FromAnsi(strLanguage));
-        strFolder.append("\\").append(strLanguage);
+        }
+        folder.append("\\").append(strLanguage);
     }
-    const std::string strModule = strFolder + "\\" + kResourceModule;
-    const std::string strElsewhere = strLanguage.empty() ? InstallPath() + kResourceModule : "";
-    if (!CanBeReadFrom(strModule) && (strElsewhere.empty() || !CanBeReadFrom(strElsewhere)))
+    const std::string modulePath = folder + "\\" + kResourceModule;
+    const std::string elsewhere = strLanguage.empty() ? InstallPath() + kResourceModule : "";
+    if (!CanBeReadFrom(modulePath) && (elsewhere.empty() || !CanBeReadFrom(elsewhere))) {
         throw EnvironmentError("the library's texts cannot be read; tried " +
-                               Utf8FromAnsi(strModule) + (strElsewhere.empty() ? "" : " and ") +
-                               Utf8FromAnsi(strElsewhere));
-    if (!SetCurrentDirectoryA(strFolder.c_str()))
-        throw EnvironmentError("cannot enter " + Utf8FromAnsi(strFolder));
+                               Utf8FromAnsi(modulePath) + (elsewhere.empty() ? "" : " and ") +
+                               Utf8FromAnsi(elsewhere));
+    }
+    if (!SetCurrentDirectoryA(folder.c_str())) {
+        throw EnvironmentError("cannot enter " + Utf8FromAnsi(folder));
+    }
 }
 
 }  // namespace
 
 mvp::ModuleHandle LoadOwnModule(const char* pszName) {
-    const std::string strPath = OwnFolder() + "\\" + pszName;
-    mvp::ModuleHandle module(
-        LoadLibraryExA(strPath.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
-    if (!module)
-        throw EnvironmentError(Utf8FromAnsi(strPath) + " cannot be loaded, error " +
+    const std::string path = OwnFolder() + "\\" + pszName;
+    mvp::ModuleHandle module(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    if (!module) {
+        throw EnvironmentError(Utf8FromAnsi(path) + " cannot be loaded, error " +
                                std::to_string(GetLastError()));
+    }
     return module;
 }
 
 mvp::ModuleHandle TurnLogOn(const HostOptions& options) {
-    if (options.strLogFile.empty())
+    if (options.strLogFile.empty()) {
         return {};
-    const std::string strFile = AbsolutePath(options.strLogFile);
+    }
+    const std::string logPath = AbsolutePath(options.strLogFile);
     // The log itself would drop its lines and try again later.
-    const mvp::FileHandle file(CreateFileA(strFile.c_str(), FILE_APPEND_DATA,
+    const mvp::FileHandle file(CreateFileA(logPath.c_str(), FILE_APPEND_DATA,
                                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                            nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file)
-        throw EnvironmentError("the log file " + Utf8FromAnsi(strFile) +
+    if (!file) {
+        throw EnvironmentError("the log file " + Utf8FromAnsi(logPath) +
                                " cannot be written, error " + std::to_string(GetLastError()));
+    }
     mvp::ModuleHandle log = LoadOwnModule("vklog.dll");
     void (*pSetOutput)(const char*, unsigned) = nullptr;
     Find(log, "vklogSetOutput", pSetOutput);
-    pSetOutput(strFile.c_str(), kLogLevels | (options.bLogDetail ? kLogDetail : 0));
+    pSetOutput(logPath.c_str(), kLogLevels | (options.bLogDetail ? kLogDetail : 0));
     return log;
 }
 

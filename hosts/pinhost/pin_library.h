@@ -46,8 +46,9 @@ mvp::ModuleHandle LoadOwnModule(const char* pszName);
 template <class Function>
 void Find(const mvp::ModuleHandle& module, const char* pszName, Function& function) {
     function = mvp::FindFunction<Function>(module.get(), pszName);
-    if (function == nullptr)
+    if (function == nullptr) {
         throw EnvironmentError(std::string("the library has no function ") + pszName);
+    }
 }
 
 }  // namespace pinhost

@@ -10,9 +10,10 @@ namespace pinhost {
 
 // Overwrites in a way that the compiler keeps, though nobody reads the memory again.
 inline void Wipe(void* pMemory, std::size_t cbSize) noexcept {
-    auto* pByte = static_cast<volatile unsigned char*>(pMemory);
-    while (cbSize-- > 0)
-        *pByte++ = 0;
+    auto* byte = static_cast<volatile unsigned char*>(pMemory);
+    while (cbSize-- > 0) {
+        *byte++ = 0;
+    }
 }
 
 template <class T>
@@ -36,12 +37,12 @@ using Secret = std::vector<char, WipingAllocator<char>>;
 
 // Takes the same time wherever the difference lies.
 inline bool SameSecret(std::span<const char> candidate, std::span<const char> secret) noexcept {
-    std::size_t nDifference = candidate.size() ^ secret.size();
+    std::size_t difference = candidate.size() ^ secret.size();
     for (std::size_t i = 0; i < candidate.size(); ++i) {
         const char ch = secret.empty() ? '\0' : secret[i % secret.size()];
-        nDifference |= static_cast<unsigned char>(candidate[i] ^ ch);
+        difference |= static_cast<unsigned char>(candidate[i] ^ ch);
     }
-    return nDifference == 0;
+    return difference == 0;
 }
 
 }  // namespace pinhost

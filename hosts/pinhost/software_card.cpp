@@ -17,20 +17,22 @@ SoftwareCard::SoftwareCard()
       unlockCode(MakeSecret("12345678")) {}
 
 Verdict SoftwareCard::Verify(std::span<const char> candidate) noexcept {
-    if (IsBlocked())
-        return Verdict::kBlocked;
+    if (IsBlocked()) {
+        return Verdict::Blocked;
+    }
     // The try is taken before the comparison, so that no way out of it leaves it untaken.
     --nTriesLeft;
     if (SameSecret(candidate, pin)) {
         nTriesLeft = nMaxTries;
-        return Verdict::kAccepted;
+        return Verdict::Accepted;
     }
-    return IsBlocked() ? Verdict::kBlocked : Verdict::kWrong;
+    return IsBlocked() ? Verdict::Blocked : Verdict::Wrong;
 }
 
 bool SoftwareCard::SetPin(std::span<const char> newPin) {
-    if (newPin.empty() || newPin.size() > kMaxSecretLength)
+    if (newPin.empty() || newPin.size() > kMaxSecretLength) {
         return false;
+    }
     pin = Secret(newPin.begin(), newPin.end());
     return true;
 }

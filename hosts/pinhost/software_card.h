@@ -25,7 +25,7 @@ struct CardPolicy {
     friend bool operator==(const CardPolicy&, const CardPolicy&) = default;
 };
 
-enum class Verdict { kAccepted, kWrong, kBlocked };
+enum class Verdict { Accepted, Wrong, Blocked };
 
 struct SoftwareCard {
     // A new card: PIN 1234, unlock code 12345678.

@@ -19,10 +19,12 @@ struct Output {
 
 void CopyOut(const CString& strPin, char* pszPin, std::uint32_t* pcbPin) {
     const auto length = static_cast<std::uint32_t>(strPin.GetLength());
-    if (pszPin != nullptr)
+    if (pszPin != nullptr) {
         std::memcpy(pszPin, static_cast<LPCSTR>(strPin), length + 1);
-    if (pcbPin != nullptr)
+    }
+    if (pcbPin != nullptr) {
         *pcbPin = length;
+    }
 }
 
 // Nobody is asked for PINs that could not be handed out. The current one need not be, where it is
@@ -40,8 +42,9 @@ bool CanHandOut(const Output& output, bool bAskCurrentPin) {
     };
     bool usable = true;
     for (const auto& each : arguments) {
-        if (each.pArgument != nullptr || !each.bNeeded)
+        if (each.pArgument != nullptr || !each.bNeeded) {
             continue;
+        }
         vklogLog(g_szLogTag, kLogError, "%s", each.pszMissing);
         usable = false;
     }
@@ -51,10 +54,11 @@ bool CanHandOut(const Output& output, bool bAskCurrentPin) {
 void LogContradiction(const PwdRuleArgs* pRules) {
     const mvp::PinRules rules(pRules);
     if (rules.InForce(mvp::PinRule::MinLength) && rules.InForce(mvp::PinRule::MaxLength) &&
-        rules.dwMinPINLen > rules.dwMaxPINLen)
+        rules.dwMinPINLen > rules.dwMaxPINLen) {
         vklogLog(g_szLogTag, kLogError,
                  "GetChangePINInfoFromUser: minimum length %u > maximum length %u",
                  rules.dwMinPINLen, rules.dwMaxPINLen);
+    }
 }
 
 // Straight from the panel: a text between would be one more to overwrite, and its memory could be
@@ -68,8 +72,9 @@ void HandOut(const CChangePINDialog* pPanel, const Output& output) {
 std::uint32_t ReadEmbedded(CChangePINDialog* pPanel, const Output& output) {
     const bool verdict = pPanel->VerifyAndUpdateAllPolicies(pPanel->NewPin());
     // The check sends messages, in whose course the host may have destroyed the panel.
-    if (!verdict || !mvp::IsChangePinPanel(pPanel))
+    if (!verdict || !mvp::IsChangePinPanel(pPanel)) {
         return MVPINGUI_REFUSED;
+    }
     HandOut(pPanel, output);
     return MVPINGUI_OK;
 }
@@ -80,8 +85,9 @@ std::uint32_t AskModal(const PwdRuleArgs* pRules, bool bAskCurrentPin, const cha
     CChangePINDialogMain dialog(pRules, 0, bAskCurrentPin, nullptr, MVPINGUI_CHANGE_PIN_TOP_MARGIN,
                                 MVPINGUI_CHANGE_PIN_LEFT_INDENT, MVPINGUI_CHANGE_PIN_LINE_SPACING,
                                 pszReader);
-    if (dialog.DoModal() != IDOK)
+    if (dialog.DoModal() != IDOK) {
         return MVPINGUI_REFUSED;
+    }
     HandOut(dialog.Panel(), output);
     return MVPINGUI_OK;
 }
@@ -96,18 +102,21 @@ extern "C" uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t 
     // NOLINTEND(readability-non-const-parameter)
     const mvp::LogScope scope("GetChangePINInfoFromUser");
     const Output output{pszNewPin, pcbNewPin, pszOldPin, pcbOldPin};
-    if (!CanHandOut(output, bAskCurrentPin))
+    if (!CanHandOut(output, bAskCurrentPin)) {
         return MVPINGUI_REFUSED;
+    }
     if (bShowLastTry != 0) {
         const std::uint32_t answer = DisplayLastPINTry(pszReader);
-        if (answer != MVPINGUI_OK)
+        if (answer != MVPINGUI_OK) {
             return answer;
+        }
     }
     return mvp::Guarded(
         MVPINGUI_REFUSED,
         [&] {
-            if (CChangePINDialog* pPanel = mvp::FindChangePinPanel(hEmbeddingHost))
-                return ReadEmbedded(pPanel, output);
+            if (CChangePINDialog* panel = mvp::FindChangePinPanel(hEmbeddingHost)) {
+                return ReadEmbedded(panel, output);
+            }
             return AskModal(pRules, bAskCurrentPin, pszReader, output);
         },
         mvp::LogException("GetChangePINInfoFromUser"));

@@ -44,8 +44,9 @@ extern "C" void SetPinPromptString(const char* pszPrompt) {
 extern "C" void FreeGetPinBuffer(char* pBuffer, size_t cbPin) {
     const mvp::LogScope scope("--->FreeBuffer", "<---FreeBuffer");
     mvp::Module().nPinDialogInProgress = 0;
-    if (pBuffer == nullptr)
+    if (pBuffer == nullptr) {
         return;
+    }
     SecureZeroMemory(pBuffer, cbPin);
     std::free(pBuffer);
 }

@@ -17,12 +17,14 @@ AFX_EXCEPTION_REPORTER g_pfnHostReporter = nullptr;
 // The framework stops what a message handler throws, and tells the one who asked last to be told,
 // who tells the one before.
 void LogFrameworkException(UINT message) noexcept {
-    if (message != 0)
+    if (message != 0) {
         vklogLog(g_szLogTag, kLogError, "Exception in the handler of message 0x%x", message);
-    else
+    } else {
         vklogLog(g_szLogTag, kLogError, "Exception in a dialog's data exchange or modal loop");
-    if (g_pfnHostReporter != nullptr)
+    }
+    if (g_pfnHostReporter != nullptr) {
         g_pfnHostReporter(message);
+    }
 }
 
 }  // namespace
@@ -37,20 +39,23 @@ ModuleState& Module() noexcept {
 bool AttachLibrary(HINSTANCE hInstance) noexcept {
     RegisterProgressBarClass(GetModuleHandleA(nullptr));
     LoadResourceModule();
-    if (!AfxInitExtensionModule(g_extensionModule, hInstance))
+    if (!AfxInitExtensionModule(g_extensionModule, hInstance)) {
         return false;
+    }
     // What the framework's resource search finds for a host lies in the localized module.
-    if (ResourceModule() != nullptr)
+    if (ResourceModule() != nullptr) {
         g_extensionModule.hResource = ResourceModule();
+    }
     g_pfnHostReporter = AfxSetExceptionReporter(&LogFrameworkException);
     return true;
 }
 
 void DetachLibrary() noexcept {
     // Put back only where nobody has put another one in its place meanwhile.
-    const AFX_EXCEPTION_REPORTER pfnLast = AfxSetExceptionReporter(g_pfnHostReporter);
-    if (pfnLast != &LogFrameworkException)
-        AfxSetExceptionReporter(pfnLast);
+    const AFX_EXCEPTION_REPORTER lastFunction = AfxSetExceptionReporter(g_pfnHostReporter);
+    if (lastFunction != &LogFrameworkException) {
+        AfxSetExceptionReporter(lastFunction);
+    }
     FreeResourceModule();
     UnregisterProgressBarClass(GetModuleHandleA(nullptr));
     AfxTermExtensionModule(g_extensionModule, FALSE);

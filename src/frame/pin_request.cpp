@@ -27,32 +27,34 @@ private:
 
 // Hands the PIN out in a buffer of exactly its length. Returns false when there is no memory.
 bool HandOut(const CEnterPinDlg& dialog, char** ppPin, std::uint32_t* pcbPin) {
-    CString strPin = dialog.GetPinValue();
-    const auto length = static_cast<std::uint32_t>(strPin.GetLength());
+    CString pin = dialog.GetPinValue();
+    const auto length = static_cast<std::uint32_t>(pin.GetLength());
     if (length == 0) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: PIN empty");
         *ppPin = nullptr;
         *pcbPin = 0;
         return true;
     }
-    auto* pBuffer = static_cast<char*>(std::malloc(length));
-    if (pBuffer == nullptr) {
+    auto* buffer = static_cast<char*>(std::malloc(length));
+    if (buffer == nullptr) {
         vklogLog(g_szLogTag, kLogError, "GetPINFromUser: PIN buffer allocation failed");
         return false;
     }
-    std::memcpy(pBuffer, static_cast<LPCSTR>(strPin), length);
+    std::memcpy(buffer, static_cast<LPCSTR>(pin), length);
     *pcbPin = length;
-    *ppPin = pBuffer;
-    mvp::Wipe(strPin);
+    *ppPin = buffer;
+    mvp::Wipe(pin);
     return true;
 }
 
 // A request that could not hand its PIN out is refused before anybody types one.
 bool CanHandOut(char** ppPin, const std::uint32_t* pcbPin) {
-    if (ppPin == nullptr)
+    if (ppPin == nullptr) {
         vklogLog(g_szLogTag, kLogError, "GetPINFromUser: ppPin == NULL");
-    if (pcbPin == nullptr)
+    }
+    if (pcbPin == nullptr) {
         vklogLog(g_szLogTag, kLogError, "GetPINFromUser: pcbPin == NULL");
+    }
     return ppPin != nullptr && pcbPin != nullptr;
 }
 
@@ -61,9 +63,10 @@ bool CanHandOut(char** ppPin, const std::uint32_t* pcbPin) {
 std::uint32_t AskForPin(HWND hParent, const char* pszReader, std::uint32_t dwMinLength,
                         std::uint32_t dwMaxLength, char** ppPin, std::uint32_t* pcbPin) {
     vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action allowed");
-    if (dwMinLength > dwMaxLength)
+    if (dwMinLength > dwMaxLength) {
         vklogLog(g_szLogTag, kLogError, "GetPINFromUser: minimum length %u > maximum length %u",
                  dwMinLength, dwMaxLength);
+    }
     mvp::Module().nPinDialogInProgress = 1;
     const ParentWindow parent(hParent);
     CEnterPinDlg dialog(parent.get(), pszReader, dwMinLength, dwMaxLength, mvp::Module().strPrompt);
@@ -92,13 +95,15 @@ extern "C" uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_t 
     vklogLog(g_szLogTag, kLogEntry, "GetPINFromUser");
     vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: hParent = %x, Reader = %s",
              mvp::LowBits(hParent), pszReader != nullptr ? pszReader : "");
-    if (!CanHandOut(ppPin, pcbPin))
+    if (!CanHandOut(ppPin, pcbPin)) {
         return Leave(MVPINGUI_REFUSED);
+    }
     if (bShowLastTry != 0) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: DisplayLastPINTry");
         const std::uint32_t answer = DisplayLastPINTry(pszReader);
-        if (answer != MVPINGUI_OK)
+        if (answer != MVPINGUI_OK) {
             return answer;
+        }
     }
     if (mvp::Module().nPinDialogInProgress != 0) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action NOT allowed");

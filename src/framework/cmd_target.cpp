@@ -13,13 +13,15 @@ const AFX_MSGMAP* CCmdTarget::GetThisMessageMap() {
 }
 
 BOOL CCmdTarget::OnCmdMsg(UINT nID, int nCode) {
-    for (const AFX_MSGMAP* pMap = GetMessageMap(); pMap != nullptr;
-         pMap = pMap->pfnGetBaseMap == nullptr ? nullptr : pMap->pfnGetBaseMap()) {
-        for (const AFX_MSGMAP_ENTRY* p = pMap->lpEntries; p->pfnThunk != nullptr; ++p) {
-            if (p->nMessage != WM_COMMAND || p->nCode != static_cast<UINT>(nCode) || p->nID != nID)
+    for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr;
+         map = map->pfnGetBaseMap == nullptr ? nullptr : map->pfnGetBaseMap()) {
+        for (const AFX_MSGMAP_ENTRY* p = map->lpEntries; p->pfnThunk != nullptr; ++p) {
+            if (p->nMessage != WM_COMMAND || p->nCode != static_cast<UINT>(nCode) ||
+                p->nID != nID) {
                 continue;
-            LRESULT lIgnored = 0;
-            return p->pfnThunk(this, {WM_COMMAND, nID, 0}, lIgnored);
+            }
+            LRESULT ignored = 0;
+            return p->pfnThunk(this, {WM_COMMAND, nID, 0}, ignored);
         }
     }
     return FALSE;

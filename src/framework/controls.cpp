@@ -61,8 +61,9 @@ void CEdit::GetSel(int& nStartChar, int& nEndChar) const {
 }
 void CEdit::SetSel(int nStartChar, int nEndChar, BOOL bNoScroll) {
     SendMessage(EM_SETSEL, Index(nStartChar), nEndChar);
-    if (!bNoScroll)
+    if (!bNoScroll) {
         SendMessage(EM_SCROLLCARET);
+    }
 }
 void CEdit::SetLimitText(UINT nMax) {
     SendMessage(EM_SETLIMITTEXT, nMax);
@@ -75,9 +76,9 @@ void CEdit::SetPasswordChar(char ch) {
 }
 
 CImageList* CListCtrl::SetImageList(CImageList* pImageList, int nImageList) {
-    HIMAGELIST hNew = pImageList == nullptr ? nullptr : pImageList->m_hImageList;
+    HIMAGELIST newHandle = pImageList == nullptr ? nullptr : pImageList->m_hImageList;
     return CImageList::FromHandle(
-        ToHandle<HIMAGELIST>(SendMessage(LVM_SETIMAGELIST, Index(nImageList), ToParam(hNew))));
+        ToHandle<HIMAGELIST>(SendMessage(LVM_SETIMAGELIST, Index(nImageList), ToParam(newHandle))));
 }
 int CListCtrl::InsertColumn(int nCol, LPCSTR lpszColumnHeading, int nFormat, int nWidth,
                             int nSubItem) {
@@ -114,6 +115,7 @@ void CSpinButtonCtrl::SetRange32(int nLower, int nUpper) {
     SendMessage(UDM_SETRANGE32, Index(nLower), nUpper);
 }
 CWnd* CSpinButtonCtrl::SetBuddy(CWnd* pWndBuddy) {
-    HWND hNew = pWndBuddy == nullptr ? nullptr : pWndBuddy->m_hWnd;
-    return FromHandle(ToHandle<HWND>(SendMessage(UDM_SETBUDDY, reinterpret_cast<WPARAM>(hNew))));
+    HWND newHandle = pWndBuddy == nullptr ? nullptr : pWndBuddy->m_hWnd;
+    return FromHandle(
+        ToHandle<HWND>(SendMessage(UDM_SETBUDDY, reinterpret_cast<WPARAM>(newHandle))));
 }

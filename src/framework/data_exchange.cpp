@@ -32,17 +32,19 @@ void ReadText(HWND hWnd, CString& strText) {
 
 // Leaves a control that shows the text already as it is, caret and all.
 void WriteText(HWND hWnd, const CString& strText) {
-    CString strOld;
-    ReadText(hWnd, strOld);
-    if (strOld != strText)
+    CString old;
+    ReadText(hWnd, old);
+    if (old != strText) {
         ::SetWindowTextA(hWnd, strText);
+    }
 }
 
 }  // namespace
 
 BOOL CWnd::UpdateData(BOOL bSaveAndValidate) {
-    if (m_hWnd == nullptr)
+    if (m_hWnd == nullptr) {
         return FALSE;
+    }
     CDataExchange dx(this, bSaveAndValidate);
     const NotificationLock lock(m_hWnd);
     try {
@@ -59,10 +61,11 @@ BOOL CWnd::UpdateData(BOOL bSaveAndValidate) {
 void CWnd::DoDataExchange(CDataExchange*) {}
 
 HWND CDataExchange::PrepareCtrl(int nIDC) {
-    HWND hWndCtrl = ::GetDlgItem(m_pDlgWnd->m_hWnd, nIDC);
-    if (hWndCtrl == nullptr)
+    HWND control = ::GetDlgItem(m_pDlgWnd->m_hWnd, nIDC);
+    if (control == nullptr) {
         Fail();
-    return hWndCtrl;
+    }
+    return control;
 }
 
 void CDataExchange::Fail() {
@@ -70,15 +73,17 @@ void CDataExchange::Fail() {
 }
 
 void DDX_Control(CDataExchange* pDX, int nIDC, CWnd& rControl) {
-    HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (rControl.m_hWnd == nullptr && !rControl.SubclassWindow(hWndCtrl))
+    HWND control = pDX->PrepareCtrl(nIDC);
+    if (rControl.m_hWnd == nullptr && !rControl.SubclassWindow(control)) {
         pDX->Fail();
+    }
 }
 
 void DDX_Text(CDataExchange* pDX, int nIDC, CString& value) {
-    HWND hWndCtrl = pDX->PrepareCtrl(nIDC);
-    if (pDX->m_bSaveAndValidate)
-        ReadText(hWndCtrl, value);
-    else
-        WriteText(hWndCtrl, value);
+    HWND control = pDX->PrepareCtrl(nIDC);
+    if (pDX->m_bSaveAndValidate) {
+        ReadText(control, value);
+    } else {
+        WriteText(control, value);
+    }
 }

@@ -20,10 +20,11 @@ HWND WindowOrNull(const CWnd* pWnd) {
 // Selects an object of one kind and returns the one before.
 template <class Kind, class Handle>
 Kind* Select(HDC hDC, const Kind* pObject) {
-    if (pObject == nullptr)
+    if (pObject == nullptr) {
         return nullptr;
-    HGDIOBJ hOld = ::SelectObject(hDC, pObject->m_hObject);
-    return Kind::FromHandle(static_cast<Handle>(hOld));
+    }
+    HGDIOBJ old = ::SelectObject(hDC, pObject->m_hObject);
+    return Kind::FromHandle(static_cast<Handle>(old));
 }
 
 }  // namespace
@@ -37,10 +38,12 @@ CDC* CDC::FromHandle(HDC hDC) {
 }
 
 BOOL CDC::Attach(HDC hDC) {
-    if (hDC == nullptr)
+    if (hDC == nullptr) {
         return FALSE;
-    if (hDC == m_hDC)
+    }
+    if (hDC == m_hDC) {
         return TRUE;
+    }
     DeleteDC();
     DeviceContexts().Insert(hDC, this);
     m_hDC = hDC;
@@ -48,9 +51,9 @@ BOOL CDC::Attach(HDC hDC) {
 }
 
 HDC CDC::Detach() {
-    HDC hDC = std::exchange(m_hDC, nullptr);
-    DeviceContexts().Erase(hDC, this);
-    return hDC;
+    HDC dc = std::exchange(m_hDC, nullptr);
+    DeviceContexts().Erase(dc, this);
+    return dc;
 }
 
 BOOL CDC::CreateCompatibleDC(CDC* pDC) {
@@ -58,8 +61,8 @@ BOOL CDC::CreateCompatibleDC(CDC* pDC) {
 }
 
 BOOL CDC::DeleteDC() {
-    HDC hDC = Detach();
-    return hDC != nullptr && ::DeleteDC(hDC);
+    HDC dc = Detach();
+    return dc != nullptr && ::DeleteDC(dc);
 }
 
 CFont* CDC::SelectObject(CFont* pFont) {
@@ -101,8 +104,9 @@ CClientDC::CClientDC(CWnd* pWnd) : m_hWnd(WindowOrNull(pWnd)) {
 }
 
 CClientDC::~CClientDC() {
-    if (m_hDC != nullptr)
+    if (m_hDC != nullptr) {
         ::ReleaseDC(m_hWnd, Detach());
+    }
 }
 
 CPaintDC::CPaintDC(CWnd* pWnd) : m_ps(), m_hWnd(pWnd->m_hWnd) {

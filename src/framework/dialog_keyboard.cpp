@@ -10,8 +10,8 @@
 namespace {
 
 bool IsDialog(HWND hWnd) {
-    constexpr ULONG_PTR nDialogAtom = 32770;
-    return ::GetClassLongPtrA(hWnd, GCW_ATOM) == nDialogAtom ||
+    constexpr ULONG_PTR dialogAtom = 32770;
+    return ::GetClassLongPtrA(hWnd, GCW_ATOM) == dialogAtom ||
            dynamic_cast<CDialog*>(CWnd::FromHandlePermanent(hWnd)) != nullptr;
 }
 
@@ -21,46 +21,52 @@ bool IsInput(UINT n) {
 
 // The last dialog on the way from the window to its top-level window.
 HWND OutermostDialog(HWND hWnd) {
-    HWND hWndOutermost = hWnd;
+    HWND outermost = hWnd;
     while ((::GetWindowLongPtrA(hWnd, GWL_STYLE) & WS_CHILD) != 0) {
         hWnd = ::GetAncestor(hWnd, GA_PARENT);
-        if (hWnd == nullptr)
+        if (hWnd == nullptr) {
             break;
-        if (IsDialog(hWnd))
-            hWndOutermost = hWnd;
+        }
+        if (IsDialog(hWnd)) {
+            outermost = hWnd;
+        }
     }
-    return hWndOutermost;
+    return outermost;
 }
 
 // Enter on a push button inside a panel. The system would send the button's command to the
 // outermost dialog, which does not know the button.
 bool PressesPanelButton(HWND hWndOutermost, MSG* pMsg) {
-    if (pMsg->message != WM_KEYDOWN || (pMsg->wParam != VK_RETURN && pMsg->wParam != VK_EXECUTE))
+    if (pMsg->message != WM_KEYDOWN || (pMsg->wParam != VK_RETURN && pMsg->wParam != VK_EXECUTE)) {
         return false;
-    HWND hWndFocus = ::GetFocus();
-    HWND hWndParent = ::GetAncestor(hWndFocus, GA_PARENT);
-    if (hWndFocus != pMsg->hwnd || hWndParent == hWndOutermost ||
-        !::IsChild(hWndOutermost, hWndFocus))
+    }
+    HWND focus = ::GetFocus();
+    HWND parent = ::GetAncestor(focus, GA_PARENT);
+    if (focus != pMsg->hwnd || parent == hWndOutermost || !::IsChild(hWndOutermost, focus)) {
         return false;
-    const LRESULT lCode =
-        ::SendMessageA(hWndFocus, WM_GETDLGCODE, pMsg->wParam, reinterpret_cast<LPARAM>(pMsg));
-    if ((lCode & DLGC_WANTALLKEYS) != 0 ||
-        (lCode & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) == 0)
+    }
+    const LRESULT code =
+        ::SendMessageA(focus, WM_GETDLGCODE, pMsg->wParam, reinterpret_cast<LPARAM>(pMsg));
+    if ((code & DLGC_WANTALLKEYS) != 0 ||
+        (code & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) == 0) {
         return false;
-    ::SendMessageA(hWndParent, WM_COMMAND, MAKEWPARAM(::GetDlgCtrlID(hWndFocus), BN_CLICKED),
-                   reinterpret_cast<LPARAM>(hWndFocus));
+    }
+    ::SendMessageA(parent, WM_COMMAND, MAKEWPARAM(::GetDlgCtrlID(focus), BN_CLICKED),
+                   reinterpret_cast<LPARAM>(focus));
     return true;
 }
 
 }  // namespace
 
 BOOL CDialog::PreTranslateMessage(MSG* pMsg) {
-    if (CWnd::PreTranslateMessage(pMsg))
+    if (CWnd::PreTranslateMessage(pMsg)) {
         return TRUE;
-    HWND hWndOutermost = OutermostDialog(m_hWnd);
+    }
+    HWND outermost = OutermostDialog(m_hWnd);
     // One with an object is asked in its turn, on the way up.
-    if (hWndOutermost != m_hWnd && FromHandlePermanent(hWndOutermost) != nullptr)
+    if (outermost != m_hWnd && FromHandlePermanent(outermost) != nullptr) {
         return FALSE;
-    return PressesPanelButton(hWndOutermost, pMsg) ||
-           (IsInput(pMsg->message) && ::IsDialogMessageA(hWndOutermost, pMsg));
+    }
+    return PressesPanelButton(outermost, pMsg) ||
+           (IsInput(pMsg->message) && ::IsDialogMessageA(outermost, pMsg));
 }

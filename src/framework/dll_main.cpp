@@ -12,8 +12,9 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD dwReason, LPVOID lpReserved) {
         case DLL_PROCESS_DETACH:
             // When the whole process ends, the other threads are gone and the system takes the
             // memory back.
-            if (lpReserved == nullptr)
+            if (lpReserved == nullptr) {
                 dlgfw::DetachProcess();
+            }
             break;
         default:
             break;

@@ -24,10 +24,12 @@ CGdiObject::~CGdiObject() {
 }
 
 BOOL CGdiObject::Attach(HGDIOBJ hObject) {
-    if (hObject == nullptr)
+    if (hObject == nullptr) {
         return FALSE;
-    if (hObject == m_hObject)
+    }
+    if (hObject == m_hObject) {
         return TRUE;
+    }
     DeleteObject();
     GdiObjects().Insert(hObject, this);
     m_hObject = hObject;
@@ -35,14 +37,14 @@ BOOL CGdiObject::Attach(HGDIOBJ hObject) {
 }
 
 HGDIOBJ CGdiObject::Detach() {
-    HGDIOBJ hObject = std::exchange(m_hObject, nullptr);
-    GdiObjects().Erase(hObject, this);
-    return hObject;
+    HGDIOBJ object = std::exchange(m_hObject, nullptr);
+    GdiObjects().Erase(object, this);
+    return object;
 }
 
 BOOL CGdiObject::DeleteObject() {
-    HGDIOBJ hObject = Detach();
-    return hObject != nullptr && ::DeleteObject(hObject);
+    HGDIOBJ object = Detach();
+    return object != nullptr && ::DeleteObject(object);
 }
 
 int CGdiObject::GetObject(int nCount, LPVOID lpObject) const {
@@ -59,16 +61,17 @@ BOOL CFont::CreateFontIndirect(const LOGFONTA* lpLogFont) {
 
 BOOL CFont::CreatePointFont(int nPointSize, LPCSTR lpszFaceName, CDC* pDC) {
     const CClientDC screen(nullptr);
-    HDC hDC = pDC != nullptr ? pDC->m_hDC : screen.m_hDC;
+    HDC dc = pDC != nullptr ? pDC->m_hDC : screen.m_hDC;
     LOGFONTA logFont = {};
     logFont.lfCharSet = DEFAULT_CHARSET;
-    if (lpszFaceName != nullptr)
+    if (lpszFaceName != nullptr) {
         std::strncpy(logFont.lfFaceName, lpszFaceName, LF_FACESIZE - 1);
+    }
     // From tenths of a point to logical units of the context, whatever its mapping mode is.
-    POINT size = {0, ::MulDiv(::GetDeviceCaps(hDC, LOGPIXELSY), nPointSize, 720)};
+    POINT size = {0, ::MulDiv(::GetDeviceCaps(dc, LOGPIXELSY), nPointSize, 720)};
     POINT origin = {0, 0};
-    ::DPtoLP(hDC, &size, 1);
-    ::DPtoLP(hDC, &origin, 1);
+    ::DPtoLP(dc, &size, 1);
+    ::DPtoLP(dc, &origin, 1);
     logFont.lfHeight = -std::abs(size.y - origin.y);
     return CreateFontIndirect(&logFont);
 }
@@ -82,8 +85,8 @@ CBitmap* CBitmap::FromHandle(HBITMAP hBitmap) {
 }
 
 BOOL CBitmap::LoadBitmap(UINT nIDResource) {
-    LPCSTR lpszName = MAKEINTRESOURCEA(nIDResource);
-    return Attach(::LoadBitmapA(AfxFindResourceHandle(lpszName, RT_BITMAP), lpszName));
+    LPCSTR name = MAKEINTRESOURCEA(nIDResource);
+    return Attach(::LoadBitmapA(AfxFindResourceHandle(name, RT_BITMAP), name));
 }
 
 BOOL CBitmap::CreateCompatibleBitmap(CDC* pDC, int nWidth, int nHeight) {

@@ -13,10 +13,12 @@ HandleTable<CImageList>& ImageLists() noexcept;
 
 template <class Object, class Table, class Handle>
 Object* ObjectFromHandle(const Table& table, Handle handle) {
-    if (handle == nullptr)
+    if (handle == nullptr) {
         return nullptr;
-    if (auto* pObject = dynamic_cast<Object*>(table.Find(handle)))
-        return pObject;
+    }
+    if (auto* object = dynamic_cast<Object*>(table.Find(handle))) {
+        return object;
+    }
     return ThreadState::Get().temporaries.Get<Object>(handle);
 }
 

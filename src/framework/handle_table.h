@@ -16,24 +16,27 @@ class HandleTable {
 public:
     // A handle that the system uses again takes its place from the object it belonged to before.
     void Insert(const void* handle, Object* pObject) {
-        const mvp::CScopedLock lock(m_lock);
+        const mvp::ScopedLock lock(m_lock);
         m_entries[handle] = {pObject, GetCurrentThreadId()};
     }
 
     void Erase(const void* handle, const Object* pObject) noexcept {
-        const mvp::CScopedLock lock(m_lock);
+        const mvp::ScopedLock lock(m_lock);
         const auto it = m_entries.find(handle);
-        if (it != m_entries.end() && it->second.pObject == pObject)
+        if (it != m_entries.end() && it->second.pObject == pObject) {
             m_entries.erase(it);
+        }
     }
 
     Object* Find(const void* handle) const noexcept {
-        if (handle == nullptr)
+        if (handle == nullptr) {
             return nullptr;
-        const mvp::CScopedLock lock(m_lock);
+        }
+        const mvp::ScopedLock lock(m_lock);
         const auto it = m_entries.find(handle);
-        if (it == m_entries.end() || it->second.dwThreadId != GetCurrentThreadId())
+        if (it == m_entries.end() || it->second.dwThreadId != GetCurrentThreadId()) {
             return nullptr;
+        }
         return it->second.pObject;
     }
 
@@ -43,7 +46,7 @@ private:
         DWORD dwThreadId = 0;
     };
 
-    mutable mvp::CCriticalSection m_lock;
+    mutable mvp::CriticalSection m_lock;
     std::unordered_map<const void*, Entry> m_entries;
 };
 

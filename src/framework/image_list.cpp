@@ -13,10 +13,12 @@ CImageList* CImageList::FromHandle(HIMAGELIST hImageList) {
 }
 
 BOOL CImageList::Attach(HIMAGELIST hImageList) {
-    if (hImageList == nullptr)
+    if (hImageList == nullptr) {
         return FALSE;
-    if (hImageList == m_hImageList)
+    }
+    if (hImageList == m_hImageList) {
         return TRUE;
+    }
     DeleteImageList();
     dlgfw::ImageLists().Insert(hImageList, this);
     m_hImageList = hImageList;
@@ -24,9 +26,9 @@ BOOL CImageList::Attach(HIMAGELIST hImageList) {
 }
 
 HIMAGELIST CImageList::Detach() {
-    HIMAGELIST hImageList = std::exchange(m_hImageList, nullptr);
-    dlgfw::ImageLists().Erase(hImageList, this);
-    return hImageList;
+    HIMAGELIST imageList = std::exchange(m_hImageList, nullptr);
+    dlgfw::ImageLists().Erase(imageList, this);
+    return imageList;
 }
 
 BOOL CImageList::Create(int cx, int cy, UINT nFlags, int nInitial, int nGrow) {
@@ -34,8 +36,8 @@ BOOL CImageList::Create(int cx, int cy, UINT nFlags, int nInitial, int nGrow) {
 }
 
 BOOL CImageList::DeleteImageList() {
-    HIMAGELIST hImageList = Detach();
-    return hImageList != nullptr && ImageList_Destroy(hImageList);
+    HIMAGELIST imageList = Detach();
+    return imageList != nullptr && ImageList_Destroy(imageList);
 }
 
 int CImageList::Add(HICON hIcon) {

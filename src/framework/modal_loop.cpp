@@ -14,11 +14,13 @@ enum class Pumped { Dispatched, Quit, Failed };
 
 // Takes one message and hands it on. At WM_QUIT the message's wParam is the exit code.
 Pumped PumpMessage(MSG& message) {
-    const BOOL bGot = ::GetMessageA(&message, nullptr, 0, 0);
-    if (bGot == 0)
+    const BOOL got = ::GetMessageA(&message, nullptr, 0, 0);
+    if (got == 0) {
         return Pumped::Quit;
-    if (bGot < 0)
+    }
+    if (got < 0) {
         return Pumped::Failed;
+    }
     if (!AfxPreTranslateMessage(&message)) {
         ::TranslateMessage(&message);
         ::DispatchMessageA(&message);
@@ -36,15 +38,17 @@ bool IsQueueEmpty() {
 class IdleFilter {
 public:
     bool EndsIdle(const MSG& message) {
-        constexpr UINT nCaretTimer = 0x0118;
-        if (message.message == WM_PAINT || message.message == nCaretTimer)
+        constexpr UINT caretTimer = 0x0118;
+        if (message.message == WM_PAINT || message.message == caretTimer) {
             return false;
-        if (message.message != WM_MOUSEMOVE && message.message != WM_NCMOUSEMOVE)
+        }
+        if (message.message != WM_MOUSEMOVE && message.message != WM_NCMOUSEMOVE) {
             return true;
-        const bool bMoved = m_lastPoint != message.pt || m_nLastMessage != message.message;
+        }
+        const bool moved = m_lastPoint != message.pt || m_nLastMessage != message.message;
         m_lastPoint = message.pt;
         m_nLastMessage = message.message;
-        return bMoved;
+        return moved;
     }
 
 private:
@@ -55,7 +59,7 @@ private:
 // Counts the loop and, when it ends in whatever way, takes its flags off the window.
 class ModalLoopScope {
 public:
-    ModalLoopScope(CWnd* pWnd, const CWndGuard& guard) : m_pWnd(pWnd), m_guard(guard) {
+    ModalLoopScope(CWnd* pWnd, const WndGuard& guard) : m_pWnd(pWnd), m_guard(guard) {
         m_pWnd->m_nFlags |= WF_MODALLOOP | WF_CONTINUEMODAL;
         ++m_state.nModalLoops;
     }
@@ -64,8 +68,9 @@ public:
     ~ModalLoopScope() {
         --m_state.nModalLoops;
         FreeTemporaries();
-        if (m_guard.IsAlive())
+        if (m_guard.IsAlive()) {
             m_pWnd->m_nFlags &= ~(WF_MODALLOOP | WF_CONTINUEMODAL);
+        }
     }
 
     // Those made since the loop began: what is older may belong to whoever called the loop.
@@ -74,7 +79,7 @@ public:
 private:
     ThreadState& m_state = ThreadState::Get();
     CWnd* m_pWnd;
-    const CWndGuard& m_guard;
+    const WndGuard& m_guard;
     size_t m_nTemporaries = m_state.temporaries.Count();
 };
 
@@ -119,19 +124,20 @@ private:
 }  // namespace
 
 int CWnd::RunModalLoop(DWORD dwFlags) {
-    const CWndGuard guard(this);
+    const WndGuard guard(this);
     ModalLoopScope scope(this, guard);
     const auto goesOn = [&] { return guard.IsAlive() && ContinueModal(); };
     IdleWork idle(this, dwFlags);
     IdleFilter filter;
     MSG message = {};
 
-    bool bIdle = true;
+    bool isIdle = true;
     while (goesOn()) {
-        if (bIdle && IsQueueEmpty()) {
+        if (isIdle && IsQueueEmpty()) {
             // A message that was sent meanwhile may have ended the loop.
-            if (goesOn())
-                bIdle = idle.Step();
+            if (goesOn()) {
+                isIdle = idle.Step();
+            }
             scope.FreeTemporaries();
             continue;
         }
@@ -145,7 +151,7 @@ int CWnd::RunModalLoop(DWORD dwFlags) {
                 return -1;
         }
         if (filter.EndsIdle(message)) {
-            bIdle = true;
+            isIdle = true;
             idle.Restart();
         }
     }
@@ -158,13 +164,15 @@ BOOL CWnd::ContinueModal() {
 
 void CWnd::EndModalLoop(int nResult) {
     // A window that is on its way out gives no other answer any more.
-    if ((m_nFlags & WF_DESTROYING) != 0)
+    if ((m_nFlags & WF_DESTROYING) != 0) {
         return;
+    }
     m_nModalResult = nResult;
     m_nFlags &= ~WF_CONTINUEMODAL;
     // The call may come out of a sent message, which leaves the loop waiting.
-    if ((m_nFlags & WF_MODALLOOP) != 0)
+    if ((m_nFlags & WF_MODALLOOP) != 0) {
         PostMessage(WM_NULL);
+    }
 }
 
 BOOL CWnd::PreTranslateMessage(MSG*) {
@@ -172,10 +180,11 @@ BOOL CWnd::PreTranslateMessage(MSG*) {
 }
 
 BOOL AfxPreTranslateMessage(MSG* pMsg) {
-    for (HWND hWnd = pMsg->hwnd; hWnd != nullptr; hWnd = ::GetParent(hWnd)) {
-        CWnd* pWnd = CWnd::FromHandlePermanent(hWnd);
-        if (pWnd != nullptr && pWnd->PreTranslateMessage(pMsg))
+    for (HWND window = pMsg->hwnd; window != nullptr; window = ::GetParent(window)) {
+        CWnd* target = CWnd::FromHandlePermanent(window);
+        if (target != nullptr && target->PreTranslateMessage(pMsg)) {
             return TRUE;
+        }
     }
     return FALSE;
 }

@@ -11,7 +11,7 @@
 namespace {
 
 // Guards the chain; never held while foreign code runs.
-mvp::CCriticalSection g_chainLock;
+mvp::CriticalSection g_chainLock;
 CDynLinkLibrary* g_pFirstLink = nullptr;
 
 // Null stands for the host's module.
@@ -20,10 +20,11 @@ std::atomic<HINSTANCE> g_hResource = nullptr;
 // The modules to look in, in order.
 std::vector<HINSTANCE> ResourceModules() {
     std::vector<HINSTANCE> modules{AfxGetResourceHandle()};
-    const mvp::CScopedLock lock(g_chainLock);
-    for (const CDynLinkLibrary* pLink = g_pFirstLink; pLink != nullptr; pLink = pLink->m_pNextDLL) {
-        if (pLink->m_hResource != nullptr)
-            modules.push_back(pLink->m_hResource);
+    const mvp::ScopedLock lock(g_chainLock);
+    for (const CDynLinkLibrary* link = g_pFirstLink; link != nullptr; link = link->m_pNextDLL) {
+        if (link->m_hResource != nullptr) {
+            modules.push_back(link->m_hResource);
+        }
     }
     return modules;
 }
@@ -37,12 +38,12 @@ HINSTANCE FirstThat(Holds holds) {
 
 // A link of the module, or with null any link, taken out of the chain.
 CDynLinkLibrary* UnlinkOne(HMODULE hModule) {
-    const mvp::CScopedLock lock(g_chainLock);
+    const mvp::ScopedLock lock(g_chainLock);
     for (CDynLinkLibrary** pp = &g_pFirstLink; *pp != nullptr; pp = &(*pp)->m_pNextDLL) {
         if (hModule == nullptr || (*pp)->m_hModule == hModule) {
-            CDynLinkLibrary* pLink = *pp;
-            *pp = pLink->m_pNextDLL;
-            return pLink;
+            CDynLinkLibrary* link = *pp;
+            *pp = link->m_pNextDLL;
+            return link;
         }
     }
     return nullptr;
@@ -51,29 +52,33 @@ CDynLinkLibrary* UnlinkOne(HMODULE hModule) {
 }  // namespace
 
 BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule) {
-    if (hModule == nullptr)
+    if (hModule == nullptr) {
         return FALSE;
-    if (!state.bInitialized)
+    }
+    if (!state.bInitialized) {
         state = {TRUE, hModule, hModule};
+    }
     return TRUE;
 }
 
 void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll) {
-    if (!state.bInitialized)
+    if (!state.bInitialized) {
         return;
-    while (CDynLinkLibrary* pLink = UnlinkOne(bAll ? nullptr : state.hModule))
-        delete pLink;
+    }
+    while (CDynLinkLibrary* link = UnlinkOne(bAll ? nullptr : state.hModule)) {
+        delete link;
+    }
     state = {};
 }
 
 CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& state)
     : m_hModule(state.hModule), m_hResource(state.hResource) {
-    const mvp::CScopedLock lock(g_chainLock);
+    const mvp::ScopedLock lock(g_chainLock);
     m_pNextDLL = std::exchange(g_pFirstLink, this);
 }
 
 CDynLinkLibrary::~CDynLinkLibrary() {
-    const mvp::CScopedLock lock(g_chainLock);
+    const mvp::ScopedLock lock(g_chainLock);
     for (CDynLinkLibrary** pp = &g_pFirstLink; *pp != nullptr; pp = &(*pp)->m_pNextDLL) {
         if (*pp == this) {
             *pp = m_pNextDLL;
@@ -94,8 +99,8 @@ HINSTANCE AfxGetInstanceHandle() {
 }
 
 HINSTANCE AfxGetResourceHandle() {
-    HINSTANCE hResource = g_hResource;
-    return hResource != nullptr ? hResource : AfxGetInstanceHandle();
+    HINSTANCE resource = g_hResource;
+    return resource != nullptr ? resource : AfxGetInstanceHandle();
 }
 
 void AfxSetResourceHandle(HINSTANCE hInstResource) {
@@ -111,7 +116,7 @@ HINSTANCE AfxFindResourceHandle(LPCSTR lpszName, LPCSTR lpszType) {
 // text itself is what is looked for.
 HINSTANCE AfxFindStringResourceHandle(UINT nID) {
     return FirstThat([=](HINSTANCE hInst) {
-        char szStart[2];
-        return LoadStringA(hInst, nID, szStart, static_cast<int>(sizeof(szStart))) > 0;
+        char start[2];
+        return LoadStringA(hInst, nID, start, static_cast<int>(sizeof(start))) > 0;
     });
 }

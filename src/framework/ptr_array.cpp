@@ -17,8 +17,9 @@ void CPtrArray::RemoveAll() {
 }
 
 void* CPtrArray::GetAt(INT_PTR nIndex) const {
-    if (nIndex < 0 || nIndex >= m_nSize)
+    if (nIndex < 0 || nIndex >= m_nSize) {
         throw std::out_of_range("CPtrArray::GetAt");
+    }
     return m_pData[nIndex];
 }
 
@@ -28,15 +29,17 @@ INT_PTR CPtrArray::Add(void* pElement) {
 }
 
 void CPtrArray::InsertAt(INT_PTR nIndex, void* pElement) {
-    if (nIndex < 0 || nIndex > m_nSize)
+    if (nIndex < 0 || nIndex > m_nSize) {
         throw std::out_of_range("CPtrArray::InsertAt");
+    }
     if (m_nSize == m_nMaxSize) {
-        const INT_PTR nMax = m_nMaxSize + std::max<INT_PTR>(4, m_nMaxSize / 2);
-        void* p = std::realloc(m_pData, static_cast<size_t>(nMax) * sizeof(void*));
-        if (p == nullptr)
+        const INT_PTR most = m_nMaxSize + std::max<INT_PTR>(4, m_nMaxSize / 2);
+        void* p = std::realloc(m_pData, static_cast<size_t>(most) * sizeof(void*));
+        if (p == nullptr) {
             throw std::bad_alloc();
+        }
         m_pData = static_cast<void**>(p);
-        m_nMaxSize = nMax;
+        m_nMaxSize = most;
     }
     std::move_backward(m_pData + nIndex, m_pData + m_nSize, m_pData + m_nSize + 1);
     m_pData[nIndex] = pElement;

@@ -29,17 +29,20 @@ size_t Size(int nLength) noexcept {
 }
 
 int Length(LPCSTR psz) {
-    if (psz == nullptr)
+    if (psz == nullptr) {
         return 0;
-    const size_t nLength = std::strlen(psz);
-    if (nLength >= INT_MAX)
+    }
+    const size_t length = std::strlen(psz);
+    if (length >= INT_MAX) {
         throw std::bad_alloc();
-    return static_cast<int>(nLength);
+    }
+    return static_cast<int>(length);
 }
 
 int Sum(int nLength1, int nLength2) {
-    if (nLength2 > INT_MAX - nLength1)
+    if (nLength2 > INT_MAX - nLength1) {
         throw std::bad_alloc();
+    }
     return nLength1 + nLength2;
 }
 
@@ -55,15 +58,17 @@ int Capacity(int nLength, int nPrevious) noexcept {
 struct CString::Block {
     explicit Block(int nCapacity)
         : pszData(static_cast<LPSTR>(std::calloc(Size(nCapacity) + 1, 1))), nAlloc(nCapacity) {
-        if (pszData == nullptr)
+        if (pszData == nullptr) {
             throw std::bad_alloc();
+        }
     }
     Block(LPSTR psz, int nCapacity) noexcept : pszData(psz), nAlloc(nCapacity) {}
     Block(const Block&) = delete;
     Block& operator=(const Block&) = delete;
     ~Block() {
-        if (pszData == EmptyText())
+        if (pszData == EmptyText()) {
             return;
+        }
         SecureZeroMemory(pszData, Size(nAlloc) + 1);
         std::free(pszData);
     }
@@ -80,8 +85,9 @@ void CString::Take(Block& block) noexcept {
 
 // Makes the storage writable and large enough; the text stays.
 void CString::Reserve(int nLength) {
-    if (m_nAlloc != 0 && nLength <= m_nAlloc)
+    if (m_nAlloc != 0 && nLength <= m_nAlloc) {
         return;
+    }
     Block block(Capacity(nLength, m_nAlloc));
     std::memcpy(block.pszData, m_pszData, Size(m_nLength));
     Take(block);
@@ -89,8 +95,9 @@ void CString::Reserve(int nLength) {
 
 // Ends the text at nLength and wipes the rest of the storage.
 void CString::SetLength(int nLength) noexcept {
-    if (m_nAlloc == 0)
+    if (m_nAlloc == 0) {
         return;
+    }
     SecureZeroMemory(m_pszData + nLength, Size(m_nAlloc - nLength) + 1);
     m_nLength = nLength;
 }
@@ -115,8 +122,9 @@ CString::CString(LPCSTR pch, int nLength) : CString() {
 }
 
 CString::CString(char ch, int nRepeat) : CString() {
-    if (nRepeat <= 0)
+    if (nRepeat <= 0) {
         return;
+    }
     std::memset(GetBuffer(nRepeat), ch, Size(nRepeat));
     ReleaseBuffer(nRepeat);
 }
@@ -126,8 +134,9 @@ CString::~CString() {
 }
 
 CString& CString::operator=(const CString& strSource) {
-    if (this != &strSource)
+    if (this != &strSource) {
         SetString(strSource.m_pszData, strSource.m_nLength);
+    }
     return *this;
 }
 
@@ -152,14 +161,16 @@ void CString::Empty() noexcept {
 }
 
 char CString::GetAt(int iChar) const {
-    if (iChar < 0 || iChar > m_nLength)
+    if (iChar < 0 || iChar > m_nLength) {
         throw std::out_of_range("CString::GetAt");
+    }
     return m_pszData[iChar];
 }
 
 void CString::SetAt(int iChar, char ch) {
-    if (iChar < 0 || iChar >= m_nLength)
+    if (iChar < 0 || iChar >= m_nLength) {
         throw std::out_of_range("CString::SetAt");
+    }
     m_pszData[iChar] = ch;
 }
 
@@ -188,18 +199,19 @@ void CString::Append(LPCSTR psz) {
 
 // The source may be a part of this very text, so the old storage goes last.
 void CString::Append(LPCSTR pch, int nLength) {
-    if (pch == nullptr || nLength <= 0)
+    if (pch == nullptr || nLength <= 0) {
         return;
-    const int nNewLength = Sum(m_nLength, nLength);
-    if (nNewLength <= m_nAlloc) {
+    }
+    const int newLength = Sum(m_nLength, nLength);
+    if (newLength <= m_nAlloc) {
         std::memmove(m_pszData + m_nLength, pch, Size(nLength));
     } else {
-        Block block(Capacity(nNewLength, m_nAlloc));
+        Block block(Capacity(newLength, m_nAlloc));
         std::memcpy(block.pszData, m_pszData, Size(m_nLength));
         std::memcpy(block.pszData + m_nLength, pch, Size(nLength));
         Take(block);
     }
-    m_nLength = nNewLength;
+    m_nLength = newLength;
 }
 
 void CString::AppendChar(char ch) {
@@ -222,8 +234,9 @@ CString& CString::operator+=(char ch) {
 }
 
 void CString::Truncate(int nNewLength) {
-    if (nNewLength < m_nLength)
+    if (nNewLength < m_nLength) {
         SetLength(std::max(nNewLength, 0));
+    }
 }
 
 LPSTR CString::GetBuffer() {
@@ -236,25 +249,26 @@ LPSTR CString::GetBuffer(int nMinBufLength) {
 }
 
 void CString::ReleaseBuffer(int nNewLength) {
-    if (nNewLength < 0)
+    if (nNewLength < 0) {
         nNewLength = static_cast<int>(strnlen(m_pszData, Size(m_nAlloc)));
+    }
     SetLength(std::min(nNewLength, m_nAlloc));
 }
 
 void CString::Format(LPCSTR pszFormat, ...) {
     va_list args;
     va_start(args, pszFormat);
-    const int nLength = std::vsnprintf(nullptr, 0, pszFormat, args);
+    const int length = std::vsnprintf(nullptr, 0, pszFormat, args);
     va_end(args);
 
-    CString strResult;
-    if (nLength > 0) {
+    CString result;
+    if (length > 0) {
         va_start(args, pszFormat);
-        std::vsnprintf(strResult.GetBuffer(nLength), Size(nLength) + 1, pszFormat, args);
+        std::vsnprintf(result.GetBuffer(length), Size(length) + 1, pszFormat, args);
         va_end(args);
-        strResult.ReleaseBuffer(nLength);
+        result.ReleaseBuffer(length);
     }
-    *this = std::move(strResult);
+    *this = std::move(result);
 }
 
 BOOL CString::LoadString(UINT nID) {
@@ -263,17 +277,18 @@ BOOL CString::LoadString(UINT nID) {
 
 BOOL CString::LoadString(HINSTANCE hInstance, UINT nID) {
     // The system tells a text's length only by filling a buffer that is larger.
-    CString strText;
-    for (int nCapacity = 255;; nCapacity = nCapacity * 2 + 1) {
-        const int nLength =
-            ::LoadStringA(hInstance, nID, strText.GetBuffer(nCapacity), nCapacity + 1);
-        strText.ReleaseBuffer(nLength);
-        if (nLength == 0)
+    CString text;
+    for (int capacity = 255;; capacity = capacity * 2 + 1) {
+        const int length = ::LoadStringA(hInstance, nID, text.GetBuffer(capacity), capacity + 1);
+        text.ReleaseBuffer(length);
+        if (length == 0) {
             return FALSE;
-        if (nLength < nCapacity)
+        }
+        if (length < capacity) {
             break;
+        }
     }
-    *this = std::move(strText);
+    *this = std::move(text);
     return TRUE;
 }
 

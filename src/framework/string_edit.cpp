@@ -32,15 +32,17 @@ int CString::CompareNoCase(LPCSTR psz) const {
 }
 
 int CString::Find(char ch, int iStart) const {
-    if (iStart < 0 || iStart >= m_nLength)
+    if (iStart < 0 || iStart >= m_nLength) {
         return -1;
+    }
     const char* pch = std::strchr(m_pszData + iStart, ch);
     return pch == nullptr ? -1 : static_cast<int>(pch - m_pszData);
 }
 
 int CString::Find(LPCSTR pszSub, int iStart) const {
-    if (pszSub == nullptr || iStart < 0 || iStart > m_nLength)
+    if (pszSub == nullptr || iStart < 0 || iStart > m_nLength) {
         return -1;
+    }
     const char* pch = std::strstr(m_pszData + iStart, pszSub);
     return pch == nullptr ? -1 : static_cast<int>(pch - m_pszData);
 }
@@ -64,49 +66,53 @@ CString CString::Right(int nCount) const {
 }
 
 int CString::Replace(char chOld, char chNew) {
-    if (chOld == chNew)
+    if (chOld == chNew) {
         return 0;
-    int nCount = 0;
+    }
+    int count = 0;
     for (int i = 0; i < m_nLength; ++i) {
         if (m_pszData[i] == chOld) {
             m_pszData[i] = chNew;
-            ++nCount;
+            ++count;
         }
     }
-    return nCount;
+    return count;
 }
 
 int CString::Replace(LPCSTR pszOld, LPCSTR pszNew) {
-    const int nOld = pszOld == nullptr ? 0 : static_cast<int>(std::strlen(pszOld));
-    if (nOld == 0)
+    const int old = pszOld == nullptr ? 0 : static_cast<int>(std::strlen(pszOld));
+    if (old == 0) {
         return 0;
-    CString strResult;
-    int nCount = 0;
-    int iRest = 0;
-    for (int i = Find(pszOld); i >= 0; i = Find(pszOld, iRest)) {
-        strResult.Append(m_pszData + iRest, i - iRest);
-        strResult.Append(pszNew);
-        iRest = i + nOld;
-        ++nCount;
     }
-    if (nCount == 0)
+    CString result;
+    int count = 0;
+    int rest = 0;
+    for (int i = Find(pszOld); i >= 0; i = Find(pszOld, rest)) {
+        result.Append(m_pszData + rest, i - rest);
+        result.Append(pszNew);
+        rest = i + old;
+        ++count;
+    }
+    if (count == 0) {
         return 0;
-    strResult.Append(m_pszData + iRest, m_nLength - iRest);
-    *this = std::move(strResult);
-    return nCount;
+    }
+    result.Append(m_pszData + rest, m_nLength - rest);
+    *this = std::move(result);
+    return count;
 }
 
 int CString::Remove(char chRemove) {
-    char* pEnd = std::remove(m_pszData, m_pszData + m_nLength, chRemove);
-    const int nNewLength = static_cast<int>(pEnd - m_pszData);
-    const int nCount = m_nLength - nNewLength;
-    Truncate(nNewLength);
-    return nCount;
+    char* end = std::remove(m_pszData, m_pszData + m_nLength, chRemove);
+    const int newLength = static_cast<int>(end - m_pszData);
+    const int count = m_nLength - newLength;
+    Truncate(newLength);
+    return count;
 }
 
 CString& CString::MakeUpper() {
-    if (m_nLength > 0)
+    if (m_nLength > 0) {
         CharUpperBuffA(m_pszData, static_cast<DWORD>(m_nLength));
+    }
     return *this;
 }
 
@@ -115,16 +121,17 @@ CString& CString::Trim() {
 }
 
 CString& CString::TrimLeft() {
-    const auto nCut = static_cast<int>(std::strspn(m_pszData, g_szWhiteSpace));
-    SetString(m_pszData + nCut, m_nLength - nCut);
+    const auto cut = static_cast<int>(std::strspn(m_pszData, g_szWhiteSpace));
+    SetString(m_pszData + cut, m_nLength - cut);
     return *this;
 }
 
 CString& CString::TrimRight() {
-    int nLength = m_nLength;
-    while (nLength > 0 && m_pszData[nLength - 1] != '\0' &&
-           std::strchr(g_szWhiteSpace, m_pszData[nLength - 1]) != nullptr)
-        --nLength;
-    Truncate(nLength);
+    int length = m_nLength;
+    while (length > 0 && m_pszData[length - 1] != '\0' &&
+           std::strchr(g_szWhiteSpace, m_pszData[length - 1]) != nullptr) {
+        --length;
+    }
+    Truncate(length);
     return *this;
 }

@@ -34,22 +34,23 @@ public:
     // The temporary object for the handle, made when there is none yet.
     template <class Object, class Handle>
     Object* Get(Handle handle) {
-        auto* pObject = Find<Object>(handle);
-        if (pObject == nullptr) {
-            auto pHolder = std::make_unique<Holder<Object>>();
-            pObject = &pHolder->object;
+        auto* object = Find<Object>(handle);
+        if (object == nullptr) {
+            auto holder = std::make_unique<Holder<Object>>();
+            object = &holder->object;
             m_entries.push_back({handle, &g_kind<Object>, {nullptr, &Free<Object>}});
-            m_entries.back().pHolder.reset(pHolder.release());
+            m_entries.back().pHolder.reset(holder.release());
         }
         // Who had it before may have detached it.
-        HandleOf(*pObject) = handle;
-        return pObject;
+        HandleOf(*object) = handle;
+        return object;
     }
 
     size_t Count() const noexcept { return m_entries.size(); }
     void FreeFrom(size_t nFirst) noexcept {
-        while (m_entries.size() > nFirst)
+        while (m_entries.size() > nFirst) {
             m_entries.pop_back();
+        }
     }
 
 private:

@@ -12,29 +12,29 @@ namespace {
 DWORD g_dwTlsIndex = TLS_OUT_OF_INDEXES;
 
 // All states there are, so that unloading the library frees those of the threads that live on.
-mvp::CCriticalSection g_statesLock;
+mvp::CriticalSection g_statesLock;
 std::vector<std::unique_ptr<ThreadState>> g_states;
 
 }  // namespace
 
 ThreadState* ThreadState::TryGet() noexcept {
     // Reading the slot resets the error code that a caller may be about to ask for.
-    const DWORD dwError = GetLastError();
-    auto* pState = static_cast<ThreadState*>(TlsGetValue(g_dwTlsIndex));
-    SetLastError(dwError);
-    return pState;
+    const DWORD error = GetLastError();
+    auto* state = static_cast<ThreadState*>(TlsGetValue(g_dwTlsIndex));
+    SetLastError(error);
+    return state;
 }
 
 ThreadState& ThreadState::Get() {
-    ThreadState* pState = TryGet();
-    if (pState == nullptr) {
-        auto pNew = std::make_unique<ThreadState>();
-        pState = pNew.get();
-        const mvp::CScopedLock lock(g_statesLock);
-        g_states.push_back(std::move(pNew));
-        TlsSetValue(g_dwTlsIndex, pState);
+    ThreadState* state = TryGet();
+    if (state == nullptr) {
+        auto newObject = std::make_unique<ThreadState>();
+        state = newObject.get();
+        const mvp::ScopedLock lock(g_statesLock);
+        g_states.push_back(std::move(newObject));
+        TlsSetValue(g_dwTlsIndex, state);
     }
-    return *pState;
+    return *state;
 }
 
 bool AttachProcess() noexcept {
@@ -43,17 +43,18 @@ bool AttachProcess() noexcept {
 }
 
 void DetachThread() noexcept {
-    const ThreadState* pState = ThreadState::TryGet();
-    if (pState == nullptr)
+    const ThreadState* state = ThreadState::TryGet();
+    if (state == nullptr) {
         return;
+    }
     TlsSetValue(g_dwTlsIndex, nullptr);
-    const mvp::CScopedLock lock(g_statesLock);
-    std::erase_if(g_states, [=](const auto& p) { return p.get() == pState; });
+    const mvp::ScopedLock lock(g_statesLock);
+    std::erase_if(g_states, [=](const auto& p) { return p.get() == state; });
 }
 
 void DetachProcess() noexcept {
     {
-        const mvp::CScopedLock lock(g_statesLock);
+        const mvp::ScopedLock lock(g_statesLock);
         g_states.clear();
     }
     TlsFree(g_dwTlsIndex);

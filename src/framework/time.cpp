@@ -5,13 +5,14 @@ CTime CTime::GetCurrentTime() noexcept {
 }
 
 CString CTime::Format(LPCSTR pszFormat) const {
-    constexpr int nMaxLength = 1024;
+    constexpr int maxLength = 1024;
     struct tm fields = {};
-    CString strText;
-    if (pszFormat == nullptr || _localtime64_s(&fields, &m_time) != 0)
-        return strText;
-    const size_t nLength =
-        std::strftime(strText.GetBuffer(nMaxLength), nMaxLength + 1, pszFormat, &fields);
-    strText.ReleaseBuffer(static_cast<int>(nLength));
-    return strText;
+    CString text;
+    if (pszFormat == nullptr || _localtime64_s(&fields, &m_time) != 0) {
+        return text;
+    }
+    const size_t length =
+        std::strftime(text.GetBuffer(maxLength), maxLength + 1, pszFormat, &fields);
+    text.ReleaseBuffer(static_cast<int>(length));
+    return text;
 }

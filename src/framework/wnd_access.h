@@ -10,27 +10,27 @@
 LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 
 // Knows whether a window object still exists after foreign code ran. Lives on the stack.
-class CWndGuard {
+class WndGuard {
 public:
-    explicit CWndGuard(CWnd* pWnd) noexcept;
-    CWndGuard(const CWndGuard&) = delete;
-    CWndGuard& operator=(const CWndGuard&) = delete;
-    ~CWndGuard();
+    explicit WndGuard(CWnd* pWnd) noexcept;
+    WndGuard(const WndGuard&) = delete;
+    WndGuard& operator=(const WndGuard&) = delete;
+    ~WndGuard();
 
     bool IsAlive() const noexcept { return m_pWnd != nullptr; }
 
 private:
-    friend class CWndAccess;
+    friend class WndAccess;
     CWnd* m_pWnd;
-    CWndGuard* m_pNext;
+    WndGuard* m_pNext;
 };
 
 // Posted to a window that is being destroyed, which takes the message with it.
 constexpr UINT WM_STILLTHERE = 0x037E;
 
-class CWndAccess {
+class WndAccess {
 public:
-    static CWndGuard*& Guards(CWnd& wnd) noexcept { return wnd.m_pGuards; }
+    static WndGuard*& Guards(CWnd& wnd) noexcept { return wnd.m_pGuards; }
     // From the destructor: tells every guard.
     static void OnDeleted(CWnd& wnd) noexcept;
 
@@ -44,8 +44,8 @@ public:
     // What a message about the window's end stands for. Whoever sends WM_NCDESTROY alone is not the
     // system, and the handlers of WM_DESTROY have to run first.
     static UINT EndMessage(const CWnd& wnd, UINT message) noexcept {
-        const bool bFirst = (wnd.m_nFlags & WF_DESTROYING) == 0;
-        return message == WM_NCDESTROY && bFirst ? WM_DESTROY : message;
+        const bool first = (wnd.m_nFlags & WF_DESTROYING) == 0;
+        return message == WM_NCDESTROY && first ? WM_DESTROY : message;
     }
     // Before the handlers of WM_DESTROY.
     static void OnDestroying(CWnd& wnd) noexcept;

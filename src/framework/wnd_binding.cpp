@@ -14,57 +14,63 @@
 using dlgfw::ThreadState;
 using dlgfw::Windows;
 
-CWndGuard::CWndGuard(CWnd* pWnd) noexcept
-    : m_pWnd(pWnd), m_pNext(std::exchange(CWndAccess::Guards(*pWnd), this)) {}
+WndGuard::WndGuard(CWnd* pWnd) noexcept
+    : m_pWnd(pWnd), m_pNext(std::exchange(WndAccess::Guards(*pWnd), this)) {}
 
-CWndGuard::~CWndGuard() {
+WndGuard::~WndGuard() {
     // Guards live on the stack, so the newest goes first.
-    if (m_pWnd != nullptr)
-        CWndAccess::Guards(*m_pWnd) = m_pNext;
+    if (m_pWnd != nullptr) {
+        WndAccess::Guards(*m_pWnd) = m_pNext;
+    }
 }
 
-void CWndAccess::OnDeleted(CWnd& wnd) noexcept {
-    for (CWndGuard* p = std::exchange(wnd.m_pGuards, nullptr); p != nullptr; p = p->m_pNext)
+void WndAccess::OnDeleted(CWnd& wnd) noexcept {
+    for (WndGuard* p = std::exchange(wnd.m_pGuards, nullptr); p != nullptr; p = p->m_pNext) {
         p->m_pWnd = nullptr;
+    }
 }
 
-void CWndAccess::Bind(CWnd& wnd, HWND hWnd) {
+void WndAccess::Bind(CWnd& wnd, HWND hWnd) {
     Windows().Insert(hWnd, &wnd);
     wnd.m_hWnd = hWnd;
     wnd.PreSubclassWindow();
     Subclass(wnd);
 }
 
-bool CWndAccess::Subclass(CWnd& wnd) {
-    const LONG_PTR lOld =
+bool WndAccess::Subclass(CWnd& wnd) {
+    const LONG_PTR old =
         ::SetWindowLongPtrA(wnd.m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&AfxWndProc));
-    const auto pfnOld = reinterpret_cast<WNDPROC>(lOld);
-    if (pfnOld != &AfxWndProc)
-        wnd.m_pfnSuper = pfnOld;
-    return pfnOld != nullptr;
+    const auto oldFunction = reinterpret_cast<WNDPROC>(old);
+    if (oldFunction != &AfxWndProc) {
+        wnd.m_pfnSuper = oldFunction;
+    }
+    return oldFunction != nullptr;
 }
 
-void CWndAccess::BreakModalLoop(CWnd& wnd) noexcept {
-    if ((wnd.m_nFlags & WF_CONTINUEMODAL) == 0)
+void WndAccess::BreakModalLoop(CWnd& wnd) noexcept {
+    if ((wnd.m_nFlags & WF_CONTINUEMODAL) == 0) {
         return;
+    }
     wnd.m_nModalResult = -1;
     wnd.m_nFlags &= ~WF_CONTINUEMODAL;
     // The loop may be waiting for messages, and this window may get none any more.
-    if ((wnd.m_nFlags & WF_MODALLOOP) != 0)
+    if ((wnd.m_nFlags & WF_MODALLOOP) != 0) {
         ::PostThreadMessageA(::GetCurrentThreadId(), WM_NULL, 0, 0);
+    }
 }
 
-void CWndAccess::OnDestroying(CWnd& wnd) noexcept {
+void WndAccess::OnDestroying(CWnd& wnd) noexcept {
     wnd.m_nFlags |= WF_DESTROYING;
     BreakModalLoop(wnd);
     ::PostMessageA(wnd.m_hWnd, WM_STILLTHERE, 0, 0);
 }
 
-void CWndAccess::OnStillThere(HWND hWnd) {
+void WndAccess::OnStillThere(HWND hWnd) {
     // Somebody tampers with the dialog that the window belongs to: nothing may come of that one.
     for (HWND h = hWnd; h != nullptr; h = ::GetAncestor(h, GA_PARENT)) {
-        if (CWnd* pWnd = CWnd::FromHandlePermanent(h))
-            BreakModalLoop(*pWnd);
+        if (CWnd* creating = CWnd::FromHandlePermanent(h)) {
+            BreakModalLoop(*creating);
+        }
     }
     ::DestroyWindow(hWnd);
 }
@@ -74,27 +80,29 @@ namespace {
 
 // The system makes a window of its own for input methods along with a thread's first window.
 bool IsInputMethodWindow(HWND hWnd) {
-    char szClass[8] = "";
-    ::GetClassNameA(hWnd, szClass, sizeof(szClass));
-    return _stricmp(szClass, "ime") == 0;
+    char className[8] = "";
+    ::GetClassNameA(hWnd, className, sizeof(className));
+    return _stricmp(className, "ime") == 0;
 }
 
 LRESULT CALLBACK CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam) {
-    ThreadState* pState = ThreadState::TryGet();
-    if (pState == nullptr)
+    ThreadState* state = ThreadState::TryGet();
+    if (state == nullptr) {
         return 0;
-    HHOOK hHook = pState->hCreationHook;
-    auto* hWnd = reinterpret_cast<HWND>(wParam);
-    if (nCode != HCBT_CREATEWND || pState->pCreating == nullptr || IsInputMethodWindow(hWnd))
-        return ::CallNextHookEx(hHook, nCode, wParam, lParam);
+    }
+    HHOOK hook = state->hCreationHook;
+    auto* window = reinterpret_cast<HWND>(wParam);
+    if (nCode != HCBT_CREATEWND || state->pCreating == nullptr || IsInputMethodWindow(window)) {
+        return ::CallNextHookEx(hook, nCode, wParam, lParam);
+    }
 
-    CWnd* pWnd = std::exchange(pState->pCreating, nullptr);
-    const bool bBound =
-        mvp::Guarded([=] { CWndAccess::Bind(*pWnd, hWnd); }, [] { ReportException(WM_NCCREATE); });
-    const LRESULT lResult = ::CallNextHookEx(hHook, nCode, wParam, lParam);
+    CWnd* creating = std::exchange(state->pCreating, nullptr);
+    const bool bound = mvp::Guarded([=] { WndAccess::Bind(*creating, window); },
+                                    [] { ReportException(WM_NCCREATE); });
+    const LRESULT result = ::CallNextHookEx(hook, nCode, wParam, lParam);
     // Windows that this one creates in turn are none of ours.
-    ::UnhookWindowsHookEx(std::exchange(pState->hCreationHook, nullptr));
-    return bBound ? lResult : 1;  // 1 forbids the window
+    ::UnhookWindowsHookEx(std::exchange(state->hCreationHook, nullptr));
+    return bound ? result : 1;  // 1 forbids the window
 }
 
 }  // namespace
@@ -108,8 +116,9 @@ CreationHook::CreationHook(CWnd* pWnd)
           ::SetWindowsHookExA(WH_CBT, &CreationHookProc, nullptr, ::GetCurrentThreadId()))) {}
 
 CreationHook::~CreationHook() {
-    if (m_state.hCreationHook != nullptr)
+    if (m_state.hCreationHook != nullptr) {
         ::UnhookWindowsHookEx(m_state.hCreationHook);
+    }
     m_state.hCreationHook = m_hOuterHook;
     m_state.pCreating = m_pOuter;
 }
@@ -117,11 +126,13 @@ CreationHook::~CreationHook() {
 }  // namespace dlgfw
 
 CWnd::~CWnd() {
-    if (m_hWnd != nullptr && Windows().Find(m_hWnd) == this)
+    if (m_hWnd != nullptr && Windows().Find(m_hWnd) == this) {
         CWnd::DestroyWindow();
-    if (m_hWnd != nullptr)
+    }
+    if (m_hWnd != nullptr) {
         Windows().Erase(m_hWnd, this);
-    CWndAccess::OnDeleted(*this);
+    }
+    WndAccess::OnDeleted(*this);
 }
 
 CWnd* CWnd::FromHandle(HWND hWnd) {
@@ -133,32 +144,36 @@ CWnd* CWnd::FromHandlePermanent(HWND hWnd) {
 }
 
 void CWnd::DeleteTempMap() {
-    if (ThreadState* pState = ThreadState::TryGet())
-        pState->temporaries.FreeFrom(0);
+    if (ThreadState* state = ThreadState::TryGet()) {
+        state->temporaries.FreeFrom(0);
+    }
 }
 
 BOOL CWnd::Attach(HWND hWnd) {
-    if (hWnd == nullptr || m_hWnd != nullptr || FromHandlePermanent(hWnd) != nullptr)
+    if (hWnd == nullptr || m_hWnd != nullptr || FromHandlePermanent(hWnd) != nullptr) {
         return FALSE;
+    }
     Windows().Insert(hWnd, this);
     m_hWnd = hWnd;
     return TRUE;
 }
 
 HWND CWnd::Detach() {
-    HWND hWnd = std::exchange(m_hWnd, nullptr);
+    HWND window = std::exchange(m_hWnd, nullptr);
     m_nFlags &= ~WF_DESTROYING;
-    Windows().Erase(hWnd, this);
-    return hWnd;
+    Windows().Erase(window, this);
+    return window;
 }
 
 BOOL CWnd::SubclassWindow(HWND hWnd) {
     // The messages of another thread's window would not find the object.
-    if (::GetWindowThreadProcessId(hWnd, nullptr) != ::GetCurrentThreadId() || !Attach(hWnd))
+    if (::GetWindowThreadProcessId(hWnd, nullptr) != ::GetCurrentThreadId() || !Attach(hWnd)) {
         return FALSE;
+    }
     PreSubclassWindow();
-    if (CWndAccess::Subclass(*this))
+    if (WndAccess::Subclass(*this)) {
         return TRUE;
+    }
     Detach();
     return FALSE;
 }
@@ -168,9 +183,10 @@ BOOL CWnd::SubclassDlgItem(UINT nID, CWnd* pParent) {
 }
 
 BOOL CWnd::PreCreateWindow(CREATESTRUCTA& cs) {
-    if (cs.lpszClass == nullptr)
+    if (cs.lpszClass == nullptr) {
         cs.lpszClass = AfxRegisterWndClass(CS_DBLCLKS, ::LoadCursorA(nullptr, IDC_ARROW),
                                            ::GetSysColorBrush(COLOR_WINDOW));
+    }
     return cs.lpszClass != nullptr;
 }
 
@@ -184,26 +200,29 @@ namespace {
 // end, the object gets its PostNcDestroy as if one had been there.
 template <class Create>
 HWND CreateBound(CWnd& wnd, Create create) {
-    const CWndGuard guard(&wnd);
-    HWND hWnd = nullptr;
-    bool bCame = false;
+    const WndGuard guard(&wnd);
+    HWND window = nullptr;
+    bool came = false;
     {
         const dlgfw::CreationHook hook(&wnd);
-        hWnd = create();
-        bCame = hook.IsDone();
+        window = create();
+        came = hook.IsDone();
     }
-    if (!guard.IsAlive())
+    if (!guard.IsAlive()) {
         return nullptr;
-    if (hWnd != nullptr && wnd.m_hWnd == hWnd)
-        return hWnd;
+    }
+    if (window != nullptr && wnd.m_hWnd == window) {
+        return window;
+    }
     // Without the hook it is nobody's window.
-    if (hWnd != nullptr && !bCame)
-        ::DestroyWindow(hWnd);
+    if (window != nullptr && !came) {
+        ::DestroyWindow(window);
+    }
     // A window that came and went has run through OnNcDestroy, unless its very creation was
     // refused.
-    if (!bCame || wnd.m_hWnd != nullptr) {
+    if (!came || wnd.m_hWnd != nullptr) {
         wnd.Detach();
-        CWndAccess::PostNcDestroy(wnd);
+        WndAccess::PostNcDestroy(wnd);
     }
     return nullptr;
 }
@@ -261,15 +280,16 @@ BOOL CWnd::CreateDlgIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd, 
 
     m_nModalResult = -1;
     m_nFlags |= WF_CONTINUEMODAL;
-    const CWndGuard guard(this);
-    HWND hWndParent = pParentWnd == nullptr ? nullptr : pParentWnd->m_hWnd;
-    HWND hWnd = CreateBound(*this, [=] {
-        return ::CreateDialogIndirectParamA(hInst, lpDialogTemplate, hWndParent, &DialogProc, 0);
+    const WndGuard guard(this);
+    HWND parent = pParentWnd == nullptr ? nullptr : pParentWnd->m_hWnd;
+    HWND window = CreateBound(*this, [=] {
+        return ::CreateDialogIndirectParamA(hInst, lpDialogTemplate, parent, &DialogProc, 0);
     });
-    if (hWnd == nullptr)
+    if (window == nullptr) {
         return FALSE;
+    }
     if ((m_nFlags & WF_CONTINUEMODAL) == 0) {
-        ::DestroyWindow(hWnd);
+        ::DestroyWindow(window);
         return FALSE;
     }
     return TRUE;

@@ -15,9 +15,9 @@ HWND HandleOrNull(const CWnd* pWnd) {
 }
 
 void ReadText(HWND hWnd, CString& rString) {
-    const int nLength = ::GetWindowTextLengthA(hWnd);
-    const int nRead = ::GetWindowTextA(hWnd, rString.GetBuffer(nLength), nLength + 1);
-    rString.ReleaseBuffer(nRead);
+    const int length = ::GetWindowTextLengthA(hWnd);
+    const int read = ::GetWindowTextA(hWnd, rString.GetBuffer(length), length + 1);
+    rString.ReleaseBuffer(read);
 }
 
 }  // namespace
@@ -43,8 +43,8 @@ int CWnd::GetWindowTextLength() const {
 }
 
 void CWnd::SetFont(CFont* pFont, BOOL bRedraw) {
-    HGDIOBJ hFont = pFont == nullptr ? nullptr : pFont->m_hObject;
-    SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(hFont), bRedraw);
+    HGDIOBJ font = pFont == nullptr ? nullptr : pFont->m_hObject;
+    SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(font), bRedraw);
 }
 CFont* CWnd::GetFont() const {
     return CFont::FromHandle(reinterpret_cast<HFONT>(SendMessage(WM_GETFONT)));
@@ -58,14 +58,16 @@ DWORD CWnd::GetStyle() const {
     return static_cast<DWORD>(::GetWindowLongPtrA(m_hWnd, GWL_STYLE));
 }
 BOOL CWnd::ModifyStyleEx(DWORD dwRemove, DWORD dwAdd, UINT nFlags) {
-    const auto dwOld = static_cast<DWORD>(::GetWindowLongPtrA(m_hWnd, GWL_EXSTYLE));
-    const DWORD dwNew = (dwOld & ~dwRemove) | dwAdd;
-    if (dwNew == dwOld)
+    const auto old = static_cast<DWORD>(::GetWindowLongPtrA(m_hWnd, GWL_EXSTYLE));
+    const DWORD newValue = (old & ~dwRemove) | dwAdd;
+    if (newValue == old) {
         return FALSE;
-    ::SetWindowLongPtrA(m_hWnd, GWL_EXSTYLE, static_cast<LONG_PTR>(dwNew));
-    if (nFlags != 0)
+    }
+    ::SetWindowLongPtrA(m_hWnd, GWL_EXSTYLE, static_cast<LONG_PTR>(newValue));
+    if (nFlags != 0) {
         SetWindowPos(nullptr, 0, 0, 0, 0,
                      SWP_NOSIZE | SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | nFlags);
+    }
     return TRUE;
 }
 
@@ -133,8 +135,8 @@ void CWnd::Invalidate(BOOL bErase) {
     ::InvalidateRect(m_hWnd, nullptr, bErase);
 }
 BOOL CWnd::RedrawWindow(LPCRECT lpRectUpdate, CRgn* prgnUpdate, UINT flags) {
-    HGDIOBJ hRgn = prgnUpdate == nullptr ? nullptr : prgnUpdate->m_hObject;
-    return ::RedrawWindow(m_hWnd, lpRectUpdate, static_cast<HRGN>(hRgn), flags);
+    HGDIOBJ region = prgnUpdate == nullptr ? nullptr : prgnUpdate->m_hObject;
+    return ::RedrawWindow(m_hWnd, lpRectUpdate, static_cast<HRGN>(region), flags);
 }
 
 UINT_PTR CWnd::SetTimer(UINT_PTR nIDEvent, UINT nElapse, TIMERPROC lpfnTimer) {
@@ -161,11 +163,12 @@ void CWnd::SetDlgItemText(int nID, LPCSTR lpszString) {
     ::SetDlgItemTextA(m_hWnd, nID, lpszString);
 }
 int CWnd::GetDlgItemText(int nID, CString& rString) const {
-    HWND hWndItem = ::GetDlgItem(m_hWnd, nID);
-    if (hWndItem == nullptr)
+    HWND item = ::GetDlgItem(m_hWnd, nID);
+    if (item == nullptr) {
         rString.Empty();
-    else
-        ReadText(hWndItem, rString);
+    } else {
+        ReadText(item, rString);
+    }
     return rString.GetLength();
 }
 void CWnd::CheckDlgButton(int nIDButton, UINT nCheck) {
@@ -180,20 +183,21 @@ int CWnd::MessageBox(LPCSTR lpszText, LPCSTR lpszCaption, UINT nType) {
 }
 
 void CWnd::CenterWindow() {
-    HWND hWndCenter = ::GetWindow(m_hWnd, GW_OWNER);
+    HWND center = ::GetWindow(m_hWnd, GW_OWNER);
     // A window that nobody sees is no place to be over.
-    if (!::IsWindowVisible(hWndCenter) || ::IsIconic(hWndCenter))
-        hWndCenter = nullptr;
+    if (!::IsWindowVisible(center) || ::IsIconic(center)) {
+        center = nullptr;
+    }
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof(monitor);
-    ::GetMonitorInfoA(
-        ::MonitorFromWindow(hWndCenter, hWndCenter == nullptr ? MONITOR_DEFAULTTOPRIMARY
-                                                              : MONITOR_DEFAULTTONEAREST),
-        &monitor);
+    ::GetMonitorInfoA(::MonitorFromWindow(center, center == nullptr ? MONITOR_DEFAULTTOPRIMARY
+                                                                    : MONITOR_DEFAULTTONEAREST),
+                      &monitor);
     const CRect rectArea(monitor.rcWork);
     CRect rectCenter(rectArea);
-    if (hWndCenter != nullptr)
-        ::GetWindowRect(hWndCenter, rectCenter);
+    if (center != nullptr) {
+        ::GetWindowRect(center, rectCenter);
+    }
     CRect rect;
     GetWindowRect(rect);
     // Within the area; where it is too large, its top left corner is what must be seen.
@@ -206,13 +210,14 @@ void CWnd::CenterWindow() {
 }
 
 LPCSTR AfxRegisterWndClass(UINT nClassStyle, HCURSOR hCursor, HBRUSH hbrBackground, HICON hIcon) {
-    auto& szName = dlgfw::ThreadState::Get().szWndClass;
-    std::snprintf(szName, sizeof(szName), "dlgfw:%x:%p:%p:%p", nClassStyle,
+    auto& name = dlgfw::ThreadState::Get().szWndClass;
+    std::snprintf(name, sizeof(name), "dlgfw:%x:%p:%p:%p", nClassStyle,
                   static_cast<const void*>(hCursor), static_cast<const void*>(hbrBackground),
                   static_cast<const void*>(hIcon));
     WNDCLASSA wndClass = {};
-    if (::GetClassInfoA(AfxGetInstanceHandle(), szName, &wndClass))
-        return szName;
+    if (::GetClassInfoA(AfxGetInstanceHandle(), name, &wndClass)) {
+        return name;
+    }
     // Windows of the class get their object at creation, so the class itself knows no procedure of
     // ours and does no harm when it outlives this library.
     wndClass = {};
@@ -222,8 +227,8 @@ LPCSTR AfxRegisterWndClass(UINT nClassStyle, HCURSOR hCursor, HBRUSH hbrBackgrou
     wndClass.hIcon = hIcon;
     wndClass.hCursor = hCursor;
     wndClass.hbrBackground = hbrBackground;
-    wndClass.lpszClassName = szName;
-    return ::RegisterClassA(&wndClass) != 0 ? szName : nullptr;
+    wndClass.lpszClassName = name;
+    return ::RegisterClassA(&wndClass) != 0 ? name : nullptr;
 }
 
 CWaitCursor::CWaitCursor() : m_hOld(::GetCursor()) {

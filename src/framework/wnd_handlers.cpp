@@ -8,12 +8,13 @@ namespace {
 
 // To every descendant that has an object on this thread.
 void SendToDescendants(HWND hWnd, const MSG& message) {
-    HWND hWndNext = nullptr;
-    for (HWND hWndChild = ::GetTopWindow(hWnd); hWndChild != nullptr; hWndChild = hWndNext) {
-        if (CWnd::FromHandlePermanent(hWndChild) != nullptr)
-            ::SendMessageA(hWndChild, message.message, message.wParam, message.lParam);
-        SendToDescendants(hWndChild, message);
-        hWndNext = ::GetWindow(hWndChild, GW_HWNDNEXT);
+    HWND next = nullptr;
+    for (HWND child = ::GetTopWindow(hWnd); child != nullptr; child = next) {
+        if (CWnd::FromHandlePermanent(child) != nullptr) {
+            ::SendMessageA(child, message.message, message.wParam, message.lParam);
+        }
+        SendToDescendants(child, message);
+        next = ::GetWindow(child, GW_HWNDNEXT);
     }
 }
 
@@ -27,12 +28,13 @@ END_MESSAGE_MAP()
 
 // The last message of a window. Nothing touches the object after PostNcDestroy.
 void CWnd::OnNcDestroy() {
-    const CWndGuard guard(this);
+    const WndGuard guard(this);
     Default();
-    if (!guard.IsAlive())
+    if (!guard.IsAlive()) {
         return;
+    }
     // The window keeps our procedure: should it not have been destroyed, that sees to its end.
-    CWndAccess::ForgetWindowProc(*this);
+    WndAccess::ForgetWindowProc(*this);
     Detach();
     PostNcDestroy();
 }
@@ -57,10 +59,11 @@ BOOL CWnd::OnEraseBkgnd(CDC*) {
 }
 
 HBRUSH CWnd::OnCtlColor(CDC*, CWnd* pWnd, UINT) {
-    LRESULT lResult = 0;
-    if (pWnd == nullptr || !pWnd->SendChildNotifyLastMsg(&lResult))
-        lResult = Default();
-    return reinterpret_cast<HBRUSH>(lResult);
+    LRESULT result = 0;
+    if (pWnd == nullptr || !pWnd->SendChildNotifyLastMsg(&result)) {
+        result = Default();
+    }
+    return reinterpret_cast<HBRUSH>(result);
 }
 
 // The system tells top-level windows only.
@@ -76,8 +79,9 @@ void CWnd::OnSettingChange(UINT, LPCSTR) {
 
 void CWnd::SendCurrentToDescendants() {
     const MSG message = *GetCurrentMessage();
-    if ((GetStyle() & WS_CHILD) == 0)
+    if ((GetStyle() & WS_CHILD) == 0) {
         SendToDescendants(m_hWnd, message);
+    }
 }
 
 void CWnd::OnSetFocus(CWnd*) {

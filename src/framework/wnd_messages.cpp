@@ -20,10 +20,10 @@ namespace {
 constexpr UINT g_nFirstRegistered = 0xC000;
 
 void WriteDebugLine(UINT message) {
-    char szLine[80];
-    std::snprintf(szLine, sizeof(szLine),
-                  "dlgfw: an exception ended the handler of message 0x%04X\n", message);
-    ::OutputDebugStringA(szLine);
+    char line[80];
+    std::snprintf(line, sizeof(line), "dlgfw: an exception ended the handler of message 0x%04X\n",
+                  message);
+    ::OutputDebugStringA(line);
 }
 
 std::atomic<AFX_EXCEPTION_REPORTER> g_pfnReporter = &WriteDebugLine;
@@ -41,8 +41,9 @@ public:
         m_state.lastMessage = m_outer;
         // With nobody of ours left on the stack but a plain message loop, temporaries made by the
         // handler are nobody's. Within a modal loop they go when it is idle.
-        if (--m_state.nDispatchDepth == 0 && m_state.nModalLoops == 0)
+        if (--m_state.nDispatchDepth == 0 && m_state.nModalLoops == 0) {
             m_state.temporaries.FreeFrom(m_nTemporaries);
+        }
     }
 
 private:
@@ -52,13 +53,13 @@ private:
 };
 
 // Reports the exception that a handler threw and sees that the window gets on without it.
-void AfterException(CWnd* pWnd, const CWndGuard& guard, HWND hWnd, UINT message) noexcept {
+void AfterException(CWnd* pWnd, const WndGuard& guard, HWND hWnd, UINT message) noexcept {
     dlgfw::ReportException(message);
     if (message == WM_PAINT) {
         ::ValidateRect(hWnd, nullptr);  // or it would come again at once
     } else if (message == WM_INITDIALOG && guard.IsAlive()) {
         // CreateDlgIndirect sees the end of the modal state and gives the window up.
-        CWndAccess::BreakModalLoop(*pWnd);
+        WndAccess::BreakModalLoop(*pWnd);
     } else if (message == WM_NCDESTROY && guard.IsAlive() && pWnd->m_hWnd == hWnd) {
         pWnd->Detach();
     }
@@ -73,8 +74,9 @@ UINT MapNumber(UINT message) {
 // What an entry answers. A registered message whose registration failed, or has yet to come,
 // answers nothing.
 UINT EntryNumber(const AFX_MSGMAP_ENTRY& entry) {
-    if (entry.pnRegistered != nullptr && *entry.pnRegistered >= g_nFirstRegistered)
+    if (entry.pnRegistered != nullptr && *entry.pnRegistered >= g_nFirstRegistered) {
         return *entry.pnRegistered;
+    }
     return entry.nMessage;
 }
 
@@ -89,26 +91,29 @@ AFX_EXCEPTION_REPORTER AfxSetExceptionReporter(AFX_EXCEPTION_REPORTER pfnReporte
 }
 
 LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    CWnd* pWnd = CWnd::FromHandlePermanent(hWnd);
-    if (message == WM_STILLTHERE && (pWnd == nullptr || (pWnd->m_nFlags & WF_DESTROYING) != 0)) {
-        CWndAccess::OnStillThere(hWnd);
+    CWnd* window = CWnd::FromHandlePermanent(hWnd);
+    if (message == WM_STILLTHERE &&
+        (window == nullptr || (window->m_nFlags & WF_DESTROYING) != 0)) {
+        WndAccess::OnStillThere(hWnd);
         return 0;
     }
-    if (pWnd == nullptr)
+    if (window == nullptr) {
         return ::DefWindowProcA(hWnd, message, wParam, lParam);
-    message = CWndAccess::EndMessage(*pWnd, message);
-    if (message == WM_DESTROY)
-        CWndAccess::OnDestroying(*pWnd);
-    const CWndGuard guard(pWnd);
-    const LRESULT lFailed = message == WM_CREATE ? -1 : 0;  // -1: no window
+    }
+    message = WndAccess::EndMessage(*window, message);
+    if (message == WM_DESTROY) {
+        WndAccess::OnDestroying(*window);
+    }
+    const WndGuard guard(window);
+    const LRESULT failed = message == WM_CREATE ? -1 : 0;  // -1: no window
     return mvp::Guarded(
-        lFailed,
+        failed,
         [&] {
             const DispatchScope scope(ThreadState::Get(),
                                       MSG{hWnd, message, wParam, lParam, 0, {0, 0}});
-            return CWndAccess::WindowProc(*pWnd, message, wParam, lParam);
+            return WndAccess::WindowProc(*window, message, wParam, lParam);
         },
-        [&] { AfterException(pWnd, guard, hWnd, message); });
+        [&] { AfterException(window, guard, hWnd, message); });
 }
 
 const MSG* CWnd::GetCurrentMessage() {
@@ -116,16 +121,18 @@ const MSG* CWnd::GetCurrentMessage() {
 }
 
 LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-    const CWndGuard guard(this);
-    LRESULT lResult = 0;
-    if (!OnWndMsg(message, wParam, lParam, &lResult) && guard.IsAlive())
-        lResult = DefWindowProc(message, wParam, lParam);
-    return lResult;
+    const WndGuard guard(this);
+    LRESULT result = 0;
+    if (!OnWndMsg(message, wParam, lParam, &result) && guard.IsAlive()) {
+        result = DefWindowProc(message, wParam, lParam);
+    }
+    return result;
 }
 
 LRESULT CWnd::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (m_pfnSuper != nullptr)
+    if (m_pfnSuper != nullptr) {
         return ::CallWindowProcA(m_pfnSuper, m_hWnd, message, wParam, lParam);
+    }
     return ::DefWindowProcA(m_hWnd, message, wParam, lParam);
 }
 
@@ -136,54 +143,63 @@ LRESULT CWnd::Default() {
 
 BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
     if (message == WM_COMMAND) {
-        const BOOL bHandled = OnCommand(wParam, lParam);
-        if (bHandled)
+        const BOOL handled = OnCommand(wParam, lParam);
+        if (handled) {
             *pResult = 1;
-        return bHandled;
+        }
+        return handled;
     }
-    if (message == WM_NOTIFY)
+    if (message == WM_NOTIFY) {
         return lParam != 0 && OnNotify(wParam, lParam, pResult);
+    }
 
-    const CWndGuard guard(this);
-    const UINT nNumber = MapNumber(message);
-    for (const AFX_MSGMAP* pMap = GetMessageMap(); pMap != nullptr;
-         pMap = pMap->pfnGetBaseMap == nullptr ? nullptr : pMap->pfnGetBaseMap()) {
-        for (const AFX_MSGMAP_ENTRY* p = pMap->lpEntries; p->pfnThunk != nullptr; ++p) {
-            if (EntryNumber(*p) != nNumber)
+    const WndGuard guard(this);
+    const UINT number = MapNumber(message);
+    for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr;
+         map = map->pfnGetBaseMap == nullptr ? nullptr : map->pfnGetBaseMap()) {
+        for (const AFX_MSGMAP_ENTRY* p = map->lpEntries; p->pfnThunk != nullptr; ++p) {
+            if (EntryNumber(*p) != number) {
                 continue;
-            if (p->pfnThunk(this, {message, wParam, lParam}, *pResult))
+            }
+            if (p->pfnThunk(this, {message, wParam, lParam}, *pResult)) {
                 return TRUE;
-            if (!guard.IsAlive())
+            }
+            if (!guard.IsAlive()) {
                 return TRUE;
+            }
         }
     }
-    return nNumber == WM_CTLCOLOR && ReflectLastMsg(reinterpret_cast<HWND>(lParam), pResult);
+    return number == WM_CTLCOLOR && ReflectLastMsg(reinterpret_cast<HWND>(lParam), pResult);
 }
 
 BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam) {
-    const UINT nID = LOWORD(wParam);
-    auto* hWndCtrl = reinterpret_cast<HWND>(lParam);
-    if (hWndCtrl == nullptr)
-        return nID != 0 && OnCmdMsg(nID, CN_COMMAND);
+    const UINT id = LOWORD(wParam);
+    auto* control = reinterpret_cast<HWND>(lParam);
+    if (control == nullptr) {
+        return id != 0 && OnCmdMsg(id, CN_COMMAND);
+    }
 
-    if (ThreadState::Get().hWndLocked == m_hWnd)
+    if (ThreadState::Get().hWndLocked == m_hWnd) {
         return TRUE;
-    const CWndGuard guard(this);
-    if (ReflectLastMsg(hWndCtrl) || !guard.IsAlive())
+    }
+    const WndGuard guard(this);
+    if (ReflectLastMsg(control) || !guard.IsAlive()) {
         return TRUE;
-    return nID != 0 && OnCmdMsg(nID, HIWORD(wParam));
+    }
+    return id != 0 && OnCmdMsg(id, HIWORD(wParam));
 }
 
 BOOL CWnd::OnNotify(WPARAM, LPARAM lParam, LRESULT* pResult) {
-    auto* pNMHDR = reinterpret_cast<NMHDR*>(lParam);
-    if (ThreadState::Get().hWndLocked == m_hWnd)
+    auto* nmhdr = reinterpret_cast<NMHDR*>(lParam);
+    if (ThreadState::Get().hWndLocked == m_hWnd) {
         return TRUE;
-    return ReflectLastMsg(pNMHDR->hwndFrom, pResult);
+    }
+    return ReflectLastMsg(nmhdr->hwndFrom, pResult);
 }
 
 BOOL CWnd::ReflectLastMsg(HWND hWndChild, LRESULT* pResult) {
-    CWnd* pWnd = FromHandlePermanent(hWndChild);
-    return pWnd != nullptr && pWnd->SendChildNotifyLastMsg(pResult);
+    CWnd* window = FromHandlePermanent(hWndChild);
+    return window != nullptr && window->SendChildNotifyLastMsg(pResult);
 }
 
 BOOL CWnd::SendChildNotifyLastMsg(LRESULT* pResult) {

@@ -38,11 +38,13 @@ bool SetInterval(HWND hWnd, ProgressBar& bar, std::uint32_t nInterval) noexcept 
 }
 
 LRESULT OnCreate(HWND hWnd) {
-    if (BarOf(hWnd) != nullptr)
+    if (BarOf(hWnd) != nullptr) {
         return 0;
+    }
     auto bar = std::make_unique<ProgressBar>();
-    if (!SetInterval(hWnd, *bar, kProgressDefaultInterval))
+    if (!SetInterval(hWnd, *bar, kProgressDefaultInterval)) {
         return -1;
+    }
     SetWindowLongPtrA(hWnd, 0, reinterpret_cast<LONG_PTR>(bar.release()));
     return 0;  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the window owns the bar now
 }
@@ -66,8 +68,8 @@ void OnEnable(HWND hWnd, ProgressBar& bar, bool bEnabled) noexcept {
 void OnTick(HWND hWnd, ProgressBar& bar) noexcept {
     // The painting starts the position again; a bar that is never painted comes to the end of the
     // numbers.
-    const bool bLast = bar.nPosition == std::numeric_limits<std::int32_t>::max();
-    bar.nPosition = bLast ? 0 : bar.nPosition + 1;
+    const bool last = bar.nPosition == std::numeric_limits<std::int32_t>::max();
+    bar.nPosition = last ? 0 : bar.nPosition + 1;
     RedrawNow(hWnd);
 }
 
@@ -89,8 +91,9 @@ private:
 
 void OnPaint(HWND hWnd, ProgressBar& bar) noexcept {
     const PaintScope paint(hWnd);
-    if (paint.Dc() == nullptr || IsRectEmpty(&paint.Area()))
+    if (paint.Dc() == nullptr || IsRectEmpty(&paint.Area())) {
         return;
+    }
     // Drawn aside and copied at once, so that no half-drawn bar is seen. Only what is visible needs
     // a bitmap, which bounds its size, however large the window is.
     const RECT area = paint.Area();
@@ -98,32 +101,37 @@ void OnPaint(HWND hWnd, ProgressBar& bar) noexcept {
     const int height = area.bottom - area.top;
     const Bitmap bitmap(CreateCompatibleBitmap(paint.Dc(), width, height));
     const MemoryDc buffer(CreateCompatibleDC(paint.Dc()));
-    if (!bitmap || !buffer)
+    if (!bitmap || !buffer) {
         return;  // the next tick paints again
+    }
     const DcSelection selection(buffer.get(), bitmap.get());
     SetViewportOrgEx(buffer.get(), -area.left, -area.top, nullptr);
 
-    const bool bMayUseTheme =
+    const bool mayUseTheme =
         (static_cast<DWORD>(GetWindowLongPtrA(hWnd, GWL_STYLE)) & kProgressClassicLook) == 0;
-    if (DrawProgressBar(hWnd, buffer.get(), bMayUseTheme, bar.nPosition, bar.nBlocks))
+    if (DrawProgressBar(hWnd, buffer.get(), mayUseTheme, bar.nPosition, bar.nBlocks)) {
         bar.nPosition = 0;
+    }
     BitBlt(paint.Dc(), area.left, area.top, width, height, buffer.get(), area.left, area.top,
            SRCCOPY);
 }
 
 LRESULT SetBlocks(ProgressBar& bar, WPARAM blocks) noexcept {
-    if (blocks < 1 || blocks > kProgressMaxBlocks)
+    if (blocks < 1 || blocks > kProgressMaxBlocks) {
         return 0;
+    }
     bar.nBlocks = static_cast<std::uint32_t>(blocks);
     return 1;
 }
 
 LRESULT Dispatch(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
-    if (nMessage == WM_CREATE)
+    if (nMessage == WM_CREATE) {
         return OnCreate(hWnd);
-    ProgressBar* const pBar = BarOf(hWnd);
-    if (pBar == nullptr)
+    }
+    ProgressBar* const bar = BarOf(hWnd);
+    if (bar == nullptr) {
         return DefWindowProcA(hWnd, nMessage, wParam, lParam);
+    }
 
     switch (nMessage) {
         case WM_DESTROY:
@@ -133,24 +141,25 @@ LRESULT Dispatch(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
             OnNcDestroy(hWnd);
             break;
         case WM_ENABLE:
-            OnEnable(hWnd, *pBar, wParam != FALSE);
+            OnEnable(hWnd, *bar, wParam != FALSE);
             return 0;
         case WM_TIMER:
-            if (wParam != kProgressTimer)
+            if (wParam != kProgressTimer) {
                 break;
-            OnTick(hWnd, *pBar);
+            }
+            OnTick(hWnd, *bar);
             return 0;
         case WM_PAINT:
-            OnPaint(hWnd, *pBar);
+            OnPaint(hWnd, *bar);
             return 0;
         case kProgressGetInterval:
-            return pBar->nInterval;
+            return bar->nInterval;
         case kProgressSetInterval:
-            return SetInterval(hWnd, *pBar, static_cast<std::uint32_t>(wParam)) ? 1 : 0;
+            return SetInterval(hWnd, *bar, static_cast<std::uint32_t>(wParam)) ? 1 : 0;
         case kProgressGetBlocks:
-            return pBar->nBlocks;
+            return bar->nBlocks;
         case kProgressSetBlocks:
-            return SetBlocks(*pBar, wParam);
+            return SetBlocks(*bar, wParam);
         default:
             break;
     }

@@ -13,16 +13,18 @@ ProgressTrain PlaceProgressTrain(const ProgressContent& content, int nChunkWidth
     const std::int64_t right = content.nRight;
     const std::int64_t chunk = nChunkWidth;
     const std::int64_t position = std::max(nPosition, 0);
-    if (right <= left || chunk <= 0)
+    if (right <= left || chunk <= 0) {
         return train;
+    }
 
     const std::int64_t step = chunk + kProgressChunkGap;
     const std::int64_t head = left + (right - left) / chunk * (position - 1) / 100 * step;
     const std::int64_t blocks = std::min(nBlocks, kProgressMaxBlocks);
     for (std::int64_t i = 0; i < blocks; ++i) {
         const std::int64_t x = head - i * step;
-        if (x < left || x >= right)
+        if (x < left || x >= right) {
             continue;
+        }
         train.m_chunks[train.m_nCount++] = {static_cast<int>(x),
                                             static_cast<int>(std::min(x + chunk, right))};
     }

@@ -37,15 +37,16 @@ ThemeFunctions LoadThemeFunctions() noexcept {
     ThemeFunctions functions;
     // Given up to the process, never freed: the only moment to free it would be the library's own
     // detach, when freeing another library is forbidden.
-    const HMODULE hModule = LoadSystemLibrary("UxTheme.dll").release();
-    if (hModule == nullptr)
+    const HMODULE moduleHandle = LoadSystemLibrary("UxTheme.dll").release();
+    if (moduleHandle == nullptr) {
         return functions;
-    Find(hModule, "IsAppThemed", functions.pIsAppThemed);
-    Find(hModule, "OpenThemeData", functions.pOpenThemeData);
-    Find(hModule, "CloseThemeData", functions.pCloseThemeData);
-    Find(hModule, "DrawThemeBackground", functions.pDrawThemeBackground);
-    Find(hModule, "GetThemePartSize", functions.pGetThemePartSize);
-    Find(hModule, "GetThemeBackgroundContentRect", functions.pGetThemeBackgroundContentRect);
+    }
+    Find(moduleHandle, "IsAppThemed", functions.pIsAppThemed);
+    Find(moduleHandle, "OpenThemeData", functions.pOpenThemeData);
+    Find(moduleHandle, "CloseThemeData", functions.pCloseThemeData);
+    Find(moduleHandle, "DrawThemeBackground", functions.pDrawThemeBackground);
+    Find(moduleHandle, "GetThemePartSize", functions.pGetThemePartSize);
+    Find(moduleHandle, "GetThemeBackgroundContentRect", functions.pGetThemeBackgroundContentRect);
     return functions;
 }
 
@@ -65,14 +66,16 @@ struct BarLook {
 class ProgressTheme {
 public:
     ProgressTheme(const ThemeFunctions& functions, HWND hWnd) noexcept : m_functions(functions) {
-        if (functions.Complete() && functions.pIsAppThemed())
+        if (functions.Complete() && functions.pIsAppThemed()) {
             m_hTheme = functions.pOpenThemeData(hWnd, L"Progress");
+        }
     }
     ProgressTheme(const ProgressTheme&) = delete;
     ProgressTheme& operator=(const ProgressTheme&) = delete;
     ~ProgressTheme() {
-        if (m_hTheme != nullptr)
+        if (m_hTheme != nullptr) {
             m_functions.pCloseThemeData(m_hTheme);
+        }
     }
 
     // False, with nothing drawn, when the theme does not say how.
@@ -83,8 +86,9 @@ public:
                                                               &look.content)) ||
             FAILED(m_functions.pGetThemePartSize(m_hTheme, hDC, PP_CHUNK, 0, nullptr, TS_TRUE,
                                                  &chunk)) ||
-            FAILED(m_functions.pDrawThemeBackground(m_hTheme, hDC, PP_BAR, 0, &bar, nullptr)))
+            FAILED(m_functions.pDrawThemeBackground(m_hTheme, hDC, PP_BAR, 0, &bar, nullptr))) {
             return false;
+        }
         look.nChunkWidth = chunk.cx;
         return true;
     }
@@ -118,20 +122,23 @@ bool DrawProgressBar(HWND hWnd, HDC hDC, bool bMayUseTheme, std::int32_t nPositi
 
     BarLook look;
     std::optional<ProgressTheme> theme;
-    if (bMayUseTheme)
+    if (bMayUseTheme) {
         theme.emplace(Themes(), hWnd);
-    const bool bThemed = theme && theme->DrawBar(hDC, bar, look);
-    if (!bThemed)
+    }
+    const bool themed = theme && theme->DrawBar(hDC, bar, look);
+    if (!themed) {
         look = DrawClassicBar(hDC, bar);
+    }
 
     const ProgressTrain train = PlaceProgressTrain({look.content.left, look.content.right},
                                                    look.nChunkWidth, nPosition, nBlocks);
     for (const ProgressChunk& chunk : train.Chunks()) {
         const RECT place = {chunk.nLeft, look.content.top, chunk.nRight, look.content.bottom};
-        if (bThemed)
+        if (themed) {
             theme->DrawChunk(hDC, place);
-        else
+        } else {
             FillRect(hDC, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
+        }
     }
     return train.HasLeft();
 }

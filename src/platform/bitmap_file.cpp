@@ -41,11 +41,11 @@ std::vector<std::uint8_t> ReadDiskFile(const char* pszFile, std::uint64_t nMost)
         return {};
     }
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size.QuadPart));
-    DWORD nRead = 0;
-    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &nRead, nullptr)) {
+    DWORD read = 0;
+    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) {
         return {};
     }
-    bytes.resize(nRead);
+    bytes.resize(read);
     return bytes;
 }
 
@@ -57,8 +57,8 @@ Bitmap MakeBitmap(const BitmapImage& image) noexcept {
     target.bmiHeader.biHeight = image.nHeight;
     target.bmiHeader.biPlanes = 1;
     target.bmiHeader.biBitCount = 32;
-    void* pPixels = nullptr;
-    Bitmap bitmap(CreateDIBSection(dc.get(), &target, DIB_RGB_COLORS, &pPixels, nullptr, 0));
+    void* pixels = nullptr;
+    Bitmap bitmap(CreateDIBSection(dc.get(), &target, DIB_RGB_COLORS, &pixels, nullptr, 0));
     const SystemHeader source = HeaderOf(image);
     if (!bitmap ||
         SetDIBits(dc.get(), bitmap.get(), 0, static_cast<UINT>(image.nHeight), image.pixels.data(),

@@ -18,11 +18,11 @@ constexpr std::size_t kMaskBytes = 3 * sizeof(std::uint32_t);
 
 // The caller has made sure that they are there.
 std::uint32_t ReadLittle(Bytes bytes, std::size_t nAt, std::size_t nBytes) {
-    std::uint32_t nValue = 0;
+    std::uint32_t value = 0;
     for (std::size_t i = nBytes; i-- > 0;) {
-        nValue = nValue << 8 | bytes[nAt + i];
+        value = value << 8 | bytes[nAt + i];
     }
-    return nValue;
+    return value;
 }
 
 // The header's own fields, and how many bytes stand between its beginning and the pixels.
@@ -49,36 +49,36 @@ bool ReadSides(std::int64_t nWidth, std::int64_t nHeight, BitmapImage& image) {
 }
 
 bool IsKnownFormat(const Header& header) {
-    const std::uint16_t nBits = header.image.nBits;
+    const std::uint16_t bits = header.image.nBits;
     switch (header.image.packing) {
         case BitmapImage::Packing::None:
-            return nBits == 1 || nBits == 4 || nBits == 8 || nBits == 24 ||
-                   (header.nSize != kCoreHeader && (nBits == 16 || nBits == 32));
+            return bits == 1 || bits == 4 || bits == 8 || bits == 24 ||
+                   (header.nSize != kCoreHeader && (bits == 16 || bits == 32));
         case BitmapImage::Packing::Rle8:
-            return nBits == 8 && !header.image.bTopDown;
+            return bits == 8 && !header.image.bTopDown;
         case BitmapImage::Packing::Rle4:
-            return nBits == 4 && !header.image.bTopDown;
+            return bits == 4 && !header.image.bTopDown;
         case BitmapImage::Packing::Masks:
-            return (nBits == 16 || nBits == 32) && header.nSize != kOs2Header;
+            return (bits == 16 || bits == 32) && header.nSize != kOs2Header;
     }
     return false;
 }
 
 // Whether its bits stand side by side.
 bool IsOneRun(std::uint32_t nMask) {
-    const std::uint32_t nLowest = nMask & (~nMask + 1);
-    return nMask != 0 && (nMask & (nMask + nLowest)) == 0;
+    const std::uint32_t lowest = nMask & (~nMask + 1);
+    return nMask != 0 && (nMask & (nMask + lowest)) == 0;
 }
 
 bool ReadMasks(Bytes bytes, BitmapImage& image) {
-    std::uint32_t nTaken = image.nBits == 16 ? 0xFFFF0000 : 0;
+    std::uint32_t taken = image.nBits == 16 ? 0xFFFF0000 : 0;
     for (std::size_t i = 0; i < image.aMasks.size(); ++i) {
-        const std::uint32_t nMask = ReadLittle(bytes, kInfoHeader + 4 * i, 4);
-        if (!IsOneRun(nMask) || (nMask & nTaken) != 0) {
+        const std::uint32_t mask = ReadLittle(bytes, kInfoHeader + 4 * i, 4);
+        if (!IsOneRun(mask) || (mask & taken) != 0) {
             return false;
         }
-        nTaken |= nMask;
-        image.aMasks[i] = nMask;
+        taken |= mask;
+        image.aMasks[i] = mask;
     }
     return true;
 }
@@ -101,8 +101,8 @@ std::optional<Header> ReadInfoHeader(Bytes bytes, std::uint32_t nSize) {
     header.nSize = nSize;
     header.image.nBits = static_cast<std::uint16_t>(ReadLittle(bytes, 14, 2));
     header.image.packing = static_cast<BitmapImage::Packing>(ReadLittle(bytes, 16, 4));
-    const auto nHeight = static_cast<std::int32_t>(ReadLittle(bytes, 8, 4));
-    if (!ReadSides(static_cast<std::int32_t>(ReadLittle(bytes, 4, 4)), nHeight, header.image) ||
+    const auto height = static_cast<std::int32_t>(ReadLittle(bytes, 8, 4));
+    if (!ReadSides(static_cast<std::int32_t>(ReadLittle(bytes, 4, 4)), height, header.image) ||
         ReadLittle(bytes, 12, 2) != 1 || !IsKnownFormat(header)) {
         return std::nullopt;
     }
@@ -123,13 +123,13 @@ std::optional<Header> ReadHeader(Bytes bytes) {
     if (bytes.size() < kCoreHeader) {
         return std::nullopt;
     }
-    const std::uint32_t nSize = ReadLittle(bytes, 0, 4);
-    if (std::find(std::begin(kKnownHeaders), std::end(kKnownHeaders), nSize) ==
+    const std::uint32_t size = ReadLittle(bytes, 0, 4);
+    if (std::find(std::begin(kKnownHeaders), std::end(kKnownHeaders), size) ==
             std::end(kKnownHeaders) ||
-        nSize > bytes.size()) {
+        size > bytes.size()) {
         return std::nullopt;
     }
-    return nSize == kCoreHeader ? ReadCoreHeader(bytes) : ReadInfoHeader(bytes, nSize);
+    return size == kCoreHeader ? ReadCoreHeader(bytes) : ReadInfoHeader(bytes, size);
 }
 
 // Those that a pixel can name.
@@ -140,15 +140,15 @@ void ReadColours(Bytes bytes, Header& header) {
     }
     image.nColours =
         static_cast<std::uint32_t>(std::min(header.nColours, std::uint64_t{1} << image.nBits));
-    const std::size_t nFirst = header.nSize + header.nMaskBytes;
+    const std::size_t first = header.nSize + header.nMaskBytes;
     for (std::uint32_t i = 0; i < image.nColours; ++i) {
-        image.aColours[i] = ReadLittle(bytes, nFirst + i * header.nColourBytes, 3);
+        image.aColours[i] = ReadLittle(bytes, first + i * header.nColourBytes, 3);
     }
 }
 
 std::uint64_t BytesOfRows(const BitmapImage& image) {
-    const std::uint64_t nRow = (static_cast<std::uint64_t>(image.nWidth) * image.nBits + 31) / 32;
-    return nRow * 4 * static_cast<std::uint64_t>(image.nHeight);
+    const std::uint64_t row = (static_cast<std::uint64_t>(image.nWidth) * image.nBits + 31) / 32;
+    return row * 4 * static_cast<std::uint64_t>(image.nHeight);
 }
 
 // nPixels: where they begin, counted from the header.
@@ -159,14 +159,14 @@ std::optional<BitmapImage> ReadFrom(Bytes bytes, Header& header, std::uint64_t n
     ReadColours(bytes, header);
     BitmapImage& image = header.image;
     image.pixels = bytes.subspan(static_cast<std::size_t>(nPixels));
-    const bool bRunLengths =
+    const bool runLengths =
         image.packing == BitmapImage::Packing::Rle8 || image.packing == BitmapImage::Packing::Rle4;
-    if (!bRunLengths) {
-        const std::uint64_t nRows = BytesOfRows(image);
-        if (nRows > image.pixels.size()) {
+    if (!runLengths) {
+        const std::uint64_t rows = BytesOfRows(image);
+        if (rows > image.pixels.size()) {
             return std::nullopt;
         }
-        image.pixels = image.pixels.first(static_cast<std::size_t>(nRows));
+        image.pixels = image.pixels.first(static_cast<std::size_t>(rows));
     }
     return image;
 }
@@ -177,11 +177,11 @@ std::optional<BitmapImage> ReadBitmapFile(Bytes bytes) {
     if (bytes.size() < kFileHeader || bytes[0] != 'B' || bytes[1] != 'M') {
         return std::nullopt;
     }
-    const std::uint32_t nPixels = ReadLittle(bytes, 10, 4);
+    const std::uint32_t pixels = ReadLittle(bytes, 10, 4);
     const Bytes rest = bytes.subspan(kFileHeader);
     std::optional<Header> header = ReadHeader(rest);
-    return header && nPixels >= kFileHeader ? ReadFrom(rest, *header, nPixels - kFileHeader)
-                                            : std::nullopt;
+    return header && pixels >= kFileHeader ? ReadFrom(rest, *header, pixels - kFileHeader)
+                                           : std::nullopt;
 }
 
 std::optional<BitmapImage> ReadBitmapResource(Bytes bytes) {

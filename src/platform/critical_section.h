@@ -9,12 +9,12 @@
 
 namespace mvp {
 
-class CCriticalSection {
+class CriticalSection {
 public:
-    CCriticalSection() noexcept { InitializeCriticalSection(&m_section); }
-    CCriticalSection(const CCriticalSection&) = delete;
-    CCriticalSection& operator=(const CCriticalSection&) = delete;
-    ~CCriticalSection() { DeleteCriticalSection(&m_section); }
+    CriticalSection() noexcept { InitializeCriticalSection(&m_section); }
+    CriticalSection(const CriticalSection&) = delete;
+    CriticalSection& operator=(const CriticalSection&) = delete;
+    ~CriticalSection() { DeleteCriticalSection(&m_section); }
 
     void Enter() noexcept { EnterCriticalSection(&m_section); }
     void Leave() noexcept { LeaveCriticalSection(&m_section); }
@@ -27,17 +27,17 @@ private:
 };
 
 // Holds a critical section for as long as this lives.
-class CScopedLock {
+class ScopedLock {
 public:
-    explicit CScopedLock(CCriticalSection& section) noexcept : m_section(section) {
+    explicit ScopedLock(CriticalSection& section) noexcept : m_section(section) {
         m_section.Enter();
     }
-    CScopedLock(const CScopedLock&) = delete;
-    CScopedLock& operator=(const CScopedLock&) = delete;
-    ~CScopedLock() { m_section.Leave(); }
+    ScopedLock(const ScopedLock&) = delete;
+    ScopedLock& operator=(const ScopedLock&) = delete;
+    ~ScopedLock() { m_section.Leave(); }
 
 private:
-    CCriticalSection& m_section;
+    CriticalSection& m_section;
 };
 
 }  // namespace mvp

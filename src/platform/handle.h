@@ -23,8 +23,9 @@ public:
     explicit UniqueHandle(Handle handle) noexcept : m_handle(handle) {}
     UniqueHandle(UniqueHandle&& other) noexcept : m_handle(other.release()) {}
     UniqueHandle& operator=(UniqueHandle&& other) noexcept {
-        if (this != &other)
+        if (this != &other) {
             reset(other.release());
+        }
         return *this;
     }
     UniqueHandle(const UniqueHandle&) = delete;
@@ -37,8 +38,9 @@ public:
 
     void reset(Handle handle = Traits::None()) noexcept {
         const Handle old = std::exchange(m_handle, handle);
-        if (old != Traits::None())
+        if (old != Traits::None()) {
             Traits::Close(old);
+        }
     }
 
     // For functions that return the handle through a pointer: closes what was held.
@@ -116,8 +118,9 @@ public:
     WindowDc(const WindowDc&) = delete;
     WindowDc& operator=(const WindowDc&) = delete;
     ~WindowDc() {
-        if (m_hDC != nullptr)
+        if (m_hDC != nullptr) {
             ReleaseDC(m_hWnd, m_hDC);
+        }
     }
     HDC get() const noexcept { return m_hDC; }
 
@@ -133,8 +136,9 @@ public:
     DcSelection(const DcSelection&) = delete;
     DcSelection& operator=(const DcSelection&) = delete;
     ~DcSelection() {
-        if (m_old != nullptr)
+        if (m_old != nullptr) {
             SelectObject(m_hDC, m_old);
+        }
     }
 
 private:

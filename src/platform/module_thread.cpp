@@ -17,10 +17,10 @@ struct ThreadStart {
 
 DWORD WINAPI RunThread(void* pStart) {
     std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(pStart));
-    const HMODULE hModule = start->module.release();
+    const HMODULE moduleHandle = start->module.release();
     Guarded(start->body, start->onError);
     start.reset();
-    FreeLibraryAndExitThread(hModule, 0);
+    FreeLibraryAndExitThread(moduleHandle, 0);
 }
 
 }  // namespace
@@ -28,8 +28,9 @@ DWORD WINAPI RunThread(void* pStart) {
 KernelHandle StartModuleThread(std::function<void()> body, std::function<void()> onError) {
     auto start = std::make_unique<ThreadStart>(
         ThreadStart{std::move(body), std::move(onError), HoldOwnModule()});
-    if (!start->module)
+    if (!start->module) {
         return {};
+    }
     KernelHandle thread(CreateThread(nullptr, 0, RunThread, start.get(), 0, nullptr));
     if (thread) {
         static_cast<void>(start.release());  // the thread's now

@@ -5,10 +5,10 @@ namespace {
 
 // Any address within the binary leads to it.
 HMODULE FindOwnModule(DWORD flags) noexcept {
-    HMODULE hModule = nullptr;
+    HMODULE moduleHandle = nullptr;
     GetModuleHandleExA(flags | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                       reinterpret_cast<LPCSTR>(&FindOwnModule), &hModule);
-    return hModule;
+                       reinterpret_cast<LPCSTR>(&FindOwnModule), &moduleHandle);
+    return moduleHandle;
 }
 
 }  // namespace

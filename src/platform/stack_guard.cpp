@@ -14,8 +14,9 @@ namespace {
 // Runs nothing that the overrun may have got hold of: no handler, no destructor, no callback. On
 // Windows 7, which lacks the interrupt, the process ends with the code that the others give it.
 [[noreturn]] void FailAtOnce(unsigned nReason) noexcept {
-    if (IsProcessorFeaturePresent(PF_FASTFAIL_AVAILABLE))
+    if (IsProcessorFeaturePresent(PF_FASTFAIL_AVAILABLE)) {
         __asm__ volatile("int $0x29" : : "c"(nReason));
+    }
     TerminateProcess(GetCurrentProcess(), STATUS_STACK_BUFFER_OVERRUN);
     __builtin_trap();
 }

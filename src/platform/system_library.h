@@ -16,12 +16,14 @@ namespace mvp {
 inline UniqueHandle<ModuleTraits> LoadSystemLibrary(const char* name) noexcept {
     char path[MAX_PATH];
     const UINT length = GetSystemDirectoryA(path, MAX_PATH);
-    if (length == 0 || length >= MAX_PATH)
+    if (length == 0 || length >= MAX_PATH) {
         return {};
+    }
     const int room = MAX_PATH - static_cast<int>(length);
     const int needed = std::snprintf(path + length, static_cast<std::size_t>(room), "\\%s", name);
-    if (needed < 0 || needed >= room)
+    if (needed < 0 || needed >= room) {
         return {};
+    }
     return UniqueHandle<ModuleTraits>(LoadLibraryA(path));
 }
 

@@ -20,13 +20,16 @@ std::string_view Without(std::string_view text, std::string_view leading) noexce
 std::string_view AfterIntegerConversion(std::string_view text) noexcept {
     text = Without(text, kFlags);
     std::string_view conversion = Without(text, kDigits);
-    if (text.size() - conversion.size() > kWidthDigits)
+    if (text.size() - conversion.size() > kWidthDigits) {
         return {};
-    if (conversion.starts_with('l'))
+    }
+    if (conversion.starts_with('l')) {
         conversion.remove_prefix(1);
+    }
     if (conversion.empty() ||
-        kIntegerConversions.find(conversion.front()) == std::string_view::npos)
+        kIntegerConversions.find(conversion.front()) == std::string_view::npos) {
         return {};
+    }
     return conversion.substr(1);
 }
 
@@ -41,8 +44,9 @@ bool TakesOneInteger(std::string_view format) noexcept {
             continue;
         }
         format = AfterIntegerConversion(format);
-        if (format.data() == nullptr)
+        if (format.data() == nullptr) {
             return false;
+        }
         ++count;
     }
     return count == 1;

@@ -12,8 +12,9 @@ std::uint8_t StepTo(std::string_view pin, std::size_t i) noexcept {
 }  // namespace
 
 PinRules::PinRules(const PwdRuleArgs* pRules) noexcept {
-    if (pRules == nullptr)
+    if (pRules == nullptr) {
         return;
+    }
     dwMinPINLen = pRules->dwMinPINLen;
     dwMaxPINLen = pRules->dwMaxPINLen;
     bPreventWeakPIN = pRules->bPreventWeakPIN != 0;
@@ -46,8 +47,9 @@ bool PinCheck::Verdict() const noexcept {
 PinCheck CheckPin(const PinRules& rules, const PinTexts& texts) noexcept {
     PinCheck check;
     const auto judge = [&check, &rules](PinRule rule, bool violated) {
-        if (rules.InForce(rule))
+        if (rules.InForce(rule)) {
             check.m_states[IndexOf(rule)] = violated ? RuleState::Violated : RuleState::Satisfied;
+        }
     };
     judge(PinRule::MinLength, texts.value.size() < rules.dwMinPINLen);
     judge(PinRule::MaxLength, texts.value.size() > rules.dwMaxPINLen);
@@ -59,12 +61,14 @@ PinCheck CheckPin(const PinRules& rules, const PinTexts& texts) noexcept {
 }
 
 bool IsPinWeak(std::string_view pin) noexcept {
-    if (pin.size() < 3)
+    if (pin.size() < 3) {
         return true;
+    }
     const std::uint8_t step = StepTo(pin, 1);
     for (std::size_t i = 2; i < pin.size(); ++i) {
-        if (StepTo(pin, i) != step)
+        if (StepTo(pin, i) != step) {
             return false;
+        }
     }
     return true;
 }

@@ -47,8 +47,9 @@ std::string_view View(const CString& text) {
 
 CString FormatLength(UINT nFormat, int nLength) {
     CString format = mvp::ResourceString(nFormat);
-    if (!mvp::TakesOneInteger(View(format)))
+    if (!mvp::TakesOneInteger(View(format))) {
         return format;
+    }
     CString text;
     text.Format(format, nLength);
     return text;
@@ -99,8 +100,9 @@ BOOL VKPoliciesDlg::OnInitDialog() {
         [this] {
             const BOOL result = CBaseDialog::OnInitDialog();
             CString caption;
-            if (mvp::LoadResourceString(IDS_POLICIES_BOX, caption))
+            if (mvp::LoadResourceString(IDS_POLICIES_BOX, caption)) {
                 m_groupBox.SetWindowText(caption);
+            }
             PutPoliciesInBox();
             return result;
         },
@@ -123,12 +125,13 @@ mvp::PinRules VKPoliciesDlg::Rules() const {
 bool VKPoliciesDlg::VerifyAndUpdatePolicies(CString csOldValue, CString csValue, CString csNewValue,
                                             CString csConfirmValue) {
     const mvp::LogScope scope("VKPoliciesDlg::VerifyAndUpdatePolicies");
-    const bool bVerdict = mvp::Guarded(
+    const bool verdict = mvp::Guarded(
         false, [&] { return CheckAndShow(csOldValue, csValue, csNewValue, csConfirmValue); },
         mvp::LogException("VKPoliciesDlg::VerifyAndUpdatePolicies"));
-    for (CString* pText : {&csOldValue, &csValue, &csNewValue, &csConfirmValue})
-        HidePinFromMemory(*pText);
-    return bVerdict;
+    for (CString* textControl : {&csOldValue, &csValue, &csNewValue, &csConfirmValue}) {
+        HidePinFromMemory(*textControl);
+    }
+    return verdict;
 }
 
 bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csValue,
@@ -139,9 +142,10 @@ bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csVal
     vklogLog(g_szLogTag, kLogDetail, "csNewValue: %s", static_cast<LPCSTR>(csNewValue));
     const mvp::PinCheck check = mvp::CheckPin(
         Rules(), {View(csOldValue), View(csValue), View(csNewValue), View(csConfirmValue)});
-    for (const mvp::PinRule rule : mvp::kPinCheckingOrder)
+    for (const mvp::PinRule rule : mvp::kPinCheckingOrder) {
         ShowRule(rule, check.State(rule) != mvp::RuleState::NotInForce,
                  check.State(rule) == mvp::RuleState::Satisfied, csValue);
+    }
     if (m_hWnd != nullptr) {
         m_groupBox.EnableWindow(TRUE);
         mvp::ShowIf(*this, true);
@@ -187,89 +191,101 @@ bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
 
 void VKPoliciesDlg::SetMinPINLen(int nMin, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMinPINLen");
-    if (LacksText(mvp::PinRule::MinLength))
+    if (LacksText(mvp::PinRule::MinLength)) {
         m_minText.SetWindowText(FormatLength(IDS_POLICIES_MIN_FORMAT, nMin));
+    }
     ShowLine(m_minText, mvp::PinRule::MinLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetMaxPINLen(int nMax, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMaxPINLen");
-    if (LacksText(mvp::PinRule::MaxLength))
+    if (LacksText(mvp::PinRule::MaxLength)) {
         m_maxText.SetWindowText(FormatLength(IDS_POLICIES_MAX_FORMAT, nMax));
+    }
     ShowLine(m_maxText, mvp::PinRule::MaxLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetWeakPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetWeakPIN");
-    if (LacksText(mvp::PinRule::NotWeak))
+    if (LacksText(mvp::PinRule::NotWeak)) {
         m_weakText.SetWindowText(mvp::ResourceString(IDS_POLICIES_WEAK));
+    }
     ShowLine(m_weakText, mvp::PinRule::NotWeak, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetPreventSamePIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetPreventSamePIN");
-    if (LacksText(mvp::PinRule::NotSame))
+    if (LacksText(mvp::PinRule::NotSame)) {
         m_sameText.SetWindowText(mvp::ResourceString(IDS_POLICIES_SAME));
+    }
     ShowLine(m_sameText, mvp::PinRule::NotSame, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetAlphaPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetAlphaPIN");
-    if (LacksText(mvp::PinRule::DigitsOnly))
+    if (LacksText(mvp::PinRule::DigitsOnly)) {
         m_alphaText.SetWindowText(mvp::ResourceString(IDS_POLICIES_ALPHA));
+    }
     ShowLine(m_alphaText, mvp::PinRule::DigitsOnly, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetConfirmPIN(bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetConfirmPIN");
-    if (LacksText(mvp::PinRule::Confirmation))
+    if (LacksText(mvp::PinRule::Confirmation)) {
         m_confirmText.SetWindowText(mvp::ResourceString(IDS_POLICIES_CONFIRM));
+    }
     ShowLine(m_confirmText, mvp::PinRule::Confirmation, true, bSatisfied);
 }
 
 // The card's rules do not change, so neither do the texts: a line is given its own once. Not anew
 // with each check: setting a text paints it, which flickers while the user types.
 bool VKPoliciesDlg::LacksText(mvp::PinRule rule) {
-    const unsigned nBit = 1U << mvp::IndexOf(rule);
-    const bool bLacks = m_hWnd != nullptr && (m_nTextsSet & nBit) == 0;
-    m_nTextsSet |= bLacks ? nBit : 0;
-    return bLacks;
+    const unsigned bit = 1U << mvp::IndexOf(rule);
+    const bool lacks = m_hWnd != nullptr && (m_nTextsSet & bit) == 0;
+    m_nTextsSet |= lacks ? bit : 0;
+    return lacks;
 }
 
 void VKPoliciesDlg::ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool bSatisfied) {
     mvp::ShowIf(text, bShow);
-    CWnd* pIcon = m_hWnd != nullptr ? GetDlgItem(kLines.at(mvp::IndexOf(rule)).nIcon) : nullptr;
-    if (pIcon != nullptr)
-        mvp::ShowIf(*pIcon, bShow);
-    if (bShow)
-        SetPolicyIcon(pIcon, bSatisfied ? m_hSatisfied : m_hViolated);
+    CWnd* icon = m_hWnd != nullptr ? GetDlgItem(kLines.at(mvp::IndexOf(rule)).nIcon) : nullptr;
+    if (icon != nullptr) {
+        mvp::ShowIf(*icon, bShow);
+    }
+    if (bShow) {
+        SetPolicyIcon(icon, bSatisfied ? m_hSatisfied : m_hViolated);
+    }
 }
 
 void VKPoliciesDlg::SetPolicyIcon(CWnd* pIconControl, HICON hIcon) {
     const mvp::LogScope scope("VKPoliciesDlg::SetPolicyIcon");
-    if (pIconControl == nullptr)
+    if (pIconControl == nullptr) {
         return;
+    }
     auto* const current = reinterpret_cast<HICON>(pIconControl->SendMessage(STM_GETICON));
-    if (current == hIcon)
+    if (current == hIcon) {
         return;
+    }
     pIconControl->SendMessage(STM_SETICON, reinterpret_cast<WPARAM>(hIcon));
     UpdateWindow();
 }
 
 void VKPoliciesDlg::PutPoliciesInBox() {
     vklogLog(g_szLogTag, kLogEntry, "VKPoliciesDlg::PutPoliciesInBox");
-    const CWnd* pBox = GetDlgItem(IDC_POLICIES_BOX);
-    if (pBox == nullptr)
+    const CWnd* boxControl = GetDlgItem(IDC_POLICIES_BOX);
+    if (boxControl == nullptr) {
         return;
-    const CRect group = mvp::ClientRectOf(*this, *pBox);
+    }
+    const CRect group = mvp::ClientRectOf(*this, *boxControl);
     mvp::PolicyBox box{group.top, group.Height(), {}};
     for (std::size_t i = 0; i < kLines.size(); ++i) {
-        const CWnd* pText = GetDlgItem(kLines.at(i).nText);
-        const CWnd* pIcon = GetDlgItem(kLines.at(i).nIcon);
-        if (pText == nullptr || pIcon == nullptr)
+        const CWnd* textControl = GetDlgItem(kLines.at(i).nText);
+        const CWnd* icon = GetDlgItem(kLines.at(i).nIcon);
+        if (textControl == nullptr || icon == nullptr) {
             return;
-        const CRect text = mvp::ClientRectOf(*this, *pText);
-        box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, *pIcon).left};
+        }
+        const CRect text = mvp::ClientRectOf(*this, *textControl);
+        box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, *icon).left};
     }
     const mvp::PolicyLayout layout =
         mvp::LayOutPolicies(box, Rules(), {m_nTopMargin, m_nLeftIndent, m_nLineSpacing});

@@ -13,8 +13,9 @@ PolicyLayout LayOutPolicies(const PolicyBox& box, const PinRules& rules,
 
     PolicyLayout layout;
     for (const PinRule rule : kPinScreenOrder) {
-        if (!rules.InForce(rule))
+        if (!rules.InForce(rule)) {
             continue;
+        }
         const PolicyLineControls& controls = box.lines[IndexOf(rule)];
         PlacedPolicyLine& line = layout.m_lines[layout.m_nCount++];
         line.rule = rule;

@@ -19,8 +19,9 @@ bool RulePanel::Create(CWnd& dialog, int nPlaceholder, const PwdRuleArgs& rules,
                                      layout.nTopMargin, layout.nLeftIndent, layout.nLineSpacing);
         },
         LogException("VKPoliciesDlg::VKPoliciesDlg"));
-    if (m_pPoliciesDlg != nullptr && m_pPoliciesDlg->LocCreate(&dialog) != 0)
+    if (m_pPoliciesDlg != nullptr && m_pPoliciesDlg->LocCreate(&dialog) != 0) {
         return true;
+    }
     vklogLog(g_szLogTag, kLogError, "The rule panel could not be created");
     return false;
 }
@@ -42,8 +43,9 @@ bool RulePanel::Check(const CString& strOld, const CString& strValue, const CStr
 }
 
 void RulePanel::Destroy() {
-    if (m_pPoliciesDlg == nullptr)
+    if (m_pPoliciesDlg == nullptr) {
         return;
+    }
     m_pPoliciesDlg->DestroyWindow();
     delete std::exchange(m_pPoliciesDlg, nullptr);
 }

@@ -11,19 +11,19 @@ namespace {
 
 // In quotation marks, with what is not plain ASCII as \xHH.
 std::string Quoted(std::string_view text) {
-    std::string strQuoted = "\"";
+    std::string quoted = "\"";
     for (const char c : text) {
         if (c == '"' || c == '\\') {
-            strQuoted.append(1, '\\').append(1, c);
+            quoted.append(1, '\\').append(1, c);
         } else if (Byte(c) < 0x20 || Byte(c) > 0x7E) {
-            char aHex[8];
-            std::snprintf(aHex, sizeof(aHex), "\\x%02X", static_cast<unsigned>(Byte(c)));
-            strQuoted.append(aHex);
+            char hex[8];
+            std::snprintf(hex, sizeof(hex), "\\x%02X", static_cast<unsigned>(Byte(c)));
+            quoted.append(hex);
         } else {
-            strQuoted.append(1, c);
+            quoted.append(1, c);
         }
     }
-    return strQuoted + "\"";
+    return quoted + "\"";
 }
 
 std::string Number(std::int64_t n) {
@@ -34,9 +34,9 @@ std::string ColourText(Colour colour) {
     if (colour == kNoColour) {
         return "none";
     }
-    char aText[16];
-    std::snprintf(aText, sizeof(aText), "0x%06X", static_cast<unsigned>(colour));
-    return aText;
+    char text[16];
+    std::snprintf(text, sizeof(text), "0x%06X", static_cast<unsigned>(colour));
+    return text;
 }
 
 std::string LengthText(const std::optional<Length>& length) {
@@ -81,74 +81,74 @@ std::string BoxText(const BoxStyle& box) {
            EdgesText(box.padding);
 }
 
-std::string StyleText(const CStyleTable& styles, std::uint32_t nStyle) {
+std::string StyleText(const StyleTable& styles, std::uint32_t nStyle) {
     const ComputedStyle& style = styles[nStyle];
-    std::string strText =
+    std::string text =
         "font " + FontText(styles.FontOf(nStyle)) + " colour " + ColourText(style.colour);
     if (style.background != kNoColour) {
-        strText += " background " + ColourText(style.background);
+        text += " background " + ColourText(style.background);
     }
     if ((style.nDecoration & kUnderline) != 0) {
-        strText += " underline";
+        text += " underline";
     }
     if ((style.nDecoration & kLineThrough) != 0) {
-        strText += " line-through";
+        text += " line-through";
     }
     if ((style.nDecoration & kOverline) != 0) {
-        strText += " overline";
+        text += " overline";
     }
     if (style.align != TextAlign::Left) {
-        strText += std::string(" align ") + NameFrom(kAligns, style.align);
+        text += std::string(" align ") + NameFrom(kAligns, style.align);
     }
     if (style.verticalAlign != VerticalAlign::Baseline) {
-        strText += std::string(" valign ") + NameFrom(kVerticalAligns, style.verticalAlign);
+        text += std::string(" valign ") + NameFrom(kVerticalAligns, style.verticalAlign);
     }
     if (style.transform != TextTransform::None) {
-        strText += std::string(" transform ") + NameFrom(kTransforms, style.transform);
+        text += std::string(" transform ") + NameFrom(kTransforms, style.transform);
     }
     if (style.nBox != 0) {
-        strText += BoxText(styles.BoxOf(nStyle));
+        text += BoxText(styles.BoxOf(nStyle));
     }
     if (style.nHover != kNone) {
-        strText += " hover " + Number(style.nHover);
+        text += " hover " + Number(style.nHover);
     }
-    return strText;
+    return text;
 }
 
 std::string DecorationText(const StyledDocument& document, std::uint32_t nDecoration) {
-    const Decoration* const pDecoration = document.DecorationAt(nDecoration);
-    if (pDecoration == nullptr) {
+    const Decoration* const found = document.DecorationAt(nDecoration);
+    if (found == nullptr) {
         return "";
     }
-    const Decoration& decoration = *pDecoration;
-    std::string strText;
+    const Decoration& decoration = *found;
+    std::string text;
     if (decoration.effect != BackgroundEffect::Transparent) {
-        strText += " effect " + Number(static_cast<int>(decoration.effect)) + " " +
-                   ColourText(decoration.start) + " " + ColourText(decoration.middle) + " " +
-                   ColourText(decoration.end);
+        text += " effect " + Number(static_cast<int>(decoration.effect)) + " " +
+                ColourText(decoration.start) + " " + ColourText(decoration.middle) + " " +
+                ColourText(decoration.end);
     }
     if (decoration.background.nLength != 0) {
-        strText += " background " + Quoted(document.StringOf(decoration.background));
+        text += " background " + Quoted(document.StringOf(decoration.background));
     }
     if (decoration.borderStyle != BorderStyle::None) {
-        strText += " border " + EdgesText(decoration.border) + " " +
-                   NameFrom(kBorderStyles, decoration.borderStyle) + " " +
-                   ColourText(decoration.borderColour);
+        text += " border " + EdgesText(decoration.border) + " " +
+                NameFrom(kBorderStyles, decoration.borderStyle) + " " +
+                ColourText(decoration.borderColour);
     }
     if (decoration.bBevel) {
-        strText += std::string(decoration.bSunken ? " sunken " : " raised ") +
-                   ColourText(decoration.borderLight) + " " + ColourText(decoration.borderDark);
+        text += std::string(decoration.bSunken ? " sunken " : " raised ") +
+                ColourText(decoration.borderLight) + " " + ColourText(decoration.borderDark);
     }
-    return strText;
+    return text;
 }
 
 std::string ImageText(const StyledDocument& document, const ImageAttributes& image) {
     static constexpr const char* kKinds[] = {"bmp", "icon", "ilst"};
-    std::string strText = std::string("image ") + kKinds[static_cast<std::size_t>(image.kind)] +
-                          " " + Number(image.nWidth) + "x" + Number(image.nHeight);
+    std::string text = std::string("image ") + kKinds[static_cast<std::size_t>(image.kind)] + " " +
+                       Number(image.nWidth) + "x" + Number(image.nHeight);
     const auto add = [&](const char* pszName, TextRef ref) {
         if (ref.nLength != 0) {
-            strText += std::string(" ") + pszName + " " + Quoted(document.StringOf(ref));
+            text += std::string(" ") + pszName + " " + Quoted(document.StringOf(ref));
         }
     };
     add("idres", image.idres);
@@ -156,54 +156,53 @@ std::string ImageText(const StyledDocument& document, const ImageAttributes& ima
     add("handle", image.handle);
     add("file", image.file);
     if (image.nIndex != 0) {
-        strText += " index " + Number(image.nIndex);
+        text += " index " + Number(image.nIndex);
     }
     if (image.nSpeed != 0) {
-        strText += " speed " + Number(image.nSpeed);
+        text += " speed " + Number(image.nSpeed);
     }
     if (image.mask != kNoColour) {
-        strText += " mask " + ColourText(image.mask);
+        text += " mask " + ColourText(image.mask);
     }
     if (image.style != ImageStyle::Normal || image.hotStyle != ImageStyle::Normal) {
-        strText += std::string(" style ") + NameFrom(kImageStyles, image.style) + " hot " +
-                   NameFrom(kImageStyles, image.hotStyle);
+        text += std::string(" style ") + NameFrom(kImageStyles, image.style) + " hot " +
+                NameFrom(kImageStyles, image.hotStyle);
     }
-    return strText;
+    return text;
 }
 
 std::string TableText(const StyledDocument& document, const TableAttributes& table) {
-    std::string strText = "table width " + LengthText(table.width) + " height " +
-                          Number(table.nHeight) + " padding " + Number(table.nCellPadding) +
-                          " spacing " + Number(table.nCellSpacing);
+    std::string text = "table width " + LengthText(table.width) + " height " +
+                       Number(table.nHeight) + " padding " + Number(table.nCellPadding) +
+                       " spacing " + Number(table.nCellSpacing);
     if (table.align != BlockAlign::Left) {
-        strText += std::string(" align ") + NameFrom(kAligns, table.align);
+        text += std::string(" align ") + NameFrom(kAligns, table.align);
     }
     if (table.margin != Edges{}) {
-        strText += " margin " + EdgesText(table.margin);
+        text += " margin " + EdgesText(table.margin);
     }
-    return strText + DecorationText(document, table.nDecoration);
+    return text + DecorationText(document, table.nDecoration);
 }
 
 std::string CellText(const StyledDocument& document, const CellAttributes& cell) {
-    std::string strText = "cell";
+    std::string text = "cell";
     if (cell.nColSpan != 1 || cell.nRowSpan != 1) {
-        strText += " span " + Number(cell.nColSpan) + "x" + Number(cell.nRowSpan);
+        text += " span " + Number(cell.nColSpan) + "x" + Number(cell.nRowSpan);
     }
-    strText += " width " + LengthText(cell.width) + " height " + Number(cell.nHeight) +
-               " padding " + EdgesText(cell.padding) + " valign " +
-               NameFrom(kVerticalAligns, cell.verticalAlign);
-    return strText + DecorationText(document, cell.nDecoration);
+    text += " width " + LengthText(cell.width) + " height " + Number(cell.nHeight) + " padding " +
+            EdgesText(cell.padding) + " valign " + NameFrom(kVerticalAligns, cell.verticalAlign);
+    return text + DecorationText(document, cell.nDecoration);
 }
 
 std::string RuleText(const RuleAttributes& rule) {
-    std::string strText = "rule width " + LengthText(rule.width);
+    std::string text = "rule width " + LengthText(rule.width);
     if (rule.colour.has_value()) {
-        strText += " colour " + ColourText(*rule.colour);
+        text += " colour " + ColourText(*rule.colour);
     }
     if (rule.align.has_value()) {
-        strText += std::string(" align ") + NameFrom(kAligns, *rule.align);
+        text += std::string(" align ") + NameFrom(kAligns, *rule.align);
     }
-    return strText;
+    return text;
 }
 
 std::string ItemText(const StyledDocument& document, const Item& item) {
@@ -259,83 +258,83 @@ std::string FragmentText(const StyledDocument& document, const Fragment& fragmen
 }  // namespace
 
 std::string DumpMarkup(std::string_view text) {
-    std::string strDump;
-    CMarkupReader reader(text);
+    std::string dump;
+    MarkupReader reader(text);
     for (MarkupEvent event = reader.Next(); event.kind != MarkupEvent::Kind::End;
          event = reader.Next()) {
         if (event.kind == MarkupEvent::Kind::Text) {
-            strDump += "text " + Quoted(event.text) + "\n";
+            dump += "text " + Quoted(event.text) + "\n";
             continue;
         }
-        const bool bOpen = event.kind == MarkupEvent::Kind::Open;
-        strDump += std::string(bOpen ? "open " : "close ") + std::string(InfoOf(event.tag).name);
-        for (int i = 0; bOpen && i < kAttributeCount; ++i) {
+        const bool open = event.kind == MarkupEvent::Kind::Open;
+        dump += std::string(open ? "open " : "close ") + std::string(InfoOf(event.tag).name);
+        for (int i = 0; open && i < kAttributeCount; ++i) {
             const auto attribute = static_cast<AttributeId>(i);
             if (reader.Attributes().Has(attribute)) {
-                strDump.append(1, ' ').append(NameOf(attribute)).append(1, '=');
-                strDump += Quoted(reader.Attributes().Get(attribute));
+                dump.append(1, ' ').append(NameOf(attribute)).append(1, '=');
+                dump += Quoted(reader.Attributes().Get(attribute));
             }
         }
-        strDump += event.bCharacter ? " (character)\n" : "\n";
+        dump += event.bCharacter ? " (character)\n" : "\n";
     }
-    return strDump;
+    return dump;
 }
 
 std::string DumpStyles(const StyledDocument& document) {
-    std::string strDump;
+    std::string dump;
     // Bounded, so that the dump of deeply nested tables stays linear.
     constexpr std::size_t kMostIndent = 40;
-    std::size_t nIndent = 0;
+    std::size_t indent = 0;
     for (const Item& item : document.aItems) {
         if (item.kind == ItemKind::CellClose || item.kind == ItemKind::TableClose) {
-            nIndent -= 2;
+            indent -= 2;
         }
-        strDump.append(std::min(nIndent, kMostIndent), ' ');
-        strDump += ItemText(document, item) + " style " + Number(item.nStyle);
-        strDump += item.nLink != kNone ? " link " + Number(item.nLink) + "\n" : "\n";
+        dump.append(std::min(indent, kMostIndent), ' ');
+        dump += ItemText(document, item) + " style " + Number(item.nStyle);
+        dump += item.nLink != kNone ? " link " + Number(item.nLink) + "\n" : "\n";
         if (item.kind == ItemKind::CellOpen || item.kind == ItemKind::TableOpen) {
-            nIndent += 2;
+            indent += 2;
         }
     }
     for (std::uint32_t i = 0; i < document.styles.Size(); ++i) {
-        strDump += "style " + Number(i) + ": " + StyleText(document.styles, i) + "\n";
+        dump += "style " + Number(i) + ": " + StyleText(document.styles, i) + "\n";
     }
     for (std::size_t i = 0; i < document.aLinks.size(); ++i) {
         const Link& link = document.aLinks[i];
-        strDump += "link " + Number(static_cast<std::int64_t>(i)) + ":";
-        strDump += link.bMsg ? " msg " + Quoted(document.StringOf(link.msg)) : "";
-        strDump += link.bHref ? " href " + Quoted(document.StringOf(link.href)) : "";
-        strDump += "\n";
+        dump += "link " + Number(static_cast<std::int64_t>(i)) + ":";
+        dump += link.bMsg ? " msg " + Quoted(document.StringOf(link.msg)) : "";
+        dump += link.bHref ? " href " + Quoted(document.StringOf(link.href)) : "";
+        dump += "\n";
     }
-    return strDump;
+    return dump;
 }
 
 std::string DumpLayout(const StyledDocument& document, const LayoutBoxes& boxes) {
-    std::string strDump = "size " + Number(boxes.nWidth) + "x" + Number(boxes.nHeight) + "\n";
+    std::string dump = "size " + Number(boxes.nWidth) + "x" + Number(boxes.nHeight) + "\n";
     for (const BlockBox& block : boxes.aBlocks) {
-        strDump += std::string(block.bCell ? "cell " : "table ") + Number(block.nIndex) + " " +
-                   RectText(block);
+        dump += std::string(block.bCell ? "cell " : "table ") + Number(block.nIndex) + " " +
+                RectText(block);
         if (block.bCell) {
-            strDump += " content " + Number(block.nContentY);
+            dump += " content " + Number(block.nContentY);
         }
-        strDump += DecorationText(document, block.nDecoration) + "\n";
+        dump += DecorationText(document, block.nDecoration) + "\n";
     }
     for (const LineBox& line : boxes.aLines) {
-        strDump += "line " + RectText(line) + " baseline " + Number(line.nBaseline);
+        dump += "line " + RectText(line) + " baseline " + Number(line.nBaseline);
         if (line.nBlock != kNone) {
-            strDump += " cell " + Number(boxes.aBlocks[line.nBlock].nIndex);
+            dump += " cell " + Number(boxes.aBlocks[line.nBlock].nIndex);
         }
-        strDump += "\n";
+        dump += "\n";
         for (std::uint32_t i = 0; i < line.nFragments; ++i) {
             const Fragment& fragment = boxes.aFragments[line.nFirstFragment + i];
-            strDump += "  " + RectText(fragment) + " " + FragmentText(document, fragment) +
-                       " style " + Number(fragment.nStyle);
-            strDump += fragment.nLink != kNone ? " link " + Number(fragment.nLink) : "";
-            strDump += fragment.nExtra != 0 ? " extra " + Number(fragment.nExtra) : "";
-            strDump += "\n";
+            dump += "  " + RectText(fragment) + " " + FragmentText(document, fragment) + " style " +
+                    Number(fragment.nStyle);
+            dump += fragment.nLink != kNone ? " link " + Number(fragment.nLink) : "";
+            dump += fragment.nExtra != 0 ? " extra " + Number(fragment.nExtra) : "";
+            dump += "\n";
         }
     }
-    return strDump;
+    return dump;
 }
 
 }  // namespace mvp::richtext

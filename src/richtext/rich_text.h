@@ -1,6 +1,6 @@
 // A rich text from its markup to its boxes: what a control holds one of.
 //
-//     CRichText text(measurer);
+//     RichText text(measurer);
 //     text.SetStyleSheet(std::nullopt);             // the built-in one, which is the default too
 //     text.SetText("Card <b>removed</b>");
 //     if (text.Layout(300)) { paint(text.Document(), text.Boxes()); }
@@ -20,10 +20,10 @@
 
 namespace mvp::richtext {
 
-class CRichText {
+class RichText {
 public:
     // The measurer must outlive the object.
-    explicit CRichText(CTextMeasurer& measurer);
+    explicit RichText(TextMeasurer& measurer);
 
     bool SetText(std::string_view text) noexcept;
     std::string_view Text() const { return m_strText; }
@@ -42,13 +42,13 @@ public:
 
     const StyledDocument& Document() const { return m_document; }
     const LayoutBoxes& Boxes() const { return m_boxes; }
-    const CStyleSheet& StyleSheet() const { return m_sheet; }
+    const StyleSheet& Sheet() const { return m_sheet; }
 
 private:
-    CTextMeasurer& m_measurer;
+    TextMeasurer& m_measurer;
     std::string m_strText;
     std::string m_strFace;  // what the settings' font points at
-    CStyleSheet m_sheet;
+    StyleSheet m_sheet;
     BuildSettings m_settings;
     StyledDocument m_document;
     LayoutBoxes m_boxes;

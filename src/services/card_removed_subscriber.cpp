@@ -13,9 +13,11 @@ namespace {
 // COM is loaded with the first dialog that watches a card: a host may have no other use for it. It
 // stays, and stays initialised: what else runs on the thread may have come to count on it.
 void InitializeCom() noexcept {
-    static const HMODULE hOle = mvp::LoadSystemLibrary("ole32.dll").release();
-    if (const auto pfnInitialize = mvp::FindFunction<decltype(&CoInitialize)>(hOle, "CoInitialize"))
-        (void)pfnInitialize(nullptr);
+    static const HMODULE ole = mvp::LoadSystemLibrary("ole32.dll").release();
+    if (const auto initializeFunction =
+            mvp::FindFunction<decltype(&CoInitialize)>(ole, "CoInitialize")) {
+        (void)initializeFunction(nullptr);
+    }
 }
 
 const unsigned char* Bytes(const char* pszText) {
@@ -34,8 +36,9 @@ VKDelegateSubscriberCardRemoved::VKDelegateSubscriberCardRemoved(CWnd* pWnd, UIN
     const mvp::LogScope scope("VKDelegateSubscriberCardRemoved Constructor");
     InitializeCom();
     const int result = Subscribe(VKEVENT_CARD_REMOVED);
-    if (result != 0)
+    if (result != 0) {
         vklogLog(g_szLogTag, kLogError, "Subscribe failed (%d)", result);
+    }
 }
 
 VKDelegateSubscriberCardRemoved::~VKDelegateSubscriberCardRemoved() {
@@ -44,8 +47,9 @@ VKDelegateSubscriberCardRemoved::~VKDelegateSubscriberCardRemoved() {
 }
 
 bool VKDelegateSubscriberCardRemoved::Concerns(const VKEvent& event) const {
-    if (m_strReader.IsEmpty())
+    if (m_strReader.IsEmpty()) {
         return true;
+    }
     return event.pszReaderName != nullptr &&
            _mbsicmp(Bytes(event.pszReaderName), Bytes(m_strReader)) == 0;
 }
@@ -58,8 +62,9 @@ void VKDelegateSubscriberCardRemoved::HandleEvent(const VKEvent& event) {
     const mvp::LogScope scope("VKDelegateSubscriberCardRemoved::HandleEvent");
     mvp::Guarded(
         [&] {
-            if (IsTargetThere() && Concerns(event))
+            if (IsTargetThere() && Concerns(event)) {
                 ::PostMessageA(m_hTarget, m_nMessage, 1, 0);
+            }
         },
         mvp::LogException("VKDelegateSubscriberCardRemoved::HandleEvent"));
 }

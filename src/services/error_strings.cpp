@@ -33,11 +33,13 @@ constexpr std::array<unsigned, 15> kStringByCode = {
 }  // namespace
 
 std::optional<unsigned> ErrorStringNumber(std::int32_t nCode) noexcept {
-    if (nCode < 0 || static_cast<std::size_t>(nCode) >= kStringByCode.size())
+    if (nCode < 0 || static_cast<std::size_t>(nCode) >= kStringByCode.size()) {
         return std::nullopt;
+    }
     const unsigned number = kStringByCode.at(static_cast<std::size_t>(nCode));
-    if (number == kNone)
+    if (number == kNone) {
         return std::nullopt;
+    }
     return number;
 }
 

@@ -27,8 +27,9 @@ struct SystemViewer {
 // windows run its code until the process ends.
 SystemViewer LoadSystemViewer() {
     SystemViewer viewer;
-    if (const HMODULE control = mvp::LoadSystemLibrary("hhctrl.ocx").release())
+    if (const HMODULE control = mvp::LoadSystemLibrary("hhctrl.ocx").release()) {
         viewer.pViewer = mvp::FindFunction<mvp::HelpViewer>(control, "HtmlHelpA");
+    }
     viewer.dwError = GetLastError();
     return viewer;
 }
@@ -38,10 +39,12 @@ SystemViewer LoadSystemViewer() {
 void LogUnlessThere(const char* pszFile) {
     std::array<char, kPathCapacity + 1> name{};
     std::memcpy(name.data(), pszFile, std::strcspn(pszFile, "><"));
-    if (char* pTopic = std::strstr(name.data(), "::"))
-        *pTopic = '\0';
-    if (GetFileAttributesA(name.data()) != INVALID_FILE_ATTRIBUTES)
+    if (char* topic = std::strstr(name.data(), "::")) {
+        *topic = '\0';
+    }
+    if (GetFileAttributesA(name.data()) != INVALID_FILE_ATTRIBUTES) {
         return;
+    }
     std::array<char, kPathCapacity + 32> reason{};
     std::snprintf(reason.data(), reason.size(), "no such file: %s", name.data());
     mvp::LogIgnoredSetting(kConfigKey, kPathValue, reason.data());
@@ -74,12 +77,14 @@ void DoDisplayTopic(int nTopic) {
     const mvp::RegistryRead read =
         mvp::ReadRegistry({kConfigKey, kPathValue}, path.data(), kPathCapacity);
     if (!read) {
-        if (read.failed == mvp::RegistryStep::OpenKey)
+        if (read.failed == mvp::RegistryStep::OpenKey) {
             vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kConfigKey);
-        else
+        } else {
             vklogLog(g_szLogTag, kLogError, "RegQueryValueEx \"VeskaraHelpPath\" failed");
-        if (read.error == ERROR_MORE_DATA)
+        }
+        if (read.error == ERROR_MORE_DATA) {
             mvp::LogIgnoredSetting(kConfigKey, kPathValue, "longer than 260 bytes");
+        }
         return;
     }
     LogUnlessThere(path.data());

@@ -16,13 +16,11 @@
 // Writable: the log's interface has always been handed an array.
 extern char g_szLogTag[];
 
-enum LogLevel : int {
-    kLogDetail = 0,
-    kLogError = 1,
-    kLogInfo = 2,
-    kLogEntry = 8,
-    kLogExit = 16,
-};
+inline constexpr int kLogDetail = 0;
+inline constexpr int kLogError = 1;
+inline constexpr int kLogInfo = 2;
+inline constexpr int kLogEntry = 8;
+inline constexpr int kLogExit = 16;
 
 namespace mvp {
 

@@ -63,8 +63,9 @@ void LogFailure(const ValueName& name, const mvp::RegistryRead& read, const Kind
                          : "RegQueryValueEx returns the error %d",
                      static_cast<int>(read.error));
             // A value that is missing is no mistake; one that is there and cannot be had may be.
-            if (read.error != ERROR_FILE_NOT_FOUND)
+            if (read.error != ERROR_FILE_NOT_FOUND) {
                 LogIgnored(name, "cannot be read");
+            }
             break;
         case mvp::RegistryStep::CheckType:
             LogWrongType(name, read.type, kind.pszType);
@@ -102,15 +103,17 @@ int ReadDword(const ValueName& name, DWORD* pdwValue, DWORD dwDefault) noexcept 
 
 int ReadString(const ValueName& name, CString* pstrValue) {
     std::array<char, kTextCapacity> buffer{};
-    if (!ReadValue(name, kText, buffer.data(), kTextCapacity))
+    if (!ReadValue(name, kText, buffer.data(), kTextCapacity)) {
         return kFailure;
+    }
     // A text that fills the buffer has lost its terminator on the way into the registry.
     if (buffer.back() != '\0') {
         LogUnreadData(name, ERROR_MORE_DATA, kText);
         return kFailure;
     }
-    if (pstrValue != nullptr)
+    if (pstrValue != nullptr) {
         *pstrValue = buffer.data();
+    }
     return kSuccess;
 }
 

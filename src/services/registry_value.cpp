@@ -10,18 +10,21 @@ RegistryRead ReadRegistry(const RegistryValue& value, void* pData, DWORD capacit
                           DWORD type) noexcept {
     RegistryRead read;
     const auto failed = [&](RegistryStep step) {
-        if (read.error != ERROR_SUCCESS)
+        if (read.error != ERROR_SUCCESS) {
             read.failed = step;
+        }
         return read.error != ERROR_SUCCESS;
     };
     RegistryKey key;
     read.error = RegOpenKeyExA(value.hRoot, value.pszKey, 0, value.access, key.put());
-    if (failed(RegistryStep::OpenKey))
+    if (failed(RegistryStep::OpenKey)) {
         return read;
+    }
     read.error =
         RegQueryValueExA(key.get(), value.pszName, nullptr, &read.type, nullptr, &read.size);
-    if (failed(RegistryStep::QueryValue))
+    if (failed(RegistryStep::QueryValue)) {
         return read;
+    }
     if (type != kAnyRegistryType && read.type != type) {
         read.failed = RegistryStep::CheckType;
         return read;

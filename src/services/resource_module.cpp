@@ -43,15 +43,16 @@ struct SharedIcon {
     int nSize;
     mvp::Icon icon;
 };
-mvp::CCriticalSection g_iconsLock;
+mvp::CriticalSection g_iconsLock;
 std::vector<SharedIcon> g_icons;
 
 HICON ShareIcon(UINT nId, int nSize) {
-    const mvp::CScopedLock lock(g_iconsLock);
+    const mvp::ScopedLock lock(g_iconsLock);
     const auto shared = std::ranges::find_if(
         g_icons, [=](const SharedIcon& each) { return each.nId == nId && each.nSize == nSize; });
-    if (shared != g_icons.end())
+    if (shared != g_icons.end()) {
         return shared->icon.get();
+    }
     mvp::Icon icon(static_cast<HICON>(LoadImageA(g_resourceModule.get(), MAKEINTRESOURCEA(nId),
                                                  IMAGE_ICON, nSize, nSize, LR_DEFAULTCOLOR)));
     if (!icon) {
@@ -76,8 +77,9 @@ HINSTANCE ResourceModule() noexcept {
 
 void LoadResourceModule() noexcept {
     g_resourceModule = LoadFromCurrentDirectory();
-    if (g_resourceModule)
+    if (g_resourceModule) {
         return;
+    }
     std::array<char, kPathCapacity> path{};
     DWORD capacity = kPathCapacity;
     ReadInstallPath(path.data(), &capacity);
@@ -86,22 +88,25 @@ void LoadResourceModule() noexcept {
     // The stored path ends in a separator, so nothing stands between the two.
     std::strncat(path.data(), kUnderInstallPath, kPathCapacity - 1 - std::strlen(path.data()));
     g_resourceModule = LoadAsData(path.data());
-    if (!g_resourceModule)
+    if (!g_resourceModule) {
         vklogLog(g_szLogTag, kLogInfo, "LoadLibrary(%s) failed with error code 0x%x", path.data(),
                  static_cast<unsigned>(GetLastError()));
+    }
 }
 
 void FreeResourceModule() noexcept {
-    const CScopedLock lock(g_iconsLock);
+    const ScopedLock lock(g_iconsLock);
     g_icons.clear();
     g_resourceModule.reset();
 }
 
 bool LoadResourceString(UINT nId, CString& text) {
-    if (!g_resourceModule)
+    if (!g_resourceModule) {
         return false;
-    if (text.LoadString(g_resourceModule.get(), nId))
+    }
+    if (text.LoadString(g_resourceModule.get(), nId)) {
         return true;
+    }
     LogMissingString(nId);
     return false;
 }
@@ -114,23 +119,27 @@ CString ResourceString(UINT nId) {
 
 void LoadResourceText(UINT nId, char* pszText, int nCapacity) noexcept {
     *pszText = '\0';
-    if (!g_resourceModule)
+    if (!g_resourceModule) {
         return;
-    if (LoadStringA(g_resourceModule.get(), nId, pszText, nCapacity) == 0)
+    }
+    if (LoadStringA(g_resourceModule.get(), nId, pszText, nCapacity) == 0) {
         LogMissingString(nId);
+    }
 }
 
 HINSTANCE ModuleOfDialog(UINT nId) noexcept {
     const HINSTANCE module = g_resourceModule.get();
-    if (module == nullptr || FindResourceA(module, MAKEINTRESOURCEA(nId), RT_DIALOG) != nullptr)
+    if (module == nullptr || FindResourceA(module, MAKEINTRESOURCEA(nId), RT_DIALOG) != nullptr) {
         return module;
+    }
     vklogLog(g_szLogTag, kLogError, "Dialog template %u is missing from the resource module", nId);
     return nullptr;
 }
 
 HICON LoadResourceIcon(UINT nId, int nSize) noexcept {
-    if (!g_resourceModule)
+    if (!g_resourceModule) {
         return nullptr;
+    }
     return Guarded<HICON>(
         nullptr, [=] { return ShareIcon(nId, nSize); }, LogException("LoadResourceIcon"));
 }

@@ -9,11 +9,12 @@ namespace mvp {
 
 // Overwrites every byte with zero and empties the text. Asks for no memory.
 inline void Wipe(CString& strSecret) {
-    const int nLength = strSecret.GetLength();
-    if (nLength == 0)
+    const int length = strSecret.GetLength();
+    if (length == 0) {
         return;
+    }
     // The text has a buffer of that size.
-    SecureZeroMemory(strSecret.GetBuffer(nLength), static_cast<SIZE_T>(nLength));
+    SecureZeroMemory(strSecret.GetBuffer(length), static_cast<SIZE_T>(length));
     strSecret.ReleaseBuffer();
 }
 

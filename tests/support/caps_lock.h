@@ -17,16 +17,19 @@ public:
     // state at once, other threads with their next input message. Throws std::runtime_error when
     // the system does not follow.
     explicit CapsLock(bool bOn) {
-        if (m_bBefore != bOn)
+        if (m_bBefore != bOn) {
             SendKey(VK_CAPITAL);
-        if (!WaitFor(std::chrono::seconds(5), [=] { return IsOn() == bOn; }))
+        }
+        if (!WaitFor(std::chrono::seconds(5), [=] { return IsOn() == bOn; })) {
             throw std::runtime_error("Caps Lock does not follow its key");
+        }
     }
     CapsLock(const CapsLock&) = delete;
     CapsLock& operator=(const CapsLock&) = delete;
     ~CapsLock() {
-        if (IsOn() != m_bBefore)
+        if (IsOn() != m_bBefore) {
             SendKey(VK_CAPITAL);
+        }
     }
 
     // GetKeyState is the calling thread's view, which follows its input messages alone.

@@ -23,23 +23,26 @@ void PumpWhile(Condition condition) {
         constexpr DWORD kLookMs = 2;  // how often the condition is asked
         MsgWaitForMultipleObjects(0, nullptr, FALSE, kLookMs, QS_ALLINPUT);
         for (MSG message = {}; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-            if (message.message == WM_QUIT)
+            if (message.message == WM_QUIT) {
                 quitCode = static_cast<int>(message.wParam);
+            }
             TranslateMessage(&message);
             DispatchMessageA(&message);
         }
     } while (condition());
-    if (quitCode)
+    if (quitCode) {
         PostQuitMessage(*quitCode);
+    }
 }
 
 // A dialog's own control stands before one of the same number in a panel.
 HWND FindControl(HWND hParent, int nId) {
-    HWND hFound = GetDlgItem(hParent, nId);
-    for (HWND hChild = GetWindow(hParent, GW_CHILD); hFound == nullptr && hChild != nullptr;
-         hChild = GetWindow(hChild, GW_HWNDNEXT))
-        hFound = FindControl(hChild, nId);
-    return hFound;
+    HWND found = GetDlgItem(hParent, nId);
+    for (HWND child = GetWindow(hParent, GW_CHILD); found == nullptr && child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        found = FindControl(child, nId);
+    }
+    return found;
 }
 
 }  // namespace
@@ -50,11 +53,12 @@ DialogDriver::DialogDriver(std::chrono::milliseconds deadline, std::vector<Scrip
     : m_deadline(deadline), m_thread([this, scripts = std::move(scripts)] { Main(scripts); }) {}
 
 void DialogDriver::Join() {
-    if (!m_thread.joinable())
+    if (!m_thread.joinable()) {
         return;
-    PumpWhile([this] { return m_phase == Phase::kScripts; });
-    m_phase = Phase::kStop;
-    PumpWhile([this] { return m_phase != Phase::kEnded; });
+    }
+    PumpWhile([this] { return m_phase == Phase::Scripts; });
+    m_phase = Phase::Stop;
+    PumpWhile([this] { return m_phase != Phase::Ended; });
     m_thread.join();
 }
 
@@ -66,14 +70,15 @@ void DialogDriver::Main(const std::vector<Script>& scripts) noexcept {
             } catch (const std::exception& error) {
                 Fail(error.what());
             }
-            m_phase = Phase::kWatch;
+            m_phase = Phase::Watch;
             // From here on nobody waits for a dialog: one that opens would keep the test's thread
             // for ever.
-            for (; m_phase == Phase::kWatch; Sleep(5))
+            for (; m_phase == Phase::Watch; Sleep(5)) {
                 CancelWhatIsOpen();
+            }
         },
         [] { EndTestProcess("the dialog driver failed"); });
-    m_phase = Phase::kEnded;
+    m_phase = Phase::Ended;
 }
 
 void DialogDriver::RunScripts(const std::vector<Script>& scripts) {
@@ -81,26 +86,29 @@ void DialogDriver::RunScripts(const std::vector<Script>& scripts) {
         Dialog dialog = WaitForDialog();
         script(dialog);
         m_bFailed = testing::Test::HasFatalFailure();
-        if (m_bFailed)
+        if (m_bFailed) {
             return;  // has been reported; the dialog is cancelled now, not waited for
+        }
         dialog.WaitGone();
     }
 }
 
 void DialogDriver::CancelWhatIsOpen() {
-    for (HWND hDialog : OpenDialogs()) {
-        if (!m_bFailed)
+    for (HWND dialog : OpenDialogs()) {
+        if (!m_bFailed) {
             Fail("no script waits for what is open: " + DescribeWindows());
-        const std::string strTitle = TitleOf(hDialog);
+        }
+        const std::string title = TitleOf(dialog);
         // A dialog below another one takes the command only when that has gone, so it is repeated;
         // a dialog that knows no Cancel may know another answer.
         constexpr int kAnswers[] = {IDCANCEL, IDOK, IDNO, IDABORT};
-        int nTries = 0;
+        int tries = 0;
         do {
-            if (nTries == 12)
-                EndTestProcess("the dialog \"" + strTitle + "\" cannot be cancelled");
-            PostMessageA(hDialog, WM_COMMAND, static_cast<WPARAM>(kAnswers[nTries++ % 4]), 0);
-        } while (!WaitFor(std::chrono::milliseconds(250), [=] { return IsGone(hDialog); }));
+            if (tries == 12) {
+                EndTestProcess("the dialog \"" + title + "\" cannot be cancelled");
+            }
+            PostMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(kAnswers[tries++ % 4]), 0);
+        } while (!WaitFor(std::chrono::milliseconds(250), [=] { return IsGone(dialog); }));
     }
 }
 
@@ -111,9 +119,10 @@ void DialogDriver::Fail(const std::string& strReason) {
 
 void DialogDriver::WaitUntil(const std::string& strWhat,
                              const std::function<bool()>& condition) const {
-    if (!WaitFor(m_deadline, condition))
+    if (!WaitFor(m_deadline, condition)) {
         throw DriverFailure("waited " + std::to_string(m_deadline.count()) + " ms until " +
                             strWhat + "; open are: " + DescribeWindows());
+    }
 }
 
 Dialog DialogDriver::WaitForDialog() {
@@ -132,10 +141,10 @@ bool DialogDriver::IsReady(HWND hWnd) const {
         return IsWindowVisible(hWnd) && IsWindowEnabled(hWnd) && !m_inHand.contains(hWnd);
     };
     // Answered once the dialog's initialisation is over, which may have closed it again.
-    DWORD_PTR dwResult = 0;
+    DWORD_PTR result = 0;
     return isWanted() &&
            SendMessageTimeoutA(hWnd, WM_NULL, 0, 0, SMTO_ABORTIFHUNG,
-                               static_cast<UINT>(m_deadline.count()), &dwResult) != 0 &&
+                               static_cast<UINT>(m_deadline.count()), &result) != 0 &&
            isWanted();
 }
 
@@ -147,11 +156,12 @@ std::vector<HWND> DialogDriver::OpenDialogs() const {
 
 // Every visible top-level window of the thread, for failure texts.
 std::string DialogDriver::DescribeWindows() const {
-    std::string strText;
-    for (HWND hWnd : VisibleWindows(m_ui.Id()))
-        strText += (strText.empty() ? "" : ", ") + ClassOf(hWnd) + " \"" + TitleOf(hWnd) + "\"" +
-                   (IsWindowEnabled(hWnd) ? "" : " (disabled)");
-    return strText.empty() ? "none" : strText;
+    std::string text;
+    for (HWND window : VisibleWindows(m_ui.Id())) {
+        text += (text.empty() ? "" : ", ") + ClassOf(window) + " \"" + TitleOf(window) + "\"" +
+                (IsWindowEnabled(window) ? "" : " (disabled)");
+    }
+    return text.empty() ? "none" : text;
 }
 
 // --- A dialog: what it shows ---
@@ -167,25 +177,27 @@ RECT Dialog::ScreenRect() const {
 }
 
 HWND Dialog::Control(int nId) const {
-    HWND hControl = FindControl(m_hWnd, nId);
-    if (hControl == nullptr)
+    HWND control = FindControl(m_hWnd, nId);
+    if (control == nullptr) {
         throw DriverFailure("the dialog \"" + Title() + "\" has no control " + std::to_string(nId));
-    return hControl;
+    }
+    return control;
 }
 
 HWND Dialog::Usable(int nId) const {
-    HWND hControl = Control(nId);
-    if (!IsWindowVisible(hControl) || !IsWindowEnabled(hControl))
+    HWND control = Control(nId);
+    if (!IsWindowVisible(control) || !IsWindowEnabled(control)) {
         throw DriverFailure("control " + std::to_string(nId) + " of the dialog \"" + Title() +
                             "\" is disabled or hidden");
-    return hControl;
+    }
+    return control;
 }
 
 std::string Dialog::Text(int nId) const {
-    std::string strText(static_cast<size_t>(Send(nId, WM_GETTEXTLENGTH)) + 1, '\0');
-    strText.resize(static_cast<size_t>(
-        Send(nId, WM_GETTEXT, strText.size(), reinterpret_cast<LPARAM>(strText.data()))));
-    return strText;
+    std::string text(static_cast<size_t>(Send(nId, WM_GETTEXTLENGTH)) + 1, '\0');
+    text.resize(static_cast<size_t>(
+        Send(nId, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
 }
 
 RECT Dialog::Rect(int nId) const {
@@ -196,11 +208,12 @@ RECT Dialog::Rect(int nId) const {
 }
 
 LRESULT Dialog::Send(int nId, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
-    DWORD_PTR dwResult = 0;
+    DWORD_PTR result = 0;
     if (SendMessageTimeoutA(Control(nId), nMessage, wParam, lParam, SMTO_ABORTIFHUNG,
-                            static_cast<UINT>(m_driver.m_deadline.count()), &dwResult) == 0)
+                            static_cast<UINT>(m_driver.m_deadline.count()), &result) == 0) {
         throw DriverFailure("no answer to message " + std::to_string(nMessage));
-    return static_cast<LRESULT>(dwResult);
+    }
+    return static_cast<LRESULT>(result);
 }
 
 HWND Dialog::FocusedControl() const {
@@ -210,35 +223,38 @@ HWND Dialog::FocusedControl() const {
 }
 
 int Dialog::FocusedId() const {
-    HWND hFocus = FocusedControl();
-    return hFocus != nullptr && hFocus != m_hWnd ? GetDlgCtrlID(hFocus) : 0;
+    HWND focus = FocusedControl();
+    return focus != nullptr && focus != m_hWnd ? GetDlgCtrlID(focus) : 0;
 }
 
 // --- Acting by messages ---
 
 void Dialog::Post(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) const {
-    if (!PostMessageA(hWnd, nMessage, wParam, lParam))
+    if (!PostMessageA(hWnd, nMessage, wParam, lParam)) {
         throw DriverFailure("message " + std::to_string(nMessage) + " could not be posted, error " +
                             std::to_string(GetLastError()));
+    }
 }
 
 void Dialog::Focus(int nId) {
-    HWND hControl = Usable(nId);
-    if (FocusedControl() == hControl)
+    HWND control = Usable(nId);
+    if (FocusedControl() == control) {
         return;
-    Run([hControl] { SetFocus(hControl); });
+    }
+    Run([control] { SetFocus(control); });
     WaitUntil("control " + std::to_string(nId) + " has the focus",
-              [&] { return FocusedControl() == hControl; });
+              [&] { return FocusedControl() == control; });
 }
 
 template <class Characters>
 void Dialog::TypeEach(int nId, const Characters& text) {
     Focus(nId);
-    const LRESULT nLength = Send(nId, WM_GETTEXTLENGTH);
-    Send(nId, EM_SETSEL, static_cast<WPARAM>(nLength), nLength);
-    HWND hControl = Control(nId);
-    for (size_t i = 0; i < text.size(); ++i)
-        Post(hControl, WM_CHAR, static_cast<unsigned char>(text[i]), 1);
+    const LRESULT length = Send(nId, WM_GETTEXTLENGTH);
+    Send(nId, EM_SETSEL, static_cast<WPARAM>(length), length);
+    HWND control = Control(nId);
+    for (size_t i = 0; i < text.size(); ++i) {
+        Post(control, WM_CHAR, static_cast<unsigned char>(text[i]), 1);
+    }
     Settle();
 }
 
@@ -251,15 +267,15 @@ void Dialog::Type(int nId, const Secret& secret) {
 }
 
 void Dialog::Paste(int nId, std::string_view text) {
-    HWND hControl = Usable(nId);
+    HWND control = Usable(nId);
     WaitUntil("the clipboard is free", [] { return OpenClipboard(nullptr) != FALSE; });
     EmptyClipboard();
-    const HGLOBAL hText = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, text.size() + 1);
-    std::memcpy(GlobalLock(hText), text.data(), text.size());
-    GlobalUnlock(hText);
-    SetClipboardData(CF_TEXT, hText);  // which owns it now
+    const HGLOBAL textHandle = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, text.size() + 1);
+    std::memcpy(GlobalLock(textHandle), text.data(), text.size());
+    GlobalUnlock(textHandle);
+    SetClipboardData(CF_TEXT, textHandle);  // which owns it now
     CloseClipboard();
-    Post(hControl, WM_PASTE, 0, 0);
+    Post(control, WM_PASTE, 0, 0);
     Settle();
 }
 
@@ -269,16 +285,16 @@ void Dialog::Click(int nId) {
 }
 
 void Dialog::Press(WORD vk) {
-    HWND hTop = GetAncestor(m_hWnd, GA_ROOT);
-    HWND hTarget = nullptr;
+    HWND top = GetAncestor(m_hWnd, GA_ROOT);
+    HWND target = nullptr;
     // The focus may still be on its way here from a dialog that has just gone.
     WaitUntil("the dialog has the focus", [&] {
-        hTarget = FocusedControl();
-        return hTarget == hTop || IsChild(hTop, hTarget);
+        target = FocusedControl();
+        return target == top || IsChild(top, target);
     });
-    const LPARAM nData = 1 | static_cast<LPARAM>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)) << 16;
-    Post(hTarget, WM_KEYDOWN, vk, nData);
-    PostMessageA(hTarget, WM_KEYUP, vk, nData | 0xC0000000);  // unless it has gone at the press
+    const LPARAM data = 1 | static_cast<LPARAM>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)) << 16;
+    Post(target, WM_KEYDOWN, vk, data);
+    PostMessageA(target, WM_KEYUP, vk, data | 0xC0000000);  // unless it has gone at the press
     // The press posts the key's character, which the second one waits for.
     Settle();
     Settle();
@@ -292,15 +308,17 @@ void Dialog::Cancel() {
 // --- Acting by real key strokes ---
 
 void Dialog::BringToForeground() const {
-    HWND hTop = GetAncestor(m_hWnd, GA_ROOT);
-    if (GetForegroundWindow() != hTop)
-        Run([hTop] { SetForegroundWindow(hTop); });
-    WaitUntil("the dialog is in the foreground", [hTop] { return GetForegroundWindow() == hTop; });
+    HWND top = GetAncestor(m_hWnd, GA_ROOT);
+    if (GetForegroundWindow() != top) {
+        Run([top] { SetForegroundWindow(top); });
+    }
+    WaitUntil("the dialog is in the foreground", [top] { return GetForegroundWindow() == top; });
 }
 
 void Dialog::AwaitKeys(bool bSent) const {
-    if (!bSent)
+    if (!bSent) {
         throw DriverFailure("the system refused a key stroke");
+    }
     // A stroke may end the dialog, and with it the thread's taking of messages.
     WaitUntil("the keys are taken", [this] {
         return !IsOpen() || WaitForKeys(m_driver.m_ui.Id(), std::chrono::milliseconds(200));

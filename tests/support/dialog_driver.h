@@ -142,10 +142,10 @@ public:
 private:
     friend class Dialog;
     enum class Phase {
-        kScripts,
-        kWatch,  // every script has run; Join ends it
-        kStop,
-        kEnded,
+        Scripts,
+        Watch,  // every script has run; Join ends it
+        Stop,
+        Ended,
     };
 
     // On the driver's thread; the waits throw DriverFailure.
@@ -164,7 +164,7 @@ private:
     std::chrono::milliseconds m_deadline;
     std::set<HWND> m_inHand;
     bool m_bFailed = false;
-    std::atomic<Phase> m_phase = Phase::kScripts;
+    std::atomic<Phase> m_phase = Phase::Scripts;
     std::thread m_thread;
 };
 

@@ -54,10 +54,12 @@ public:
 
 private:
     void AddPart(DWORD dwStyle, DWORD dwExStyle, std::initializer_list<int> words) {
-        for (const DWORD dw : {dwStyle, dwExStyle})
+        for (const DWORD dw : {dwStyle, dwExStyle}) {
             m_words.insert(m_words.end(), {LOWORD(dw), HIWORD(dw)});
-        for (const int n : words)
+        }
+        for (const int n : words) {
             m_words.push_back(static_cast<WORD>(n));
+        }
     }
     void AddText(std::string_view text) {
         m_words.insert(m_words.end(), text.begin(), text.end());

@@ -27,8 +27,9 @@ public:
         : m_imports(pszModule, {{"malloc", Address(&Malloc)},
                                 {"calloc", Address(&Calloc)},
                                 {"realloc", Address(&Realloc)}}) {
-        if (m_imports.IsEmpty())
+        if (m_imports.IsEmpty()) {
             throw std::runtime_error(std::string("no heap functions in ") + pszModule);
+        }
     }
     ~FailingHeap() { Stop(); }
 
@@ -47,8 +48,9 @@ public:
 
 private:
     static bool IsRefused(std::size_t cb) {
-        if (s_nThread != GetCurrentThreadId() || cb < s_cbLeast || s_nSuccesses-- > 0)
+        if (s_nThread != GetCurrentThreadId() || cb < s_cbLeast || s_nSuccesses-- > 0) {
             return false;
+        }
         s_bRefused = true;
         s_nThread = 0;
         return true;

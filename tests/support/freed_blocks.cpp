@@ -21,23 +21,25 @@ Function* Real(Function&, const char* pszName, const char* pszLibrary = "kernel3
 }
 
 void CheckedFree(void* p) {
-    static const auto s_real = Real(std::free, "free", "msvcrt.dll");
-    if (p != nullptr)
+    static const auto real = Real(std::free, "free", "msvcrt.dll");
+    if (p != nullptr) {
         g_look(p, _msize(p));
-    s_real(p);
+    }
+    real(p);
 }
 
 BOOL WINAPI CheckedHeapFree(HANDLE hHeap, DWORD dwFlags, void* p) {
-    static const auto s_real = Real(HeapFree, "HeapFree");
-    if (p != nullptr)
+    static const auto real = Real(HeapFree, "HeapFree");
+    if (p != nullptr) {
         g_look(p, HeapSize(hHeap, 0, p));
-    return s_real(hHeap, dwFlags, p);
+    }
+    return real(hHeap, dwFlags, p);
 }
 
 void* WINAPI CheckedHeapReAlloc(HANDLE hHeap, DWORD dwFlags, void* p, SIZE_T nBytes) {
-    static const auto s_real = Real(HeapReAlloc, "HeapReAlloc");
+    static const auto real = Real(HeapReAlloc, "HeapReAlloc");
     g_look(p, HeapSize(hHeap, 0, p));
-    return s_real(hHeap, dwFlags, p, nBytes);
+    return real(hHeap, dwFlags, p, nBytes);
 }
 
 void LookAtLocal(HLOCAL hMemory) {
@@ -48,31 +50,32 @@ void LookAtLocal(HLOCAL hMemory) {
 }
 
 HLOCAL WINAPI CheckedLocalFree(HLOCAL hMemory) {
-    static const auto s_real = Real(LocalFree, "LocalFree");
+    static const auto real = Real(LocalFree, "LocalFree");
     LookAtLocal(hMemory);
-    return s_real(hMemory);
+    return real(hMemory);
 }
 
 HLOCAL WINAPI CheckedLocalReAlloc(HLOCAL hMemory, SIZE_T nBytes, UINT nFlags) {
-    static const auto s_real = Real(LocalReAlloc, "LocalReAlloc");
+    static const auto real = Real(LocalReAlloc, "LocalReAlloc");
     LookAtLocal(hMemory);
-    return s_real(hMemory, nBytes, nFlags);
+    return real(hMemory, nBytes, nFlags);
 }
 
 }  // namespace
 
 FreedBlocks::FreedBlocks(std::initializer_list<const char*> modules, Look look) {
     g_look = std::move(look);
-    for (const char* pszModule : modules)
-        m_patches.emplace_back(pszModule, std::initializer_list<PatchedImports::Function>{
-                                              // The C runtime that this program has; the system's
-                                              // modules have another.
-                                              {"free", Address(&CheckedFree), "msvcrt.dll"},
-                                              {"HeapFree", Address(&CheckedHeapFree)},
-                                              {"HeapReAlloc", Address(&CheckedHeapReAlloc)},
-                                              {"LocalFree", Address(&CheckedLocalFree)},
-                                              {"LocalReAlloc", Address(&CheckedLocalReAlloc)},
-                                          });
+    for (const char* moduleName : modules) {
+        m_patches.emplace_back(moduleName, std::initializer_list<PatchedImports::Function>{
+                                               // The C runtime that this program has; the system's
+                                               // modules have another.
+                                               {"free", Address(&CheckedFree), "msvcrt.dll"},
+                                               {"HeapFree", Address(&CheckedHeapFree)},
+                                               {"HeapReAlloc", Address(&CheckedHeapReAlloc)},
+                                               {"LocalFree", Address(&CheckedLocalFree)},
+                                               {"LocalReAlloc", Address(&CheckedLocalReAlloc)},
+                                           });
+    }
 }
 
 FreedBlocks::~FreedBlocks() {
@@ -81,8 +84,8 @@ FreedBlocks::~FreedBlocks() {
 }
 
 std::size_t DirtyBytes(const void* pBlock, std::size_t nBytes) {
-    const auto* pBytes = static_cast<const unsigned char*>(pBlock);
-    return nBytes - static_cast<std::size_t>(std::count(pBytes, pBytes + nBytes, 0));
+    const auto* bytes = static_cast<const unsigned char*>(pBlock);
+    return nBytes - static_cast<std::size_t>(std::count(bytes, bytes + nBytes, 0));
 }
 
 }  // namespace mvp::test

@@ -50,9 +50,11 @@ public:
     // The texts of one level, in order.
     std::vector<std::string> Texts(int nLevel) const {
         std::vector<std::string> texts;
-        for (RecordedLine& line : Lines())
-            if (line.nLevel == nLevel)
+        for (RecordedLine& line : Lines()) {
+            if (line.nLevel == nLevel) {
                 texts.push_back(std::move(line.strText));
+            }
+        }
         return texts;
     }
     // Whether there is a line of that level with exactly that text.
@@ -68,8 +70,9 @@ public:
     // Every line on a line of its own, for the message of a failure.
     std::string Dump() const {
         std::string text = "the log:\n";
-        for (const auto& [strTag, nLevel, strText] : Lines())
-            text += "  " + strTag + ' ' + std::to_string(nLevel) + ": " + strText + '\n';
+        for (const auto& [tag, level, content] : Lines()) {
+            text += "  " + tag + ' ' + std::to_string(level) + ": " + content + '\n';
+        }
         return text;
     }
 

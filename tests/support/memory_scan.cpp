@@ -29,14 +29,15 @@ struct Scratch {
     size_t nHits;
 
     void Add(ULONG_PTR address, size_t nPiece, bool bWide) {
-        const size_t nFirst = nPiece * Secret::kPiece;
-        if (MemoryHit* pLast = nHits > 0 ? &hits[nHits - 1] : nullptr;
-            pLast != nullptr && pLast->bWide == bWide &&
-            pLast->address + pLast->nCount * (bWide ? 2 : 1) == address &&
-            pLast->nFirst + pLast->nCount == nFirst)
-            pLast->nCount += Secret::kPiece;
-        else if (nHits < kMaxHits)
-            hits[nHits++] = {address, nFirst, Secret::kPiece, bWide};
+        const size_t first = nPiece * Secret::kPiece;
+        if (MemoryHit* last = nHits > 0 ? &hits[nHits - 1] : nullptr;
+            last != nullptr && last->bWide == bWide &&
+            last->address + last->nCount * (bWide ? 2 : 1) == address &&
+            last->nFirst + last->nCount == first) {
+            last->nCount += Secret::kPiece;
+        } else if (nHits < kMaxHits) {
+            hits[nHits++] = {address, first, Secret::kPiece, bWide};
+        }
     }
 };
 
@@ -52,13 +53,16 @@ template <class Found>
 void Secret::FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nBytes,
                         Found found) const {
     for (size_t i = 0; i < nFresh; ++i) {
-        const int nPiece = m_pieceByFirst[pBytes[i]];
-        if (nPiece < 0)
+        const int piece = m_pieceByFirst[pBytes[i]];
+        if (piece < 0) {
             continue;
-        for (const bool bWide : {false, true})
-            if (nBytes - i >= PieceSize(bWide) &&
-                IsPiece(static_cast<size_t>(nPiece), pBytes + i, bWide))
-                found(i, static_cast<size_t>(nPiece), bWide);
+        }
+        for (const bool wide : {false, true}) {
+            if (nBytes - i >= PieceSize(wide) &&
+                IsPiece(static_cast<size_t>(piece), pBytes + i, wide)) {
+                found(i, static_cast<size_t>(piece), wide);
+            }
+        }
     }
 }
 
@@ -67,21 +71,23 @@ namespace {
 // Reads what of the range is still there, page by page where a page has vanished.
 void ScanRange(const Secret& secret, ULONG_PTR nBegin, ULONG_PTR nEnd, Scratch& scratch) {
     constexpr size_t kPage = 4096;
-    const size_t nOverlap = PieceSize(true) - 1;
-    for (ULONG_PTR nAt = nBegin; nAt < nEnd;) {
-        const size_t nWanted = std::min<size_t>(nEnd - nAt, kChunk);
-        SIZE_T nRead = 0;
-        for (const size_t nPart : {nWanted, std::min(nWanted, kPage)})
-            if (nRead < nPart)
-                ReadProcessMemory(GetCurrentProcess(), reinterpret_cast<const void*>(nAt),
-                                  scratch.bytes, nPart, &nRead);
-        const bool bLast = nAt + nRead >= nEnd || nRead <= nOverlap;
-        const size_t nFresh = bLast ? nRead : nRead - nOverlap;
-        secret.FindPieces(scratch.bytes, nFresh, nRead,
+    const size_t overlap = PieceSize(true) - 1;
+    for (ULONG_PTR at = nBegin; at < nEnd;) {
+        const size_t wanted = std::min<size_t>(nEnd - at, kChunk);
+        SIZE_T read = 0;
+        for (const size_t part : {wanted, std::min(wanted, kPage)}) {
+            if (read < part) {
+                ReadProcessMemory(GetCurrentProcess(), reinterpret_cast<const void*>(at),
+                                  scratch.bytes, part, &read);
+            }
+        }
+        const bool last = at + read >= nEnd || read <= overlap;
+        const size_t fresh = last ? read : read - overlap;
+        secret.FindPieces(scratch.bytes, fresh, read,
                           [&](size_t nOffset, size_t nPiece, bool bWide) {
-                              scratch.Add(nAt + nOffset, nPiece, bWide);
+                              scratch.Add(at + nOffset, nPiece, bWide);
                           });
-        nAt += std::max(nFresh, nRead == 0 ? kPage : size_t{1});
+        at += std::max(fresh, read == 0 ? kPage : size_t{1});
     }
     SecureZeroMemory(scratch.bytes, sizeof scratch.bytes);
 }
@@ -95,57 +101,64 @@ bool IsWritable(const MEMORY_BASIC_INFORMATION& info) {
 
 void ScanAll(const Secret& secret, Scratch& scratch) {
     MEMORY_BASIC_INFORMATION info = {};
-    for (ULONG_PTR nAt = 0;
-         VirtualQuery(reinterpret_cast<const void*>(nAt), &info, sizeof info) != 0;) {
-        nAt = reinterpret_cast<ULONG_PTR>(info.BaseAddress) + info.RegionSize;
-        if (IsWritable(info) && info.AllocationBase != &scratch)
-            ScanRange(secret, nAt - info.RegionSize, nAt, scratch);
+    for (ULONG_PTR at = 0;
+         VirtualQuery(reinterpret_cast<const void*>(at), &info, sizeof info) != 0;) {
+        at = reinterpret_cast<ULONG_PTR>(info.BaseAddress) + info.RegionSize;
+        if (IsWritable(info) && info.AllocationBase != &scratch) {
+            ScanRange(secret, at - info.RegionSize, at, scratch);
+        }
     }
 }
 
 bool FindInHeap(HANDLE hHeap, MemoryHit& hit) {
-    bool bFound = false;
+    bool found = false;
     PROCESS_HEAP_ENTRY entry = {};
     HeapLock(hHeap);
-    while (!bFound && HeapWalk(hHeap, &entry)) {
-        const auto nBegin = reinterpret_cast<ULONG_PTR>(entry.lpData);
-        bFound = (entry.wFlags & (PROCESS_HEAP_REGION | PROCESS_HEAP_UNCOMMITTED_RANGE)) == 0 &&
-                 hit.address >= nBegin && hit.address - nBegin < entry.cbData;
+    while (!found && HeapWalk(hHeap, &entry)) {
+        const auto begin = reinterpret_cast<ULONG_PTR>(entry.lpData);
+        found = (entry.wFlags & (PROCESS_HEAP_REGION | PROCESS_HEAP_UNCOMMITTED_RANGE)) == 0 &&
+                hit.address >= begin && hit.address - begin < entry.cbData;
     }
     HeapUnlock(hHeap);
-    hit.bFreed = bFound && (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0;
-    return bFound;
+    hit.bFreed = found && (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0;
+    return found;
 }
 
 }  // namespace
 
 Secret::Secret() {
-    static unsigned s_nLast = 0;
-    std::mt19937 random(++s_nLast);
+    static unsigned lastNumber = 0;
+    std::mt19937 random(++lastNumber);
     std::string encoded;
-    for (const auto& [first, last] : {std::pair{'0', '9'}, {'A', 'Z'}, {'a', 'z'}})
-        for (char ch = first; ch <= last; ++ch)
+    for (const auto& [first, last] : {std::pair{'0', '9'}, {'A', 'Z'}, {'a', 'z'}}) {
+        for (char ch = first; ch <= last; ++ch) {
             encoded.push_back(Coded(ch));
+        }
+    }
     std::shuffle(encoded.begin(), encoded.end(), random);
     std::copy_n(encoded.begin(), kLength, m_encoded.begin());
     m_pieceByFirst.fill(-1);
-    for (size_t i = 0; i < kLength; i += kPiece)
+    for (size_t i = 0; i < kLength; i += kPiece) {
         m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) = static_cast<int>(i / kPiece);
+    }
 }
 
 void Secret::CopyTo(void* pTarget, bool bWide) const {
-    auto* pAt = static_cast<volatile char*>(pTarget);
+    auto* at = static_cast<volatile char*>(pTarget);
     for (size_t i = 0; i < kLength; ++i) {
-        *pAt++ = (*this)[i];
-        if (bWide)
-            *pAt++ = '\0';
+        *at++ = (*this)[i];
+        if (bWide) {
+            *at++ = '\0';
+        }
     }
 }
 
 bool Secret::IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const {
-    for (size_t i = nPiece * kPiece; i < (nPiece + 1) * kPiece; ++i)
-        if (*pBytes++ != static_cast<unsigned char>((*this)[i]) || (bWide && *pBytes++ != 0))
+    for (size_t i = nPiece * kPiece; i < (nPiece + 1) * kPiece; ++i) {
+        if (*pBytes++ != static_cast<unsigned char>((*this)[i]) || (bWide && *pBytes++ != 0)) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -153,26 +166,29 @@ std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
     return stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
                   << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address
                   << std::dec
-                  << (hit.bFreed                             ? " in a freed block"
-                      : hit.place == MemoryHit::Place::kHeap ? " in a heap"
-                                                             : " in other memory");
+                  << (hit.bFreed                            ? " in a freed block"
+                      : hit.place == MemoryHit::Place::Heap ? " in a heap"
+                                                            : " in other memory");
 }
 
 std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
     const UniqueHandle<ScratchTraits> scratch(static_cast<Scratch*>(
         VirtualAlloc(nullptr, sizeof(Scratch), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
-    if (!scratch)
+    if (!scratch) {
         throw std::runtime_error("no memory to scan with");
+    }
     ScanAll(secret, *scratch.get());
     std::vector<MemoryHit> hits(scratch.get()->hits, scratch.get()->hits + scratch.get()->nHits);
     HANDLE heaps[64] = {reinterpret_cast<HANDLE>(_get_heap_handle())};
     GetProcessHeaps(63, heaps + 1);
-    for (MemoryHit& hit : hits)
-        for (const HANDLE hHeap : heaps)
-            if (hHeap != nullptr && FindInHeap(hHeap, hit)) {
-                hit.place = MemoryHit::Place::kHeap;
+    for (MemoryHit& hit : hits) {
+        for (const HANDLE heap : heaps) {
+            if (heap != nullptr && FindInHeap(heap, hit)) {
+                hit.place = MemoryHit::Place::Heap;
                 break;
             }
+        }
+    }
     return hits;
 }
 
@@ -180,16 +196,19 @@ SecretWatch::SecretWatch(std::vector<const Secret*> secrets)
     : m_secrets(std::move(secrets)),
       m_freedBlocks({nullptr, "mvpingui.dll", "dlgfw.dll", "comctl32.dll", "user32.dll"},
                     [this](const void* pBlock, size_t nBytes) {
-                        for (const Secret* pSecret : m_secrets)
-                            pSecret->FindPieces(static_cast<const unsigned char*>(pBlock), nBytes,
-                                                nBytes, [&](size_t, size_t, bool) { ++m_nFreed; });
+                        for (const Secret* secret : m_secrets) {
+                            secret->FindPieces(static_cast<const unsigned char*>(pBlock), nBytes,
+                                               nBytes, [&](size_t, size_t, bool) { ++m_nFreed; });
+                        }
                     }) {}
 
 void SecretWatch::ExpectNothingLeft(const char* pszWhen) const {
     EXPECT_EQ(m_nFreed, 0) << pszWhen << ": pieces in blocks that were freed";
-    for (size_t i = 0; i < m_secrets.size(); ++i)
-        for (const MemoryHit& hit : ScanOwnMemory(*m_secrets[i]))
+    for (size_t i = 0; i < m_secrets.size(); ++i) {
+        for (const MemoryHit& hit : ScanOwnMemory(*m_secrets[i])) {
             ADD_FAILURE() << pszWhen << ", secret " << i + 1 << ": " << hit;
+        }
+    }
 }
 
 }  // namespace mvp::test

@@ -60,13 +60,13 @@ private:
 };
 
 struct MemoryHit {
-    enum class Place { kHeap, kOther };
+    enum class Place { Heap, Other };
 
     ULONG_PTR address = 0;
     size_t nFirst = 0;  // of the secret's characters
     size_t nCount = 0;
     bool bWide = false;
-    Place place = Place::kOther;
+    Place place = Place::Other;
     bool bFreed = false;  // a heap's block, and no longer in use
 };
 

@@ -25,29 +25,32 @@ public:
     // The module by its file name; null is the program itself. A module that is not loaded, and a
     // function that it does not import, is left out.
     PatchedImports(const char* pszModule, std::initializer_list<Function> functions) {
-        const HMODULE hModule = GetModuleHandleA(pszModule);
-        if (hModule == nullptr)
+        const HMODULE moduleHandle = GetModuleHandleA(pszModule);
+        if (moduleHandle == nullptr) {
             return;
-        const auto* pHeaders = At<IMAGE_NT_HEADERS>(
-            hModule, static_cast<ULONGLONG>(At<IMAGE_DOS_HEADER>(hModule, 0)->e_lfanew));
-        const auto& directory =
-            pHeaders->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-        const auto* p = At<IMAGE_IMPORT_DESCRIPTOR>(hModule, directory.VirtualAddress);
+        }
+        const auto* headers = At<IMAGE_NT_HEADERS>(
+            moduleHandle, static_cast<ULONGLONG>(At<IMAGE_DOS_HEADER>(moduleHandle, 0)->e_lfanew));
+        const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+        const auto* p = At<IMAGE_IMPORT_DESCRIPTOR>(moduleHandle, directory.VirtualAddress);
         for (; p->Name != 0; ++p) {
-            const auto* pName = At<IMAGE_THUNK_DATA>(hModule, p->OriginalFirstThunk);
-            auto** ppFunction = At<void*>(hModule, p->FirstThunk);
-            for (; pName->u1.AddressOfData != 0; ++pName, ++ppFunction)
-                if (!IMAGE_SNAP_BY_ORDINAL(pName->u1.Ordinal))
-                    Patch(ppFunction,
-                          At<IMAGE_IMPORT_BY_NAME>(hModule, pName->u1.AddressOfData)->Name,
-                          At<char>(hModule, p->Name), functions);
+            const auto* name = At<IMAGE_THUNK_DATA>(moduleHandle, p->OriginalFirstThunk);
+            auto** function = At<void*>(moduleHandle, p->FirstThunk);
+            for (; name->u1.AddressOfData != 0; ++name, ++function) {
+                if (!IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) {
+                    Patch(function,
+                          At<IMAGE_IMPORT_BY_NAME>(moduleHandle, name->u1.AddressOfData)->Name,
+                          At<char>(moduleHandle, p->Name), functions);
+                }
+            }
         }
     }
     PatchedImports(const PatchedImports&) = delete;
     PatchedImports& operator=(const PatchedImports&) = delete;
     ~PatchedImports() {
-        for (const auto& [ppFunction, pOriginal] : m_originals)
-            Put(ppFunction, pOriginal);
+        for (const auto& [function, original] : m_originals) {
+            Put(function, original);
+        }
     }
 
     bool IsEmpty() const { return m_originals.empty(); }
@@ -58,20 +61,21 @@ private:
         return reinterpret_cast<Part*>(reinterpret_cast<BYTE*>(hModule) + nOffset);
     }
     static void Put(void** ppFunction, void* pFunction) {
-        DWORD dwOld = 0;
-        VirtualProtect(ppFunction, sizeof *ppFunction, PAGE_READWRITE, &dwOld);
+        DWORD old = 0;
+        VirtualProtect(ppFunction, sizeof *ppFunction, PAGE_READWRITE, &old);
         *ppFunction = pFunction;
-        VirtualProtect(ppFunction, sizeof *ppFunction, dwOld, &dwOld);
+        VirtualProtect(ppFunction, sizeof *ppFunction, old, &old);
     }
     void Patch(void** ppFunction, const void* pName, const char* pszLibrary,
                std::initializer_list<Function> functions) {
-        for (const Function& function : functions)
+        for (const Function& function : functions) {
             if (std::strcmp(function.pszName, static_cast<const char*>(pName)) == 0 &&
                 (function.pszLibrary == nullptr ||
                  _stricmp(function.pszLibrary, pszLibrary) == 0)) {
                 m_originals.emplace_back(ppFunction, *ppFunction);
                 Put(ppFunction, function.pReplacement);
             }
+        }
     }
 
     std::vector<std::pair<void**, void*>> m_originals;  // where each stood

@@ -55,24 +55,23 @@ public:
     // Bytes of any type and size. An ANSI reader of the string types gets `bytes` as they stand.
     void SetRaw(const std::string& strPath, const std::string& strName, DWORD dwType,
                 std::string_view bytes) {
-        const void* pData = bytes.data();
-        size_t nSize = bytes.size();
-        std::wstring wide(nSize, L'\0');
+        const void* data = bytes.data();
+        size_t size = bytes.size();
+        std::wstring wide(size, L'\0');
         if (dwType == REG_SZ || dwType == REG_EXPAND_SZ || dwType == REG_MULTI_SZ) {
             // The registry keeps text as 16-bit characters. When it stores them it looks at the
             // character behind the given ones and takes a terminator that it finds there along:
             // there must be none.
-            const int nLength =
-                MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(nSize), wide.data(),
-                                    static_cast<int>(nSize));
-            wide.resize(static_cast<size_t>(nLength));
+            const int length = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(size),
+                                                   wide.data(), static_cast<int>(size));
+            wide.resize(static_cast<size_t>(length));
             wide.push_back(L'#');
-            pData = wide.data();
-            nSize = static_cast<size_t>(nLength) * sizeof(wchar_t);
+            data = wide.data();
+            size = static_cast<size_t>(length) * sizeof(wchar_t);
         }
         Check(RegSetValueExW(Open(strPath).get(),
                              std::wstring(strName.begin(), strName.end()).c_str(), 0, dwType,
-                             static_cast<const BYTE*>(pData), static_cast<DWORD>(nSize)),
+                             static_cast<const BYTE*>(data), static_cast<DWORD>(size)),
               "setting " + strName);
     }
 
@@ -85,8 +84,9 @@ public:
 
 private:
     static void Check(LSTATUS nStatus, const std::string& strWhat) {
-        if (nStatus != ERROR_SUCCESS)
+        if (nStatus != ERROR_SUCCESS) {
             throw std::runtime_error(strWhat + ": error " + std::to_string(nStatus));
+        }
     }
     static RegistryKey CreateVolatile(HKEY hParent, const std::string& strPath) {
         RegistryKey key;

@@ -18,79 +18,86 @@ constexpr ULONG_PTR kLastPlace = 0xFFFF;
 
 template <class Predicate>
 unsigned CountHandles(ULONG_PTR nStep, ULONG_PTR nLast, Predicate isOne) {
-    unsigned nCount = 0;
-    for (ULONG_PTR nPlace = nStep; nPlace <= nLast; nPlace += nStep)
-        nCount += isOne(reinterpret_cast<void*>(nPlace)) ? 1u : 0u;
-    return nCount;
+    unsigned count = 0;
+    for (ULONG_PTR place = nStep; place <= nLast; place += nStep) {
+        count += isOne(reinterpret_cast<void*>(place)) ? 1u : 0u;
+    }
+    return count;
 }
 
 bool IsMenuOrIcon(void* handle) {
     ICONINFO info = {};
-    const bool bIcon = GetIconInfo(static_cast<HICON>(handle), &info) != FALSE;
+    const bool icon = GetIconInfo(static_cast<HICON>(handle), &info) != FALSE;
     const Bitmap mask(info.hbmMask);
     const Bitmap colour(info.hbmColor);
-    return bIcon || IsMenu(static_cast<HMENU>(handle));
+    return icon || IsMenu(static_cast<HMENU>(handle));
 }
 
 BOOL CALLBACK CountIfOwn(HWND hWnd, LPARAM lParam) {
-    DWORD dwProcessId = 0;
-    GetWindowThreadProcessId(hWnd, &dwProcessId);
-    *reinterpret_cast<unsigned*>(lParam) += dwProcessId == GetCurrentProcessId() ? 1u : 0u;
+    DWORD processId = 0;
+    GetWindowThreadProcessId(hWnd, &processId);
+    *reinterpret_cast<unsigned*>(lParam) += processId == GetCurrentProcessId() ? 1u : 0u;
     return TRUE;
 }
 
 unsigned CountWindows() {
-    unsigned nCount = 0;
-    const auto counter = reinterpret_cast<LPARAM>(&nCount);
+    unsigned count = 0;
+    const auto counter = reinterpret_cast<LPARAM>(&count);
     // Children of the desktop at every depth, and the windows that only take messages.
     EnumChildWindows(GetDesktopWindow(), CountIfOwn, counter);
-    for (HWND hWnd = nullptr;
-         (hWnd = FindWindowExA(HWND_MESSAGE, hWnd, nullptr, nullptr)) != nullptr;)
-        CountIfOwn(hWnd, counter);
-    return nCount;
+    for (HWND window = nullptr;
+         (window = FindWindowExA(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;) {
+        CountIfOwn(window, counter);
+    }
+    return count;
 }
 
 bool IsKernelHandle(void* handle) {
-    DWORD dwFlags = 0;
-    return GetHandleInformation(handle, &dwFlags) != FALSE;
+    DWORD flags = 0;
+    return GetHandleInformation(handle, &flags) != FALSE;
 }
 
 unsigned CountThreads() {
     const FileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
     THREADENTRY32 entry = {};
     entry.dwSize = sizeof entry;
-    unsigned nCount = 0;
-    for (BOOL bMore = Thread32First(snapshot.get(), &entry); bMore;
-         bMore = Thread32Next(snapshot.get(), &entry))
-        nCount += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1u : 0u;
-    return nCount;
+    unsigned count = 0;
+    for (BOOL more = Thread32First(snapshot.get(), &entry); more;
+         more = Thread32Next(snapshot.get(), &entry)) {
+        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1u : 0u;
+    }
+    return count;
 }
 
 void CountHeap(ResourceCounts& counts) {
-    auto* const hHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    auto* const heap = reinterpret_cast<HANDLE>(_get_heap_handle());
     // A heap that checks freed blocks holds the last ones back; small ones of one size take their
     // place, so that two counts compare.
     constexpr int kHeldBack = 1024;
-    for (int i = 0; i < 2 * kHeldBack; ++i)
-        HeapFree(hHeap, 0, HeapAlloc(hHeap, 0, 16));
+    for (int i = 0; i < 2 * kHeldBack; ++i) {
+        HeapFree(heap, 0, HeapAlloc(heap, 0, 16));
+    }
     PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(hHeap);
-    while (HeapWalk(hHeap, &entry))
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry)) {
         if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) {
             ++counts.heapBlocks;
             counts.heapBytes += entry.cbData;
         }
-    HeapUnlock(hHeap);
+    }
+    HeapUnlock(heap);
 }
 
 size_t CountPrivateBytes() {
-    size_t nBytes = 0;
+    size_t bytes = 0;
     MEMORY_BASIC_INFORMATION info = {};
-    for (const char* pAddress = nullptr; VirtualQuery(pAddress, &info, sizeof info) != 0;
-         pAddress = static_cast<const char*>(info.BaseAddress) + info.RegionSize)
-        if (info.State == MEM_COMMIT && info.Type == MEM_PRIVATE)
-            nBytes += info.RegionSize;
-    return nBytes;
+    for (const char* address = nullptr; VirtualQuery(address, &info, sizeof info) != 0;
+         address = static_cast<const char*>(info.BaseAddress) + info.RegionSize) {
+        if (info.State == MEM_COMMIT && info.Type == MEM_PRIVATE) {
+            bytes += info.RegionSize;
+        }
+    }
+    return bytes;
 }
 
 }  // namespace
@@ -128,11 +135,13 @@ void ExpectNoGrowth(const ResourceCounts& before, const ResourceCounts& after,
 
 void ExpectRoundsKeepNothing(int nFirst, int nRounds, const std::function<void(int)>& round,
                              const GrowthAllowance& allowance) {
-    for (int i = 0; i < nFirst; ++i)
+    for (int i = 0; i < nFirst; ++i) {
         round(i);
+    }
     const auto before = ResourceCounts::Now();
-    for (int i = 0; i < nRounds; ++i)
+    for (int i = 0; i < nRounds; ++i) {
         round(i);
+    }
     ExpectNoGrowth(before, ResourceCounts::Now(), allowance);
 }
 

@@ -10,32 +10,33 @@ namespace mvp::test {
 namespace {
 
 TEST(ScanControl, FindsWhatIsLeftInFreedBlocks) {
-    for (auto* const hHeap : {reinterpret_cast<HANDLE>(_get_heap_handle()), GetProcessHeap()})
-        for (const bool bWide : {false, true}) {
-            const size_t nLength = Secret::kLength * (bWide ? 2 : 1);
+    for (auto* const heap : {reinterpret_cast<HANDLE>(_get_heap_handle()), GetProcessHeap()}) {
+        for (const bool wide : {false, true}) {
+            const size_t length = Secret::kLength * (wide ? 2 : 1);
             // A PIN buffer, a string, the edits' block.
-            for (const size_t nSize : {nLength, nLength + 8, size_t{1026}}) {
+            for (const size_t size : {length, length + 8, size_t{1026}}) {
                 const Secret secret;
-                void* pBlock = HeapAlloc(hHeap, 0, nSize);
-                secret.CopyTo(pBlock, bWide);
-                HeapFree(hHeap, 0, pBlock);
-                EXPECT_FALSE(ScanOwnMemory(secret).empty()) << nSize;
+                void* block = HeapAlloc(heap, 0, size);
+                secret.CopyTo(block, wide);
+                HeapFree(heap, 0, block);
+                EXPECT_FALSE(ScanOwnMemory(secret).empty()) << size;
             }
         }
+    }
 }
 
 TEST(ScanControl, WatchFailsOverWhatWasFreedAndWhatIsLeft) {
     const Secret secret;
-    const size_t nSize = Secret::kLength;
-    void* pBlock = HeapAlloc(GetProcessHeap(), 0, nSize);
-    secret.CopyTo(pBlock);
+    const size_t size = Secret::kLength;
+    void* block = HeapAlloc(GetProcessHeap(), 0, size);
+    secret.CopyTo(block);
     EXPECT_NONFATAL_FAILURE(SecretWatch({&secret}).ExpectNothingLeft("kept"),
                             "kept, secret 1: characters 1 to 40, 8-bit");
     const SecretWatch watch({&secret});
     // Gives the block back and gets it again.
-    pBlock = HeapReAlloc(GetProcessHeap(), 0, pBlock, nSize);
-    SecureZeroMemory(pBlock, nSize);
-    HeapFree(GetProcessHeap(), 0, pBlock);
+    block = HeapReAlloc(GetProcessHeap(), 0, block, size);
+    SecureZeroMemory(block, size);
+    HeapFree(GetProcessHeap(), 0, block);
     EXPECT_NONFATAL_FAILURE(watch.ExpectNothingLeft("freed"), "freed: pieces in blocks that");
 }
 

@@ -14,9 +14,10 @@ namespace {
 class HeapCheck : public testing::EmptyTestEventListener {
     void OnTestEnd(const testing::TestInfo& info) override {
         // The value has no other type than an integer in the runtime's interface.
-        for (auto* const hHeap : {reinterpret_cast<HANDLE>(_get_heap_handle()), GetProcessHeap()})
-            EXPECT_TRUE(HeapValidate(hHeap, 0, nullptr))
+        for (auto* const heap : {reinterpret_cast<HANDLE>(_get_heap_handle()), GetProcessHeap()}) {
+            EXPECT_TRUE(HeapValidate(heap, 0, nullptr))
                 << "a heap is damaged after " << info.test_suite_name() << "." << info.name();
+        }
     }
 };
 

@@ -47,20 +47,22 @@ UiThread::UiThread()
 
 void UiThread::Run(const std::function<void()>& work, std::chrono::milliseconds timeout) {
     Work item{work, nullptr};
-    DWORD_PTR dwResult = 0;
+    DWORD_PTR result = 0;
     // The thread may have begun with the work, which refers to this frame: there is no way back.
     if (SendMessageTimeoutA(m_window.get(), kRunMessage, 0, reinterpret_cast<LPARAM>(&item),
-                            SMTO_ABORTIFHUNG, static_cast<UINT>(timeout.count()), &dwResult) == 0)
+                            SMTO_ABORTIFHUNG, static_cast<UINT>(timeout.count()), &result) == 0) {
         EndTestProcess("the dialog's thread did no work for " + std::to_string(timeout.count()) +
                        " ms");
-    if (item.error)
+    }
+    if (item.error) {
         std::rethrow_exception(item.error);
+    }
 }
 
 std::function<bool()> UiThread::PostMark() {
-    const WPARAM nMark = ++m_nPosted;
-    PostMessageA(m_window.get(), kMarkMessage, nMark, reinterpret_cast<LPARAM>(&m_nReached));
-    return [this, nMark] { return m_nReached >= nMark; };
+    const WPARAM mark = ++m_nPosted;
+    PostMessageA(m_window.get(), kMarkMessage, mark, reinterpret_cast<LPARAM>(&m_nReached));
+    return [this, mark] { return m_nReached >= mark; };
 }
 
 }  // namespace mvp::test

@@ -31,10 +31,12 @@ SoftwareCard CardOptions::Load() {
     SoftwareCard card = ReadCard(PathFromAnsi(strCardFile));
     dwMin = dwMin.value_or(card.policy.dwMinPinLength);
     dwMax = dwMax.value_or(card.policy.dwMaxPinLength);
-    if (*dwMin > *dwMax)
+    if (*dwMin > *dwMax) {
         throw UsageError("the shortest PIN (--min) is longer than the longest (--max)");
-    if (strReader.empty())
+    }
+    if (strReader.empty()) {
         strReader = AnsiFromUtf8(card.strReader);
+    }
     // A card that cannot be written would give tries for nothing: this is found out before the
     // user is asked.
     Save(card);
@@ -52,18 +54,20 @@ void Tell(Outcome& outcome, ExitCode code, const char* pszResult, const std::str
 }
 
 void TellRefusal(Outcome& outcome, Verdict verdict, const SoftwareCard& card) {
-    const std::string strTries = std::to_string(card.nTriesLeft);
-    if (verdict == Verdict::kBlocked)
-        Tell(outcome, ExitCode::kNotAccepted, "blocked", "Wrong PIN. The card is blocked.");
-    else
-        Tell(outcome, ExitCode::kNotAccepted, "wrong", "Wrong PIN. Tries left: " + strTries + ".");
+    const std::string tries = std::to_string(card.nTriesLeft);
+    if (verdict == Verdict::Blocked) {
+        Tell(outcome, ExitCode::NotAccepted, "blocked", "Wrong PIN. The card is blocked.");
+    } else {
+        Tell(outcome, ExitCode::NotAccepted, "wrong", "Wrong PIN. Tries left: " + tries + ".");
+    }
 }
 
 void TellNoPin(Outcome& outcome, bool bCardRemoved) {
-    if (bCardRemoved)
-        Tell(outcome, ExitCode::kNotAccepted, "removed", "The card was removed.");
-    else
-        Tell(outcome, ExitCode::kNotAccepted, "cancelled", "No PIN was entered.");
+    if (bCardRemoved) {
+        Tell(outcome, ExitCode::NotAccepted, "removed", "The card was removed.");
+    } else {
+        Tell(outcome, ExitCode::NotAccepted, "cancelled", "No PIN was entered.");
+    }
 }
 
 Outcome RunOnCard(CardOptions& options,
@@ -72,10 +76,11 @@ Outcome RunOnCard(CardOptions& options,
     Outcome outcome;
     outcome.json["reader"] = Utf8FromAnsi(options.strReader);
     outcome.json["lastTry"] = card.IsLastTry();
-    if (card.IsBlocked())
-        Tell(outcome, ExitCode::kNotAccepted, "blocked", "The card is blocked.");
-    else
+    if (card.IsBlocked()) {
+        Tell(outcome, ExitCode::NotAccepted, "blocked", "The card is blocked.");
+    } else {
         flow(card, outcome);
+    }
     outcome.json["triesLeft"] = card.nTriesLeft;
     return outcome;
 }
@@ -83,9 +88,10 @@ Outcome RunOnCard(CardOptions& options,
 Asked AskUser(const CardOptions& options, const UserPlan& plan, const std::function<bool()>& ask) {
     Asked asked;
     std::optional<CardRemover> remover;
-    if (options.dwRemoveAfter)
+    if (options.dwRemoveAfter) {
         remover.emplace(options.strReader, std::chrono::milliseconds(*options.dwRemoveAfter),
                         GetCurrentThreadId());
+    }
     AutomaticUser user(plan, GetCurrentThreadId());
     asked.bConfirmed = ask();
     asked.bCardRemoved = remover && remover->Finish();
@@ -95,8 +101,9 @@ Asked AskUser(const CardOptions& options, const UserPlan& plan, const std::funct
 }
 
 void TellRemark(Outcome& outcome, const std::string& strRemark) {
-    if (strRemark.empty())
+    if (strRemark.empty()) {
         return;
+    }
     outcome.json["remark"] = strRemark;
     outcome.strText.append(" (").append(strRemark).append(")");
 }

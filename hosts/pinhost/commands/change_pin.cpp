@@ -31,8 +31,9 @@ public:
     bool AskEmbedded(const PinLibrary& library, const PwdRuleArgs& rules, bool bLastTry,
                      const std::string& strReader, bool bAskCurrentPin) {
         const FlowLibrary flows;
-        if (bLastTry && library.DisplayLastPINTry(strReader.c_str()) != MVPINGUI_OK)
+        if (bLastTry && library.DisplayLastPINTry(strReader.c_str()) != MVPINGUI_OK) {
             return false;
+        }
         const PinHostChangePin request{&rules,          strReader.c_str(), bAskCurrentPin,
                                        m_newPin.data(), &m_cbNewPin,       m_oldPin.data(),
                                        &m_cbOldPin};
@@ -75,24 +76,23 @@ private:
 };
 
 CLI::App* ChangePinCommand::AddTo(CLI::App& app) {
-    CLI::App* pCommand =
-        app.add_subcommand("change-pin", "Ask for a new PIN and change the card's");
-    m_options.AddTo(*pCommand);
-    pCommand->add_flag("--no-weak", m_bNotWeak,
-                       "refuse simple series such as 1234, whatever the card's own rule");
-    pCommand->add_flag("--digits-only", m_bDigitsOnly,
-                       "refuse all but digits, whatever the card's own rule");
-    pCommand->add_flag("--not-same", m_bNotSame,
-                       "refuse the current PIN as the new one, whatever the card's own rule");
-    pCommand->add_flag("--no-current", m_bNoCurrent,
-                       "do not ask for the current PIN: the card has been opened otherwise");
-    pCommand->add_flag("--mandatory", m_bMandatory,
-                       "the dialog cannot be cancelled; the card's removal closes it");
-    pCommand->add_flag("--embedded", m_bEmbedded, "show the panel inside a window of the host's");
-    AddTypingTo(*pCommand);
+    CLI::App* command = app.add_subcommand("change-pin", "Ask for a new PIN and change the card's");
+    m_options.AddTo(*command);
+    command->add_flag("--no-weak", m_bNotWeak,
+                      "refuse simple series such as 1234, whatever the card's own rule");
+    command->add_flag("--digits-only", m_bDigitsOnly,
+                      "refuse all but digits, whatever the card's own rule");
+    command->add_flag("--not-same", m_bNotSame,
+                      "refuse the current PIN as the new one, whatever the card's own rule");
+    command->add_flag("--no-current", m_bNoCurrent,
+                      "do not ask for the current PIN: the card has been opened otherwise");
+    command->add_flag("--mandatory", m_bMandatory,
+                      "the dialog cannot be cancelled; the card's removal closes it");
+    command->add_flag("--embedded", m_bEmbedded, "show the panel inside a window of the host's");
+    AddTypingTo(*command);
     m_plan.bNeedsEdit = true;
-    AddPlanOptions(*pCommand, m_plan);
-    return pCommand;
+    AddPlanOptions(*command, m_plan);
+    return command;
 }
 
 void ChangePinCommand::AddTypingTo(CLI::App& command) {
@@ -107,16 +107,20 @@ void ChangePinCommand::AddTypingTo(CLI::App& command) {
 }
 
 void ChangePinCommand::MakePlan() {
-    if (m_bNoCurrent && m_strCurrent)
+    if (m_bNoCurrent && m_strCurrent) {
         throw UsageError("--no-current leaves no edit for the current PIN (--type)");
+    }
     // Nothing but the card's removal would close the dialog.
-    if (m_bMandatory && m_plan.press == Press::kCancel && !m_options.dwRemoveAfter)
+    if (m_bMandatory && m_plan.press == Press::Cancel && !m_options.dwRemoveAfter) {
         throw UsageError("what is mandatory cannot be cancelled: --remove-card-after is needed");
+    }
     m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
-    if (!m_strCurrent && !m_strNew && !m_strConfirmation)
+    if (!m_strCurrent && !m_strNew && !m_strConfirmation) {
         return;
-    if (!m_bNoCurrent)
+    }
+    if (!m_bNoCurrent) {
         m_plan.typed.push_back(m_strCurrent.value_or(""));
+    }
     m_plan.typed.push_back(m_strNew.value_or(""));
     m_plan.typed.push_back(m_strConfirmation.value_or(m_plan.typed.back()));
 }
@@ -137,27 +141,29 @@ void ChangePinCommand::AskAndChange(const PinLibrary& library, SoftwareCard& car
     const PwdRuleArgs rules = Rules(card.policy);
     ChangeRequest request;
     // Without the current PIN no try is at stake.
-    const bool bLastTry = card.IsLastTry() && !m_bNoCurrent;
-    const auto pAsk = m_bEmbedded ? &ChangeRequest::AskEmbedded : &ChangeRequest::Ask;
+    const bool lastTry = card.IsLastTry() && !m_bNoCurrent;
+    const auto ask = m_bEmbedded ? &ChangeRequest::AskEmbedded : &ChangeRequest::Ask;
     const Asked asked = AskUser(m_options, m_plan, [&] {
-        return (request.*pAsk)(library, rules, bLastTry, m_options.strReader, !m_bNoCurrent);
+        return (request.*ask)(library, rules, lastTry, m_options.strReader, !m_bNoCurrent);
     });
-    if (asked.bConfirmed)
+    if (asked.bConfirmed) {
         Change(request, card, outcome);
-    else
+    } else {
         TellNoPin(outcome, asked.bCardRemoved);
+    }
     TellRemark(outcome, asked.strRemark);
 }
 
 void ChangePinCommand::Change(const ChangeRequest& request, SoftwareCard& card,
                               Outcome& outcome) const {
-    const Verdict verdict = m_bNoCurrent ? Verdict::kAccepted : card.Verify(request.OldPin());
-    if (verdict != Verdict::kAccepted)
+    const Verdict verdict = m_bNoCurrent ? Verdict::Accepted : card.Verify(request.OldPin());
+    if (verdict != Verdict::Accepted) {
         TellRefusal(outcome, verdict, card);
-    else if (card.SetPin(request.NewPin()))
-        Tell(outcome, ExitCode::kAccepted, "changed", "PIN changed.");
-    else
-        Tell(outcome, ExitCode::kNotAccepted, "refused", "The card cannot store this PIN.");
+    } else if (card.SetPin(request.NewPin())) {
+        Tell(outcome, ExitCode::Accepted, "changed", "PIN changed.");
+    } else {
+        Tell(outcome, ExitCode::NotAccepted, "refused", "The card cannot store this PIN.");
+    }
     m_options.Save(card);
 }
 

@@ -12,24 +12,23 @@ namespace {
 class ErrorTextCommand : public Command {
 public:
     CLI::App* AddTo(CLI::App& app) override {
-        CLI::App* pCommand =
+        CLI::App* command =
             app.add_subcommand("error-text", "Print the text for a card operation's result code");
-        pCommand->add_option("code", m_nCode, "the result code")
+        command->add_option("code", m_nCode, "the result code")
             ->check(AnyWholeNumber<std::int32_t>())
             ->required();
-        return pCommand;
+        return command;
     }
 
     Outcome Run(const HostOptions& options) override {
         const PinLibrary library(options);
-        const std::string strText = Utf8FromAnsi(library.GetErrorString(m_nCode));
-        if (strText.empty())
-            return {ExitCode::kNotAccepted,
+        const std::string text = Utf8FromAnsi(library.GetErrorString(m_nCode));
+        if (text.empty()) {
+            return {ExitCode::NotAccepted,
                     "There is no text for code " + std::to_string(m_nCode) + ".",
                     {{"result", "unknown"}, {"code", m_nCode}}};
-        return {ExitCode::kAccepted,
-                strText,
-                {{"result", "shown"}, {"code", m_nCode}, {"text", strText}}};
+        }
+        return {ExitCode::Accepted, text, {{"result", "shown"}, {"code", m_nCode}, {"text", text}}};
     }
 
 private:

@@ -48,22 +48,23 @@ private:
 };
 
 CLI::App* GetPinCommand::AddTo(CLI::App& app) {
-    CLI::App* pCommand =
+    CLI::App* command =
         app.add_subcommand("get-pin", "Ask for the card's PIN and verify it against the card");
-    m_options.AddTo(*pCommand);
-    pCommand->add_option("--prompt", m_strPrompt, "text above the edit");
-    pCommand->add_flag("--parent", m_bParent, "open a window and show the dialog over it");
-    pCommand->add_option("--type", m_strTyped,
-                         "type this text into the dialog, with real key strokes");
+    m_options.AddTo(*command);
+    command->add_option("--prompt", m_strPrompt, "text above the edit");
+    command->add_flag("--parent", m_bParent, "open a window and show the dialog over it");
+    command->add_option("--type", m_strTyped,
+                        "type this text into the dialog, with real key strokes");
     m_plan.bNeedsEdit = true;
-    AddPlanOptions(*pCommand, m_plan);
-    return pCommand;
+    AddPlanOptions(*command, m_plan);
+    return command;
 }
 
 void GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome) {
     std::optional<OwnerWindow> owner;
-    if (m_bParent)
+    if (m_bParent) {
         owner.emplace();
+    }
     PinRequest request(library);
     const Asked asked = AskUser(m_options, m_plan, [&] {
         return request.Ask(owner ? owner->Handle() : nullptr, m_options.strReader, card.IsLastTry(),
@@ -72,21 +73,24 @@ void GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, 
     if (asked.bConfirmed) {
         const Verdict verdict = card.Verify(request.Pin());
         m_options.Save(card);
-        if (verdict == Verdict::kAccepted)
-            Tell(outcome, ExitCode::kAccepted, "accepted", "PIN accepted.");
-        else
+        if (verdict == Verdict::Accepted) {
+            Tell(outcome, ExitCode::Accepted, "accepted", "PIN accepted.");
+        } else {
             TellRefusal(outcome, verdict, card);
+        }
     } else {
         TellNoPin(outcome, asked.bCardRemoved);
     }
     TellRemark(outcome, asked.strRemark);
-    if (owner)
+    if (owner) {
         outcome.json["parentEnabled"] = IsWindowEnabled(owner->Handle()) != FALSE;
+    }
 }
 
 Outcome GetPinCommand::Run(const HostOptions& options) {
-    if (m_strTyped)
+    if (m_strTyped) {
         m_plan.typed = {*m_strTyped};
+    }
     m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
     return RunOnCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
         const PinLibrary library(options);

@@ -10,25 +10,25 @@ namespace {
 class LastTryCommand : public Command {
 public:
     CLI::App* AddTo(CLI::App& app) override {
-        CLI::App* pCommand =
+        CLI::App* command =
             app.add_subcommand("last-try", "Warn that the next wrong PIN blocks the card");
-        pCommand->add_option("--reader", m_strReader, "name of the reader");
-        AddPlanOptions(*pCommand, m_plan);
-        return pCommand;
+        command->add_option("--reader", m_strReader, "name of the reader");
+        AddPlanOptions(*command, m_plan);
+        return command;
     }
 
     Outcome Run(const HostOptions& options) override {
         m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
         const PinLibrary library(options);
         AutomaticUser user(m_plan, GetCurrentThreadId());
-        const bool bAccepted = library.DisplayLastPINTry(m_strReader.c_str()) == MVPINGUI_OK;
+        const bool accepted = library.DisplayLastPINTry(m_strReader.c_str()) == MVPINGUI_OK;
         user.Finish();
         Outcome outcome;
-        outcome.code = bAccepted ? ExitCode::kAccepted : ExitCode::kNotAccepted;
+        outcome.code = accepted ? ExitCode::Accepted : ExitCode::NotAccepted;
         outcome.strText =
-            bAccepted ? "The user accepted the warning." : "The user declined the last try.";
+            accepted ? "The user accepted the warning." : "The user declined the last try.";
         outcome.json["reader"] = Utf8FromAnsi(m_strReader);
-        outcome.json["result"] = bAccepted ? "accepted" : "declined";
+        outcome.json["result"] = accepted ? "accepted" : "declined";
         return outcome;
     }
 

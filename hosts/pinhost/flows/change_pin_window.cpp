@@ -18,16 +18,17 @@ namespace {
 constexpr UINT kCardRemoved = WM_APP;
 
 // Tells the window, from the thread that delivers the events, that its card is gone.
-class CCardGone : public VKDelegateSubscriber {
+class CardGone : public VKDelegateSubscriber {
 public:
-    CCardGone(HWND hWnd, CString strReader) : m_hWnd(hWnd), m_strReader(std::move(strReader)) {
+    CardGone(HWND hWnd, CString strReader) : m_hWnd(hWnd), m_strReader(std::move(strReader)) {
         Subscribe(VKEVENT_CARD_REMOVED);
     }
-    ~CCardGone() override { UnSubscribe(); }
+    ~CardGone() override { UnSubscribe(); }
 
     void HandleEvent(const VKEvent& event) override {
-        if (m_strReader.IsEmpty() || lstrcmpiA(event.pszReaderName, m_strReader) == 0)
+        if (m_strReader.IsEmpty() || lstrcmpiA(event.pszReaderName, m_strReader) == 0) {
             ::PostMessageA(m_hWnd, kCardRemoved, 0, 0);
+        }
     }
 
 private:
@@ -35,15 +36,16 @@ private:
     CString m_strReader;
 };
 
-class CChangePinWindow : public CDialog {
+class ChangePinWindow : public CDialog {
 public:
-    explicit CChangePinWindow(const PinHostChangePin& request)
+    explicit ChangePinWindow(const PinHostChangePin& request)
         : CDialog(IDD_CHANGE_PIN_WINDOW), m_request(request) {}
-    CChangePinWindow(const CChangePinWindow&) = delete;
-    CChangePinWindow& operator=(const CChangePinWindow&) = delete;
-    ~CChangePinWindow() override {
-        if (m_hWnd != nullptr)
+    ChangePinWindow(const ChangePinWindow&) = delete;
+    ChangePinWindow& operator=(const ChangePinWindow&) = delete;
+    ~ChangePinWindow() override {
+        if (m_hWnd != nullptr) {
             DestroyWindow();
+        }
     }
 
     INT_PTR DoModal() override { return RunModalFrom(mvp::OwnModule()); }
@@ -65,14 +67,15 @@ private:
     const PinHostChangePin& m_request;
     CButton m_okButton;
     std::optional<CChangePINDialog> m_panel;
-    std::optional<CCardGone> m_cardGone;
+    std::optional<CardGone> m_cardGone;
 };
 
-BOOL CChangePinWindow::OnInitDialog() {
+BOOL ChangePinWindow::OnInitDialog() {
     CDialog::OnInitDialog();
     m_okButton.SubclassDlgItem(IDOK, this);
-    if (m_request.pRules->bCancelDisabled != 0)
+    if (m_request.pRules->bCancelDisabled != 0) {
         GetDlgItem(IDCANCEL)->EnableWindow(FALSE);
+    }
     if (!CreatePanel()) {
         EndDialog(-1);
         return TRUE;
@@ -81,15 +84,16 @@ BOOL CChangePinWindow::OnInitDialog() {
     return TRUE;
 }
 
-bool CChangePinWindow::CreatePanel() {
+bool ChangePinWindow::CreatePanel() {
     CRect place;
     GetDlgItem(IDC_PANEL_PLACE)->GetWindowRect(&place);
     ScreenToClient(&place);
     m_panel.emplace(0, 0, m_request.bAskCurrentPin, &place, m_request.pRules, &m_okButton, this,
                     MVPINGUI_CHANGE_PIN_TOP_MARGIN, MVPINGUI_CHANGE_PIN_LEFT_INDENT,
                     MVPINGUI_CHANGE_PIN_LINE_SPACING);
-    if (m_panel->LocCreate(this) == 0)
+    if (m_panel->LocCreate(this) == 0) {
         return false;
+    }
     // First in the tab order, so that the panel gets the first focus.
     m_panel->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     m_panel->ShowWindow(SW_SHOW);
@@ -99,7 +103,7 @@ bool CChangePinWindow::CreatePanel() {
 }
 
 // The panel is as tall as its rules need; only now is that known.
-void CChangePinWindow::EndBelowPanel(int nMargin) {
+void ChangePinWindow::EndBelowPanel(int nMargin) {
     CRect panel;
     m_panel->GetWindowRect(&panel);
     ScreenToClient(&panel);
@@ -107,47 +111,50 @@ void CChangePinWindow::EndBelowPanel(int nMargin) {
     GetClientRect(&client);
     CRect window;
     GetWindowRect(&window);
-    const int nHeight = window.Height() + panel.bottom + nMargin - client.bottom;
-    SetWindowPos(nullptr, 0, 0, window.Width(), nHeight,
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const int height = window.Height() + panel.bottom + nMargin - client.bottom;
+    SetWindowPos(nullptr, 0, 0, window.Width(), height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void CChangePinWindow::OnOK() {
+void ChangePinWindow::OnOK() {
     // Enter comes here also while the button is disabled, and a message from elsewhere when the
     // panel has gone.
-    if (!m_panel || !m_panel->ReadAndCheck())
+    if (!m_panel || !m_panel->ReadAndCheck()) {
         return;
+    }
     const PinHostChangePin& request = m_request;
     if (GetChangePINInfoFromUser(request.pRules, 0, request.pszNewPin, request.pcbNewPin,
                                  request.pszOldPin, request.pcbOldPin, request.pszReader, m_hWnd,
-                                 request.bAskCurrentPin) == MVPINGUI_OK)
+                                 request.bAskCurrentPin) == MVPINGUI_OK) {
         EndDialog(IDOK);
+    }
 }
 
-void CChangePinWindow::OnCancel() {
-    if (m_request.pRules->bCancelDisabled == 0)
+void ChangePinWindow::OnCancel() {
+    if (m_request.pRules->bCancelDisabled == 0) {
         EndDialog(IDCANCEL);
+    }
 }
 
-LRESULT CChangePinWindow::OnCardRemoved(WPARAM /*wParam*/, LPARAM /*lParam*/) {
+LRESULT ChangePinWindow::OnCardRemoved(WPARAM /*wParam*/, LPARAM /*lParam*/) {
     EndDialog(IDCANCEL);
     return 0;
 }
 
-void CChangePinWindow::OnMove(int x, int y) {
+void ChangePinWindow::OnMove(int x, int y) {
     CDialog::OnMove(x, y);
-    if (m_panel)
+    if (m_panel) {
         m_panel->ResetToolTip();
+    }
 }
 
-void CChangePinWindow::OnDestroy() {
+void ChangePinWindow::OnDestroy() {
     m_cardGone.reset();
     m_panel.reset();
     CDialog::OnDestroy();
 }
 
-BEGIN_MESSAGE_MAP(CChangePinWindow, CDialog)
-    ON_MESSAGE(kCardRemoved, &CChangePinWindow::OnCardRemoved)
+BEGIN_MESSAGE_MAP(ChangePinWindow, CDialog)
+    ON_MESSAGE(kCardRemoved, &ChangePinWindow::OnCardRemoved)
     ON_WM_MOVE()
     ON_WM_DESTROY()
 END_MESSAGE_MAP()
@@ -157,7 +164,7 @@ END_MESSAGE_MAP()
 namespace pinhost {
 
 bool ChangePinEmbedded(const PinHostChangePin& request) {
-    return CChangePinWindow(request).DoModal() == IDOK;
+    return ChangePinWindow(request).DoModal() == IDOK;
 }
 
 }  // namespace pinhost

@@ -52,8 +52,9 @@ INT_PTR CBaseDialog::DoModal() {
 
 int CBaseDialog::CreateFromResourceModule(CWnd* pParent) {
     const HINSTANCE module = mvp::ModuleOfDialog(m_nTemplate);
-    if (module == nullptr)
+    if (module == nullptr) {
         return 0;
+    }
     return mvp::Guarded(
         0,
         [=, this] {
@@ -66,19 +67,22 @@ int CBaseDialog::CreateFromResourceModule(CWnd* pParent) {
 BOOL CBaseDialog::OnInitDialog() {
     const mvp::LogScope scope("CBaseDialog::OnInitDialog");
     const BOOL result = CDialog::OnInitDialog();
-    if (!result)
+    if (!result) {
         vklogLog(g_szLogTag, kLogError, "Dialog template %u lacks a control", m_nTemplate);
+    }
     // A dialog that was given no place is left to the framework.
-    if (m_bPlaced || (GetStyle() & WS_CHILD) != 0)
+    if (m_bPlaced || (GetStyle() & WS_CHILD) != 0) {
         SetWindowPos(nullptr, m_nLeft, m_nTop, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
     return result;
 }
 
 HBRUSH CBaseDialog::OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor) {
-    if (m_nColorMode == 0)
+    if (m_nColorMode == 0) {
         return mvp::Guarded(
             HBRUSH{nullptr}, [=, this] { return CDialog::OnCtlColor(pDC, pWnd, nCtlColor); },
             mvp::LogException("CBaseDialog::OnCtlColor"));
+    }
     pDC->SetBkColor(GetSysColor(COLOR_WINDOW));
     pDC->SetBkMode(TRANSPARENT);
     pDC->SetTextColor(GetSysColor(COLOR_WINDOWTEXT));
@@ -102,12 +106,13 @@ void CBaseDialog::HidePinFromMemory(CString& strPin) {
 
 void CBaseDialog::ResizeDlg(UINT nId, int nWidthDecrease, int nHeightDecrease) {
     const mvp::LogScope scope("CBaseDialog::ResizeDlg");
-    const HWND hWnd = nId == 0 ? m_hWnd : ::GetDlgItem(m_hWnd, static_cast<int>(nId));
-    if (hWnd == nullptr)
+    const HWND window = nId == 0 ? m_hWnd : ::GetDlgItem(m_hWnd, static_cast<int>(nId));
+    if (window == nullptr) {
         return;
+    }
     CRect rect;
-    ::GetWindowRect(hWnd, &rect);
-    ::SetWindowPos(hWnd, nullptr, 0, 0, rect.Width() - nWidthDecrease,
+    ::GetWindowRect(window, &rect);
+    ::SetWindowPos(window, nullptr, 0, 0, rect.Width() - nWidthDecrease,
                    rect.Height() - nHeightDecrease, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    ::RedrawWindow(hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
 }

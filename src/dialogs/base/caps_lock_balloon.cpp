@@ -29,8 +29,9 @@ bool LacksCapsLockWarning(unsigned long nPlatform, unsigned long nMajor, unsigne
 
 BalloonPlace PlaceBalloon(const BalloonAnchor& edit, const BalloonSize& balloon, int nScreenWidth) {
     int top = edit.nTop - balloon.nHeight + kOverlapAbove;
-    if (top < kSmallestTop)
+    if (top < kSmallestTop) {
         top = edit.nBottom - kOverlapBelow;
+    }
     // The left edge has the last word: a balloon wider than the screen loses its right end.
     const int left = std::max(0, std::min(edit.nLeft, nScreenWidth - balloon.nWidth));
     return {left, top};

@@ -118,8 +118,9 @@ CCapsLockSensitiveEdit::CCapsLockSensitiveEdit() : m_bOldSystem(IsSystemWithoutW
 }
 
 CCapsLockSensitiveEdit::~CCapsLockSensitiveEdit() {
-    if (m_hBalloon != nullptr)
+    if (m_hBalloon != nullptr) {
         ::DestroyWindow(m_hBalloon);
+    }
 }
 
 bool CCapsLockSensitiveEdit::ReadSecret(CString& strSecret) const {
@@ -138,26 +139,30 @@ void CCapsLockSensitiveEdit::OnDestroy() {
 }
 
 LRESULT CCapsLockSensitiveEdit::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (m_bScrubbing)
+    if (m_bScrubbing) {
         return CEdit::DefWindowProc(message, wParam, lParam);
+    }
     m_bScrubbing = true;
-    bool bScrubbed = false;
+    bool scrubbed = false;
     // Not before there is something to keep: it takes the system longer than all else that a dialog
     // does to open.
     if (!m_bPrepared && InsertsText(message)) {
         m_bPrepared = true;
-        if (GetWindowTextLength() == 0)
+        if (GetWindowTextLength() == 0) {
             mvp::PrepareEditForSecret(m_hWnd);
+        }
     }
-    if (message == WM_SETTEXT)
+    if (message == WM_SETTEXT) {
         mvp::ScrubEdit(m_hWnd);
-    else if (DeletesSelection(message, wParam) && (GetStyle() & ES_READONLY) == 0)
-        bScrubbed = mvp::ScrubSelection(m_hWnd);
+    } else if (DeletesSelection(message, wParam) && (GetStyle() & ES_READONLY) == 0) {
+        scrubbed = mvp::ScrubSelection(m_hWnd);
+    }
     m_bScrubbing = false;
-    const HWND hWnd = m_hWnd;
+    const HWND window = m_hWnd;
     const LRESULT result = CEdit::DefWindowProc(message, wParam, lParam);
-    if (bScrubbed)
-        ::SendMessageA(hWnd, EM_EMPTYUNDOBUFFER, 0, 0);
+    if (scrubbed) {
+        ::SendMessageA(window, EM_EMPTYUNDOBUFFER, 0, 0);
+    }
     return result;
 }
 
@@ -167,8 +172,9 @@ BOOL CCapsLockSensitiveEdit::OnChildNotify(UINT message, WPARAM wParam, LPARAM l
 }
 
 void CCapsLockSensitiveEdit::ResetToolTip() {
-    if (m_hBalloon != nullptr)
+    if (m_hBalloon != nullptr) {
         Send(m_hBalloon, TTM_ACTIVATE, FALSE, nullptr);
+    }
 }
 
 void CCapsLockSensitiveEdit::CheckCapsLockMessage() {
@@ -177,8 +183,9 @@ void CCapsLockSensitiveEdit::CheckCapsLockMessage() {
         ResetToolTip();
         return;
     }
-    if (m_hBalloon == nullptr)
+    if (m_hBalloon == nullptr) {
         CreateBalloon();
+    }
     Send(m_hBalloon, TTM_ACTIVATE, TRUE, nullptr);
     MSG move{};
     move.hwnd = m_hWnd;
@@ -190,15 +197,17 @@ void CCapsLockSensitiveEdit::CheckCapsLockMessage() {
 void CCapsLockSensitiveEdit::OnSetFocus(CWnd* pOldWnd) {
     CEdit::OnSetFocus(pOldWnd);
     m_bHasFocus = TRUE;
-    if (m_bOldSystem)
+    if (m_bOldSystem) {
         CheckCapsLockMessage();
+    }
 }
 
 void CCapsLockSensitiveEdit::OnKillFocus(CWnd* pNewWnd) {
     CEdit::OnKillFocus(pNewWnd);
     m_bHasFocus = FALSE;
-    if (m_bOldSystem)
+    if (m_bOldSystem) {
         CheckCapsLockMessage();
+    }
 }
 
 void CCapsLockSensitiveEdit::OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags) {
@@ -224,8 +233,9 @@ void CCapsLockSensitiveEdit::CreateBalloon() {
         CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
                         WS_POPUP | TTS_NOPREFIX | TTS_BALLOON, CW_USEDEFAULT, CW_USEDEFAULT,
                         CW_USEDEFAULT, CW_USEDEFAULT, m_hWnd, nullptr, mvp::OwnModule(), nullptr);
-    if (m_hBalloon == nullptr)
+    if (m_hBalloon == nullptr) {
         return;
+    }
     SetWindowLongPtrA(m_hBalloon, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_pOldBalloonProc = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrA(m_hBalloon, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&BalloonProc)));
@@ -236,9 +246,9 @@ void CCapsLockSensitiveEdit::CreateBalloon() {
                    static_cast<LPARAM>(GetDoubleClickTime()));
     ::SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, kLargestTipWidth);
     // In wide characters: not every system takes the 8-bit form for what it is.
-    wchar_t szTitle[kTextSize]{};
-    Widen(m_szTitle, szTitle);
-    Send(m_hBalloon, TTM_SETTITLEW, kWarningIcon, szTitle);
+    wchar_t title[kTextSize]{};
+    Widen(m_szTitle, title);
+    Send(m_hBalloon, TTM_SETTITLEW, kWarningIcon, title);
 }
 
 void CCapsLockSensitiveEdit::AddTool() {
@@ -250,11 +260,12 @@ void CCapsLockSensitiveEdit::AddTool() {
 
 LRESULT CALLBACK CCapsLockSensitiveEdit::BalloonProc(HWND hWnd, UINT message, WPARAM wParam,
                                                      LPARAM lParam) {
-    auto* pEdit = reinterpret_cast<CCapsLockSensitiveEdit*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
-    if (pEdit == nullptr)
+    auto* edit = reinterpret_cast<CCapsLockSensitiveEdit*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
+    if (edit == nullptr) {
         return ::DefWindowProcA(hWnd, message, wParam, lParam);
+    }
     return mvp::Guarded(
-        LRESULT{0}, [=] { return pEdit->OnBalloonMessage(hWnd, message, wParam, lParam); },
+        LRESULT{0}, [=] { return edit->OnBalloonMessage(hWnd, message, wParam, lParam); },
         mvp::LogException("CCapsLockSensitiveEdit::BalloonProc"));
 }
 
@@ -268,8 +279,8 @@ LRESULT CCapsLockSensitiveEdit::OnBalloonMessage(HWND hWnd, UINT message, WPARAM
             // To the balloon the pointer always rests on the edit.
             CRect rect;
             GetWindowRect(&rect);
-            auto* pPoint = reinterpret_cast<POINT*>(lParam);
-            *pPoint = {rect.left + kPointerOffset, rect.top + kPointerOffset};
+            auto* point = reinterpret_cast<POINT*>(lParam);
+            *point = {rect.left + kPointerOffset, rect.top + kPointerOffset};
             break;
         }
         case WM_NCDESTROY:
@@ -295,8 +306,9 @@ void CCapsLockSensitiveEdit::PlaceOwnBalloon() {
 }
 
 void CCapsLockSensitiveEdit::AdoptSystemBalloon(const NMHDR& header) {
-    if (m_bSystemBalloonHooked && m_hSystemBalloon == header.hwndFrom)
+    if (m_bSystemBalloonHooked && m_hSystemBalloon == header.hwndFrom) {
         return;
+    }
     m_bSystemBalloonHooked = TRUE;
     m_hSystemBalloon = header.hwndFrom;
     std::array<char, kToolTextCapacity> text{};
@@ -307,8 +319,9 @@ void CCapsLockSensitiveEdit::AdoptSystemBalloon(const NMHDR& header) {
     const CString systemWording = mvp::ResourceString(IDS_CAPS_LOCK_SYSTEM_BEGIN);
     if (systemWording.IsEmpty() ||
         std::strncmp(text.data(), systemWording,
-                     static_cast<std::size_t>(systemWording.GetLength())) != 0)
+                     static_cast<std::size_t>(systemWording.GetLength())) != 0) {
         return;
+    }
     tool.lpszText = LPSTR_TEXTCALLBACKA;
     Send(m_hSystemBalloon, TTM_UPDATETIPTEXTA, 0, &tool);
 }
@@ -328,8 +341,9 @@ void CCapsLockSensitiveEdit::GiveText(NMHDR& header) {
         info.uFlags |= TTF_DI_SETITEM;
         info.lParam = 0;
     }
-    if (m_hSystemBalloon != nullptr)
+    if (m_hSystemBalloon != nullptr) {
         ::RedrawWindow(m_hSystemBalloon, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    }
 }
 
 BOOL CCapsLockSensitiveEdit::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
@@ -347,8 +361,9 @@ BOOL CCapsLockSensitiveEdit::AnswerBalloon(WPARAM wParam, LPARAM lParam, LRESULT
                 *pResult = 1;
                 return TRUE;
             }
-            if (!m_bOldSystem)
+            if (!m_bOldSystem) {
                 AdoptSystemBalloon(header);
+            }
             break;
         case TTN_GETDISPINFOA:
         case TTN_GETDISPINFOW:

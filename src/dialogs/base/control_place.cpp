@@ -10,24 +10,26 @@ CRect ClientRectOf(const CWnd& parent, const CWnd& control) {
 }
 
 CRect PlaceOf(const CWnd& dialog, int nId) {
-    const CWnd* pControl = dialog.GetDlgItem(nId);
-    return pControl != nullptr ? ClientRectOf(dialog, *pControl) : CRect(0, 0, 0, 0);
+    const CWnd* control = dialog.GetDlgItem(nId);
+    return control != nullptr ? ClientRectOf(dialog, *control) : CRect(0, 0, 0, 0);
 }
 
 void MoveControl(const CWnd& dialog, int nId, int dx, int dy) {
-    CWnd* pControl = dialog.GetDlgItem(nId);
-    if (pControl == nullptr)
+    CWnd* control = dialog.GetDlgItem(nId);
+    if (control == nullptr) {
         return;
-    const CRect rect = ClientRectOf(dialog, *pControl);
-    pControl->SetWindowPos(nullptr, rect.left + dx, rect.top + dy, 0, 0,
-                           SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    const CRect rect = ClientRectOf(dialog, *control);
+    control->SetWindowPos(nullptr, rect.left + dx, rect.top + dy, 0, 0,
+                          SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> controls) {
-    for (const int nId : controls) {
-        MoveControl(dialog, nId, fit.nWidth, fit.nHeight);
-        if (CWnd* pControl = dialog.GetDlgItem(nId))
-            pControl->RedrawWindow();
+    for (const int id : controls) {
+        MoveControl(dialog, id, fit.nWidth, fit.nHeight);
+        if (CWnd* control = dialog.GetDlgItem(id)) {
+            control->RedrawWindow();
+        }
     }
     dialog.UpdateWindow();
     CRect rect;
@@ -38,8 +40,9 @@ void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> co
 }
 
 void ShowIf(CWnd& window, bool bShow) {
-    if (window.m_hWnd != nullptr && ((window.GetStyle() & WS_VISIBLE) != 0) != bShow)
+    if (window.m_hWnd != nullptr && ((window.GetStyle() & WS_VISIBLE) != 0) != bShow) {
         window.ShowWindow(bShow ? SW_SHOW : SW_HIDE);
+    }
 }
 
 }  // namespace mvp

@@ -31,8 +31,9 @@ BOOL VKDetectCardRemovedDlg::OnInitDialog() {
 LRESULT VKDetectCardRemovedDlg::OnCardEvent(WPARAM /*wParam*/, LPARAM /*lParam*/) {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::OnCardEvent");
     // A message that was posted before the watch ended may still come after it.
-    if (m_removalWatch)
+    if (m_removalWatch) {
         EndDialog(IDCANCEL);
+    }
     return 0;
 }
 
@@ -44,8 +45,9 @@ void VKDetectCardRemovedDlg::OnDestroy() {
 
 void VKDetectCardRemovedDlg::StopDetectingRemoveEvent() {
     const mvp::LogScope scope("VKDetectCardRemovedDlg::StopDetectingRemoveEvent");
-    if (!m_removalWatch)
+    if (!m_removalWatch) {
         return;
+    }
     vklogLog(g_szLogTag, kLogInfo,
              "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed");
     m_removalWatch.Stop();

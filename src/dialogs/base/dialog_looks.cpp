@@ -10,21 +10,24 @@ constexpr int kSmallIconSize = 16;
 }  // namespace
 
 void SetSmallIcon(CWnd& dialog, UINT nIcon) {
-    if (HICON hIcon = LoadResourceIcon(nIcon, kSmallIconSize))
-        dialog.SetIcon(hIcon, FALSE);
+    if (HICON icon = LoadResourceIcon(nIcon, kSmallIconSize)) {
+        dialog.SetIcon(icon, FALSE);
+    }
 }
 
 Font MakeHeadingBold(CWnd& dialog, int nHeading) {
-    auto* const hFont =
+    auto* const fontHandle =
         reinterpret_cast<HFONT>(dialog.SendDlgItemMessage(nHeading, WM_GETFONT, 0, 0));
     LOGFONTA font{};
-    if (hFont == nullptr || GetObjectA(hFont, sizeof font, &font) == 0)
+    if (fontHandle == nullptr || GetObjectA(fontHandle, sizeof font, &font) == 0) {
         return {};
+    }
     font.lfWidth = 0;  // the bold letters' own
     font.lfWeight = FW_BOLD;
     Font bold(CreateFontIndirectA(&font));
-    if (bold)
+    if (bold) {
         dialog.SendDlgItemMessage(nHeading, WM_SETFONT, reinterpret_cast<WPARAM>(bold.get()), TRUE);
+    }
     return bold;
 }
 

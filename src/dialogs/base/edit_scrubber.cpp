@@ -19,8 +19,9 @@ constexpr int kRoom = 512;
 // As long as that, so that overwriting a PIN asks for no memory.
 constexpr auto kFiller = [] {
     std::array<char, kRoom + 1> filler{};
-    for (int i = 0; i < kRoom; ++i)
+    for (int i = 0; i < kRoom; ++i) {
         filler[static_cast<std::size_t>(i)] = '#';
+    }
     return filler;
 }();
 
@@ -60,8 +61,9 @@ void ScrubEdit(HWND hEdit) noexcept {
     const int length = GetWindowTextLengthA(hEdit);
     OverwriteEach(hEdit, 0, std::min(kRoom, length));
     const auto scrubLong = [=] { OverwriteBoth(hEdit, CString('#', length)); };
-    if (length <= kRoom || !Guarded(scrubLong, LogException("ScrubEdit")))
+    if (length <= kRoom || !Guarded(scrubLong, LogException("ScrubEdit"))) {
         OverwriteBoth(hEdit, kFiller.data());
+    }
 }
 
 bool ScrubSelection(HWND hEdit) {
@@ -69,8 +71,9 @@ bool ScrubSelection(HWND hEdit) {
     DWORD to = 0;
     SendMessageA(hEdit, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
     // A single character tells nothing.
-    if (to - from < 2)
+    if (to - from < 2) {
         return false;
+    }
     OverwriteEach(hEdit, static_cast<int>(from),
                   static_cast<int>(std::min<DWORD>(to, from + kRoom)));
     SendMessageA(hEdit, EM_SETSEL, from, static_cast<LPARAM>(to));

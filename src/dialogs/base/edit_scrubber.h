@@ -2,9 +2,10 @@
 //
 // The control keeps its text in a heap block of its own and the text deleted last in another, and
 // overwrites neither: it just forgets them. When a block grows it may move, and the old one is
-// forgotten too. So the blocks are made large before the first character is typed, and are overwritten through
-// the control's own messages before the window goes. What the control replaces or deletes it copies
-// first, to a block that it frees as it is; so a PIN is overwritten by single characters before.
+// forgotten too. So the blocks are made large before the first character is typed, and are
+// overwritten through the control's own messages before the window goes. What the control replaces
+// or deletes it copies first, to a block that it frees as it is; so a PIN is overwritten by single
+// characters before.
 //
 // All functions change the text, so the edit sends its notifications; the caller keeps them from
 // the parent.

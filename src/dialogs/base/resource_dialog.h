@@ -14,11 +14,12 @@ namespace mvp {
 // an exception, which is logged as one of `pszFunction`, a literal.
 template <class Run>
 INT_PTR RunFromResourceModule(UINT nTemplate, const char* pszFunction, Run&& run) noexcept {
-    const HINSTANCE hModule = ModuleOfDialog(nTemplate);
-    if (hModule == nullptr)
+    const HINSTANCE moduleHandle = ModuleOfDialog(nTemplate);
+    if (moduleHandle == nullptr) {
         return -1;
+    }
     return Guarded(
-        INT_PTR{-1}, [&] { return run(hModule); }, LogException(pszFunction));
+        INT_PTR{-1}, [&] { return run(moduleHandle); }, LogException(pszFunction));
 }
 
 // A modal dialog with the framework's own looks; CBaseDialog is for those in the window colour.

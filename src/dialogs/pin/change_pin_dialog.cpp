@@ -41,23 +41,27 @@ std::uint32_t ReadSmallPinEntryPrevention() {
     std::array<BYTE, kOfferedSize> data{};
     const mvp::RegistryRead read =
         mvp::ReadRegistry({kConfigKey, kPreventionValue}, data.data(), kOfferedSize);
-    if (read.error == ERROR_MORE_DATA)
+    if (read.error == ERROR_MORE_DATA) {
         mvp::LogIgnoredSetting(kConfigKey, kPreventionValue, "larger than 255 bytes");
-    if (!read)
+    }
+    if (!read) {
         return 0;
+    }
     std::uint32_t value = 0;
     std::memcpy(&value, data.data(), sizeof value);
-    if (read.type != REG_DWORD || read.size != sizeof value)
+    if (read.type != REG_DWORD || read.size != sizeof value) {
         vklogLog(g_szLogTag, kLogError,
                  "Setting is no REG_DWORD, its first bytes are followed as %u: %s\\%s", value,
                  kConfigKey, kPreventionValue);
+    }
     return value;
 }
 
 void SetTextFromResource(CWnd& control, UINT nString) {
     CString text;
-    if (mvp::LoadResourceString(nString, text))
+    if (mvp::LoadResourceString(nString, text)) {
         control.SetWindowText(text);
+    }
 }
 
 }  // namespace
@@ -85,8 +89,9 @@ CChangePINDialog::CChangePINDialog(int /*nIgnored*/, int bUseWindowColor, bool b
 CChangePINDialog::~CChangePINDialog() {
     const mvp::LogScope scope("CChangePINDialog::~CChangePINDialog");
     // While WM_DESTROY still finds this class's handler.
-    if (m_hWnd != nullptr)
+    if (m_hWnd != nullptr) {
         DestroyWindow();
+    }
     m_rulePanel.Destroy();
     mvp::RemoveChangePinPanel(this);
     EraseAllPinBuffers();
@@ -94,10 +99,11 @@ CChangePINDialog::~CChangePINDialog() {
 
 int CChangePINDialog::LocCreate(CWnd* pParent) {
     const mvp::LogScope scope("CChangePINDialog::LocCreate");
-    const int nCreated = CreateFromResourceModule(pParent);
-    if (nCreated == 0)
+    const int created = CreateFromResourceModule(pParent);
+    if (created == 0) {
         EnableOk(false);
-    return nCreated;
+    }
+    return created;
 }
 
 void CChangePINDialog::DoDataExchange(CDataExchange* pDX) {
@@ -118,8 +124,9 @@ BOOL CChangePINDialog::OnInitDialog() {
         [this] {
             // Without its edits the panel is given up.
             const BOOL result = CBaseDialog::OnInitDialog();
-            if (result)
+            if (result) {
                 SetUp();
+            }
             return result;
         },
         [this] {
@@ -146,8 +153,9 @@ void CChangePINDialog::SetTexts() {
     SetTextFromResource(m_labelPin, IDS_CHANGE_PIN_CURRENT_LABEL);
     SetTextFromResource(m_labelNewPin, IDS_CHANGE_PIN_NEW_LABEL);
     SetTextFromResource(m_labelConfirm, IDS_CHANGE_PIN_CONFIRM_LABEL);
-    if (m_bAskCurrentPin)
+    if (m_bAskCurrentPin) {
         return;
+    }
     m_labelPin.ShowWindow(SW_HIDE);
     m_editPin.ShowWindow(SW_HIDE);
     SetTextFromResource(m_instruction, IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY);
@@ -156,8 +164,9 @@ void CChangePINDialog::SetTexts() {
 void CChangePINDialog::CreatePoliciesPanel() {
     constexpr int kPlace = IDC_CHANGE_PIN_PANEL_POLICIES_PLACE;
     if (!m_rulePanel.Create(*this, kPlace, m_rules,
-                            {m_bUseWindowColor, m_nTopMargin, m_nLeftIndent, m_nLineSpacing}))
+                            {m_bUseWindowColor, m_nTopMargin, m_nLeftIndent, m_nLineSpacing})) {
         return;
+    }
     m_rulePanel.Show();
     ResizeDlg(0, 0, -m_rulePanel.FitToPlaceholder(*this, kPlace).nHeight);
 }
@@ -226,12 +235,12 @@ bool CChangePINDialog::ReadAndJudge(const char* pszFunction) {
                 AfterException(pszFunction);
                 return false;
             }
-            const bool bCurrentGiven = !m_bAskCurrentPin || !m_csPin.IsEmpty();
+            const bool currentGiven = !m_bAskCurrentPin || !m_csPin.IsEmpty();
             CString currentPin = m_csPin;
             CString value = m_csNewPin;
             CString newPin = m_csNewPin;
             CString confirmation = m_csConfirmPin;
-            return Judge(currentPin, value, newPin, confirmation) && bCurrentGiven;
+            return Judge(currentPin, value, newPin, confirmation) && currentGiven;
         },
         [=, this] { AfterException(pszFunction); });
 }
@@ -242,39 +251,44 @@ bool CChangePINDialog::Judge(CString& currentPin, CString& value, CString& newPi
     const mvp::LogScope scope("CChangePINDialog::VerifyAndUpdateAllPolicies");
     vklogLog(g_szLogTag, kLogDetail, "m_pPoliciesDlg: %d",
              static_cast<int>(mvp::LowBits(m_rulePanel.Dialog())));
-    const bool bVerdict = mvp::Guarded(
+    const bool verdict = mvp::Guarded(
         false, [&] { return m_rulePanel.Check(currentPin, value, newPin, confirmation); },
         mvp::LogException("CChangePINDialog::VerifyAndUpdateAllPolicies"));
     // The host hears of it and may delete the panel: nothing of it is touched afterwards.
-    EnableOk(bVerdict && !(m_bAskCurrentPin && currentPin.IsEmpty()));
-    for (CString* pText : {&currentPin, &newPin, &confirmation, &value})
-        HidePinFromMemory(*pText);
-    return bVerdict;
+    EnableOk(verdict && !(m_bAskCurrentPin && currentPin.IsEmpty()));
+    for (CString* text : {&currentPin, &newPin, &confirmation, &value}) {
+        HidePinFromMemory(*text);
+    }
+    return verdict;
 }
 
 bool CChangePINDialog::ReadAndCheck() {
     const mvp::LogScope scope("CChangePINDialog::ReadAndCheck");
     // Told of its end, the panel has no rules any more.
-    if (m_hWnd == nullptr || (m_nFlags & WF_DESTROYING) != 0)
+    if (m_hWnd == nullptr || (m_nFlags & WF_DESTROYING) != 0) {
         return false;
+    }
     return ReadAndJudge("CChangePINDialog::ReadAndCheck");
 }
 
 void CChangePINDialog::EnableOk(bool bEnable) {
-    if (m_pOkButton != nullptr)
+    if (m_pOkButton != nullptr) {
         m_pOkButton->EnableWindow(bEnable);
+    }
 }
 
 void CChangePINDialog::EraseAllPinBuffers() {
     const mvp::LogScope scope("CChangePINDialog::EraseAllPinBuffers");
-    for (CString* pPin : {&m_csPin, &m_csNewPin, &m_csConfirmPin})
-        HidePinFromMemory(*pPin);
+    for (CString* pin : {&m_csPin, &m_csNewPin, &m_csConfirmPin}) {
+        HidePinFromMemory(*pin);
+    }
 }
 
 void CChangePINDialog::ResetToolTip() {
     const mvp::LogScope scope("CChangePINDialog::ResetToolTip");
-    for (CCapsLockSensitiveEdit* pEdit : {&m_editPin, &m_editNewPin, &m_editConfirm})
-        pEdit->ResetToolTip();
+    for (CCapsLockSensitiveEdit* edit : {&m_editPin, &m_editNewPin, &m_editConfirm}) {
+        edit->ResetToolTip();
+    }
 }
 
 void CChangePINDialog::OnMove(int x, int y) {

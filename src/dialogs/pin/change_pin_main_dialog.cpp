@@ -48,13 +48,15 @@ BOOL CChangePINDialogMain::OnInitDialog() {
     vklogLog(g_szLogTag, kLogDetail, "Loading icon...");
     mvp::SetSmallIcon(*this, IDI_CARD_PIN);
     m_okButton.SubclassDlgItem(IDOK, this);
-    CWnd* pCancel = GetDlgItem(IDCANCEL);
-    if (m_rules.bCancelDisabled != 0 && pCancel != nullptr)
-        pCancel->EnableWindow(FALSE);
+    CWnd* cancel = GetDlgItem(IDCANCEL);
+    if (m_rules.bCancelDisabled != 0 && cancel != nullptr) {
+        cancel->EnableWindow(FALSE);
+    }
     CreatePanel();
     CString title;
-    if (mvp::LoadResourceString(IDS_CARD_PIN_TITLE, title))
+    if (mvp::LoadResourceString(IDS_CARD_PIN_TITLE, title)) {
         SetWindowText(title);
+    }
     UpdateWindow();
     m_removalWatch.Start(*this, m_strReader);
     return TRUE;
@@ -91,8 +93,9 @@ void CChangePINDialogMain::DoWithoutPanel() {
     delete std::exchange(m_pPanel, nullptr);
     m_okButton.EnableWindow(FALSE);
     m_rules.bCancelDisabled = 0;
-    if (CWnd* pCancel = GetDlgItem(IDCANCEL))
-        pCancel->EnableWindow(TRUE);
+    if (CWnd* cancel = GetDlgItem(IDCANCEL)) {
+        cancel->EnableWindow(TRUE);
+    }
 }
 
 void CChangePINDialogMain::ResizeDlg(int dx, int dy) {
@@ -102,18 +105,20 @@ void CChangePINDialogMain::ResizeDlg(int dx, int dy) {
 
 // A button that the template lacks forbids nothing.
 bool CChangePINDialogMain::IsButtonEnabled(int nId) const {
-    const CWnd* pButton = GetDlgItem(nId);
-    return pButton == nullptr || pButton->IsWindowEnabled();
+    const CWnd* button = GetDlgItem(nId);
+    return button == nullptr || button->IsWindowEnabled();
 }
 
 void CChangePINDialogMain::OnOK() {
     const mvp::LogScope scope("CChangePINDialogMain::OnOK");
     // What has ended the dialog before stands: another OK judges nothing anew.
-    if ((m_nFlags & WF_CONTINUEMODAL) == 0)
+    if ((m_nFlags & WF_CONTINUEMODAL) == 0) {
         return;
+    }
     // The command comes from anywhere: what counts is what stands in the edits now.
-    if (!IsButtonEnabled(IDOK) || m_pPanel == nullptr || !m_pPanel->ReadAndCheck())
+    if (!IsButtonEnabled(IDOK) || m_pPanel == nullptr || !m_pPanel->ReadAndCheck()) {
         return;
+    }
     CDialog::OnOK();
     // The panel keeps what was judged; without its edits nothing comes after it.
     m_pPanel->DestroyWindow();
@@ -121,8 +126,9 @@ void CChangePINDialogMain::OnOK() {
 
 void CChangePINDialogMain::OnCancel() {
     const mvp::LogScope scope("CChangePINDialogMain::OnCancel");
-    if (m_rules.bCancelDisabled == 0 && IsButtonEnabled(IDCANCEL))
+    if (m_rules.bCancelDisabled == 0 && IsButtonEnabled(IDCANCEL)) {
         CDialog::OnCancel();
+    }
 }
 
 LRESULT CChangePINDialogMain::OnCardEvent(WPARAM /*wParam*/, LPARAM /*lParam*/) {
@@ -141,6 +147,7 @@ void CChangePINDialogMain::OnDestroy() {
 void CChangePINDialogMain::OnMove(int x, int y) {
     const mvp::LogScope scope("CChangePINDialogMain::OnMove");
     CDialog::OnMove(x, y);
-    if (m_pPanel != nullptr)
+    if (m_pPanel != nullptr) {
         m_pPanel->ResetToolTip();
+    }
 }

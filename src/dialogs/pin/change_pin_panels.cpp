@@ -24,8 +24,9 @@ void AddChangePinPanel(CChangePINDialog* pPanel) {
 
 void SetChangePinPanelWindow(const CChangePINDialog* pPanel, HWND hWnd) noexcept {
     const auto entry = std::ranges::find(g_ChangePINDialogs, pPanel, &LivePanel::pPanel);
-    if (entry != g_ChangePINDialogs.end())
+    if (entry != g_ChangePINDialogs.end()) {
         entry->hWnd = hWnd;
+    }
 }
 
 void RemoveChangePinPanel(const CChangePINDialog* pPanel) noexcept {
@@ -40,8 +41,9 @@ bool IsChangePinPanel(const CChangePINDialog* pPanel) noexcept {
 
 CChangePINDialog* FindChangePinPanel(HWND hHost) noexcept {
     // A window that is not there has no parent: null would match it.
-    if (hHost == nullptr)
+    if (hHost == nullptr) {
         return nullptr;
+    }
     const auto match = std::find_if(g_ChangePINDialogs.rbegin(), g_ChangePINDialogs.rend(),
                                     [hHost](const LivePanel& each) {
                                         // The window of a panel whose thread has ended may be

@@ -48,9 +48,10 @@ mvp::Bitmap TakePicture(CWnd& dialog, int nControl) {
 // The system leaves a control whose picture the resource module lacks empty, and says nothing.
 void LogMissingPicture(CWnd& dialog, int nControl) {
     if (dialog.GetDlgItem(nControl) != nullptr &&
-        dialog.SendDlgItemMessage(nControl, STM_GETIMAGE, IMAGE_BITMAP, 0) == 0)
+        dialog.SendDlgItemMessage(nControl, STM_GETIMAGE, IMAGE_BITMAP, 0) == 0) {
         vklogLog(g_szLogTag, kLogError,
                  "The picture of control %d is missing from the resource module", nControl);
+    }
 }
 
 }  // namespace
@@ -82,15 +83,17 @@ void CEnterPinDlg::DoDataExchange(CDataExchange* pDX) {
     DDX_Control(pDX, IDC_ENTER_PIN_EDIT, m_editPin);
     mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_BANNER, m_banner);
     mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_PROGRESS, m_progressBar);
-    if (pDX->m_bSaveAndValidate && !m_editPin.ReadSecret(m_strPin))
+    if (pDX->m_bSaveAndValidate && !m_editPin.ReadSecret(m_strPin)) {
         pDX->Fail();
+    }
 }
 
 BOOL CEnterPinDlg::OnInitDialog() {
     const mvp::LogScope scope("CEnterPinDlg::OnInitDialog");
     VKDetectCardRemovedDlg::OnInitDialog();
-    if (!m_strPrompt.IsEmpty())
+    if (!m_strPrompt.IsEmpty()) {
         SetDlgItemText(IDC_ENTER_PIN_PROMPT, m_strPrompt);
+    }
     LogMissingPicture(*this, IDC_ENTER_PIN_BANNER);
     LogMissingPicture(*this, IDC_ENTER_PIN_PROGRESS);
     TryToInsertBitmap();
@@ -102,8 +105,9 @@ BOOL CEnterPinDlg::OnInitDialog() {
 void CEnterPinDlg::OnOK() {
     const mvp::LogScope scope("CEnterPinDlg::OnOK");
     // What has ended the dialog before stands: another OK judges nothing anew.
-    if ((m_nFlags & WF_CONTINUEMODAL) == 0 || !UpdateData(TRUE) || !IsPinAllowed())
+    if ((m_nFlags & WF_CONTINUEMODAL) == 0 || !UpdateData(TRUE) || !IsPinAllowed()) {
         return;
+    }
     StopDetectingRemoveEvent();
     EndDialog(IDOK);
 }
@@ -131,11 +135,12 @@ BOOL CEnterPinDlg::CreateModalWindow(LPCDLGTEMPLATE pTemplate, ModalParent& pare
         parent = {nullptr, FALSE};
         created = VKDetectCardRemovedDlg::CreateModalWindow(pTemplate, parent, hInst);
     }
-    if (created)
+    if (created) {
         vklogLog(
             g_szLogTag, kLogInfo,
             "CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success (Flags 0x%x, m_hWnd:%p)",
             m_nFlags, Pointer(m_hWnd));
+    }
     return created;
 }
 
@@ -144,8 +149,9 @@ void CEnterPinDlg::OnEnChangeEditPassword() {
     // What OK has taken stays as it was.
     if ((m_nFlags & WF_CONTINUEMODAL) != 0) {
         UpdateData(TRUE);
-        if (CWnd* pOk = GetDlgItem(IDOK))
-            pOk->EnableWindow(IsPinAllowed());
+        if (CWnd* ok = GetDlgItem(IDOK)) {
+            ok->EnableWindow(IsPinAllowed());
+        }
     }
     vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnEnChangeEditPassword:END");
 }
@@ -175,17 +181,19 @@ bool CEnterPinDlg::ReadPicture(BrandingPicture& picture) {
     const mvp::RegistryRead read =
         mvp::ReadRegistry({kBrandingKey, picture.pszValueName}, buffer.data(), kPathCapacity);
     if (!read) {
-        if (read.failed != mvp::RegistryStep::OpenKey && read.error != ERROR_FILE_NOT_FOUND)
+        if (read.failed != mvp::RegistryStep::OpenKey && read.error != ERROR_FILE_NOT_FOUND) {
             mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName,
                                    read.error == ERROR_MORE_DATA
                                        ? "the value is longer than 260 bytes"
                                        : "the value cannot be read");
+        }
         return false;
     }
     picture.bText = read.type == REG_SZ || read.type == REG_EXPAND_SZ;
     if (buffer.front() == '\0') {
-        if (!picture.bText)
+        if (!picture.bText) {
             mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName, "the value is not a text");
+        }
         return false;
     }
     picture.strFile = buffer.data();
@@ -206,8 +214,9 @@ void CEnterPinDlg::TryToInsertBitmap() {
     m_banner.ShowWindow(SW_HIDE);
     m_progressBar.ShowWindow(SW_HIDE);
     BrandingPictures pictures;
-    if (!GetBrandingBitmaps(pictures))
+    if (!GetBrandingBitmaps(pictures)) {
         return;
+    }
     ShowBranding(m_bHighColor ? pictures.bannerHigh : pictures.bannerLow, IDC_ENTER_PIN_BANNER,
                  m_banner, m_hBanner);
     ShowBranding(m_bHighColor ? pictures.progressHigh : pictures.progressLow,
@@ -216,22 +225,23 @@ void CEnterPinDlg::TryToInsertBitmap() {
 
 void CEnterPinDlg::ShowBranding(const BrandingPicture& setting, int nDefaultPicture,
                                 CStatic& picture, mvp::Bitmap& bitmap) {
-    const CString& strFile = setting.strFile;
-    CWnd* pDefault = GetDlgItem(nDefaultPicture);
-    if (strFile.IsEmpty() || pDefault == nullptr)
+    const CString& file = setting.strFile;
+    CWnd* fallback = GetDlgItem(nDefaultPicture);
+    if (file.IsEmpty() || fallback == nullptr) {
         return;
-    bitmap = mvp::LoadBitmapFile(strFile);
+    }
+    bitmap = mvp::LoadBitmapFile(file);
     if (!bitmap) {
         picture.ShowWindow(SW_HIDE);
         mvp::LogIgnoredSetting(
             kBrandingKey, setting.pszValueName,
-            mvp::WhyNoPicture(static_cast<LPCSTR>(strFile), setting.bText, IsFile(strFile)));
+            mvp::WhyNoPicture(static_cast<LPCSTR>(file), setting.bText, IsFile(file)));
         return;
     }
-    pDefault->ShowWindow(SW_HIDE);
+    fallback->ShowWindow(SW_HIDE);
     picture.SendMessage(STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(bitmap.get()));
     CRect client;
-    pDefault->GetClientRect(&client);
+    fallback->GetClientRect(&client);
     picture.SetWindowPos(nullptr, 0, 0, client.Width(), client.Height(), SWP_NOMOVE | SWP_NOZORDER);
     picture.ShowWindow(SW_SHOW);
 }

@@ -6,14 +6,14 @@ namespace mvp::richtext {
 
 std::string BrowserCommandLine(std::string_view command, std::string_view target) {
     std::string_view kept = command.substr(0, command.find("%1"));
-    const bool bQuoted =
+    const bool quoted =
         kept.size() != command.size() && std::count(kept.begin(), kept.end(), '"') % 2 != 0;
-    if (bQuoted) {
+    if (quoted) {
         kept = kept.substr(0, kept.rfind('"'));
     }
-    std::string strLine(kept);
-    strLine.append(1, ' ').append(target);
-    return strLine;
+    std::string line(kept);
+    line.append(1, ' ').append(target);
+    return line;
 }
 
 }  // namespace mvp::richtext

@@ -20,13 +20,13 @@ struct Functions {
 
 const Functions& System() noexcept {
     static const Functions functions = [] {
-        const HMODULE hAccess = LoadSystemLibrary("oleacc.dll").release();
-        const HMODULE hAutomation = LoadSystemLibrary("oleaut32.dll").release();
+        const HMODULE access = LoadSystemLibrary("oleacc.dll").release();
+        const HMODULE automation = LoadSystemLibrary("oleaut32.dll").release();
         return Functions{
-            FindFunction<decltype(&LresultFromObject)>(hAccess, "LresultFromObject"),
-            FindFunction<decltype(&AccessibleObjectFromWindow)>(hAccess,
+            FindFunction<decltype(&LresultFromObject)>(access, "LresultFromObject"),
+            FindFunction<decltype(&AccessibleObjectFromWindow)>(access,
                                                                 "AccessibleObjectFromWindow"),
-            FindFunction<decltype(&SysAllocStringLen)>(hAutomation, "SysAllocStringLen")};
+            FindFunction<decltype(&SysAllocStringLen)>(automation, "SysAllocStringLen")};
     }();
     return functions;
 }
@@ -36,14 +36,13 @@ HRESULT MakeString(const std::string& strText, BSTR* pstrResult) {
     if (strText.empty()) {
         return S_FALSE;
     }
-    const auto nBytes = static_cast<int>(std::min<std::size_t>(strText.size(), 1 << 20));
-    std::wstring strWide(static_cast<std::size_t>(nBytes), L'\0');
-    const int nLength =
-        MultiByteToWideChar(CP_ACP, 0, strText.data(), nBytes, strWide.data(), nBytes);
-    if (System().pfnAllocString == nullptr || nLength <= 0) {
+    const auto bytes = static_cast<int>(std::min<std::size_t>(strText.size(), 1 << 20));
+    std::wstring wide(static_cast<std::size_t>(bytes), L'\0');
+    const int length = MultiByteToWideChar(CP_ACP, 0, strText.data(), bytes, wide.data(), bytes);
+    if (System().pfnAllocString == nullptr || length <= 0) {
         return E_FAIL;
     }
-    *pstrResult = System().pfnAllocString(strWide.data(), static_cast<UINT>(nLength));
+    *pstrResult = System().pfnAllocString(wide.data(), static_cast<UINT>(length));
     return *pstrResult != nullptr ? S_OK : E_OUTOFMEMORY;
 }
 
@@ -60,12 +59,12 @@ LRESULT AnswerGetObject(WPARAM wParam, IAccessible* pAccessible) noexcept {
                : 0;
 }
 
-CHtmlAccessible* CHtmlAccessible::Create(HWND hWnd, CHtmlDrawer& drawer,
-                                         UINT nFollowMessage) noexcept {
-    return new (std::nothrow) CHtmlAccessible(hWnd, drawer, nFollowMessage);
+HtmlAccessible* HtmlAccessible::Create(HWND hWnd, CHtmlDrawer& drawer,
+                                       UINT nFollowMessage) noexcept {
+    return new (std::nothrow) HtmlAccessible(hWnd, drawer, nFollowMessage);
 }
 
-HRESULT CHtmlAccessible::Find(const VARIANT& child, int& nLink) const noexcept {
+HRESULT HtmlAccessible::Find(const VARIANT& child, int& nLink) const noexcept {
     if (m_pDrawer == nullptr) {
         return CO_E_OBJNOTCONNECTED;
     }
@@ -76,16 +75,16 @@ HRESULT CHtmlAccessible::Find(const VARIANT& child, int& nLink) const noexcept {
     return S_OK;
 }
 
-HRESULT CHtmlAccessible::FindLink(const VARIANT& child, int& nLink) const noexcept {
+HRESULT HtmlAccessible::FindLink(const VARIANT& child, int& nLink) const noexcept {
     const HRESULT hr = Find(child, nLink);
     return hr == S_OK && nLink == kNoLink ? S_FALSE : hr;
 }
 
-bool CHtmlAccessible::IsFocusable() const noexcept {
+bool HtmlAccessible::IsFocusable() const noexcept {
     return (GetWindowLongPtrA(m_hWnd, GWL_STYLE) & WS_TABSTOP) != 0;
 }
 
-STDMETHODIMP CHtmlAccessible::QueryInterface(REFIID riid, void** ppObject) {
+STDMETHODIMP HtmlAccessible::QueryInterface(REFIID riid, void** ppObject) {
     if (ppObject == nullptr) {
         return E_POINTER;
     }
@@ -99,38 +98,38 @@ STDMETHODIMP CHtmlAccessible::QueryInterface(REFIID riid, void** ppObject) {
     return S_OK;
 }
 
-STDMETHODIMP_(ULONG) CHtmlAccessible::AddRef() {
+STDMETHODIMP_(ULONG) HtmlAccessible::AddRef() {
     return static_cast<ULONG>(InterlockedIncrement(&m_nReferences));
 }
 
-STDMETHODIMP_(ULONG) CHtmlAccessible::Release() {
-    const LONG nLeft = InterlockedDecrement(&m_nReferences);
-    if (nLeft == 0) {
+STDMETHODIMP_(ULONG) HtmlAccessible::Release() {
+    const LONG left = InterlockedDecrement(&m_nReferences);
+    if (left == 0) {
         delete this;
     }
-    return static_cast<ULONG>(nLeft);
+    return static_cast<ULONG>(left);
 }
 
 // Scripts are not served: readers use the interface itself.
-STDMETHODIMP CHtmlAccessible::GetTypeInfoCount(UINT* pnCount) {
+STDMETHODIMP HtmlAccessible::GetTypeInfoCount(UINT* pnCount) {
     if (pnCount == nullptr) {
         return E_POINTER;
     }
     *pnCount = 0;
     return S_OK;
 }
-STDMETHODIMP CHtmlAccessible::GetTypeInfo(UINT, LCID, ITypeInfo**) {
+STDMETHODIMP HtmlAccessible::GetTypeInfo(UINT, LCID, ITypeInfo**) {
     return E_NOTIMPL;
 }
-STDMETHODIMP CHtmlAccessible::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
+STDMETHODIMP HtmlAccessible::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
     return E_NOTIMPL;
 }
-STDMETHODIMP CHtmlAccessible::Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                     UINT*) {
+STDMETHODIMP HtmlAccessible::Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                    UINT*) {
     return E_NOTIMPL;
 }
 
-STDMETHODIMP CHtmlAccessible::get_accParent(IDispatch** ppParent) {
+STDMETHODIMP HtmlAccessible::get_accParent(IDispatch** ppParent) {
     if (ppParent == nullptr) {
         return E_POINTER;
     }
@@ -145,7 +144,7 @@ STDMETHODIMP CHtmlAccessible::get_accParent(IDispatch** ppParent) {
                                         __uuidof(IDispatch), reinterpret_cast<void**>(ppParent));
 }
 
-STDMETHODIMP CHtmlAccessible::get_accChildCount(long* pnCount) {
+STDMETHODIMP HtmlAccessible::get_accChildCount(long* pnCount) {
     if (pnCount == nullptr) {
         return E_POINTER;
     }
@@ -154,17 +153,17 @@ STDMETHODIMP CHtmlAccessible::get_accChildCount(long* pnCount) {
 }
 
 // Links are told apart by their numbers alone.
-STDMETHODIMP CHtmlAccessible::get_accChild(VARIANT child, IDispatch** ppChild) {
+STDMETHODIMP HtmlAccessible::get_accChild(VARIANT child, IDispatch** ppChild) {
     if (ppChild == nullptr) {
         return E_POINTER;
     }
     *ppChild = nullptr;
-    int nLink = kNoLink;
-    const HRESULT hr = Find(child, nLink);
+    int link = kNoLink;
+    const HRESULT hr = Find(child, link);
     return hr == S_OK ? S_FALSE : hr;
 }
 
-STDMETHODIMP CHtmlAccessible::get_accName(VARIANT child, BSTR* pstrName) {
+STDMETHODIMP HtmlAccessible::get_accName(VARIANT child, BSTR* pstrName) {
     if (pstrName == nullptr) {
         return E_POINTER;
     }
@@ -172,21 +171,21 @@ STDMETHODIMP CHtmlAccessible::get_accName(VARIANT child, BSTR* pstrName) {
     return Guarded(
         E_FAIL,
         [&]() -> HRESULT {
-            int nLink = kNoLink;
-            if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
+            int link = kNoLink;
+            if (const HRESULT hr = Find(child, link); hr != S_OK) {
                 return hr;
             }
-            if (nLink == kNoLink) {
+            if (link == kNoLink) {
                 return MakeString(m_pDrawer->PlainText(), pstrName);
             }
             // A link that is only an image says at least where it leads.
-            const std::string strText = m_pDrawer->LinkText(nLink);
-            return MakeString(strText.empty() ? m_pDrawer->LinkTarget(nLink) : strText, pstrName);
+            const std::string text = m_pDrawer->LinkText(link);
+            return MakeString(text.empty() ? m_pDrawer->LinkTarget(link) : text, pstrName);
         },
-        LogException("CHtmlAccessible::get_accName"));
+        LogException("HtmlAccessible::get_accName"));
 }
 
-STDMETHODIMP CHtmlAccessible::get_accValue(VARIANT child, BSTR* pstrValue) {
+STDMETHODIMP HtmlAccessible::get_accValue(VARIANT child, BSTR* pstrValue) {
     if (pstrValue == nullptr) {
         return E_POINTER;
     }
@@ -194,20 +193,20 @@ STDMETHODIMP CHtmlAccessible::get_accValue(VARIANT child, BSTR* pstrValue) {
     return Guarded(
         E_FAIL,
         [&]() -> HRESULT {
-            int nLink = kNoLink;
-            const HRESULT hr = FindLink(child, nLink);
-            return hr == S_OK ? MakeString(m_pDrawer->LinkTarget(nLink), pstrValue) : hr;
+            int link = kNoLink;
+            const HRESULT hr = FindLink(child, link);
+            return hr == S_OK ? MakeString(m_pDrawer->LinkTarget(link), pstrValue) : hr;
         },
-        LogException("CHtmlAccessible::get_accValue"));
+        LogException("HtmlAccessible::get_accValue"));
 }
 
-STDMETHODIMP CHtmlAccessible::get_accDescription(VARIANT, BSTR* pstrDescription) {
+STDMETHODIMP HtmlAccessible::get_accDescription(VARIANT, BSTR* pstrDescription) {
     return pstrDescription != nullptr ? (*pstrDescription = nullptr, S_FALSE) : E_POINTER;
 }
-STDMETHODIMP CHtmlAccessible::get_accHelp(VARIANT, BSTR* pstrHelp) {
+STDMETHODIMP HtmlAccessible::get_accHelp(VARIANT, BSTR* pstrHelp) {
     return pstrHelp != nullptr ? (*pstrHelp = nullptr, S_FALSE) : E_POINTER;
 }
-STDMETHODIMP CHtmlAccessible::get_accHelpTopic(BSTR* pstrFile, VARIANT, long* pnTopic) {
+STDMETHODIMP HtmlAccessible::get_accHelpTopic(BSTR* pstrFile, VARIANT, long* pnTopic) {
     if (pstrFile == nullptr || pnTopic == nullptr) {
         return E_POINTER;
     }
@@ -215,53 +214,53 @@ STDMETHODIMP CHtmlAccessible::get_accHelpTopic(BSTR* pstrFile, VARIANT, long* pn
     *pnTopic = 0;
     return S_FALSE;
 }
-STDMETHODIMP CHtmlAccessible::get_accKeyboardShortcut(VARIANT, BSTR* pstrShortcut) {
+STDMETHODIMP HtmlAccessible::get_accKeyboardShortcut(VARIANT, BSTR* pstrShortcut) {
     return pstrShortcut != nullptr ? (*pstrShortcut = nullptr, S_FALSE) : E_POINTER;
 }
 
-STDMETHODIMP CHtmlAccessible::get_accRole(VARIANT child, VARIANT* pRole) {
+STDMETHODIMP HtmlAccessible::get_accRole(VARIANT child, VARIANT* pRole) {
     if (pRole == nullptr) {
         return E_POINTER;
     }
     pRole->vt = VT_EMPTY;
-    int nLink = kNoLink;
-    const HRESULT hr = Find(child, nLink);
+    int link = kNoLink;
+    const HRESULT hr = Find(child, link);
     if (hr == S_OK) {
-        const bool bGroup = m_pDrawer->LinkCount() > 0;
-        SetNumber(*pRole, nLink != kNoLink ? ROLE_SYSTEM_LINK
-                          : bGroup         ? ROLE_SYSTEM_GROUPING
-                                           : ROLE_SYSTEM_STATICTEXT);
+        const bool group = m_pDrawer->LinkCount() > 0;
+        SetNumber(*pRole, link != kNoLink ? ROLE_SYSTEM_LINK
+                          : group         ? ROLE_SYSTEM_GROUPING
+                                          : ROLE_SYSTEM_STATICTEXT);
     }
     return hr;
 }
 
-STDMETHODIMP CHtmlAccessible::get_accState(VARIANT child, VARIANT* pState) {
+STDMETHODIMP HtmlAccessible::get_accState(VARIANT child, VARIANT* pState) {
     if (pState == nullptr) {
         return E_POINTER;
     }
     pState->vt = VT_EMPTY;
-    int nLink = kNoLink;
-    const HRESULT hr = Find(child, nLink);
+    int link = kNoLink;
+    const HRESULT hr = Find(child, link);
     if (hr != S_OK) {
         return hr;
     }
-    long nState = STATE_SYSTEM_READONLY;
-    const bool bFocused = GetFocus() == m_hWnd;
-    if (nLink != kNoLink) {
-        nState = STATE_SYSTEM_LINKED;
-        nState |= IsFocusable() ? STATE_SYSTEM_FOCUSABLE : 0;
-        nState |= bFocused && m_pDrawer->FocusLink() == nLink ? STATE_SYSTEM_FOCUSED : 0;
-        nState |= m_pDrawer->HoverLink() == nLink ? STATE_SYSTEM_HOTTRACKED : 0;
+    long state = STATE_SYSTEM_READONLY;
+    const bool focused = GetFocus() == m_hWnd;
+    if (link != kNoLink) {
+        state = STATE_SYSTEM_LINKED;
+        state |= IsFocusable() ? STATE_SYSTEM_FOCUSABLE : 0;
+        state |= focused && m_pDrawer->FocusLink() == link ? STATE_SYSTEM_FOCUSED : 0;
+        state |= m_pDrawer->HoverLink() == link ? STATE_SYSTEM_HOTTRACKED : 0;
     } else if (IsFocusable() && m_pDrawer->LinkCount() > 0) {
-        nState |= STATE_SYSTEM_FOCUSABLE;
+        state |= STATE_SYSTEM_FOCUSABLE;
     }
-    nState |= IsWindowEnabled(m_hWnd) ? 0 : STATE_SYSTEM_UNAVAILABLE;
-    nState |= IsWindowVisible(m_hWnd) ? 0 : STATE_SYSTEM_INVISIBLE;
-    SetNumber(*pState, nState);
+    state |= IsWindowEnabled(m_hWnd) ? 0 : STATE_SYSTEM_UNAVAILABLE;
+    state |= IsWindowVisible(m_hWnd) ? 0 : STATE_SYSTEM_INVISIBLE;
+    SetNumber(*pState, state);
     return S_OK;
 }
 
-STDMETHODIMP CHtmlAccessible::get_accFocus(VARIANT* pChild) {
+STDMETHODIMP HtmlAccessible::get_accFocus(VARIANT* pChild) {
     if (pChild == nullptr) {
         return E_POINTER;
     }
@@ -276,7 +275,7 @@ STDMETHODIMP CHtmlAccessible::get_accFocus(VARIANT* pChild) {
     return S_OK;
 }
 
-STDMETHODIMP CHtmlAccessible::get_accSelection(VARIANT* pChildren) {
+STDMETHODIMP HtmlAccessible::get_accSelection(VARIANT* pChildren) {
     if (pChildren == nullptr) {
         return E_POINTER;
     }
@@ -287,7 +286,7 @@ STDMETHODIMP CHtmlAccessible::get_accSelection(VARIANT* pChildren) {
 // The system has texts of its own for roles and states (GetRoleText, GetStateText), but none for
 // actions, so there is no translation to take. "Jump" is the customary word for links. It is not in
 // the resource module, which holds what windows show: no window shows this.
-STDMETHODIMP CHtmlAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrAction) {
+STDMETHODIMP HtmlAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrAction) {
     if (pstrAction == nullptr) {
         return E_POINTER;
     }
@@ -295,40 +294,40 @@ STDMETHODIMP CHtmlAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrActi
     return Guarded(
         E_FAIL,
         [&]() -> HRESULT {
-            int nLink = kNoLink;
-            const HRESULT hr = FindLink(child, nLink);
+            int link = kNoLink;
+            const HRESULT hr = FindLink(child, link);
             return hr == S_OK ? MakeString("Jump", pstrAction) : hr;
         },
-        LogException("CHtmlAccessible::get_accDefaultAction"));
+        LogException("HtmlAccessible::get_accDefaultAction"));
 }
 
 // Posted, as the action may take its time and whoever asked waits for the answer.
-STDMETHODIMP CHtmlAccessible::accDoDefaultAction(VARIANT child) {
-    int nLink = kNoLink;
-    const HRESULT hr = FindLink(child, nLink);
+STDMETHODIMP HtmlAccessible::accDoDefaultAction(VARIANT child) {
+    int link = kNoLink;
+    const HRESULT hr = FindLink(child, link);
     if (hr != S_OK) {
         return hr == S_FALSE ? DISP_E_MEMBERNOTFOUND : hr;
     }
-    return PostMessageA(m_hWnd, m_nFollowMessage, static_cast<WPARAM>(nLink), 0) ? S_OK : E_FAIL;
+    return PostMessageA(m_hWnd, m_nFollowMessage, static_cast<WPARAM>(link), 0) ? S_OK : E_FAIL;
 }
 
-STDMETHODIMP CHtmlAccessible::accSelect(long nFlags, VARIANT child) {
-    int nLink = kNoLink;
-    const HRESULT hr = FindLink(child, nLink);
+STDMETHODIMP HtmlAccessible::accSelect(long nFlags, VARIANT child) {
+    int link = kNoLink;
+    const HRESULT hr = FindLink(child, link);
     if (hr != S_OK) {
         return hr;
     }
     if (nFlags != SELFLAG_TAKEFOCUS || !IsFocusable()) {
         return E_INVALIDARG;
     }
-    m_pDrawer->SetFocusLink(nLink);
+    m_pDrawer->SetFocusLink(link);
     SetFocus(m_hWnd);
     InvalidateRect(m_hWnd, nullptr, FALSE);
     return S_OK;
 }
 
-STDMETHODIMP CHtmlAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWidth, long* pnHeight,
-                                          VARIANT child) {
+STDMETHODIMP HtmlAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWidth, long* pnHeight,
+                                         VARIANT child) {
     if (pnLeft == nullptr || pnTop == nullptr || pnWidth == nullptr || pnHeight == nullptr) {
         return E_POINTER;
     }
@@ -336,16 +335,16 @@ STDMETHODIMP CHtmlAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWid
     return Guarded(
         E_FAIL,
         [&]() -> HRESULT {
-            int nLink = kNoLink;
-            if (const HRESULT hr = Find(child, nLink); hr != S_OK) {
+            int link = kNoLink;
+            if (const HRESULT hr = Find(child, link); hr != S_OK) {
                 return hr;
             }
             RECT area{};
             GetClientRect(m_hWnd, &area);
-            if (nLink != kNoLink) {
+            if (link != kNoLink) {
                 const RECT client = area;
                 SetRectEmpty(&area);
-                for (const RECT& part : m_pDrawer->LinkRects(nLink)) {
+                for (const RECT& part : m_pDrawer->LinkRects(link)) {
                     UnionRect(&area, &area, &part);
                 }
                 IntersectRect(&area, &area, &client);
@@ -357,10 +356,10 @@ STDMETHODIMP CHtmlAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWid
             *pnHeight = area.bottom - area.top;
             return S_OK;
         },
-        LogException("CHtmlAccessible::accLocation"));
+        LogException("HtmlAccessible::accLocation"));
 }
 
-STDMETHODIMP CHtmlAccessible::accHitTest(long nLeft, long nTop, VARIANT* pChild) {
+STDMETHODIMP HtmlAccessible::accHitTest(long nLeft, long nTop, VARIANT* pChild) {
     if (pChild == nullptr) {
         return E_POINTER;
     }
@@ -378,38 +377,38 @@ STDMETHODIMP CHtmlAccessible::accHitTest(long nLeft, long nTop, VARIANT* pChild)
     return S_OK;
 }
 
-STDMETHODIMP CHtmlAccessible::accNavigate(long nDirection, VARIANT start, VARIANT* pEnd) {
+STDMETHODIMP HtmlAccessible::accNavigate(long nDirection, VARIANT start, VARIANT* pEnd) {
     if (pEnd == nullptr) {
         return E_POINTER;
     }
     pEnd->vt = VT_EMPTY;
-    int nLink = kNoLink;
-    if (const HRESULT hr = Find(start, nLink); hr != S_OK) {
+    int link = kNoLink;
+    if (const HRESULT hr = Find(start, link); hr != S_OK) {
         return hr;
     }
-    const bool bSelf = nLink == kNoLink;
-    const int nCount = m_pDrawer->LinkCount();
-    int nTo = kNoLink;
-    if (bSelf && nDirection == NAVDIR_FIRSTCHILD) {
-        nTo = 0;
-    } else if (bSelf && nDirection == NAVDIR_LASTCHILD) {
-        nTo = nCount - 1;
-    } else if (!bSelf && (nDirection == NAVDIR_NEXT || nDirection == NAVDIR_DOWN)) {
-        nTo = nLink + 1;
-    } else if (!bSelf && (nDirection == NAVDIR_PREVIOUS || nDirection == NAVDIR_UP)) {
-        nTo = nLink - 1;
+    const bool self = link == kNoLink;
+    const int count = m_pDrawer->LinkCount();
+    int to = kNoLink;
+    if (self && nDirection == NAVDIR_FIRSTCHILD) {
+        to = 0;
+    } else if (self && nDirection == NAVDIR_LASTCHILD) {
+        to = count - 1;
+    } else if (!self && (nDirection == NAVDIR_NEXT || nDirection == NAVDIR_DOWN)) {
+        to = link + 1;
+    } else if (!self && (nDirection == NAVDIR_PREVIOUS || nDirection == NAVDIR_UP)) {
+        to = link - 1;
     }
-    if (nTo < 0 || nTo >= nCount) {
+    if (to < 0 || to >= count) {
         return S_FALSE;
     }
-    SetNumber(*pEnd, nTo + 1);
+    SetNumber(*pEnd, to + 1);
     return S_OK;
 }
 
-STDMETHODIMP CHtmlAccessible::put_accName(VARIANT, BSTR) {
+STDMETHODIMP HtmlAccessible::put_accName(VARIANT, BSTR) {
     return DISP_E_MEMBERNOTFOUND;
 }
-STDMETHODIMP CHtmlAccessible::put_accValue(VARIANT, BSTR) {
+STDMETHODIMP HtmlAccessible::put_accValue(VARIANT, BSTR) {
     return DISP_E_MEMBERNOTFOUND;
 }
 

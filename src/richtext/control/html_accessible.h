@@ -15,13 +15,13 @@
 
 namespace mvp::richtext {
 
-class CHtmlAccessible final : public IAccessible {
+class HtmlAccessible final : public IAccessible {
 public:
     // An action on a link is posted to the window as `nFollowMessage` with the link's number as
     // wParam. The caller holds the first reference. Null when there is no memory.
-    static CHtmlAccessible* Create(HWND hWnd, CHtmlDrawer& drawer, UINT nFollowMessage) noexcept;
-    CHtmlAccessible(const CHtmlAccessible&) = delete;
-    CHtmlAccessible& operator=(const CHtmlAccessible&) = delete;
+    static HtmlAccessible* Create(HWND hWnd, CHtmlDrawer& drawer, UINT nFollowMessage) noexcept;
+    HtmlAccessible(const HtmlAccessible&) = delete;
+    HtmlAccessible& operator=(const HtmlAccessible&) = delete;
 
     void Disconnect() noexcept { m_pDrawer = nullptr; }
 
@@ -61,9 +61,9 @@ public:
     STDMETHOD(put_accValue)(VARIANT child, BSTR strValue) override;
 
 private:
-    CHtmlAccessible(HWND hWnd, CHtmlDrawer& drawer, UINT nFollowMessage) noexcept
+    HtmlAccessible(HWND hWnd, CHtmlDrawer& drawer, UINT nFollowMessage) noexcept
         : m_hWnd(hWnd), m_pDrawer(&drawer), m_nFollowMessage(nFollowMessage) {}
-    ~CHtmlAccessible() = default;
+    ~HtmlAccessible() = default;
 
     // S_OK with the link's number, or kNoLink for the text itself.
     HRESULT Find(const VARIANT& child, int& nLink) const noexcept;

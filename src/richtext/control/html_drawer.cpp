@@ -27,12 +27,12 @@ const CaseMaps& CodePageCaseMaps() {
     static const CaseMaps maps = [] {
         CaseMaps result = kWindows1252CaseMaps;
         for (unsigned n = 0; n < 256; ++n) {
-            char cUpper = static_cast<char>(n);
-            char cLower = cUpper;
-            CharUpperBuffA(&cUpper, 1);
-            CharLowerBuffA(&cLower, 1);
-            result.upper[n] = cUpper;
-            result.lower[n] = cLower;
+            char upper = static_cast<char>(n);
+            char lower = upper;
+            CharUpperBuffA(&upper, 1);
+            CharLowerBuffA(&lower, 1);
+            result.upper[n] = upper;
+            result.lower[n] = lower;
         }
         return result;
     }();
@@ -61,7 +61,7 @@ struct ReportException {
 
 }  // namespace
 
-CHtmlDrawer::CHtmlDrawer(FindResourceModule pfnFind, CShell& shell, ReportFailure pfnReport)
+CHtmlDrawer::CHtmlDrawer(FindResourceModule pfnFind, Shell& shell, ReportFailure pfnReport)
     : m_pictures(pfnFind),
       m_measurer(m_pictures),
       m_text(m_measurer),
@@ -124,8 +124,8 @@ void CHtmlDrawer::SetLinkColors(COLORREF link, COLORREF hover) noexcept {
 void CHtmlDrawer::SetFont(const LOGFONTA& font) noexcept {
     m_font = font;
     m_font.lfFaceName[LF_FACESIZE - 1] = '\0';
-    const int nHeight = HeightOf(font);
-    m_settings.font.nSize = nHeight != 0 ? nHeight : 13;
+    const int height = HeightOf(font);
+    m_settings.font.nSize = height != 0 ? height : 13;
     m_settings.font.nWeight = font.lfWeight != 0 ? std::clamp<int>(font.lfWeight, 1, 1000) : 400;
     m_settings.font.bItalic = font.lfItalic != 0;
     mvp::Guarded([&] { m_measurer.SetBaseFont(m_font); },
@@ -147,9 +147,9 @@ void CHtmlDrawer::SetHoverCallback(HWND hWnd, UINT nMessage, LPARAM lParam) noex
 }
 
 bool CHtmlDrawer::Layout() noexcept {
-    const bool bDone = m_text.Layout(std::max(0, m_nWidth - 2 * static_cast<int>(m_margins.x)));
-    Check(bDone, "CHtmlDrawer::Layout: the text was not laid out");
-    return bDone;
+    const bool done = m_text.Layout(std::max(0, m_nWidth - 2 * static_cast<int>(m_margins.x)));
+    Check(done, "CHtmlDrawer::Layout: the text was not laid out");
+    return done;
 }
 
 void CHtmlDrawer::SetWidth(int nWidth) noexcept {
@@ -174,7 +174,7 @@ void CHtmlDrawer::Draw(HDC hDC, const RECT& area, const RECT& dirty) noexcept {
             const auto number = [](int nLink) {
                 return nLink == kNoLink ? kNone : static_cast<std::uint32_t>(nLink);
             };
-            CPainter painter(hDC, visible, m_measurer, m_pictures);
+            Painter painter(hDC, visible, m_measurer, m_pictures);
             painter.MoveTo({area.left + m_margins.x, area.top + m_margins.y});
             painter.Paint(m_text.Document(), m_text.Boxes(),
                           {number(m_nHover), number(m_nFocus), m_nClock});
@@ -201,20 +201,20 @@ int CHtmlDrawer::LinkAt(POINT point) noexcept {
 RECT CHtmlDrawer::RectOf(std::int32_t nX, std::int32_t nY, std::int32_t nWidth,
                          std::int32_t nHeight) const noexcept {
     const auto at = [](std::int64_t n) { return static_cast<LONG>(HeldCoordinate(n)); };
-    const std::int64_t nLeft = std::int64_t{nX} + m_margins.x;
-    const std::int64_t nTop = std::int64_t{nY} + m_margins.y;
-    return {at(nLeft), at(nTop), at(nLeft + nWidth), at(nTop + nHeight)};
+    const std::int64_t left = std::int64_t{nX} + m_margins.x;
+    const std::int64_t top = std::int64_t{nY} + m_margins.y;
+    return {at(left), at(top), at(left + nWidth), at(top + nHeight)};
 }
 
 std::vector<RECT> CHtmlDrawer::LinkRects(int nLink) {
     Layout();
-    std::vector<RECT> aRects;
+    std::vector<RECT> rects;
     if (IsLink(nLink)) {
         for (const LinkBox& box : LinkBoxes(m_text.Boxes(), static_cast<std::uint32_t>(nLink))) {
-            aRects.push_back(RectOf(box.nX, box.nY, box.nWidth, box.nHeight));
+            rects.push_back(RectOf(box.nX, box.nY, box.nWidth, box.nHeight));
         }
     }
-    return aRects;
+    return rects;
 }
 
 std::string CHtmlDrawer::LinkText(int nLink) {
@@ -240,25 +240,25 @@ std::string CHtmlDrawer::PlainText() {
 
 UINT CHtmlDrawer::AnimationInterval() noexcept {
     Layout();
-    std::int32_t nShortest = 0;
+    std::int32_t shortest = 0;
     for (const ImageAttributes& image : m_text.Document().aImages) {
         if (image.kind == ImageKind::ImageList && image.nSpeed > 0) {
-            nShortest = nShortest == 0 ? image.nSpeed : std::min(nShortest, image.nSpeed);
+            shortest = shortest == 0 ? image.nSpeed : std::min(shortest, image.nSpeed);
         }
     }
-    return static_cast<UINT>(nShortest);
+    return static_cast<UINT>(shortest);
 }
 
 std::vector<RECT> CHtmlDrawer::AnimatedRects() {
     Layout();
-    std::vector<RECT> aRects;
+    std::vector<RECT> rects;
     for (const Fragment& fragment : m_text.Boxes().aFragments) {
         if (fragment.kind == FragmentKind::Image &&
             m_text.Document().aImages[fragment.nOffset].nSpeed > 0) {
-            aRects.push_back(RectOf(fragment.nX, fragment.nY, fragment.nWidth, fragment.nHeight));
+            rects.push_back(RectOf(fragment.nX, fragment.nY, fragment.nWidth, fragment.nHeight));
         }
     }
-    return aRects;
+    return rects;
 }
 
 int CHtmlDrawer::SetHoverLink(int nLink) noexcept {
@@ -286,23 +286,23 @@ void CHtmlDrawer::FollowLink(int nLink) noexcept {
     if (!IsLink(nLink)) {
         return;
     }
-    const ReportFailure pfnReport = m_pfnReport;
+    const ReportFailure reportFunction = m_pfnReport;
     mvp::Guarded(
         [&] {
             const StyledDocument& document = m_text.Document();
             const Link& link = document.aLinks[static_cast<std::size_t>(nLink)];
             // Copies: whoever is told may set another text, or end this object.
             if (link.bMsg) {
-                const std::string strMessage(document.StringOf(link.msg));
+                const std::string message(document.StringOf(link.msg));
                 const Callback callback = m_linkCallback;
                 if (callback.hWnd != nullptr && callback.nMessage != 0) {
                     SendMessageA(callback.hWnd, callback.nMessage,
-                                 reinterpret_cast<WPARAM>(strMessage.c_str()), callback.lParam);
+                                 reinterpret_cast<WPARAM>(message.c_str()), callback.lParam);
                 }
             } else if (link.bHref &&
                        !OpenLinkTarget(m_shell, std::string(document.StringOf(link.href)))) {
-                Report(pfnReport, "CHtmlDrawer::FollowLink: the link was not opened");
+                Report(reportFunction, "CHtmlDrawer::FollowLink: the link was not opened");
             }
         },
-        ReportException{pfnReport, "CHtmlDrawer::FollowLink: exception"});
+        ReportException{reportFunction, "CHtmlDrawer::FollowLink: exception"});
 }

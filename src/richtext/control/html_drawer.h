@@ -29,7 +29,7 @@ public:
 
     // pfnFind is called when a resource is needed and no module is named; null: the program itself.
     explicit CHtmlDrawer(mvp::richtext::FindResourceModule pfnFind = nullptr,
-                         mvp::richtext::CShell& shell = mvp::richtext::SystemShell(),
+                         mvp::richtext::Shell& shell = mvp::richtext::SystemShell(),
                          ReportFailure pfnReport = nullptr);
     CHtmlDrawer(const CHtmlDrawer&) = delete;
     CHtmlDrawer& operator=(const CHtmlDrawer&) = delete;
@@ -96,7 +96,7 @@ public:
     // Does what a click on the link does. The message may end the drawer: touch it no more.
     void FollowLink(int nLink) noexcept;
 
-    const mvp::richtext::CRichText& RichText() const noexcept { return m_text; }
+    const mvp::richtext::RichText& RichText() const noexcept { return m_text; }
 
 private:
     struct Callback {
@@ -112,10 +112,10 @@ private:
     RECT RectOf(std::int32_t nX, std::int32_t nY, std::int32_t nWidth,
                 std::int32_t nHeight) const noexcept;
 
-    mvp::richtext::CPictureStore m_pictures;
-    mvp::richtext::CGdiMeasurer m_measurer;
-    mvp::richtext::CRichText m_text;
-    mvp::richtext::CShell& m_shell;
+    mvp::richtext::PictureStore m_pictures;
+    mvp::richtext::GdiMeasurer m_measurer;
+    mvp::richtext::RichText m_text;
+    mvp::richtext::Shell& m_shell;
     ReportFailure m_pfnReport;
     mvp::richtext::BuildSettings m_settings;
     LOGFONTA m_font{};

@@ -9,7 +9,7 @@
 #include "richtext/control/html_accessible.h"
 #include "services/log.h"
 
-using mvp::richtext::CHtmlAccessible;
+using mvp::richtext::HtmlAccessible;
 
 namespace {
 
@@ -61,12 +61,12 @@ BEGIN_MESSAGE_MAP(CHtmlStatic, CStatic)
     ON_MESSAGE(kFollowMessage, &CHtmlStatic::OnFollow)
 END_MESSAGE_MAP()
 
-void CHtmlStatic::ReleaseAccessible::operator()(CHtmlAccessible* pAccessible) const noexcept {
+void CHtmlStatic::ReleaseAccessible::operator()(HtmlAccessible* pAccessible) const noexcept {
     pAccessible->Disconnect();
     pAccessible->Release();
 }
 
-CHtmlStatic::CHtmlStatic(mvp::richtext::CShell& shell, Clock pfnClock)
+CHtmlStatic::CHtmlStatic(mvp::richtext::Shell& shell, Clock pfnClock)
     : m_drawer(&AfxFindResourceHandle, shell, &LogFailure), m_pfnClock(pfnClock) {}
 
 // While the object is still whole: WM_DESTROY and the last repaints are its own.
@@ -82,20 +82,20 @@ void CHtmlStatic::PreSubclassWindow() {
     CRect client;
     GetClientRect(&client);
     m_drawer.SetWidth(client.Width());
-    CString strText;
-    GetWindowText(strText);
-    TakeText(strText);
+    CString text;
+    GetWindowText(text);
+    TakeText(text);
     TakeFont(reinterpret_cast<HFONT>(SendMessage(WM_GETFONT)));
     UseTextColor();
 }
 
 int CHtmlStatic::OnCreate(LPCREATESTRUCTA pCreate) {
-    const int nResult = CStatic::OnCreate(pCreate);
-    if (nResult == 0 && pCreate->lpszName != nullptr) {
+    const int result = CStatic::OnCreate(pCreate);
+    if (result == 0 && pCreate->lpszName != nullptr) {
         TakeText(pCreate->lpszName);
     }
     UseTextColor();
-    return nResult;
+    return result;
 }
 
 void CHtmlStatic::OnDestroy() {
@@ -127,8 +127,8 @@ void CHtmlStatic::TakeFont(HFONT hFont) {
 }
 
 void CHtmlStatic::UseTextColor() {
-    const bool bEnabled = m_hWnd == nullptr || IsWindowEnabled();
-    m_drawer.SetTextColor(!bEnabled     ? GetSysColor(COLOR_GRAYTEXT)
+    const bool enabled = m_hWnd == nullptr || IsWindowEnabled();
+    m_drawer.SetTextColor(!enabled      ? GetSysColor(COLOR_GRAYTEXT)
                           : m_bOwnColor ? m_textColor
                                         : GetSysColor(COLOR_WINDOWTEXT));
     Repaint();
@@ -157,13 +157,13 @@ void CHtmlStatic::SetStyleSheet(LPCSTR pszSheet) {
 }
 
 void CHtmlStatic::SetLinkText(LinkKind kind, LPCSTR pszTarget, LPCSTR pszText) {
-    CString strMarkup;
+    CString markup;
     if (kind == LinkKind::Msg) {
-        strMarkup.Format("<a msg=\"%s\">%s</a>", pszTarget, pszText);
+        markup.Format("<a msg=\"%s\">%s</a>", pszTarget, pszText);
     } else {
-        strMarkup.Format("<a href=\"%s\">%s</a>", pszTarget, pszText);
+        markup.Format("<a href=\"%s\">%s</a>", pszTarget, pszText);
     }
-    SetWindowText(strMarkup);
+    SetWindowText(markup);
 }
 
 void CHtmlStatic::SetLinkCallback(HWND hWnd, UINT nMessage, LPARAM lParam) {
@@ -178,11 +178,11 @@ void CHtmlStatic::AllowImageList(HIMAGELIST hImageList) {
 
 // The standard control would paint here and now, and in its own way.
 LRESULT CHtmlStatic::OnSetText(WPARAM wParam, LPARAM lParam) {
-    const LRESULT lResult = ::DefWindowProcA(m_hWnd, WM_SETTEXT, wParam, lParam);
+    const LRESULT result = ::DefWindowProcA(m_hWnd, WM_SETTEXT, wParam, lParam);
     TakeText(reinterpret_cast<LPCSTR>(lParam));
     Repaint();
     NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, m_hWnd, OBJID_CLIENT, CHILDID_SELF);
-    return lResult;
+    return result;
 }
 
 // The control keeps the handle, for WM_GETFONT; the text needs the description alone, so that it
@@ -217,26 +217,26 @@ BOOL CHtmlStatic::OnEraseBkgnd(CDC*) {
 
 // The parent draws its background as if it were its own turn, moved to where this window stands.
 void CHtmlStatic::DrawBackground(HDC hDC, const RECT& area) {
-    const HWND hParent = ::GetParent(m_hWnd);
-    const int nSaved = SaveDC(hDC);
-    if (m_nDrawingMode == kTransparent && hParent != nullptr) {
+    const HWND parent = ::GetParent(m_hWnd);
+    const int saved = SaveDC(hDC);
+    if (m_nDrawingMode == kTransparent && parent != nullptr) {
         POINT corner{};
-        ::MapWindowPoints(m_hWnd, hParent, &corner, 1);
+        ::MapWindowPoints(m_hWnd, parent, &corner, 1);
         IntersectClipRect(hDC, area.left, area.top, area.right, area.bottom);
         OffsetViewportOrgEx(hDC, -corner.x, -corner.y, nullptr);
         SetBrushOrgEx(hDC, -corner.x, -corner.y, nullptr);
-        ::SendMessageA(hParent, WM_ERASEBKGND, reinterpret_cast<WPARAM>(hDC), 0);
-        ::SendMessageA(hParent, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(hDC), PRF_CLIENT);
+        ::SendMessageA(parent, WM_ERASEBKGND, reinterpret_cast<WPARAM>(hDC), 0);
+        ::SendMessageA(parent, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(hDC), PRF_CLIENT);
     } else {
-        HBRUSH hBrush = nullptr;
-        if (hParent != nullptr) {
-            hBrush = reinterpret_cast<HBRUSH>(::SendMessageA(hParent, WM_CTLCOLORSTATIC,
-                                                             reinterpret_cast<WPARAM>(hDC),
-                                                             reinterpret_cast<LPARAM>(m_hWnd)));
+        HBRUSH brush = nullptr;
+        if (parent != nullptr) {
+            brush = reinterpret_cast<HBRUSH>(::SendMessageA(parent, WM_CTLCOLORSTATIC,
+                                                            reinterpret_cast<WPARAM>(hDC),
+                                                            reinterpret_cast<LPARAM>(m_hWnd)));
         }
-        FillRect(hDC, &area, hBrush != nullptr ? hBrush : GetSysColorBrush(COLOR_BTNFACE));
+        FillRect(hDC, &area, brush != nullptr ? brush : GetSysColorBrush(COLOR_BTNFACE));
     }
-    RestoreDC(hDC, nSaved);
+    RestoreDC(hDC, saved);
 }
 
 void CHtmlStatic::DrawInto(HDC hDC, const RECT& dirty) {
@@ -253,9 +253,9 @@ void CHtmlStatic::OnPaint() {
     if (IsRectEmpty(&dirty)) {
         return;
     }
-    const int nWidth = dirty.right - dirty.left;
-    const int nHeight = dirty.bottom - dirty.top;
-    const mvp::Bitmap bitmap(CreateCompatibleBitmap(paint.m_hDC, nWidth, nHeight));
+    const int width = dirty.right - dirty.left;
+    const int height = dirty.bottom - dirty.top;
+    const mvp::Bitmap bitmap(CreateCompatibleBitmap(paint.m_hDC, width, height));
     const mvp::MemoryDc buffer(CreateCompatibleDC(paint.m_hDC));
     if (!bitmap || !buffer) {
         DrawInto(paint.m_hDC, dirty);
@@ -264,7 +264,7 @@ void CHtmlStatic::OnPaint() {
     const mvp::DcSelection selection(buffer.get(), bitmap.get());
     SetViewportOrgEx(buffer.get(), -dirty.left, -dirty.top, nullptr);
     DrawInto(buffer.get(), dirty);
-    BitBlt(paint.m_hDC, dirty.left, dirty.top, nWidth, nHeight, buffer.get(), dirty.left, dirty.top,
+    BitBlt(paint.m_hDC, dirty.left, dirty.top, width, height, buffer.get(), dirty.left, dirty.top,
            SRCCOPY);
 }
 
@@ -280,14 +280,14 @@ void CHtmlStatic::StartAnimation() {
     if (m_hWnd == nullptr) {
         return;
     }
-    const UINT nInterval = m_drawer.AnimationInterval();
-    if (nInterval == 0) {
+    const UINT interval = m_drawer.AnimationInterval();
+    if (interval == 0) {
         KillTimer(kAnimationTimer);
         return;
     }
     m_nStarted = m_pfnClock();
     m_drawer.SetClock(0);
-    SetTimer(kAnimationTimer, std::max(nInterval, kShortestAnimation));
+    SetTimer(kAnimationTimer, std::max(interval, kShortestAnimation));
 }
 
 void CHtmlStatic::OnTimer(UINT_PTR nIDEvent) {
@@ -310,19 +310,19 @@ void CHtmlStatic::RepaintLink(int nLink) {
 
 // A static text lets the mouse through to its parent; its links must not.
 LRESULT CHtmlStatic::OnNcHitTest(CPoint point) {
-    const LRESULT lResult = CStatic::OnNcHitTest(point);
-    return lResult == HTTRANSPARENT && m_drawer.LinkCount() > 0 ? HTCLIENT : lResult;
+    const LRESULT result = CStatic::OnNcHitTest(point);
+    return result == HTTRANSPARENT && m_drawer.LinkCount() > 0 ? HTCLIENT : result;
 }
 
 BOOL CHtmlStatic::OnSetCursor(CWnd* pWnd, UINT nHitTest, UINT nMessage) {
     POINT point{};
-    int nLink = kNoLink;
+    int link = kNoLink;
     if (nHitTest == HTCLIENT && GetCursorPos(&point)) {
         ScreenToClient(&point);
-        nLink = m_drawer.LinkAt(point);
+        link = m_drawer.LinkAt(point);
     }
-    m_drawer.Track(nLink);
-    if (nLink == kNoLink) {
+    m_drawer.Track(link);
+    if (link == kNoLink) {
         return CStatic::OnSetCursor(pWnd, nHitTest, nMessage);
     }
     TRACKMOUSEEVENT track = {sizeof track, TME_LEAVE, m_hWnd, 0};
@@ -336,9 +336,9 @@ void CHtmlStatic::OnMouseLeave() {
 }
 
 LRESULT CHtmlStatic::OnHover(WPARAM wParam, LPARAM) {
-    const int nBefore = m_drawer.SetHoverLink(static_cast<int>(wParam));
-    if (nBefore != m_drawer.HoverLink()) {
-        RepaintLink(nBefore);
+    const int before = m_drawer.SetHoverLink(static_cast<int>(wParam));
+    if (before != m_drawer.HoverLink()) {
+        RepaintLink(before);
         RepaintLink(m_drawer.HoverLink());
     }
     return 0;
@@ -358,14 +358,14 @@ void CHtmlStatic::OnLButtonDown(UINT nFlags, CPoint point) {
 }
 
 void CHtmlStatic::OnLButtonUp(UINT nFlags, CPoint point) {
-    const int nPressed = m_nPressed;
-    if (nPressed == kNoLink) {
+    const int pressed = m_nPressed;
+    if (pressed == kNoLink) {
         CStatic::OnLButtonUp(nFlags, point);
         return;
     }
     ReleaseCapture();  // and with it the press
-    if (m_drawer.LinkAt(point) == nPressed) {
-        m_drawer.FollowLink(nPressed);  // last: it may end this control
+    if (m_drawer.LinkAt(point) == pressed) {
+        m_drawer.FollowLink(pressed);  // last: it may end this control
     }
 }
 
@@ -382,17 +382,17 @@ LRESULT CHtmlStatic::OnFollow(WPARAM wParam, LPARAM) {
 }
 
 int CHtmlStatic::NextLink(int nFrom, int nDirection) {
-    const int nCount = m_drawer.LinkCount();
-    int nLink = nFrom == kNoLink && nDirection < 0 ? nCount - 1 : nFrom + nDirection;
-    while (nLink >= 0 && nLink < nCount && m_drawer.LinkRects(nLink).empty()) {
-        nLink += nDirection;
+    const int count = m_drawer.LinkCount();
+    int link = nFrom == kNoLink && nDirection < 0 ? count - 1 : nFrom + nDirection;
+    while (link >= 0 && link < count && m_drawer.LinkRects(link).empty()) {
+        link += nDirection;
     }
-    return nLink >= 0 && nLink < nCount ? nLink : kNoLink;
+    return link >= 0 && link < count ? link : kNoLink;
 }
 
 void CHtmlStatic::MoveFocus(int nLink) {
-    const int nBefore = m_drawer.SetFocusLink(nLink);
-    RepaintLink(nBefore);
+    const int before = m_drawer.SetFocusLink(nLink);
+    RepaintLink(before);
     RepaintLink(m_drawer.FocusLink());
     if (::GetFocus() == m_hWnd && nLink != kNoLink) {
         NotifyWinEvent(EVENT_OBJECT_FOCUS, m_hWnd, OBJID_CLIENT, nLink + 1);
@@ -402,8 +402,8 @@ void CHtmlStatic::MoveFocus(int nLink) {
 void CHtmlStatic::OnSetFocus(CWnd* pOldWnd) {
     CStatic::OnSetFocus(pOldWnd);
     if (m_drawer.FocusLink() == kNoLink) {
-        const bool bBackwards = IsDown(VK_TAB) && IsDown(VK_SHIFT);
-        MoveFocus(NextLink(kNoLink, bBackwards ? -1 : 1));
+        const bool backwards = IsDown(VK_TAB) && IsDown(VK_SHIFT);
+        MoveFocus(NextLink(kNoLink, backwards ? -1 : 1));
     }
 }
 
@@ -414,27 +414,27 @@ void CHtmlStatic::OnKillFocus(CWnd* pNewWnd) {
 
 // The dialog keeps the keys that mean nothing here: Tab behind the last link, Enter without one.
 LRESULT CHtmlStatic::OnGetDlgCode(WPARAM, LPARAM lParam) {
-    const LRESULT lResult = Default();
-    const auto* pMsg = reinterpret_cast<const MSG*>(lParam);
-    if (pMsg == nullptr || m_drawer.FocusLink() == kNoLink ||
-        (pMsg->message != WM_KEYDOWN && pMsg->message != WM_CHAR)) {
-        return lResult;
+    const LRESULT result = Default();
+    const auto* message = reinterpret_cast<const MSG*>(lParam);
+    if (message == nullptr || m_drawer.FocusLink() == kNoLink ||
+        (message->message != WM_KEYDOWN && message->message != WM_CHAR)) {
+        return result;
     }
-    const bool bTakes = pMsg->wParam == VK_RETURN || pMsg->wParam == VK_SPACE ||
-                        (pMsg->wParam == VK_TAB &&
-                         NextLink(m_drawer.FocusLink(), IsDown(VK_SHIFT) ? -1 : 1) != kNoLink);
-    return bTakes ? lResult | DLGC_WANTMESSAGE : lResult;
+    const bool takes = message->wParam == VK_RETURN || message->wParam == VK_SPACE ||
+                       (message->wParam == VK_TAB &&
+                        NextLink(m_drawer.FocusLink(), IsDown(VK_SHIFT) ? -1 : 1) != kNoLink);
+    return takes ? result | DLGC_WANTMESSAGE : result;
 }
 
 void CHtmlStatic::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
-    const int nLink = m_drawer.FocusLink();
+    const int link = m_drawer.FocusLink();
     if (nChar == VK_TAB) {
-        const int nNext = NextLink(nLink, IsDown(VK_SHIFT) ? -1 : 1);
-        if (nNext != kNoLink) {
-            MoveFocus(nNext);
+        const int next = NextLink(link, IsDown(VK_SHIFT) ? -1 : 1);
+        if (next != kNoLink) {
+            MoveFocus(next);
         }
-    } else if ((nChar == VK_RETURN || nChar == VK_SPACE) && nLink != kNoLink) {
-        m_drawer.FollowLink(nLink);  // last: it may end this control
+    } else if ((nChar == VK_RETURN || nChar == VK_SPACE) && link != kNoLink) {
+        m_drawer.FollowLink(link);  // last: it may end this control
     } else {
         CStatic::OnKeyDown(nChar, nRepCnt, nFlags);
     }
@@ -445,7 +445,7 @@ LRESULT CHtmlStatic::OnGetObject(WPARAM wParam, LPARAM lParam) {
         return Default();
     }
     if (!m_pAccessible) {
-        m_pAccessible.reset(CHtmlAccessible::Create(m_hWnd, m_drawer, kFollowMessage));
+        m_pAccessible.reset(HtmlAccessible::Create(m_hWnd, m_drawer, kFollowMessage));
     }
     return m_pAccessible ? mvp::richtext::AnswerGetObject(wParam, m_pAccessible.get()) : Default();
 }

@@ -19,16 +19,15 @@
 #include "richtext/control/html_drawer.h"
 
 namespace mvp::richtext {
-class CHtmlAccessible;
+class HtmlAccessible;
 }
 
 class CHtmlStatic : public CStatic {
 public:
     // What is painted behind the text.
-    enum DrawingMode : int {
-        kOpaque = 0,      // what the parent answers to WM_CTLCOLORSTATIC, or the dialog's colour
-        kTransparent = 1  // the parent's own background
-    };
+    // what the parent answers to WM_CTLCOLORSTATIC, or the dialog's colour
+    static constexpr int kOpaque = 0;
+    static constexpr int kTransparent = 1;  // the parent's own background
     enum class LinkKind { Msg, Href };
 
     // Sent to the control itself when the link under the mouse changes: wParam is the link's
@@ -39,7 +38,7 @@ public:
     using Clock = DWORD(WINAPI*)();
 
     // Both must outlive the control. The clock moves the images of animated lists.
-    explicit CHtmlStatic(mvp::richtext::CShell& shell = mvp::richtext::SystemShell(),
+    explicit CHtmlStatic(mvp::richtext::Shell& shell = mvp::richtext::SystemShell(),
                          Clock pfnClock = &GetTickCount);
     ~CHtmlStatic() override;
 
@@ -90,7 +89,7 @@ protected:
 
 private:
     struct ReleaseAccessible {
-        void operator()(mvp::richtext::CHtmlAccessible* pAccessible) const noexcept;
+        void operator()(mvp::richtext::HtmlAccessible* pAccessible) const noexcept;
     };
 
     void TakeText(LPCSTR pszText);
@@ -106,7 +105,7 @@ private:
     void Repaint();
 
     CHtmlDrawer m_drawer;
-    std::unique_ptr<mvp::richtext::CHtmlAccessible, ReleaseAccessible> m_pAccessible;
+    std::unique_ptr<mvp::richtext::HtmlAccessible, ReleaseAccessible> m_pAccessible;
     int m_nDrawingMode = kOpaque;
     bool m_bOwnColor = false;
     COLORREF m_textColor = 0;

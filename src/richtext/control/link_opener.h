@@ -7,12 +7,12 @@
 namespace mvp::richtext {
 
 // The calls to the system, so that a test can record them instead.
-class CShell {
+class Shell {
 public:
-    CShell() = default;
-    CShell(const CShell&) = delete;
-    CShell& operator=(const CShell&) = delete;
-    virtual ~CShell() = default;
+    Shell() = default;
+    Shell(const Shell&) = delete;
+    Shell& operator=(const Shell&) = delete;
+    virtual ~Shell() = default;
 
     // The verb "open", shown normally. Above 32 on success, like the system's own call.
     virtual long long Open(const std::string& strTarget) = 0;
@@ -22,9 +22,9 @@ public:
     virtual bool Start(const std::string& strCommandLine) = 0;
 };
 
-CShell& SystemShell();
+Shell& SystemShell();
 
 // False when neither of them could.
-bool OpenLinkTarget(CShell& shell, const std::string& strTarget);
+bool OpenLinkTarget(Shell& shell, const std::string& strTarget);
 
 }  // namespace mvp::richtext

@@ -30,16 +30,16 @@ std::int32_t HeldExtent(std::int32_t nSize) {
     return std::clamp(nSize, 0, kMaxExtent);
 }
 
-StyledDocument BuildDocument(std::string_view text, const CStyleSheet& sheet,
+StyledDocument BuildDocument(std::string_view text, const StyleSheet& sheet,
                              const BuildSettings& settings) {
     StyledDocument document;
-    CDocumentBuilder builder(text.substr(0, kMaxTextLength), sheet, settings, document);
+    DocumentBuilder builder(text.substr(0, kMaxTextLength), sheet, settings, document);
     builder.Run();
     return document;
 }
 
-CDocumentBuilder::CDocumentBuilder(std::string_view text, const CStyleSheet& sheet,
-                                   const BuildSettings& settings, StyledDocument& document)
+DocumentBuilder::DocumentBuilder(std::string_view text, const StyleSheet& sheet,
+                                 const BuildSettings& settings, StyledDocument& document)
     : m_reader(text),
       m_sheet(sheet),
       m_settings(settings),
@@ -54,7 +54,7 @@ CDocumentBuilder::CDocumentBuilder(std::string_view text, const CStyleSheet& she
     m_aElements.emplace_back().bScope = true;
 }
 
-void CDocumentBuilder::Run() {
+void DocumentBuilder::Run() {
     for (MarkupEvent event = m_reader.Next(); event.kind != MarkupEvent::Kind::End;
          event = m_reader.Next()) {
         switch (event.kind) {
@@ -79,11 +79,11 @@ void CDocumentBuilder::Run() {
     m_document.styles.Seal();
 }
 
-void CDocumentBuilder::AddItem(ItemKind kind, std::uint32_t nOffset) {
+void DocumentBuilder::AddItem(ItemKind kind, std::uint32_t nOffset) {
     m_document.aItems.push_back({nOffset, 0, Top().nStyle, Top().nLink, kind});
 }
 
-TextRef CDocumentBuilder::Store(std::string_view text) {
+TextRef DocumentBuilder::Store(std::string_view text) {
     const TextRef ref{static_cast<std::uint32_t>(m_document.strStrings.size()),
                       static_cast<std::uint32_t>(text.size())};
     m_document.strStrings.append(text);
@@ -92,56 +92,56 @@ TextRef CDocumentBuilder::Store(std::string_view text) {
 
 // --- text -------------------------------------------------------------------------------------
 
-void CDocumentBuilder::AddText(std::string_view text) {
+void DocumentBuilder::AddText(std::string_view text) {
     if (BetweenCells()) {
         if (IsBlank(text)) {
             return;
         }
         EnsureCell();
     }
-    const std::size_t nFrom = m_document.strText.size();
+    const std::size_t from = m_document.strText.size();
     AppendText(text);
-    const auto nAdded = static_cast<std::uint32_t>(m_document.strText.size() - nFrom);
-    if (nAdded == 0) {
+    const auto added = static_cast<std::uint32_t>(m_document.strText.size() - from);
+    if (added == 0) {
         return;
     }
     const Element& top = Top();
     if (const TextTransform transform = m_document.styles[top.nStyle].transform;
         transform != TextTransform::None) {
-        Transform(nFrom, transform);
+        Transform(from, transform);
     }
     m_bWordStart = !IsInWord(m_document.strText.back(), *m_settings.pCaseMaps);
-    const auto nOffset = static_cast<std::uint32_t>(nFrom);
+    const auto offset = static_cast<std::uint32_t>(from);
     if (!m_document.aItems.empty()) {
         Item& last = m_document.aItems.back();
         if (last.kind == ItemKind::Text && last.nStyle == top.nStyle && last.nLink == top.nLink) {
-            last.nLength += nAdded;  // text is only ever appended, so the two adjoin
+            last.nLength += added;  // text is only ever appended, so the two adjoin
             return;
         }
     }
-    m_document.aItems.push_back({nOffset, nAdded, top.nStyle, top.nLink, ItemKind::Text});
+    m_document.aItems.push_back({offset, added, top.nStyle, top.nLink, ItemKind::Text});
 }
 
 // Appends with every stretch of white space made one space, and none after a space or at the
 // beginning of a line.
-void CDocumentBuilder::AppendText(std::string_view text) {
-    std::string& strText = m_document.strText;
+void DocumentBuilder::AppendText(std::string_view text) {
+    std::string& content = m_document.strText;
     const char* p = text.data();
-    const char* const pEnd = p + text.size();
-    while (p != pEnd) {
-        const char* pWord = p;
-        while (p != pEnd && !IsSpace(*p)) {
+    const char* const end = p + text.size();
+    while (p != end) {
+        const char* word = p;
+        while (p != end && !IsSpace(*p)) {
             ++p;
         }
-        if (p != pWord) {
+        if (p != word) {
             // A single space behind a word is copied with it.
-            const bool bSpace = p != pEnd && *p == ' ';
-            p += bSpace ? 1 : 0;
-            strText.append(pWord, p);
-            m_bCollapse = bSpace;
+            const bool space = p != end && *p == ' ';
+            p += space ? 1 : 0;
+            content.append(word, p);
+            m_bCollapse = space;
         } else {
             if (!m_bCollapse) {
-                strText.push_back(' ');
+                content.push_back(' ');
                 m_bCollapse = true;
             }
             ++p;
@@ -149,23 +149,23 @@ void CDocumentBuilder::AppendText(std::string_view text) {
     }
 }
 
-void CDocumentBuilder::Transform(std::size_t nFrom, TextTransform transform) {
-    std::string& strText = m_document.strText;
+void DocumentBuilder::Transform(std::size_t nFrom, TextTransform transform) {
+    std::string& text = m_document.strText;
     const CaseMaps& maps = *m_settings.pCaseMaps;
-    for (std::size_t i = nFrom; i < strText.size(); ++i) {
-        const unsigned char c = Byte(strText[i]);
+    for (std::size_t i = nFrom; i < text.size(); ++i) {
+        const unsigned char c = Byte(text[i]);
         if (transform == TextTransform::Lowercase) {
-            strText[i] = maps.lower[c];
+            text[i] = maps.lower[c];
             continue;
         }
         if (transform == TextTransform::Uppercase || m_bWordStart) {
-            strText[i] = maps.upper[c];
+            text[i] = maps.upper[c];
         }
-        m_bWordStart = !IsInWord(strText[i], maps);
+        m_bWordStart = !IsInWord(text[i], maps);
     }
 }
 
-void CDocumentBuilder::AddBreak(bool bCharacter) {
+void DocumentBuilder::AddBreak(bool bCharacter) {
     if (BetweenCells()) {
         if (bCharacter) {
             return;
@@ -177,7 +177,7 @@ void CDocumentBuilder::AddBreak(bool bCharacter) {
     m_bWordStart = true;
 }
 
-void CDocumentBuilder::AddTab(bool bCharacter) {
+void DocumentBuilder::AddTab(bool bCharacter) {
     if (BetweenCells()) {
         if (bCharacter) {
             return;
@@ -191,7 +191,7 @@ void CDocumentBuilder::AddTab(bool bCharacter) {
 
 // --- elements ---------------------------------------------------------------------------------
 
-void CDocumentBuilder::OpenTag(const MarkupEvent& event) {
+void DocumentBuilder::OpenTag(const MarkupEvent& event) {
     const TagKind kind = InfoOf(event.tag).kind;
     switch (kind) {
         case TagKind::Break:
@@ -226,7 +226,7 @@ void CDocumentBuilder::OpenTag(const MarkupEvent& event) {
     }
 }
 
-void CDocumentBuilder::CloseTag(TagId tag) {
+void DocumentBuilder::CloseTag(TagId tag) {
     switch (tag) {
         case TagId::Table:
             CloseTable();
@@ -240,30 +240,30 @@ void CDocumentBuilder::CloseTag(TagId tag) {
         default:
             break;
     }
-    if (const std::uint32_t nElement = m_aLast[static_cast<std::size_t>(tag)];
-        nElement != kNone && nElement > m_nScope) {
-        CloseElement(nElement);
+    if (const std::uint32_t element = m_aLast[static_cast<std::size_t>(tag)];
+        element != kNone && element > m_nScope) {
+        CloseElement(element);
     }
 }
 
-void CDocumentBuilder::OpenElement(TagId tag) {
-    const CAttributes& attributes = m_reader.Attributes();
-    const bool bLink =
+void DocumentBuilder::OpenElement(TagId tag) {
+    const TagAttributes& attributes = m_reader.Attributes();
+    const bool link =
         tag == TagId::A && (attributes.Has(AttributeId::Href) || attributes.Has(AttributeId::Msg));
     if (tag == TagId::A) {
         CloseTag(tag);  // links do not nest
     }
     Element element;
     element.tag = tag;
-    element.change = m_elementStyles.ChangeOf(tag, attributes, bLink);
-    element.nLink = bLink ? AddLink() : Top().nLink;
+    element.change = m_elementStyles.ChangeOf(tag, attributes, link);
+    element.nLink = link ? AddLink() : Top().nLink;
     element.nStyle = m_elementStyles.StyleOf(Top().nStyle, element.change);
     PushElement(element);
     EndLineAt(tag);
 }
 
 // At both ends of an alignment tag the line ends.
-void CDocumentBuilder::EndLineAt(TagId tag) {
+void DocumentBuilder::EndLineAt(TagId tag) {
     const TagKind kind = InfoOf(tag).kind;
     if (kind >= TagKind::Left && kind <= TagKind::Justify && !BetweenCells()) {
         AddItem(ItemKind::Paragraph);
@@ -272,8 +272,8 @@ void CDocumentBuilder::EndLineAt(TagId tag) {
     }
 }
 
-std::uint32_t CDocumentBuilder::AddLink() {
-    const CAttributes& attributes = m_reader.Attributes();
+std::uint32_t DocumentBuilder::AddLink() {
+    const TagAttributes& attributes = m_reader.Attributes();
     Link link;
     link.bHref = attributes.Has(AttributeId::Href);
     link.bMsg = attributes.Has(AttributeId::Msg);
@@ -283,13 +283,13 @@ std::uint32_t CDocumentBuilder::AddLink() {
     return static_cast<std::uint32_t>(m_document.aLinks.size() - 1);
 }
 
-void CDocumentBuilder::PushElement(const Element& element) {
+void DocumentBuilder::PushElement(const Element& element) {
     m_aElements.push_back(element);
     Element& pushed = m_aElements.back();
     if (!pushed.bScope) {
-        std::uint32_t& nLast = m_aLast[static_cast<std::size_t>(pushed.tag)];
-        pushed.nPrevious = nLast;
-        nLast = static_cast<std::uint32_t>(m_aElements.size() - 1);
+        std::uint32_t& last = m_aLast[static_cast<std::size_t>(pushed.tag)];
+        pushed.nPrevious = last;
+        last = static_cast<std::uint32_t>(m_aElements.size() - 1);
         pushed.bBox =
             m_document.styles[pushed.nStyle].nBox != 0 && m_nBoxes < kMaxBoxes && !BetweenCells();
         if (pushed.bBox) {
@@ -299,7 +299,7 @@ void CDocumentBuilder::PushElement(const Element& element) {
     }
 }
 
-void CDocumentBuilder::PopElement() {
+void DocumentBuilder::PopElement() {
     const Element& top = Top();
     if (!top.bScope) {
         m_aLast[static_cast<std::size_t>(top.tag)] = top.nPrevious;
@@ -311,7 +311,7 @@ void CDocumentBuilder::PopElement() {
     m_aElements.pop_back();
 }
 
-void CDocumentBuilder::PopTo(std::size_t nSize) {
+void DocumentBuilder::PopTo(std::size_t nSize) {
     while (m_aElements.size() > nSize) {
         const Element top = Top();
         PopElement();
@@ -322,24 +322,24 @@ void CDocumentBuilder::PopTo(std::size_t nSize) {
     }
 }
 
-void CDocumentBuilder::CloseElement(std::size_t nElement) {
-    std::array<Element, kMaxReopened> aReopen;
-    const std::size_t nInside = m_aElements.size() - 1 - nElement;
-    if (nInside > kMaxReopened) {
+void DocumentBuilder::CloseElement(std::size_t nElement) {
+    std::array<Element, kMaxReopened> reopen;
+    const std::size_t inside = m_aElements.size() - 1 - nElement;
+    if (inside > kMaxReopened) {
         PopTo(nElement);
         return;
     }
-    for (std::size_t i = 0; i < nInside; ++i) {
-        aReopen[i] = Top();
+    for (std::size_t i = 0; i < inside; ++i) {
+        reopen[i] = Top();
         PopElement();
     }
     PopTo(nElement);
-    for (std::size_t i = nInside; i-- > 0;) {
-        ReopenElement(aReopen[i]);
+    for (std::size_t i = inside; i-- > 0;) {
+        ReopenElement(reopen[i]);
     }
 }
 
-void CDocumentBuilder::ReopenElement(Element element) {
+void DocumentBuilder::ReopenElement(Element element) {
     // What belonged to a closed link belongs to none now; a link of its own goes on.
     if (element.tag != TagId::A) {
         element.nLink = Top().nLink;

@@ -1,4 +1,4 @@
-// The second stage: resolves the style of every run. Reads the events of a CMarkupReader, keeps a
+// The second stage: resolves the style of every run. Reads the events of a MarkupReader, keeps a
 // stack of the open elements, and writes a StyledDocument.
 //
 //     BuildSettings settings{.pMeasurer = &measurer, .font = {"Tahoma", 13}};
@@ -26,7 +26,7 @@
 namespace mvp::richtext {
 
 struct BuildSettings {
-    CTextMeasurer* pMeasurer = nullptr;  // required; outlives the call
+    TextMeasurer* pMeasurer = nullptr;  // required; outlives the call
     FontDescription font{{}, 13, 400, false};
     Colour colour = 0;
     SystemColours system = DefaultSystemColours();
@@ -41,7 +41,7 @@ constexpr std::int32_t kMaxRowSpan = 65534;
 // Longer texts are cut off here.
 constexpr std::size_t kMaxTextLength = std::size_t{64} << 20;
 
-StyledDocument BuildDocument(std::string_view text, const CStyleSheet& sheet,
+StyledDocument BuildDocument(std::string_view text, const StyleSheet& sheet,
                              const BuildSettings& settings);
 
 }  // namespace mvp::richtext

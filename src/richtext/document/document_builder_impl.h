@@ -11,10 +11,10 @@
 
 namespace mvp::richtext {
 
-class CDocumentBuilder {
+class DocumentBuilder {
 public:
-    CDocumentBuilder(std::string_view text, const CStyleSheet& sheet, const BuildSettings& settings,
-                     StyledDocument& document);
+    DocumentBuilder(std::string_view text, const StyleSheet& sheet, const BuildSettings& settings,
+                    StyledDocument& document);
     void Run();
 
 private:
@@ -25,7 +25,7 @@ private:
         std::uint32_t nStyle = 0;
         std::uint32_t nLink = kNone;
         std::uint32_t nPrevious = kNone;  // the open element of the same tag before this one
-        CElementStyles::Change change;
+        ElementStyles::Change change;
     };
     // What a table or a row says for those of its cells that do not say it themselves.
     struct CellDefaults {
@@ -76,41 +76,41 @@ private:
     void AddImage(TagId tag);
     void AddRule();
     void AddString();
-    std::int32_t LengthOf(const CAttributes& attributes, AttributeId attribute,
+    std::int32_t LengthOf(const TagAttributes& attributes, AttributeId attribute,
                           std::int32_t nDefault) const;
 
     // Tables.
     bool InTable() const { return !m_aTables.empty(); }
     bool BetweenCells() const { return InTable() && m_aTables.back().nCell == kNone; }
     void OpenTable();
-    void OpenRow(const CAttributes& attributes);
-    void OpenCell(const CAttributes& attributes);
+    void OpenRow(const TagAttributes& attributes);
+    void OpenCell(const TagAttributes& attributes);
     void CloseCell();
     void CloseRow();
     void CloseTable();
     void EnsureCell();
     void PushScope(const Element& scope);
     std::uint32_t BlockStyle(const StyleDelta& delta, std::optional<TextAlign> align);
-    TableAttributes ReadTable(const CAttributes& attributes, const StyleDelta& delta);
+    TableAttributes ReadTable(const TagAttributes& attributes, const StyleDelta& delta);
     CellDefaults DefaultsOf(const StyleDelta& delta, CellDefaults defaults) const;
-    CellAttributes ReadCell(const CAttributes& attributes, const StyleDelta& delta,
+    CellAttributes ReadCell(const TagAttributes& attributes, const StyleDelta& delta,
                             const TableState& state);
-    Edges BorderOf(const CAttributes& attributes, const StyleDelta& delta,
+    Edges BorderOf(const TagAttributes& attributes, const StyleDelta& delta,
                    std::int32_t nDefault) const;
     Edges EdgesOf(const std::optional<EdgeLengths>& lengths, Edges otherwise) const;
     // nStyle: of the text inside. pCell: what holds for the cell; null for a table.
-    std::uint32_t AddDecoration(const CAttributes& attributes, const StyleDelta& delta,
+    std::uint32_t AddDecoration(const TagAttributes& attributes, const StyleDelta& delta,
                                 const Edges& border, std::uint32_t nStyle,
                                 const CellDefaults* pCell);
-    void ReadFilling(const CAttributes& attributes, const StyleDelta& delta,
+    void ReadFilling(const TagAttributes& attributes, const StyleDelta& delta,
                      Decoration& decoration);
 
-    CMarkupReader m_reader;
-    const CStyleSheet& m_sheet;
+    MarkupReader m_reader;
+    const StyleSheet& m_sheet;
     const BuildSettings& m_settings;
     StyledDocument& m_document;
-    CScratchMemory<6144> m_scratch;
-    CElementStyles m_elementStyles;
+    ScratchMemory<6144> m_scratch;
+    ElementStyles m_elementStyles;
     std::pmr::vector<Element> m_aElements;
     std::array<std::uint32_t, kTagCount> m_aLast;  // innermost open element of each tag
     std::size_t m_nScope = 0;                      // the innermost scope on the stack

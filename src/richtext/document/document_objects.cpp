@@ -44,15 +44,15 @@ void Complete(ImageAttributes& wanted, bool bWidth, bool bHeight, ImageSize natu
 
 }  // namespace
 
-std::int32_t CDocumentBuilder::LengthOf(const CAttributes& attributes, AttributeId attribute,
-                                        std::int32_t nDefault) const {
+std::int32_t DocumentBuilder::LengthOf(const TagAttributes& attributes, AttributeId attribute,
+                                       std::int32_t nDefault) const {
     return LengthOr(attributes.Get(attribute), nDefault, LengthUse::Size,
                     m_document.styles.ContextOf(Top().nStyle));
 }
 
 // An image or a string has no closing tag, but a class may align or frame it: it is an element for
 // as long as its item. The caller pops it.
-void CDocumentBuilder::PushLeaf(TagId tag) {
+void DocumentBuilder::PushLeaf(TagId tag) {
     Element element;
     element.tag = tag;
     element.change = m_elementStyles.ChangeOf(tag, m_reader.Attributes(), false);
@@ -61,11 +61,11 @@ void CDocumentBuilder::PushLeaf(TagId tag) {
     PushElement(element);
 }
 
-void CDocumentBuilder::AddImage(TagId tag) {
+void DocumentBuilder::AddImage(TagId tag) {
     if (BetweenCells()) {
         EnsureCell();
     }
-    const CAttributes& attributes = m_reader.Attributes();
+    const TagAttributes& attributes = m_reader.Attributes();
     ImageDescription description;
     description.kind = ImageKindOf(tag);
     description.idres = attributes.Get(AttributeId::IdRes);
@@ -107,12 +107,12 @@ void CDocumentBuilder::AddImage(TagId tag) {
     m_bWordStart = true;
 }
 
-void CDocumentBuilder::AddRule() {
+void DocumentBuilder::AddRule() {
     if (BetweenCells()) {
         EnsureCell();
     }
-    const CAttributes& attributes = m_reader.Attributes();
-    const CElementStyles::Change change = m_elementStyles.ChangeOf(TagId::Hr, attributes, false);
+    const TagAttributes& attributes = m_reader.Attributes();
+    const ElementStyles::Change change = m_elementStyles.ChangeOf(TagId::Hr, attributes, false);
     const StyleDelta& delta = m_elementStyles.DeltaOf(change.nNormal);
     m_document.aRules.push_back({ReadLength(attributes.Get(AttributeId::Width)),
                                  delta.colour.has_value() ? delta.colour : delta.background,
@@ -125,21 +125,21 @@ void CDocumentBuilder::AddRule() {
 }
 
 // The resource's text is text: markup in it has no meaning, so it cannot open anything either.
-void CDocumentBuilder::AddString() {
-    const CAttributes& attributes = m_reader.Attributes();
-    std::string strText;
+void DocumentBuilder::AddString() {
+    const TagAttributes& attributes = m_reader.Attributes();
+    std::string text;
     const std::string_view module = attributes.Get(
         attributes.Has(AttributeId::IdDll) ? AttributeId::IdDll : AttributeId::SrcDll);
-    const std::size_t nLeft = kMaxResourceBytes - m_nResourceBytes;
-    if (nLeft != 0 &&
-        m_settings.pMeasurer->StringResource(attributes.Get(AttributeId::IdRes), module, strText)) {
-        strText.resize(std::min(strText.size(), nLeft));
-        m_nResourceBytes += strText.size();
+    const std::size_t left = kMaxResourceBytes - m_nResourceBytes;
+    if (left != 0 &&
+        m_settings.pMeasurer->StringResource(attributes.Get(AttributeId::IdRes), module, text)) {
+        text.resize(std::min(text.size(), left));
+        m_nResourceBytes += text.size();
         if (BetweenCells()) {
             EnsureCell();
         }
         PushLeaf(TagId::String);
-        AddText(strText);
+        AddText(text);
         PopTo(m_aElements.size() - 1);
     }
 }

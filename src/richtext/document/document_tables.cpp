@@ -11,13 +11,13 @@ constexpr int kWindowColour = 5;  // system colour indices
 constexpr int kButtonShadowColour = 16;
 constexpr int kButtonHighlightColour = 20;
 
-constexpr CAttributes kNoAttributes;
+constexpr TagAttributes kNoAttributes;
 
 // A column or row span as HTML clamps it: at least 1.
 std::int32_t ReadSpan(std::string_view value, std::int32_t nMost) {
-    std::int32_t nSpan = 1;
-    ReadCNumber(value, nSpan);
-    return std::clamp(nSpan, 1, nMost);
+    std::int32_t span = 1;
+    ReadCNumber(value, span);
+    return std::clamp(span, 1, nMost);
 }
 
 // A width that is given and not zero.
@@ -28,8 +28,8 @@ std::optional<Length> ReadWidth(std::string_view value) {
 
 Colour Midpoint(Colour a, Colour b) {
     Colour middle = 0;
-    for (unsigned nShift = 0; nShift < 24; nShift += 8) {
-        middle |= (((a >> nShift & 0xFF) + (b >> nShift & 0xFF)) / 2) << nShift;
+    for (unsigned shift = 0; shift < 24; shift += 8) {
+        middle |= (((a >> shift & 0xFF) + (b >> shift & 0xFF)) / 2) << shift;
     }
     return middle;
 }
@@ -49,16 +49,15 @@ ComputedStyle ResetForBlock(ComputedStyle style) {
 
 }  // namespace
 
-void CDocumentBuilder::PushScope(const Element& scope) {
+void DocumentBuilder::PushScope(const Element& scope) {
     m_nScope = m_aElements.size();
     PushElement(scope);
 }
 
 // The style of the text in a table or a cell; its box, background and vertical alignment are the
 // block's, not the text's.
-std::uint32_t CDocumentBuilder::BlockStyle(const StyleDelta& delta,
-                                           std::optional<TextAlign> align) {
-    CStyleTable& styles = m_document.styles;
+std::uint32_t DocumentBuilder::BlockStyle(const StyleDelta& delta, std::optional<TextAlign> align) {
+    StyleTable& styles = m_document.styles;
     const auto inner = [&](const ComputedStyle& outer) {
         ComputedStyle style = styles.Derive(ResetForBlock(outer), delta);
         style.background = kNoColour;
@@ -77,11 +76,11 @@ std::uint32_t CDocumentBuilder::BlockStyle(const StyleDelta& delta,
     return styles.Intern(style);
 }
 
-void CDocumentBuilder::OpenTable() {
+void DocumentBuilder::OpenTable() {
     if (BetweenCells()) {
         CloseTable();
     }
-    const CAttributes& attributes = m_reader.Attributes();
+    const TagAttributes& attributes = m_reader.Attributes();
     Element scope;
     scope.tag = TagId::Table;
     scope.bScope = true;
@@ -108,7 +107,7 @@ void CDocumentBuilder::OpenTable() {
     m_aTables.push_back(state);
 }
 
-void CDocumentBuilder::OpenRow(const CAttributes& attributes) {
+void DocumentBuilder::OpenRow(const TagAttributes& attributes) {
     if (!InTable()) {
         return;
     }
@@ -132,7 +131,7 @@ void CDocumentBuilder::OpenRow(const CAttributes& attributes) {
     AddItem(ItemKind::RowOpen);
 }
 
-void CDocumentBuilder::OpenCell(const CAttributes& attributes) {
+void DocumentBuilder::OpenCell(const TagAttributes& attributes) {
     if (!InTable()) {
         return;
     }
@@ -168,11 +167,11 @@ void CDocumentBuilder::OpenCell(const CAttributes& attributes) {
     m_bWordStart = true;
 }
 
-void CDocumentBuilder::EnsureCell() {
+void DocumentBuilder::EnsureCell() {
     OpenCell(kNoAttributes);
 }
 
-void CDocumentBuilder::CloseCell() {
+void DocumentBuilder::CloseCell() {
     if (!InTable() || m_aTables.back().nCell == kNone) {
         return;
     }
@@ -185,7 +184,7 @@ void CDocumentBuilder::CloseCell() {
     m_bCollapse = true;
 }
 
-void CDocumentBuilder::CloseRow() {
+void DocumentBuilder::CloseRow() {
     CloseCell();
     if (!InTable() || !m_aTables.back().bInRow) {
         return;
@@ -196,7 +195,7 @@ void CDocumentBuilder::CloseRow() {
     PopTo(state.nRowElement);
 }
 
-void CDocumentBuilder::CloseTable() {
+void DocumentBuilder::CloseTable() {
     if (!InTable()) {
         return;
     }
@@ -212,15 +211,15 @@ void CDocumentBuilder::CloseTable() {
 }
 
 // What a style says of the cells in its table or row, over what holds already.
-CDocumentBuilder::CellDefaults CDocumentBuilder::DefaultsOf(const StyleDelta& delta,
-                                                            CellDefaults defaults) const {
+DocumentBuilder::CellDefaults DocumentBuilder::DefaultsOf(const StyleDelta& delta,
+                                                          CellDefaults defaults) const {
     defaults.padding = EdgesOf(delta.padding, defaults.padding);
     defaults.verticalAlign = delta.verticalAlign.value_or(defaults.verticalAlign);
     defaults.background = delta.background.value_or(kNoColour);
     return defaults;
 }
 
-Edges CDocumentBuilder::EdgesOf(const std::optional<EdgeLengths>& lengths, Edges otherwise) const {
+Edges DocumentBuilder::EdgesOf(const std::optional<EdgeLengths>& lengths, Edges otherwise) const {
     Edges edges = otherwise;
     if (lengths.has_value()) {
         const LengthContext context = m_document.styles.ContextOf(Top().nStyle);
@@ -233,8 +232,8 @@ Edges CDocumentBuilder::EdgesOf(const std::optional<EdgeLengths>& lengths, Edges
 
 // The style sheet before the attributes, and those before the default. A border needs a style, from
 // either of them; a width in the attributes is one of a solid border.
-Edges CDocumentBuilder::BorderOf(const CAttributes& attributes, const StyleDelta& delta,
-                                 std::int32_t nDefault) const {
+Edges DocumentBuilder::BorderOf(const TagAttributes& attributes, const StyleDelta& delta,
+                                std::int32_t nDefault) const {
     constexpr std::int32_t kMediumBorder = 3;
     const auto attributeStyle = ReadBorderStyle(attributes.Get(AttributeId::BorderStyle));
     const auto style = delta.borderStyle.has_value() ? delta.borderStyle : attributeStyle;
@@ -243,8 +242,8 @@ Edges CDocumentBuilder::BorderOf(const CAttributes& attributes, const StyleDelta
     }
     if (attributes.Has(AttributeId::Border)) {
         // The bare attribute asks for a border of one pixel.
-        const bool bBare = Trim(attributes.Get(AttributeId::Border)).empty();
-        nDefault = bBare ? 1 : LengthOf(attributes, AttributeId::Border, nDefault);
+        const bool bare = Trim(attributes.Get(AttributeId::Border)).empty();
+        nDefault = bare ? 1 : LengthOf(attributes, AttributeId::Border, nDefault);
     } else if (delta.borderStyle.has_value()) {
         nDefault = kMediumBorder;
     }
@@ -253,8 +252,8 @@ Edges CDocumentBuilder::BorderOf(const CAttributes& attributes, const StyleDelta
     return style.has_value() || nDefault > 0 ? EdgesOf(delta.borderWidth, border) : border;
 }
 
-TableAttributes CDocumentBuilder::ReadTable(const CAttributes& attributes,
-                                            const StyleDelta& delta) {
+TableAttributes DocumentBuilder::ReadTable(const TagAttributes& attributes,
+                                           const StyleDelta& delta) {
     TableAttributes table;
     table.nStyle = BlockStyle(delta, std::nullopt);
     table.width = ReadWidth(attributes.Get(AttributeId::Width));
@@ -272,8 +271,8 @@ TableAttributes CDocumentBuilder::ReadTable(const CAttributes& attributes,
     table.nDecoration = AddDecoration(attributes, delta, table.border, table.nStyle, nullptr);
 
     TextAlign align = TextAlign::Left;
-    if (const std::uint32_t nOuter = m_document.styles[Top().nStyle].nBlockAlign; nOuter != 0) {
-        align = static_cast<TextAlign>(nOuter - 1);
+    if (const std::uint32_t outer = m_document.styles[Top().nStyle].nBlockAlign; outer != 0) {
+        align = static_cast<TextAlign>(outer - 1);
     }
     if (attributes.Has(AttributeId::Align)) {
         align = ReadTextAlign(attributes.Get(AttributeId::Align)).value_or(align);
@@ -284,8 +283,8 @@ TableAttributes CDocumentBuilder::ReadTable(const CAttributes& attributes,
     return table;
 }
 
-CellAttributes CDocumentBuilder::ReadCell(const CAttributes& attributes, const StyleDelta& delta,
-                                          const TableState& state) {
+CellAttributes DocumentBuilder::ReadCell(const TagAttributes& attributes, const StyleDelta& delta,
+                                         const TableState& state) {
     CellAttributes cell;
     cell.nStyle = BlockStyle(delta, attributes.Has(AttributeId::Align)
                                         ? ReadTextAlign(attributes.Get(AttributeId::Align))
@@ -299,14 +298,13 @@ CellAttributes CDocumentBuilder::ReadCell(const CAttributes& attributes, const S
         cell.nHeight = HeldExtent(LengthOf(attributes, AttributeId::Height, 0));
     }
     cell.padding = state.rowDefaults.padding;
-    for (std::int32_t& nPadding : cell.padding) {
-        nPadding =
-            std::clamp(LengthOf(attributes, AttributeId::CellPadding, nPadding), 0, kMaxEdge);
+    for (std::int32_t& padding : cell.padding) {
+        padding = std::clamp(LengthOf(attributes, AttributeId::CellPadding, padding), 0, kMaxEdge);
     }
     cell.padding = EdgesOf(delta.padding, cell.padding);
     const Edges& outer = m_document.aTables[state.nTable].border;
-    const bool bOuterBorder = std::any_of(outer.begin(), outer.end(), [](int n) { return n != 0; });
-    cell.border = BorderOf(attributes, delta, bOuterBorder ? 1 : 0);
+    const bool outerBorder = std::any_of(outer.begin(), outer.end(), [](int n) { return n != 0; });
+    cell.border = BorderOf(attributes, delta, outerBorder ? 1 : 0);
     cell.nDecoration =
         AddDecoration(attributes, delta, cell.border, cell.nStyle, &state.rowDefaults);
     cell.verticalAlign = state.rowDefaults.verticalAlign;
@@ -319,30 +317,30 @@ CellAttributes CDocumentBuilder::ReadCell(const CAttributes& attributes, const S
     return cell;
 }
 
-void CDocumentBuilder::ReadFilling(const CAttributes& attributes, const StyleDelta& delta,
-                                   Decoration& decoration) {
+void DocumentBuilder::ReadFilling(const TagAttributes& attributes, const StyleDelta& delta,
+                                  Decoration& decoration) {
     const SystemColours& system = m_settings.system;
     const auto start = delta.background.has_value()
                            ? delta.background
                            : ReadPropertyColour(attributes.Get(AttributeId::BgColor), system);
-    const bool bFilled = start.value_or(kNoColour) != kNoColour;
+    const bool filled = start.value_or(kNoColour) != kNoColour;
     decoration.effect =
         ReadBackgroundEffect(attributes.Get(AttributeId::BgEffect),
                              m_document.styles.ContextOf(Top().nStyle))
-            .value_or(bFilled ? BackgroundEffect::Solid : BackgroundEffect::Transparent);
+            .value_or(filled ? BackgroundEffect::Solid : BackgroundEffect::Transparent);
     if (decoration.effect == BackgroundEffect::Transparent) {
         return;
     }
-    decoration.start = bFilled ? *start : system.aColour[kWindowColour];
+    decoration.start = filled ? *start : system.aColour[kWindowColour];
     decoration.end =
         ReadColour(attributes.Get(AttributeId::BgEndColor), system).value_or(decoration.start);
     decoration.middle = ReadColour(attributes.Get(AttributeId::BgMidColor), system)
                             .value_or(Midpoint(decoration.start, decoration.end));
 }
 
-std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
-                                              const StyleDelta& delta, const Edges& border,
-                                              std::uint32_t nStyle, const CellDefaults* pCell) {
+std::uint32_t DocumentBuilder::AddDecoration(const TagAttributes& attributes,
+                                             const StyleDelta& delta, const Edges& border,
+                                             std::uint32_t nStyle, const CellDefaults* pCell) {
     Decoration decoration;
     ReadFilling(attributes, delta, decoration);
     // A row is seen in its cells, and not between them.
@@ -352,8 +350,8 @@ std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
         decoration.start = decoration.middle = decoration.end = pCell->background;
     }
     decoration.background = Store(Trim(attributes.Get(AttributeId::Background)));
-    const bool bBorder = std::any_of(border.begin(), border.end(), [](int n) { return n != 0; });
-    if (decoration.effect == BackgroundEffect::Transparent && !bBorder &&
+    const bool hasBorder = std::any_of(border.begin(), border.end(), [](int n) { return n != 0; });
+    if (decoration.effect == BackgroundEffect::Transparent && !hasBorder &&
         decoration.background.nLength == 0) {
         return 0;
     }
@@ -365,15 +363,15 @@ std::uint32_t CDocumentBuilder::AddDecoration(const CAttributes& attributes,
     const auto style = delta.borderStyle.has_value()
                            ? delta.borderStyle
                            : ReadBorderStyle(attributes.Get(AttributeId::BorderStyle));
-    decoration.borderStyle = bBorder ? style.value_or(BorderStyle::Solid) : BorderStyle::None;
+    decoration.borderStyle = hasBorder ? style.value_or(BorderStyle::Solid) : BorderStyle::None;
     decoration.borderColour = delta.borderColour.value_or(
         colour(AttributeId::BorderColor, m_document.styles[nStyle].colour));
     // Like the tables of old: raised, with the cells sunk into it, unless colour or style say
     // otherwise.
-    const bool bTwoTone = attributes.Has(AttributeId::BorderColorLight) ||
-                          attributes.Has(AttributeId::BorderColorDark);
-    decoration.bBevel = bBorder && (bTwoTone || (!style.has_value() && !delta.borderColour &&
-                                                 !attributes.Has(AttributeId::BorderColor)));
+    const bool twoTone = attributes.Has(AttributeId::BorderColorLight) ||
+                         attributes.Has(AttributeId::BorderColorDark);
+    decoration.bBevel = hasBorder && (twoTone || (!style.has_value() && !delta.borderColour &&
+                                                  !attributes.Has(AttributeId::BorderColor)));
     decoration.bSunken = decoration.bBevel && pCell != nullptr;
     decoration.borderLight =
         colour(AttributeId::BorderColorLight, system.aColour[kButtonHighlightColour]);

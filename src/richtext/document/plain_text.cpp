@@ -33,21 +33,21 @@ void Separate(std::string& strText, char cSeparator) {
 }
 
 std::string Collect(const StyledDocument& document, std::uint32_t nLink) {
-    std::string strText;
+    std::string text;
     for (const Item& item : document.aItems) {
         if (nLink != kNone && item.nLink != nLink) {
             continue;
         }
         if (item.kind == ItemKind::Text) {
-            strText += document.TextOf(item);
-        } else if (const char cSeparator = SeparatorOf(item.kind); cSeparator != '\0') {
-            Separate(strText, cSeparator);
+            text += document.TextOf(item);
+        } else if (const char separator = SeparatorOf(item.kind); separator != '\0') {
+            Separate(text, separator);
         }
     }
-    while (!strText.empty() && (strText.back() == ' ' || strText.back() == '\n')) {
-        strText.pop_back();
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\n')) {
+        text.pop_back();
     }
-    return strText;
+    return text;
 }
 
 }  // namespace

@@ -10,12 +10,12 @@
 namespace mvp::richtext {
 
 template <std::size_t nBytes>
-class CScratchMemory {
+class ScratchMemory {
 public:
-    CScratchMemory() = default;
-    CScratchMemory(const CScratchMemory&) = delete;
-    CScratchMemory& operator=(const CScratchMemory&) = delete;
-    ~CScratchMemory() = default;
+    ScratchMemory() = default;
+    ScratchMemory(const ScratchMemory&) = delete;
+    ScratchMemory& operator=(const ScratchMemory&) = delete;
+    ~ScratchMemory() = default;
 
     std::pmr::memory_resource* Resource() { return &m_resource; }
 

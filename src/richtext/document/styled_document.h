@@ -127,7 +127,7 @@ struct StyledDocument {
     std::vector<TableAttributes> aTables;
     std::vector<CellAttributes> aCells;
     std::vector<Decoration> aDecorations;
-    CStyleTable styles;
+    StyleTable styles;
 
     std::string_view TextOf(const Item& item) const {
         return std::string_view(strText).substr(item.nOffset, item.nLength);

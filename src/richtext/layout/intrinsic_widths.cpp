@@ -5,9 +5,9 @@
 namespace mvp::richtext {
 namespace {
 
-class CIntrinsicWidths {
+class IntrinsicWidths {
 public:
-    CIntrinsicWidths(const StyledDocument& document, CTextMeasurer& measurer)
+    IntrinsicWidths(const StyledDocument& document, TextMeasurer& measurer)
         : m_document(document), m_measurer(measurer) {
         m_measures.aCells.resize(document.aCells.size());
         m_measures.aTables.resize(document.aTables.size());
@@ -53,22 +53,22 @@ private:
     Content& Top() { return m_aContents.back(); }
 
     const StyledDocument& m_document;
-    CTextMeasurer& m_measurer;
+    TextMeasurer& m_measurer;
     DocumentMeasures m_measures;
     std::vector<Content> m_aContents;
     std::vector<OpenTable> m_aTables;
     // Of the open tables: an inner one's stand behind those of the table around it, and go with it.
     std::vector<ClosedCell> m_aClosed;
     std::vector<ColumnCell> m_aWidths;
-    CTableGrid m_grid;
+    TableGrid m_grid;
 };
 
-void CIntrinsicWidths::Visit(const Item& item) {
+void IntrinsicWidths::Visit(const Item& item) {
     // Text outside of tables has no part in this.
     if (m_aTables.empty() && item.kind != ItemKind::TableOpen) {
         return;
     }
-    const CStyleTable& styles = m_document.styles;
+    const StyleTable& styles = m_document.styles;
     switch (item.kind) {
         case ItemKind::Text:
             AddText(item);
@@ -79,8 +79,8 @@ void CIntrinsicWidths::Visit(const Item& item) {
             break;
         case ItemKind::Tab: {
             EndWord();
-            const std::int64_t nTab = TabDistance(styles.FontOf(item.nStyle));
-            Top().nLine = (Top().nLine / nTab + 1) * nTab;
+            const std::int64_t tab = TabDistance(styles.FontOf(item.nStyle));
+            Top().nLine = (Top().nLine / tab + 1) * tab;
             Top().bLine = true;
             break;
         }
@@ -98,11 +98,11 @@ void CIntrinsicWidths::Visit(const Item& item) {
             break;
         case ItemKind::Rule: {
             const auto& width = m_document.aRules[item.nOffset].width;
-            const bool bGiven = width.has_value() && width->unit != LengthUnit::Percent;
-            const std::int32_t nWidth =
-                bGiven ? ResolveLength(*width, 0, LengthUse::Size, styles.ContextOf(item.nStyle))
-                       : 0;
-            AddBlock(std::clamp(nWidth, 0, kMaxExtent), std::clamp(nWidth, 0, kMaxExtent));
+            const bool given = width.has_value() && width->unit != LengthUnit::Percent;
+            const std::int32_t innerWidth =
+                given ? ResolveLength(*width, 0, LengthUse::Size, styles.ContextOf(item.nStyle))
+                      : 0;
+            AddBlock(std::clamp(innerWidth, 0, kMaxExtent), std::clamp(innerWidth, 0, kMaxExtent));
             break;
         }
         case ItemKind::TableOpen:
@@ -123,13 +123,13 @@ void CIntrinsicWidths::Visit(const Item& item) {
     }
 }
 
-void CIntrinsicWidths::AddText(const Item& item) {
+void IntrinsicWidths::AddText(const Item& item) {
     const Font& font = m_document.styles.FontOf(item.nStyle);
     const std::string_view text = m_document.TextOf(item);
     const char* p = text.data();
-    const char* const pEnd = p + text.size();
+    const char* const end = p + text.size();
     Content& content = Top();
-    while (p != pEnd) {
+    while (p != end) {
         if (*p == ' ') {
             EndWord();
             content.nSpace = font.nSpaceWidth;
@@ -139,19 +139,19 @@ void CIntrinsicWidths::AddText(const Item& item) {
         if (content.state.bHyphen && ClassOf(*p) == BreakClass::Letter) {
             EndWord();
         }
-        bool bBreak = false;
-        const char* const pPiece = p;
-        p = EndOfPiece(p, pEnd, content.state, bBreak);
+        bool breaks = false;
+        const char* const piece = p;
+        p = EndOfPiece(p, end, content.state, breaks);
         content.nWord += std::max(
-            0, m_measurer.TextWidth(font.handle, {pPiece, static_cast<std::size_t>(p - pPiece)}));
+            0, m_measurer.TextWidth(font.handle, {piece, static_cast<std::size_t>(p - piece)}));
         content.bWord = true;
-        if (bBreak) {
+        if (breaks) {
             EndWord();
         }
     }
 }
 
-void CIntrinsicWidths::EndWord() {
+void IntrinsicWidths::EndWord() {
     Content& content = Top();
     if (content.bWord) {
         content.nMin = std::max(content.nMin, content.nWord);
@@ -164,7 +164,7 @@ void CIntrinsicWidths::EndWord() {
     content.state = {};
 }
 
-void CIntrinsicWidths::EndLine() {
+void IntrinsicWidths::EndLine() {
     EndWord();
     Content& content = Top();
     content.nMax = std::max(content.nMax, content.nLine);
@@ -173,20 +173,20 @@ void CIntrinsicWidths::EndLine() {
     content.bLine = false;
 }
 
-void CIntrinsicWidths::AddBlock(std::int64_t nMin, std::int64_t nMax) {
+void IntrinsicWidths::AddBlock(std::int64_t nMin, std::int64_t nMax) {
     EndLine();
     Top().nMin = std::max(Top().nMin, nMin);
     Top().nMax = std::max(Top().nMax, nMax);
 }
 
-void CIntrinsicWidths::CloseCell(std::uint32_t nCell) {
+void IntrinsicWidths::CloseCell(std::uint32_t nCell) {
     EndLine();
     const Content content = Top();
     m_aContents.pop_back();
     const CellAttributes& wanted = m_document.aCells[nCell];
-    const std::int64_t nInsets = CellInsets(wanted);
-    const auto outer = [&](std::int64_t nWidth) {
-        return ToFixed(std::min(nWidth + nInsets, kMaxCellWidth));
+    const std::int64_t insets = CellInsets(wanted);
+    const auto outer = [&](std::int64_t innerWidth) {
+        return ToFixed(std::min(innerWidth + insets, kMaxCellWidth));
     };
     ColumnCell widths;
     widths.nMin = outer(content.nMin);
@@ -194,9 +194,9 @@ void CIntrinsicWidths::CloseCell(std::uint32_t nCell) {
     if (wanted.width.has_value() && wanted.width->unit == LengthUnit::Percent) {
         widths.nPercent = std::min(wanted.width->nValue, 100);
     } else if (wanted.width.has_value()) {
-        const std::int32_t nWidth = ResolveLength(*wanted.width, 0, LengthUse::Size,
-                                                  m_document.styles.ContextOf(wanted.nStyle));
-        widths.nMax = std::max(widths.nMin, outer(std::clamp(nWidth, 0, kMaxExtent)));
+        const std::int32_t innerWidth = ResolveLength(*wanted.width, 0, LengthUse::Size,
+                                                      m_document.styles.ContextOf(wanted.nStyle));
+        widths.nMax = std::max(widths.nMin, outer(std::clamp(innerWidth, 0, kMaxExtent)));
         widths.bFixed = true;
     }
     m_aWidths.push_back(widths);
@@ -204,11 +204,11 @@ void CIntrinsicWidths::CloseCell(std::uint32_t nCell) {
 }
 
 // Finds the places of the table's cells.
-void CIntrinsicWidths::PlaceCells(const OpenTable& table) {
+void IntrinsicWidths::PlaceCells(const OpenTable& table) {
     m_grid.Clear();
-    std::uint32_t nRow = 0;
+    std::uint32_t row = 0;
     const auto beginRows = [&](std::uint32_t nUpTo) {
-        for (; nRow < nUpTo; ++nRow) {
+        for (; row < nUpTo; ++row) {
             m_grid.BeginRow();
         }
     };
@@ -227,7 +227,7 @@ void CIntrinsicWidths::PlaceCells(const OpenTable& table) {
     }
 }
 
-void CIntrinsicWidths::CloseTable(std::uint32_t nTable) {
+void IntrinsicWidths::CloseTable(std::uint32_t nTable) {
     const OpenTable table = m_aTables.back();
     m_aTables.pop_back();
     PlaceCells(table);
@@ -243,17 +243,17 @@ void CIntrinsicWidths::CloseTable(std::uint32_t nTable) {
     m_aClosed.resize(table.nFirstCell);
     m_aWidths.resize(table.nFirstCell);
     const ColumnTotals totals = TotalOf(columns);
-    const Fixed nInsets = ToFixed(TableInsets(wanted, measure.nColumns));
-    measure.nMinWidth = totals.nMin + nInsets;
-    measure.nMaxWidth = totals.nMax + nInsets;
+    const Fixed insets = ToFixed(TableInsets(wanted, measure.nColumns));
+    measure.nMinWidth = totals.nMin + insets;
+    measure.nMaxWidth = totals.nMax + insets;
     if (m_aTables.empty()) {
         return;
     }
-    const std::int64_t nMargins = wanted.margin[kLeft] + wanted.margin[kRight];
-    const auto pixels = [&](Fixed n) { return FloorPixels(n + kFixedOne - 1) + nMargins; };
-    if (const std::int64_t nGiven = GivenWidth(wanted, m_document); nGiven >= 0) {
-        const Fixed nWidth = std::max(measure.nMinWidth, ToFixed(nGiven));
-        AddBlock(pixels(nWidth), pixels(nWidth));
+    const std::int64_t margins = wanted.margin[kLeft] + wanted.margin[kRight];
+    const auto pixels = [&](Fixed n) { return FloorPixels(n + kFixedOne - 1) + margins; };
+    if (const std::int64_t given = GivenWidth(wanted, m_document); given >= 0) {
+        const Fixed innerWidth = std::max(measure.nMinWidth, ToFixed(given));
+        AddBlock(pixels(innerWidth), pixels(innerWidth));
     } else {
         AddBlock(pixels(measure.nMinWidth), pixels(measure.nMaxWidth));
     }
@@ -262,8 +262,8 @@ void CIntrinsicWidths::CloseTable(std::uint32_t nTable) {
 }  // namespace
 
 std::int64_t TableInsets(const TableAttributes& table, std::uint32_t nColumns) {
-    const std::int64_t nSpacings = nColumns != 0 ? std::int64_t{nColumns} + 1 : 0;
-    return table.border[kLeft] + table.border[kRight] + table.nCellSpacing * nSpacings;
+    const std::int64_t spacings = nColumns != 0 ? std::int64_t{nColumns} + 1 : 0;
+    return table.border[kLeft] + table.border[kRight] + table.nCellSpacing * spacings;
 }
 
 std::int32_t CellInsets(const CellAttributes& cell) {
@@ -284,8 +284,8 @@ std::int64_t TabDistance(const Font& font) {
     return std::max<std::int64_t>(1, kSpacesPerTab * font.nSpaceWidth);
 }
 
-DocumentMeasures MeasureDocument(const StyledDocument& document, CTextMeasurer& measurer) {
-    return CIntrinsicWidths(document, measurer).Run();
+DocumentMeasures MeasureDocument(const StyledDocument& document, TextMeasurer& measurer) {
+    return IntrinsicWidths(document, measurer).Run();
 }
 
 }  // namespace mvp::richtext

@@ -36,7 +36,7 @@ std::int32_t CellInsets(const CellAttributes& cell);
 // A table whose width is given in pixels, or -1.
 std::int64_t GivenWidth(const TableAttributes& table, const StyledDocument& document);
 
-DocumentMeasures MeasureDocument(const StyledDocument& document, CTextMeasurer& measurer);
+DocumentMeasures MeasureDocument(const StyledDocument& document, TextMeasurer& measurer);
 
 // The distance of tab stops: eight spaces.
 std::int64_t TabDistance(const Font& font);

@@ -12,9 +12,9 @@ namespace {
 
 constexpr std::int32_t kMaxWidth = 100'000;
 
-class CLayout {
+class DocumentLayout {
 public:
-    CLayout(const StyledDocument& document, CTextMeasurer& measurer, std::int32_t nWidth);
+    DocumentLayout(const StyledDocument& document, TextMeasurer& measurer, std::int32_t nWidth);
     LayoutBoxes Run();
 
 private:
@@ -38,8 +38,8 @@ private:
     const StyledDocument& m_document;
     LayoutBoxes m_boxes;
     DocumentMeasures m_measures;
-    CScratchMemory<2048> m_scratch;
-    CLineBuilder m_lines;
+    ScratchMemory<2048> m_scratch;
+    LineBuilder m_lines;
     std::pmr::vector<Flow> m_aFlows;  // the line builder points at the last one
     std::vector<OpenTable> m_aTables;
     // Of the open tables: an inner one's stand behind those of the table around it, and go with it.
@@ -52,7 +52,8 @@ private:
     std::vector<std::int64_t> m_aRowTop;
 };
 
-CLayout::CLayout(const StyledDocument& document, CTextMeasurer& measurer, std::int32_t nWidth)
+DocumentLayout::DocumentLayout(const StyledDocument& document, TextMeasurer& measurer,
+                               std::int32_t nWidth)
     : m_document(document),
       m_lines(document, measurer, m_boxes, m_scratch.Resource()),
       m_aFlows(m_scratch.Resource()) {
@@ -67,7 +68,7 @@ CLayout::CLayout(const StyledDocument& document, CTextMeasurer& measurer, std::i
     m_lines.SetFlow(flow);
 }
 
-LayoutBoxes CLayout::Run() {
+LayoutBoxes DocumentLayout::Run() {
     for (const Item& item : m_document.aItems) {
         Visit(item);
     }
@@ -79,7 +80,7 @@ LayoutBoxes CLayout::Run() {
     return std::move(m_boxes);
 }
 
-void CLayout::Visit(const Item& item) {
+void DocumentLayout::Visit(const Item& item) {
     switch (item.kind) {
         case ItemKind::Text:
             m_lines.AddText(item);
@@ -124,23 +125,23 @@ void CLayout::Visit(const Item& item) {
 
 // --- tables -----------------------------------------------------------------------------------
 
-void CLayout::BeginTable(std::uint32_t nTable) {
+void DocumentLayout::BeginTable(std::uint32_t nTable) {
     m_lines.EndParagraph();
     Flow& flow = m_aFlows.back();
     const TableAttributes& wanted = m_document.aTables[nTable];
     const TableMeasure& measure = m_measures.aTables[nTable];
-    const Fixed nAvailable =
+    const Fixed available =
         std::max<Fixed>(0, flow.nWidth - ToFixed(wanted.margin[kLeft] + wanted.margin[kRight]));
-    Fixed nWidth = std::min(measure.nMaxWidth, std::max(nAvailable, measure.nMinWidth));
-    if (const std::int64_t nGiven = GivenWidth(wanted, m_document); nGiven >= 0) {
-        nWidth = std::max(measure.nMinWidth, ToFixed(nGiven));
+    Fixed width = std::min(measure.nMaxWidth, std::max(available, measure.nMinWidth));
+    if (const std::int64_t given = GivenWidth(wanted, m_document); given >= 0) {
+        width = std::max(measure.nMinWidth, ToFixed(given));
     } else if (wanted.width.has_value()) {
-        const std::int64_t nPercent = std::min(wanted.width->nValue, 1000);
-        nWidth = std::max(measure.nMinWidth, nAvailable * nPercent / 100);
+        const std::int64_t percent = std::min(wanted.width->nValue, 1000);
+        width = std::max(measure.nMinWidth, available * percent / 100);
     }
-    Fixed nX = flow.nX + ToFixed(wanted.margin[kLeft]);
-    if (const Fixed nRoom = nAvailable - nWidth; nRoom > 0 && wanted.align != BlockAlign::Left) {
-        nX += wanted.align == BlockAlign::Center ? nRoom / 2 : nRoom;
+    Fixed x = flow.nX + ToFixed(wanted.margin[kLeft]);
+    if (const Fixed room = available - width; room > 0 && wanted.align != BlockAlign::Left) {
+        x += wanted.align == BlockAlign::Center ? room / 2 : room;
     }
     OpenTable& table = m_aTables.emplace_back();
     table.nTable = nTable;
@@ -148,129 +149,129 @@ void CLayout::BeginTable(std::uint32_t nTable) {
     table.nFirstColumn = m_aColumnX.size();
     table.nFirstCell = m_aRowCells.size();
     BlockBox& block = m_boxes.aBlocks.emplace_back();
-    block.nX = HeldCoordinate(RoundPixels(nX));
-    block.nWidth = HeldCoordinate(RoundPixels(nX + nWidth) - block.nX);
+    block.nX = HeldCoordinate(RoundPixels(x));
+    block.nWidth = HeldCoordinate(RoundPixels(x + width) - block.nX);
     block.nY = HeldCoordinate(flow.nY + wanted.margin[kTop]);
     block.nDecoration = wanted.nDecoration;
     block.nIndex = nTable;
     block.nParent = flow.nBlock;
-    PlaceColumns(table, nX, nWidth);
+    PlaceColumns(table, x, width);
 }
 
 // Spacing stands in front of each column and behind the last.
-void CLayout::PlaceColumns(const OpenTable& table, Fixed nX, Fixed nWidth) {
+void DocumentLayout::PlaceColumns(const OpenTable& table, Fixed nX, Fixed nWidth) {
     const TableAttributes& wanted = m_document.aTables[table.nTable];
     const TableMeasure& measure = m_measures.aTables[table.nTable];
     const auto columns =
         std::span(m_measures.aColumns).subspan(measure.nFirstColumn, measure.nColumns);
     m_aWidths.resize(columns.size());
     ShareWidth(columns, nWidth - ToFixed(TableInsets(wanted, measure.nColumns)), m_aWidths);
-    Fixed nAt = nX + ToFixed(wanted.border[kLeft] + wanted.nCellSpacing);
-    for (const Fixed nColumn : m_aWidths) {
-        m_aColumnX.push_back(nAt);
-        nAt += nColumn + ToFixed(wanted.nCellSpacing);
+    Fixed at = nX + ToFixed(wanted.border[kLeft] + wanted.nCellSpacing);
+    for (const Fixed column : m_aWidths) {
+        m_aColumnX.push_back(at);
+        at += column + ToFixed(wanted.nCellSpacing);
     }
-    m_aColumnX.push_back(nAt);
+    m_aColumnX.push_back(at);
 }
 
-void CLayout::BeginCell(std::uint32_t nCell) {
+void DocumentLayout::BeginCell(std::uint32_t nCell) {
     const OpenTable& table = m_aTables.back();
     const TableAttributes& wantedTable = m_document.aTables[table.nTable];
     const CellAttributes& wanted = m_document.aCells[nCell];
     const GridCell& grid = m_measures.aCells[nCell];
-    const Fixed* const pColumnX = m_aColumnX.data() + table.nFirstColumn;
-    const Fixed nX = pColumnX[grid.nColumn];
-    const Fixed nEnd = pColumnX[grid.nColumn + grid.nColSpan] - ToFixed(wantedTable.nCellSpacing);
+    const Fixed* const columnX = m_aColumnX.data() + table.nFirstColumn;
+    const Fixed x = columnX[grid.nColumn];
+    const Fixed end = columnX[grid.nColumn + grid.nColSpan] - ToFixed(wantedTable.nCellSpacing);
     m_aCellBlocks.push_back(static_cast<std::uint32_t>(m_boxes.aBlocks.size()));
     m_aRowCells.emplace_back();
     BlockBox& block = m_boxes.aBlocks.emplace_back();
     block.bCell = true;
-    block.nX = HeldCoordinate(RoundPixels(nX));
-    block.nWidth = HeldCoordinate(RoundPixels(nEnd) - block.nX);
+    block.nX = HeldCoordinate(RoundPixels(x));
+    block.nWidth = HeldCoordinate(RoundPixels(end) - block.nX);
     block.nDecoration = wanted.nDecoration;
     block.nIndex = nCell;
     block.nParent = table.nBlock;
 
     Flow flow;
-    flow.nX = nX + ToFixed(wanted.border[kLeft] + wanted.padding[kLeft]);
-    flow.nWidth = std::max<Fixed>(0, nEnd - nX - ToFixed(CellInsets(wanted)));
+    flow.nX = x + ToFixed(wanted.border[kLeft] + wanted.padding[kLeft]);
+    flow.nWidth = std::max<Fixed>(0, end - x - ToFixed(CellInsets(wanted)));
     flow.nBlock = m_aCellBlocks.back();
     flow.nStyle = wanted.nStyle;
     flow.nOuterBoxes = m_lines.OpenBoxes();
     m_lines.SetFlow(m_aFlows.emplace_back(flow));
 }
 
-void CLayout::EndCell(std::uint32_t nCell) {
+void DocumentLayout::EndCell(std::uint32_t nCell) {
     m_lines.EndParagraph();
     const Flow flow = m_aFlows.back();
     m_aFlows.pop_back();
     m_lines.SetFlow(m_aFlows.back());
     const CellAttributes& wanted = m_document.aCells[nCell];
     const GridCell& grid = m_measures.aCells[nCell];
-    const std::int64_t nTop = wanted.border[kTop] + wanted.padding[kTop];
+    const std::int64_t top = wanted.border[kTop] + wanted.padding[kTop];
     RowCell& cell = m_aRowCells.back();
     cell.nRow = static_cast<std::uint32_t>(grid.nRow);
     cell.nSpan = static_cast<std::uint32_t>(grid.nRowSpan);
-    cell.nHeight = std::max<std::int64_t>(flow.nY, wanted.nHeight) + nTop + wanted.border[kBottom] +
+    cell.nHeight = std::max<std::int64_t>(flow.nY, wanted.nHeight) + top + wanted.border[kBottom] +
                    wanted.padding[kBottom];
     cell.bFixed = wanted.nHeight != 0;
     if (wanted.verticalAlign == VerticalAlign::Baseline && flow.nFirstBaseline >= 0) {
-        cell.nBaseline = nTop + flow.nFirstBaseline;
+        cell.nBaseline = top + flow.nFirstBaseline;
     }
     // Until the rows are known: how high the content itself is.
     m_boxes.aBlocks[m_aCellBlocks.back()].nContentY = HeldCoordinate(flow.nY);
 }
 
 // The cell's place in its row is known; its content stands in it as its alignment says.
-void CLayout::PlaceContent(BlockBox& block, const RowCell& cell, const Row& row) const {
+void DocumentLayout::PlaceContent(BlockBox& block, const RowCell& cell, const Row& row) const {
     const CellAttributes& wanted = m_document.aCells[block.nIndex];
-    const std::int64_t nTop = wanted.border[kTop] + wanted.padding[kTop];
-    const std::int64_t nRoom =
-        block.nHeight - nTop - wanted.border[kBottom] - wanted.padding[kBottom] - block.nContentY;
-    std::int64_t nOffset = 0;
+    const std::int64_t top = wanted.border[kTop] + wanted.padding[kTop];
+    const std::int64_t room =
+        block.nHeight - top - wanted.border[kBottom] - wanted.padding[kBottom] - block.nContentY;
+    std::int64_t offset = 0;
     switch (wanted.verticalAlign) {
         case VerticalAlign::Middle:
-            nOffset = nRoom / 2;
+            offset = room / 2;
             break;
         case VerticalAlign::Bottom:
-            nOffset = nRoom;
+            offset = room;
             break;
         case VerticalAlign::Baseline:
-            nOffset = cell.nBaseline >= 0 ? row.nAscent - cell.nBaseline : 0;
+            offset = cell.nBaseline >= 0 ? row.nAscent - cell.nBaseline : 0;
             break;
         case VerticalAlign::Top:
             break;
     }
-    block.nContentY = HeldCoordinate(block.nY + nTop + nOffset);
+    block.nContentY = HeldCoordinate(block.nY + top + offset);
 }
 
-void CLayout::PlaceRows(const OpenTable& table) {
+void DocumentLayout::PlaceRows(const OpenTable& table) {
     const TableAttributes& wanted = m_document.aTables[table.nTable];
-    const std::int64_t nSpacing = wanted.nCellSpacing;
-    const std::int64_t nEdges = wanted.border[kTop] + wanted.border[kBottom] + 2 * nSpacing;
+    const std::int64_t spacing = wanted.nCellSpacing;
+    const std::int64_t edges = wanted.border[kTop] + wanted.border[kBottom] + 2 * spacing;
     m_aRows.assign(m_measures.aTables[table.nTable].nRows, {});
-    MeasureRows(std::span(m_aRowCells).subspan(table.nFirstCell), nSpacing, wanted.nHeight - nEdges,
+    MeasureRows(std::span(m_aRowCells).subspan(table.nFirstCell), spacing, wanted.nHeight - edges,
                 m_aRows);
     m_aRowTop.resize(m_aRows.size() + 1);
-    m_aRowTop[0] = wanted.border[kTop] + nSpacing;
+    m_aRowTop[0] = wanted.border[kTop] + spacing;
     for (std::size_t i = 0; i < m_aRows.size(); ++i) {
-        m_aRowTop[i + 1] = m_aRowTop[i] + m_aRows[i].nHeight + nSpacing;
+        m_aRowTop[i + 1] = m_aRowTop[i] + m_aRows[i].nHeight + spacing;
     }
     for (std::size_t i = table.nFirstCell; i < m_aRowCells.size(); ++i) {
         const RowCell& cell = m_aRowCells[i];
         BlockBox& block = m_boxes.aBlocks[m_aCellBlocks[i]];
         block.nY = HeldCoordinate(m_aRowTop[cell.nRow]);
         block.nHeight =
-            HeldCoordinate(m_aRowTop[cell.nRow + cell.nSpan] - nSpacing - m_aRowTop[cell.nRow]);
+            HeldCoordinate(m_aRowTop[cell.nRow + cell.nSpan] - spacing - m_aRowTop[cell.nRow]);
         PlaceContent(block, cell, m_aRows[cell.nRow]);
     }
-    const std::int64_t nHeight =
+    const std::int64_t height =
         (m_aRows.empty() ? wanted.border[kTop] : m_aRowTop.back()) + wanted.border[kBottom];
     m_boxes.aBlocks[table.nBlock].nHeight =
-        HeldCoordinate(std::max<std::int64_t>(nHeight, wanted.nHeight));
+        HeldCoordinate(std::max<std::int64_t>(height, wanted.nHeight));
 }
 
-void CLayout::EndTable() {
+void DocumentLayout::EndTable() {
     const OpenTable table = m_aTables.back();
     m_aTables.pop_back();
     const TableAttributes& wanted = m_document.aTables[table.nTable];
@@ -278,40 +279,40 @@ void CLayout::EndTable() {
     m_aColumnX.resize(table.nFirstColumn);
     m_aRowCells.resize(table.nFirstCell);
     m_aCellBlocks.resize(table.nFirstCell);
-    const std::int64_t nHeight = m_boxes.aBlocks[table.nBlock].nHeight;
-    m_aFlows.back().nY += wanted.margin[kTop] + nHeight + wanted.margin[kBottom];
+    const std::int64_t height = m_boxes.aBlocks[table.nBlock].nHeight;
+    m_aFlows.back().nY += wanted.margin[kTop] + height + wanted.margin[kBottom];
 }
 
 // Blocks stand behind the blocks around them, so one walk makes every position absolute.
-void CLayout::AddUpPositions() {
-    std::int64_t nRight = 0;
+void DocumentLayout::AddUpPositions() {
+    std::int64_t right = 0;
     const auto contentTop = [&](std::uint32_t nBlock) -> std::int64_t {
         return nBlock == kNone ? 0 : m_boxes.aBlocks[nBlock].nContentY;
     };
     for (BlockBox& block : m_boxes.aBlocks) {
-        const std::int64_t nTop =
+        const std::int64_t top =
             block.bCell ? m_boxes.aBlocks[block.nParent].nY : contentTop(block.nParent);
-        block.nY = HeldCoordinate(block.nY + nTop);
-        block.nContentY = HeldCoordinate(block.nContentY + nTop);
-        nRight = std::max<std::int64_t>(nRight, std::int64_t{block.nX} + block.nWidth);
+        block.nY = HeldCoordinate(block.nY + top);
+        block.nContentY = HeldCoordinate(block.nContentY + top);
+        right = std::max<std::int64_t>(right, std::int64_t{block.nX} + block.nWidth);
     }
     for (LineBox& line : m_boxes.aLines) {
-        const std::int64_t nTop = contentTop(line.nBlock);
-        line.nY = HeldCoordinate(line.nY + nTop);
-        nRight = std::max<std::int64_t>(nRight, std::int64_t{line.nX} + line.nWidth);
-        for (std::uint32_t i = 0; i < line.nFragments && nTop != 0; ++i) {
+        const std::int64_t top = contentTop(line.nBlock);
+        line.nY = HeldCoordinate(line.nY + top);
+        right = std::max<std::int64_t>(right, std::int64_t{line.nX} + line.nWidth);
+        for (std::uint32_t i = 0; i < line.nFragments && top != 0; ++i) {
             Fragment& fragment = m_boxes.aFragments[line.nFirstFragment + i];
-            fragment.nY = HeldCoordinate(fragment.nY + nTop);
+            fragment.nY = HeldCoordinate(fragment.nY + top);
         }
     }
-    m_boxes.nWidth = HeldCoordinate(nRight);
+    m_boxes.nWidth = HeldCoordinate(right);
 }
 
 }  // namespace
 
-LayoutBoxes LayoutDocument(const StyledDocument& document, CTextMeasurer& measurer,
+LayoutBoxes LayoutDocument(const StyledDocument& document, TextMeasurer& measurer,
                            std::int32_t nWidth) {
-    return CLayout(document, measurer, nWidth).Run();
+    return DocumentLayout(document, measurer, nWidth).Run();
 }
 
 }  // namespace mvp::richtext

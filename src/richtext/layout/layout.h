@@ -12,7 +12,7 @@ namespace mvp::richtext {
 
 // nWidth: pixels, held between 0 and 100,000. The measurer must be the one the document was built
 // with.
-LayoutBoxes LayoutDocument(const StyledDocument& document, CTextMeasurer& measurer,
+LayoutBoxes LayoutDocument(const StyledDocument& document, TextMeasurer& measurer,
                            std::int32_t nWidth);
 
 }  // namespace mvp::richtext

@@ -33,13 +33,13 @@ HitResult HitTest(const LayoutBoxes& boxes, std::int32_t nX, std::int32_t nY) {
 }
 
 std::vector<LinkBox> LinkBoxes(const LayoutBoxes& boxes, std::uint32_t nLink) {
-    std::vector<LinkBox> aBoxes;
+    std::vector<LinkBox> found;
     for (const Fragment& fragment : boxes.aFragments) {
         if (nLink != kNone && fragment.nLink == nLink) {
-            aBoxes.push_back({fragment.nX, fragment.nY, fragment.nWidth, fragment.nHeight});
+            found.push_back({fragment.nX, fragment.nY, fragment.nWidth, fragment.nHeight});
         }
     }
-    return aBoxes;
+    return found;
 }
 
 }  // namespace mvp::richtext

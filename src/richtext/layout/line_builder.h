@@ -24,11 +24,11 @@ struct Flow {
     std::size_t nOuterBoxes = 0;       // open inline boxes that belong to flows around this one
 };
 
-class CLineBuilder {
+class LineBuilder {
 public:
     // All four must outlive the object.
-    CLineBuilder(const StyledDocument& document, CTextMeasurer& measurer, LayoutBoxes& boxes,
-                 std::pmr::memory_resource* pMemory)
+    LineBuilder(const StyledDocument& document, TextMeasurer& measurer, LayoutBoxes& boxes,
+                std::pmr::memory_resource* pMemory)
         : m_document(document),
           m_measurer(measurer),
           m_boxes(boxes),
@@ -91,7 +91,7 @@ private:
     void ResetLine();
 
     const StyledDocument& m_document;
-    CTextMeasurer& m_measurer;
+    TextMeasurer& m_measurer;
     LayoutBoxes& m_boxes;
     Flow* m_pFlow = nullptr;
     std::int64_t m_nAvailable = 0;

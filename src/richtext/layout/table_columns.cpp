@@ -9,7 +9,12 @@ namespace {
 
 // Four guesses at a column's width, each at least the one before. The width that is to be given out
 // lies between the sums of two of them, or beyond the last.
-enum Guess : std::uint8_t { kLeast, kPercents, kFixeds, kMost, kGuesses };
+using Guess = std::size_t;
+constexpr Guess kLeast = 0;
+constexpr Guess kPercents = 1;
+constexpr Guess kFixeds = 2;
+constexpr Guess kMost = 3;
+constexpr Guess kGuesses = 4;
 
 Fixed GuessOf(const Column& column, Guess guess, Fixed nWidth) {
     if (guess == kLeast) {
@@ -18,8 +23,8 @@ Fixed GuessOf(const Column& column, Guess guess, Fixed nWidth) {
     if (column.nPercent > 0) {
         return std::max(column.nMin, nWidth * column.nPercent / 100);
     }
-    const bool bMost = guess == kMost || (guess == kFixeds && column.bFixed);
-    return bMost ? std::max(column.nMin, column.nMax) : column.nMin;
+    const bool most = guess == kMost || (guess == kFixeds && column.bFixed);
+    return most ? std::max(column.nMin, column.nMax) : column.nMin;
 }
 
 Fixed SumOf(std::span<const Column> columns, Guess guess, Fixed nWidth) {
@@ -32,16 +37,16 @@ Fixed SumOf(std::span<const Column> columns, Guess guess, Fixed nWidth) {
 enum class Growth : std::uint8_t { Automatic, Fixed, Percent, AutomaticEvenly, Evenly };
 
 Fixed WeightOf(const Column& column, Growth growth) {
-    const bool bAutomatic = !column.bFixed && column.nPercent == 0;
+    const bool automatic = !column.bFixed && column.nPercent == 0;
     switch (growth) {
         case Growth::Automatic:
-            return bAutomatic ? column.nMax : 0;
+            return automatic ? column.nMax : 0;
         case Growth::Fixed:
             return column.bFixed && column.nPercent == 0 ? column.nMax : 0;
         case Growth::Percent:
             return column.nPercent;
         case Growth::AutomaticEvenly:
-            return bAutomatic ? 1 : 0;
+            return automatic ? 1 : 0;
         case Growth::Evenly:
             break;
     }
@@ -51,23 +56,23 @@ Fixed WeightOf(const Column& column, Growth growth) {
 void Grow(std::span<const Column> columns, Fixed nWidth, Fixed nExcess, std::span<Fixed> widths) {
     for (const Growth growth : {Growth::Automatic, Growth::Fixed, Growth::Percent,
                                 Growth::AutomaticEvenly, Growth::Evenly}) {
-        Fixed nWeights = 0;
+        Fixed weights = 0;
         for (const Column& column : columns) {
-            nWeights += WeightOf(column, growth);
+            weights += WeightOf(column, growth);
         }
-        if (nWeights == 0) {
+        if (weights == 0) {
             continue;
         }
-        Fixed nLeft = nExcess;
-        std::size_t nLast = 0;
+        Fixed left = nExcess;
+        std::size_t last = 0;
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            const Fixed nWeight = WeightOf(columns[i], growth);
-            const Fixed nPart = nExcess * nWeight / nWeights;
-            widths[i] = GuessOf(columns[i], kMost, nWidth) + nPart;
-            nLeft -= nPart;
-            nLast = nWeight != 0 ? i : nLast;
+            const Fixed weight = WeightOf(columns[i], growth);
+            const Fixed part = nExcess * weight / weights;
+            widths[i] = GuessOf(columns[i], kMost, nWidth) + part;
+            left -= part;
+            last = weight != 0 ? i : last;
         }
-        widths[nLast] += nLeft;
+        widths[last] += left;
         return;
     }
 }
@@ -85,35 +90,35 @@ void Encompass(const ColumnCell& cell, Column& column) {
 
 // What a spanning cell's share in per cent exceeds that of its columns goes to those without one.
 void SpreadPercent(const ColumnCell& cell, std::span<Column> columns) {
-    std::int32_t nSurplus = cell.nPercent;
-    Fixed nWeights = 0;
-    std::int32_t nFree = 0;
+    std::int32_t surplus = cell.nPercent;
+    Fixed weights = 0;
+    std::int32_t free = 0;
     for (const Column& column : columns) {
-        nSurplus -= column.nPercent;
-        nWeights += column.nPercent == 0 ? column.nMax : 0;
-        nFree += column.nPercent == 0 ? 1 : 0;
+        surplus -= column.nPercent;
+        weights += column.nPercent == 0 ? column.nMax : 0;
+        free += column.nPercent == 0 ? 1 : 0;
     }
-    if (nSurplus <= 0 || nFree == 0) {
+    if (surplus <= 0 || free == 0) {
         return;
     }
     for (Column& column : columns) {
         if (column.nPercent == 0) {
             column.nPercent = static_cast<std::int32_t>(
-                nWeights != 0 ? nSurplus * column.nMax / nWeights : nSurplus / nFree);
+                weights != 0 ? surplus * column.nMax / weights : surplus / free);
         }
     }
 }
 
 void SpreadWidths(const ColumnCell& cell, Fixed nSpacing, std::span<Column> columns,
                   std::vector<Fixed>& scratch) {
-    const Fixed nInner = nSpacing * (cell.nSpan - 1);
+    const Fixed inner = nSpacing * (cell.nSpan - 1);
     scratch.resize(columns.size());
-    ShareWidth(columns, std::max<Fixed>(0, cell.nMin - nInner), scratch);
+    ShareWidth(columns, std::max<Fixed>(0, cell.nMin - inner), scratch);
     for (std::size_t i = 0; i < columns.size(); ++i) {
         columns[i].nMin = std::max(columns[i].nMin, scratch[i]);
         columns[i].nMax = std::max(columns[i].nMax, columns[i].nMin);
     }
-    ShareWidth(columns, std::max<Fixed>(0, cell.nMax - nInner), scratch);
+    ShareWidth(columns, std::max<Fixed>(0, cell.nMax - inner), scratch);
     for (std::size_t i = 0; i < columns.size(); ++i) {
         columns[i].nMax = std::max(columns[i].nMax, scratch[i]);
     }
@@ -141,35 +146,35 @@ void MeasureColumns(std::span<const ColumnCell> cells, Fixed nSpacing, std::span
         SpreadPercent(cell, spanned);
         SpreadWidths(cell, nSpacing, spanned, scratch);
     }
-    std::int32_t nLeft = 100;
+    std::int32_t left = 100;
     for (Column& column : columns) {
-        column.nPercent = std::min(column.nPercent, nLeft);
-        nLeft -= column.nPercent;
+        column.nPercent = std::min(column.nPercent, left);
+        left -= column.nPercent;
     }
 }
 
 ColumnTotals TotalOf(std::span<const Column> columns) {
     ColumnTotals totals;
-    Fixed nWithoutShare = 0;
-    Fixed nByShares = 0;
-    std::int32_t nPercent = 0;
+    Fixed withoutShare = 0;
+    Fixed byShares = 0;
+    std::int32_t percent = 0;
     for (const Column& column : columns) {
         totals.nMin += column.nMin;
         totals.nMax += column.nMax;
-        nPercent += column.nPercent;
+        percent += column.nPercent;
         if (column.nPercent > 0) {
-            nByShares = std::max(nByShares, column.nMax * 100 / column.nPercent);
+            byShares = std::max(byShares, column.nMax * 100 / column.nPercent);
         } else {
-            nWithoutShare += column.nMax;
+            withoutShare += column.nMax;
         }
     }
     // As wide as it takes for every share to hold its column's longest line.
-    if (nWithoutShare != 0 && nPercent != 0) {
-        const Fixed nRest =
-            nPercent < 100 ? nWithoutShare * 100 / (100 - nPercent) : ToFixed(kMaxCellWidth);
-        nByShares = std::max(nByShares, nRest);
+    if (withoutShare != 0 && percent != 0) {
+        const Fixed rest =
+            percent < 100 ? withoutShare * 100 / (100 - percent) : ToFixed(kMaxCellWidth);
+        byShares = std::max(byShares, rest);
     }
-    totals.nMax = std::max(totals.nMax, std::min(nByShares, ToFixed(kMaxCellWidth)));
+    totals.nMax = std::max(totals.nMax, std::min(byShares, ToFixed(kMaxCellWidth)));
     return totals;
 }
 
@@ -182,26 +187,26 @@ void ShareWidth(std::span<const Column> columns, Fixed nWidth, std::span<Fixed> 
         Grow(columns, nWidth, nWidth - sums[kMost], widths);
         return;
     }
-    std::size_t nUpper = kPercents;
-    while (nUpper < kMost && sums[nUpper] < nWidth) {
-        ++nUpper;
+    std::size_t upperIndex = kPercents;
+    while (upperIndex < kMost && sums[upperIndex] < nWidth) {
+        ++upperIndex;
     }
-    const auto upper = static_cast<Guess>(nUpper);
-    const auto lower = static_cast<Guess>(nUpper - 1);
-    const Fixed nRange = sums[upper] - sums[lower];
-    const Fixed nOver = std::max<Fixed>(0, nWidth - sums[lower]);
-    Fixed nLeft = nRange != 0 ? nOver : 0;
-    std::size_t nLast = columns.size();
+    const auto upper = static_cast<Guess>(upperIndex);
+    const auto lower = static_cast<Guess>(upperIndex - 1);
+    const Fixed range = sums[upper] - sums[lower];
+    const Fixed over = std::max<Fixed>(0, nWidth - sums[lower]);
+    Fixed left = range != 0 ? over : 0;
+    std::size_t last = columns.size();
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        const Fixed nLow = GuessOf(columns[i], lower, nWidth);
-        const Fixed nDifference = GuessOf(columns[i], upper, nWidth) - nLow;
-        const Fixed nPart = nRange != 0 ? nDifference * nOver / nRange : 0;
-        widths[i] = nLow + nPart;
-        nLeft -= nPart;
-        nLast = nDifference != 0 ? i : nLast;
+        const Fixed low = GuessOf(columns[i], lower, nWidth);
+        const Fixed difference = GuessOf(columns[i], upper, nWidth) - low;
+        const Fixed part = range != 0 ? difference * over / range : 0;
+        widths[i] = low + part;
+        left -= part;
+        last = difference != 0 ? i : last;
     }
-    if (nLast != columns.size()) {
-        widths[nLast] += nLeft;
+    if (last != columns.size()) {
+        widths[last] += left;
     }
 }
 

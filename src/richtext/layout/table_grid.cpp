@@ -4,7 +4,7 @@
 
 namespace mvp::richtext {
 
-void CTableGrid::Clear() {
+void TableGrid::Clear() {
     m_aCells.clear();
     m_aCovered.clear();
     m_aNew.clear();
@@ -14,15 +14,15 @@ void CTableGrid::Clear() {
     m_nColumns = 0;
 }
 
-void CTableGrid::EndRow() {
-    const auto nMiddle = static_cast<std::ptrdiff_t>(m_aCovered.size());
+void TableGrid::EndRow() {
+    const auto middle = static_cast<std::ptrdiff_t>(m_aCovered.size());
     m_aCovered.insert(m_aCovered.end(), m_aNew.begin(), m_aNew.end());
-    std::inplace_merge(m_aCovered.begin(), m_aCovered.begin() + nMiddle, m_aCovered.end(),
+    std::inplace_merge(m_aCovered.begin(), m_aCovered.begin() + middle, m_aCovered.end(),
                        [](const Covered& a, const Covered& b) { return a.nColumn < b.nColumn; });
     m_aNew.clear();
 }
 
-void CTableGrid::BeginRow() {
+void TableGrid::BeginRow() {
     if (!m_aNew.empty()) {
         EndRow();
     }
@@ -33,7 +33,7 @@ void CTableGrid::BeginRow() {
 }
 
 // Ends the spans that would reach into the next row.
-void CTableGrid::CutSpans() {
+void TableGrid::CutSpans() {
     EndRow();
     for (const Covered& covered : m_aCovered) {
         m_aCells[covered.nCell].nRowSpan = m_nRow + 1 - m_aCells[covered.nCell].nRow;
@@ -41,7 +41,7 @@ void CTableGrid::CutSpans() {
     m_aCovered.clear();
 }
 
-void CTableGrid::Place(std::int32_t nColSpan, std::int32_t nRowSpan) {
+void TableGrid::Place(std::int32_t nColSpan, std::int32_t nRowSpan) {
     while (m_nNextCovered < m_aCovered.size() && m_aCovered[m_nNextCovered].nColumn <= m_nColumn) {
         m_nColumn = std::max(m_nColumn, m_aCovered[m_nNextCovered].nEnd);
         ++m_nNextCovered;
@@ -59,13 +59,13 @@ void CTableGrid::Place(std::int32_t nColSpan, std::int32_t nRowSpan) {
     m_aCells.push_back(cell);
 }
 
-void CTableGrid::Finish() {
-    std::int32_t nWidest = 0;
+void TableGrid::Finish() {
+    std::int32_t widest = 0;
     for (const GridCell& cell : m_aCells) {
-        nWidest = std::max(nWidest, cell.nColumn + 1);
+        widest = std::max(widest, cell.nColumn + 1);
     }
     // m_aPlace[c]: how many columns that hold a cell's beginning stand before column c.
-    m_aPlace.assign(static_cast<std::size_t>(nWidest) + 1, 0);
+    m_aPlace.assign(static_cast<std::size_t>(widest) + 1, 0);
     for (const GridCell& cell : m_aCells) {
         m_aPlace[static_cast<std::size_t>(cell.nColumn) + 1] = 1;
     }
@@ -74,9 +74,9 @@ void CTableGrid::Finish() {
     }
     m_nColumns = m_aPlace.back();
     for (GridCell& cell : m_aCells) {
-        const std::int32_t nEnd = std::min(cell.nColumn + cell.nColSpan, nWidest);
+        const std::int32_t end = std::min(cell.nColumn + cell.nColSpan, widest);
         cell.nColumn = m_aPlace[static_cast<std::size_t>(cell.nColumn)];
-        cell.nColSpan = m_aPlace[static_cast<std::size_t>(nEnd)] - cell.nColumn;
+        cell.nColSpan = m_aPlace[static_cast<std::size_t>(end)] - cell.nColumn;
         cell.nRowSpan = std::min(cell.nRowSpan, Rows() - cell.nRow);
     }
 }

@@ -17,7 +17,7 @@ struct GridCell {
     std::int32_t nColSpan = 1;
 };
 
-class CTableGrid {
+class TableGrid {
 public:
     // Begins a new table; the storage of the one before is used again.
     void Clear();

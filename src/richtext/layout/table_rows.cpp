@@ -8,38 +8,38 @@ namespace {
 // More height for some rows, in proportion to the heights of those whose height is not given, or of
 // all, or evenly.
 void Share(std::span<Row> rows, std::int64_t nExcess) {
-    std::int64_t nFree = 0;
-    std::int64_t nAll = 0;
+    std::int64_t free = 0;
+    std::int64_t all = 0;
     for (const Row& row : rows) {
-        nAll += row.nHeight;
-        nFree += row.bFixed ? 0 : row.nHeight;
+        all += row.nHeight;
+        free += row.bFixed ? 0 : row.nHeight;
     }
     const auto weightOf = [&](const Row& row) -> std::int64_t {
-        if (nFree != 0) {
+        if (free != 0) {
             return row.bFixed ? 0 : row.nHeight;
         }
-        return nAll != 0 ? row.nHeight : 1;
+        return all != 0 ? row.nHeight : 1;
     };
-    const std::int64_t nWeights = nFree != 0  ? nFree
-                                  : nAll != 0 ? nAll
-                                              : static_cast<std::int64_t>(rows.size());
-    std::int64_t nSeen = 0;
-    std::int64_t nGiven = 0;
+    const std::int64_t weights = free != 0  ? free
+                                 : all != 0 ? all
+                                            : static_cast<std::int64_t>(rows.size());
+    std::int64_t seen = 0;
+    std::int64_t given = 0;
     for (Row& row : rows) {
-        nSeen += weightOf(row);
-        const std::int64_t nUpToHere = nExcess * nSeen / nWeights;
-        row.nHeight += nUpToHere - nGiven;
-        nGiven = nUpToHere;
+        seen += weightOf(row);
+        const std::int64_t upToHere = nExcess * seen / weights;
+        row.nHeight += upToHere - given;
+        given = upToHere;
     }
 }
 
 void Fill(std::span<Row> rows, std::int64_t nHeight) {
-    std::int64_t nSum = 0;
+    std::int64_t sum = 0;
     for (const Row& row : rows) {
-        nSum += row.nHeight;
+        sum += row.nHeight;
     }
-    if (nHeight > nSum && !rows.empty()) {
-        Share(rows, nHeight - nSum);
+    if (nHeight > sum && !rows.empty()) {
+        Share(rows, nHeight - sum);
     }
 }
 

@@ -19,13 +19,13 @@ constexpr std::string_view kBreakCharacters = " -.,!:;)}]?";
 enum class BreakClass : std::uint8_t { Letter, Space, Hyphen, Other };
 
 constexpr std::array<BreakClass, 256> kBreakClasses = [] {
-    std::array<BreakClass, 256> aClasses = {};
+    std::array<BreakClass, 256> classes = {};
     for (const char c : kBreakCharacters) {
-        aClasses[Byte(c)] = BreakClass::Other;
+        classes[Byte(c)] = BreakClass::Other;
     }
-    aClasses[Byte(' ')] = BreakClass::Space;
-    aClasses[Byte('-')] = BreakClass::Hyphen;
-    return aClasses;
+    classes[Byte(' ')] = BreakClass::Space;
+    classes[Byte('-')] = BreakClass::Hyphen;
+    return classes;
 }();
 
 constexpr BreakClass ClassOf(char c) {
@@ -42,15 +42,15 @@ struct WordState {
 // hyphen it may be broken behind (bBreak), or pEnd.
 inline const char* EndOfPiece(const char* p, const char* pEnd, WordState& state, bool& bBreak) {
     bBreak = false;
-    bool bLetter = state.bLetter;
+    bool letter = state.bLetter;
     BreakClass last = BreakClass::Letter;
     while (p != pEnd) {
         last = ClassOf(*p);
         if (last == BreakClass::Letter) {
-            bLetter = true;
+            letter = true;
         } else if (last == BreakClass::Space) {
             break;
-        } else if (last == BreakClass::Hyphen && bLetter && p + 1 != pEnd &&
+        } else if (last == BreakClass::Hyphen && letter && p + 1 != pEnd &&
                    ClassOf(p[1]) == BreakClass::Letter) {
             bBreak = true;
             ++p;
@@ -58,8 +58,8 @@ inline const char* EndOfPiece(const char* p, const char* pEnd, WordState& state,
         }
         ++p;
     }
-    state.bLetter = bLetter;
-    state.bHyphen = !bBreak && bLetter && last == BreakClass::Hyphen;
+    state.bLetter = letter;
+    state.bHyphen = !bBreak && letter && last == BreakClass::Hyphen;
     return p;
 }
 

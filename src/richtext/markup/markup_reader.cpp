@@ -7,11 +7,11 @@ namespace {
 
 // The bytes that end a stretch of plain text.
 constexpr std::array<bool, 256> kSpecial = [] {
-    std::array<bool, 256> aSpecial = {};
+    std::array<bool, 256> special = {};
     for (const char c : {'<', '&', '\n', '\r', '\t'}) {
-        aSpecial[Byte(c)] = true;
+        special[Byte(c)] = true;
     }
-    return aSpecial;
+    return special;
 }();
 
 constexpr bool EndsName(char c) {
@@ -25,9 +25,9 @@ std::string_view Shown(const EntityInfo& entity) {
 
 }  // namespace
 
-CMarkupReader::CMarkupReader(std::string_view text) : m_text(text) {}
+MarkupReader::MarkupReader(std::string_view text) : m_text(text) {}
 
-MarkupEvent CMarkupReader::TextUpTo(std::size_t nEnd) {
+MarkupEvent MarkupReader::TextUpTo(std::size_t nEnd) {
     MarkupEvent event;
     event.kind = MarkupEvent::Kind::Text;
     event.text = m_text.substr(m_nAt, nEnd - m_nAt);
@@ -35,7 +35,7 @@ MarkupEvent CMarkupReader::TextUpTo(std::size_t nEnd) {
     return event;
 }
 
-MarkupEvent CMarkupReader::Next() {
+MarkupEvent MarkupReader::Next() {
     MarkupEvent event;
     while (m_nAt < m_text.size()) {
         const char c = m_text[m_nAt];
@@ -46,8 +46,8 @@ MarkupEvent CMarkupReader::Next() {
             continue;
         }
         if (c == '\n' || c == '\r' || c == '\t') {
-            const bool bPair = m_text.substr(m_nAt, 2) == "\r\n";
-            m_nAt += bPair ? 2 : 1;
+            const bool pair = m_text.substr(m_nAt, 2) == "\r\n";
+            m_nAt += pair ? 2 : 1;
             m_attributes.Clear();
             event.kind = MarkupEvent::Kind::Open;
             event.tag = c == '\t' ? TagId::T : TagId::Br;
@@ -55,53 +55,53 @@ MarkupEvent CMarkupReader::Next() {
             return event;
         }
         if (c == '&') {
-            if (const EntityInfo* pEntity = MatchEntity(m_text.substr(m_nAt)); pEntity != nullptr) {
-                m_nAt += pEntity->name.size();
+            if (const EntityInfo* entity = MatchEntity(m_text.substr(m_nAt)); entity != nullptr) {
+                m_nAt += entity->name.size();
                 event.kind = MarkupEvent::Kind::Text;
-                event.text = Shown(*pEntity);
+                event.text = Shown(*entity);
                 return event;
             }
         }
-        std::size_t nEnd = m_nAt + 1;
-        while (nEnd < m_text.size() && !kSpecial[Byte(m_text[nEnd])]) {
-            ++nEnd;
+        std::size_t end = m_nAt + 1;
+        while (end < m_text.size() && !kSpecial[Byte(m_text[end])]) {
+            ++end;
         }
-        return TextUpTo(nEnd);
+        return TextUpTo(end);
     }
     return event;
 }
 
 // At a "<". False when what stood there shows nothing.
-bool CMarkupReader::ReadAngle(MarkupEvent& event) {
+bool MarkupReader::ReadAngle(MarkupEvent& event) {
     const std::string_view rest = m_text.substr(m_nAt);
-    const char cNext = rest.size() > 1 ? rest[1] : '\0';
-    if (IsAsciiLetter(cNext)) {
+    const char next = rest.size() > 1 ? rest[1] : '\0';
+    if (IsAsciiLetter(next)) {
         return ReadTag(event, false);
     }
-    if (cNext == '/' && rest.size() > 2) {
+    if (next == '/' && rest.size() > 2) {
         if (IsAsciiLetter(rest[2])) {
             return ReadTag(event, true);
         }
         SkipPast(">");
         return false;
     }
-    if (cNext == '!' || cNext == '?') {
+    if (next == '!' || next == '?') {
         SkipComment();
         return false;
     }
     event = TextUpTo(m_nAt + 1);
-    if (cNext == '<') {
+    if (next == '<') {
         ++m_nAt;
     }
     return true;
 }
 
-void CMarkupReader::SkipPast(std::string_view end) {
-    const std::size_t nFound = m_text.find(end, m_nAt);
-    m_nAt = nFound == std::string_view::npos ? m_text.size() : nFound + end.size();
+void MarkupReader::SkipPast(std::string_view end) {
+    const std::size_t found = m_text.find(end, m_nAt);
+    m_nAt = found == std::string_view::npos ? m_text.size() : found + end.size();
 }
 
-void CMarkupReader::SkipComment() {
+void MarkupReader::SkipComment() {
     constexpr std::string_view kOpen = "<!--";
     if (m_text.substr(m_nAt, kOpen.size()) != kOpen) {
         SkipPast(">");
@@ -117,18 +117,18 @@ void CMarkupReader::SkipComment() {
 }
 
 // At the "<" of a tag. False when the tag is unknown or has no end.
-bool CMarkupReader::ReadTag(MarkupEvent& event, bool bClose) {
-    const std::size_t nName = m_nAt + (bClose ? 2 : 1);
-    std::size_t nAt = nName;
-    while (nAt < m_text.size() && !EndsName(m_text[nAt])) {
-        ++nAt;
+bool MarkupReader::ReadTag(MarkupEvent& event, bool bClose) {
+    const std::size_t nameStart = m_nAt + (bClose ? 2 : 1);
+    std::size_t at = nameStart;
+    while (at < m_text.size() && !EndsName(m_text[at])) {
+        ++at;
     }
-    const std::string_view name = m_text.substr(nName, nAt - nName);
+    const std::string_view name = m_text.substr(nameStart, at - nameStart);
     m_attributes.Clear();
-    const bool bEnded = ReadAttributes(nAt);
-    m_nAt = nAt;
+    const bool ended = ReadAttributes(at);
+    m_nAt = at;
     const std::optional<TagId> tag = FindTag(name);
-    if (!bEnded || !tag.has_value()) {
+    if (!ended || !tag.has_value()) {
         return false;
     }
     event.kind = bClose ? MarkupEvent::Kind::Close : MarkupEvent::Kind::Open;
@@ -137,69 +137,69 @@ bool CMarkupReader::ReadTag(MarkupEvent& event, bool bClose) {
 }
 
 // From behind the tag's name to behind its ">". False when the text ends before.
-bool CMarkupReader::ReadAttributes(std::size_t& nAt) {
-    const std::size_t nSize = m_text.size();
+bool MarkupReader::ReadAttributes(std::size_t& nAt) {
+    const std::size_t size = m_text.size();
     for (;;) {
-        while (nAt < nSize && (IsSpace(m_text[nAt]) || m_text[nAt] == '/')) {
+        while (nAt < size && (IsSpace(m_text[nAt]) || m_text[nAt] == '/')) {
             ++nAt;
         }
-        if (nAt == nSize) {
+        if (nAt == size) {
             return false;
         }
         if (m_text[nAt] == '>') {
             ++nAt;
             return true;
         }
-        const std::size_t nName = nAt++;
-        while (nAt < nSize && !EndsName(m_text[nAt]) && m_text[nAt] != '=') {
+        const std::size_t nameStart = nAt++;
+        while (nAt < size && !EndsName(m_text[nAt]) && m_text[nAt] != '=') {
             ++nAt;
         }
-        const std::string_view name = m_text.substr(nName, nAt - nName);
-        while (nAt < nSize && IsSpace(m_text[nAt])) {
+        const std::string_view name = m_text.substr(nameStart, nAt - nameStart);
+        while (nAt < size && IsSpace(m_text[nAt])) {
             ++nAt;
         }
-        const bool bValue = nAt < nSize && m_text[nAt] == '=';
+        const bool hasValue = nAt < size && m_text[nAt] == '=';
         std::string_view value;
-        if (bValue && !ReadValue(++nAt, value)) {
+        if (hasValue && !ReadValue(++nAt, value)) {
             return false;
         }
         const auto attribute = FindAttribute(name);
-        if (attribute.has_value() && (bValue || *attribute != AttributeId::Href)) {
+        if (attribute.has_value() && (hasValue || *attribute != AttributeId::Href)) {
             m_attributes.Add(*attribute, Decoded(value));
         }
     }
 }
 
 // From behind the "=" to behind the value. False when the text ends before the value does.
-bool CMarkupReader::ReadValue(std::size_t& nAt, std::string_view& value) {
+bool MarkupReader::ReadValue(std::size_t& nAt, std::string_view& value) {
     while (nAt < m_text.size() && IsSpace(m_text[nAt])) {
         ++nAt;
     }
     if (nAt == m_text.size()) {
         return false;
     }
-    const char cQuote = m_text[nAt];
-    if (cQuote == '"' || cQuote == '\'') {
-        const std::size_t nEnd = m_text.find(cQuote, nAt + 1);
-        if (nEnd == std::string_view::npos) {
+    const char quote = m_text[nAt];
+    if (quote == '"' || quote == '\'') {
+        const std::size_t end = m_text.find(quote, nAt + 1);
+        if (end == std::string_view::npos) {
             nAt = m_text.size();
             return false;
         }
-        value = m_text.substr(nAt + 1, nEnd - nAt - 1);
-        nAt = nEnd + 1;
+        value = m_text.substr(nAt + 1, end - nAt - 1);
+        nAt = end + 1;
         return true;
     }
-    const std::size_t nStart = nAt;
+    const std::size_t start = nAt;
     while (nAt < m_text.size() && !IsSpace(m_text[nAt]) && m_text[nAt] != '>') {
         ++nAt;
     }
-    value = m_text.substr(nStart, nAt - nStart);
+    value = m_text.substr(start, nAt - start);
     return true;
 }
 
-std::string_view CMarkupReader::Decoded(std::string_view value) {
-    std::size_t nAmp = value.find('&');
-    if (nAmp == std::string_view::npos) {
+std::string_view MarkupReader::Decoded(std::string_view value) {
+    std::size_t ampersand = value.find('&');
+    if (ampersand == std::string_view::npos) {
         return value;
     }
     // Decoding never lengthens a text, so what is left of the markup bounds what will ever be
@@ -207,17 +207,17 @@ std::string_view CMarkupReader::Decoded(std::string_view value) {
     if (m_strDecoded.empty()) {
         m_strDecoded.reserve(m_text.size() - m_nAt);
     }
-    const std::size_t nStart = m_strDecoded.size();
-    while (nAmp != std::string_view::npos) {
-        m_strDecoded.append(value.substr(0, nAmp));
-        value.remove_prefix(nAmp);
-        const EntityInfo* pEntity = MatchEntity(value);
-        m_strDecoded.append(pEntity != nullptr ? Shown(*pEntity) : value.substr(0, 1));
-        value.remove_prefix(pEntity != nullptr ? pEntity->name.size() : 1);
-        nAmp = value.find('&');
+    const std::size_t start = m_strDecoded.size();
+    while (ampersand != std::string_view::npos) {
+        m_strDecoded.append(value.substr(0, ampersand));
+        value.remove_prefix(ampersand);
+        const EntityInfo* entity = MatchEntity(value);
+        m_strDecoded.append(entity != nullptr ? Shown(*entity) : value.substr(0, 1));
+        value.remove_prefix(entity != nullptr ? entity->name.size() : 1);
+        ampersand = value.find('&');
     }
     m_strDecoded.append(value);
-    return std::string_view(m_strDecoded).substr(nStart);
+    return std::string_view(m_strDecoded).substr(start);
 }
 
 }  // namespace mvp::richtext

@@ -1,7 +1,7 @@
 // The first stage: cuts markup into events. The reader holds no tree and no stack, so its memory
 // does not grow with the text, and every byte is looked at a bounded number of times.
 //
-//     CMarkupReader reader(text);
+//     MarkupReader reader(text);
 //     for (MarkupEvent event = reader.Next(); event.kind != MarkupEvent::Kind::End;
 //          event = reader.Next()) { ... reader.Attributes() ... }
 //
@@ -26,7 +26,7 @@
 namespace mvp::richtext {
 
 // The known attributes of one tag; of one that is repeated the first counts.
-class CAttributes {
+class TagAttributes {
 public:
     bool Has(AttributeId attribute) const { return (m_nSet & Bit(attribute)) != 0; }
     // Empty when the tag does not have it.
@@ -62,16 +62,16 @@ struct MarkupEvent {
     std::string_view text;    // Text: bytes to show, free of markup; not empty
 };
 
-class CMarkupReader {
+class MarkupReader {
 public:
     // The text must outlive the reader.
-    explicit CMarkupReader(std::string_view text);
+    explicit MarkupReader(std::string_view text);
 
     MarkupEvent Next();
 
     // Of the Open event that Next returned last. The values are free of entities and good for as
     // long as the reader and the text.
-    const CAttributes& Attributes() const { return m_attributes; }
+    const TagAttributes& Attributes() const { return m_attributes; }
 
 private:
     bool ReadAngle(MarkupEvent& event);
@@ -85,7 +85,7 @@ private:
 
     std::string_view m_text;
     std::size_t m_nAt = 0;
-    CAttributes m_attributes;
+    TagAttributes m_attributes;
     std::string m_strDecoded;  // the values that had entities
 };
 

@@ -117,22 +117,22 @@ constexpr std::size_t kLongestName = 16;  // bordercolorlight
 using Slots = std::array<std::uint8_t, kSlots>;
 
 constexpr std::size_t HashOf(std::string_view name) {
-    std::uint32_t nHash = 2166136261U;
+    std::uint32_t hash = 2166136261U;
     for (const char c : name) {
-        nHash = (nHash ^ Byte(AsciiLower(c))) * 16777619U;
+        hash = (hash ^ Byte(AsciiLower(c))) * 16777619U;
     }
-    return (nHash ^ nHash >> 15) % kSlots;
+    return (hash ^ hash >> 15) % kSlots;
 }
 
 template <class NameAt>
 constexpr Slots MakeSlots(std::size_t nCount, NameAt nameAt) {
     Slots slots = {};
     for (std::size_t i = 0; i < nCount; ++i) {
-        std::size_t nSlot = HashOf(nameAt(i));
-        while (slots[nSlot] != 0) {
-            nSlot = (nSlot + 1) % kSlots;
+        std::size_t slot = HashOf(nameAt(i));
+        while (slots[slot] != 0) {
+            slot = (slot + 1) % kSlots;
         }
-        slots[nSlot] = static_cast<std::uint8_t>(i + 1);
+        slots[slot] = static_cast<std::uint8_t>(i + 1);
     }
     return slots;
 }
@@ -152,10 +152,10 @@ int FindName(const Slots& slots, NameAt nameAt, std::string_view name) {
     if (name.size() > kLongestName) {
         return -1;
     }
-    for (std::size_t nSlot = HashOf(name); slots[nSlot] != 0; nSlot = (nSlot + 1) % kSlots) {
-        const std::size_t nPlace = slots[nSlot] - 1U;
-        if (EqualsNoCase(nameAt(nPlace), name)) {
-            return static_cast<int>(nPlace);
+    for (std::size_t slot = HashOf(name); slots[slot] != 0; slot = (slot + 1) % kSlots) {
+        const std::size_t place = slots[slot] - 1U;
+        if (EqualsNoCase(nameAt(place), name)) {
+            return static_cast<int>(place);
         }
     }
     return -1;
@@ -168,8 +168,8 @@ const TagInfo& InfoOf(TagId tag) {
 }
 
 std::optional<TagId> FindTag(std::string_view name) {
-    const int nPlace = FindName(kTagSlots, TagNameAt, name);
-    return nPlace < 0 ? std::nullopt : std::optional(static_cast<TagId>(nPlace));
+    const int place = FindName(kTagSlots, TagNameAt, name);
+    return place < 0 ? std::nullopt : std::optional(static_cast<TagId>(place));
 }
 
 std::string_view NameOf(AttributeId attribute) {
@@ -177,11 +177,11 @@ std::string_view NameOf(AttributeId attribute) {
 }
 
 std::optional<AttributeId> FindAttribute(std::string_view name) {
-    const int nPlace = FindName(kAttributeSlots, AttributeNameAt, name);
-    if (nPlace < 0) {
+    const int place = FindName(kAttributeSlots, AttributeNameAt, name);
+    if (place < 0) {
         return std::nullopt;
     }
-    const auto attribute = static_cast<AttributeId>(nPlace);
+    const auto attribute = static_cast<AttributeId>(place);
     if (attribute == AttributeId::Href && name != NameOf(AttributeId::Href)) {
         return std::nullopt;
     }

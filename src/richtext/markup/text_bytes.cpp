@@ -19,11 +19,11 @@ int DigitValue(char c) {
 // Digits of the given base from the front of str; stops growing beyond 32 bits.
 bool ReadDigits(std::string_view str, int nBase, std::int64_t& nValue) {
     nValue = 0;
-    std::size_t nDigits = 0;
-    for (; nDigits < str.size() && DigitValue(str[nDigits]) < nBase; ++nDigits) {
-        nValue = std::min(nValue * nBase + DigitValue(str[nDigits]), kBeyond32Bits);
+    std::size_t digits = 0;
+    for (; digits < str.size() && DigitValue(str[digits]) < nBase; ++digits) {
+        nValue = std::min(nValue * nBase + DigitValue(str[digits]), kBeyond32Bits);
     }
-    return nDigits != 0;
+    return digits != 0;
 }
 
 bool ReadPrefixed(std::string_view str, std::int64_t& nValue) {
@@ -42,17 +42,17 @@ std::string_view TrimLeft(std::string_view str) {
 
 bool ReadSigned(std::string_view str, bool bPrefixed, std::int32_t& nResult) {
     str = TrimLeft(str);
-    const bool bNegative = !str.empty() && str.front() == '-';
-    if (bNegative || (!str.empty() && str.front() == '+')) {
+    const bool negative = !str.empty() && str.front() == '-';
+    if (negative || (!str.empty() && str.front() == '+')) {
         str.remove_prefix(1);
     }
-    std::int64_t nValue = 0;
-    if (!(bPrefixed ? ReadPrefixed(str, nValue) : ReadDigits(str, 10, nValue))) {
+    std::int64_t value = 0;
+    if (!(bPrefixed ? ReadPrefixed(str, value) : ReadDigits(str, 10, value))) {
         return false;
     }
     using Limits = std::numeric_limits<std::int32_t>;
     nResult = static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(bNegative ? -nValue : nValue, Limits::min(), Limits::max()));
+        std::clamp<std::int64_t>(negative ? -value : value, Limits::min(), Limits::max()));
     return true;
 }
 
@@ -73,12 +73,12 @@ bool EqualsNoCase(std::string_view a, std::string_view b) {
 }
 
 std::string_view NextToken(std::string_view& rest, std::string_view separators) {
-    const std::size_t nStart = rest.find_first_not_of(separators);
-    if (nStart == std::string_view::npos) {
+    const std::size_t start = rest.find_first_not_of(separators);
+    if (start == std::string_view::npos) {
         rest = {};
         return {};
     }
-    rest.remove_prefix(nStart);
+    rest.remove_prefix(start);
     const std::string_view token = rest.substr(0, rest.find_first_of(separators));
     rest.remove_prefix(token.size());
     return token;
@@ -89,12 +89,12 @@ bool ReadCNumber(std::string_view str, std::int32_t& nValue) {
 }
 
 bool ReadUnsignedCNumber(std::string_view str, std::uint32_t& nValue) {
-    std::int64_t nRead = 0;
-    if (!ReadPrefixed(str, nRead)) {
+    std::int64_t read = 0;
+    if (!ReadPrefixed(str, read)) {
         return false;
     }
     nValue = static_cast<std::uint32_t>(
-        std::min<std::int64_t>(nRead, std::numeric_limits<std::uint32_t>::max()));
+        std::min<std::int64_t>(read, std::numeric_limits<std::uint32_t>::max()));
     return true;
 }
 
@@ -103,12 +103,12 @@ bool ReadDecimal(std::string_view str, std::int32_t& nValue) {
 }
 
 std::int32_t MulDivRounded(std::int32_t a, std::int32_t b, std::int32_t c) {
-    const std::int64_t nProduct = std::int64_t{a} * b;
-    const std::int64_t nHalf = (c < 0 ? -std::int64_t{c} : std::int64_t{c}) / 2;
-    const std::int64_t nRounded = (nProduct < 0 ? nProduct - nHalf : nProduct + nHalf) / c;
+    const std::int64_t product = std::int64_t{a} * b;
+    const std::int64_t half = (c < 0 ? -std::int64_t{c} : std::int64_t{c}) / 2;
+    const std::int64_t rounded = (product < 0 ? product - half : product + half) / c;
     using Limits = std::numeric_limits<std::int32_t>;
     return static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(nRounded, Limits::min(), Limits::max()));
+        std::clamp<std::int64_t>(rounded, Limits::min(), Limits::max()));
 }
 
 }  // namespace mvp::richtext

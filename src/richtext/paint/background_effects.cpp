@@ -34,10 +34,10 @@ std::int32_t ChannelOf(Colour colour, unsigned nShift) {
 
 Colour Mix(Colour a, Colour b, std::int32_t nShare) {
     Colour mixed = 0;
-    for (unsigned nShift = 0; nShift < 24; nShift += 8) {
-        const std::int32_t nFrom = ChannelOf(a, nShift);
-        const std::int32_t n = nFrom + (ChannelOf(b, nShift) - nFrom) * nShare / kWhole;
-        mixed |= static_cast<Colour>(std::clamp(n, 0, 255)) << nShift;
+    for (unsigned shift = 0; shift < 24; shift += 8) {
+        const std::int32_t from = ChannelOf(a, shift);
+        const std::int32_t n = from + (ChannelOf(b, shift) - from) * nShare / kWhole;
+        mixed |= static_cast<Colour>(std::clamp(n, 0, 255)) << shift;
     }
     return mixed;
 }
@@ -47,8 +47,8 @@ Colour Lit(const Effect& effect, std::int32_t nLight) {
     if (nLight >= 0) {
         return Mix(effect.start, 0xFFFFFF, nLight);
     }
-    const bool bOwnDark = effect.end != effect.start;
-    return Mix(effect.start, bOwnDark ? effect.end : 0, bOwnDark ? -2 * nLight : -nLight);
+    const bool ownDark = effect.end != effect.start;
+    return Mix(effect.start, ownDark ? effect.end : 0, ownDark ? -2 * nLight : -nLight);
 }
 
 // The same for the same place, without a pattern to the eye: 0 to 255.
@@ -66,9 +66,9 @@ Colour ThreeColours(const Effect& effect, std::int32_t nShare) {
 }
 
 Colour Noise(const Effect& effect, std::int32_t nX, std::int32_t nY) {
-    const std::int32_t nGrain = Grain(nX, nY);
-    return effect.end != effect.start ? Mix(effect.start, effect.end, nGrain)
-                                      : Lit(effect, (nGrain - kWhole / 2) / 4);
+    const std::int32_t grain = Grain(nX, nY);
+    return effect.end != effect.start ? Mix(effect.start, effect.end, grain)
+                                      : Lit(effect, (grain - kWhole / 2) / 4);
 }
 
 // How the light falls on an edge of nEdge pixels: light on the side nearer the top left, dark on
@@ -77,8 +77,8 @@ std::int32_t EdgeLight(std::int32_t n, std::int32_t nSize, std::int32_t nEdge) {
     if (n < nEdge) {
         return kWhole * (nEdge - n) / nEdge;
     }
-    const std::int32_t nFromEnd = nSize - 1 - n;
-    return nFromEnd < nEdge ? -kWhole * (nEdge - nFromEnd) / nEdge : 0;
+    const std::int32_t fromEnd = nSize - 1 - n;
+    return fromEnd < nEdge ? -kWhole * (nEdge - fromEnd) / nEdge : 0;
 }
 
 Colour Bump(const Effect& effect, std::int32_t nX, std::int32_t nY, bool bSoft) {
@@ -86,63 +86,63 @@ Colour Bump(const Effect& effect, std::int32_t nX, std::int32_t nY, bool bSoft) 
     const auto edgeOf = [&](std::int32_t nSize) {
         return std::max(1, bSoft ? std::min(nSize / 4, 1 << 20) : std::min(kBevel, nSize / 2));
     };
-    std::int32_t nDown = EdgeLight(nY, effect.nHeight, edgeOf(effect.nHeight));
-    std::int32_t nAcross = EdgeLight(nX, effect.nWidth, edgeOf(effect.nWidth));
+    std::int32_t down = EdgeLight(nY, effect.nHeight, edgeOf(effect.nHeight));
+    std::int32_t across = EdgeLight(nX, effect.nWidth, edgeOf(effect.nWidth));
     if (bSoft) {
-        nDown = nDown * std::abs(nDown) / kWhole;
-        nAcross = nAcross * std::abs(nAcross) / kWhole;
+        down = down * std::abs(down) / kWhole;
+        across = across * std::abs(across) / kWhole;
     } else {
-        nDown = nDown == 0 ? 0 : nDown > 0 ? kWhole : -kWhole;
-        nAcross = nAcross == 0 ? 0 : nAcross > 0 ? kWhole : -kWhole;
+        down = down == 0 ? 0 : down > 0 ? kWhole : -kWhole;
+        across = across == 0 ? 0 : across > 0 ? kWhole : -kWhole;
     }
-    return Lit(effect, std::clamp((nDown + nAcross) / 3, -kWhole / 2, kWhole / 2));
+    return Lit(effect, std::clamp((down + across) / 3, -kWhole / 2, kWhole / 2));
 }
 
 Colour Metal(const Effect& effect, std::int32_t nX, std::int32_t nY, std::int32_t nDown) {
     // Two bands of light, and streaks: grain that runs on for some pixels.
-    const std::int32_t nBands = Round((2 * nDown) % kWhole) / 4 - kWhole / 10;
-    const std::int32_t nStreak = (Grain(nX / 24, nY) + Grain(nX / 7, nY) - kWhole) / 16;
-    return Lit(effect, nBands + nStreak);
+    const std::int32_t bands = Round((2 * nDown) % kWhole) / 4 - kWhole / 10;
+    const std::int32_t streak = (Grain(nX / 24, nY) + Grain(nX / 7, nY) - kWhole) / 16;
+    return Lit(effect, bands + streak);
 }
 
 Colour PixelAt(const Effect& effect, std::int32_t nX, std::int32_t nY) {
-    const std::int32_t nAcross = ShareAt(nX, effect.nWidth);
-    const std::int32_t nDown = ShareAt(nY, effect.nHeight);
+    const std::int32_t across = ShareAt(nX, effect.nWidth);
+    const std::int32_t down = ShareAt(nY, effect.nHeight);
     switch (effect.effect) {
         case BackgroundEffect::HGradient:
-            return Mix(effect.start, effect.end, nAcross);
+            return Mix(effect.start, effect.end, across);
         case BackgroundEffect::VGradient:
-            return Mix(effect.start, effect.end, nDown);
+            return Mix(effect.start, effect.end, down);
         case BackgroundEffect::HCGradient:
-            return Mix(effect.start, effect.end, Centred(nAcross));
+            return Mix(effect.start, effect.end, Centred(across));
         case BackgroundEffect::VCGradient:
-            return Mix(effect.start, effect.end, Centred(nDown));
+            return Mix(effect.start, effect.end, Centred(down));
         case BackgroundEffect::HGradient3:
-            return ThreeColours(effect, nAcross);
+            return ThreeColours(effect, across);
         case BackgroundEffect::VGradient3:
-            return ThreeColours(effect, nDown);
+            return ThreeColours(effect, down);
         case BackgroundEffect::Noise:
             return Noise(effect, nX, nY);
         case BackgroundEffect::DiagShade: {
-            const std::int32_t nLight = (nAcross + nDown) / 2 + (Grain(nX, nY) - 128) / 16;
+            const std::int32_t light = (across + down) / 2 + (Grain(nX, nY) - 128) / 16;
             return effect.end != effect.start
-                       ? Mix(effect.start, effect.end, std::clamp(nLight, 0, kWhole))
-                       : Lit(effect, (kWhole / 2 - nLight) / 2);
+                       ? Mix(effect.start, effect.end, std::clamp(light, 0, kWhole))
+                       : Lit(effect, (kWhole / 2 - light) / 2);
         }
         case BackgroundEffect::HShade:
-            return Lit(effect, (kWhole / 2 - nAcross) / 2 + (Grain(nX, nY) - 128) / 32);
+            return Lit(effect, (kWhole / 2 - across) / 2 + (Grain(nX, nY) - 128) / 32);
         case BackgroundEffect::VShade:
-            return Lit(effect, (kWhole / 2 - nDown) / 2 + (Grain(nX, nY) - 128) / 32);
+            return Lit(effect, (kWhole / 2 - down) / 2 + (Grain(nX, nY) - 128) / 32);
         case BackgroundEffect::HBump:
-            return Lit(effect, (Round(nDown) - kWhole / 2) / 2);
+            return Lit(effect, (Round(down) - kWhole / 2) / 2);
         case BackgroundEffect::VBump:
-            return Lit(effect, (Round(nAcross) - kWhole / 2) / 2);
+            return Lit(effect, (Round(across) - kWhole / 2) / 2);
         case BackgroundEffect::SoftBump:
             return Bump(effect, nX, nY, true);
         case BackgroundEffect::HardBump:
             return Bump(effect, nX, nY, false);
         case BackgroundEffect::Metal:
-            return Metal(effect, nX, nY, nDown);
+            return Metal(effect, nX, nY, down);
         case BackgroundEffect::Transparent:
         case BackgroundEffect::Solid:
             break;
@@ -157,14 +157,14 @@ void PaintEffect(const Effect& effect, const EffectArea& area, std::uint8_t* pPi
     if (effect.effect == BackgroundEffect::Transparent) {
         return;
     }
-    for (std::int32_t nRow = 0; nRow < area.nHeight; ++nRow) {
-        std::uint8_t* pPixel = pPixels + static_cast<std::size_t>(nRow) * nStride;
-        for (std::int32_t nColumn = 0; nColumn < area.nWidth; ++nColumn) {
-            const Colour colour = PixelAt(effect, area.nX + nColumn, area.nY + nRow);
-            *pPixel++ = static_cast<std::uint8_t>(colour >> 16);
-            *pPixel++ = static_cast<std::uint8_t>(colour >> 8);
-            *pPixel++ = static_cast<std::uint8_t>(colour);
-            *pPixel++ = 0xFF;
+    for (std::int32_t row = 0; row < area.nHeight; ++row) {
+        std::uint8_t* pixel = pPixels + static_cast<std::size_t>(row) * nStride;
+        for (std::int32_t column = 0; column < area.nWidth; ++column) {
+            const Colour colour = PixelAt(effect, area.nX + column, area.nY + row);
+            *pixel++ = static_cast<std::uint8_t>(colour >> 16);
+            *pixel++ = static_cast<std::uint8_t>(colour >> 8);
+            *pixel++ = static_cast<std::uint8_t>(colour);
+            *pixel++ = 0xFF;
         }
     }
 }

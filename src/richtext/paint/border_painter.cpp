@@ -16,19 +16,19 @@ struct EdgeArea {
 // Dots are squares of the edge's width, dashes three times as long; the gaps are as long as the
 // marks. Begins at the first mark that reaches into what is to be painted.
 void DrawMarks(HDC hDC, const EdgeArea& edge, int nMark, const RECT& dirty) {
-    const int nStart = edge.bAcross ? edge.area.left : edge.area.top;
-    const int nEnd = edge.bAcross ? edge.area.right : edge.area.bottom;
-    const int nFirst = std::max(nStart, static_cast<int>(edge.bAcross ? dirty.left : dirty.top));
-    const int nLast = std::min(nEnd, static_cast<int>(edge.bAcross ? dirty.right : dirty.bottom));
-    for (int n = nStart + (nFirst - nStart) / (2 * nMark) * 2 * nMark; n < nLast; n += 2 * nMark) {
+    const int start = edge.bAcross ? edge.area.left : edge.area.top;
+    const int end = edge.bAcross ? edge.area.right : edge.area.bottom;
+    const int first = std::max(start, static_cast<int>(edge.bAcross ? dirty.left : dirty.top));
+    const int last = std::min(end, static_cast<int>(edge.bAcross ? dirty.right : dirty.bottom));
+    for (int n = start + (first - start) / (2 * nMark) * 2 * nMark; n < last; n += 2 * nMark) {
         RECT mark = edge.area;
-        const int nMarkEnd = std::min(n + nMark, nEnd);
+        const int markEnd = std::min(n + nMark, end);
         if (edge.bAcross) {
             mark.left = n;
-            mark.right = nMarkEnd;
+            mark.right = markEnd;
         } else {
             mark.top = n;
-            mark.bottom = nMarkEnd;
+            mark.bottom = markEnd;
         }
         FillArea(hDC, mark, dirty, edge.colour);
     }
@@ -47,7 +47,7 @@ void DrawEdge(HDC hDC, const EdgeArea& edge, BorderStyle style, const RECT& dirt
 // The four edges, each reaching into the corners; top and bottom are drawn last and cover them.
 void DrawEdges(HDC hDC, const Border& border, const Edges& width, const RECT& box,
                const RECT& dirty) {
-    const EdgeArea aEdges[] = {
+    const EdgeArea edges[] = {
         {{box.left, box.top, box.left + width[kLeft], box.bottom},
          false,
          border.topLeft,
@@ -62,7 +62,7 @@ void DrawEdges(HDC hDC, const Border& border, const Edges& width, const RECT& bo
          width[kBottom]},
         {{box.left, box.top, box.right, box.top + width[kTop]}, true, border.topLeft, width[kTop]},
     };
-    for (const EdgeArea& edge : aEdges) {
+    for (const EdgeArea& edge : edges) {
         RECT visible{};
         if (edge.nWidth > 0 && IntersectRect(&visible, &edge.area, &dirty)) {
             DrawEdge(hDC, edge, border.style, dirty);
@@ -77,12 +77,12 @@ RECT Shrunk(const RECT& box, const Edges& by) {
 
 // One frame of a pixel inside the other, so that light and dark meet aslant.
 void DrawBevel(HDC hDC, const Border& border, const RECT& box, const RECT& dirty) {
-    const int nWidest = *std::max_element(border.width.begin(), border.width.end());
+    const int widest = *std::max_element(border.width.begin(), border.width.end());
     RECT frame = box;
-    for (int n = 0; n < nWidest; ++n) {
+    for (int n = 0; n < widest; ++n) {
         Edges one = {};
-        for (std::size_t nEdge = 0; nEdge < one.size(); ++nEdge) {
-            one[nEdge] = border.width[nEdge] > n ? 1 : 0;
+        for (std::size_t edge = 0; edge < one.size(); ++edge) {
+            one[edge] = border.width[edge] > n ? 1 : 0;
         }
         DrawEdges(hDC, border, one, frame, dirty);
         frame = Shrunk(frame, one);
@@ -93,12 +93,12 @@ void DrawBevel(HDC hDC, const Border& border, const RECT& box, const RECT& dirty
 void DrawDouble(HDC hDC, const Border& border, const RECT& box, const RECT& dirty) {
     Edges line = {};
     Edges inset = {};
-    for (std::size_t nEdge = 0; nEdge < line.size(); ++nEdge) {
-        line[nEdge] = (border.width[nEdge] + 1) / 3;
-        inset[nEdge] = border.width[nEdge] - line[nEdge];
-        if (border.width[nEdge] < 3) {
-            line[nEdge] = border.width[nEdge];
-            inset[nEdge] = 0;
+    for (std::size_t edge = 0; edge < line.size(); ++edge) {
+        line[edge] = (border.width[edge] + 1) / 3;
+        inset[edge] = border.width[edge] - line[edge];
+        if (border.width[edge] < 3) {
+            line[edge] = border.width[edge];
+            inset[edge] = 0;
         }
     }
     DrawEdges(hDC, border, line, box, dirty);

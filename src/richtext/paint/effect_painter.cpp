@@ -30,13 +30,13 @@ struct Ramp {
 };
 
 void DrawRamp(HDC hDC, const RECT& block, const Ramp& ramp, bool bAcross) {
-    std::array<TRIVERTEX, 2> aVertex = bAcross
-                                           ? std::array{VertexAt(ramp.from, block.top, ramp.start),
-                                                        VertexAt(ramp.to, block.bottom, ramp.end)}
-                                           : std::array{VertexAt(block.left, ramp.from, ramp.start),
-                                                        VertexAt(block.right, ramp.to, ramp.end)};
+    std::array<TRIVERTEX, 2> vertex = bAcross
+                                          ? std::array{VertexAt(ramp.from, block.top, ramp.start),
+                                                       VertexAt(ramp.to, block.bottom, ramp.end)}
+                                          : std::array{VertexAt(block.left, ramp.from, ramp.start),
+                                                       VertexAt(block.right, ramp.to, ramp.end)};
     GRADIENT_RECT whole = {0, 1};
-    GdiGradientFill(hDC, aVertex.data(), 2, &whole, 1,
+    GdiGradientFill(hDC, vertex.data(), 2, &whole, 1,
                     bAcross ? GRADIENT_FILL_RECT_H : GRADIENT_FILL_RECT_V);
 }
 
@@ -69,26 +69,26 @@ void DrawPixels(HDC hDC, const Decoration& decoration, const RECT& block, const 
                            decoration.end,
                            static_cast<std::int32_t>(block.right - block.left),
                            static_cast<std::int32_t>(block.bottom - block.top)};
-    const LONG nWidth = area.right - area.left;
+    const LONG width = area.right - area.left;
     // Some rows at a time: the memory is bounded, however large the area.
     constexpr LONG kRows = 64;
-    const std::size_t nStride = static_cast<std::size_t>(nWidth) * 4;
-    std::vector<std::uint8_t> aPixels(nStride * kRows);
+    const std::size_t stride = static_cast<std::size_t>(width) * 4;
+    std::vector<std::uint8_t> pixels(stride * kRows);
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = nWidth;
+    info.bmiHeader.biWidth = width;
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     for (LONG y = area.top; y < area.bottom; y += kRows) {
-        const LONG nRows = std::min(kRows, area.bottom - y);
+        const LONG rows = std::min(kRows, area.bottom - y);
         PaintEffect(effect,
                     {static_cast<std::int32_t>(area.left - block.left),
-                     static_cast<std::int32_t>(y - block.top), static_cast<std::int32_t>(nWidth),
-                     static_cast<std::int32_t>(nRows)},
-                    aPixels.data(), nStride);
-        info.bmiHeader.biHeight = -nRows;
-        SetDIBitsToDevice(hDC, area.left, y, static_cast<DWORD>(nWidth), static_cast<DWORD>(nRows),
-                          0, 0, 0, static_cast<UINT>(nRows), aPixels.data(), &info, DIB_RGB_COLORS);
+                     static_cast<std::int32_t>(y - block.top), static_cast<std::int32_t>(width),
+                     static_cast<std::int32_t>(rows)},
+                    pixels.data(), stride);
+        info.bmiHeader.biHeight = -rows;
+        SetDIBitsToDevice(hDC, area.left, y, static_cast<DWORD>(width), static_cast<DWORD>(rows), 0,
+                          0, 0, static_cast<UINT>(rows), pixels.data(), &info, DIB_RGB_COLORS);
     }
 }
 
@@ -104,19 +104,19 @@ void DrawEffect(HDC hDC, const Decoration& decoration, const RECT& block, const 
         FillArea(hDC, area, dirty, decoration.start);
         return;
     }
-    const bool bGradient = decoration.effect <= BackgroundEffect::VGradient3;
-    const bool bFits =
+    const bool gradient = decoration.effect <= BackgroundEffect::VGradient3;
+    const bool fits =
         block.right - block.left <= kMaxGradient && block.bottom - block.top <= kMaxGradient;
-    if (!bGradient || !bFits) {
+    if (!gradient || !fits) {
         DrawPixels(hDC, decoration, block, area);
         return;
     }
     // The odd ones of the gradients run across.
-    const bool bAcross = (static_cast<int>(decoration.effect) & 1) != 0;
-    const int nSaved = SaveDC(hDC);
+    const bool across = (static_cast<int>(decoration.effect) & 1) != 0;
+    const int saved = SaveDC(hDC);
     IntersectClipRect(hDC, area.left, area.top, area.right, area.bottom);
-    DrawGradient(hDC, decoration, block, bAcross);
-    RestoreDC(hDC, nSaved);
+    DrawGradient(hDC, decoration, block, across);
+    RestoreDC(hDC, saved);
 }
 
 }  // namespace mvp::richtext

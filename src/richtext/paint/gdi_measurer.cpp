@@ -22,46 +22,46 @@ std::int32_t HeightOfX(HDC hDC, const TEXTMETRICA& metric) {
 
 }  // namespace
 
-CGdiMeasurer::CGdiMeasurer(CPictureStore& pictures)
+GdiMeasurer::GdiMeasurer(PictureStore& pictures)
     : m_pictures(pictures), m_dc(CreateCompatibleDC(nullptr)), m_selected(kNoFont) {
     m_hOriginal = GetCurrentObject(m_dc.get(), OBJ_FONT);
     m_base.lfCharSet = DEFAULT_CHARSET;
 }
 
-CGdiMeasurer::~CGdiMeasurer() {
+GdiMeasurer::~GdiMeasurer() {
     Drop();
 }
 
 // A font that is selected cannot be deleted.
-void CGdiMeasurer::Drop() {
+void GdiMeasurer::Drop() {
     SelectObject(m_dc.get(), m_hOriginal);
     m_selected = kNoFont;
     m_byDescription.clear();
     m_aFonts.clear();
 }
 
-void CGdiMeasurer::SetBaseFont(const LOGFONTA& font) {
+void GdiMeasurer::SetBaseFont(const LOGFONTA& font) {
     Drop();
     m_base = font;
     m_base.lfFaceName[LF_FACESIZE - 1] = '\0';
 }
 
-void CGdiMeasurer::DropFontsBeyond(std::size_t nFonts) {
+void GdiMeasurer::DropFontsBeyond(std::size_t nFonts) {
     if (m_aFonts.size() > nFonts) {
         Drop();
     }
 }
 
-HFONT CGdiMeasurer::FontOf(FontHandle font) const {
+HFONT GdiMeasurer::FontOf(FontHandle font) const {
     return font < m_aFonts.size() ? m_aFonts[font].font.get() : nullptr;
 }
 
-FontHandle CGdiMeasurer::OpenFont(const FontDescription& font, FontMetrics& metrics) {
-    std::string strKey(font.face);
+FontHandle GdiMeasurer::OpenFont(const FontDescription& font, FontMetrics& metrics) {
+    std::string key(font.face);
     for (const std::int32_t n : {font.nSize, font.nWeight, font.bItalic ? 1 : 0}) {
-        strKey.append(1, '\0').append(std::to_string(n));
+        key.append(1, '\0').append(std::to_string(n));
     }
-    if (const auto known = m_byDescription.find(strKey); known != m_byDescription.end()) {
+    if (const auto known = m_byDescription.find(key); known != m_byDescription.end()) {
         metrics = m_aFonts[known->second].metrics;
         return known->second;
     }
@@ -81,11 +81,11 @@ FontHandle CGdiMeasurer::OpenFont(const FontDescription& font, FontMetrics& metr
     Select(handle);
     metrics = m_aFonts[handle].metrics = Measure();
     m_aFonts[handle].advances = ReadGlyphAdvances(m_dc.get());
-    m_byDescription.emplace(std::move(strKey), handle);
+    m_byDescription.emplace(std::move(key), handle);
     return handle;
 }
 
-FontMetrics CGdiMeasurer::Measure() const {
+FontMetrics GdiMeasurer::Measure() const {
     TEXTMETRICA metric{};
     if (!GetTextMetricsA(m_dc.get(), &metric)) {
         return {};
@@ -93,46 +93,46 @@ FontMetrics CGdiMeasurer::Measure() const {
     return {metric.tmAscent, metric.tmDescent, HeightOfX(m_dc.get(), metric)};
 }
 
-void CGdiMeasurer::Select(FontHandle font) {
+void GdiMeasurer::Select(FontHandle font) {
     if (m_selected == font) {
         return;
     }
-    const HFONT hFont = FontOf(font);
-    SelectObject(m_dc.get(), hFont != nullptr ? hFont : m_hOriginal);
+    const HFONT fontHandle = FontOf(font);
+    SelectObject(m_dc.get(), fontHandle != nullptr ? fontHandle : m_hOriginal);
     m_selected = font;
 }
 
-std::int64_t CGdiMeasurer::Width(FontHandle font, std::string_view text) {
+std::int64_t GdiMeasurer::Width(FontHandle font, std::string_view text) {
     if (font < m_aFonts.size() && m_aFonts[font].advances) {
         return WidthOf(*m_aFonts[font].advances, text);
     }
     Select(font);
-    std::int64_t nWidth = 0;
+    std::int64_t width = 0;
     while (!text.empty()) {
         const std::string_view part = text.substr(0, kMaxTextCall);
         SIZE size{};
         GetTextExtentPoint32A(m_dc.get(), part.data(), static_cast<int>(part.size()), &size);
-        nWidth += size.cx;
+        width += size.cx;
         text.remove_prefix(part.size());
     }
-    return nWidth;
+    return width;
 }
 
-std::int32_t CGdiMeasurer::TextWidth(FontHandle font, std::string_view text) {
+std::int32_t GdiMeasurer::TextWidth(FontHandle font, std::string_view text) {
     return static_cast<std::int32_t>(
         std::min<std::int64_t>(Width(font, text), std::numeric_limits<std::int32_t>::max()));
 }
 
-ImageSize CGdiMeasurer::SizeOfImage(const ImageDescription& image) {
+ImageSize GdiMeasurer::SizeOfImage(const ImageDescription& image) {
     return m_pictures.SizeOf(image);
 }
 
-bool CGdiMeasurer::StringResource(std::string_view idres, std::string_view module,
-                                  std::string& strText) {
+bool GdiMeasurer::StringResource(std::string_view idres, std::string_view module,
+                                 std::string& strText) {
     return m_pictures.Resources().LoadText(idres, module, strText);
 }
 
-std::int32_t CGdiMeasurer::DotsPerInch() {
+std::int32_t GdiMeasurer::DotsPerInch() {
     return GetDeviceCaps(m_dc.get(), LOGPIXELSY);
 }
 

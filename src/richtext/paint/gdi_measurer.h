@@ -2,8 +2,8 @@
 // painter will draw. Owns the fonts, which it keeps from text to text, so that setting a similar
 // text again makes none anew.
 //
-//     CGdiMeasurer measurer(pictures);
-//     CRichText text(measurer);
+//     GdiMeasurer measurer(pictures);
+//     RichText text(measurer);
 //     ...
 //     SelectObject(hDC, measurer.FontOf(handle));
 #pragma once
@@ -26,11 +26,11 @@ namespace mvp::richtext {
 // The system measures and draws at most this many bytes at a time.
 constexpr std::size_t kMaxTextCall = 8192;
 
-class CGdiMeasurer final : public CTextMeasurer {
+class GdiMeasurer final : public TextMeasurer {
 public:
     // The pictures must outlive the object.
-    explicit CGdiMeasurer(CPictureStore& pictures);
-    ~CGdiMeasurer() override;
+    explicit GdiMeasurer(PictureStore& pictures);
+    ~GdiMeasurer() override;
 
     // What a font without a face of its own, or with one the system does not have, is made like:
     // face, character set and quality are taken.
@@ -62,7 +62,7 @@ private:
     void Drop();
     FontMetrics Measure() const;
 
-    CPictureStore& m_pictures;
+    PictureStore& m_pictures;
     MemoryDc m_dc;
     HGDIOBJ m_hOriginal = nullptr;  // the context's own font
     LOGFONTA m_base{};

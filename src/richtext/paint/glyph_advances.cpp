@@ -17,8 +17,8 @@ constexpr std::int32_t kWorthIt = 4;
 // Central European, Cyrillic, Latin, Greek, Turkish, Baltic. Elsewhere letters join, stack, run
 // from right to left or take two bytes.
 bool IsSimpleCodePage() {
-    const UINT nCodePage = GetACP();
-    return (nCodePage >= 1250 && nCodePage <= 1254) || nCodePage == 1257;
+    const UINT codePage = GetACP();
+    return (codePage >= 1250 && codePage <= 1254) || codePage == 1257;
 }
 
 std::optional<std::int32_t> AdvanceInBitmap(HDC hDC, unsigned nChar) {
@@ -32,7 +32,7 @@ std::optional<std::int32_t> AdvanceInBitmap(HDC hDC, unsigned nChar) {
 
 // One behind the last column that the sample reaches when it is drawn with the context's font.
 std::int32_t DrawnWidth(HDC hDC, std::int32_t nRoom) {
-    const CPicture picture(nRoom, 16);
+    const Picture picture(nRoom, 16);
     const MemoryDc dc(CreateCompatibleDC(hDC));
     if (!picture || !dc) {
         return nRoom;
@@ -46,28 +46,28 @@ std::int32_t DrawnWidth(HDC hDC, std::int32_t nRoom) {
     ExtTextOutA(dc.get(), 0, picture.Height() - 1, 0, nullptr, kSample.data(),
                 static_cast<UINT>(kSample.size()), nullptr);
     GdiFlush();
-    std::int32_t nLast = 0;
+    std::int32_t last = 0;
     const auto pixels = picture.Pixels();
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         if ((pixels[i] & 0xFFFFFF) != 0) {
-            nLast = std::max(nLast, static_cast<std::int32_t>(i % static_cast<std::size_t>(nRoom)));
+            last = std::max(last, static_cast<std::int32_t>(i % static_cast<std::size_t>(nRoom)));
         }
     }
-    return nLast + 1;
+    return last + 1;
 }
 
 // Whether the advances inside the font's bitmaps are the ones that count.
 bool IsDrawnFromBitmaps(HDC hDC, const GlyphAdvances& told) {
-    std::int32_t nInBitmaps = 0;
+    std::int32_t inBitmaps = 0;
     for (const char c : kSample) {
-        nInBitmaps += AdvanceInBitmap(hDC, Byte(c)).value_or(told[Byte(c)]);
+        inBitmaps += AdvanceInBitmap(hDC, Byte(c)).value_or(told[Byte(c)]);
     }
-    const auto nTold = static_cast<std::int32_t>(WidthOf(told, kSample));
-    if (nInBitmaps <= 0 || std::abs(nTold - nInBitmaps) < kWorthIt) {
+    const auto toldWidth = static_cast<std::int32_t>(WidthOf(told, kSample));
+    if (inBitmaps <= 0 || std::abs(toldWidth - inBitmaps) < kWorthIt) {
         return false;
     }
-    const std::int32_t nDrawn = DrawnWidth(hDC, std::max(nTold, nInBitmaps) + 16);
-    return std::abs(nDrawn - nInBitmaps) < std::abs(nDrawn - nTold);
+    const std::int32_t drawn = DrawnWidth(hDC, std::max(toldWidth, inBitmaps) + 16);
+    return std::abs(drawn - inBitmaps) < std::abs(drawn - toldWidth);
 }
 
 }  // namespace
@@ -86,11 +86,11 @@ std::optional<GlyphAdvances> ReadGlyphAdvances(HDC hDC) {
 }
 
 std::int64_t WidthOf(const GlyphAdvances& advances, std::string_view text) {
-    std::int64_t nWidth = 0;
+    std::int64_t width = 0;
     for (const char c : text) {
-        nWidth += advances[Byte(c)];
+        width += advances[Byte(c)];
     }
-    return nWidth;
+    return width;
 }
 
 }  // namespace mvp::richtext

@@ -15,8 +15,8 @@ constexpr int kMaxOverhang = 2 * kMaxEdge;
 const ComputedStyle& StyleOf(const StyledDocument& document, const Fragment& fragment,
                              const PaintLook& look) {
     const ComputedStyle& style = document.styles[fragment.nStyle];
-    const bool bHover = fragment.nLink != kNone && fragment.nLink == look.nHoverLink;
-    return bHover && style.nHover != kNone ? document.styles[style.nHover] : style;
+    const bool hover = fragment.nLink != kNone && fragment.nLink == look.nHoverLink;
+    return hover && style.nHover != kNone ? document.styles[style.nHover] : style;
 }
 
 // Which image of an animated list stands there now.
@@ -25,8 +25,8 @@ std::int32_t FrameAt(std::int32_t nFirst, std::int32_t nSpeed, std::int32_t nCou
     if (nSpeed <= 0 || nCount <= 0 || nFirst < 0) {
         return nFirst;
     }
-    const std::uint32_t nPassed = nClock / static_cast<std::uint32_t>(nSpeed);
-    return static_cast<std::int32_t>((static_cast<std::uint32_t>(nFirst) + nPassed) %
+    const std::uint32_t passed = nClock / static_cast<std::uint32_t>(nSpeed);
+    return static_cast<std::int32_t>((static_cast<std::uint32_t>(nFirst) + passed) %
                                      static_cast<std::uint32_t>(nCount));
 }
 
@@ -46,26 +46,26 @@ ImageDescription DescriptionOf(const StyledDocument& document, const ImageAttrib
             image.nIndex};
 }
 
-CPainter::CPainter(HDC hDC, const RECT& dirty, CGdiMeasurer& measurer, CPictureStore& pictures)
+Painter::Painter(HDC hDC, const RECT& dirty, GdiMeasurer& measurer, PictureStore& pictures)
     : m_hDC(hDC), m_dirty(dirty), m_measurer(measurer), m_pictures(pictures) {}
 
 template <class Box>
-RECT CPainter::RectOf(const Box& box) const {
-    const std::int64_t nLeft = std::int64_t{m_origin.x} + box.nX;
-    const std::int64_t nTop = std::int64_t{m_origin.y} + box.nY;
-    return {HeldCoordinate(nLeft), HeldCoordinate(nTop), HeldCoordinate(nLeft + box.nWidth),
-            HeldCoordinate(nTop + box.nHeight)};
+RECT Painter::RectOf(const Box& box) const {
+    const std::int64_t left = std::int64_t{m_origin.x} + box.nX;
+    const std::int64_t top = std::int64_t{m_origin.y} + box.nY;
+    return {HeldCoordinate(left), HeldCoordinate(top), HeldCoordinate(left + box.nWidth),
+            HeldCoordinate(top + box.nHeight)};
 }
 
-bool CPainter::Touches(const RECT& area) const {
+bool Painter::Touches(const RECT& area) const {
     return area.left < m_dirty.right && area.right > m_dirty.left && area.top < m_dirty.bottom &&
            area.bottom > m_dirty.top;
 }
 
-void CPainter::Paint(const StyledDocument& document, const LayoutBoxes& boxes,
-                     const PaintLook& look) {
+void Painter::Paint(const StyledDocument& document, const LayoutBoxes& boxes,
+                    const PaintLook& look) {
     const Drawn drawn = {document, boxes, look};
-    const int nSaved = SaveDC(m_hDC);
+    const int saved = SaveDC(m_hDC);
     m_hFont = nullptr;
     m_colour = kNoColour;
     IntersectClipRect(m_hDC, m_dirty.left, m_dirty.top, m_dirty.right, m_dirty.bottom);
@@ -87,10 +87,10 @@ void CPainter::Paint(const StyledDocument& document, const LayoutBoxes& boxes,
     if (look.nFocusLink != kNone) {
         DrawFocus(drawn);
     }
-    RestoreDC(m_hDC, nSaved);
+    RestoreDC(m_hDC, saved);
 }
 
-void CPainter::DrawBlock(const Drawn& drawn, const BlockBox& block) {
+void Painter::DrawBlock(const Drawn& drawn, const BlockBox& block) {
     const Decoration& decoration = *drawn.document.DecorationAt(block.nDecoration);
     const RECT area = RectOf(block);
     DrawEffect(m_hDC, decoration, area, m_dirty);
@@ -108,7 +108,7 @@ void CPainter::DrawBlock(const Drawn& drawn, const BlockBox& block) {
     DrawBorder(m_hDC, border, area, m_dirty);
 }
 
-void CPainter::DrawLine(const Drawn& drawn, const LineBox& line) {
+void Painter::DrawLine(const Drawn& drawn, const LineBox& line) {
     for (std::uint32_t i = 0; i < line.nFragments; ++i) {
         const Fragment& fragment = drawn.boxes.aFragments[line.nFirstFragment + i];
         // Slanted letters reach over the sides, but never by more than their height.
@@ -121,7 +121,7 @@ void CPainter::DrawLine(const Drawn& drawn, const LineBox& line) {
     }
 }
 
-void CPainter::DrawFragment(const Drawn& drawn, const Fragment& fragment) {
+void Painter::DrawFragment(const Drawn& drawn, const Fragment& fragment) {
     const ComputedStyle& style = StyleOf(drawn.document, fragment, drawn.look);
     const RECT area = RectOf(fragment);
     switch (fragment.kind) {
@@ -145,39 +145,38 @@ void CPainter::DrawFragment(const Drawn& drawn, const Fragment& fragment) {
     }
 }
 
-void CPainter::SelectFont(const Font& font) {
-    const HFONT hFont = m_measurer.FontOf(font.handle);
-    if (hFont != nullptr && hFont != m_hFont) {
-        SelectObject(m_hDC, hFont);
-        m_hFont = hFont;
+void Painter::SelectFont(const Font& font) {
+    const HFONT fontHandle = m_measurer.FontOf(font.handle);
+    if (fontHandle != nullptr && fontHandle != m_hFont) {
+        SelectObject(m_hDC, fontHandle);
+        m_hFont = fontHandle;
     }
 }
 
-void CPainter::SetColour(Colour colour) {
+void Painter::SetColour(Colour colour) {
     if (colour != m_colour) {
         SetTextColor(m_hDC, colour & 0xFFFFFF);
         m_colour = colour;
     }
 }
 
-void CPainter::DrawTextOf(const Drawn& drawn, const Fragment& fragment,
-                          const ComputedStyle& style) {
+void Painter::DrawTextOf(const Drawn& drawn, const Fragment& fragment, const ComputedStyle& style) {
     const std::string_view text =
         std::string_view(drawn.document.strText).substr(fragment.nOffset, fragment.nLength);
     const Font& font = drawn.document.styles.FontOf(fragment.nStyle);
     SelectFont(font);
     SetColour(style.colour);
-    const int nX = m_origin.x + fragment.nX;
-    const int nBaseline = m_origin.y + fragment.nY + font.metrics.nAscent;
+    const int x = m_origin.x + fragment.nX;
+    const int baseline = m_origin.y + fragment.nY + font.metrics.nAscent;
     if (fragment.nExtra > 0) {
-        DrawSpread(font, nX, nBaseline, text, fragment.nExtra);
+        DrawSpread(font, x, baseline, text, fragment.nExtra);
     } else {
-        DrawRun(nX, nBaseline, text);
+        DrawRun(x, baseline, text);
     }
 }
 
 // A long text goes piece by piece, and only until it leaves what is to be painted.
-void CPainter::DrawRun(int nX, int nY, std::string_view text) {
+void Painter::DrawRun(int nX, int nY, std::string_view text) {
     while (text.size() > kMaxTextCall && nX < m_dirty.right) {
         const std::string_view part = text.substr(0, kMaxTextCall);
         SIZE size{};
@@ -197,40 +196,40 @@ void CPainter::DrawRun(int nX, int nY, std::string_view text) {
 
 // Word by word, each where layout has put it: with the system's own justification letters may take
 // other advances than without, and the line leaves its edge.
-void CPainter::DrawSpread(const Font& font, int nX, int nY, std::string_view text, int nExtra) {
-    const std::int64_t nSpaces = std::count(text.begin(), text.end(), ' ');
-    std::int64_t nSeen = 0;
+void Painter::DrawSpread(const Font& font, int nX, int nY, std::string_view text, int nExtra) {
+    const std::int64_t spaces = std::count(text.begin(), text.end(), ' ');
+    std::int64_t seen = 0;
     for (;;) {
         const std::string_view word = text.substr(0, text.find(' '));
         if (!word.empty()) {
-            DrawRun(nX + static_cast<int>(nExtra * nSeen / nSpaces), nY, word);
+            DrawRun(nX + static_cast<int>(nExtra * seen / spaces), nY, word);
             nX += m_measurer.TextWidth(font.handle, word);
         }
         if (word.size() == text.size()) {
             return;
         }
         nX += font.nSpaceWidth;
-        ++nSeen;
+        ++seen;
         text.remove_prefix(word.size() + 1);
     }
 }
 
 // As lines of our own, so that they run on through tabs and the widened spaces of justified text.
-void CPainter::DrawDecorations(const Font& font, const ComputedStyle& style, const RECT& area) {
-    const LONG nBaseline = area.top + font.metrics.nAscent;
-    const LONG nWidth = LineWidth(font);
+void Painter::DrawDecorations(const Font& font, const ComputedStyle& style, const RECT& area) {
+    const LONG baseline = area.top + font.metrics.nAscent;
+    const LONG width = LineWidth(font);
     const auto draw = [&](std::uint8_t nFlag, LONG nTop) {
         if ((style.nDecoration & nFlag) != 0) {
-            FillArea(m_hDC, {area.left, nTop, area.right, nTop + nWidth}, m_dirty, style.colour);
+            FillArea(m_hDC, {area.left, nTop, area.right, nTop + width}, m_dirty, style.colour);
         }
     };
-    draw(kUnderline, nBaseline + std::max<LONG>(1, font.metrics.nDescent / 4));
-    draw(kLineThrough, nBaseline - (font.metrics.nXHeight + nWidth) / 2);
+    draw(kUnderline, baseline + std::max<LONG>(1, font.metrics.nDescent / 4));
+    draw(kLineThrough, baseline - (font.metrics.nXHeight + width) / 2);
     draw(kOverline, area.top);
 }
 
-void CPainter::DrawInlineBox(const Drawn& drawn, const Fragment& fragment,
-                             const ComputedStyle& style) {
+void Painter::DrawInlineBox(const Drawn& drawn, const Fragment& fragment,
+                            const ComputedStyle& style) {
     const BoxStyle& box = drawn.document.styles.BoxOf(fragment.nStyle);
     const RECT area = RectOf(fragment);
     FillArea(m_hDC, area, m_dirty, style.background);
@@ -245,13 +244,13 @@ void CPainter::DrawInlineBox(const Drawn& drawn, const Fragment& fragment,
     DrawBorder(m_hDC, border, area, m_dirty);
 }
 
-void CPainter::DrawImage(const Drawn& drawn, const Fragment& fragment) {
+void Painter::DrawImage(const Drawn& drawn, const Fragment& fragment) {
     const ImageAttributes& image = drawn.document.aImages[fragment.nOffset];
-    const bool bHot = fragment.nLink != kNone && fragment.nLink == drawn.look.nHoverLink;
+    const bool hot = fragment.nLink != kNone && fragment.nLink == drawn.look.nHoverLink;
     PictureRequest request;
     request.image = DescriptionOf(drawn.document, image);
     request.mask = image.mask;
-    request.style = bHot ? image.hotStyle : image.style;
+    request.style = hot ? image.hotStyle : image.style;
     if (image.nSpeed > 0) {
         request.image.nIndex = FrameAt(image.nIndex, image.nSpeed,
                                        m_pictures.CountOf(request.image), drawn.look.nClock);
@@ -260,20 +259,20 @@ void CPainter::DrawImage(const Drawn& drawn, const Fragment& fragment) {
 }
 
 // A groove, as between the parts of a dialog, if it has no colour of its own.
-void CPainter::DrawRule(const RuleAttributes& rule, const RECT& area) {
+void Painter::DrawRule(const RuleAttributes& rule, const RECT& area) {
     if (rule.colour.has_value()) {
         FillArea(m_hDC, area, m_dirty, *rule.colour);
         return;
     }
-    const LONG nMiddle = area.top + (area.bottom - area.top) / 2;
-    FillArea(m_hDC, {area.left, area.top, area.right, nMiddle}, m_dirty,
+    const LONG middle = area.top + (area.bottom - area.top) / 2;
+    FillArea(m_hDC, {area.left, area.top, area.right, middle}, m_dirty,
              GetSysColor(COLOR_BTNSHADOW));
-    FillArea(m_hDC, {area.left, nMiddle, area.right, area.bottom}, m_dirty,
+    FillArea(m_hDC, {area.left, middle, area.right, area.bottom}, m_dirty,
              GetSysColor(COLOR_BTNHIGHLIGHT));
 }
 
 // One frame for each line the link stands on.
-void CPainter::DrawFocus(const Drawn& drawn) {
+void Painter::DrawFocus(const Drawn& drawn) {
     SetTextColor(m_hDC, 0);
     SetBkColor(m_hDC, 0xFFFFFF);
     RECT frame{};

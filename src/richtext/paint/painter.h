@@ -1,7 +1,7 @@
 // The last stage: draws laid-out boxes. It only reads them, and draws nothing that lies outside of
 // the rectangle it is asked for.
 //
-//     CPainter painter(hDC, dirty, measurer, pictures);
+//     Painter painter(hDC, dirty, measurer, pictures);
 //     painter.MoveTo({nLeft, nTop});
 //     painter.Paint(text.Document(), text.Boxes(), look);
 #pragma once
@@ -21,12 +21,12 @@ struct PaintLook {
     std::uint32_t nClock = 0;          // milliseconds since the animated images began
 };
 
-class CPainter {
+class Painter {
 public:
     // `dirty` is in logical coordinates of the context and bounds what is drawn; the context's
     // state is put back at the end of Paint. Measurer and pictures must be the ones the text was
     // measured with.
-    CPainter(HDC hDC, const RECT& dirty, CGdiMeasurer& measurer, CPictureStore& pictures);
+    Painter(HDC hDC, const RECT& dirty, GdiMeasurer& measurer, PictureStore& pictures);
 
     // Where the text's top left corner stands.
     void MoveTo(POINT origin) { m_origin = origin; }
@@ -59,8 +59,8 @@ private:
 
     HDC m_hDC;
     RECT m_dirty;
-    CGdiMeasurer& m_measurer;
-    CPictureStore& m_pictures;
+    GdiMeasurer& m_measurer;
+    PictureStore& m_pictures;
     POINT m_origin{};
     HFONT m_hFont = nullptr;  // selected
     Colour m_colour = kNoColour;

@@ -24,18 +24,18 @@ std::uint32_t Channel(std::uint32_t nPixel, unsigned nShift) {
 }
 
 std::uint32_t Multiplied(std::uint32_t nPixel) {
-    const std::uint32_t nAlpha = nPixel >> 24;
-    std::uint32_t nResult = nPixel & kAlpha;
-    for (unsigned nShift = 0; nShift < 24; nShift += 8) {
-        nResult |= (Channel(nPixel, nShift) * nAlpha + 127) / 255 << nShift;
+    const std::uint32_t alpha = nPixel >> 24;
+    std::uint32_t result = nPixel & kAlpha;
+    for (unsigned shift = 0; shift < 24; shift += 8) {
+        result |= (Channel(nPixel, shift) * alpha + 127) / 255 << shift;
     }
-    return nResult;
+    return result;
 }
 
 bool IsMultiplied(std::uint32_t nPixel) {
-    const std::uint32_t nAlpha = nPixel >> 24;
-    return Channel(nPixel, 0) <= nAlpha && Channel(nPixel, 8) <= nAlpha &&
-           Channel(nPixel, 16) <= nAlpha;
+    const std::uint32_t alpha = nPixel >> 24;
+    return Channel(nPixel, 0) <= alpha && Channel(nPixel, 8) <= alpha &&
+           Channel(nPixel, 16) <= alpha;
 }
 
 // Files keep colours as they are, programs often multiplied already: colours brighter than their
@@ -48,42 +48,42 @@ void TakeAlpha(std::span<std::uint32_t> pixels) {
 
 // From the same drawing on black and on white: what differs shines through.
 std::uint32_t Uncovered(std::uint32_t nOnBlack, std::uint32_t nOnWhite) {
-    std::uint32_t nThrough = 0;
-    for (unsigned nShift = 0; nShift < 24; nShift += 8) {
-        const std::uint32_t nBlack = Channel(nOnBlack, nShift);
-        const std::uint32_t nWhite = Channel(nOnWhite, nShift);
-        nThrough = std::max(nThrough, nWhite > nBlack ? nWhite - nBlack : 0);
+    std::uint32_t through = 0;
+    for (unsigned shift = 0; shift < 24; shift += 8) {
+        const std::uint32_t black = Channel(nOnBlack, shift);
+        const std::uint32_t white = Channel(nOnWhite, shift);
+        through = std::max(through, white > black ? white - black : 0);
     }
-    const std::uint32_t nAlpha = 255 - nThrough;
-    std::uint32_t nResult = nAlpha << 24;
-    for (unsigned nShift = 0; nShift < 24; nShift += 8) {
-        nResult |= std::min(Channel(nOnBlack, nShift), nAlpha) << nShift;
+    const std::uint32_t alpha = 255 - through;
+    std::uint32_t result = alpha << 24;
+    for (unsigned shift = 0; shift < 24; shift += 8) {
+        result |= std::min(Channel(nOnBlack, shift), alpha) << shift;
     }
-    return nResult;
+    return result;
 }
 
 }  // namespace
 
-CPicture::CPicture(std::int32_t nWidth, std::int32_t nHeight) {
+Picture::Picture(std::int32_t nWidth, std::int32_t nHeight) {
     if (!IsPictureSize(nWidth, nHeight)) {
         return;
     }
     const BITMAPINFO info = InfoOf(nWidth, nHeight);
-    void* pPixels = nullptr;
-    m_bitmap.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pPixels, nullptr, 0));
+    void* pixels = nullptr;
+    m_bitmap.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
     if (m_bitmap) {
-        m_pPixels = static_cast<std::uint32_t*>(pPixels);
+        m_pPixels = static_cast<std::uint32_t*>(pixels);
         m_nWidth = nWidth;
         m_nHeight = nHeight;
     }
 }
 
-CPicture CPicture::FromBitmap(HBITMAP hBitmap, Colour mask) {
+Picture Picture::FromBitmap(HBITMAP hBitmap, Colour mask) {
     BITMAP source{};
     if (GetObjectA(hBitmap, sizeof source, &source) != sizeof source) {
         return {};
     }
-    CPicture picture(source.bmWidth, source.bmHeight);
+    Picture picture(source.bmWidth, source.bmHeight);
     const MemoryDc dc(CreateCompatibleDC(nullptr));
     if (!picture || !dc) {
         return {};
@@ -95,33 +95,33 @@ CPicture CPicture::FromBitmap(HBITMAP hBitmap, Colour mask) {
     }
     const auto pixels = picture.Pixels();
     const auto hasAlpha = [](std::uint32_t n) { return (n & kAlpha) != 0; };
-    const bool bAlpha =
+    const bool alpha =
         source.bmBitsPixel == 32 && std::any_of(pixels.begin(), pixels.end(), hasAlpha);
-    if (bAlpha) {
+    if (alpha) {
         TakeAlpha(pixels);
     }
-    const std::uint32_t nMask = (mask & 0xFF) << 16 | (mask & 0xFF00) | (mask >> 16 & 0xFF);
-    for (std::uint32_t& nPixel : pixels) {
-        if (mask != kNoColour && (nPixel & kColours) == nMask) {
-            nPixel = 0;
-        } else if (!bAlpha) {
-            nPixel |= kAlpha;
+    const std::uint32_t maskPixel = (mask & 0xFF) << 16 | (mask & 0xFF00) | (mask >> 16 & 0xFF);
+    for (std::uint32_t& pixel : pixels) {
+        if (mask != kNoColour && (pixel & kColours) == maskPixel) {
+            pixel = 0;
+        } else if (!alpha) {
+            pixel |= kAlpha;
         }
     }
     return picture;
 }
 
-CPicture CPicture::FromDrawing(std::int32_t nWidth, std::int32_t nHeight,
-                               const std::function<void(HDC)>& draw) {
-    CPicture onBlack(nWidth, nHeight);
-    CPicture onWhite(nWidth, nHeight);
+Picture Picture::FromDrawing(std::int32_t nWidth, std::int32_t nHeight,
+                             const std::function<void(HDC)>& draw) {
+    Picture onBlack(nWidth, nHeight);
+    Picture onWhite(nWidth, nHeight);
     const MemoryDc dc(CreateCompatibleDC(nullptr));
     if (!onBlack || !onWhite || !dc) {
         return {};
     }
     std::fill(onWhite.Pixels().begin(), onWhite.Pixels().end(), kColours);
-    for (const CPicture* pPicture : {&onBlack, &onWhite}) {
-        const DcSelection selection(dc.get(), pPicture->Get());
+    for (const Picture* picture : {&onBlack, &onWhite}) {
+        const DcSelection selection(dc.get(), picture->Get());
         draw(dc.get());
         GdiFlush();
     }
@@ -131,20 +131,20 @@ CPicture CPicture::FromDrawing(std::int32_t nWidth, std::int32_t nHeight,
     return onBlack;
 }
 
-CPicture CPicture::Disabled() const {
-    CPicture grey(m_nWidth, m_nHeight);
+Picture Picture::Disabled() const {
+    Picture grey(m_nWidth, m_nHeight);
     if (grey) {
         const auto pixels = Pixels();
         std::transform(pixels.begin(), pixels.end(), grey.Pixels().begin(), [](std::uint32_t n) {
-            const std::uint32_t nLight =
+            const std::uint32_t light =
                 (Channel(n, 16) * 77 + Channel(n, 8) * 151 + Channel(n, 0) * 28) / 512;
-            return (n >> 24) / 2 << 24 | nLight << 16 | nLight << 8 | nLight;
+            return (n >> 24) / 2 << 24 | light << 16 | light << 8 | light;
         });
     }
     return grey;
 }
 
-void CPicture::Draw(HDC hDC, const RECT& place, const RECT& part, BYTE nAlpha) const {
+void Picture::Draw(HDC hDC, const RECT& place, const RECT& part, BYTE nAlpha) const {
     const MemoryDc source(CreateCompatibleDC(hDC));
     if (!m_bitmap || !source || IsRectEmpty(&place) || IsRectEmpty(&part)) {
         return;

@@ -23,18 +23,18 @@ constexpr bool IsPictureSize(std::int64_t nWidth, std::int64_t nHeight) {
            nWidth * nHeight <= kMaxPicturePixels;
 }
 
-class CPicture {
+class Picture {
 public:
-    CPicture() = default;
+    Picture() = default;
     // Empty when there is no memory or the size is out of bounds; otherwise transparent.
-    CPicture(std::int32_t nWidth, std::int32_t nHeight);
+    Picture(std::int32_t nWidth, std::int32_t nHeight);
 
     // A copy of the bitmap, which must not be selected anywhere. Pixels of the colour `mask` become
     // transparent; kNoColour: none. The alpha of a 32-bit bitmap that has any is kept.
-    static CPicture FromBitmap(HBITMAP hBitmap, Colour mask);
+    static Picture FromBitmap(HBITMAP hBitmap, Colour mask);
     // What `draw` draws on a background that shows through. Called twice.
-    static CPicture FromDrawing(std::int32_t nWidth, std::int32_t nHeight,
-                                const std::function<void(HDC)>& draw);
+    static Picture FromDrawing(std::int32_t nWidth, std::int32_t nHeight,
+                               const std::function<void(HDC)>& draw);
 
     explicit operator bool() const { return static_cast<bool>(m_bitmap); }
     std::int32_t Width() const { return m_nWidth; }
@@ -45,7 +45,7 @@ public:
     std::span<const std::uint32_t> Pixels() const { return {m_pPixels, PixelCount()}; }
 
     // The same in grey and half faded, as a disabled control shows it.
-    CPicture Disabled() const;
+    Picture Disabled() const;
 
     // A part of it into a rectangle. Alpha is the opacity of the whole.
     void Draw(HDC hDC, const RECT& place, const RECT& part, BYTE nAlpha = 255) const;

@@ -14,10 +14,10 @@ constexpr std::uint64_t kMaxIconFile = 4 << 20;
 
 // Run lengths are refused: nobody needs them in a text, and they say nothing of their size.
 Bitmap PictureOf(const std::optional<BitmapImage>& image) {
-    const bool bTaken = image.has_value() && IsPictureSize(image->nWidth, image->nHeight) &&
-                        (image->packing == BitmapImage::Packing::None ||
-                         image->packing == BitmapImage::Packing::Masks);
-    return bTaken ? MakeBitmap(*image) : Bitmap();
+    const bool taken = image.has_value() && IsPictureSize(image->nWidth, image->nHeight) &&
+                       (image->packing == BitmapImage::Packing::None ||
+                        image->packing == BitmapImage::Packing::Masks);
+    return taken ? MakeBitmap(*image) : Bitmap();
 }
 
 }  // namespace
@@ -30,34 +30,34 @@ Bitmap LoadPictureFile(std::string_view file) {
     return PictureOf(ReadBitmapFile(bytes));
 }
 
-Bitmap LoadPictureResource(const CResourceFinder& resources, std::string_view module,
+Bitmap LoadPictureResource(const ResourceFinder& resources, std::string_view module,
                            std::string_view idres) {
-    const CResourceName name(idres);
-    const CResourceFinder::Module found = resources.Find(module, name, RT_BITMAP);
-    const HRSRC hResource =
+    const ResourceName name(idres);
+    const ResourceFinder::Module found = resources.Find(module, name, RT_BITMAP);
+    const HRSRC resource =
         found.hModule != nullptr ? FindResourceA(found.hModule, name.Get(), RT_BITMAP) : nullptr;
-    const HGLOBAL hLoaded = hResource != nullptr ? LoadResource(found.hModule, hResource) : nullptr;
-    const void* pBytes = hLoaded != nullptr ? LockResource(hLoaded) : nullptr;
-    if (pBytes == nullptr) {
+    const HGLOBAL loaded = resource != nullptr ? LoadResource(found.hModule, resource) : nullptr;
+    const void* bytes = loaded != nullptr ? LockResource(loaded) : nullptr;
+    if (bytes == nullptr) {
         return {};
     }
     return PictureOf(ReadBitmapResource(
-        {static_cast<const std::uint8_t*>(pBytes), SizeofResource(found.hModule, hResource)}));
+        {static_cast<const std::uint8_t*>(bytes), SizeofResource(found.hModule, resource)}));
 }
 
 Icon LoadIconFile(std::string_view file, SIZE size) {
-    const std::string strFile(file);
-    if (!IsLocalPath(file) || ReadDiskFile(strFile.c_str(), kMaxIconFile).empty()) {
+    const std::string fileName(file);
+    if (!IsLocalPath(file) || ReadDiskFile(fileName.c_str(), kMaxIconFile).empty()) {
         return {};
     }
-    return Icon(static_cast<HICON>(LoadImageA(nullptr, strFile.c_str(), IMAGE_ICON, size.cx,
+    return Icon(static_cast<HICON>(LoadImageA(nullptr, fileName.c_str(), IMAGE_ICON, size.cx,
                                               size.cy, LR_LOADFROMFILE | LR_DEFAULTSIZE)));
 }
 
-Icon LoadIconResource(const CResourceFinder& resources, std::string_view module,
+Icon LoadIconResource(const ResourceFinder& resources, std::string_view module,
                       std::string_view idres, SIZE size) {
-    const CResourceName name(idres);
-    const CResourceFinder::Module found = resources.Find(module, name, RT_GROUP_ICON);
+    const ResourceName name(idres);
+    const ResourceFinder::Module found = resources.Find(module, name, RT_GROUP_ICON);
     if (found.hModule == nullptr) {
         return {};
     }
@@ -67,17 +67,17 @@ Icon LoadIconResource(const CResourceFinder& resources, std::string_view module,
 
 HANDLE ReadHandle(std::string_view value) {
     value = Trim(value);
-    const bool bHexadecimal = value.size() > 2 && value[0] == '0' && AsciiLower(value[1]) == 'x';
-    if (bHexadecimal) {
+    const bool hexadecimal = value.size() > 2 && value[0] == '0' && AsciiLower(value[1]) == 'x';
+    if (hexadecimal) {
         value.remove_prefix(2);
     }
-    std::uintptr_t nValue = 0;
-    const auto [pEnd, error] =
-        std::from_chars(value.data(), value.data() + value.size(), nValue, bHexadecimal ? 16 : 10);
-    if (error != std::errc() || pEnd != value.data() + value.size()) {
+    std::uintptr_t number = 0;
+    const auto [end, error] =
+        std::from_chars(value.data(), value.data() + value.size(), number, hexadecimal ? 16 : 10);
+    if (error != std::errc() || end != value.data() + value.size()) {
         return nullptr;
     }
-    return reinterpret_cast<HANDLE>(nValue);
+    return reinterpret_cast<HANDLE>(number);
 }
 
 }  // namespace mvp::richtext

@@ -18,11 +18,11 @@ static_assert(IsPictureSize(kMaxFilling, kMaxFilling));
 constexpr LONG kMaxIcon = 256;
 
 // Whole and part of a strip: as many squares as its height fits into its width.
-std::int32_t SquaresOf(const CPicture& strip) {
+std::int32_t SquaresOf(const Picture& strip) {
     return strip ? strip.Width() / strip.Height() : 0;
 }
 
-RECT WholeOf(const CPicture& picture) {
+RECT WholeOf(const Picture& picture) {
     return {0, 0, picture.Width(), picture.Height()};
 }
 
@@ -49,28 +49,28 @@ std::optional<SIZE> SizeOfIcon(HICON hIcon) {
 }
 
 // What is seen from `from` on of a plane tiled with the picture.
-CPicture FillingOf(const CPicture& tile, POINT from, SIZE size) {
-    CPicture filling(size.cx, size.cy);
+Picture FillingOf(const Picture& tile, POINT from, SIZE size) {
+    Picture filling(size.cx, size.cy);
     if (!filling) {
         return filling;
     }
-    const auto row = [](auto pixels, std::int32_t nY, std::int32_t nWidth) {
-        return pixels.subspan(static_cast<std::size_t>(nY) * static_cast<std::size_t>(nWidth),
+    const auto row = [](auto pixels, std::int32_t y, std::int32_t nWidth) {
+        return pixels.subspan(static_cast<std::size_t>(y) * static_cast<std::size_t>(nWidth),
                               static_cast<std::size_t>(nWidth));
     };
-    for (std::int32_t nY = 0; nY < filling.Height(); ++nY) {
-        const auto source = row(tile.Pixels(), (from.y + nY) % tile.Height(), tile.Width());
-        auto nFrom = static_cast<std::size_t>(from.x % tile.Width());
-        for (std::uint32_t& nPixel : row(filling.Pixels(), nY, filling.Width())) {
-            nPixel = source[nFrom];
-            nFrom = nFrom + 1 == source.size() ? 0 : nFrom + 1;
+    for (std::int32_t y = 0; y < filling.Height(); ++y) {
+        const auto source = row(tile.Pixels(), (from.y + y) % tile.Height(), tile.Width());
+        auto offset = static_cast<std::size_t>(from.x % tile.Width());
+        for (std::uint32_t& pixel : row(filling.Pixels(), y, filling.Width())) {
+            pixel = source[offset];
+            offset = offset + 1 == source.size() ? 0 : offset + 1;
         }
     }
     return filling;
 }
 
-CPicture PictureOfIcon(HICON hIcon, SIZE size, std::int32_t nFrame) {
-    return CPicture::FromDrawing(size.cx, size.cy, [=](HDC hDC) {
+Picture PictureOfIcon(HICON hIcon, SIZE size, std::int32_t nFrame) {
+    return Picture::FromDrawing(size.cx, size.cy, [=](HDC hDC) {
         DrawIconEx(hDC, 0, 0, hIcon, size.cx, size.cy, static_cast<UINT>(std::max(nFrame, 0)),
                    nullptr, DI_NORMAL);
     });
@@ -78,7 +78,7 @@ CPicture PictureOfIcon(HICON hIcon, SIZE size, std::int32_t nFrame) {
 
 }  // namespace
 
-bool CPictureStore::Key::operator<(const Key& other) const {
+bool PictureStore::Key::operator<(const Key& other) const {
     const auto fields = [](const Key& key) {
         return std::tie(key.kind, key.nIndex, key.mask, key.size.cx, key.size.cy, key.bDisabled,
                         key.strResource, key.strModule, key.strHandle, key.strFile);
@@ -86,12 +86,12 @@ bool CPictureStore::Key::operator<(const Key& other) const {
     return fields(*this) < fields(other);
 }
 
-void CPictureStore::Clear() {
+void PictureStore::Clear() {
     m_pictures.clear();
     m_nPixels = 0;
 }
 
-CPictureStore::Key CPictureStore::KeyOf(const ImageDescription& image, Colour mask, SIZE size) {
+PictureStore::Key PictureStore::KeyOf(const ImageDescription& image, Colour mask, SIZE size) {
     Key key;
     key.kind = image.kind;
     key.strResource = image.idres;
@@ -99,8 +99,8 @@ CPictureStore::Key CPictureStore::KeyOf(const ImageDescription& image, Colour ma
     key.strHandle = image.handle;
     key.strFile = image.file;
     key.mask = mask;
-    const bool bHandle = !image.handle.empty();
-    if (image.kind == ImageKind::Icon || (image.kind == ImageKind::ImageList && bHandle)) {
+    const bool handle = !image.handle.empty();
+    if (image.kind == ImageKind::Icon || (image.kind == ImageKind::ImageList && handle)) {
         key.nIndex = image.nIndex;
     }
     if (image.kind == ImageKind::Icon) {
@@ -109,15 +109,15 @@ CPictureStore::Key CPictureStore::KeyOf(const ImageDescription& image, Colour ma
     return key;
 }
 
-const CPicture& CPictureStore::Get(const Key& key) {
-    static const CPicture kNoPicture;
+const Picture& PictureStore::Get(const Key& key) {
+    static const Picture kNoPicture;
     if (const auto known = m_pictures.find(key); known != m_pictures.end()) {
         return known->second;
     }
     if (m_pictures.size() >= kMaxPictures || m_nPixels >= kMaxPixels) {
         return kNoPicture;
     }
-    CPicture picture;
+    Picture picture;
     if (key.bDisabled) {
         Key normal = key;
         normal.bDisabled = false;
@@ -129,7 +129,7 @@ const CPicture& CPictureStore::Get(const Key& key) {
     return m_pictures.emplace(key, std::move(picture)).first->second;
 }
 
-CPicture CPictureStore::Load(const Key& key) const {
+Picture PictureStore::Load(const Key& key) const {
     if (key.kind == ImageKind::Icon) {
         return LoadIconOf(key);
     }
@@ -139,129 +139,128 @@ CPicture CPictureStore::Load(const Key& key) const {
     return LoadBitmapOf(key);
 }
 
-CPicture CPictureStore::LoadBitmapOf(const Key& key) const {
+Picture PictureStore::LoadBitmapOf(const Key& key) const {
     if (!key.strHandle.empty()) {
-        const HANDLE hBitmap = ReadHandle(key.strHandle);
-        return GetObjectType(hBitmap) == OBJ_BITMAP
-                   ? CPicture::FromBitmap(static_cast<HBITMAP>(hBitmap), key.mask)
-                   : CPicture();
+        const HANDLE bitmapHandle = ReadHandle(key.strHandle);
+        return GetObjectType(bitmapHandle) == OBJ_BITMAP
+                   ? Picture::FromBitmap(static_cast<HBITMAP>(bitmapHandle), key.mask)
+                   : Picture();
     }
     const Bitmap bitmap = !key.strFile.empty()
                               ? LoadPictureFile(key.strFile)
                               : LoadPictureResource(m_resources, key.strModule, key.strResource);
-    return bitmap ? CPicture::FromBitmap(bitmap.get(), key.mask) : CPicture();
+    return bitmap ? Picture::FromBitmap(bitmap.get(), key.mask) : Picture();
 }
 
-CPicture CPictureStore::LoadIconOf(const Key& key) const {
+Picture PictureStore::LoadIconOf(const Key& key) const {
     if (!key.strHandle.empty()) {
-        auto* const hIcon = static_cast<HICON>(ReadHandle(key.strHandle));
-        return SizeOfIcon(hIcon) ? PictureOfIcon(hIcon, key.size, key.nIndex) : CPicture();
+        auto* const iconHandle = static_cast<HICON>(ReadHandle(key.strHandle));
+        return SizeOfIcon(iconHandle) ? PictureOfIcon(iconHandle, key.size, key.nIndex) : Picture();
     }
     const Icon icon = !key.strFile.empty()
                           ? LoadIconFile(key.strFile, key.size)
                           : LoadIconResource(m_resources, key.strModule, key.strResource, key.size);
-    return icon ? PictureOfIcon(icon.get(), key.size, key.nIndex) : CPicture();
+    return icon ? PictureOfIcon(icon.get(), key.size, key.nIndex) : Picture();
 }
 
-HIMAGELIST CPictureStore::ListOf(std::string_view handle) const {
-    auto* const hList = static_cast<HIMAGELIST>(ReadHandle(handle));
-    return std::find(m_aLists.begin(), m_aLists.end(), hList) != m_aLists.end() ? hList : nullptr;
+HIMAGELIST PictureStore::ListOf(std::string_view handle) const {
+    auto* const list = static_cast<HIMAGELIST>(ReadHandle(handle));
+    return std::find(m_aLists.begin(), m_aLists.end(), list) != m_aLists.end() ? list : nullptr;
 }
 
-CPicture CPictureStore::LoadListImage(const Key& key) const {
-    const HIMAGELIST hList = ListOf(key.strHandle);
-    int nWidth = 0;
-    int nHeight = 0;
-    if (hList == nullptr || key.nIndex < 0 || key.nIndex >= ImageList_GetImageCount(hList) ||
-        !ImageList_GetIconSize(hList, &nWidth, &nHeight)) {
+Picture PictureStore::LoadListImage(const Key& key) const {
+    const HIMAGELIST list = ListOf(key.strHandle);
+    int width = 0;
+    int height = 0;
+    if (list == nullptr || key.nIndex < 0 || key.nIndex >= ImageList_GetImageCount(list) ||
+        !ImageList_GetIconSize(list, &width, &height)) {
         return {};
     }
-    return CPicture::FromDrawing(nWidth, nHeight, [&](HDC hDC) {
-        ImageList_Draw(hList, key.nIndex, hDC, 0, 0, ILD_TRANSPARENT);
+    return Picture::FromDrawing(width, height, [&](HDC hDC) {
+        ImageList_Draw(list, key.nIndex, hDC, 0, 0, ILD_TRANSPARENT);
     });
 }
 
-SIZE CPictureStore::IconSizeOf(const ImageDescription& image) const {
+SIZE PictureStore::IconSizeOf(const ImageDescription& image) const {
     const Icon owned = !image.handle.empty() ? Icon()
                        : !image.file.empty()
                            ? LoadIconFile(image.file, {})
                            : LoadIconResource(m_resources, image.module, image.idres, {});
-    const HICON hIcon =
+    const HICON icon =
         image.handle.empty() ? owned.get() : static_cast<HICON>(ReadHandle(image.handle));
-    return hIcon != nullptr ? SizeOfIcon(hIcon).value_or(SIZE{}) : SIZE{};
+    return icon != nullptr ? SizeOfIcon(icon).value_or(SIZE{}) : SIZE{};
 }
 
-ImageSize CPictureStore::SizeOf(const ImageDescription& image) {
+ImageSize PictureStore::SizeOf(const ImageDescription& image) {
     if (image.kind == ImageKind::Icon) {
         const SIZE size = IconSizeOf(image);
         return {size.cx, size.cy};
     }
     if (image.kind == ImageKind::ImageList) {
         if (!image.handle.empty()) {
-            int nWidth = 0;
-            int nHeight = 0;
-            const HIMAGELIST hList = ListOf(image.handle);
-            return hList != nullptr && ImageList_GetIconSize(hList, &nWidth, &nHeight)
-                       ? ImageSize{nWidth, nHeight}
+            int width = 0;
+            int height = 0;
+            const HIMAGELIST list = ListOf(image.handle);
+            return list != nullptr && ImageList_GetIconSize(list, &width, &height)
+                       ? ImageSize{width, height}
                        : ImageSize{};
         }
-        const CPicture& strip = Get(KeyOf(image, kNoColour, {}));
+        const Picture& strip = Get(KeyOf(image, kNoColour, {}));
         return SquaresOf(strip) > 0 ? ImageSize{strip.Height(), strip.Height()} : ImageSize{};
     }
-    const CPicture& picture = Get(KeyOf(image, kNoColour, {}));
+    const Picture& picture = Get(KeyOf(image, kNoColour, {}));
     return {picture.Width(), picture.Height()};
 }
 
-std::int32_t CPictureStore::CountOf(const ImageDescription& image) {
+std::int32_t PictureStore::CountOf(const ImageDescription& image) {
     if (image.kind != ImageKind::ImageList) {
         return 1;
     }
     if (!image.handle.empty()) {
-        const HIMAGELIST hList = ListOf(image.handle);
-        return hList != nullptr ? ImageList_GetImageCount(hList) : 0;
+        const HIMAGELIST list = ListOf(image.handle);
+        return list != nullptr ? ImageList_GetImageCount(list) : 0;
     }
     return SquaresOf(Get(KeyOf(image, kNoColour, {})));
 }
 
-void CPictureStore::Draw(HDC hDC, const PictureRequest& request, const RECT& place) {
+void PictureStore::Draw(HDC hDC, const PictureRequest& request, const RECT& place) {
     if (request.style == ImageStyle::Hidden) {
         return;
     }
     Key key =
         KeyOf(request.image, request.mask, {place.right - place.left, place.bottom - place.top});
     key.bDisabled = request.style == ImageStyle::Disabled;
-    const CPicture& picture = Get(key);
+    const Picture& picture = Get(key);
     if (!picture) {
         return;
     }
     RECT part = WholeOf(picture);
     if (key.kind == ImageKind::ImageList && key.strHandle.empty()) {
-        const std::int32_t nIndex = request.image.nIndex;
-        if (nIndex < 0 || nIndex >= SquaresOf(picture)) {
+        const std::int32_t index = request.image.nIndex;
+        if (index < 0 || index >= SquaresOf(picture)) {
             return;
         }
-        part.left = nIndex * picture.Height();
+        part.left = index * picture.Height();
         part.right = part.left + picture.Height();
     }
     picture.Draw(hDC, place, part, request.style == ImageStyle::Blend ? 128 : 255);
 }
 
-void CPictureStore::DrawTiled(HDC hDC, const PictureRequest& request, const RECT& block,
-                              const RECT& dirty) {
-    const CPicture& tile = Get(KeyOf(request.image, request.mask, {}));
+void PictureStore::DrawTiled(HDC hDC, const PictureRequest& request, const RECT& block,
+                             const RECT& dirty) {
+    const Picture& tile = Get(KeyOf(request.image, request.mask, {}));
     RECT area{};
     if (!tile || !IntersectRect(&area, &block, &dirty)) {
         return;
     }
     // Put together first, so that tiles of one pixel cost no more than large ones; an area larger
     // than a picture may be, piece by piece.
-    for (LONG nTop = area.top; nTop < area.bottom; nTop += kMaxFilling) {
-        for (LONG nLeft = area.left; nLeft < area.right; nLeft += kMaxFilling) {
-            const RECT piece = {nLeft, nTop, std::min(area.right, nLeft + kMaxFilling),
-                                std::min(area.bottom, nTop + kMaxFilling)};
-            const CPicture filling =
-                FillingOf(tile, {nLeft - block.left, nTop - block.top},
-                          {piece.right - piece.left, piece.bottom - piece.top});
+    for (LONG top = area.top; top < area.bottom; top += kMaxFilling) {
+        for (LONG left = area.left; left < area.right; left += kMaxFilling) {
+            const RECT piece = {left, top, std::min(area.right, left + kMaxFilling),
+                                std::min(area.bottom, top + kMaxFilling)};
+            const Picture filling = FillingOf(tile, {left - block.left, top - block.top},
+                                              {piece.right - piece.left, piece.bottom - piece.top});
             filling.Draw(hDC, piece, WholeOf(filling));
         }
     }

@@ -29,11 +29,11 @@ struct PictureRequest {
     ImageStyle style = ImageStyle::Normal;
 };
 
-class CPictureStore {
+class PictureStore {
 public:
-    explicit CPictureStore(FindResourceModule pfnFind) : m_resources(pfnFind) {}
+    explicit PictureStore(FindResourceModule pfnFind) : m_resources(pfnFind) {}
 
-    const CResourceFinder& Resources() const { return m_resources; }
+    const ResourceFinder& Resources() const { return m_resources; }
 
     // The list stays the host's and must outlive the store or its next Clear.
     void AllowImageList(HIMAGELIST hImageList) { m_aLists.push_back(hImageList); }
@@ -65,17 +65,17 @@ private:
     };
 
     static Key KeyOf(const ImageDescription& image, Colour mask, SIZE size);
-    const CPicture& Get(const Key& key);
-    CPicture Load(const Key& key) const;
-    CPicture LoadBitmapOf(const Key& key) const;
-    CPicture LoadIconOf(const Key& key) const;
-    CPicture LoadListImage(const Key& key) const;
+    const Picture& Get(const Key& key);
+    Picture Load(const Key& key) const;
+    Picture LoadBitmapOf(const Key& key) const;
+    Picture LoadIconOf(const Key& key) const;
+    Picture LoadListImage(const Key& key) const;
     HIMAGELIST ListOf(std::string_view handle) const;
     SIZE IconSizeOf(const ImageDescription& image) const;
 
-    CResourceFinder m_resources;
+    ResourceFinder m_resources;
     std::vector<HIMAGELIST> m_aLists;
-    std::map<Key, CPicture> m_pictures;
+    std::map<Key, Picture> m_pictures;
     std::int64_t m_nPixels = 0;  // of all of them
 };
 

@@ -25,27 +25,27 @@ bool IsLocalPath(std::string_view path) {
     if (path.size() < 2 || path[1] != ':') {
         return true;
     }
-    const char szRoot[] = {path[0], ':', '\\', '\0'};
-    return GetDriveTypeA(szRoot) != DRIVE_REMOTE;
+    const char root[] = {path[0], ':', '\\', '\0'};
+    return GetDriveTypeA(root) != DRIVE_REMOTE;
 }
 
-CResourceName::CResourceName(std::string_view text) {
+ResourceName::ResourceName(std::string_view text) {
     text = Trim(text);
     if (!text.empty() && text[0] == '#') {
         text.remove_prefix(1);
     }
-    std::int32_t nNumber = 0;
-    if (std::all_of(text.begin(), text.end(), IsDigit) && ReadDecimal(text, nNumber)) {
-        if (nNumber > 0 && nNumber <= 0xFFFF) {
-            m_nNumber = static_cast<WORD>(nNumber);
+    std::int32_t number = 0;
+    if (std::all_of(text.begin(), text.end(), IsDigit) && ReadDecimal(text, number)) {
+        if (number > 0 && number <= 0xFFFF) {
+            m_nNumber = static_cast<WORD>(number);
         }
     } else {
         m_strName = text;
     }
 }
 
-CResourceFinder::Module CResourceFinder::Find(std::string_view module, const CResourceName& name,
-                                              LPCSTR pszType) const {
+ResourceFinder::Module ResourceFinder::Find(std::string_view module, const ResourceName& name,
+                                            LPCSTR pszType) const {
     if (name.IsEmpty()) {
         return {};
     }
@@ -56,35 +56,36 @@ CResourceFinder::Module CResourceFinder::Find(std::string_view module, const CRe
     if (!IsLocalPath(module)) {
         return {};
     }
-    const std::string strModule(module);
+    const std::string moduleName(module);
     Module found;
     // The handle counts, so that the module stays while it is read.
-    if (!GetModuleHandleExA(0, strModule.c_str(), found.owned.put()) && IsFullPath(module)) {
-        found.owned.reset(LoadLibraryExA(
-            strModule.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+    if (!GetModuleHandleExA(0, moduleName.c_str(), found.owned.put()) && IsFullPath(module)) {
+        found.owned.reset(
+            LoadLibraryExA(moduleName.c_str(), nullptr,
+                           LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
     }
     found.hModule = found.owned.get();
     return found;
 }
 
-bool CResourceFinder::LoadText(std::string_view idres, std::string_view module,
-                               std::string& strText) const {
-    const CResourceName name(idres);
+bool ResourceFinder::LoadText(std::string_view idres, std::string_view module,
+                              std::string& strText) const {
+    const ResourceName name(idres);
     if (name.Number() == 0) {
         return false;
     }
     // Strings are kept in blocks of sixteen, which is what a search finds.
-    const CResourceName block(std::to_string(name.Number() / 16 + 1));
+    const ResourceName block(std::to_string(name.Number() / 16 + 1));
     const Module found = Find(module, block, RT_STRING);
     if (found.hModule == nullptr) {
         return false;
     }
-    char szText[4096];
-    const int nLength = LoadStringA(found.hModule, name.Number(), szText, sizeof szText);
-    if (nLength <= 0) {
+    char text[4096];
+    const int length = LoadStringA(found.hModule, name.Number(), text, sizeof text);
+    if (length <= 0) {
         return false;
     }
-    strText.assign(szText, static_cast<std::size_t>(nLength));
+    strText.assign(text, static_cast<std::size_t>(length));
     return true;
 }
 

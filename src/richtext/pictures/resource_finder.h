@@ -17,9 +17,9 @@ namespace mvp::richtext {
 using FindResourceModule = HINSTANCE (*)(LPCSTR pszName, LPCSTR pszType);
 
 // A resource's name as the system takes it: "123" and "#123" are numbers.
-class CResourceName {
+class ResourceName {
 public:
-    explicit CResourceName(std::string_view text);
+    explicit ResourceName(std::string_view text);
     LPCSTR Get() const { return m_nNumber != 0 ? MAKEINTRESOURCEA(m_nNumber) : m_strName.c_str(); }
     WORD Number() const { return m_nNumber; }  // 0: it is a name
     bool IsEmpty() const { return m_nNumber == 0 && m_strName.empty(); }
@@ -29,17 +29,17 @@ private:
     std::string m_strName;
 };
 
-class CResourceFinder {
+class ResourceFinder {
 public:
     // pfnFind is asked when the markup names no module; null: the program itself.
-    explicit CResourceFinder(FindResourceModule pfnFind) : m_pfnFind(pfnFind) {}
+    explicit ResourceFinder(FindResourceModule pfnFind) : m_pfnFind(pfnFind) {}
 
     // A module for as long as it is needed. Null when there is none or it may not be opened.
     struct Module {
         ModuleHandle owned;  // empty for the modules of the chain
         HMODULE hModule = nullptr;
     };
-    Module Find(std::string_view module, const CResourceName& name, LPCSTR pszType) const;
+    Module Find(std::string_view module, const ResourceName& name, LPCSTR pszType) const;
 
     // A string resource; false when it is missing or empty.
     bool LoadText(std::string_view idres, std::string_view module, std::string& strText) const;

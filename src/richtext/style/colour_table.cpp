@@ -209,17 +209,17 @@ bool FindColour(std::string_view name, const SystemColours& system, Colour& colo
     if (name.size() > kLongestName) {
         return false;
     }
-    char aLower[kLongestName];
-    std::transform(name.begin(), name.end(), aLower, AsciiLower);
-    const std::string_view lower(aLower, name.size());
-    const auto* pFound = std::lower_bound(
+    char lowerCase[kLongestName];
+    std::transform(name.begin(), name.end(), lowerCase, AsciiLower);
+    const std::string_view lower(lowerCase, name.size());
+    const auto* found = std::lower_bound(
         std::begin(kColours), std::end(kColours), lower,
         [](const NamedColour& entry, std::string_view key) { return entry.name < key; });
-    if (pFound == std::end(kColours) || pFound->name != lower) {
+    if (found == std::end(kColours) || found->name != lower) {
         return false;
     }
-    colour = pFound->nSystem == kFixed ? pFound->colour
-                                       : system.aColour[static_cast<std::size_t>(pFound->nSystem)];
+    colour = found->nSystem == kFixed ? found->colour
+                                      : system.aColour[static_cast<std::size_t>(found->nSystem)];
     return true;
 }
 

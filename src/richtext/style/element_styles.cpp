@@ -11,17 +11,17 @@ constexpr std::string_view kBlanks = " \t\r\n\f\v";
 
 }  // namespace
 
-void CElementStyles::ApplyRules(std::span<const CStyleSheet::Rule> rules, StyleDelta& delta) const {
-    for (const CStyleSheet::Rule& rule : rules) {
+void ElementStyles::ApplyRules(std::span<const StyleSheet::Rule> rules, StyleDelta& delta) const {
+    for (const StyleSheet::Rule& rule : rules) {
         ReadDeclarations(rule.block, m_system, delta);
     }
 }
 
 // In the order of the cascade: the tag's own effect, its attributes, the rule of its selector, its
 // classes, and for links their state: the mouse adds to what a link is anyway.
-StyleDelta CElementStyles::MakeDelta(TagId tag, const CAttributes* pAttributes,
-                                     std::span<const CStyleSheet::Rule> classRules,
-                                     LinkState state) const {
+StyleDelta ElementStyles::MakeDelta(TagId tag, const TagAttributes* pAttributes,
+                                    std::span<const StyleSheet::Rule> classRules,
+                                    LinkState state) const {
     const TagInfo& info = InfoOf(tag);
     StyleDelta delta = EffectOf(info.kind);
     if (pAttributes != nullptr && info.kind == TagKind::Font) {
@@ -47,41 +47,42 @@ StyleDelta CElementStyles::MakeDelta(TagId tag, const CAttributes* pAttributes,
     return delta;
 }
 
-std::uint32_t CElementStyles::SharedDelta(TagId tag, std::span<const CStyleSheet::Rule> classRules,
-                                          LinkState state) {
-    std::uint32_t* pPlace = nullptr;  // in m_aShared + 1
+std::uint32_t ElementStyles::SharedDelta(TagId tag, std::span<const StyleSheet::Rule> classRules,
+                                         LinkState state) {
+    std::uint32_t* place = nullptr;  // in m_aShared + 1
     if (classRules.empty()) {
-        const auto nLinkState = static_cast<std::size_t>(state);
-        pPlace = &m_aPlain[state == LinkState::None ? static_cast<std::size_t>(tag)
-                                                    : kTagCount - 1 + nLinkState];
+        const auto linkState = static_cast<std::size_t>(state);
+        place = &m_aPlain[state == LinkState::None ? static_cast<std::size_t>(tag)
+                                                   : kTagCount - 1 + linkState];
     } else {
         // Rules of one class stand together, so the first of them names the class.
-        const auto nClass = static_cast<std::uint64_t>(classRules.data() - m_sheet.Rules().data());
-        pPlace = &m_byClass[(nClass << 16) | (static_cast<std::uint64_t>(tag) << 8) |
-                            static_cast<std::uint64_t>(state)];
+        const auto classIndex =
+            static_cast<std::uint64_t>(classRules.data() - m_sheet.Rules().data());
+        place = &m_byClass[(classIndex << 16) | (static_cast<std::uint64_t>(tag) << 8) |
+                           static_cast<std::uint64_t>(state)];
     }
-    if (*pPlace == 0) {
+    if (*place == 0) {
         m_aShared.push_back(MakeDelta(tag, nullptr, classRules, state));
-        *pPlace = static_cast<std::uint32_t>(m_aShared.size());
+        *place = static_cast<std::uint32_t>(m_aShared.size());
     }
-    return *pPlace - 1;
+    return *place - 1;
 }
 
-CElementStyles::Change CElementStyles::ChangeOf(TagId tag, const CAttributes& attributes,
-                                                bool bLink) {
-    std::span<const CStyleSheet::Rule> classRules;
-    bool bOwn = InfoOf(tag).kind == TagKind::Font && !attributes.Empty();
+ElementStyles::Change ElementStyles::ChangeOf(TagId tag, const TagAttributes& attributes,
+                                              bool bLink) {
+    std::span<const StyleSheet::Rule> classRules;
+    bool hasOwn = InfoOf(tag).kind == TagKind::Font && !attributes.Empty();
     if (attributes.Has(AttributeId::Class)) {
         const std::string_view names = Trim(attributes.Get(AttributeId::Class));
         if (names.find_first_of(kBlanks) == std::string_view::npos) {
             classRules = m_sheet.FindClass(names);
         } else {
-            bOwn = true;
+            hasOwn = true;
         }
     }
     const LinkState state = bLink ? LinkState::Link : LinkState::None;
     Change change;
-    if (!bOwn) {
+    if (!hasOwn) {
         change.nNormal = SharedDelta(tag, classRules, state);
         change.nHover = bLink ? SharedDelta(tag, classRules, LinkState::Hover) : kNone;
         return change;
@@ -95,19 +96,19 @@ CElementStyles::Change CElementStyles::ChangeOf(TagId tag, const CAttributes& at
     return change;
 }
 
-void CElementStyles::Release(Change change) {
-    for (const std::uint32_t nDelta : {change.nHover, change.nNormal}) {
-        if (nDelta != kNone && nDelta >= kOwn && nDelta - kOwn + 1 == m_aOwn.size()) {
+void ElementStyles::Release(Change change) {
+    for (const std::uint32_t delta : {change.nHover, change.nNormal}) {
+        if (delta != kNone && delta >= kOwn && delta - kOwn + 1 == m_aOwn.size()) {
             m_aOwn.pop_back();
         }
     }
 }
 
-const StyleDelta& CElementStyles::DeltaOf(std::uint32_t nDelta) const {
+const StyleDelta& ElementStyles::DeltaOf(std::uint32_t nDelta) const {
     return nDelta >= kOwn ? m_aOwn[nDelta - kOwn] : m_aShared[nDelta];
 }
 
-std::uint32_t CElementStyles::StyleOf(std::uint32_t nParent, Change change) {
+std::uint32_t ElementStyles::StyleOf(std::uint32_t nParent, Change change) {
     if (change.nNormal >= kOwn) {
         return Derive(nParent, change);
     }
@@ -118,15 +119,15 @@ std::uint32_t CElementStyles::StyleOf(std::uint32_t nParent, Change change) {
     return known.nStyle;
 }
 
-std::uint32_t CElementStyles::Derive(std::uint32_t nParent, Change change) {
+std::uint32_t ElementStyles::Derive(std::uint32_t nParent, Change change) {
     const ComputedStyle parent = m_styles[nParent];
     ComputedStyle style = m_styles.Derive(parent, DeltaOf(change.nNormal));
-    const bool bLink = change.nHover != kNone;
-    if (bLink || parent.nHover != kNone) {
+    const bool link = change.nHover != kNone;
+    if (link || parent.nHover != kNone) {
         // The mouse changes how a link looks, never how wide it is.
         ComputedStyle hover =
-            m_styles.Derive(bLink ? parent : ComputedStyle(m_styles[parent.nHover]),
-                            DeltaOf(bLink ? change.nHover : change.nNormal));
+            m_styles.Derive(link ? parent : ComputedStyle(m_styles[parent.nHover]),
+                            DeltaOf(link ? change.nHover : change.nNormal));
         hover.nFont = style.nFont;
         hover.nBox = style.nBox;
         hover.nHover = kNone;

@@ -18,11 +18,11 @@ namespace mvp::richtext {
 // Which rules a link takes besides its own: none, "a:link", or "a:hover" on top of that.
 enum class LinkState : std::uint8_t { None, Link, Hover };
 
-class CElementStyles {
+class ElementStyles {
 public:
     // All four must outlive the object.
-    CElementStyles(const CStyleSheet& sheet, const SystemColours& system, CStyleTable& styles,
-                   std::pmr::memory_resource* pMemory)
+    ElementStyles(const StyleSheet& sheet, const SystemColours& system, StyleTable& styles,
+                  std::pmr::memory_resource* pMemory)
         : m_sheet(sheet), m_system(system), m_styles(styles), m_aShared(pMemory), m_aOwn(pMemory) {}
 
     // What an element changes. Good for as long as the element is open: give it back with Release,
@@ -31,7 +31,7 @@ public:
         std::uint32_t nNormal = kNone;
         std::uint32_t nHover = kNone;  // a link's: its change while the mouse is over it
     };
-    Change ChangeOf(TagId tag, const CAttributes& attributes, bool bLink);
+    Change ChangeOf(TagId tag, const TagAttributes& attributes, bool bLink);
     void Release(Change change);
 
     // The style of a child of nParent that the change works on.
@@ -43,16 +43,16 @@ private:
     // Deltas of elements with attributes of their own are numbered from here.
     static constexpr std::uint32_t kOwn = 0x80000000;
 
-    std::uint32_t SharedDelta(TagId tag, std::span<const CStyleSheet::Rule> classRules,
+    std::uint32_t SharedDelta(TagId tag, std::span<const StyleSheet::Rule> classRules,
                               LinkState state);
-    StyleDelta MakeDelta(TagId tag, const CAttributes* pAttributes,
-                         std::span<const CStyleSheet::Rule> classRules, LinkState state) const;
-    void ApplyRules(std::span<const CStyleSheet::Rule> rules, StyleDelta& delta) const;
+    StyleDelta MakeDelta(TagId tag, const TagAttributes* pAttributes,
+                         std::span<const StyleSheet::Rule> classRules, LinkState state) const;
+    void ApplyRules(std::span<const StyleSheet::Rule> rules, StyleDelta& delta) const;
     std::uint32_t Derive(std::uint32_t nParent, Change change);
 
-    const CStyleSheet& m_sheet;
+    const StyleSheet& m_sheet;
     const SystemColours& m_system;
-    CStyleTable& m_styles;
+    StyleTable& m_styles;
     std::pmr::vector<StyleDelta> m_aShared;
     std::pmr::vector<StyleDelta> m_aOwn;  // of the open elements, innermost last
     // Place in m_aShared + 1: of the tags without a class, and behind them of the states of a link.

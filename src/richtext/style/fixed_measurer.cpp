@@ -5,26 +5,26 @@
 
 namespace mvp::richtext {
 
-FontHandle CFixedMeasurer::OpenFont(const FontDescription& font, FontMetrics& metrics) {
+FontHandle FixedMeasurer::OpenFont(const FontDescription& font, FontMetrics& metrics) {
     metrics.nAscent = font.nSize * 8 / 10;
     metrics.nDescent = font.nSize - metrics.nAscent;
     metrics.nXHeight = font.nSize / 2;
     return static_cast<FontHandle>(font.nSize);
 }
 
-std::int32_t CFixedMeasurer::TextWidth(FontHandle font, std::string_view text) {
-    const std::int64_t nWidth = std::int64_t{font} * static_cast<std::int64_t>(text.size()) / 2;
+std::int32_t FixedMeasurer::TextWidth(FontHandle font, std::string_view text) {
+    const std::int64_t width = std::int64_t{font} * static_cast<std::int64_t>(text.size()) / 2;
     return static_cast<std::int32_t>(
-        std::min<std::int64_t>(nWidth, std::numeric_limits<std::int32_t>::max()));
+        std::min<std::int64_t>(width, std::numeric_limits<std::int32_t>::max()));
 }
 
-ImageSize CFixedMeasurer::SizeOfImage(const ImageDescription& image) {
-    const std::int32_t nSide = std::clamp(image.nIndex, 0, 1000);
-    return {nSide, nSide};
+ImageSize FixedMeasurer::SizeOfImage(const ImageDescription& image) {
+    const std::int32_t side = std::clamp(image.nIndex, 0, 1000);
+    return {side, side};
 }
 
-bool CFixedMeasurer::StringResource(std::string_view idres, std::string_view /*module*/,
-                                    std::string& strText) {
+bool FixedMeasurer::StringResource(std::string_view idres, std::string_view /*module*/,
+                                   std::string& strText) {
     strText.clear();
     strText.append(1, '[').append(idres).append(1, ']');
     return true;

@@ -6,9 +6,9 @@
 
 namespace mvp::richtext {
 
-class CFixedMeasurer : public CTextMeasurer {
+class FixedMeasurer : public TextMeasurer {
 public:
-    explicit CFixedMeasurer(std::int32_t nDpi = 96) : m_nDpi(nDpi) {}
+    explicit FixedMeasurer(std::int32_t nDpi = 96) : m_nDpi(nDpi) {}
 
     // The size is all that counts, so it is the handle too.
     FontHandle OpenFont(const FontDescription& font, FontMetrics& metrics) override;

@@ -19,7 +19,7 @@ void Shrink(Container& container) {
 }
 
 template <class T>
-class CInternTable {
+class InternTable {
     // Hashed and compared by its bytes.
     static_assert(std::has_unique_object_representations_v<T>);
     static_assert(sizeof(T) % sizeof(std::uint32_t) == 0);
@@ -27,8 +27,8 @@ class CInternTable {
 public:
     std::uint32_t Intern(const T& value) {
         if (m_aSlots.empty()) {
-            if (const std::uint32_t nKnown = Search(value); nKnown < Size()) {
-                return nKnown;
+            if (const std::uint32_t known = Search(value); known < Size()) {
+                return known;
             }
             if (Size() < kFew) {
                 m_aValues.reserve(kFew);
@@ -39,12 +39,12 @@ public:
         if ((m_aValues.size() + 1) * 2 > m_aSlots.size()) {
             Grow();
         }
-        std::uint32_t& nSlot = SlotOf(value);
-        if (nSlot == 0) {
+        std::uint32_t& slot = SlotOf(value);
+        if (slot == 0) {
             m_aValues.push_back(value);
-            nSlot = static_cast<std::uint32_t>(m_aValues.size());
+            slot = static_cast<std::uint32_t>(m_aValues.size());
         }
-        return nSlot - 1;
+        return slot - 1;
     }
 
     const T& operator[](std::uint32_t nIndex) const { return m_aValues[nIndex]; }
@@ -70,25 +70,25 @@ private:
     }
 
     static std::size_t HashOf(const T& value) {
-        std::uint32_t aWords[sizeof(T) / sizeof(std::uint32_t)];
-        std::memcpy(aWords, &value, sizeof(T));
-        std::uint64_t nHash = 0;
-        for (const std::uint32_t nWord : aWords) {
-            nHash = (nHash ^ nWord) * 0x9E3779B97F4A7C15ULL;
-            nHash ^= nHash >> 29;
+        std::uint32_t words[sizeof(T) / sizeof(std::uint32_t)];
+        std::memcpy(words, &value, sizeof(T));
+        std::uint64_t hash = 0;
+        for (const std::uint32_t word : words) {
+            hash = (hash ^ word) * 0x9E3779B97F4A7C15ULL;
+            hash ^= hash >> 29;
         }
-        return static_cast<std::size_t>(nHash);
+        return static_cast<std::size_t>(hash);
     }
 
     // The slot that holds the value's number + 1, or the free one where it belongs.
     std::uint32_t& SlotOf(const T& value) {
-        const std::size_t nMask = m_aSlots.size() - 1;
-        std::size_t nSlot = HashOf(value) & nMask;
-        while (m_aSlots[nSlot] != 0 &&
-               std::memcmp(&m_aValues[m_aSlots[nSlot] - 1], &value, sizeof(T)) != 0) {
-            nSlot = (nSlot + 1) & nMask;
+        const std::size_t mask = m_aSlots.size() - 1;
+        std::size_t slot = HashOf(value) & mask;
+        while (m_aSlots[slot] != 0 &&
+               std::memcmp(&m_aValues[m_aSlots[slot] - 1], &value, sizeof(T)) != 0) {
+            slot = (slot + 1) & mask;
         }
-        return m_aSlots[nSlot];
+        return m_aSlots[slot];
     }
 
     void Grow() {

@@ -34,25 +34,25 @@ std::optional<std::string_view> FirstFamily(std::string_view value) {
 std::optional<EdgeLengths> ReadEdges(std::string_view value,
                                      std::optional<Length> (*read)(std::string_view)) {
     EdgeLengths edges;
-    std::size_t nCount = 0;
+    std::size_t count = 0;
     for (std::string_view word = NextToken(value, " \t\r\n"); !word.empty();
          word = NextToken(value, " \t\r\n")) {
         const std::optional<Length> length = read(word);
-        if (nCount == edges.size() || !length.has_value()) {
+        if (count == edges.size() || !length.has_value()) {
             return std::nullopt;
         }
-        edges[nCount++] = *length;
+        edges[count++] = *length;
     }
-    if (nCount == 0) {
+    if (count == 0) {
         return std::nullopt;
     }
-    if (nCount < 2) {
+    if (count < 2) {
         edges[1] = edges[0];
     }
-    if (nCount < 3) {
+    if (count < 3) {
         edges[2] = edges[0];
     }
-    if (nCount < 4) {
+    if (count < 4) {
         edges[3] = edges[1];
     }
     return edges;
@@ -153,21 +153,21 @@ StyleDelta MakeEffect(TagKind kind) {
 void ReadDeclarations(std::string_view block, const SystemColours& system, StyleDelta& delta) {
     for (std::string_view pair = NextToken(block, ";"); !pair.empty();
          pair = NextToken(block, ";")) {
-        const std::size_t nColon = pair.find(':');
-        if (nColon == std::string_view::npos) {
+        const std::size_t colon = pair.find(':');
+        if (colon == std::string_view::npos) {
             continue;
         }
-        const std::string_view name = Trim(pair.substr(0, nColon));
+        const std::string_view name = Trim(pair.substr(0, colon));
         for (const Property& property : kProperties) {
             if (EqualsNoCase(property.name, name)) {
-                property.read(Trim(pair.substr(nColon + 1)), system, delta);
+                property.read(Trim(pair.substr(colon + 1)), system, delta);
                 break;
             }
         }
     }
 }
 
-void ReadFontAttributes(const CAttributes& attributes, const SystemColours& system,
+void ReadFontAttributes(const TagAttributes& attributes, const SystemColours& system,
                         StyleDelta& delta) {
     const auto value = [&](AttributeId attribute) { return attributes.Get(attribute); };
     Take(delta.fontSize, ReadLength(value(AttributeId::Size)));
@@ -183,14 +183,14 @@ void ReadFontAttributes(const CAttributes& attributes, const SystemColours& syst
 }
 
 const StyleDelta& EffectOf(TagKind kind) {
-    static const auto aEffects = [] {
-        std::array<StyleDelta, static_cast<std::size_t>(TagKind::Link) + 1> aMade;
-        for (std::size_t i = 0; i < aMade.size(); ++i) {
-            aMade[i] = MakeEffect(static_cast<TagKind>(i));
+    static const auto effects = [] {
+        std::array<StyleDelta, static_cast<std::size_t>(TagKind::Link) + 1> made;
+        for (std::size_t i = 0; i < made.size(); ++i) {
+            made[i] = MakeEffect(static_cast<TagKind>(i));
         }
-        return aMade;
+        return made;
     }();
-    return aEffects[static_cast<std::size_t>(kind)];
+    return effects[static_cast<std::size_t>(kind)];
 }
 
 }  // namespace mvp::richtext

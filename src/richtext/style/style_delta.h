@@ -43,7 +43,7 @@ struct StyleDelta {
 void ReadDeclarations(std::string_view block, const SystemColours& system, StyleDelta& delta);
 
 // The attributes of a font tag.
-void ReadFontAttributes(const CAttributes& attributes, const SystemColours& system,
+void ReadFontAttributes(const TagAttributes& attributes, const SystemColours& system,
                         StyleDelta& delta);
 
 // What tags of this kind do of themselves.

@@ -11,35 +11,34 @@ namespace {
 // Comments become spaces, so that none is taken for part of a selector.
 void BlankComments(std::vector<char>& text) {
     const std::string_view view(text.data(), text.size());
-    for (std::size_t nAt = view.find("/*"); nAt != std::string_view::npos;
-         nAt = view.find("/*", nAt)) {
-        const std::size_t nClose = view.find("*/", nAt + 2);
-        const std::size_t nEnd = nClose == std::string_view::npos ? view.size() : nClose + 2;
-        std::fill(text.data() + nAt, text.data() + nEnd, ' ');
-        nAt = nEnd;
+    for (std::size_t at = view.find("/*"); at != std::string_view::npos; at = view.find("/*", at)) {
+        const std::size_t close = view.find("*/", at + 2);
+        const std::size_t end = close == std::string_view::npos ? view.size() : close + 2;
+        std::fill(text.data() + at, text.data() + end, ' ');
+        at = end;
     }
 }
 
 // Tag names mean the same in any letter case; class names do not.
 void LowerTagSelectors(std::vector<char>& text) {
-    bool bInBlock = false;
-    bool bClass = false;
+    bool inBlock = false;
+    bool inClass = false;
     for (char& c : text) {
         if (c == '{' || c == '}') {
-            bInBlock = c == '{';
-            bClass = false;
+            inBlock = c == '{';
+            inClass = false;
         } else if (c == ',' || IsSpace(c)) {
-            bClass = false;
+            inClass = false;
         } else if (c == '.') {
-            bClass = true;
-        } else if (!bInBlock && !bClass) {
+            inClass = true;
+        } else if (!inBlock && !inClass) {
             c = AsciiLower(c);
         }
     }
 }
 
 void AddSelectors(std::string_view selectors, std::string_view block,
-                  std::vector<CStyleSheet::Rule>& rules) {
+                  std::vector<StyleSheet::Rule>& rules) {
     for (std::string_view part = NextToken(selectors, ","); !part.empty();
          part = NextToken(selectors, ",")) {
         if (const std::string_view selector = Trim(part); !selector.empty()) {
@@ -48,37 +47,35 @@ void AddSelectors(std::string_view selectors, std::string_view block,
     }
 }
 
-std::vector<CStyleSheet::Rule> ReadRules(std::string_view text) {
-    std::vector<CStyleSheet::Rule> rules;
+std::vector<StyleSheet::Rule> ReadRules(std::string_view text) {
+    std::vector<StyleSheet::Rule> rules;
     rules.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '}')));
     for (;;) {
-        const std::size_t nOpen = text.find('{');
-        const std::size_t nClose = nOpen == std::string_view::npos ? nOpen : text.find('}', nOpen);
-        if (nClose == std::string_view::npos) {
+        const std::size_t open = text.find('{');
+        const std::size_t close = open == std::string_view::npos ? open : text.find('}', open);
+        if (close == std::string_view::npos) {
             break;
         }
-        AddSelectors(text.substr(0, nOpen), Trim(text.substr(nOpen + 1, nClose - nOpen - 1)),
-                     rules);
-        text.remove_prefix(nClose + 1);
+        AddSelectors(text.substr(0, open), Trim(text.substr(open + 1, close - open - 1)), rules);
+        text.remove_prefix(close + 1);
     }
     // Blocks of one selector stay in the order of the text.
-    std::sort(rules.begin(), rules.end(),
-              [](const CStyleSheet::Rule& a, const CStyleSheet::Rule& b) {
-                  const int nOrder = a.selector.compare(b.selector);
-                  return nOrder != 0 ? nOrder < 0 : a.selector.data() < b.selector.data();
-              });
+    std::sort(rules.begin(), rules.end(), [](const StyleSheet::Rule& a, const StyleSheet::Rule& b) {
+        const int order = a.selector.compare(b.selector);
+        return order != 0 ? order < 0 : a.selector.data() < b.selector.data();
+    });
     return rules;
 }
 
-const std::vector<CStyleSheet::Rule>& BuiltInRules() {
-    static const std::vector<CStyleSheet::Rule> s_aRules = ReadRules(BuiltInStyleSheet());
-    return s_aRules;
+const std::vector<StyleSheet::Rule>& BuiltInRules() {
+    static const std::vector<StyleSheet::Rule> rules = ReadRules(BuiltInStyleSheet());
+    return rules;
 }
 
 std::string LinkRule(const char* pszSelector, Colour colour, bool bUnderline) {
-    char aColour[16];
-    std::snprintf(aColour, sizeof(aColour), "0x%06X", static_cast<unsigned>(colour));
-    return std::string(pszSelector) + " {color:" + aColour +
+    char digits[16];
+    std::snprintf(digits, sizeof(digits), "0x%06X", static_cast<unsigned>(colour));
+    return std::string(pszSelector) + " {color:" + digits +
            "; text-decoration:" + (bUnderline ? "underline" : "none") + "}\r\n";
 }
 
@@ -104,7 +101,7 @@ std::string_view BuiltInStyleSheet() {
            ".cpp-comment {color:green; font-style:italic}\r\n";
 }
 
-void CStyleSheet::Load(std::optional<std::string_view> text) {
+void StyleSheet::Load(std::optional<std::string_view> text) {
     m_bBuiltIn = false;
     m_aRules.clear();
     m_aText.clear();
@@ -119,24 +116,24 @@ void CStyleSheet::Load(std::optional<std::string_view> text) {
     m_aRules = ReadRules({m_aText.data(), m_aText.size()});
 }
 
-std::span<const CStyleSheet::Rule> CStyleSheet::Rules() const {
+std::span<const StyleSheet::Rule> StyleSheet::Rules() const {
     return m_bBuiltIn ? BuiltInRules() : m_aRules;
 }
 
-void CStyleSheet::SetLinkRules(Colour link, bool bLinkUnderline, Colour hover,
-                               bool bHoverUnderline) {
-    std::string strText;
+void StyleSheet::SetLinkRules(Colour link, bool bLinkUnderline, Colour hover,
+                              bool bHoverUnderline) {
+    std::string text;
     for (const Rule& rule : Rules()) {
         if (rule.selector != "a:link" && rule.selector != "a:hover") {
-            strText.append(rule.selector).append(" {").append(rule.block).append("}\r\n");
+            text.append(rule.selector).append(" {").append(rule.block).append("}\r\n");
         }
     }
-    strText += LinkRule("a:link", link, bLinkUnderline);
-    strText += LinkRule("a:hover", hover, bHoverUnderline);
-    Load(strText);
+    text += LinkRule("a:link", link, bLinkUnderline);
+    text += LinkRule("a:hover", hover, bHoverUnderline);
+    Load(text);
 }
 
-std::span<const CStyleSheet::Rule> CStyleSheet::Find(std::string_view selector) const {
+std::span<const StyleSheet::Rule> StyleSheet::Find(std::string_view selector) const {
     const std::span<const Rule> rules = Rules();
     const auto range =
         std::equal_range(rules.begin(), rules.end(), Rule{selector, {}},
@@ -144,7 +141,7 @@ std::span<const CStyleSheet::Rule> CStyleSheet::Find(std::string_view selector) 
     return {range.first, range.second};
 }
 
-std::span<const CStyleSheet::Rule> CStyleSheet::FindClass(std::string_view name) const {
+std::span<const StyleSheet::Rule> StyleSheet::FindClass(std::string_view name) const {
     // Every selector with a full stop in front stands in one block of the order.
     const auto compare = [](std::string_view selector, std::string_view key) {
         return selector.substr(0, 1) == "." ? selector.substr(1).compare(key)
@@ -159,12 +156,12 @@ std::span<const CStyleSheet::Rule> CStyleSheet::FindClass(std::string_view name)
     return {first, last};
 }
 
-std::string CStyleSheet::Dump() const {
-    std::string strDump;
+std::string StyleSheet::Dump() const {
+    std::string dump;
     for (const Rule& rule : Rules()) {
-        strDump.append(rule.selector).append(" {").append(rule.block).append("}\n");
+        dump.append(rule.selector).append(" {").append(rule.block).append("}\n");
     }
-    return strDump;
+    return dump;
 }
 
 }  // namespace mvp::richtext

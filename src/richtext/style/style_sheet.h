@@ -1,7 +1,7 @@
 // The style sheet: an ordered map from a selector (the style selector of a tag, ".class", "a:link"
 // or "a:hover") to the text of its declaration block.
 //
-//     CStyleSheet sheet;               // no rule
+//     StyleSheet sheet;               // no rule
 //     sheet.Load(std::nullopt);        // the built-in sheet
 //     for (const auto& rule : sheet.Find("h1")) ...
 //
@@ -23,20 +23,20 @@ namespace mvp::richtext {
 // Rule by rule, each line ending with carriage return and line feed.
 std::string_view BuiltInStyleSheet();
 
-class CStyleSheet {
+class StyleSheet {
 public:
     struct Rule {
         std::string_view selector;
         std::string_view block;  // what stands between the braces
     };
 
-    CStyleSheet() = default;
+    StyleSheet() = default;
     // The rules point into the text; moving keeps both together.
-    CStyleSheet(CStyleSheet&&) noexcept = default;
-    CStyleSheet& operator=(CStyleSheet&&) noexcept = default;
-    CStyleSheet(const CStyleSheet&) = delete;
-    CStyleSheet& operator=(const CStyleSheet&) = delete;
-    ~CStyleSheet() = default;
+    StyleSheet(StyleSheet&&) noexcept = default;
+    StyleSheet& operator=(StyleSheet&&) noexcept = default;
+    StyleSheet(const StyleSheet&) = delete;
+    StyleSheet& operator=(const StyleSheet&) = delete;
+    ~StyleSheet() = default;
 
     // Removes every rule, then stores those of the text, of which it keeps a copy. No text loads
     // the built-in sheet; an empty one leaves no rule.

@@ -27,7 +27,7 @@ void Set(T& target, const std::optional<T>& value) {
 
 }  // namespace
 
-void CStyleTable::Begin(CTextMeasurer& measurer, const FontDescription& font, Colour colour) {
+void StyleTable::Begin(TextMeasurer& measurer, const FontDescription& font, Colour colour) {
     m_pMeasurer = &measurer;
     m_nDpi = std::clamp(measurer.DotsPerInch(), 1, 10000);
     m_aFonts.reserve(4);
@@ -42,7 +42,7 @@ void CStyleTable::Begin(CTextMeasurer& measurer, const FontDescription& font, Co
     m_styles.Intern(style);
 }
 
-std::uint32_t CStyleTable::InternFont(const Font& font) {
+std::uint32_t StyleTable::InternFont(const Font& font) {
     const auto found = std::find_if(m_aFonts.begin(), m_aFonts.end(), [&](const Font& known) {
         return known.nSize == font.nSize && known.nWeight == font.nWeight &&
                known.bItalic == font.bItalic && EqualsNoCase(known.strFace, font.strFace);
@@ -63,21 +63,21 @@ std::uint32_t CStyleTable::InternFont(const Font& font) {
     return static_cast<std::uint32_t>(m_aFonts.size() - 1);
 }
 
-LengthContext CStyleTable::ContextOf(const Font& font) const {
+LengthContext StyleTable::ContextOf(const Font& font) const {
     return {font.metrics.nXHeight, font.nSize, m_nDpi};
 }
 
-LengthContext CStyleTable::ContextOf(std::uint32_t nStyle) const {
+LengthContext StyleTable::ContextOf(std::uint32_t nStyle) const {
     return ContextOf(FontOf(nStyle));
 }
 
-std::uint32_t CStyleTable::FontFor(const Font& parent, const StyleDelta& delta) {
+std::uint32_t StyleTable::FontFor(const Font& parent, const StyleDelta& delta) {
     Font font = parent;
     if (delta.fontSize.has_value()) {
-        const std::int32_t nSize =
+        const std::int32_t size =
             ResolveLength(*delta.fontSize, parent.nSize, LengthUse::FontSize, ContextOf(parent));
         // A size without height would hide text; it counts as one that cannot be read.
-        font.nSize = nSize > 0 ? std::min(nSize, kMaxFontSize) : parent.nSize;
+        font.nSize = size > 0 ? std::min(size, kMaxFontSize) : parent.nSize;
     }
     if (delta.family.has_value()) {
         font.strFace = delta.family->substr(0, kMaxFaceLength);
@@ -91,7 +91,7 @@ std::uint32_t CStyleTable::FontFor(const Font& parent, const StyleDelta& delta) 
     return InternFont(font);
 }
 
-std::uint32_t CStyleTable::BoxFor(const StyleDelta& delta, const LengthContext& context) {
+std::uint32_t StyleTable::BoxFor(const StyleDelta& delta, const LengthContext& context) {
     BoxStyle box;
     const BorderStyle borderStyle = delta.borderStyle.value_or(BorderStyle::None);
     if (borderStyle != BorderStyle::None) {
@@ -112,7 +112,7 @@ std::uint32_t CStyleTable::BoxFor(const StyleDelta& delta, const LengthContext& 
     return m_boxes.Intern(box) + 1;
 }
 
-ComputedStyle CStyleTable::Derive(const ComputedStyle& parent, const StyleDelta& delta) {
+ComputedStyle StyleTable::Derive(const ComputedStyle& parent, const StyleDelta& delta) {
     ComputedStyle style = parent;
     if (delta.fontSize.has_value() || delta.family.has_value() || delta.bItalic.has_value() ||
         delta.nWeight.has_value()) {
@@ -130,14 +130,14 @@ ComputedStyle CStyleTable::Derive(const ComputedStyle& parent, const StyleDelta&
     Set(style.verticalAlign, delta.verticalAlign);
     Set(style.transform, delta.transform);
     // A decoration runs on through everything inside its element; "none" adds nothing.
-    const unsigned nOwn = delta.nDecoration.value_or(0);
-    style.nDecoration = static_cast<std::uint8_t>((style.nDecoration | nOwn) &
+    const unsigned own = delta.nDecoration.value_or(0);
+    style.nDecoration = static_cast<std::uint8_t>((style.nDecoration | own) &
                                                   (kUnderline | kLineThrough | kOverline));
     style.nBox = delta.HasBox() ? BoxFor(delta, ContextOf(m_aFonts[style.nFont])) : 0;
     return style;
 }
 
-void CStyleTable::Seal() {
+void StyleTable::Seal() {
     m_boxes.Seal();
     m_styles.Seal();
     Shrink(m_aFonts);

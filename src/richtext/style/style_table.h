@@ -38,7 +38,11 @@ struct ComputedStyle {
 
 // Pixels; in the order top, right, bottom, left.
 using Edges = std::array<std::int32_t, 4>;
-enum Edge : std::uint8_t { kTop, kRight, kBottom, kLeft };
+using Edge = std::size_t;
+inline constexpr Edge kTop = 0;
+inline constexpr Edge kRight = 1;
+inline constexpr Edge kBottom = 2;
+inline constexpr Edge kLeft = 3;
 
 struct BoxStyle {
     Edges margin = {};
@@ -63,11 +67,11 @@ struct Font {
     std::int32_t Height() const { return metrics.nAscent + metrics.nDescent; }
 };
 
-class CStyleTable {
+class StyleTable {
 public:
     // The style everything starts from; becomes style 0 and font 0. The measurer must stay until
     // the last style is made.
-    void Begin(CTextMeasurer& measurer, const FontDescription& font, Colour colour);
+    void Begin(TextMeasurer& measurer, const FontDescription& font, Colour colour);
 
     // The style of a child of parent on which delta works.
     ComputedStyle Derive(const ComputedStyle& parent, const StyleDelta& delta);
@@ -80,8 +84,8 @@ public:
     const Font& FontAt(std::uint32_t nFont) const { return m_aFonts[nFont]; }
     const BoxStyle& BoxOf(std::uint32_t nStyle) const {
         static constexpr BoxStyle kNoBox;
-        const std::uint32_t nBox = m_styles[nStyle].nBox;
-        return nBox == 0 ? kNoBox : m_boxes[nBox - 1];
+        const std::uint32_t box = m_styles[nStyle].nBox;
+        return box == 0 ? kNoBox : m_boxes[box - 1];
     }
     std::uint32_t Size() const { return m_styles.Size(); }
     std::uint32_t FontCount() const { return static_cast<std::uint32_t>(m_aFonts.size()); }
@@ -94,11 +98,11 @@ private:
     std::uint32_t BoxFor(const StyleDelta& delta, const LengthContext& context);
     LengthContext ContextOf(const Font& font) const;
 
-    CTextMeasurer* m_pMeasurer = nullptr;
+    TextMeasurer* m_pMeasurer = nullptr;
     std::int32_t m_nDpi = 96;
     std::vector<Font> m_aFonts;
-    CInternTable<BoxStyle> m_boxes;
-    CInternTable<ComputedStyle> m_styles;
+    InternTable<BoxStyle> m_boxes;
+    InternTable<ComputedStyle> m_styles;
 };
 
 }  // namespace mvp::richtext

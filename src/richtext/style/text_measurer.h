@@ -1,5 +1,5 @@
 // What layout asks of the device it lays out for. The painter implements it over a device context;
-// tests and benchmarks use CFixedMeasurer. All sizes are pixels.
+// tests and benchmarks use FixedMeasurer. All sizes are pixels.
 #pragma once
 
 #include <cstdint>
@@ -43,12 +43,12 @@ struct ImageSize {
     std::int32_t nHeight = 0;
 };
 
-class CTextMeasurer {
+class TextMeasurer {
 public:
-    CTextMeasurer() = default;
-    CTextMeasurer(const CTextMeasurer&) = delete;
-    CTextMeasurer& operator=(const CTextMeasurer&) = delete;
-    virtual ~CTextMeasurer() = default;
+    TextMeasurer() = default;
+    TextMeasurer(const TextMeasurer&) = delete;
+    TextMeasurer& operator=(const TextMeasurer&) = delete;
+    virtual ~TextMeasurer() = default;
 
     // Called once per distinct font of a document. The description's face is good for the call.
     virtual FontHandle OpenFont(const FontDescription& font, FontMetrics& metrics) = 0;

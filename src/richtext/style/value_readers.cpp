@@ -91,16 +91,15 @@ std::int32_t Held(std::int64_t nValue) {
 }
 
 std::optional<Colour> ReadHexColour(std::string_view value) {
-    std::uint32_t nDigits = 0;
+    std::uint32_t digits = 0;
     for (const char c : value.substr(1)) {
         const char lower = AsciiLower(c);
         if (!IsDigit(c) && !(lower >= 'a' && lower <= 'f')) {
             return std::nullopt;
         }
-        nDigits =
-            nDigits * 16 + static_cast<std::uint32_t>(IsDigit(c) ? c - '0' : lower - 'a' + 10);
+        digits = digits * 16 + static_cast<std::uint32_t>(IsDigit(c) ? c - '0' : lower - 'a' + 10);
     }
-    return Rgb(nDigits >> 16, nDigits >> 8 & 0xFF, nDigits & 0xFF);
+    return Rgb(digits >> 16, digits >> 8 & 0xFF, digits & 0xFF);
 }
 
 }  // namespace
@@ -115,9 +114,9 @@ std::optional<Colour> ReadColour(std::string_view value, const SystemColours& sy
         return value.size() == kHexLength ? ReadHexColour(value) : std::nullopt;
     }
     Colour colour = 0;
-    const bool bRead = IsDigit(value.front()) ? ReadUnsignedCNumber(value, colour)
-                                              : FindColour(value, system, colour);
-    return bRead ? std::optional(colour) : std::nullopt;
+    const bool read = IsDigit(value.front()) ? ReadUnsignedCNumber(value, colour)
+                                             : FindColour(value, system, colour);
+    return read ? std::optional(colour) : std::nullopt;
 }
 
 std::optional<Colour> ReadPropertyColour(std::string_view value, const SystemColours& system) {
@@ -151,25 +150,25 @@ std::optional<Length> ReadLength(std::string_view value) {
 
 std::int32_t ResolveLength(Length length, std::int32_t nDefault, LengthUse use,
                            const LengthContext& context) {
-    const std::int64_t nValue = length.nValue;
-    const std::int64_t nDots = nValue * context.nDpi;
+    const std::int64_t value = length.nValue;
+    const std::int64_t dots = value * context.nDpi;
     switch (length.unit) {
         case LengthUnit::Percent:
             return MulDivRounded(nDefault, length.nValue, 100);
         case LengthUnit::Ex:
-            return Held(nValue * context.nXHeight);
+            return Held(value * context.nXHeight);
         case LengthUnit::Em:
-            return Held(nValue * context.nFontHeight);
+            return Held(value * context.nFontHeight);
         case LengthUnit::Inch:
-            return Held(nDots);
+            return Held(dots);
         case LengthUnit::Centimetre:
-            return Held(static_cast<double>(nDots) / 2.54);
+            return Held(static_cast<double>(dots) / 2.54);
         case LengthUnit::Millimetre:
-            return Held(static_cast<double>(nDots) / 25.4);
+            return Held(static_cast<double>(dots) / 25.4);
         case LengthUnit::Point:
-            return Held(nDots / 72);
+            return Held(dots / 72);
         case LengthUnit::Pica:
-            return Held(nDots / 6);
+            return Held(dots / 6);
         case LengthUnit::Plain:
             if (use == LengthUse::FontSize && length.nValue >= 1 && length.nValue <= 7) {
                 return kSizeSteps[length.nValue - 1];
@@ -193,11 +192,11 @@ std::optional<bool> ReadFontStyle(std::string_view value) {
 
 std::optional<std::int32_t> ReadFontWeight(std::string_view value) {
     const auto keyword = FindKeyword<std::int32_t>(value, kFontWeights);
-    std::int32_t nNumber = 0;
-    if (keyword.has_value() || !ReadCNumber(value, nNumber)) {
+    std::int32_t number = 0;
+    if (keyword.has_value() || !ReadCNumber(value, number)) {
         return keyword;
     }
-    return nNumber;
+    return number;
 }
 
 std::optional<TextAlign> ReadTextAlign(std::string_view value) {
@@ -217,12 +216,12 @@ std::optional<std::uint8_t> ReadTextDecoration(std::string_view value) {
     if (rest.empty()) {
         return kDecorationNone;
     }
-    std::uint8_t nFlags = 0;
+    std::uint8_t flags = 0;
     for (std::string_view word = NextToken(rest, " ,\t\r\n"); !word.empty();
          word = NextToken(rest, " ,\t\r\n")) {
-        nFlags |= FindKeyword<std::uint8_t>(word, kDecorations).value_or(0);
+        flags |= FindKeyword<std::uint8_t>(word, kDecorations).value_or(0);
     }
-    return nFlags != 0 ? std::optional(nFlags) : std::nullopt;
+    return flags != 0 ? std::optional(flags) : std::nullopt;
 }
 
 std::optional<Length> ReadBorderWidth(std::string_view value) {
@@ -243,12 +242,12 @@ std::optional<BackgroundEffect> ReadBackgroundEffect(std::string_view value,
     if (!length.has_value()) {
         return std::nullopt;
     }
-    const std::int32_t nCode = ResolveLength(*length, 0, LengthUse::Size, context);
-    if (nCode < static_cast<int>(BackgroundEffect::Transparent) ||
-        nCode > static_cast<int>(BackgroundEffect::Metal)) {
+    const std::int32_t code = ResolveLength(*length, 0, LengthUse::Size, context);
+    if (code < static_cast<int>(BackgroundEffect::Transparent) ||
+        code > static_cast<int>(BackgroundEffect::Metal)) {
         return std::nullopt;
     }
-    return static_cast<BackgroundEffect>(nCode);
+    return static_cast<BackgroundEffect>(code);
 }
 
 }  // namespace mvp::richtext

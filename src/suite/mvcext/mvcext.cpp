@@ -9,18 +9,19 @@
 
 namespace {
 
-mvp::CPatternProgram* Compile(const char* pszPattern, bool bIgnoreCase) {
+mvp::PatternProgram* Compile(const char* pszPattern, bool bIgnoreCase) {
     auto program = mvp::CompilePattern(pszPattern, bIgnoreCase);
-    return program ? new mvp::CPatternProgram(std::move(*program)) : nullptr;
+    return program ? new mvp::PatternProgram(std::move(*program)) : nullptr;
 }
 
 }  // namespace
 
 CPattern::CPattern(const char* pszPattern, bool bIgnoreCase) noexcept {
-    if (pszPattern != nullptr)
-        m_pProgram = mvp::Guarded<mvp::CPatternProgram*>(
+    if (pszPattern != nullptr) {
+        m_pProgram = mvp::Guarded<mvp::PatternProgram*>(
             nullptr, [&] { return Compile(pszPattern, bIgnoreCase); },
             mvp::LogSuiteException("MVCEXT", "CPattern::CPattern"));
+    }
 }
 
 CPattern::~CPattern() {
@@ -32,8 +33,9 @@ bool CPattern::IsValid() const noexcept {
 }
 
 bool CPattern::IsMatched(const char* pszText) const noexcept {
-    if (m_pProgram == nullptr || pszText == nullptr)
+    if (m_pProgram == nullptr || pszText == nullptr) {
         return false;
+    }
     return mvp::Guarded(
         false, [&] { return m_pProgram->Matches(pszText); },
         mvp::LogSuiteException("MVCEXT", "CPattern::IsMatched"));

@@ -32,7 +32,7 @@
 #endif
 
 namespace mvp {
-class CPatternProgram;
+class PatternProgram;
 }
 
 // Once made, a pattern may be used by several threads at a time. No function throws.
@@ -51,5 +51,5 @@ public:
     bool IsMatched(const char* pszText) const noexcept;
 
 private:
-    mvp::CPatternProgram* m_pProgram = nullptr;  // owned; null when the pattern is not valid
+    mvp::PatternProgram* m_pProgram = nullptr;  // owned; null when the pattern is not valid
 };

@@ -17,26 +17,30 @@ bool IsLetter(unsigned char byte) noexcept {
 
 ByteSet SetWhere(bool (*pHolds)(unsigned char)) {
     ByteSet set;
-    for (std::size_t nByte = 0; nByte < set.size(); ++nByte)
-        set[nByte] = pHolds(static_cast<unsigned char>(nByte));
+    for (std::size_t byte = 0; byte < set.size(); ++byte) {
+        set[byte] = pHolds(static_cast<unsigned char>(byte));
+    }
     return set;
 }
 
 int HexDigit(char digit) noexcept {
     const auto byte = static_cast<unsigned char>(digit);
-    if (IsDigit(byte))
+    if (IsDigit(byte)) {
         return digit - '0';
-    if (IsBetween(byte, 'a', 'f'))
+    }
+    if (IsBetween(byte, 'a', 'f')) {
         return digit - 'a' + 10;
+    }
     return IsBetween(byte, 'A', 'F') ? digit - 'A' + 10 : -1;
 }
 
 // The lowest byte of a set that is not empty.
 std::size_t FirstOf(const ByteSet& set) noexcept {
-    std::size_t nByte = 0;
-    while (!set[nByte])
-        ++nByte;
-    return nByte;
+    std::size_t byte = 0;
+    while (!set[byte]) {
+        ++byte;
+    }
+    return byte;
 }
 
 ByteSet Single(unsigned char byte) {
@@ -59,28 +63,31 @@ struct Level {
     bool bLastMayRepeat = false;
 };
 
-class CPatternCompiler {
+class PatternCompiler {
 public:
-    CPatternCompiler(std::string_view pattern, bool bIgnoreCase)
+    PatternCompiler(std::string_view pattern, bool bIgnoreCase)
         : m_pattern(pattern), m_bIgnoreCase(bIgnoreCase), m_levels(1) {}
 
-    std::optional<CPatternProgram> Compile() {
+    std::optional<PatternProgram> Compile() {
         while (!AtEnd()) {
-            if (!ReadElement())
+            if (!ReadElement()) {
                 return std::nullopt;
+            }
         }
-        if (m_levels.size() != 1)
+        if (m_levels.size() != 1) {
             return std::nullopt;
+        }
         const Fragment whole = CloseLevel();
-        m_states[whole.nEnd].nNext = NewState(PatternState::Kind::kAccept).nStart;
-        return CPatternProgram(std::move(m_states), std::move(m_sets), whole.nStart);
+        m_states[whole.nEnd].nNext = NewState(PatternState::Kind::Accept).nStart;
+        return PatternProgram(std::move(m_states), std::move(m_sets), whole.nStart);
     }
 
 private:
     bool AtEnd() const noexcept { return m_nAt == m_pattern.size(); }
     bool SkipIf(std::string_view text) noexcept {
-        if (m_pattern.substr(m_nAt, text.size()) != text)
+        if (m_pattern.substr(m_nAt, text.size()) != text) {
             return false;
+        }
         m_nAt += text.size();
         return true;
     }
@@ -116,7 +123,7 @@ private:
     std::vector<ByteSet> m_sets;
 };
 
-bool CPatternCompiler::ReadElement() {
+bool PatternCompiler::ReadElement() {
     const char sign = m_pattern[m_nAt++];
     ByteSet set;
     switch (sign) {
@@ -136,21 +143,23 @@ bool CPatternCompiler::ReadElement() {
             // Counted repetition elsewhere; refused, so that nobody takes it for one here.
             return false;
         case '^':
-            Append(NewState(PatternState::Kind::kTextBegin), false);
+            Append(NewState(PatternState::Kind::TextBegin), false);
             return true;
         case '$':
-            Append(NewState(PatternState::Kind::kTextEnd), false);
+            Append(NewState(PatternState::Kind::TextEnd), false);
             return true;
         case '.':
             AppendSet(set.set());
             return true;
         case '[':
-            if (!ReadClass(set))
+            if (!ReadClass(set)) {
                 return false;
+            }
             break;
         case '\\':
-            if (!ReadEscape(set))
+            if (!ReadEscape(set)) {
                 return false;
+            }
             break;
         default:
             set = Single(static_cast<unsigned char>(sign));
@@ -160,34 +169,37 @@ bool CPatternCompiler::ReadElement() {
     return true;
 }
 
-bool CPatternCompiler::OpenGroup() {
+bool PatternCompiler::OpenGroup() {
     // Groups capture nothing, so (?: is a plain bracket; the other (? forms are not known.
-    if (!SkipIf("?:") && !AtEnd() && m_pattern[m_nAt] == '?')
+    if (!SkipIf("?:") && !AtEnd() && m_pattern[m_nAt] == '?') {
         return false;
+    }
     m_levels.emplace_back();
     return true;
 }
 
-bool CPatternCompiler::CloseGroup() {
-    if (m_levels.size() == 1)
+bool PatternCompiler::CloseGroup() {
+    if (m_levels.size() == 1) {
         return false;
+    }
     const Fragment group = CloseLevel();
     m_levels.pop_back();
     Append(group, true);
     return true;
 }
 
-bool CPatternCompiler::Repeat(char quantifier) {
+bool PatternCompiler::Repeat(char quantifier) {
     Level& level = m_levels.back();
-    if (!level.last || !level.bLastMayRepeat)
+    if (!level.last || !level.bLastMayRepeat) {
         return false;
+    }
     const Fragment body = *level.last;
-    const StateIndex nSplit = NewState(PatternState::Kind::kSplit).nStart;
-    const StateIndex nEnd = NewState(PatternState::Kind::kPass).nStart;
-    m_states[nSplit].nNext = body.nStart;
-    m_states[nSplit].nOther = nEnd;
-    m_states[body.nEnd].nNext = quantifier == '?' ? nEnd : nSplit;
-    level.last = Fragment{quantifier == '+' ? body.nStart : nSplit, nEnd};
+    const StateIndex split = NewState(PatternState::Kind::Split).nStart;
+    const StateIndex end = NewState(PatternState::Kind::Pass).nStart;
+    m_states[split].nNext = body.nStart;
+    m_states[split].nOther = end;
+    m_states[body.nEnd].nNext = quantifier == '?' ? end : split;
+    level.last = Fragment{quantifier == '+' ? body.nStart : split, end};
     level.bLastMayRepeat = false;
     // As few as possible rather than as many: the same texts match.
     SkipIf("?");
@@ -195,11 +207,12 @@ bool CPatternCompiler::Repeat(char quantifier) {
 }
 
 // What stands behind a backslash.
-bool CPatternCompiler::ReadEscape(ByteSet& set) {
-    if (AtEnd())
+bool PatternCompiler::ReadEscape(ByteSet& set) {
+    if (AtEnd()) {
         return false;
+    }
     const auto sign = static_cast<unsigned char>(m_pattern[m_nAt++]);
-    const char* const pszControls = "t\tn\nr\rf\fv\v";
+    const char* const controls = "t\tn\nr\rf\fv\v";
     switch (sign) {
         case 'd':
         case 'D':
@@ -222,7 +235,7 @@ bool CPatternCompiler::ReadEscape(ByteSet& set) {
                 set = Single(sign);
                 return true;
             }
-            for (const char* psz = pszControls; *psz != '\0'; psz += 2) {
+            for (const char* psz = controls; *psz != '\0'; psz += 2) {
                 if (static_cast<unsigned char>(psz[0]) == sign) {
                     set = Single(static_cast<unsigned char>(psz[1]));
                     return true;
@@ -230,151 +243,164 @@ bool CPatternCompiler::ReadEscape(ByteSet& set) {
             }
             return false;
     }
-    if (IsBetween(sign, 'A', 'Z'))
+    if (IsBetween(sign, 'A', 'Z')) {
         set.flip();
+    }
     return true;
 }
 
-bool CPatternCompiler::ReadHex(ByteSet& set) {
-    if (m_pattern.size() - m_nAt < 2)
+bool PatternCompiler::ReadHex(ByteSet& set) {
+    if (m_pattern.size() - m_nAt < 2) {
         return false;
-    const int nHigh = HexDigit(m_pattern[m_nAt]);
-    const int nLow = HexDigit(m_pattern[m_nAt + 1]);
-    if (nHigh < 0 || nLow < 0)
+    }
+    const int high = HexDigit(m_pattern[m_nAt]);
+    const int low = HexDigit(m_pattern[m_nAt + 1]);
+    if (high < 0 || low < 0) {
         return false;
+    }
     m_nAt += 2;
-    set = Single(static_cast<unsigned char>(nHigh * 16 + nLow));
+    set = Single(static_cast<unsigned char>(high * 16 + low));
     FoldCase(set);
     return true;
 }
 
 // A class, from behind its [ to behind its ].
-bool CPatternCompiler::ReadClass(ByteSet& set) {
-    const bool bInverted = SkipIf("^");
-    bool bEmpty = true;
+bool PatternCompiler::ReadClass(ByteSet& set) {
+    const bool inverted = SkipIf("^");
+    bool empty = true;
     while (!SkipIf("]")) {
-        if (AtEnd() || !ReadClassItem(set))
+        if (AtEnd() || !ReadClassItem(set)) {
             return false;
-        bEmpty = false;
+        }
+        empty = false;
     }
     // Elsewhere a ] in the first place may stand for itself; here it must be escaped.
-    if (bEmpty)
+    if (empty) {
         return false;
+    }
     FoldCase(set);
-    if (bInverted)
+    if (inverted) {
         set.flip();
+    }
     return true;
 }
 
 // A byte, an escape or a range.
-bool CPatternCompiler::ReadClassItem(ByteSet& set) {
+bool PatternCompiler::ReadClassItem(ByteSet& set) {
     ByteSet first;
-    if (!ReadClassByte(first))
+    if (!ReadClassByte(first)) {
         return false;
+    }
     // A - stands for itself before the closing ].
-    const bool bRange = m_pattern.substr(m_nAt, 1) == "-" && m_pattern.substr(m_nAt, 2) != "-]";
-    if (!bRange) {
+    const bool range = m_pattern.substr(m_nAt, 1) == "-" && m_pattern.substr(m_nAt, 2) != "-]";
+    if (!range) {
         set |= first;
         return true;
     }
     ++m_nAt;
     ByteSet last;
-    if (AtEnd() || !ReadClassByte(last) || first.count() != 1 || last.count() != 1)
+    if (AtEnd() || !ReadClassByte(last) || first.count() != 1 || last.count() != 1) {
         return false;
-    const std::size_t nFirst = FirstOf(first);
-    const std::size_t nLast = FirstOf(last);
-    for (std::size_t nByte = nFirst; nByte <= nLast; ++nByte)
-        set.set(nByte);
-    return nFirst <= nLast;
+    }
+    const std::size_t low = FirstOf(first);
+    const std::size_t high = FirstOf(last);
+    for (std::size_t byte = low; byte <= high; ++byte) {
+        set.set(byte);
+    }
+    return low <= high;
 }
 
-bool CPatternCompiler::ReadClassByte(ByteSet& set) {
+bool PatternCompiler::ReadClassByte(ByteSet& set) {
     // Named classes are not known; refused, so that nobody takes them for known.
-    if (SkipIf("[:") || SkipIf("[.") || SkipIf("[="))
+    if (SkipIf("[:") || SkipIf("[.") || SkipIf("[=")) {
         return false;
-    if (SkipIf("\\"))
+    }
+    if (SkipIf("\\")) {
         return ReadEscape(set);
+    }
     set = Single(static_cast<unsigned char>(m_pattern[m_nAt++]));
     return true;
 }
 
-Fragment CPatternCompiler::NewState(PatternState::Kind kind) {
-    const auto nState = static_cast<StateIndex>(m_states.size());
+Fragment PatternCompiler::NewState(PatternState::Kind kind) {
+    const auto state = static_cast<StateIndex>(m_states.size());
     m_states.push_back({kind});
-    return {nState, nState};
+    return {state, state};
 }
 
-Fragment CPatternCompiler::NewSet(const ByteSet& set) {
-    const Fragment fragment = NewState(PatternState::Kind::kByte);
+Fragment PatternCompiler::NewSet(const ByteSet& set) {
+    const Fragment fragment = NewState(PatternState::Kind::Byte);
     m_states.back().nSet = static_cast<std::uint32_t>(m_sets.size());
     m_sets.push_back(set);
     return fragment;
 }
 
-void CPatternCompiler::AppendSet(ByteSet set) {
+void PatternCompiler::AppendSet(ByteSet set) {
     Append(NewSet(set), true);
 }
 
-void CPatternCompiler::Append(Fragment element, bool bMayRepeat) {
+void PatternCompiler::Append(Fragment element, bool bMayRepeat) {
     FinishElement();
     m_levels.back().last = element;
     m_levels.back().bLastMayRepeat = bMayRepeat;
 }
 
-Fragment CPatternCompiler::Join(Fragment first, Fragment second) {
+Fragment PatternCompiler::Join(Fragment first, Fragment second) {
     m_states[first.nEnd].nNext = second.nStart;
     return {first.nStart, second.nEnd};
 }
 
-Fragment CPatternCompiler::Either(Fragment first, Fragment second) {
-    const StateIndex nSplit = NewState(PatternState::Kind::kSplit).nStart;
-    const StateIndex nEnd = NewState(PatternState::Kind::kPass).nStart;
-    m_states[nSplit].nNext = first.nStart;
-    m_states[nSplit].nOther = second.nStart;
-    m_states[first.nEnd].nNext = nEnd;
-    m_states[second.nEnd].nNext = nEnd;
-    return {nSplit, nEnd};
+Fragment PatternCompiler::Either(Fragment first, Fragment second) {
+    const StateIndex split = NewState(PatternState::Kind::Split).nStart;
+    const StateIndex end = NewState(PatternState::Kind::Pass).nStart;
+    m_states[split].nNext = first.nStart;
+    m_states[split].nOther = second.nStart;
+    m_states[first.nEnd].nNext = end;
+    m_states[second.nEnd].nNext = end;
+    return {split, end};
 }
 
-void CPatternCompiler::FinishElement() {
+void PatternCompiler::FinishElement() {
     Level& level = m_levels.back();
-    if (!level.last)
+    if (!level.last) {
         return;
+    }
     level.sequence = level.sequence ? Join(*level.sequence, *level.last) : *level.last;
     level.last.reset();
 }
 
-void CPatternCompiler::FinishAlternative() {
+void PatternCompiler::FinishAlternative() {
     FinishElement();
     Level& level = m_levels.back();
-    const Fragment sequence =
-        level.sequence ? *level.sequence : NewState(PatternState::Kind::kPass);
+    const Fragment sequence = level.sequence ? *level.sequence : NewState(PatternState::Kind::Pass);
     level.alternatives = level.alternatives ? Either(*level.alternatives, sequence) : sequence;
     level.sequence.reset();
 }
 
-Fragment CPatternCompiler::CloseLevel() {
+Fragment PatternCompiler::CloseLevel() {
     FinishAlternative();
     return *m_levels.back().alternatives;
 }
 
-void CPatternCompiler::FoldCase(ByteSet& set) const {
-    if (!m_bIgnoreCase)
+void PatternCompiler::FoldCase(ByteSet& set) const {
+    if (!m_bIgnoreCase) {
         return;
-    for (std::size_t nUpper = 'A'; nUpper <= 'Z'; ++nUpper) {
-        const std::size_t nLower = nUpper + ('a' - 'A');
-        const bool bEither = set[nUpper] || set[nLower];
-        set[nUpper] = bEither;
-        set[nLower] = bEither;
+    }
+    for (std::size_t upper = 'A'; upper <= 'Z'; ++upper) {
+        const std::size_t lower = upper + ('a' - 'A');
+        const bool either = set[upper] || set[lower];
+        set[upper] = either;
+        set[lower] = either;
     }
 }
 
 }  // namespace
 
-std::optional<CPatternProgram> CompilePattern(std::string_view pattern, bool bIgnoreCase) {
-    if (pattern.size() > kPatternMax)
+std::optional<PatternProgram> CompilePattern(std::string_view pattern, bool bIgnoreCase) {
+    if (pattern.size() > kPatternMax) {
         return std::nullopt;
-    return CPatternCompiler(pattern, bIgnoreCase).Compile();
+    }
+    return PatternCompiler(pattern, bIgnoreCase).Compile();
 }
 
 }  // namespace mvp

@@ -1,4 +1,4 @@
-// Turns the text of a pattern into a CPatternProgram. mvcext.h describes the notation.
+// Turns the text of a pattern into a PatternProgram. mvcext.h describes the notation.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +12,6 @@ namespace mvp {
 constexpr std::size_t kPatternMax = 4096;  // bytes
 
 // Nothing when the pattern is malformed or longer than kPatternMax.
-std::optional<CPatternProgram> CompilePattern(std::string_view pattern, bool bIgnoreCase);
+std::optional<PatternProgram> CompilePattern(std::string_view pattern, bool bIgnoreCase);
 
 }  // namespace mvp

@@ -3,22 +3,24 @@
 namespace mvp {
 
 // The states reached at one position of the text, each once, in the order they were reached.
-class CPatternProgram::CStateList {
+class PatternProgram::StateList {
 public:
-    explicit CStateList(std::size_t nStates) : m_marks(nStates, false) {
+    explicit StateList(std::size_t nStates) : m_marks(nStates, false) {
         m_reached.reserve(nStates);
     }
     // False when the state was in the list already.
     bool Add(StateIndex nState) {
-        if (m_marks[nState])
+        if (m_marks[nState]) {
             return false;
+        }
         m_marks[nState] = true;
         m_reached.push_back(nState);
         return true;
     }
     void Clear() noexcept {
-        for (const StateIndex nState : m_reached)
-            m_marks[nState] = false;
+        for (const StateIndex index : m_reached) {
+            m_marks[index] = false;
+        }
         m_reached.clear();
     }
     const std::vector<StateIndex>& Reached() const noexcept { return m_reached; }
@@ -30,65 +32,70 @@ private:
 
 // Adds `nFrom` and all states that lie behind it without taking a byte. Returns whether one of the
 // added states accepts.
-bool CPatternProgram::Follow(StateIndex nFrom, bool bAtBegin, bool bAtEnd, CStateList& list,
-                             std::vector<StateIndex>& pending) const {
-    bool bAccepts = false;
+bool PatternProgram::Follow(StateIndex nFrom, bool bAtBegin, bool bAtEnd, StateList& list,
+                            std::vector<StateIndex>& pending) const {
+    bool accepts = false;
     pending.assign(1, nFrom);
     while (!pending.empty()) {
-        const StateIndex nState = pending.back();
+        const StateIndex index = pending.back();
         pending.pop_back();
-        if (!list.Add(nState))
+        if (!list.Add(index)) {
             continue;
-        const PatternState& state = m_states[nState];
+        }
+        const PatternState& state = m_states[index];
         switch (state.kind) {
-            case PatternState::Kind::kByte:
+            case PatternState::Kind::Byte:
                 break;
-            case PatternState::Kind::kAccept:
-                bAccepts = true;
+            case PatternState::Kind::Accept:
+                accepts = true;
                 break;
-            case PatternState::Kind::kSplit:
+            case PatternState::Kind::Split:
                 pending.push_back(state.nOther);
                 pending.push_back(state.nNext);
                 break;
-            case PatternState::Kind::kPass:
+            case PatternState::Kind::Pass:
                 pending.push_back(state.nNext);
                 break;
-            case PatternState::Kind::kTextBegin:
-                if (bAtBegin)
+            case PatternState::Kind::TextBegin:
+                if (bAtBegin) {
                     pending.push_back(state.nNext);
+                }
                 break;
-            case PatternState::Kind::kTextEnd:
-                if (bAtEnd)
+            case PatternState::Kind::TextEnd:
+                if (bAtEnd) {
                     pending.push_back(state.nNext);
+                }
                 break;
         }
     }
-    return bAccepts;
+    return accepts;
 }
 
-bool CPatternProgram::Matches(std::string_view text, std::size_t* pnSteps) const {
-    CStateList here(m_states.size());
-    CStateList next(m_states.size());
+bool PatternProgram::Matches(std::string_view text, std::size_t* pnSteps) const {
+    StateList here(m_states.size());
+    StateList next(m_states.size());
     std::vector<StateIndex> pending;
-    std::size_t nSteps = 0;
+    std::size_t steps = 0;
 
-    bool bAccepts = Follow(m_nStart, true, text.empty(), here, pending);
-    for (std::size_t nAt = 0; nAt < text.size() && !here.Reached().empty(); ++nAt) {
-        const auto nByte = static_cast<unsigned char>(text[nAt]);
-        const bool bAtEnd = nAt + 1 == text.size();
-        bAccepts = false;
+    bool accepts = Follow(m_nStart, true, text.empty(), here, pending);
+    for (std::size_t at = 0; at < text.size() && !here.Reached().empty(); ++at) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const bool atEnd = at + 1 == text.size();
+        accepts = false;
         next.Clear();
-        for (const StateIndex nState : here.Reached()) {
-            const PatternState& state = m_states[nState];
-            if (state.kind == PatternState::Kind::kByte && m_sets[state.nSet][nByte])
-                bAccepts |= Follow(state.nNext, false, bAtEnd, next, pending);
+        for (const StateIndex index : here.Reached()) {
+            const PatternState& state = m_states[index];
+            if (state.kind == PatternState::Kind::Byte && m_sets[state.nSet][byte]) {
+                accepts |= Follow(state.nNext, false, atEnd, next, pending);
+            }
         }
-        nSteps += here.Reached().size();
+        steps += here.Reached().size();
         std::swap(here, next);
     }
-    if (pnSteps != nullptr)
-        *pnSteps += nSteps + here.Reached().size();
-    return bAccepts;
+    if (pnSteps != nullptr) {
+        *pnSteps += steps + here.Reached().size();
+    }
+    return accepts;
 }
 
 }  // namespace mvp

@@ -19,12 +19,12 @@ using StateIndex = std::uint32_t;
 
 struct PatternState {
     enum class Kind : std::uint8_t {
-        kByte,       // takes a byte of the set nSet, goes to nNext
-        kPass,       // goes to nNext
-        kSplit,      // goes to nNext and to nOther
-        kTextBegin,  // goes to nNext at the text's begin
-        kTextEnd,    // goes to nNext at the text's end
-        kAccept,
+        Byte,       // takes a byte of the set nSet, goes to nNext
+        Pass,       // goes to nNext
+        Split,      // goes to nNext and to nOther
+        TextBegin,  // goes to nNext at the text's begin
+        TextEnd,    // goes to nNext at the text's end
+        Accept,
     };
     Kind kind;
     StateIndex nNext = 0;
@@ -32,10 +32,10 @@ struct PatternState {
     std::uint32_t nSet = 0;
 };
 
-class CPatternProgram {
+class PatternProgram {
 public:
     // The states may form loops; every index in them is valid, and one state accepts.
-    CPatternProgram(std::vector<PatternState> states, std::vector<ByteSet> sets, StateIndex nStart)
+    PatternProgram(std::vector<PatternState> states, std::vector<ByteSet> sets, StateIndex nStart)
         : m_states(std::move(states)), m_sets(std::move(sets)), m_nStart(nStart) {}
 
     // Whether the whole text matches. Adds the number of states visited to *pnSteps, if given.
@@ -44,8 +44,8 @@ public:
     std::size_t StateCount() const noexcept { return m_states.size(); }
 
 private:
-    class CStateList;
-    bool Follow(StateIndex nFrom, bool bAtBegin, bool bAtEnd, CStateList& list,
+    class StateList;
+    bool Follow(StateIndex nFrom, bool bAtBegin, bool bAtEnd, StateList& list,
                 std::vector<StateIndex>& pending) const;
 
     std::vector<PatternState> m_states;

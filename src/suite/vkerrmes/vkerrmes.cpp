@@ -22,8 +22,9 @@ UINT Icon(UINT nIcon) noexcept {
 // stands for.
 UINT Style(UINT nButtons, UINT nOwnButtons, UINT nIcon, UINT nFlags) noexcept {
     nFlags &= kFlagsTaken;
-    if (nButtons == 0 || nButtons > MB_RETRYCANCEL)
+    if (nButtons == 0 || nButtons > MB_RETRYCANCEL) {
         nButtons = (nFlags & MB_DEFMASK) != 0 ? nOwnButtons & MB_TYPEMASK : nOwnButtons;
+    }
     return nButtons | Icon(nIcon) | nFlags;
 }
 
@@ -33,17 +34,18 @@ int Show(HWND hParent, const char* pszText, const char* pszReader, UINT nStyle) 
 
     // Longer than the longest reader name of the system.
     char caption[256];
-    if (pszReader != nullptr && *pszReader != '\0')
+    if (pszReader != nullptr && *pszReader != '\0') {
         std::snprintf(caption, sizeof(caption), "%s - %s", kProductName, pszReader);
-    else
+    } else {
         std::snprintf(caption, sizeof(caption), "%s", kProductName);
+    }
 
     if (!IsWindow(hParent)) {
         hParent = nullptr;
         nStyle |= MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
     }
-    const int nAnswer = MessageBoxA(hParent, text, caption, nStyle);
-    return nAnswer == IDOK || nAnswer == IDYES ? 1 : 0;
+    const int answer = MessageBoxA(hParent, text, caption, nStyle);
+    return answer == IDOK || answer == IDYES ? 1 : 0;
 }
 
 }  // namespace
@@ -57,6 +59,6 @@ int VKErrMesDisplayExWithParentParamAndReader(HWND hParent, int /*nMessageType*/
                                               const char* pszText, UINT nButtons, UINT nIcon,
                                               UINT nFlags, const void* /*pReserved*/,
                                               const char* pszReader) {
-    const UINT nOwnButtons = UINT{MB_OKCANCEL} | MB_DEFBUTTON2;
-    return Show(hParent, pszText, pszReader, Style(nButtons, nOwnButtons, nIcon, nFlags));
+    const UINT ownButtons = UINT{MB_OKCANCEL} | MB_DEFBUTTON2;
+    return Show(hParent, pszText, pszReader, Style(nButtons, ownButtons, nIcon, nFlags));
 }

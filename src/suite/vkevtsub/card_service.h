@@ -24,10 +24,10 @@ struct ReaderState {
 class ICardService {
 public:
     enum class Wait {
-        kReported,       // nNow of every reader is filled
-        kNothing,        // no change in time, or the watch is to end
-        kUnknownReader,  // one of the readers does not exist any more
-        kLost,           // the service does not answer
+        Reported,       // nNow of every reader is filled
+        Nothing,        // no change in time, or the watch is to end
+        UnknownReader,  // one of the readers does not exist any more
+        Lost,           // the service does not answer
     };
 
     ICardService() = default;

@@ -9,26 +9,28 @@
 
 namespace mvp {
 
-CCardWatch::CCardWatch(OnRemoved onRemoved, const std::string& strModule)
+CardWatch::CardWatch(OnRemoved onRemoved, const std::string& strModule)
     : m_service(strModule), m_onRemoved(std::move(onRemoved)) {}
 
-std::shared_ptr<CCardWatch> CCardWatch::Start(OnRemoved onRemoved, const std::string& strModule) {
-    std::shared_ptr<CCardWatch> watch(new CCardWatch(std::move(onRemoved), strModule));
+std::shared_ptr<CardWatch> CardWatch::Start(OnRemoved onRemoved, const std::string& strModule) {
+    std::shared_ptr<CardWatch> watch(new CardWatch(std::move(onRemoved), strModule));
     if (!watch->m_service.IsUsable() ||
-        !StartModuleThread([watch] { watch->Run(); }, LogSuiteException("VKEVTSUB", "CCardWatch")))
+        !StartModuleThread([watch] { watch->Run(); }, LogSuiteException("VKEVTSUB", "CardWatch"))) {
         return nullptr;
+    }
     return watch;
 }
 
-void CCardWatch::Run() noexcept {
+void CardWatch::Run() noexcept {
     // Memory that runs out costs what is known of the readers, not the watch.
-    bool bEnded = false;
-    while (!bEnded) {
-        CReaderWatch readers(
+    bool ended = false;
+    while (!ended) {
+        ReaderWatch readers(
             m_service, [this](const std::string& strReader) { m_onRemoved(*this, strReader); });
-        bEnded = Guarded([&] { readers.Run(); }, LogSuiteException("VKEVTSUB", "CCardWatch::Run"));
-        if (!bEnded)
-            m_service.Pause(CReaderWatch::kRetryMs);
+        ended = Guarded([&] { readers.Run(); }, LogSuiteException("VKEVTSUB", "CardWatch::Run"));
+        if (!ended) {
+            m_service.Pause(ReaderWatch::kRetryMs);
+        }
     }
 }
 

@@ -9,24 +9,23 @@
 
 namespace mvp {
 
-class CCardWatch {
+class CardWatch {
 public:
     // Gets the watch that reports, and the reader's name, on the watch's thread. Must not throw.
-    using OnRemoved = std::function<void(const CCardWatch& watch, const std::string& strReader)>;
+    using OnRemoved = std::function<void(const CardWatch& watch, const std::string& strReader)>;
 
     // Starts the thread. Null when that is not possible; may throw std::bad_alloc. `strModule` as
-    // for CPcscService.
-    static std::shared_ptr<CCardWatch> Start(OnRemoved onRemoved,
-                                             const std::string& strModule = {});
+    // for PcscService.
+    static std::shared_ptr<CardWatch> Start(OnRemoved onRemoved, const std::string& strModule = {});
 
     // Tells the thread to end and does not wait for it: a last report may still come.
     void End() noexcept { m_service.End(); }
 
 private:
-    CCardWatch(OnRemoved onRemoved, const std::string& strModule);
+    CardWatch(OnRemoved onRemoved, const std::string& strModule);
     void Run() noexcept;
 
-    CPcscService m_service;
+    PcscService m_service;
     OnRemoved m_onRemoved;
 };
 

@@ -11,44 +11,49 @@
 
 namespace mvp {
 
-CEventDispatcher::CEventDispatcher() noexcept : m_idle(CreateEventA(nullptr, TRUE, TRUE, nullptr)) {
+EventDispatcher::EventDispatcher() noexcept : m_idle(CreateEventA(nullptr, TRUE, TRUE, nullptr)) {
     InitializeConditionVariable(&m_wake);
 }
 
-int CEventDispatcher::Subscribe(VKDelegateSubscriber& subscriber, int nKind) {
-    if (nKind <= 0)
+int EventDispatcher::Subscribe(VKDelegateSubscriber& subscriber, int nKind) {
+    if (nKind <= 0) {
         return VKEVTSUB_INVALID;
+    }
     const auto subscription = std::make_shared<Subscription>();
     subscription->pSubscriber = &subscriber;
     subscription->nKind = nKind;
     subscription->noCall.reset(CreateEventA(nullptr, TRUE, TRUE, nullptr));
-    if (!subscription->noCall)
+    if (!subscription->noCall) {
         return VKEVTSUB_NO_RESOURCES;
+    }
 
-    const CScopedLock lock(m_lock);
-    if (IsSubscribed(subscriber))
+    const ScopedLock lock(m_lock);
+    if (IsSubscribed(subscriber)) {
         return VKEVTSUB_SUBSCRIBED;
+    }
     m_subscriptions.reserve(m_subscriptions.size() + 1);
-    if (!StartThreads(nKind))
+    if (!StartThreads(nKind)) {
         return VKEVTSUB_NO_RESOURCES;
+    }
     subscription->nNumber = m_nNextNumber++;
     m_subscriptions.push_back(subscription);
     return VKEVTSUB_OK;
 }
 
-int CEventDispatcher::UnSubscribe(VKDelegateSubscriber& subscriber) noexcept {
+int EventDispatcher::UnSubscribe(VKDelegateSubscriber& subscriber) noexcept {
     SubscriptionPtr called;
     ThreadPtr thread;
-    std::shared_ptr<CCardWatch> watch;
-    std::size_t nErased = 0;
+    std::shared_ptr<CardWatch> watch;
+    std::size_t erased = 0;
     {
-        const CScopedLock lock(m_lock);
-        nErased = std::erase_if(m_subscriptions, [&](const SubscriptionPtr& each) {
+        const ScopedLock lock(m_lock);
+        erased = std::erase_if(m_subscriptions, [&](const SubscriptionPtr& each) {
             return each->pSubscriber == &subscriber;
         });
         watch = TakeWatchNobodyNeeds();
-        if (m_subscriptions.empty())
+        if (m_subscriptions.empty()) {
             WakeConditionVariable(&m_wake);
+        }
         // Another thread may be unsubscribing it as well; then both wait.
         if (m_called && m_called->pSubscriber == &subscriber && !IsOnDeliveryThread()) {
             called = m_called;
@@ -56,32 +61,36 @@ int CEventDispatcher::UnSubscribe(VKDelegateSubscriber& subscriber) noexcept {
         }
     }
     // Outside of the lock: the service's part in it may take long.
-    if (watch)
+    if (watch) {
         watch->End();
-    if (called)
+    }
+    if (called) {
         WaitForEndOfCall(called, thread);
-    return nErased > 0 ? VKEVTSUB_OK : VKEVTSUB_NOT_SUBSCRIBED;
+    }
+    return erased > 0 ? VKEVTSUB_OK : VKEVTSUB_NOT_SUBSCRIBED;
 }
 
-int CEventDispatcher::Raise(int nKind, const char* pszReaderName) {
-    const char* const pszReader = pszReaderName != nullptr ? pszReaderName : "";
-    if (nKind <= 0 || strnlen(pszReader, kReaderNameMax + 1) > kReaderNameMax)
+int EventDispatcher::Raise(int nKind, const char* pszReaderName) {
+    const char* const reader = pszReaderName != nullptr ? pszReaderName : "";
+    if (nKind <= 0 || strnlen(reader, kReaderNameMax + 1) > kReaderNameMax) {
         return VKEVTSUB_INVALID;
-    std::string strReader = pszReader;
-    const CScopedLock lock(m_lock);
-    return Enqueue(nKind, std::move(strReader));
+    }
+    std::string readerName = reader;
+    const ScopedLock lock(m_lock);
+    return Enqueue(nKind, std::move(readerName));
 }
 
-int CEventDispatcher::WaitForIdle(DWORD nTimeoutMs) noexcept {
+int EventDispatcher::WaitForIdle(DWORD nTimeoutMs) noexcept {
     {
-        const CScopedLock lock(m_lock);
-        if (IsOnDeliveryThread())
+        const ScopedLock lock(m_lock);
+        if (IsOnDeliveryThread()) {
             return VKEVTSUB_INVALID;
+        }
     }
     return WaitServingSentMessages({m_idle.get()}, nTimeoutMs) ? VKEVTSUB_OK : VKEVTSUB_TIMEOUT;
 }
 
-bool CEventDispatcher::IsSubscribed(const VKDelegateSubscriber& subscriber) const noexcept {
+bool EventDispatcher::IsSubscribed(const VKDelegateSubscriber& subscriber) const noexcept {
     return std::ranges::any_of(m_subscriptions, [&](const SubscriptionPtr& each) {
         return each->pSubscriber == &subscriber;
     });
@@ -89,87 +98,96 @@ bool CEventDispatcher::IsSubscribed(const VKDelegateSubscriber& subscriber) cons
 
 // Starts what a subscription to `nKind` needs and is not there. A delivery thread that is started
 // in vain ends by itself.
-bool CEventDispatcher::StartThreads(int nKind) {
+bool EventDispatcher::StartThreads(int nKind) {
     if (!m_thread) {
         const auto thread = std::make_shared<KernelHandle>();
         *thread = StartModuleThread([this] { Run(); },
-                                    LogSuiteException("VKEVTSUB", "CEventDispatcher::Run"));
-        if (!*thread)
+                                    LogSuiteException("VKEVTSUB", "EventDispatcher::Run"));
+        if (!*thread) {
             return false;
+        }
         m_thread = thread;
     }
-    if (nKind == VKEVENT_CARD_REMOVED && !m_watch)
-        m_watch = CCardWatch::Start([this](const CCardWatch& watch, const std::string& strReader) {
+    if (nKind == VKEVENT_CARD_REMOVED && !m_watch) {
+        m_watch = CardWatch::Start([this](const CardWatch& watch, const std::string& strReader) {
             OnCardRemoved(watch, strReader);
         });
+    }
     return nKind != VKEVENT_CARD_REMOVED || m_watch;
 }
 
-std::shared_ptr<CCardWatch> CEventDispatcher::TakeWatchNobodyNeeds() noexcept {
-    const bool bNeeded = std::ranges::any_of(m_subscriptions, [](const SubscriptionPtr& each) {
+std::shared_ptr<CardWatch> EventDispatcher::TakeWatchNobodyNeeds() noexcept {
+    const bool needed = std::ranges::any_of(m_subscriptions, [](const SubscriptionPtr& each) {
         return each->nKind == VKEVENT_CARD_REMOVED;
     });
-    return bNeeded ? nullptr : std::exchange(m_watch, nullptr);
+    return needed ? nullptr : std::exchange(m_watch, nullptr);
 }
 
-int CEventDispatcher::Enqueue(int nKind, std::string strReader) {
-    if (m_subscriptions.empty())
+int EventDispatcher::Enqueue(int nKind, std::string strReader) {
+    if (m_subscriptions.empty()) {
         return VKEVTSUB_OK;
-    if (m_queue.size() >= kQueueMax)
+    }
+    if (m_queue.size() >= kQueueMax) {
         return VKEVTSUB_NO_RESOURCES;
+    }
     m_queue.push_back({nKind, std::move(strReader), m_nNextNumber++});
     ResetEvent(m_idle.get());
     WakeConditionVariable(&m_wake);
     return VKEVTSUB_OK;
 }
 
-void CEventDispatcher::OnCardRemoved(const CCardWatch& watch,
-                                     const std::string& strReader) noexcept {
+void EventDispatcher::OnCardRemoved(const CardWatch& watch, const std::string& strReader) noexcept {
     Guarded(
         [&] {
-            const CScopedLock lock(m_lock);
+            const ScopedLock lock(m_lock);
             // A watch that has been ended may still be reporting what it saw before.
-            if (m_watch.get() == &watch)
+            if (m_watch.get() == &watch) {
                 Enqueue(VKEVENT_CARD_REMOVED, strReader);
+            }
         },
-        LogSuiteException("VKEVTSUB", "CEventDispatcher::OnCardRemoved"));
+        LogSuiteException("VKEVTSUB", "EventDispatcher::OnCardRemoved"));
 }
 
-bool CEventDispatcher::IsOnDeliveryThread() const noexcept {
+bool EventDispatcher::IsOnDeliveryThread() const noexcept {
     return m_thread && m_nThreadId == GetCurrentThreadId();
 }
 
-void CEventDispatcher::WaitForEndOfCall(const SubscriptionPtr& subscription,
-                                        const ThreadPtr& thread) noexcept {
+void EventDispatcher::WaitForEndOfCall(const SubscriptionPtr& subscription,
+                                       const ThreadPtr& thread) noexcept {
     // A process that ends kills the delivery thread, and the call with it.
     const std::initializer_list<HANDLE> objects = {subscription->noCall.get(), thread->get()};
-    if (WaitServingSentMessages(objects, kReplyAfterMs))
+    if (WaitServingSentMessages(objects, kReplyAfterMs)) {
         return;
+    }
     ReplyToSender();
-    while (!WaitServingSentMessages(objects, INFINITE) && IsBeingCalled(subscription))
+    while (!WaitServingSentMessages(objects, INFINITE) && IsBeingCalled(subscription)) {
         Sleep(1);  // the system could not wait
+    }
 }
 
-bool CEventDispatcher::IsBeingCalled(const SubscriptionPtr& subscription) noexcept {
-    const CScopedLock lock(m_lock);
+bool EventDispatcher::IsBeingCalled(const SubscriptionPtr& subscription) noexcept {
+    const ScopedLock lock(m_lock);
     return m_called == subscription;
 }
 
-void CEventDispatcher::Run() noexcept {
+void EventDispatcher::Run() noexcept {
     Event event;
-    while (TakeEvent(event))
+    while (TakeEvent(event)) {
         Deliver(event);
+    }
 }
 
 // Waits for the next event. False when nobody subscribes any more; the delivery thread is forgotten
 // then, and the next subscription starts another one.
-bool CEventDispatcher::TakeEvent(Event& event) noexcept {
-    const CScopedLock lock(m_lock);
+bool EventDispatcher::TakeEvent(Event& event) noexcept {
+    const ScopedLock lock(m_lock);
     m_nThreadId = GetCurrentThreadId();
-    if (m_queue.empty())
+    if (m_queue.empty()) {
         SetEvent(m_idle.get());
-    while (m_queue.empty() && !m_subscriptions.empty())
+    }
+    while (m_queue.empty() && !m_subscriptions.empty()) {
         SleepConditionVariableCS(&m_wake, m_lock.get(), INFINITE);
+    }
     if (m_subscriptions.empty()) {
         m_queue.clear();
         SetEvent(m_idle.get());
@@ -182,12 +200,12 @@ bool CEventDispatcher::TakeEvent(Event& event) noexcept {
     return true;
 }
 
-void CEventDispatcher::Deliver(const Event& event) noexcept {
+void EventDispatcher::Deliver(const Event& event) noexcept {
     const VKEvent delivered = {event.strReader.c_str(), event.nKind};
-    std::uint64_t nLast = 0;
+    std::uint64_t last = 0;
     m_lock.Enter();
-    while (const SubscriptionPtr subscription = NextFor(event, nLast)) {
-        nLast = subscription->nNumber;
+    while (const SubscriptionPtr subscription = NextFor(event, last)) {
+        last = subscription->nNumber;
         m_called = subscription;
         ResetEvent(subscription->noCall.get());
         m_lock.Leave();
@@ -202,8 +220,8 @@ void CEventDispatcher::Deliver(const Event& event) noexcept {
 
 // The first subscription after number `nAfter` that is to get the event. The list is looked through
 // anew each time, for every call may have changed it.
-CEventDispatcher::SubscriptionPtr CEventDispatcher::NextFor(const Event& event,
-                                                            std::uint64_t nAfter) const noexcept {
+EventDispatcher::SubscriptionPtr EventDispatcher::NextFor(const Event& event,
+                                                          std::uint64_t nAfter) const noexcept {
     const auto next = std::ranges::find_if(m_subscriptions, [&](const SubscriptionPtr& each) {
         return each->nNumber > nAfter && each->nNumber < event.nNumber &&
                each->nKind == event.nKind;

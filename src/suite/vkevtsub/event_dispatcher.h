@@ -24,14 +24,14 @@
 
 namespace mvp {
 
-class CEventDispatcher {
+class EventDispatcher {
 public:
     static constexpr std::size_t kReaderNameMax = 1023;
     static constexpr std::size_t kQueueMax = 1024;
 
-    CEventDispatcher() noexcept;
-    CEventDispatcher(const CEventDispatcher&) = delete;
-    CEventDispatcher& operator=(const CEventDispatcher&) = delete;
+    EventDispatcher() noexcept;
+    EventDispatcher(const EventDispatcher&) = delete;
+    EventDispatcher& operator=(const EventDispatcher&) = delete;
 
     // As vkevtsub.h describes them. Subscribe and Raise may throw std::bad_alloc and have done
     // nothing then.
@@ -62,13 +62,13 @@ private:
     // Under the lock.
     bool IsSubscribed(const VKDelegateSubscriber& subscriber) const noexcept;
     bool StartThreads(int nKind);
-    std::shared_ptr<CCardWatch> TakeWatchNobodyNeeds() noexcept;
+    std::shared_ptr<CardWatch> TakeWatchNobodyNeeds() noexcept;
     int Enqueue(int nKind, std::string strReader);
     SubscriptionPtr NextFor(const Event& event, std::uint64_t nAfter) const noexcept;
     bool IsOnDeliveryThread() const noexcept;
 
     // Without the lock.
-    void OnCardRemoved(const CCardWatch& watch, const std::string& strReader) noexcept;
+    void OnCardRemoved(const CardWatch& watch, const std::string& strReader) noexcept;
     bool IsBeingCalled(const SubscriptionPtr& subscription) noexcept;
     void WaitForEndOfCall(const SubscriptionPtr& subscription, const ThreadPtr& thread) noexcept;
 
@@ -77,7 +77,7 @@ private:
     bool TakeEvent(Event& event) noexcept;
     void Deliver(const Event& event) noexcept;
 
-    CCriticalSection m_lock;
+    CriticalSection m_lock;
     CONDITION_VARIABLE m_wake;
     std::vector<SubscriptionPtr> m_subscriptions;  // by their numbers
     std::deque<Event> m_queue;
@@ -86,7 +86,7 @@ private:
     KernelHandle m_idle;       // signalled while no event waits or is being delivered
     ThreadPtr m_thread;        // null when there is none
     DWORD m_nThreadId = 0;     // of the delivery thread once it runs
-    std::shared_ptr<CCardWatch> m_watch;
+    std::shared_ptr<CardWatch> m_watch;
 };
 
 }  // namespace mvp

@@ -29,82 +29,90 @@ bool Failed(LONG nResult) noexcept {
 // The texts that lie one behind the other in `list`, up to an empty one.
 std::vector<std::string> SplitList(const std::vector<char>& list) {
     std::vector<std::string> texts;
-    std::string strText;
+    std::string text;
     for (const char sign : list) {
         if (sign != '\0') {
-            strText += sign;
+            text += sign;
             continue;
         }
-        if (strText.empty())
+        if (text.empty()) {
             break;
-        texts.push_back(std::exchange(strText, {}));
+        }
+        texts.push_back(std::exchange(text, {}));
     }
     return texts;
 }
 
 }  // namespace
 
-CPcscService::CPcscService(std::string strModule)
+PcscService::PcscService(std::string strModule)
     : m_strModule(std::move(strModule)), m_end(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
 
-void CPcscService::End() noexcept {
+void PcscService::End() noexcept {
     SetEvent(m_end.get());
-    const CScopedLock lock(m_contextLock);
-    if (m_bConnected)
+    const ScopedLock lock(m_contextLock);
+    if (m_bConnected) {
         m_pCancel(m_hContext);
+    }
 }
 
-bool CPcscService::Load() {
-    if (m_module)
+bool PcscService::Load() {
+    if (m_module) {
         return true;
+    }
     ModuleHandle module = m_strModule.empty() ? LoadSystemLibrary("winscard.dll")
                                               : ModuleHandle(LoadLibraryA(m_strModule.c_str()));
     if (!module || !Resolve(module.get(), "SCardEstablishContext", m_pEstablishContext) ||
         !Resolve(module.get(), "SCardReleaseContext", m_pReleaseContext) ||
         !Resolve(module.get(), "SCardListReadersA", m_pListReaders) ||
         !Resolve(module.get(), "SCardGetStatusChangeA", m_pGetStatusChange) ||
-        !Resolve(module.get(), "SCardCancel", m_pCancel))
+        !Resolve(module.get(), "SCardCancel", m_pCancel)) {
         return false;
+    }
     m_module = std::move(module);
     return true;
 }
 
-bool CPcscService::Connect() {
-    SCARDCONTEXT hContext = 0;
-    if (!Load() || Failed(m_pEstablishContext(SCARD_SCOPE_USER, nullptr, nullptr, &hContext)))
+bool PcscService::Connect() {
+    SCARDCONTEXT context = 0;
+    if (!Load() || Failed(m_pEstablishContext(SCARD_SCOPE_USER, nullptr, nullptr, &context))) {
         return false;
-    const CScopedLock lock(m_contextLock);
-    m_hContext = hContext;
+    }
+    const ScopedLock lock(m_contextLock);
+    m_hContext = context;
     m_bConnected = true;
     return true;
 }
 
-void CPcscService::Disconnect() {
-    const CScopedLock lock(m_contextLock);
+void PcscService::Disconnect() {
+    const ScopedLock lock(m_contextLock);
     m_bConnected = false;
     m_pReleaseContext(m_hContext);
 }
 
-bool CPcscService::ListReaders(std::vector<std::string>& names) {
+bool PcscService::ListReaders(std::vector<std::string>& names) {
     names.clear();
     // Asked for the length and then for the list; readers may come in between.
-    for (int nTry = 0; nTry < 3; ++nTry) {
-        DWORD nLength = 0;
-        LONG nResult = m_pListReaders(m_hContext, nullptr, nullptr, &nLength);
-        std::vector<char> list(nLength <= kReaderListMax ? nLength : 0);
-        if (!Failed(nResult) && !list.empty())
-            nResult = m_pListReaders(m_hContext, nullptr, list.data(), &nLength);
-        if (nResult == SCARD_E_INSUFFICIENT_BUFFER)
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        DWORD length = 0;
+        LONG result = m_pListReaders(m_hContext, nullptr, nullptr, &length);
+        std::vector<char> list(length <= kReaderListMax ? length : 0);
+        if (!Failed(result) && !list.empty()) {
+            result = m_pListReaders(m_hContext, nullptr, list.data(), &length);
+        }
+        if (result == SCARD_E_INSUFFICIENT_BUFFER) {
             continue;
-        if (!Failed(nResult))
+        }
+        if (!Failed(result)) {
             names = SplitList(list);
-        return !Failed(nResult) || nResult == SCARD_E_NO_READERS_AVAILABLE;
+        }
+        return !Failed(result) || result == SCARD_E_NO_READERS_AVAILABLE;
     }
     return false;
 }
 
-ICardService::Wait CPcscService::WaitForChange(std::vector<ReaderState>& readers,
-                                               unsigned nTimeoutMs) {
+ICardService::Wait PcscService::WaitForChange(std::vector<ReaderState>& readers,
+                                              unsigned nTimeoutMs) {
     std::vector<SCARD_READERSTATEA> states(readers.size() + 1);
     for (std::size_t i = 0; i < readers.size(); ++i) {
         states[i].szReader = readers[i].strName.c_str();
@@ -115,20 +123,24 @@ ICardService::Wait CPcscService::WaitForChange(std::vector<ReaderState>& readers
                                    << reader_state::kCounterShift;
 
     // A wait that End cancels before it has begun is not cancelled: it lasts its time.
-    const LONG nResult = m_pGetStatusChange(m_hContext, nTimeoutMs, states.data(),
-                                            static_cast<DWORD>(states.size()));
-    if (nResult == SCARD_E_TIMEOUT || nResult == SCARD_E_CANCELLED)
-        return Wait::kNothing;
-    if (nResult == SCARD_E_UNKNOWN_READER)
-        return Wait::kUnknownReader;
-    if (Failed(nResult))
-        return Wait::kLost;
-    for (std::size_t i = 0; i < readers.size(); ++i)
+    const LONG result = m_pGetStatusChange(m_hContext, nTimeoutMs, states.data(),
+                                           static_cast<DWORD>(states.size()));
+    if (result == SCARD_E_TIMEOUT || result == SCARD_E_CANCELLED) {
+        return Wait::Nothing;
+    }
+    if (result == SCARD_E_UNKNOWN_READER) {
+        return Wait::UnknownReader;
+    }
+    if (Failed(result)) {
+        return Wait::Lost;
+    }
+    for (std::size_t i = 0; i < readers.size(); ++i) {
         readers[i].nNow = states[i].dwEventState;
-    return Wait::kReported;
+    }
+    return Wait::Reported;
 }
 
-bool CPcscService::Pause(unsigned nMs) {
+bool PcscService::Pause(unsigned nMs) {
     return WaitForSingleObject(m_end.get(), nMs) == WAIT_TIMEOUT;
 }
 

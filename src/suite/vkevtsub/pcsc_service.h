@@ -16,10 +16,10 @@
 
 namespace mvp {
 
-class CPcscService final : public ICardService {
+class PcscService final : public ICardService {
 public:
     // `strModule` is the full path of winscard.dll; empty stands for the system's.
-    explicit CPcscService(std::string strModule = {});
+    explicit PcscService(std::string strModule = {});
 
     // False when it could not be made; it must not be used then.
     bool IsUsable() const noexcept { return static_cast<bool>(m_end); }
@@ -47,7 +47,7 @@ private:
 
     KernelHandle m_end;
     // Holds the context still while another thread cancels the wait in it.
-    CCriticalSection m_contextLock;
+    CriticalSection m_contextLock;
     SCARDCONTEXT m_hContext = 0;
     bool m_bConnected = false;
 };

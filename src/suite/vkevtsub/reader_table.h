@@ -14,7 +14,7 @@
 
 namespace mvp {
 
-class CReaderTable {
+class ReaderTable {
 public:
     using Names = std::vector<std::string>;
 

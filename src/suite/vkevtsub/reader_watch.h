@@ -14,7 +14,7 @@
 
 namespace mvp {
 
-class CReaderWatch {
+class ReaderWatch {
 public:
     // How long a wait for a change may last: the bound on what a lost notification costs.
     static constexpr unsigned kTurnMs = 1000;
@@ -25,18 +25,18 @@ public:
     static constexpr int kGiveUpAfter = 3;
 
     // `onRemoved` gets the reader's name, on the thread that runs the watch.
-    CReaderWatch(ICardService& service, std::function<void(const std::string&)> onRemoved);
+    ReaderWatch(ICardService& service, std::function<void(const std::string&)> onRemoved);
 
     // Returns when the service says that the watch is to end.
     void Run();
 
 private:
     void WatchUntilLost();
-    void Report(const CReaderTable::Names& readers);
+    void Report(const ReaderTable::Names& readers);
 
     ICardService& m_service;
     std::function<void(const std::string&)> m_onRemoved;
-    CReaderTable m_table;
+    ReaderTable m_table;
     int m_nRetries = 0;
 };
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-mvp::CEventDispatcher g_dispatcher;
+mvp::EventDispatcher g_dispatcher;
 
 }  // namespace
 

@@ -2,10 +2,10 @@
 //
 // A class that wants to hear of events derives from VKDelegateSubscriber:
 //
-//     class CCardGone : public VKDelegateSubscriber {
+//     class CardGone : public VKDelegateSubscriber {
 //     public:
-//         CCardGone() { Subscribe(VKEVENT_CARD_REMOVED); }
-//         ~CCardGone() override { UnSubscribe(); }
+//         CardGone() { Subscribe(VKEVENT_CARD_REMOVED); }
+//         ~CardGone() override { UnSubscribe(); }
 //         void HandleEvent(const VKEvent& event) override { PostMessage(...); }
 //     };
 //

@@ -31,7 +31,7 @@ const char* LevelName(int nLevel) noexcept {
 
 // Writes the form of `byte` that stays on one line; returns its length.
 std::size_t Escape(unsigned char byte, char (&form)[5]) noexcept {
-    const char* const pszHex = "0123456789abcdef";
+    const char* const hex = "0123456789abcdef";
     char letter = 0;
     switch (byte) {
         case '\n':
@@ -51,8 +51,8 @@ std::size_t Escape(unsigned char byte, char (&form)[5]) noexcept {
             }
             form[0] = '\\';
             form[1] = 'x';
-            form[2] = pszHex[byte >> 4];
-            form[3] = pszHex[byte & 0xf];
+            form[2] = hex[byte >> 4];
+            form[3] = hex[byte & 0xf];
             return 4;
     }
     form[0] = '\\';
@@ -64,11 +64,12 @@ std::size_t Escape(unsigned char byte, char (&form)[5]) noexcept {
 bool AppendEscaped(LogLine& line, const char* pszText, std::size_t nEnd) noexcept {
     for (; *pszText != '\0'; ++pszText) {
         char form[5];
-        const std::size_t nLength = Escape(static_cast<unsigned char>(*pszText), form);
-        if (line.nLength + nLength > nEnd)
+        const std::size_t length = Escape(static_cast<unsigned char>(*pszText), form);
+        if (line.nLength + length > nEnd) {
             return false;
-        std::memcpy(line.text + line.nLength, form, nLength);
-        line.nLength += nLength;
+        }
+        std::memcpy(line.text + line.nLength, form, length);
+        line.nLength += length;
     }
     return true;
 }
@@ -89,10 +90,11 @@ void AppendHead(LogLine& line, const LogRecord& record) noexcept {
 
 void AppendLevel(LogLine& line, int nLevel) noexcept {
     char level[24];
-    if (const char* pszName = LevelName(nLevel))
-        std::snprintf(level, sizeof(level), " %s: ", pszName);
-    else
+    if (const char* name = LevelName(nLevel)) {
+        std::snprintf(level, sizeof(level), " %s: ", name);
+    } else {
         std::snprintf(level, sizeof(level), " %d: ", nLevel);
+    }
     AppendPlain(line, level, std::strlen(level));
 }
 
@@ -103,8 +105,9 @@ void ComposeLogLine(const LogRecord& record, LogLine& line) noexcept {
     AppendHead(line, record);
     AppendEscaped(line, record.pszTag, line.nLength + kTagMax);
     AppendLevel(line, record.nLevel);
-    if (!AppendEscaped(line, record.pszText, kBodyMax))
+    if (!AppendEscaped(line, record.pszText, kBodyMax)) {
         AppendPlain(line, VKLOG_CUT_MARK, kCutMarkLength);
+    }
     AppendPlain(line, kLineEnd, sizeof(kLineEnd));
 }
 

@@ -23,12 +23,12 @@ namespace mvp {
 // A record of this moment, process and thread. The texts are not copied.
 LogRecord RecordNow(const char* pszTag, int nLevel, const char* pszText) noexcept;
 
-class CLogOutput {
+class LogOutput {
 public:
-    CLogOutput() noexcept = default;
-    CLogOutput(const CLogOutput&) = delete;
-    CLogOutput& operator=(const CLogOutput&) = delete;
-    ~CLogOutput();
+    LogOutput() noexcept = default;
+    LogOutput(const LogOutput&) = delete;
+    LogOutput& operator=(const LogOutput&) = delete;
+    ~LogOutput();
 
     // One load and test. True for every level until the settings have been read.
     bool MayWant(int nLevel) const noexcept {
@@ -58,7 +58,7 @@ private:
     void AppendOwn(const char* pszText) noexcept;
     void CloseFileForNow() noexcept;
 
-    CCriticalSection m_lock;
+    CriticalSection m_lock;
     std::atomic<unsigned> m_nLevelMask{kUnreadMask};
     bool m_bSettingsRead = false;
     char m_szFile[MAX_PATH] = {};

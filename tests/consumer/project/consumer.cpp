@@ -9,10 +9,10 @@
 
 namespace {
 
-class CHostDialog : public CBaseDialog {
+class HostDialog : public CBaseDialog {
 public:
     // No such template: the modal loop answers -1.
-    CHostDialog() : CBaseDialog(1, 1, nullptr, nullptr) {}
+    HostDialog() : CBaseDialog(1, 1, nullptr, nullptr) {}
 };
 
 }  // namespace
@@ -21,7 +21,7 @@ int main() {
     InitGUIDll();
     CString secret("1234");
     CBaseDialog::HidePinFromMemory(secret);
-    CHostDialog dialog;
+    HostDialog dialog;
     const bool right = secret.IsEmpty() && dialog.DoModal() == -1 &&
                        VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A") == VKEVTSUB_OK;
     std::puts(right ? "ok" : "wrong");

@@ -41,8 +41,9 @@ void RecordTo(const char* pszModule, const char* pszFunction, Receiver receiver,
     // Not given back: the module under test, which uses it too, may come and go.
     const auto recordTo =
         FindFunction<void (*)(Receiver, void*)>(LoadLibraryA(pszModule), pszFunction);
-    if (recordTo == nullptr)
+    if (recordTo == nullptr) {
         throw std::runtime_error(std::string(pszModule) + " is not the recording module");
+    }
     recordTo(receiver, pContext);
 }
 inline void RecordLogTo(LogReceiver receiver, void* pContext) {

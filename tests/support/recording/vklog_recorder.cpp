@@ -8,7 +8,7 @@
 
 namespace {
 
-mvp::CCriticalSection g_lock;
+mvp::CriticalSection g_lock;
 mvp::test::LogReceiver g_receiver = nullptr;
 void* g_pContext = nullptr;
 
@@ -16,15 +16,15 @@ void* g_pContext = nullptr;
 
 extern "C" __declspec(dllexport) void vklogRecordTo(mvp::test::LogReceiver receiver,
                                                     void* pContext) {
-    const mvp::CScopedLock lock(g_lock);
+    const mvp::ScopedLock lock(g_lock);
     g_receiver = receiver;
     g_pContext = pContext;
 }
 
 void vklogLog(const char* pszTag, int nLevel, const char* pszFormat, ...) {
-    const DWORD nLastError = GetLastError();
+    const DWORD lastError = GetLastError();
     {
-        const mvp::CScopedLock lock(g_lock);
+        const mvp::ScopedLock lock(g_lock);
         if (g_receiver != nullptr) {
             // The real module cuts no later.
             char text[VKLOG_LINE_MAX];
@@ -36,7 +36,7 @@ void vklogLog(const char* pszTag, int nLevel, const char* pszFormat, ...) {
             g_receiver(g_pContext, pszTag != nullptr ? pszTag : "(null)", nLevel, text);
         }
     }
-    SetLastError(nLastError);
+    SetLastError(lastError);
 }
 
 void vklogSetOutput(const char*, unsigned) {}

@@ -13,10 +13,10 @@
 namespace mvp::test {
 namespace {
 
-class CProbeDialog : public CBaseDialog {
+class ProbeDialog : public CBaseDialog {
 public:
-    explicit CProbeDialog(int nColorMode = 0, const RECT* pPosition = nullptr,
-                          UINT nTemplate = IDD_ENTER_PIN)
+    explicit ProbeDialog(int nColorMode = 0, const RECT* pPosition = nullptr,
+                         UINT nTemplate = IDD_ENTER_PIN)
         : CBaseDialog(nTemplate, nColorMode, pPosition, nullptr) {}
     using CBaseDialog::CreateFromResourceModule;
     using CBaseDialog::OnCtlColor;
@@ -49,8 +49,9 @@ protected:
 
 private:
     void ThrowIf(Throws where) const {
-        if (m_throws == where)
+        if (m_throws == where) {
             throw 1;
+        }
     }
 };
 
@@ -61,17 +62,17 @@ TEST_F(BaseDialog, StandsWhereItIsTold) {
     const RECT origin = {0, 0, 0, 0};
     CRect workArea;
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &workArea, 0);
-    for (const RECT* pPosition : {&place, &origin, static_cast<const RECT*>(nullptr)}) {
+    for (const RECT* position : {&place, &origin, static_cast<const RECT*>(nullptr)}) {
         m_log.Clear();
-        CProbeDialog(0, pPosition).Show([&](Dialog& d) {
+        ProbeDialog(0, position).Show([&](Dialog& d) {
             const CRect rect(d.ScreenRect());
             // Told nothing, it stands in the middle.
             const CPoint expected =
-                pPosition != nullptr
-                    ? CRect(*pPosition).TopLeft()
+                position != nullptr
+                    ? CRect(*position).TopLeft()
                     : workArea.CenterPoint() - CSize(rect.Width() / 2, rect.Height() / 2);
-            EXPECT_LE(std::abs(rect.left - expected.x), pPosition != nullptr ? 0 : 1);
-            EXPECT_LE(std::abs(rect.top - expected.y), pPosition != nullptr ? 0 : 1);
+            EXPECT_LE(std::abs(rect.left - expected.x), position != nullptr ? 0 : 1);
+            EXPECT_LE(std::abs(rect.top - expected.y), position != nullptr ? 0 : 1);
         });
         EXPECT_EQ(LogShape(), "CBaseDialog::OnInitDialog{} ");
     }
@@ -79,96 +80,96 @@ TEST_F(BaseDialog, StandsWhereItIsTold) {
 
 // The colour of the brush for a part of the dialog.
 COLORREF BackgroundOf(const Dialog& d, UINT nMessage, HWND hPart, HDC hDC) {
-    auto* const hBrush = reinterpret_cast<HBRUSH>(SendMessageA(
+    auto* const brushHandle = reinterpret_cast<HBRUSH>(SendMessageA(
         d.Handle(), nMessage, reinterpret_cast<WPARAM>(hDC), reinterpret_cast<LPARAM>(hPart)));
     LOGBRUSH brush{};
-    GetObjectA(hBrush, sizeof brush, &brush);
+    GetObjectA(brushHandle, sizeof brush, &brush);
     return brush.lbColor;
 }
 
 TEST_F(BaseDialog, ColourModeDecidesTheBackground) {
-    for (const bool bWindowColour : {false, true}) {
-        CProbeDialog(bWindowColour ? 1 : 0).Show([&](Dialog& d) {
+    for (const bool windowColour : {false, true}) {
+        ProbeDialog(windowColour ? 1 : 0).Show([&](Dialog& d) {
             const WindowDc dc(d.Handle());
             SetBkMode(dc.get(), OPAQUE);
             EXPECT_EQ(BackgroundOf(d, WM_CTLCOLORSTATIC, d.Control(IDC_ENTER_PIN_PROMPT), dc.get()),
-                      GetSysColor(bWindowColour ? COLOR_WINDOW : COLOR_BTNFACE));
-            EXPECT_EQ(GetBkMode(dc.get()) == TRANSPARENT, bWindowColour);
+                      GetSysColor(windowColour ? COLOR_WINDOW : COLOR_BTNFACE));
+            EXPECT_EQ(GetBkMode(dc.get()) == TRANSPARENT, windowColour);
             EXPECT_EQ(GetTextColor(dc.get()), GetSysColor(COLOR_WINDOWTEXT));
         });
     }
     const COLORREF old = GetSysColor(COLOR_WINDOW);
-    const int nIndex = COLOR_WINDOW;
-    CProbeDialog(1).Show([&](Dialog& d) {
+    const int index = COLOR_WINDOW;
+    ProbeDialog(1).Show([&](Dialog& d) {
         constexpr COLORREF kNew = RGB(1, 2, 3);
-        SetSysColors(1, &nIndex, &kNew);
+        SetSysColors(1, &index, &kNew);
         SendMessageA(d.Handle(), WM_SYSCOLORCHANGE, 0, 0);
         const WindowDc dc(d.Handle());
         EXPECT_EQ(BackgroundOf(d, WM_CTLCOLORDLG, d.Handle(), dc.get()), kNew);
     });
-    SetSysColors(1, &nIndex, &old);
+    SetSysColors(1, &index, &old);
 }
 
 TEST_F(BaseDialog, HidePinOverwritesInPlace) {
     CString pin("1234");
-    const char* pBytes = pin;
+    const char* bytes = pin;
     CBaseDialog::HidePinFromMemory(pin);
-    EXPECT_EQ(std::string(pBytes, 4), std::string(4, '\0'));
+    EXPECT_EQ(std::string(bytes, 4), std::string(4, '\0'));
     EXPECT_TRUE(pin.IsEmpty());
     CBaseDialog::HidePinFromMemory(pin);
     EXPECT_EQ(LogShape(), "CBaseDialog::HidePinFromMemory{} CBaseDialog::HidePinFromMemory{} ");
 }
 
 TEST_F(BaseDialog, ResizeTakesAwayFromTheDialogOrAControl) {
-    CProbeDialog dialog;
+    ProbeDialog dialog;
     dialog.Show([&](Dialog& d) {
         const auto sizeOf = [](HWND hWnd) { return RectIn(nullptr, hWnd).Size(); };
-        const HWND hEdit = d.Control(IDC_ENTER_PIN_EDIT);
+        const HWND editHandle = d.Control(IDC_ENTER_PIN_EDIT);
         const CSize whole = sizeOf(d.Handle());
-        const CSize edit = sizeOf(hEdit);
+        const CSize edit = sizeOf(editHandle);
         dialog.ResizeDlg(0, 10, 20);
         dialog.ResizeDlg(IDC_ENTER_PIN_EDIT, -5, 3);
         dialog.ResizeDlg(9999, 50, 50);
         EXPECT_EQ(sizeOf(d.Handle()), CSize(whole.cx - 10, whole.cy - 20));
-        EXPECT_EQ(sizeOf(hEdit), CSize(edit.cx + 5, edit.cy - 3));
+        EXPECT_EQ(sizeOf(editHandle), CSize(edit.cx + 5, edit.cy - 3));
     });
 }
 
-void ExpectNotShown(CProbeDialog& dialog) {
+void ExpectNotShown(ProbeDialog& dialog) {
     EXPECT_EQ(dialog.DoModal(), -1);
     EXPECT_EQ(dialog.CreateFromResourceModule(nullptr), 0);
 }
 
 TEST_F(BaseDialog, MissingTemplateIsMinusOneAndTold) {
-    CProbeDialog missing(0, nullptr, 1);
+    ProbeDialog missing(0, nullptr, 1);
     ExpectNotShown(missing);
     EXPECT_EQ(m_log.Texts(1),
               std::vector<std::string>(2, "Dialog template 1 is missing from the resource module"));
 }
 
 TEST(BaseDialogWithoutModule, CannotBeShown) {
-    CProbeDialog dialog;
+    ProbeDialog dialog;
     ExpectNotShown(dialog);
 }
 
 TEST_F(BaseDialog, ExceptionsStayInsideAndAreLogged) {
     {
-        CProbeDialog dialog;
-        dialog.m_throws = CProbeDialog::Throws::InitDialog;
+        ProbeDialog dialog;
+        dialog.m_throws = ProbeDialog::Throws::InitDialog;
         const DialogDriver noDialog;
         EXPECT_EQ(dialog.DoModal(), -1);
     }
     EXPECT_TRUE(m_log.Contains(1, "Exception in the handler of message 0x110")) << m_log.Dump();
     {
-        CProbeDialog dialog;
-        dialog.m_throws = CProbeDialog::Throws::Destroy;
+        ProbeDialog dialog;
+        dialog.m_throws = ProbeDialog::Throws::Destroy;
         const DialogDriver driver([](Dialog& d) { d.Cancel(); });
         EXPECT_EQ(dialog.DoModal(), -1);
     }
     EXPECT_TRUE(m_log.Contains(1, "CBaseDialog::DoModal: exception")) << m_log.Dump();
     // Creation that fails because the parent is gone tells the object, which throws.
-    CProbeDialog panel;
-    panel.m_throws = CProbeDialog::Throws::PostNcDestroy;
+    ProbeDialog panel;
+    panel.m_throws = ProbeDialog::Throws::PostNcDestroy;
     CWnd gone;
     gone.m_hWnd = reinterpret_cast<HWND>(UINT_PTR{0xDEAD});
     AfxSetResourceHandle(nullptr);

@@ -24,10 +24,10 @@ void SetCapsLock(bool bToggled, bool bHeld = false) {
 }
 
 // The edit in a host's window, whose button has the focus.
-class CTestEdit : public CCapsLockSensitiveEdit {
+class TestEdit : public CCapsLockSensitiveEdit {
 public:
     // `place` in screen coordinates.
-    explicit CTestEdit(bool bOldSystem, POINT place = {400, 400}) {
+    explicit TestEdit(bool bOldSystem, POINT place = {400, 400}) {
         m_bOldSystem = bOldSystem;
         constexpr int kLeft = 100;
         m_host.SetWindowPos(nullptr, place.x - kLeft, place.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
@@ -39,25 +39,26 @@ public:
     void LeaveIt() { m_host.m_ok.SetFocus(); }
     void Release(UINT nKey) { SendMessage(WM_KEYUP, nKey, 0); }
     HWND Balloon() const {
-        HWND hBalloon = nullptr;
+        HWND balloon = nullptr;
         do {
-            hBalloon = FindWindowExA(nullptr, hBalloon, TOOLTIPS_CLASSA, nullptr);
-        } while (hBalloon != nullptr && GetWindow(hBalloon, GW_OWNER) != m_host.m_hWnd);
-        return hBalloon;
+            balloon = FindWindowExA(nullptr, balloon, TOOLTIPS_CLASSA, nullptr);
+        } while (balloon != nullptr && GetWindow(balloon, GW_OWNER) != m_host.m_hWnd);
+        return balloon;
     }
     bool IsBalloonUp() const { return Balloon() != nullptr && ::IsWindowVisible(Balloon()); }
     // The balloon pops up by a timer: runs this thread's messages until it has.
     bool ComesUp() const {
         return WaitFor(std::chrono::seconds(10), [this] {
             MSG message;
-            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
                 DispatchMessageA(&message);
+            }
             return IsBalloonUp();
         });
     }
 
 private:
-    CHost m_host;
+    HostWindow m_host;
 };
 
 std::string Narrow(const wchar_t* pszText) {
@@ -85,21 +86,22 @@ std::string g_strTitle;
 
 LRESULT CALLBACK WatchTitles(int nCode, WPARAM wParam, LPARAM lParam) {
     const auto& call = *reinterpret_cast<const CWPSTRUCT*>(lParam);
-    if (nCode == HC_ACTION && call.message == TTM_SETTITLEW)
+    if (nCode == HC_ACTION && call.message == TTM_SETTITLEW) {
         g_strTitle = std::to_string(call.wParam) + " " +
                      Narrow(reinterpret_cast<const wchar_t*>(call.lParam));
+    }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
 
 // The words of the edit's own balloon are these, under a title with the warning icon.
 void ExpectWords(bool bPin, const std::string& strTitle, const std::string& strText) {
-    HHOOK hHook = SetWindowsHookExA(WH_CALLWNDPROC, &WatchTitles, nullptr, GetCurrentThreadId());
-    CTestEdit edit(true);
+    HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROC, &WatchTitles, nullptr, GetCurrentThreadId());
+    TestEdit edit(true);
     edit.SetMode(bPin);
     SetCapsLock(true);
     edit.SetFocus();
     EXPECT_TRUE(edit.ComesUp());
-    UnhookWindowsHookEx(hHook);
+    UnhookWindowsHookEx(hook);
     EXPECT_EQ(TextOf(edit.Balloon(), edit.m_hWnd, 0), strText);
     EXPECT_EQ(g_strTitle, "2 " + strTitle);
     SetCapsLock(false);
@@ -111,9 +113,9 @@ protected:
 };
 
 TEST_F(OwnBalloon, FollowsFocusAndKeysAndGoesWithTheEdit) {
-    HWND hBalloon = nullptr;
+    HWND balloon = nullptr;
     {
-        CTestEdit edit(true);
+        TestEdit edit(true);
         edit.SetFocus();
         EXPECT_EQ(edit.Balloon(), nullptr);
         SetCapsLock(true, true);
@@ -139,29 +141,30 @@ TEST_F(OwnBalloon, FollowsFocusAndKeysAndGoesWithTheEdit) {
         SetCapsLock(false);
         edit.Release(VK_CAPITAL);
         EXPECT_FALSE(edit.IsBalloonUp());
-        hBalloon = edit.Balloon();
-        EXPECT_NE(hBalloon, nullptr);
+        balloon = edit.Balloon();
+        EXPECT_NE(balloon, nullptr);
     }
-    EXPECT_FALSE(IsWindow(hBalloon));
+    EXPECT_FALSE(IsWindow(balloon));
 }
 
 TEST_F(OwnBalloon, SpeaksOfPinOrPassword) {
-    for (const bool bPin : {true, false})
-        ExpectWords(bPin, {ResourceString(IDS_CAPS_LOCK_TITLE)},
-                    {ResourceString(bPin ? IDS_CAPS_LOCK_PIN : IDS_CAPS_LOCK_PASSWORD)});
+    for (const bool pin : {true, false}) {
+        ExpectWords(pin, {ResourceString(IDS_CAPS_LOCK_TITLE)},
+                    {ResourceString(pin ? IDS_CAPS_LOCK_PIN : IDS_CAPS_LOCK_PASSWORD)});
+    }
 }
 
 TEST_F(OwnBalloon, StandsByTheEditAndOnTheScreen) {
-    const int nWidth = GetSystemMetrics(SM_CXSCREEN);
-    for (const POINT& place : {POINT{400, 400}, {400, 0}, {nWidth - 60, 400}}) {
-        CTestEdit edit(true, place);
+    const int width = GetSystemMetrics(SM_CXSCREEN);
+    for (const POINT& place : {POINT{400, 400}, {400, 0}, {width - 60, 400}}) {
+        TestEdit edit(true, place);
         SetCapsLock(true);
         edit.SetFocus();
         ASSERT_TRUE(edit.ComesUp());
         const CRect rect = RectIn(nullptr, edit.m_hWnd);
         const CRect balloon = RectIn(nullptr, edit.Balloon());
         EXPECT_EQ(balloon.top, place.y == 0 ? rect.bottom - 8 : rect.top - balloon.Height() + 4);
-        EXPECT_EQ(balloon.left, place.x == 400 ? rect.left : nWidth - balloon.Width());
+        EXPECT_EQ(balloon.left, place.x == 400 ? rect.left : width - balloon.Width());
         // The pointer neither dismisses nor moves it.
         EXPECT_EQ(SendMessageA(edit.Balloon(), WM_MOUSEMOVE, 0, MAKELPARAM(3, 3)), 0);
         EXPECT_TRUE(edit.ComesUp());
@@ -173,22 +176,22 @@ TEST_F(OwnBalloon, StandsByTheEditAndOnTheScreen) {
 
 // What a tool-tip such as the system's edit makes, which belongs to the edit and tells it what it
 // does, says once it shows.
-std::string WordsOfSystemBalloon(CTestEdit& edit, std::string strText) {
-    HWND hBalloon = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
-                                    WS_POPUP | TTS_NOPREFIX | TTS_BALLOON, 0, 0, 0, 0, edit.m_hWnd,
-                                    nullptr, nullptr, nullptr);
+std::string WordsOfSystemBalloon(TestEdit& edit, std::string strText) {
+    HWND balloon = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                                   WS_POPUP | TTS_NOPREFIX | TTS_BALLOON, 0, 0, 0, 0, edit.m_hWnd,
+                                   nullptr, nullptr, nullptr);
     TOOLINFOA tool{};
     tool.cbSize = TTTOOLINFOA_V1_SIZE;
     tool.uFlags = TTF_TRACK;
     tool.hwnd = edit.m_hWnd;
     tool.uId = 7;
     tool.lpszText = strText.data();
-    SendMessageA(hBalloon, TTM_SETMAXTIPWIDTH, 0, 300);
-    SendMessageA(hBalloon, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
-    SendMessageA(hBalloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
-    std::string strShown = TextOf(hBalloon, edit.m_hWnd, tool.uId);
-    DestroyWindow(hBalloon);
-    return strShown;
+    SendMessageA(balloon, TTM_SETMAXTIPWIDTH, 0, 300);
+    SendMessageA(balloon, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
+    std::string shown = TextOf(balloon, edit.m_hWnd, tool.uId);
+    DestroyWindow(balloon);
+    return shown;
 }
 
 constexpr char kOtherWords[] = "You can only type a number here.";
@@ -196,15 +199,15 @@ constexpr char kOtherWords[] = "You can only type a number here.";
 using SystemsBalloon = LibraryTest;
 
 TEST_F(SystemsBalloon, GetsTheLibrarysWordsForItsWarningOnly) {
-    const std::string strBegin{ResourceString(IDS_CAPS_LOCK_SYSTEM_BEGIN)};
-    ASSERT_FALSE(strBegin.empty());
-    for (const bool bPin : {true, false}) {
-        CTestEdit edit(false);
-        edit.SetMode(bPin);
-        EXPECT_EQ(WordsOfSystemBalloon(edit, strBegin + "\r\n\r\nAnd so on."),
-                  std::string(ResourceString(bPin ? IDS_CAPS_LOCK_PIN : IDS_CAPS_LOCK_PASSWORD)));
+    const std::string begin{ResourceString(IDS_CAPS_LOCK_SYSTEM_BEGIN)};
+    ASSERT_FALSE(begin.empty());
+    for (const bool pin : {true, false}) {
+        TestEdit edit(false);
+        edit.SetMode(pin);
+        EXPECT_EQ(WordsOfSystemBalloon(edit, begin + "\r\n\r\nAnd so on."),
+                  std::string(ResourceString(pin ? IDS_CAPS_LOCK_PIN : IDS_CAPS_LOCK_PASSWORD)));
     }
-    CTestEdit edit(false);
+    TestEdit edit(false);
     EXPECT_EQ(WordsOfSystemBalloon(edit, kOtherWords), kOtherWords);
     // Where the system has its own balloon, the edit makes none.
     SetCapsLock(true);
@@ -236,7 +239,7 @@ TEST(WithoutModule, BuiltInWordsAreUsedAndTheBeginningOfTheSystemsIsNotKnown) {
     ExpectWords(false, "Caps Lock is On",
                 "Having Caps Lock on may cause you to enter your password incorrectly.\r\n\r\n"
                 "You should press Caps Lock to turn it off before entering your password.");
-    CTestEdit edit(false);
+    TestEdit edit(false);
     EXPECT_EQ(WordsOfSystemBalloon(edit, kOtherWords), kOtherWords);
     ExpectWholeAnswer<NMTTDISPINFOA>(edit, TTN_GETDISPINFOA);
     ExpectWholeAnswer<NMTTDISPINFOW>(edit, TTN_GETDISPINFOW);

@@ -23,32 +23,32 @@ namespace {
 using ChangePinFaults = LibraryTest;
 constexpr int kNothing = -1;
 
-class CIncompleteMain : public CIncomplete<CChangePINDialogMain> {
+class IncompleteMain : public Incomplete<CChangePINDialogMain> {
 public:
-    explicit CIncompleteMain(int nMissing, const PwdRuleArgs& rules = kAllRules,
-                             const char* pszReader = "Reader A")
-        : CIncomplete(nMissing, &rules, 0, true, nullptr, 15, 0, 6, pszReader) {}
+    explicit IncompleteMain(int nMissing, const PwdRuleArgs& rules = kAllRules,
+                            const char* pszReader = "Reader A")
+        : Incomplete(nMissing, &rules, 0, true, nullptr, 15, 0, 6, pszReader) {}
 };
 
-class CIncompletePanel : public CIncomplete<CChangePINDialog> {
+class IncompletePanel : public Incomplete<CChangePINDialog> {
 public:
-    CIncompletePanel(CHost& host, int nMissing)
-        : CIncomplete(nMissing, 0, 0, true, nullptr, &kAllRules, &host.m_ok, &host, 15, 0, 6) {}
+    IncompletePanel(HostWindow& host, int nMissing)
+        : Incomplete(nMissing, 0, 0, true, nullptr, &kAllRules, &host.m_ok, &host, 15, 0, 6) {}
 };
 
 TEST_F(ChangePinFaults, MissingControlsOfTheFrameForbidNothingElse) {
-    for (const int nMissing : {IDOK, IDCANCEL, IDC_CHANGE_PIN_MAIN_PANEL_PLACE}) {
-        for (const int nEnd : {IDOK, IDCANCEL}) {
-            SCOPED_TRACE(std::to_string(nMissing) + " ended by " + std::to_string(nEnd));
-            CIncompleteMain dialog(nMissing);
+    for (const int missing : {IDOK, IDCANCEL, IDC_CHANGE_PIN_MAIN_PANEL_PLACE}) {
+        for (const int end : {IDOK, IDCANCEL}) {
+            SCOPED_TRACE(std::to_string(missing) + " ended by " + std::to_string(end));
+            IncompleteMain dialog(missing);
             DialogDriver driver([&](Dialog& d) {
                 TypePins(d, "1234", "5838", "583");
                 d.Run([&] { SendCommand(d, IDOK); });
                 EXPECT_TRUE(d.IsOpen()) << "the verdict counts, button or none";
                 d.Type(kConfirm, "8");
-                d.Run([&] { SendCommand(d, nEnd); });
+                d.Run([&] { SendCommand(d, end); });
             });
-            EXPECT_EQ(dialog.DoModal(), nEnd);
+            EXPECT_EQ(dialog.DoModal(), end);
             driver.Join();
             EXPECT_STREQ(dialog.Panel()->NewPin(), "5838");
         }
@@ -58,7 +58,7 @@ TEST_F(ChangePinFaults, MissingControlsOfTheFrameForbidNothingElse) {
 TEST_F(ChangePinFaults, WithoutItsPanelTheFrameCanOnlyBeLeft) {
     PwdRuleArgs mandatory = kAllRules;
     mandatory.bCancelDisabled = 1;
-    CIncompleteMain dialog(0, mandatory);
+    IncompleteMain dialog(0, mandatory);
     const DialogDriver driver([](Dialog& d) {
         EXPECT_FALSE(d.IsEnabled(IDOK));
         d.Run([&] {
@@ -73,19 +73,20 @@ TEST_F(ChangePinFaults, WithoutItsPanelTheFrameCanOnlyBeLeft) {
 }
 
 TEST_F(ChangePinFaults, PanelNeedsItsEditsAndNothingElse) {
-    CHost host;
-    for (const int nMissing : {IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, IDC_CHANGE_PIN_PANEL_NEW_LABEL,
-                               IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, IDC_CHANGE_PIN_PANEL_INSTRUCTION,
-                               IDC_CHANGE_PIN_PANEL_POLICIES_PLACE, kCurrent, kNew, kConfirm}) {
-        SCOPED_TRACE(nMissing);
+    HostWindow host;
+    for (const int missing : {IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, IDC_CHANGE_PIN_PANEL_NEW_LABEL,
+                              IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, IDC_CHANGE_PIN_PANEL_INSTRUCTION,
+                              IDC_CHANGE_PIN_PANEL_POLICIES_PLACE, kCurrent, kNew, kConfirm}) {
+        SCOPED_TRACE(missing);
         host.m_ok.EnableWindow(TRUE);
-        CIncompletePanel panel(host, nMissing);
-        const bool bMade = panel.LocCreate(&host) != 0;
-        EXPECT_EQ(bMade, nMissing != kCurrent && nMissing != kNew && nMissing != kConfirm);
+        IncompletePanel panel(host, missing);
+        const bool made = panel.LocCreate(&host) != 0;
+        EXPECT_EQ(made, missing != kCurrent && missing != kNew && missing != kConfirm);
         EXPECT_FALSE(host.m_ok.IsWindowEnabled());
         EXPECT_FALSE(panel.ReadAndCheck());
-        if (!bMade)
+        if (!made) {
             continue;
+        }
         SetPins(panel.m_hWnd, "1234", "5838", "583");
         EXPECT_FALSE(host.m_ok.IsWindowEnabled());
         EXPECT_FALSE(panel.ReadAndCheck());
@@ -100,8 +101,8 @@ TEST_F(ChangePinFaults, PanelNeedsItsEditsAndNothingElse) {
 }
 
 TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
-    CHost host;
-    CIncompletePanel panel(host, kNothing);
+    HostWindow host;
+    IncompletePanel panel(host, kNothing);
     ASSERT_NE(panel.LocCreate(&host), 0);
     FailingHeap heap("dlgfw.dll");
     CString value;
@@ -114,42 +115,43 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
     };
     // What the edits do, and what a host calls.
     std::vector<std::function<bool()>> acts;
-    for (const int nEdit : {kCurrent, kNew, kConfirm})
-        acts.emplace_back([&panel, nEdit] {
-            panel.SendMessage(WM_COMMAND, MAKEWPARAM(nEdit, EN_CHANGE),
-                              reinterpret_cast<LPARAM>(::GetDlgItem(panel.m_hWnd, nEdit)));
+    for (const int edit : {kCurrent, kNew, kConfirm}) {
+        acts.emplace_back([&panel, edit] {
+            panel.SendMessage(WM_COMMAND, MAKEWPARAM(edit, EN_CHANGE),
+                              reinterpret_cast<LPARAM>(::GetDlgItem(panel.m_hWnd, edit)));
             return true;
         });
+    }
     acts.emplace_back([&] { return panel.ReadAndCheck(); });
     acts.emplace_back([&] { return panel.VerifyAndUpdateAllPolicies(std::move(value)); });
-    for (std::size_t nAct = 0; nAct < acts.size(); ++nAct) {
-        int nStopped = 0;
-        bool bRefused = true;
-        for (int i = 0; bRefused; ++i) {
-            SCOPED_TRACE(std::to_string(nAct) + " " + std::to_string(i));
+    for (std::size_t act = 0; act < acts.size(); ++act) {
+        int stops = 0;
+        bool refused = true;
+        for (int i = 0; refused; ++i) {
+            SCOPED_TRACE(std::to_string(act) + " " + std::to_string(i));
             SetPins(panel.m_hWnd, "1234", "5838", "5838");
             ASSERT_TRUE(host.m_ok.IsWindowEnabled());
             value = "5838";
             m_log.Clear();
             heap.FailAt(i);
-            const bool bResult = acts[nAct]();
-            bRefused = heap.Stop();
+            const bool result = acts[act]();
+            refused = heap.Stop();
             // Where what fails is painting alone, everything else is as it should be.
-            const bool bStopped = hasError({"Dlg::", "Dialog::"});
-            nStopped += bStopped ? 1 : 0;
+            const bool stopped = hasError({"Dlg::", "Dialog::"});
+            stops += stopped ? 1 : 0;
             // What a reading of the edits was stopped in leaves nothing half read.
             EXPECT_TRUE(!hasError({"::OnEnChange", "::ReadAndCheck"}) ||
                         (panel.CurrentPin().IsEmpty() && panel.NewPin().IsEmpty()));
-            EXPECT_EQ(host.m_ok.IsWindowEnabled() != FALSE, !bStopped) << m_log.Dump();
-            EXPECT_TRUE(bResult || bStopped);
+            EXPECT_EQ(host.m_ok.IsWindowEnabled() != FALSE, !stopped) << m_log.Dump();
+            EXPECT_TRUE(result || stopped);
         }
-        EXPECT_GT(nStopped, 6) << nAct;
+        EXPECT_GT(stops, 6) << act;
     }
 }
 
 TEST_F(ChangePinFaults, WithoutMemoryForTheWatchTheDialogJustStays) {
-    const std::string strReader(3000, 'r');
-    CIncompleteMain dialog(kNothing, kAllRules, strReader.c_str());
+    const std::string reader(3000, 'r');
+    IncompleteMain dialog(kNothing, kAllRules, reader.c_str());
     FailingHeap heap("dlgfw.dll");
     const DialogDriver driver([](Dialog& d) {
         VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
@@ -158,7 +160,7 @@ TEST_F(ChangePinFaults, WithoutMemoryForTheWatchTheDialogJustStays) {
         EXPECT_TRUE(d.IsOpen());
         d.Escape();
     });
-    heap.FailAt(0, strReader.size());
+    heap.FailAt(0, reader.size());
     EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     EXPECT_TRUE(heap.Stop());
     EXPECT_EQ(m_log.Texts(1),
@@ -168,7 +170,7 @@ TEST_F(ChangePinFaults, WithoutMemoryForTheWatchTheDialogJustStays) {
 
 // A panel of a host that watches what leaves the library's member.
 template <class Panel>
-class CWatchful : public Panel {
+class Watchful : public Panel {
 public:
     using Panel::Panel;
     bool m_bCrossed = false;
@@ -185,21 +187,21 @@ protected:
 };
 
 template <class Panel, class... Args>
-void ExpectInitialisationStopsExceptions(CHost& host, Args... args) {
+void ExpectInitialisationStopsExceptions(HostWindow& host, Args... args) {
     FailingHeap heap("dlgfw.dll");
-    bool bRefused = true;
-    for (int i = 0; bRefused; ++i) {
-        CWatchful<Panel> panel(args...);
+    bool refused = true;
+    for (int i = 0; refused; ++i) {
+        Watchful<Panel> panel(args...);
         heap.FailAt(i);
-        const int nCreated = panel.LocCreate(&host);
-        bRefused = heap.Stop();
+        const int created = panel.LocCreate(&host);
+        refused = heap.Stop();
         EXPECT_FALSE(panel.m_bCrossed) << i;
-        EXPECT_TRUE(nCreated != 0 || bRefused) << i;
+        EXPECT_TRUE(created != 0 || refused) << i;
     }
 }
 
 TEST_F(ChangePinFaults, InitialisationLetsNoExceptionOut) {
-    CHost host;
+    HostWindow host;
     ExpectInitialisationStopsExceptions<VKPoliciesDlg>(host, &kAllRules, 0, nullptr, &host, 15, 0,
                                                        6);
     EXPECT_TRUE(m_log.Contains(1, "VKPoliciesDlg::OnInitDialog: exception"));

@@ -13,28 +13,30 @@ namespace {
 
 void ExpectNothingOverlaps(Dialog& d, const CRect& client) {
     std::vector<CRect> shown;
-    for (const int nId :
+    for (const int id :
          {IDC_CHANGE_PIN_PANEL_INSTRUCTION, IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, kCurrent,
           IDC_CHANGE_PIN_PANEL_NEW_LABEL, kNew, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, kConfirm,
           IDC_POLICIES_BOX, IDOK, IDCANCEL}) {
-        if (!d.IsVisible(nId))
+        if (!d.IsVisible(id)) {
             continue;
-        const CRect rect = RectIn(d.Handle(), d.Control(nId));
-        EXPECT_TRUE(Contains(client, rect)) << nId;
-        for (const CRect& other : shown)
-            EXPECT_FALSE(Overlap(rect, other)) << nId;
+        }
+        const CRect rect = RectIn(d.Handle(), d.Control(id));
+        EXPECT_TRUE(Contains(client, rect)) << id;
+        for (const CRect& other : shown) {
+            EXPECT_FALSE(Overlap(rect, other)) << id;
+        }
         shown.push_back(rect);
     }
 }
 
 TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
-    for (const char* pszLanguage : {"en", "fr"}) {
-        const AttachedLibrary library(pszLanguage);
-        LONG nSmallestHeight = 0;
-        for (unsigned nSubset = 0; nSubset < kRuleSubsets; ++nSubset) {
-            SCOPED_TRACE(pszLanguage + std::to_string(nSubset));
-            const PwdRuleArgs rules = RulesOfSubset(nSubset);
-            ChangePinRequest request{.pRules = &rules, .bAskCurrentPin = nSubset % 3 != 0};
+    for (const char* language : {"en", "fr"}) {
+        const AttachedLibrary library(language);
+        LONG smallestHeight = 0;
+        for (unsigned subset = 0; subset < kRuleSubsets; ++subset) {
+            SCOPED_TRACE(language + std::to_string(subset));
+            const PwdRuleArgs rules = RulesOfSubset(subset);
+            ChangePinRequest request{.pRules = &rules, .bAskCurrentPin = subset % 3 != 0};
             request.Ask([&](Dialog& d) {
                 const auto rectOf = [&d](HWND hWnd) { return RectIn(d.Handle(), hWnd); };
                 const CRect box = rectOf(d.Control(IDC_POLICIES_BOX));
@@ -59,10 +61,11 @@ TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
                 EXPECT_NEAR(client.bottom - ok.bottom, gap.bottom, 1);
                 EXPECT_NEAR(client.right - cancel.right, place.left, 1);
                 ExpectNothingOverlaps(d, client);
-                if (nSubset == 0)
-                    nSmallestHeight = client.bottom;
-                else
-                    EXPECT_GT(client.bottom, nSmallestHeight) << "more rules, more lines";
+                if (subset == 0) {
+                    smallestHeight = client.bottom;
+                } else {
+                    EXPECT_GT(client.bottom, smallestHeight) << "more rules, more lines";
+                }
                 d.Escape();
             });
         }

@@ -32,7 +32,7 @@ std::string Read(const CWnd& host) {
 }
 
 TEST_F(ChangePinPanel, IsReadWithoutADialog) {
-    CHost host;
+    HostWindow host;
     const HINSTANCE before = AfxGetResourceHandle();
     const auto panel = Embed(host, &host.m_ok);
     EXPECT_EQ(AfxGetResourceHandle(), before);
@@ -57,7 +57,7 @@ TEST_F(ChangePinPanel, IsReadWithoutADialog) {
 }
 
 TEST_F(ChangePinPanel, CurrentPinThatIsNotAskedIsEmpty) {
-    CHost host;
+    HostWindow host;
     const auto panel = Embed(host, &host.m_ok, false, nullptr);
     EXPECT_EQ(::GetFocus(), ::GetDlgItem(panel->m_hWnd, kNew));
     EXPECT_TRUE(host.m_ok.IsWindowEnabled()) << "two empty PINs match";
@@ -68,8 +68,8 @@ TEST_F(ChangePinPanel, CurrentPinThatIsNotAskedIsEmpty) {
 }
 
 TEST_F(ChangePinPanel, YoungestOfItsHostIsRead) {
-    CHost host;
-    CHost other;
+    HostWindow host;
+    HostWindow other;
     const auto first = Embed(host, nullptr);
     auto second = Embed(host, nullptr);
     const auto elsewhere = Embed(other, nullptr);
@@ -83,8 +83,8 @@ TEST_F(ChangePinPanel, YoungestOfItsHostIsRead) {
 }
 
 TEST_F(ChangePinPanel, NobodysPanelIsNotFound) {
-    CHost host;
-    CHost without;
+    HostWindow host;
+    HostWindow without;
     const CChangePINDialog windowless(0, 0, true, nullptr, nullptr, nullptr, &host, 15, 0, 6);
     auto panel = Embed(host, nullptr);
     EXPECT_EQ(FindChangePinPanel(nullptr), nullptr);
@@ -98,45 +98,46 @@ TEST_F(ChangePinPanel, NobodysPanelIsNotFound) {
     EXPECT_EQ(ChangePinRequest{.hHost = host.m_hWnd}.Ask(Leave), kRefused)
         << "asked in the library's own dialog";
     // The panel of a thread that ended stays in the list, its object's memory does not.
-    auto* const pGone = reinterpret_cast<CChangePINDialog*>(&host);
-    AddChangePinPanel(pGone);
-    SetChangePinPanelWindow(pGone, host.m_ok.m_hWnd);
+    auto* const gone = reinterpret_cast<CChangePINDialog*>(&host);
+    AddChangePinPanel(gone);
+    SetChangePinPanelWindow(gone, host.m_ok.m_hWnd);
     EXPECT_EQ(FindChangePinPanel(host.m_hWnd), nullptr) << "its window is another's now";
-    RemoveChangePinPanel(pGone);
+    RemoveChangePinPanel(gone);
 }
 
 // A host's OK button that takes the panel down as soon as it hears of it.
-class CDestroyingButton : public CButton {
+class DestroyingButton : public CButton {
 public:
     std::unique_ptr<CChangePINDialog>* m_pPanel = nullptr;
 
 protected:
     afx_msg void OnEnable(BOOL bEnable) {
         CButton::OnEnable(bEnable);
-        if (m_pPanel != nullptr)
+        if (m_pPanel != nullptr) {
             m_pPanel->reset();
+        }
     }
     DECLARE_MESSAGE_MAP()
 };
 
-BEGIN_MESSAGE_MAP(CDestroyingButton, CButton)
+BEGIN_MESSAGE_MAP(DestroyingButton, CButton)
     ON_WM_ENABLE()
 END_MESSAGE_MAP()
 
 TEST_F(ChangePinPanel, MayBeDestroyedWhileItsCheckRuns) {
-    for (const bool bByTyping : {false, true}) {
-        CHost host;
-        CDestroyingButton ok;
+    for (const bool byTyping : {false, true}) {
+        HostWindow host;
+        DestroyingButton ok;
         ok.CreateEx(0, "BUTTON", "OK", WS_CHILD | WS_VISIBLE, 5, 50, 90, 30, host.m_hWnd, nullptr);
         auto panel = Embed(host, &ok);
-        SetPins(panel->m_hWnd, "1234", "5838", bByTyping ? "583" : "5838");
-        ASSERT_EQ(ok.IsWindowEnabled() != FALSE, !bByTyping);
+        SetPins(panel->m_hWnd, "1234", "5838", byTyping ? "583" : "5838");
+        ASSERT_EQ(ok.IsWindowEnabled() != FALSE, !byTyping);
         ok.EnableWindow(FALSE);
         ok.m_pPanel = &panel;
-        if (bByTyping) {
-            const HWND hEdit = ::GetDlgItem(panel->m_hWnd, kConfirm);
-            SendMessageA(hEdit, EM_SETSEL, 3, 3);
-            SendMessageA(hEdit, WM_CHAR, '8', 0);
+        if (byTyping) {
+            const HWND edit = ::GetDlgItem(panel->m_hWnd, kConfirm);
+            SendMessageA(edit, EM_SETSEL, 3, 3);
+            SendMessageA(edit, WM_CHAR, '8', 0);
         } else {
             EXPECT_EQ(Read(host), kRefused);
         }
@@ -146,18 +147,18 @@ TEST_F(ChangePinPanel, MayBeDestroyedWhileItsCheckRuns) {
 }
 
 TEST_F(ChangePinPanel, HostMayGoFirst) {
-    auto host = std::make_unique<CHost>();
+    auto host = std::make_unique<HostWindow>();
     const auto panel = Embed(*host, &host->m_ok);
     SetPins(panel->m_hWnd, "12345", "58381", "58382");
     host.reset();
     EXPECT_EQ(panel->m_hWnd, nullptr);
     // What was read last stays with the object until it is erased, in place.
-    const char* pCurrent = panel->CurrentPin();
-    const char* pNew = panel->NewPin();
-    EXPECT_STREQ(pCurrent, "12345");
-    EXPECT_STREQ(pNew, "58381");
+    const char* current = panel->CurrentPin();
+    const char* newObject = panel->NewPin();
+    EXPECT_STREQ(current, "12345");
+    EXPECT_STREQ(newObject, "58381");
     panel->EraseAllPinBuffers();
-    EXPECT_EQ(std::string(pCurrent, 5) + std::string(pNew, 5), std::string(10, '\0'));
+    EXPECT_EQ(std::string(current, 5) + std::string(newObject, 5), std::string(10, '\0'));
     EXPECT_TRUE(panel->CurrentPin().IsEmpty() && panel->NewPin().IsEmpty());
 }
 
@@ -186,16 +187,16 @@ TEST_F(ChangePinPanel, ReadsItsConfiguration) {
         {REG_BINARY, std::string(255, 'x'), 0x78787878},
         {REG_BINARY, std::string(256, 'x'), 0},
     };
-    const std::string strPath = std::string(kKey) + "\\" + kValue;
+    const std::string path = std::string(kKey) + "\\" + kValue;
     for (const auto& c : cases) {
         m_hive.SetRaw(kKey, kValue, c.dwType, c.strBytes);
         m_log.Clear();
         EXPECT_EQ(read(), c.dwRead);
-        const std::string strLine =
-            c.strBytes.size() > 255 ? "Setting ignored: " + strPath + ": larger than 255 bytes"
-                                    : "Setting is no REG_DWORD, its first bytes are followed as " +
-                                          std::to_string(c.dwRead) + ": " + strPath;
-        EXPECT_EQ(m_log.Texts(1), std::vector<std::string>{strLine});
+        const std::string line = c.strBytes.size() > 255
+                                     ? "Setting ignored: " + path + ": larger than 255 bytes"
+                                     : "Setting is no REG_DWORD, its first bytes are followed as " +
+                                           std::to_string(c.dwRead) + ": " + path;
+        EXPECT_EQ(m_log.Texts(1), std::vector<std::string>{line});
     }
 }
 

@@ -44,8 +44,9 @@ TEST_F(ChangePin, OpensReadyToType) {
                      {IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, IDS_CHANGE_PIN_CURRENT_LABEL},
                      {IDC_CHANGE_PIN_PANEL_NEW_LABEL, IDS_CHANGE_PIN_NEW_LABEL},
                      {IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, IDS_CHANGE_PIN_CONFIRM_LABEL}};
-        for (const auto& [nControl, nString] : texts)
-            EXPECT_EQ(d.Text(nControl), std::string(ResourceString(nString)));
+        for (const auto& [control, text] : texts) {
+            EXPECT_EQ(d.Text(control), std::string(ResourceString(text)));
+        }
         EXPECT_EQ(d.FocusedId(), kCurrent);
         EXPECT_FALSE(d.IsEnabled(IDOK));
         EXPECT_TRUE(d.IsEnabled(IDCANCEL));
@@ -74,11 +75,11 @@ TEST_F(ChangePin, HandsOutBothPins) {
                  {&kNoRules, "1", ""},
                  {nullptr, "1", "2"}};
     for (const auto& c : cases) {
-        for (const bool bByEnter : {true, false}) {
+        for (const bool byEnter : {true, false}) {
             const auto enter = [&](Dialog& d) {
                 TypePins(d, c.strCurrent, c.strNew, c.strNew);
                 EXPECT_TRUE(d.IsEnabled(IDOK));
-                bByEnter ? d.Enter() : d.Click(IDOK);
+                byEnter ? d.Enter() : d.Click(IDOK);
             };
             EXPECT_EQ(ChangePinRequest{.pRules = c.pRules}.Ask(enter),
                       c.strCurrent + "/" + c.strNew);
@@ -106,9 +107,9 @@ TEST_F(ChangePin, OkFollowsEveryEdit) {
         EXPECT_FALSE(d.IsEnabled(IDOK));
         d.Enter();
         // The command itself, whoever sends it, and whatever he has done to the button.
-        for (const BOOL bEnable : {FALSE, TRUE}) {
+        for (const BOOL enable : {FALSE, TRUE}) {
             d.Run([&] {
-                EnableWindow(d.Control(IDOK), bEnable);
+                EnableWindow(d.Control(IDOK), enable);
                 SendCommand(d, IDOK);
             });
             EXPECT_TRUE(d.IsOpen());
@@ -128,9 +129,9 @@ TEST_F(ChangePin, OnlyWhatOkHasJudgedIsHandedOut) {
     const auto changeAfterOk = [](Dialog& d) {
         TypePins(d, "1234", "5838", "5838");
         d.Run([&] {
-            const HWND hNew = d.Control(kNew);
+            const HWND newHandle = d.Control(kNew);
             SendCommand(d, IDOK);
-            SetWindowTextA(hNew, "1");
+            SetWindowTextA(newHandle, "1");
             SendCommand(d, IDOK);
         });
     };
@@ -150,12 +151,12 @@ TEST_F(ChangePin, OnlyWhatOkHasJudgedIsHandedOut) {
 TEST_F(ChangePin, EveryOperationTellsEntryAndExit) {
     ChangePinRequest().Ask([&](Dialog& d) {
         TypePins(d, "1234", "5838", "5838");
-        const std::string strBefore = LogShape();
+        const std::string before = LogShape();
         d.Focus(kCurrent);
         // A focus change alone leads to a check, and each handler goes through the same one.
         EXPECT_TRUE(
             LogShape()
-                .substr(strBefore.size())
+                .substr(before.size())
                 .starts_with(
                     "CChangePINDialog::OnEnSetfocusEditPin{CChangePINDialog::OnEnChangeEditPin{"
                     "CChangePINDialog::OnEnChangeEditPinNew{CChangePINDialog::"
@@ -164,9 +165,9 @@ TEST_F(ChangePin, EveryOperationTellsEntryAndExit) {
             << m_log.Dump();
         d.Enter();
     });
-    const std::string strShape = LogShape();
-    EXPECT_TRUE(strShape.starts_with("GetChangePINInfoFromUser{")) << strShape;
-    EXPECT_TRUE(strShape.ends_with("} ")) << strShape;
+    const std::string shape = LogShape();
+    EXPECT_TRUE(shape.starts_with("GetChangePINInfoFromUser{")) << shape;
+    EXPECT_TRUE(shape.ends_with("} ")) << shape;
     EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size()) << m_log.Dump();
     std::istringstream names(
         "CChangePINDialogMain::CChangePINDialogMain CChangePINDialogMain::OnInitDialog "
@@ -178,18 +179,19 @@ TEST_F(ChangePin, EveryOperationTellsEntryAndExit) {
         "CChangePINDialog::EraseAllPinBuffers CChangePINDialog::~CChangePINDialog "
         "VKPoliciesDlg::VKPoliciesDlg VKPoliciesDlg::LocCreate VKPoliciesDlg::OnInitDialog "
         "VKPoliciesDlg::PutPoliciesInBox VKPoliciesDlg::VerifyAndUpdatePolicies");
-    for (std::string strName; names >> strName;)
-        EXPECT_TRUE(m_log.Contains(8, strName) && m_log.Contains(16, strName)) << strName;
+    for (std::string name; names >> name;) {
+        EXPECT_TRUE(m_log.Contains(8, name) && m_log.Contains(16, name)) << name;
+    }
 }
 
 TEST_F(ChangePin, KeysGoFromControlToControl) {
     const auto walk = [](Dialog& d) {
         TypePins(d, "1234", "5838", "5838");
-        for (const auto& [vk, nId] :
+        for (const auto& [vk, id] :
              {std::pair{WORD{'N'}, kNew}, {'F', kConfirm}, {'C', kCurrent}}) {
             d.RealKey(vk, {VK_MENU});
-            d.WaitUntil("the focus on " + std::to_string(nId),
-                        [&, nId = nId] { return d.FocusedId() == nId; });
+            d.WaitUntil("the focus on " + std::to_string(id),
+                        [&, id = id] { return d.FocusedId() == id; });
         }
         std::vector<int> order;
         for (int i = 0; i < 6; ++i) {
@@ -206,9 +208,9 @@ TEST_F(ChangePin, KeysGoFromControlToControl) {
 }
 
 TEST_F(ChangePin, CurrentPinNeedNotBeAskedNorTaken) {
-    for (const bool bTaken : {true, false}) {
+    for (const bool taken : {true, false}) {
         ChangePinRequest request{.bAskCurrentPin = false};
-        if (!bTaken) {
+        if (!taken) {
             request.oldPin.pszText = nullptr;
             request.oldPin.pcbText = nullptr;
         }
@@ -221,12 +223,13 @@ TEST_F(ChangePin, CurrentPinNeedNotBeAskedNorTaken) {
             d.Type(kNew, "5838");
             d.Type(kConfirm, "5838");
             EXPECT_TRUE(d.IsEnabled(IDOK));
-            for (int i = 0; i < 3; ++i)
+            for (int i = 0; i < 3; ++i) {
                 d.Tab();
+            }
             EXPECT_EQ(d.FocusedId(), kNew);
             d.Enter();
         };
-        EXPECT_EQ(request.Ask(enter), bTaken ? "/5838" : "(none)/5838");
+        EXPECT_EQ(request.Ask(enter), taken ? "/5838" : "(none)/5838");
     }
 }
 

@@ -18,30 +18,31 @@ constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
 
 // A bitmap file of one colour.
 std::string BitmapFile(int nWidth, int nHeight) {
-    const auto nPixelBytes =
+    const auto pixelBytes =
         std::size_t{3} * static_cast<DWORD>(nWidth) * static_cast<DWORD>(nHeight);
     constexpr DWORD kHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
-    const BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(kHeaders + nPixelBytes), 0, 0, kHeaders};
+    const BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(kHeaders + pixelBytes), 0, 0, kHeaders};
     const BITMAPINFOHEADER info = TrueColorHeader(nWidth, nHeight);
     return std::string(reinterpret_cast<const char*>(&file), sizeof file) +
            std::string(reinterpret_cast<const char*>(&info), sizeof info) +
-           std::string(nPixelBytes, '\x40');
+           std::string(pixelBytes, '\x40');
 }
 
 // Which pictures the dialog shows: built-in banner and strip, then the customer's.
 std::string Shown() {
-    std::string strShown;
+    std::string shown;
     PinRequest().Ask([&](Dialog& d) {
-        for (const int nId : {IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
-                              IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS})
-            strShown += d.IsVisible(nId) ? "BSbs"[strShown.size()] : '-';
+        for (const int id : {IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
+                             IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS}) {
+            shown += d.IsVisible(id) ? "BSbs"[shown.size()] : '-';
+        }
         if (d.IsVisible(IDC_ENTER_PIN_BRAND_BANNER)) {
             EXPECT_EQ(CRect(d.Rect(IDC_ENTER_PIN_BRAND_BANNER)).Size(),
                       CRect(d.Rect(IDC_ENTER_PIN_BANNER)).Size());
         }
         d.Escape();
     });
-    return strShown;
+    return shown;
 }
 
 class Branding : public LibraryTest {
@@ -97,8 +98,8 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     m_hive.SetUnterminated(kKey, "BannerHiRes", std::string(260, 'u'));
     expectIgnored("BannerHiRes", kNoFile);
     m_hive.DeleteValue(kKey, "BannerHiRes");
-    for (const DWORD dwNoText : {0x41424344U, 0U, 256U}) {
-        m_hive.SetDword(kKey, "ProgressBarHiRes", dwNoText);
+    for (const DWORD noText : {0x41424344U, 0U, 256U}) {
+        m_hive.SetDword(kKey, "ProgressBarHiRes", noText);
         expectIgnored("ProgressBarHiRes", "the value is not a text");
     }
 }
@@ -111,19 +112,19 @@ int WINAPI TellBitsPerPixel(HDC, int nIndex) {
 
 TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {
     // Larger than its place, to which it is cut.
-    const std::string strLarge = MakeFile("large", BitmapFile(3000, 2000));
-    const std::string strSmall = MakeFile("small", BitmapFile(20, 20));
+    const std::string large = MakeFile("large", BitmapFile(3000, 2000));
+    const std::string little = MakeFile("small", BitmapFile(20, 20));
     const PatchedImports depth(nullptr, {{"GetDeviceCaps", Address(&TellBitsPerPixel)}});
-    for (const int nBitsPerPixel : {32, 8, 4}) {
-        g_nBitsPerPixel = nBitsPerPixel;
-        const std::string strResolution = nBitsPerPixel == 4 ? "LowRes" : "HiRes";
-        m_hive.SetString(kKey, nBitsPerPixel == 4 ? "BannerHiRes" : "BannerLowRes", strSmall);
+    for (const int bitsPerPixel : {32, 8, 4}) {
+        g_nBitsPerPixel = bitsPerPixel;
+        const std::string resolution = bitsPerPixel == 4 ? "LowRes" : "HiRes";
+        m_hive.SetString(kKey, bitsPerPixel == 4 ? "BannerHiRes" : "BannerLowRes", little);
         EXPECT_EQ(Shown(), kBuiltIn) << "the other resolution's picture is no fallback";
-        m_hive.SetString(kKey, "Banner" + strResolution, strLarge);
+        m_hive.SetString(kKey, "Banner" + resolution, large);
         EXPECT_EQ(Shown(), "-Sb-");
-        m_hive.SetString(kKey, "ProgressBar" + strResolution, strSmall);
+        m_hive.SetString(kKey, "ProgressBar" + resolution, little);
         EXPECT_EQ(Shown(), "--bs");
-        m_hive.DeleteValue(kKey, "Banner" + strResolution);
+        m_hive.DeleteValue(kKey, "Banner" + resolution);
         EXPECT_EQ(Shown(), "B--s");
         m_hive.DeleteKey(kKey);
     }

@@ -42,7 +42,7 @@ TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
     };
     for (const auto& c : cases) {
         m_log.Clear();
-        const std::string strOutcome = PinRequest{.pszReader = c.pszReader}.Ask([&](Dialog& d) {
+        const std::string outcome = PinRequest{.pszReader = c.pszReader}.Ask([&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
             RemoveAndWait(c.pszRemoved);
             if (c.bCloses) {
@@ -53,7 +53,7 @@ TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
                 d.Click(IDOK);
             }
         });
-        EXPECT_EQ(strOutcome, c.bCloses ? kRefused : "1234");
+        EXPECT_EQ(outcome, c.bCloses ? kRefused : "1234");
         EXPECT_EQ(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"), c.bCloses);
         // Whatever the ending, the watch ends once, with its own words.
         EXPECT_EQ(
@@ -67,9 +67,9 @@ TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
 TEST_F(CardRemoval, BeforeAndAfterTheDialogHasNoEffect) {
     RemoveAndWait();
     PinRequest request;
-    const std::uint32_t dwResult = request.Call(TypePin());
+    const std::uint32_t result = request.Call(TypePin());
     RemoveAndWait();
-    EXPECT_EQ(request.Outcome(dwResult), "1234");
+    EXPECT_EQ(request.Outcome(result), "1234");
 }
 
 TEST_F(CardRemoval, WatchingItInitialisesComOnTheThread) {
@@ -95,34 +95,37 @@ TEST_F(CardRemoval, WhileTheDialogOpensCloses) {
 TEST_F(CardRemoval, AroundThePressOfOkCountsWhatIsHandledFirst) {
     enum class First { Ok, Removal, OkSent };
     for (const First first : {First::Ok, First::Removal, First::OkSent}) {
-        const std::string strOutcome = PinRequest().Ask([&](Dialog& d) {
+        const std::string outcome = PinRequest().Ask([&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
             // In one go, so that the dialog's thread has not taken up what was posted to it.
             d.Run([&] {
-                if (first == First::Ok)
+                if (first == First::Ok) {
                     SendCommand(d, IDOK);
+                }
                 RemoveAndWait();
-                if (first == First::Removal)
+                if (first == First::Removal) {
                     PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+                }
                 // Overtakes the removal, which is in the queue.
-                if (first == First::OkSent)
+                if (first == First::OkSent) {
                     SendCommand(d, IDOK);
+                }
             });
             d.WaitGone();
         });
-        EXPECT_EQ(strOutcome, first != First::Removal ? "1234" : kRefused);
+        EXPECT_EQ(outcome, first != First::Removal ? "1234" : kRefused);
     }
 }
 
 TEST_F(CardRemoval, HasNoEffectWithoutMemoryForTheWatch) {
-    const std::string strReader(1000, 'r');
+    const std::string reader(1000, 'r');
     FailingHeap heap("dlgfw.dll");
-    heap.FailAt(1, strReader.size());  // the dialog's own copy comes first
+    heap.FailAt(1, reader.size());  // the dialog's own copy comes first
     const auto removeAndEnter = [&](Dialog& d) {
-        RemoveAndWait(strReader.c_str());
+        RemoveAndWait(reader.c_str());
         TypePin()(d);
     };
-    EXPECT_EQ(PinRequest{.pszReader = strReader.c_str()}.Ask(removeAndEnter), "1234");
+    EXPECT_EQ(PinRequest{.pszReader = reader.c_str()}.Ask(removeAndEnter), "1234");
     EXPECT_TRUE(heap.Stop());
     EXPECT_TRUE(m_log.Contains(1, "VKDelegateSubscriberCardRemoved Constructor: exception"));
     EXPECT_TRUE(m_log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
@@ -140,39 +143,41 @@ public:
         m_nSteps = static_cast<int>(m_random() % 5);
         g_pCurrent = this;
         const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &Interleaving::OnTimer);
-        const std::string strOutcome = request.Outcome(request.CallAlone());
+        const std::string outcome = request.Outcome(request.CallAlone());
         KillTimer(nullptr, timer);
         g_pCurrent = nullptr;
-        EXPECT_TRUE(strOutcome == kRefused ? m_bCancel || m_bRemoved
-                                           : m_bOk && strOutcome == m_strTyped)
-            << strOutcome;
+        EXPECT_TRUE(outcome == kRefused ? m_bCancel || m_bRemoved : m_bOk && outcome == m_strTyped)
+            << outcome;
     }
 
 private:
     static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD) {
-        HWND hDialog = GetActiveWindow();
+        HWND dialog = GetActiveWindow();
         char className[16] = "";
-        GetClassNameA(hDialog, className, sizeof className);
-        if (g_pCurrent != nullptr && std::string(className) == "#32770")
-            g_pCurrent->Step(hDialog);
+        GetClassNameA(dialog, className, sizeof className);
+        if (g_pCurrent != nullptr && std::string(className) == "#32770") {
+            g_pCurrent->Step(dialog);
+        }
     }
 
     void Step(HWND hDialog) {
-        const auto nEnd = m_nSteps-- <= 0 ? m_random() % 3 : 3;
-        const bool bOneInTwo = m_random() % 2 == 0;
-        if (nEnd == 3 && bOneInTwo)
+        const auto end = m_nSteps-- <= 0 ? m_random() % 3 : 3;
+        const bool oneInTwo = m_random() % 2 == 0;
+        if (end == 3 && oneInTwo) {
             Remove("Reader B");
-        else if (nEnd == 3 || (nEnd == 0 && m_strTyped.size() < 4))
+        } else if (end == 3 || (end == 0 && m_strTyped.size() < 4)) {
             Type(hDialog);
+        }
         // A removal may come in between, and may be too late.
-        if (nEnd == 2 || (nEnd != 3 && bOneInTwo)) {
+        if (end == 2 || (end != 3 && oneInTwo)) {
             Remove("Reader A");
             m_bRemoved = true;
         }
-        m_bOk = m_bOk || nEnd == 0;
-        m_bCancel = m_bCancel || nEnd == 1;
-        if (nEnd < 2)
-            PostMessageA(hDialog, WM_COMMAND, nEnd == 0 ? IDOK : IDCANCEL, 0);
+        m_bOk = m_bOk || end == 0;
+        m_bCancel = m_bCancel || end == 1;
+        if (end < 2) {
+            PostMessageA(hDialog, WM_COMMAND, end == 0 ? IDOK : IDCANCEL, 0);
+        }
     }
 
     void Type(HWND hDialog) {
@@ -191,19 +196,20 @@ private:
 
 TEST_F(CardRemoval, SurvivesEveryOrderOfEvents) {
     // A run by hand may ask for more: MVP_SOAK_ROUNDS=10000.
-    const char* pszRounds = std::getenv("MVP_SOAK_ROUNDS");
-    const long nRounds = pszRounds != nullptr ? std::strtol(pszRounds, nullptr, 10) : 200;
+    const char* wanted = std::getenv("MVP_SOAK_ROUNDS");
+    const long rounds = wanted != nullptr ? std::strtol(wanted, nullptr, 10) : 200;
     std::mt19937 random(20261121);
     // Blocks, handles and threads are counted strictly. What the heaps have fetched from the system
     // is not: with their checks on they hold freed blocks back for a while.
     const auto round = [&](int i) {
-        if (!HasFailure())
+        if (!HasFailure()) {
             Interleaving(random).Run();
+        }
         // At rest when things are counted.
         EXPECT_TRUE(i % 20 != 19 || VKWaitForIdle(10'000) == VKEVTSUB_OK);
         m_log.Clear();
     };
-    ExpectRoundsKeepNothing(20, static_cast<int>(nRounds), round, {.privateBytes = 64 << 20});
+    ExpectRoundsKeepNothing(20, static_cast<int>(rounds), round, {.privateBytes = 64 << 20});
 }
 
 }  // namespace

@@ -34,14 +34,15 @@ TEST_F(EnterPin, HandsOutExactlyWhatWasTyped) {
                  {0, 8, ""}};
     for (const auto& c : cases) {
         PinRequest request{.dwMin = c.dwMin, .dwMax = c.dwMax};
-        const std::string strPin = request.Ask([&](Dialog& d) {
-            if (c.strPin.size() > 100)
+        const std::string pin = request.Ask([&](Dialog& d) {
+            if (c.strPin.size() > 100) {
                 d.Paste(IDC_ENTER_PIN_EDIT, c.strPin);
-            else
+            } else {
                 d.Type(IDC_ENTER_PIN_EDIT, c.strPin);
+            }
             d.Click(IDOK);
         });
-        EXPECT_TRUE(strPin == c.strPin) << c.strPin.size() << m_log.Dump();
+        EXPECT_TRUE(pin == c.strPin) << c.strPin.size() << m_log.Dump();
     }
     EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: PIN empty"));
 }
@@ -75,20 +76,21 @@ TEST_F(EnterPin, OpensOnTopAndHelps) {
 }
 
 TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
-    const auto isAllowed = [](int nLength) { return nLength >= 4 && nLength <= 8; };
+    const auto isAllowed = [](int length) { return length >= 4 && length <= 8; };
     const auto typeAndDelete = [&](Dialog& d) {
         EXPECT_FALSE(d.IsEnabled(IDOK));
-        for (int nLength = 1; nLength <= 9; ++nLength) {
+        for (int length = 1; length <= 9; ++length) {
             d.Type(IDC_ENTER_PIN_EDIT, "\xE9");
-            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(nLength)) << nLength;
+            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(length)) << length;
             // The command comes without the button, and is refused all the same.
-            if (!isAllowed(nLength))
+            if (!isAllowed(length)) {
                 SendCommand(d, IDOK);
-            ASSERT_TRUE(d.IsOpen()) << nLength;
+            }
+            ASSERT_TRUE(d.IsOpen()) << length;
         }
-        for (int nLength = 8; nLength >= 0; --nLength) {
+        for (int length = 8; length >= 0; --length) {
             d.Press(VK_BACK);
-            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(nLength)) << nLength;
+            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(length)) << length;
         }
         d.Paste(IDC_ENTER_PIN_EDIT, "12345");
         EXPECT_TRUE(d.IsEnabled(IDOK));
@@ -103,15 +105,15 @@ TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
 }
 
 TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
-    const UINT nRemoved = RegisterWindowMessageA("VKCardRemovedEvent");
+    const UINT removed = RegisterWindowMessageA("VKCardRemovedEvent");
     const struct {
         UINT nMessage;
         WPARAM wParam;
         const char* pszOutcome;
     } ends[] = {
-        {WM_COMMAND, IDOK, "1234"}, {WM_COMMAND, IDCANCEL, kRefused}, {nRemoved, 1, kRefused}};
+        {WM_COMMAND, IDOK, "1234"}, {WM_COMMAND, IDCANCEL, kRefused}, {removed, 1, kRefused}};
     for (const auto& end : ends) {
-        const std::string strOutcome = PinRequest().Ask([&](Dialog& d) {
+        const std::string outcome = PinRequest().Ask([&](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
             d.Run([&] {
                 SendMessageA(d.Handle(), end.nMessage, end.wParam, 0);
@@ -119,7 +121,7 @@ TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
                 SendCommand(d, IDOK);
             });
         });
-        EXPECT_EQ(strOutcome, end.pszOutcome);
+        EXPECT_EQ(outcome, end.pszOutcome);
     }
 }
 
@@ -135,23 +137,24 @@ TEST_F(EnterPin, WhatMovesTakesItsWarningDown) {
     const PatchedImports oldSystem(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
     const CapsLock capsLock(true);
     const std::string classes[] = {"CEnterPinDlg", "CChangePINDialogMain", "CChangePINDialog"};
-    for (const std::string& strMoved : classes) {
+    for (const std::string& moved : classes) {
         const auto move = [&](Dialog& d) {
-            HWND hBalloon = nullptr;
+            HWND balloon = nullptr;
             d.WaitUntil("the warning shows", [&] {
-                hBalloon = FindWindowA(TOOLTIPS_CLASSA, nullptr);
-                return hBalloon != nullptr && IsWindowVisible(hBalloon) != FALSE;
+                balloon = FindWindowA(TOOLTIPS_CLASSA, nullptr);
+                return balloon != nullptr && IsWindowVisible(balloon) != FALSE;
             });
             m_log.Clear();
-            const bool bPanel = strMoved == "CChangePINDialog";
-            SetWindowPos(bPanel ? GetParent(d.Control(kCurrent)) : d.Handle(), nullptr, 3, 3, 0, 0,
+            const bool panel = moved == "CChangePINDialog";
+            SetWindowPos(panel ? GetParent(d.Control(kCurrent)) : d.Handle(), nullptr, 3, 3, 0, 0,
                          SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-            EXPECT_FALSE(IsWindowVisible(hBalloon)) << strMoved;
-            for (const std::string& strClass : classes)
-                EXPECT_EQ(m_log.Contains(16, strClass + "::OnMove"), strClass == strMoved);
+            EXPECT_FALSE(IsWindowVisible(balloon)) << moved;
+            for (const std::string& className : classes) {
+                EXPECT_EQ(m_log.Contains(16, className + "::OnMove"), className == moved);
+            }
             d.Escape();
         };
-        strMoved == classes[0] ? PinRequest().Ask(move) : ChangePinRequest().Ask(move);
+        moved == classes[0] ? PinRequest().Ask(move) : ChangePinRequest().Ask(move);
     }
 }
 
@@ -160,13 +163,13 @@ TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {
     request.Call(TypePin());
     // Moves of the window, addresses and flags are no two times the same.
     const std::regex varying(R"(CEnterPinDlg::OnMove\{\} |(this:| \(Flags)[^;]*)");
-    const std::string strLines = std::regex_replace(LogShape(), varying, "");
-    const std::string strChange =
+    const std::string lines = std::regex_replace(LogShape(), varying, "");
+    const std::string change =
         "0 CEnterPinDlg::OnEnChangeEditPassword:BEG; 0 CEnterPinDlg::OnEnChangeEditPassword:END; ";
     // Overwriting the edit at the end is nobody's change.
-    const std::string strFourTyped = strChange + strChange + strChange + strChange;
+    const std::string fourTyped = change + change + change + change;
     EXPECT_EQ(
-        strLines,
+        lines,
         "GetPINFromUser{2 GetPINFromUser: hParent = 0, Reader = Reader A; "
         "2 GetPINFromUser: Enter PIN action allowed; VKDetectCardRemovedDlg{"
         "2 VKDetectCardRemovedDlg: pParent = 0, Reader = Reader A; } CEnterPinDlg{"
@@ -176,8 +179,7 @@ TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {
         "CEnterPinDlg::OnInitDialog{VKDetectCardRemovedDlg::OnInitDialog{"
         "CBaseDialog::OnInitDialog{} VKDelegateSubscriberCardRemoved Constructor{} } "
         "CEnterPinDlg::TryToInsertBitmap{CEnterPinDlg::GetBrandingBitmaps{} } " +
-            strChange + "} 2 CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success; " +
-            strFourTyped +
+            change + "} 2 CEnterPinDlg::OnContextualHelp: CreateDlgIndirect success; " + fourTyped +
             "CEnterPinDlg::OnOK{VKDetectCardRemovedDlg::StopDetectingRemoveEvent{"
             "2 VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed; "
             "VKDelegateSubscriberCardRemoved Destructor{} } } VKDetectCardRemovedDlg::OnDestroy{"
@@ -204,20 +206,21 @@ TEST_F(EnterPin, OneRequestAtATime) {
 }
 
 TEST_F(EnterPin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
-    for (const bool bNullPin : {true, false}) {
+    for (const bool nullPin : {true, false}) {
         m_log.Clear();
         PinRequest request{.bShowLastTry = 1};
-        if (bNullPin)
+        if (nullPin) {
             request.ppPin = nullptr;
-        else
+        } else {
             request.pcbPin = nullptr;
+        }
         EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
         EXPECT_TRUE(request.IsUntouched());
         EXPECT_TRUE(m_boxes.Calls().empty());
         EXPECT_EQ(Module().nPinDialogInProgress, 0);
         EXPECT_EQ(LogShape(),
                   std::string("GetPINFromUser{2 GetPINFromUser: hParent = 0, Reader = Reader A; ") +
-                      "1 GetPINFromUser: " + (bNullPin ? "ppPin" : "pcbPin") +
+                      "1 GetPINFromUser: " + (nullPin ? "ppPin" : "pcbPin") +
                       " == NULL; 1 GetPINFromUser: returns: -1; } ");
     }
 }
@@ -243,11 +246,11 @@ TEST_F(EnterPin, LastTryComesFirst) {
     m_boxes.SetAnswer(1);
     EXPECT_EQ(request.Call(Leave), MVPINGUI_REFUSED);
     // Also while a PIN is still out: what is declined then leaves no word of the guard.
-    for (const int nAnswer : {1, 0}) {
+    for (const int answer : {1, 0}) {
         m_log.Clear();
-        m_boxes.SetAnswer(nAnswer);
+        m_boxes.SetAnswer(answer);
         EXPECT_EQ(request.Call(), MVPINGUI_REFUSED);
-        EXPECT_EQ(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"), nAnswer == 1);
+        EXPECT_EQ(m_log.Contains(2, "GetPINFromUser: Enter PIN action NOT allowed"), answer == 1);
     }
     EXPECT_EQ(m_boxes.Calls().size(), 4U);
     FreeGetPinBuffer(nullptr, 0);
@@ -265,17 +268,17 @@ TEST_F(EnterPin, MissingTemplateIsACancelledRequest) {
 TEST_F(EnterPin, PromptReplacesTheText) {
     const auto textOfPrompt = [](const char* pszPrompt) {
         SetPinPromptString(pszPrompt);
-        std::string strText;
+        std::string text;
         PinRequest().Ask([&](Dialog& d) {
-            strText = d.Text(IDC_ENTER_PIN_PROMPT);
+            text = d.Text(IDC_ENTER_PIN_PROMPT);
             d.Escape();
         });
-        return strText;
+        return text;
     };
-    const std::string strStandard = textOfPrompt(nullptr);
-    EXPECT_FALSE(strStandard.empty());
+    const std::string standard = textOfPrompt(nullptr);
+    EXPECT_FALSE(standard.empty());
     EXPECT_EQ(textOfPrompt("PIN of the payroll card, please"), "PIN of the payroll card, please");
-    EXPECT_EQ(textOfPrompt(nullptr), strStandard);
+    EXPECT_EQ(textOfPrompt(nullptr), standard);
 }
 
 TEST_F(EnterPin, ManyRequestsKeepNothing) {
@@ -295,13 +298,14 @@ class ForeignParent {
 public:
     ForeignParent() {
         std::promise<HWND> made;
-        auto hWnd = made.get_future();
+        auto window = made.get_future();
         m_thread = std::thread([made = std::move(made)]() mutable {
             made.set_value(MakeParent());
-            for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;)
+            for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
                 DispatchMessageA(&message);
+            }
         });
-        m_hWnd = hWnd.get();
+        m_hWnd = window.get();
         m_dwThread = GetWindowThreadProcessId(m_hWnd, nullptr);
     }
     ForeignParent(const ForeignParent&) = delete;
@@ -320,27 +324,27 @@ private:
 
 TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
     const ForeignParent foreign;
-    const HWND hOwn = MakeParent();
-    for (const HWND hParent : {hOwn, foreign.Handle()}) {
+    const HWND own = MakeParent();
+    for (const HWND parent : {own, foreign.Handle()}) {
         for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
-            const std::string strOutcome = PinRequest{.hParent = hParent}.Ask([&](Dialog& d) {
-                EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), hParent);
-                EXPECT_FALSE(IsWindowEnabled(hParent));
+            const std::string outcome = PinRequest{.hParent = parent}.Ask([&](Dialog& d) {
+                EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), parent);
+                EXPECT_FALSE(IsWindowEnabled(parent));
                 d.Type(IDC_ENTER_PIN_EDIT, "1234");
                 d.Press(key);
             });
-            EXPECT_EQ(strOutcome, key == VK_RETURN ? "1234" : kRefused);
-            EXPECT_TRUE(IsWindowEnabled(hParent));
+            EXPECT_EQ(outcome, key == VK_RETURN ? "1234" : kRefused);
+            EXPECT_TRUE(IsWindowEnabled(parent));
         }
     }
-    DestroyWindow(hOwn);
+    DestroyWindow(own);
 }
 
 // The system destroys owned windows of the same thread only; the dialog of another goes on without.
 TEST_F(EnterPin, ParentMayGoMeanwhile) {
-    const HWND hOwn = MakeParent();
-    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(hOwn); }); };
-    EXPECT_EQ(PinRequest{.hParent = hOwn}.Ask(destroyOwn), kRefused);
+    const HWND own = MakeParent();
+    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(own); }); };
+    EXPECT_EQ(PinRequest{.hParent = own}.Ask(destroyOwn), kRefused);
     const ForeignParent foreign;
     const auto destroyForeign = [&](Dialog& d) {
         SendMessageA(foreign.Handle(), WM_CLOSE, 0, 0);
@@ -355,24 +359,26 @@ HWND g_hRefused = nullptr;
 // Lets no window be created over g_hRefused.
 LRESULT CALLBACK RefuseOwner(int nCode, WPARAM wParam, LPARAM lParam) {
     if (nCode == HCBT_CREATEWND &&
-        reinterpret_cast<const CBT_CREATEWNDA*>(lParam)->lpcs->hwndParent == g_hRefused)
+        reinterpret_cast<const CBT_CREATEWNDA*>(lParam)->lpcs->hwndParent == g_hRefused) {
         return 1;
+    }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
 
 // The dialog opens without it, and it stays disabled: it is in no state to be used.
 TEST_F(EnterPin, ParentOfNoUseIsDoneWithout) {
-    for (const bool bExists : {false, true}) {
+    for (const bool exists : {false, true}) {
         m_log.Clear();
         g_hRefused = MakeParent();
-        if (!bExists)
+        if (!exists) {
             DestroyWindow(g_hRefused);
-        HHOOK hHook = SetWindowsHookExA(WH_CBT, &RefuseOwner, nullptr, GetCurrentThreadId());
+        }
+        HHOOK hook = SetWindowsHookExA(WH_CBT, &RefuseOwner, nullptr, GetCurrentThreadId());
         PinRequest{.hParent = g_hRefused}.Ask([](Dialog& d) {
             EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), nullptr);
             d.Escape();
         });
-        UnhookWindowsHookEx(hHook);
+        UnhookWindowsHookEx(hook);
         EXPECT_TRUE(m_log.Contains(
             2, "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL"));
         EXPECT_FALSE(IsWindowEnabled(g_hRefused));

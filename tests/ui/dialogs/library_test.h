@@ -27,8 +27,9 @@ public:
     // Speaks a language of the build, "en" or "fr", or the one beside the tests. The library looks
     // below the current directory, which is the tests' own at first.
     explicit AttachedLibrary(const std::string& strLanguage = {}) {
-        if (!strLanguage.empty())
+        if (!strLanguage.empty()) {
             std::filesystem::current_path(m_folder / ".." / "bin" / strLanguage);
+        }
         EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr)));
     }
     AttachedLibrary(const AttachedLibrary&) = delete;
@@ -48,20 +49,20 @@ protected:
     // The log as one text: "Name{", what it did, "} " for a scope that was left under its name;
     // "level text; " for any other line.
     std::string LogShape() const {
-        std::string strShape;
+        std::string shape;
         std::vector<std::string> open;
-        for (const auto& [strTag, nLevel, strText] : m_log.Lines()) {
-            if (nLevel == 8) {
-                open.push_back(strText);
-                strShape += strText + "{";
-            } else if (nLevel == 16 && !open.empty() && open.back() == strText) {
+        for (const auto& [tag, level, text] : m_log.Lines()) {
+            if (level == 8) {
+                open.push_back(text);
+                shape += text + "{";
+            } else if (level == 16 && !open.empty() && open.back() == text) {
                 open.pop_back();
-                strShape += "} ";
+                shape += "} ";
             } else {
-                strShape += std::to_string(nLevel) + " " + strText + "; ";
+                shape += std::to_string(level) + " " + text + "; ";
             }
         }
-        return strShape;
+        return shape;
     }
 
     AttachedLibrary m_library;
@@ -71,16 +72,17 @@ protected:
 };
 
 // A host's window with an OK button at its left.
-class CHost : public CWnd {
+class HostWindow : public CWnd {
 public:
-    CHost() {
+    HostWindow() {
         CreateEx(WS_EX_CONTROLPARENT, "STATIC", "host", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 30,
                  40, 900, 500, nullptr, nullptr);
         m_ok.CreateEx(0, "BUTTON", "OK", WS_CHILD | WS_VISIBLE, 5, 5, 90, 30, m_hWnd, nullptr);
     }
-    ~CHost() override {
-        if (m_hWnd != nullptr)
+    ~HostWindow() override {
+        if (m_hWnd != nullptr) {
             DestroyWindow();
+        }
     }
 
     CButton m_ok;
@@ -88,16 +90,17 @@ public:
 
 // A dialog over a template that lacks a control; 0: whose resource module goes while it opens.
 template <class Base>
-class CIncomplete : public Base {
+class Incomplete : public Base {
 public:
     template <class... Args>
-    explicit CIncomplete(int nMissing, Args... args) : Base(args...), m_nMissing(nMissing) {}
+    explicit Incomplete(int nMissing, Args... args) : Base(args...), m_nMissing(nMissing) {}
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override {
         ::DestroyWindow(::GetDlgItem(this->m_hWnd, m_nMissing));
-        if (m_nMissing == 0)
+        if (m_nMissing == 0) {
             FreeResourceModule();
+        }
         Base::DoDataExchange(pDX);
     }
 

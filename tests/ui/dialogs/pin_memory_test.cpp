@@ -61,8 +61,9 @@ class Scrubbing : public testing::Test {
 protected:
     ~Scrubbing() override { DestroyWindow(m_hEdit); }
     void Type() {
-        for (size_t i = 0; i < Secret::size(); ++i)
+        for (size_t i = 0; i < Secret::size(); ++i) {
             SendMessageA(m_hEdit, WM_CHAR, static_cast<unsigned char>(m_pin[i]), 1);
+        }
     }
 
     Secret m_pin;
@@ -73,15 +74,16 @@ protected:
 TEST_F(Scrubbing, LeavesNothingInTheEdit) {
     // The control's blocks lie on a heap; a stack keeps what it likes of the typing.
     const auto hits = [&] {
-        return std::ranges::count(ScanOwnMemory(m_pin), MemoryHit::Place::kHeap, &MemoryHit::place);
+        return std::ranges::count(ScanOwnMemory(m_pin), MemoryHit::Place::Heap, &MemoryHit::place);
     };
     PrepareEditForSecret(m_hEdit);
     EXPECT_EQ(GetWindowTextLengthA(m_hEdit), 0);
     Type();
     EXPECT_EQ(hits(), 1) << "the text has not moved";
     // One by one, which is how the control comes to remember all of it.
-    for (size_t i = 0; i < Secret::size(); ++i)
+    for (size_t i = 0; i < Secret::size(); ++i) {
         SendMessageA(m_hEdit, WM_CHAR, VK_BACK, 1);
+    }
     Type();
     EXPECT_EQ(hits(), 2) << "the text, and the one that was deleted";
     ScrubEdit(m_hEdit);
@@ -96,8 +98,9 @@ TEST_F(Scrubbing, ReachesTheEndOfALongText) {
     SendMessageA(m_hEdit, EM_SETSEL, 600, 600);
     Type();
     ScrubEdit(m_hEdit);
-    for (const MemoryHit& hit : ScanOwnMemory(m_pin))
-        EXPECT_TRUE(hit.place != MemoryHit::Place::kHeap || hit.bFreed) << hit;
+    for (const MemoryHit& hit : ScanOwnMemory(m_pin)) {
+        EXPECT_TRUE(hit.place != MemoryHit::Place::Heap || hit.bFreed) << hit;
+    }
 }
 
 }  // namespace

@@ -54,15 +54,16 @@ struct PinRequest {
     bool IsUntouched() const { return pPin == kUntouchedBuffer && cbPin == kUntouchedLength; }
     // The PIN, or kRefused; gives back what was handed out.
     std::string Outcome(std::uint32_t dwResult) {
-        const bool bUntouched = IsUntouched();
-        std::string strOutcome = kRefused;
-        if ((dwResult == MVPINGUI_REFUSED) != bUntouched || (cbPin == 0 && pPin != nullptr))
-            strOutcome = "neither a PIN nor refused";
-        else if (!bUntouched)
-            strOutcome.assign(pPin, cbPin);
-        FreeGetPinBuffer(bUntouched ? nullptr : std::exchange(pPin, kUntouchedBuffer),
-                         bUntouched ? 0 : std::exchange(cbPin, kUntouchedLength));
-        return strOutcome;
+        const bool untouched = IsUntouched();
+        std::string outcome = kRefused;
+        if ((dwResult == MVPINGUI_REFUSED) != untouched || (cbPin == 0 && pPin != nullptr)) {
+            outcome = "neither a PIN nor refused";
+        } else if (!untouched) {
+            outcome.assign(pPin, cbPin);
+        }
+        FreeGetPinBuffer(untouched ? nullptr : std::exchange(pPin, kUntouchedBuffer),
+                         untouched ? 0 : std::exchange(cbPin, kUntouchedLength));
+        return outcome;
     }
     template <class... Steps>
     std::string Ask(Steps&&... steps) {
@@ -95,12 +96,15 @@ struct ChangePinRequest {
         bool IsUntouched() const { return text == Marked() && cb == PinRequest::kUntouchedLength; }
         // The PIN when it ends with a zero and nothing was written behind; else why not.
         std::string Pin() const {
-            if (IsUntouched())
+            if (IsUntouched()) {
                 return "(none)";
-            if (cb >= text.size() || text.at(cb) != '\0')
+            }
+            if (cb >= text.size() || text.at(cb) != '\0') {
                 return "no terminator at " + std::to_string(cb);
-            if (!std::equal(text.begin() + cb + 1, text.end(), Marked().begin() + cb + 1))
+            }
+            if (!std::equal(text.begin() + cb + 1, text.end(), Marked().begin() + cb + 1)) {
                 return "written behind " + std::to_string(cb);
+            }
             return {text.data(), cb};
         }
 
@@ -125,8 +129,9 @@ struct ChangePinRequest {
     }
     // The current PIN, a stroke, the new one; or kRefused.
     std::string Outcome(std::uint32_t dwResult) const {
-        if (dwResult == MVPINGUI_REFUSED && oldPin.IsUntouched() && newPin.IsUntouched())
+        if (dwResult == MVPINGUI_REFUSED && oldPin.IsUntouched() && newPin.IsUntouched()) {
             return kRefused;
+        }
         return (dwResult == MVPINGUI_OK ? "" : "refused, but ") + oldPin.Pin() + "/" + newPin.Pin();
     }
     template <class... Steps>

@@ -62,8 +62,9 @@ void DeleteAndCancel(Dialog& d, const Secret& pin) {
         d.Type(IDC_ENTER_PIN_EDIT, pin);
     }
     // One by one, which is how the control comes to remember all of it.
-    for (size_t i = 0; i < Secret::size(); ++i)
+    for (size_t i = 0; i < Secret::size(); ++i) {
         d.Send(IDC_ENTER_PIN_EDIT, WM_CHAR, VK_BACK);
+    }
     d.Escape();
 }
 
@@ -101,10 +102,11 @@ constexpr PwdRuleArgs kLongPins = {0, 0, 1, 1, 4, 64, 0};
 
 // The function's result. The caller's own copies are the caller's affair.
 std::uint32_t CallAndWipe(ChangePinRequest&& request) {
-    const std::uint32_t dwResult = request.CallAlone();
-    for (ChangePinRequest::Output* pOutput : {&request.newPin, &request.oldPin})
-        SecureZeroMemory(pOutput->text.data(), pOutput->text.size());
-    return dwResult;
+    const std::uint32_t result = request.CallAlone();
+    for (ChangePinRequest::Output* output : {&request.newPin, &request.oldPin}) {
+        SecureZeroMemory(output->text.data(), output->text.size());
+    }
+    return result;
 }
 
 TEST(Wiping, AfterAChangeOfThePin) {
@@ -147,10 +149,12 @@ TEST(Wiping, AfterAnEmbeddedPanel) {
         host.CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 500, 400, nullptr, nullptr);
         CChangePINDialog panel(0, 0, true, nullptr, &kLongPins, nullptr, &host, 15, 0, 6);
         ASSERT_NE(panel.LocCreate(&host), 0);
-        for (const auto& [nId, pPin] :
-             {std::pair{kCurrent, &currentPin}, {kNew, &newPin}, {kConfirm, &newPin}})
-            for (size_t i = 0; i < Secret::size(); ++i)
-                SendDlgItemMessageA(panel.m_hWnd, nId, WM_CHAR, static_cast<WPARAM>((*pPin)[i]), 1);
+        for (const auto& [id, pin] :
+             {std::pair{kCurrent, &currentPin}, {kNew, &newPin}, {kConfirm, &newPin}}) {
+            for (size_t i = 0; i < Secret::size(); ++i) {
+                SendDlgItemMessageA(panel.m_hWnd, id, WM_CHAR, static_cast<WPARAM>((*pin)[i]), 1);
+            }
+        }
         EXPECT_EQ(CallAndWipe({.hHost = host.m_hWnd}), MVPINGUI_OK);
         host.DestroyWindow();
     }

@@ -40,9 +40,9 @@ struct Attached {
     ~Attached() { DetachLibrary(); }
 };
 
-class CProbeDialog : public CBaseDialog {
+class ProbeDialog : public CBaseDialog {
 public:
-    explicit CProbeDialog(UINT nTemplate) : CBaseDialog(nTemplate, 0, nullptr, nullptr) {}
+    explicit ProbeDialog(UINT nTemplate) : CBaseDialog(nTemplate, 0, nullptr, nullptr) {}
     using CBaseDialog::CreateFromResourceModule;
 };
 
@@ -105,7 +105,7 @@ void Attach::ExpectModuleIsMissed(const std::string& strTried) {
     EXPECT_FALSE(LoadResourceString(1, text));
     EXPECT_EQ(std::string(text), "before");
     EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
-    EXPECT_EQ(CProbeDialog(1).DoModal(), -1);
+    EXPECT_EQ(ProbeDialog(1).DoModal(), -1);
     EXPECT_TRUE(m_log.Lines().empty()) << "the cause stands at the attach: " << m_log.Dump();
 }
 
@@ -128,11 +128,11 @@ void Attach::ExpectPlantedResources() {
     const Attached library;
     EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
     EXPECT_STREQ(GetErrorString(1), "planted text");
-    const HICON hIcon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
-    EXPECT_NE(hIcon, nullptr);
-    EXPECT_EQ(LoadResourceIcon(IDI_RULE_SATISFIED, 16), hIcon);
-    EXPECT_NE(LoadResourceIcon(IDI_RULE_SATISFIED, 32), hIcon);
-    CProbeDialog dialog(IDD_ENTER_PIN);
+    const HICON icon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
+    EXPECT_NE(icon, nullptr);
+    EXPECT_EQ(LoadResourceIcon(IDI_RULE_SATISFIED, 16), icon);
+    EXPECT_NE(LoadResourceIcon(IDI_RULE_SATISFIED, 32), icon);
+    ProbeDialog dialog(IDD_ENTER_PIN);
     EXPECT_TRUE(dialog.CreateFromResourceModule(nullptr));
     EXPECT_NE(dialog.SendDlgItemMessage(IDC_ENTER_PIN_BANNER, STM_GETIMAGE, IMAGE_BITMAP), 0);
     dialog.DestroyWindow();
@@ -143,12 +143,13 @@ void Attach::ExpectPlantedResources() {
     EXPECT_EQ(std::string(text), "before");
     EXPECT_STREQ(GetErrorString(2), "");
     EXPECT_EQ(LoadResourceIcon(IDI_CARD_PIN, 16), nullptr);
-    EXPECT_EQ(CProbeDialog(IDD_POLICIES).DoModal(), -1);
-    EXPECT_FALSE(CProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
+    EXPECT_EQ(ProbeDialog(IDD_POLICIES).DoModal(), -1);
+    EXPECT_FALSE(ProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
     std::vector<std::string> expected;
-    for (const char* pszMissing : {"String 3073", "String 3060", "Icon 3012",
-                                   "Dialog template 3011", "Dialog template 3002"})
-        expected.push_back(std::string(pszMissing) + " is missing from the resource module");
+    for (const char* missing : {"String 3073", "String 3060", "Icon 3012", "Dialog template 3011",
+                                "Dialog template 3002"}) {
+        expected.push_back(std::string(missing) + " is missing from the resource module");
+    }
     EXPECT_EQ(m_log.Texts(1), expected) << m_log.Dump();
 }
 
@@ -178,8 +179,9 @@ TEST_F(Attach, KeepsItsOrder) {
         const CurrentDirectory directory;
         RecordLogTo(
             [](void*, const char*, int, const char* pszText) {
-                if (std::string_view(pszText) != "ReadInstallPath begins")
+                if (std::string_view(pszText) != "ReadInstallPath begins") {
                     return;
+                }
                 steps = IsProgressBarClassKnown() ? "class " : "";
                 steps += ResourceModule() != nullptr ? "module " : "";
             },
@@ -201,8 +203,8 @@ TEST_F(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
             return nMessage == WM_APP ? throw 1 : CWnd::WindowProc(nMessage, wParam, lParam);
         }
     };
-    static int nTold = 0;
-    const AFX_EXCEPTION_REPORTER pfnOld = AfxSetExceptionReporter([](UINT) { ++nTold; });
+    static int told = 0;
+    const AFX_EXCEPTION_REPORTER oldFunction = AfxSetExceptionReporter([](UINT) { ++told; });
     Throwing window;
     window.SubclassWindow(
         CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
@@ -213,14 +215,14 @@ TEST_F(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     SendMessageA(window.m_hWnd, WM_APP, 0, 0);
     EXPECT_EQ(m_log.Texts(1),
               std::vector<std::string>{"Exception in the handler of message 0x8000"});
-    EXPECT_EQ(nTold, 2);
+    EXPECT_EQ(told, 2);
     // One that was set after the library's stays when the library goes.
-    const AFX_EXCEPTION_REPORTER pfnLater = [](UINT) {};
+    const AFX_EXCEPTION_REPORTER laterFunction = [](UINT) {};
     {
         const Attached library;
-        AfxSetExceptionReporter(pfnLater);
+        AfxSetExceptionReporter(laterFunction);
     }
-    EXPECT_EQ(AfxSetExceptionReporter(pfnOld), pfnLater);
+    EXPECT_EQ(AfxSetExceptionReporter(oldFunction), laterFunction);
     window.DestroyWindow();
 }
 

@@ -35,8 +35,9 @@ TEST(ErrorText, IsEmptyBeforeTheFirstTextAndOtherCodesLeaveTheLast) {
     EXPECT_EQ(GetErrorString(11), StringOfModule(3071));
     EXPECT_EQ(GetErrorString(12), StringOfModule(3069));
     EXPECT_EQ(GetErrorString(14), StringOfModule(3070));
-    for (const int code : {0, -1, 15, 1 << 30})
+    for (const int code : {0, -1, 15, 1 << 30}) {
         EXPECT_EQ(GetErrorString(code), StringOfModule(3070)) << code;
+    }
 }
 
 TEST(HostResources, AreFoundAfterInit) {
@@ -45,16 +46,15 @@ TEST(HostResources, AreFoundAfterInit) {
     InitGUIDll();
     EXPECT_TRUE(text.LoadString(IDS_LAST_PIN_TRY));
     EXPECT_EQ(std::string(text), StringOfModule(3073));
-    LPCSTR pszDialog = MAKEINTRESOURCEA(IDD_ENTER_PIN);
-    EXPECT_NE(FindResourceA(AfxFindResourceHandle(pszDialog, RT_DIALOG), pszDialog, RT_DIALOG),
-              nullptr);
+    LPCSTR dialog = MAKEINTRESOURCEA(IDD_ENTER_PIN);
+    EXPECT_NE(FindResourceA(AfxFindResourceHandle(dialog, RT_DIALOG), dialog, RT_DIALOG), nullptr);
 }
 
 TEST(LastTry, AsksWithTheTextAndTheReader) {
-    for (const int nAnswer : {1, 0, 2}) {
+    for (const int answer : {1, 0, 2}) {
         MessageBoxRecorder boxes;
-        boxes.SetAnswer(nAnswer);
-        EXPECT_EQ(DisplayLastPINTry("Reader A"), nAnswer == 1 ? MVPINGUI_OK : MVPINGUI_REFUSED);
+        boxes.SetAnswer(answer);
+        EXPECT_EQ(DisplayLastPINTry("Reader A"), answer == 1 ? MVPINGUI_OK : MVPINGUI_REFUSED);
         ASSERT_EQ(boxes.Calls().size(), 1U);
         const MessageBoxCall& call = boxes.Calls()[0];
         EXPECT_TRUE(call.bWithParentAndReader);
@@ -69,14 +69,15 @@ TEST(LastTry, AsksWithTheTextAndTheReader) {
 
 TEST(PinBuffer, IsZeroedBeforeItIsFreed) {
     constexpr std::size_t kSize = 4096;
-    auto* pBuffer = static_cast<char*>(std::malloc(kSize));
-    std::fill_n(pBuffer, kSize, 'S');
+    auto* buffer = static_cast<char*>(std::malloc(kSize));
+    std::fill_n(buffer, kSize, 'S');
     std::optional<std::size_t> dirty;
     const FreedBlocks freed({"mvpingui.dll"}, [&](const void* p, std::size_t nBytes) {
-        if (p == pBuffer)
+        if (p == buffer) {
             dirty = DirtyBytes(p, nBytes);
+        }
     });
-    FreeGetPinBuffer(pBuffer, kSize);
+    FreeGetPinBuffer(buffer, kSize);
     EXPECT_EQ(dirty, 0U);
 }
 

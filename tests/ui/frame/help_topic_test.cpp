@@ -50,13 +50,13 @@ TEST_F(HelpTopic, ShowsTheConfiguredFileAtTheTopicAndTellsWhenItIsNotThere) {
         {'"' + kThere + '"', '"' + kThere + '"'},
         {R"(%SystemRoot%\win.ini)", R"(%SystemRoot%\win.ini)"},
     };
-    for (const auto& [strPath, strMissing] : cases) {
+    for (const auto& [path, missing] : cases) {
         m_log.Clear();
         s_calls.clear();
-        m_hive.SetString(kKey, kValue, strPath);
+        m_hive.SetString(kKey, kValue, path);
         DoDisplayTopic(1015);
-        EXPECT_EQ(s_calls, Texts{"1015 " + strPath});
-        EXPECT_EQ(m_log.Texts(1), strMissing.empty() ? Texts{} : Texts{kNoSuchFile + strMissing});
+        EXPECT_EQ(s_calls, Texts{"1015 " + path});
+        EXPECT_EQ(m_log.Texts(1), missing.empty() ? Texts{} : Texts{kNoSuchFile + missing});
         EXPECT_TRUE(m_log.Contains(8, "DoDisplayTopic"));
         EXPECT_TRUE(m_log.Contains(2, "Displaying topic 1015"));
         EXPECT_TRUE(m_log.Contains(16, "DoDisplayTopic"));

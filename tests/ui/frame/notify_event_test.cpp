@@ -48,8 +48,9 @@ public:
 
 private:
     static LRESULT CALLBACK Proc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
-        if (message != WM_COPYDATA)
+        if (message != WM_COPYDATA) {
             return DefWindowProcA(hWnd, message, wParam, lParam);
+        }
         const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
         s_strNotice = std::to_string(record.dwData) + " " + std::to_string(wParam) + " " +
                       std::to_string(record.cbData) + " " + static_cast<const char*>(record.lpData);
@@ -98,9 +99,9 @@ public:
     }
     void Go() const { SetEvent(m_go.get()); }
     std::string Notice() {
-        const std::string strOutput = m_child.Wait().strOutput;
-        const std::size_t nStart = strOutput.rfind("\n[7") + 2;
-        return strOutput.substr(nStart, strOutput.find(']', nStart) - nStart);
+        const std::string output = m_child.Wait().strOutput;
+        const std::size_t start = output.rfind("\n[7") + 2;
+        return output.substr(start, output.find(']', start) - start);
     }
 
 private:
@@ -123,10 +124,10 @@ TEST(NotifyEventTest, ReachesBothReceiversWithEverything) {
     NotifyEvent(kEventCardUnlocked, "Reader \xE9", Sender());
     EXPECT_EQ(tray.Notice(), "78946 4711 9 Reader \xE9");
     EXPECT_EQ(console.Notice(), "78946 4711 9 Reader \xE9");
-    const std::string strPosting =
+    const std::string posting =
         "NotifyEvent: Posting registered window message: 78946, on reader Reader \xE9 to the ";
-    EXPECT_TRUE(log.Contains(0, strPosting + "Smart Card Agent")) << log.Dump();
-    EXPECT_TRUE(log.Contains(0, strPosting + "User Console")) << log.Dump();
+    EXPECT_TRUE(log.Contains(0, posting + "Smart Card Agent")) << log.Dump();
+    EXPECT_TRUE(log.Contains(0, posting + "User Console")) << log.Dump();
 }
 
 TEST(NotifyEventTest, DISABLED_Sends) {
@@ -149,24 +150,24 @@ std::atomic<UINT> g_nPatience = 0;     // of a delivery, as it was asked for
 
 LRESULT WINAPI Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam, UINT nFlags,
                     UINT nTimeout, PDWORD_PTR pResult) {
-    static const auto pSend = FindFunction<decltype(&SendMessageTimeoutA)>(
+    static const auto send = FindFunction<decltype(&SendMessageTimeoutA)>(
         GetModuleHandleA("user32.dll"), "SendMessageTimeoutA");
     if (message == WM_COPYDATA) {
         g_nPatience = std::exchange(nTimeout, 60'000);
         // A call that does not wait for the sending returns now.
         g_nEarlyReturns += WaitForSingleObject(g_returned.get(), 200) == WAIT_OBJECT_0;
     }
-    const LRESULT sent = pSend(hWnd, message, wParam, lParam, nFlags, nTimeout, pResult);
+    const LRESULT sent = send(hWnd, message, wParam, lParam, nFlags, nTimeout, pResult);
     g_nTimeouts += sent == 0 && GetCurrentThreadId() == g_nCaller;
     return sent;
 }
 
 DWORD WINAPI Wait(HANDLE hObject, DWORD nTimeout) {
-    static const auto pWait = FindFunction<decltype(&WaitForSingleObject)>(
+    static const auto wait = FindFunction<decltype(&WaitForSingleObject)>(
         GetModuleHandleA("kernel32.dll"), "WaitForSingleObject");
-    const DWORD nResult = pWait(hObject, nTimeout);
-    g_nTimeouts += nResult == WAIT_TIMEOUT && GetCurrentThreadId() == g_nCaller;
-    return nResult;
+    const DWORD result = wait(hObject, nTimeout);
+    g_nTimeouts += result == WAIT_TIMEOUT && GetCurrentThreadId() == g_nCaller;
+    return result;
 }
 
 TEST(NotifyEventTest, HangingReceiverDelaysNobody) {
@@ -196,12 +197,12 @@ TEST(NotifyEventTest, ReachesAWindowOfTheCallersOwnThread) {
     const NoticeWindow window(kTray);
     const std::pair<const char*, std::string> cases[] = {{"Reader D", "78945 4711 9 Reader D"},
                                                          {nullptr, "78945 4711 1 "}};
-    for (const auto& [pszReader, strNotice] : cases) {
+    for (const auto& [reader, notice] : cases) {
         NoticeWindow::s_strNotice.clear();
-        NotifyEvent(kEventUnlockCodeShown, pszReader, Sender());
+        NotifyEvent(kEventUnlockCodeShown, reader, Sender());
         EXPECT_EQ(NoticeWindow::s_strNotice, "");
         ExpectNotice();
-        EXPECT_EQ(NoticeWindow::s_strNotice, strNotice);
+        EXPECT_EQ(NoticeWindow::s_strNotice, notice);
     }
 }
 

@@ -29,19 +29,22 @@ protected:
         m_hive.SetString(kKey, "Empty", "");
         m_hive.SetRaw(kKey, "Binary", REG_BINARY, std::string(4, '\1'));
         m_hive.SetRaw(kKey, "LongNumber", REG_DWORD, std::string(8, '\7'));
-        for (const std::size_t size : {258U, 259U, 260U, 599U})
+        for (const std::size_t size : {258U, 259U, 260U, 599U}) {
             m_hive.SetString(kKey, "Text" + std::to_string(size), std::string(size, 'x'));
-        for (const std::size_t size : {259U, 260U, 261U})
+        }
+        for (const std::size_t size : {259U, 260U, 261U}) {
             m_hive.SetUnterminated(kKey, "Open" + std::to_string(size), std::string(size, 'y'));
+        }
     }
 
     // The lines of level 1 since the last call, in one text; the test's keys are cut out of them.
     std::string Errors() {
         std::string all;
         for (std::string text : m_log.Texts(1)) {
-            for (const std::string& strKey : {std::string(kKey), kUnreadable}) {
-                if (const std::size_t nAt = text.find(strKey); nAt != std::string::npos)
-                    text.erase(nAt, strKey.size() + 1);
+            for (const std::string& key : {std::string(kKey), kUnreadable}) {
+                if (const std::size_t at = text.find(key); at != std::string::npos) {
+                    text.erase(at, key.size() + 1);
+                }
             }
             all += (all.empty() ? "" : "|") + text;
         }
@@ -77,17 +80,17 @@ TEST_F(RegistryReaders, NumbersAreReadOrDefaulted) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.pszErrors);
-        const bool bRead = *c.pszErrors == '\0';
-        const std::string strResult = bRead ? "0" : "-1";
-        const std::string strValue = c.pszValue != nullptr ? c.pszValue : "";
+        const bool read = *c.pszErrors == '\0';
+        const std::string result = read ? "0" : "-1";
+        const std::string value = c.pszValue != nullptr ? c.pszValue : "";
         // What lies behind the value must not be touched, whatever the registry holds.
         std::array<DWORD, 2> out = {7, 0x5A5A5A5A};
         EXPECT_EQ(readDWORDFromRegistry_sz(c.pszKey, c.pszValue, out.data(), kDefault),
-                  bRead ? 0 : -1);
-        EXPECT_EQ(out[0], bRead ? 42 : kDefault);
+                  read ? 0 : -1);
+        EXPECT_EQ(out[0], read ? 42 : kDefault);
         EXPECT_EQ(out[1], 0x5A5A5A5AU);
-        EXPECT_EQ(m_log.Texts(8), Texts{"readDWORDFromRegistry_sz (Key=" + strValue + ")"});
-        EXPECT_EQ(m_log.Texts(16), Texts{"readDWORDFromRegistry_sz (" + strResult + ")"});
+        EXPECT_EQ(m_log.Texts(8), Texts{"readDWORDFromRegistry_sz (Key=" + value + ")"});
+        EXPECT_EQ(m_log.Texts(16), Texts{"readDWORDFromRegistry_sz (" + result + ")"});
         EXPECT_EQ(Errors(), c.pszErrors);
     }
     EXPECT_EQ(readDWORDFromRegistry_sz(kKey, "Number", nullptr, 0), -1);
@@ -122,12 +125,12 @@ TEST_F(RegistryReaders, TextsAreReadOrLeft) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.pszValue);
-        const std::string strResult = c.strErrors.empty() ? "0" : "-1";
+        const std::string result = c.strErrors.empty() ? "0" : "-1";
         CString out("before");
-        EXPECT_EQ(std::to_string(readStringFromRegistry_sz(c.pszKey, c.pszValue, &out)), strResult);
+        EXPECT_EQ(std::to_string(readStringFromRegistry_sz(c.pszKey, c.pszValue, &out)), result);
         EXPECT_EQ(std::string(out), c.strExpected);
         EXPECT_EQ(m_log.Texts(8), Texts{"readStringFromRegistry_sz"});
-        EXPECT_EQ(m_log.Texts(16), Texts{"readStringFromRegistry_sz ! " + strResult});
+        EXPECT_EQ(m_log.Texts(16), Texts{"readStringFromRegistry_sz ! " + result});
         EXPECT_EQ(Errors(), c.strErrors);
     }
     EXPECT_EQ(readStringFromRegistry_sz(kKey, "Text", nullptr), 0);

@@ -16,7 +16,7 @@ constexpr RECT kPlace = {5, 5, 205, 105};
 
 class ControlsTest : public testing::Test {
 protected:
-    CHostWnd m_host;
+    HostWnd m_host;
 };
 
 TEST_F(ControlsTest, ListKeepsRowsColumnsAndImages) {
@@ -41,16 +41,16 @@ TEST_F(ControlsTest, ListKeepsRowsColumnsAndImages) {
     EXPECT_EQ(list.InsertItem(1, "Bob", 1), 1);
     EXPECT_TRUE(list.SetItemText(1, 1, "05/06/24"));
     LVITEMA item = {};
-    char szText[20] = "";
+    char text[20] = "";
     item.mask = LVIF_IMAGE | LVIF_TEXT;
     item.iItem = 1;
-    item.pszText = szText;
-    item.cchTextMax = sizeof(szText);
+    item.pszText = text;
+    item.cchTextMax = sizeof(text);
     EXPECT_TRUE(ListView_GetItem(list, &item));
     EXPECT_EQ(item.iImage, 1);
-    EXPECT_STREQ(szText, "Bob");
-    ListView_GetItemText(list, 1, 1, szText, static_cast<int>(sizeof(szText)));
-    EXPECT_STREQ(szText, "05/06/24");
+    EXPECT_STREQ(text, "Bob");
+    ListView_GetItemText(list, 1, 1, text, static_cast<int>(sizeof(text)));
+    EXPECT_STREQ(text, "05/06/24");
 }
 
 TEST_F(ControlsTest, EditSelectsAndFollowsASpinButton) {
@@ -58,10 +58,10 @@ TEST_F(ControlsTest, EditSelectsAndFollowsASpinButton) {
     ASSERT_TRUE(edit.Create(WS_CHILD, kPlace, &m_host, 8));
     edit.SetWindowText("abcdef");
     edit.SetSel(1, 3);
-    int nStart = 0;
-    int nEnd = 0;
-    edit.GetSel(nStart, nEnd);
-    EXPECT_EQ(std::pair(nStart, nEnd), std::pair(1, 3));
+    int start = 0;
+    int end = 0;
+    edit.GetSel(start, end);
+    EXPECT_EQ(std::pair(start, end), std::pair(1, 3));
     edit.SetWindowPos(&CWnd::wndTopMost, 0, 0, 30, 40, SWP_NOMOVE);
     CRect rect;
     edit.GetWindowRect(rect);
@@ -74,8 +74,8 @@ TEST_F(ControlsTest, EditSelectsAndFollowsASpinButton) {
     EXPECT_EQ(spin.SetBuddy(&edit), &edit);
     spin.SetRange32(-3, 100000);
     CString str;
-    for (const auto& [nAsked, expected] : {std::pair{7, "7"}, {-9, "-3"}, {200000, "100000"}}) {
-        spin.SendMessage(UDM_SETPOS32, 0, nAsked);
+    for (const auto& [asked, expected] : {std::pair{7, "7"}, {-9, "-3"}, {200000, "100000"}}) {
+        spin.SendMessage(UDM_SETPOS32, 0, asked);
         edit.GetWindowText(str);
         str.Remove(',');  // between thousands
         EXPECT_STREQ(str, expected);
@@ -91,11 +91,11 @@ TEST_F(ControlsTest, SettingsReachTheControl) {
     EXPECT_EQ(edit.SendMessage(EM_GETPASSWORDCHAR), '+');
     EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 6);
     EXPECT_NE(edit.GetStyle() & ES_READONLY, 0u);
-    HICON hIcon = LoadIconA(nullptr, IDI_INFORMATION);
+    HICON icon = LoadIconA(nullptr, IDI_INFORMATION);
     CStatic picture;
     ASSERT_TRUE(picture.Create("", WS_CHILD | SS_ICON, kPlace, &m_host));
-    EXPECT_EQ(picture.SetIcon(hIcon), nullptr);
-    EXPECT_EQ(picture.SetIcon(nullptr), hIcon);
+    EXPECT_EQ(picture.SetIcon(icon), nullptr);
+    EXPECT_EQ(picture.SetIcon(nullptr), icon);
     CButton check;
     ASSERT_TRUE(check.Create("", WS_CHILD | BS_AUTO3STATE, kPlace, &m_host, 9));
     check.SetCheck(BST_INDETERMINATE);
@@ -114,20 +114,20 @@ TEST_F(ControlsTest, DrawingObjectsAreOwnedAndSelectionsGivenBack) {
         ASSERT_TRUE(bitmap.CreateCompatibleBitmap(&screen, 20, 10));
         CBitmap target;
         ASSERT_TRUE(target.CreateCompatibleBitmap(&screen, 20, 10));
-        CBitmap* pOld = memory.SelectObject(&bitmap);
-        CBitmap* pOldCopy = copy.SelectObject(&target);
+        CBitmap* old = memory.SelectObject(&bitmap);
+        CBitmap* oldCopy = copy.SelectObject(&target);
         SetPixel(memory, 6, 7, RGB(0, 255, 0));
         EXPECT_TRUE(copy.BitBlt(1, 2, 10, 8, &memory, 5, 5, SRCCOPY));
         EXPECT_EQ(GetPixel(copy, 2, 4), COLORREF{RGB(0, 255, 0)});
-        EXPECT_EQ(memory.SelectObject(pOld), &bitmap);
-        copy.SelectObject(pOldCopy);
+        EXPECT_EQ(memory.SelectObject(old), &bitmap);
+        copy.SelectObject(oldCopy);
     }
-    HGDIOBJ hBitmap = bitmap.m_hObject;
+    HGDIOBJ bitmapHandle = bitmap.m_hObject;
     EXPECT_TRUE(bitmap.Attach(CreateBitmap(1, 1, 1, 1, nullptr)));  // in place of the first
-    EXPECT_EQ(GetObjectType(hBitmap), 0u);
-    HGDIOBJ hSecond = bitmap.Detach();
-    EXPECT_EQ(GetObjectType(hSecond), DWORD{OBJ_BITMAP});
-    EXPECT_TRUE(DeleteObject(hSecond));
+    EXPECT_EQ(GetObjectType(bitmapHandle), 0u);
+    HGDIOBJ second = bitmap.Detach();
+    EXPECT_EQ(GetObjectType(second), DWORD{OBJ_BITMAP});
+    EXPECT_TRUE(DeleteObject(second));
     CRgn region;
     CRgn hole;
     EXPECT_TRUE(region.CreateRectRgn(0, 0, 10, 10) && hole.CreateRectRgn(2, 2, 4, 4));
@@ -148,9 +148,9 @@ TEST_F(ControlsTest, PointFontHasTheHeightAsked) {
     label.SetFont(&font);
     EXPECT_EQ(label.GetFont(), &font);
     const CSize small = dc.GetTextExtent("Text", 4);
-    CFont* pOld = dc.SelectObject(&font);
+    CFont* old = dc.SelectObject(&font);
     EXPECT_GT(dc.GetTextExtent(CString("Text")).cx, small.cx);
-    EXPECT_EQ(dc.SelectObject(pOld), &font);
+    EXPECT_EQ(dc.SelectObject(old), &font);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace mvp::test {
 namespace {
 
-class CDataDlg : public CFormDlg {
+class DataDlg : public FormDlg {
 public:
     CString m_strText = "Ann";
     CEdit m_edit;
@@ -18,22 +18,23 @@ public:
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override {
-        CFormDlg::DoDataExchange(pDX);
+        FormDlg::DoDataExchange(pDX);
         DDX_Control(pDX, kFormEdit, m_edit);
-        if (m_bAskMissing)
+        if (m_bAskMissing) {
             DDX_Text(pDX, 4711, m_strText);
+        }
         DDX_Text(pDX, kFormEdit, m_strText);
     }
     afx_msg void OnChange() { ++m_nChanges; }
     DECLARE_MESSAGE_MAP()
 };
 
-BEGIN_MESSAGE_MAP(CDataDlg, CFormDlg)
-    ON_EN_CHANGE(kFormEdit, &CDataDlg::OnChange)
+BEGIN_MESSAGE_MAP(DataDlg, FormDlg)
+    ON_EN_CHANGE(kFormEdit, &DataDlg::OnChange)
 END_MESSAGE_MAP()
 
 TEST(DataExchangeTest, MovesTextsBothWays) {
-    CDataDlg dlg;
+    DataDlg dlg;
     DialogDriver driver([&](Dialog& dialog) {
         EXPECT_EQ(dlg.m_nChanges, 0);  // filling the controls is no change of the user's
         EXPECT_EQ(dialog.Text(kFormEdit), "Ann");
@@ -49,7 +50,7 @@ TEST(DataExchangeTest, MovesTextsBothWays) {
 
 // One that is missing at first ends the new dialog, which the library's own dialogs are tested for.
 TEST(DataExchangeTest, MissingControlKeepsAnOpenDialog) {
-    CDataDlg dlg;
+    DataDlg dlg;
     DialogDriver driver([&](Dialog& dialog) {
         dialog.Run([&] { dlg.m_bAskMissing = true; });
         dialog.Type(kFormEdit, "abel");

@@ -38,24 +38,24 @@ protected:
         return ExpectEnd(dlg);
     }
 
-    CHostWnd m_host;
+    HostWnd m_host;
 
 private:
     INT_PTR ExpectEnd(CDialog& dlg) {
-        const INT_PTR nResult = dlg.DoModal();
+        const INT_PTR result = dlg.DoModal();
         EXPECT_EQ(dlg.m_hWnd, nullptr);
         EXPECT_TRUE(m_host.IsWindowEnabled());
-        return nResult;
+        return result;
     }
 };
 
 TEST_F(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
     m_host.SetForegroundWindow();
-    for (const int nButton : {IDOK, IDCANCEL}) {
-        CFormDlg dlg(&m_host);
-        HWND hWnd = nullptr;
+    for (const int button : {IDOK, IDCANCEL}) {
+        FormDlg dlg(&m_host);
+        HWND window = nullptr;
         dlg.m_onInit = [&] {
-            hWnd = dlg.m_hWnd;
+            window = dlg.m_hWnd;
             EXPECT_FALSE(dlg.IsWindowVisible());
             EXPECT_FALSE(m_host.IsWindowEnabled());
         };
@@ -63,13 +63,13 @@ TEST_F(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
             EXPECT_TRUE(m_host.IsWindowEnabled());
             EXPECT_FALSE(dlg.IsWindowVisible());
         };
-        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
+        const INT_PTR result = RunModal(dlg, [&](Dialog& dialog) {
             EXPECT_EQ(dialog.FocusedId(), kFormEdit);
             EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), m_host.m_hWnd);
-            dialog.Click(nButton);
+            dialog.Click(button);
         });
-        EXPECT_EQ(nResult, nButton);
-        EXPECT_FALSE(IsWindow(hWnd));
+        EXPECT_EQ(result, button);
+        EXPECT_FALSE(IsWindow(window));
         EXPECT_EQ(GetActiveWindow(), m_host.m_hWnd);
     }
 }
@@ -78,17 +78,17 @@ TEST_F(DialogTest, ChildAsParentDisablesItsTopLevelWindowWhichMayBeDisabledAlrea
     Popup popup(&m_host);
     CWnd child;
     ASSERT_TRUE(child.Create("STATIC", "", WS_VISIBLE, CRect(0, 0, 9, 9), &popup, 1));
-    for (const BOOL bEnabled : {TRUE, FALSE}) {
-        popup.EnableWindow(bEnabled);
-        CFormDlg dlg(&child);
-        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
+    for (const BOOL enabled : {TRUE, FALSE}) {
+        popup.EnableWindow(enabled);
+        FormDlg dlg(&child);
+        const INT_PTR result = RunModal(dlg, [&](Dialog& dialog) {
             EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), popup.m_hWnd);
             EXPECT_FALSE(popup.IsWindowEnabled());
             EXPECT_FALSE(m_host.IsWindowEnabled());
             dialog.Click(IDOK);
         });
-        EXPECT_EQ(nResult, IDOK);
-        EXPECT_EQ(popup.IsWindowEnabled(), bEnabled);
+        EXPECT_EQ(result, IDOK);
+        EXPECT_EQ(popup.IsWindowEnabled(), enabled);
     }
 }
 
@@ -100,13 +100,13 @@ TEST_F(DialogTest, DoesNotOpenWithoutTemplateOrParentOrWhenItEndsFirst) {
     EXPECT_EQ(RunUnseen(empty), -1);
     EXPECT_FALSE(empty.Create(54321u, &m_host));
 
-    CFormDlg dlg(&m_host);
+    FormDlg dlg(&m_host);
     dlg.m_onInit = [&] { dlg.EndDialog(77); };
     EXPECT_EQ(RunUnseen(dlg), 77);
     dlg.m_onInit = [&] { dlg.DestroyWindow(); };
     EXPECT_EQ(RunUnseen(dlg), -1);
 
-    CFormDlg orphan(CWnd::FromHandle(reinterpret_cast<HWND>(LONG_PTR{0xDEAD})));
+    FormDlg orphan(CWnd::FromHandle(reinterpret_cast<HWND>(LONG_PTR{0xDEAD})));
     EXPECT_EQ(RunUnseen(orphan), -1);
 }
 
@@ -115,12 +115,12 @@ class NestedDialogs : public testing::Test {
 protected:
     NestedDialogs() {
         m_outer.m_onButton = [this] {
-            CWnd* pTemporary = CWnd::FromHandle(GetDesktopWindow());
-            CFormDlg inner(&m_outer);
+            CWnd* temporary = CWnd::FromHandle(GetDesktopWindow());
+            FormDlg inner(&m_outer);
             inner.m_onButton = m_onInnerButton;
             m_nInner = inner.DoModal();
             // What a handler got before it opened a dialog is still good after it.
-            EXPECT_EQ(CWnd::FromHandle(GetDesktopWindow()), pTemporary);
+            EXPECT_EQ(CWnd::FromHandle(GetDesktopWindow()), temporary);
         };
     }
     // Both end, by the inner one's button.
@@ -136,8 +136,8 @@ protected:
         EXPECT_EQ(m_nInner, -1);
     }
 
-    std::unique_ptr<CHostWnd> m_pHost = std::make_unique<CHostWnd>();
-    CFormDlg m_outer{m_pHost.get()};
+    std::unique_ptr<HostWnd> m_pHost = std::make_unique<HostWnd>();
+    FormDlg m_outer{m_pHost.get()};
     std::function<void()> m_onInnerButton;
     INT_PTR m_nInner = 0;
 };
@@ -173,43 +173,43 @@ TEST_F(NestedDialogs, EndWithTheirOwner) {
 
 TEST_F(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
     Popup popup(&m_host);  // the window that the dialog disables is the popup's owner
-    auto* pDlg = new CFormDlg(&popup);
-    pDlg->m_onButton = [pDlg] { delete pDlg; };
+    auto* owned = new FormDlg(&popup);
+    owned->m_onButton = [owned] { delete owned; };
     DialogDriver driver([](Dialog& dialog) { dialog.Click(kFormButton); });
-    EXPECT_EQ(pDlg->DoModal(), -1);
+    EXPECT_EQ(owned->DoModal(), -1);
     EXPECT_TRUE(m_host.IsWindowEnabled());
 }
 
 TEST_F(DialogTest, ModelessDialogOwnsItself) {
-    struct Own final : CFormDlg {
-        explicit Own(bool& bDeleted) : m_bDeleted(bDeleted) {}
+    struct Own final : FormDlg {
+        explicit Own(bool& deleted) : m_bDeleted(deleted) {}
         ~Own() override { m_bDeleted = true; }
         void OnOK() override { DestroyWindow(); }
         void PostNcDestroy() override { delete this; }
         bool& m_bDeleted;
     };
-    bool bDeleted = false;
-    auto* pDlg = new Own(bDeleted);
-    ASSERT_TRUE(pDlg->Open(&m_host));
-    EXPECT_FALSE(pDlg->IsWindowVisible());
+    bool deleted = false;
+    auto* owned = new Own(deleted);
+    ASSERT_TRUE(owned->Open(&m_host));
+    EXPECT_FALSE(owned->IsWindowVisible());
     EXPECT_TRUE(m_host.IsWindowEnabled());
-    SendMessageA(pDlg->m_hWnd, WM_COMMAND, IDOK, 0);
-    EXPECT_TRUE(bDeleted);
+    SendMessageA(owned->m_hWnd, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(deleted);
 
-    bDeleted = false;
-    pDlg = new Own(bDeleted);
-    pDlg->m_onInit = [] { throw 1; };
-    EXPECT_FALSE(pDlg->Open(&m_host));
-    EXPECT_TRUE(bDeleted);
+    deleted = false;
+    owned = new Own(deleted);
+    owned->m_onInit = [] { throw 1; };
+    EXPECT_FALSE(owned->Open(&m_host));
+    EXPECT_TRUE(deleted);
 }
 
 TEST_F(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
-    static unsigned nReports = 0;
-    const auto pfnOld = AfxSetExceptionReporter([](UINT) { ++nReports; });
-    CFormDlg dlg(&m_host);
+    static unsigned reports = 0;
+    const auto oldFunction = AfxSetExceptionReporter([](UINT) { ++reports; });
+    FormDlg dlg(&m_host);
     dlg.m_onInit = [] { throw 1; };
     EXPECT_EQ(RunUnseen(dlg), -1);
-    EXPECT_EQ(nReports, 1u);
+    EXPECT_EQ(reports, 1u);
     dlg.m_onInit = nullptr;
     dlg.m_onPreTranslate = [](MSG* pMsg) { return pMsg->message == WM_CHAR ? throw 2 : false; };
     const Script type = [](Dialog& dialog) {
@@ -217,8 +217,8 @@ TEST_F(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
         dialog.WaitGone();
     };
     EXPECT_EQ(RunModal(dlg, type), -1);
-    EXPECT_EQ(nReports, 2u);
-    AfxSetExceptionReporter(pfnOld);
+    EXPECT_EQ(reports, 2u);
+    AfxSetExceptionReporter(oldFunction);
 }
 
 // Counts one kind of message.
@@ -233,17 +233,17 @@ struct Counting : Base {
 };
 
 TEST_F(DialogTest, TellsItsParentOfIdlenessUnlessTheStyleForbidsAndMayEndThen) {
-    for (const DWORD dwStyle : {DWORD{0}, DWORD{DS_NOIDLEMSG}}) {
-        Counting<CHostWnd, WM_ENTERIDLE> host;
-        Counting<CFormDlg, WM_KICKIDLE> dlg(&host, DialogTemplate::kPopup | dwStyle);
+    for (const DWORD style : {DWORD{0}, DWORD{DS_NOIDLEMSG}}) {
+        Counting<HostWnd, WM_ENTERIDLE> host;
+        Counting<FormDlg, WM_KICKIDLE> dlg(&host, DialogTemplate::kPopup | style);
         dlg.m_onButton = [&] { dlg.EndDialog(5); };
-        const INT_PTR nResult = RunModal(dlg, [&](Dialog& dialog) {
+        const INT_PTR result = RunModal(dlg, [&](Dialog& dialog) {
             // What is sent from now on arrives while the loop waits for what is posted.
             dialog.WaitUntil("the dialog is idle", [&] { return dlg.m_nCount > 0; });
             SendMessageA(dialog.Handle(), WM_COMMAND, kFormButton, 0);
         });
-        EXPECT_EQ(nResult, 5);
-        EXPECT_EQ(host.m_nCount > 0, dwStyle == 0);
+        EXPECT_EQ(result, 5);
+        EXPECT_EQ(host.m_nCount > 0, style == 0);
     }
 }
 
@@ -253,45 +253,48 @@ TEST_F(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
         {WM_DESTROY}, {WM_NCDESTROY}, {WM_DESTROY, WM_NCDESTROY}, {WM_NCDESTROY, WM_NCDESTROY}};
     for (int i = 0; i < 8; ++i) {
         SCOPED_TRACE(i);
-        const bool bEdit = i >= 4;
-        CFormDlg dlg(&m_host);
+        const bool toEdit = i >= 4;
+        FormDlg dlg(&m_host);
         CEdit edit;
-        HWND hWnd = nullptr;
-        int nDestroyed = 0;
+        HWND window = nullptr;
+        int destroyed = 0;
         dlg.m_onInit = [&] {
             edit.SubclassDlgItem(kFormEdit, &dlg);
-            hWnd = dlg.m_hWnd;
+            window = dlg.m_hWnd;
         };
-        dlg.m_onDestroy = [&] { ++nDestroyed; };
+        dlg.m_onDestroy = [&] { ++destroyed; };
         dlg.m_onButton = [&] {
-            HWND hEdit = edit.m_hWnd;
+            HWND editHandle = edit.m_hWnd;
             m_host.PostMessage(WM_NULL);  // the modal loop has this to do first
-            for (const UINT message : lies[i % 4])
-                SendMessageA(bEdit ? hEdit : hWnd, message, 0, 0);
+            for (const UINT message : lies[i % 4]) {
+                SendMessageA(toEdit ? editHandle : window, message, 0, 0);
+            }
             // What comes after it must not make a success of it.
-            if (!bEdit)
-                SendMessageA(hWnd, WM_COMMAND, IDOK, 0);
+            if (!toEdit) {
+                SendMessageA(window, WM_COMMAND, IDOK, 0);
+            }
         };
         EXPECT_EQ(RunModal(dlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
-        EXPECT_FALSE(IsWindow(hWnd));
+        EXPECT_FALSE(IsWindow(window));
         EXPECT_EQ(edit.m_hWnd, nullptr);
-        EXPECT_GE(nDestroyed, 1);
+        EXPECT_GE(destroyed, 1);
         ASSERT_FALSE(HasFailure());
     }
 }
 
 TEST_F(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
-    struct Stubborn : CFormDlg {
-        using CFormDlg::CFormDlg;
+    struct Stubborn : FormDlg {
+        using FormDlg::FormDlg;
         BOOL CreateModalWindow(LPCDLGTEMPLATE lpDialogTemplate, ModalParent& parent,
                                HINSTANCE hInst) override {
             EXPECT_TRUE(parent.bReenable);
             ModalParent gone = {reinterpret_cast<HWND>(LONG_PTR{0xDEAD}), FALSE};
-            if (CFormDlg::CreateModalWindow(lpDialogTemplate, gone, hInst))
+            if (FormDlg::CreateModalWindow(lpDialogTemplate, gone, hInst)) {
                 return TRUE;
+            }
             EXPECT_NE(m_nFlags & WF_CONTINUEMODAL, 0u);  // it could not be made
             parent = {nullptr, FALSE};
-            return CFormDlg::CreateModalWindow(lpDialogTemplate, parent, hInst);
+            return FormDlg::CreateModalWindow(lpDialogTemplate, parent, hInst);
         }
     };
     Stubborn dlg(&m_host);
@@ -304,10 +307,10 @@ TEST_F(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
 }
 
 TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
-    constexpr DWORD dwPlain = WS_POPUP | WS_CAPTION | DS_SETFONT;
+    constexpr DWORD plain = WS_POPUP | WS_CAPTION | DS_SETFONT;
     // Where it stands after SetWindowPos(..., nFlags) in its initialisation.
     const auto place = [&](DWORD dwStyle, const RECT& to, UINT nFlags) {
-        CFormDlg dlg(&m_host, dwStyle);
+        FormDlg dlg(&m_host, dwStyle);
         CRect rect;
         dlg.m_onInit = [&] {
             dlg.SetWindowPos(nullptr, to.left, to.top, to.right, to.bottom, nFlags | SWP_NOZORDER);
@@ -323,16 +326,16 @@ TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
         const CPoint wanted = rectHost.CenterPoint();
         return std::abs(is.x - wanted.x) <= 1 && std::abs(is.y - wanted.y) <= 1;
     };
-    EXPECT_TRUE(isCentered(place(dwPlain, {}, SWP_NOSIZE | SWP_NOMOVE)));
-    EXPECT_TRUE(isCentered(place(dwPlain, {0, 0, 50, 40}, SWP_NOMOVE)));
-    EXPECT_EQ(place(dwPlain, {}, SWP_NOSIZE).TopLeft(), CPoint(0, 0));
-    EXPECT_EQ(place(dwPlain, {5, 6, 0, 0}, SWP_NOSIZE).TopLeft(), CPoint(5, 6));
-    EXPECT_EQ(place(dwPlain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE).TopLeft(), CPoint(0, 0));
+    EXPECT_TRUE(isCentered(place(plain, {}, SWP_NOSIZE | SWP_NOMOVE)));
+    EXPECT_TRUE(isCentered(place(plain, {0, 0, 50, 40}, SWP_NOMOVE)));
+    EXPECT_EQ(place(plain, {}, SWP_NOSIZE).TopLeft(), CPoint(0, 0));
+    EXPECT_EQ(place(plain, {5, 6, 0, 0}, SWP_NOSIZE).TopLeft(), CPoint(5, 6));
+    EXPECT_EQ(place(plain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE).TopLeft(), CPoint(0, 0));
 }
 
 TEST_F(DialogTest, ThousandDialogsLeaveNothing) {
     ExpectRoundsKeepNothing(20, 1000, [this](int) {
-        CFormDlg dlg(&m_host);
+        FormDlg dlg(&m_host);
         CWnd edit;
         dlg.m_onInit = [&] {
             edit.SubclassDlgItem(kFormEdit, &dlg);

@@ -4,12 +4,12 @@
 
 namespace mvp::test {
 
-BEGIN_MESSAGE_MAP(CFormDlg, CDialog)
-    ON_BN_CLICKED(kFormButton, &CFormDlg::OnButton)
+BEGIN_MESSAGE_MAP(FormDlg, CDialog)
+    ON_BN_CLICKED(kFormButton, &FormDlg::OnButton)
     ON_WM_DESTROY()
 END_MESSAGE_MAP()
 
-CFormDlg::CFormDlg(CWnd* pParent, DWORD dwStyle) : m_template("Form", {0, 0, 180, 60}, dwStyle) {
+FormDlg::FormDlg(CWnd* pParent, DWORD dwStyle) : m_template("Form", {0, 0, 180, 60}, dwStyle) {
     m_template.Add("EDIT", kFormEdit, "", {7, 7, 100, 14}, WS_BORDER | WS_TABSTOP)
         .Add("BUTTON", kFormButton, "&Go", {120, 7, 50, 14}, WS_TABSTOP)
         .Add("BUTTON", IDOK, "OK", {7, 40, 50, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP)
@@ -17,30 +17,33 @@ CFormDlg::CFormDlg(CWnd* pParent, DWORD dwStyle) : m_template("Form", {0, 0, 180
     InitModalIndirect(m_template.Get(), pParent);
 }
 
-BOOL CFormDlg::OnInitDialog() {
-    const BOOL bSetFocus = CDialog::OnInitDialog();
-    if (m_onInit)
+BOOL FormDlg::OnInitDialog() {
+    const BOOL setFocus = CDialog::OnInitDialog();
+    if (m_onInit) {
         m_onInit();
-    return bSetFocus;
+    }
+    return setFocus;
 }
 
-void CFormDlg::OnButton() {
+void FormDlg::OnButton() {
     // The dialog, and the function object in it, may go meanwhile.
-    if (const auto onButton = m_onButton)
+    if (const auto onButton = m_onButton) {
         onButton();
+    }
 }
 
-void CFormDlg::OnDestroy() {
-    if (m_onDestroy)
+void FormDlg::OnDestroy() {
+    if (m_onDestroy) {
         m_onDestroy();
+    }
     CDialog::OnDestroy();
 }
 
-BOOL CFormDlg::PreTranslateMessage(MSG* pMsg) {
+BOOL FormDlg::PreTranslateMessage(MSG* pMsg) {
     return (m_onPreTranslate && m_onPreTranslate(pMsg)) || CDialog::PreTranslateMessage(pMsg);
 }
 
-CHostWnd::CHostWnd() {
+HostWnd::HostWnd() {
     CreateEx(0, nullptr, "host", WS_POPUP | WS_CAPTION | WS_VISIBLE, 100, 100, 700, 600, nullptr,
              nullptr);
 }

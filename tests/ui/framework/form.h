@@ -13,9 +13,9 @@ namespace mvp::test {
 constexpr int kFormEdit = 1001;
 constexpr int kFormButton = 1002;
 
-class CFormDlg : public CDialog {
+class FormDlg : public CDialog {
 public:
-    explicit CFormDlg(CWnd* pParent = nullptr, DWORD dwStyle = DialogTemplate::kPopup);
+    explicit FormDlg(CWnd* pParent = nullptr, DWORD dwStyle = DialogTemplate::kPopup);
 
     // Called at the messages of these names, where set.
     std::function<void()> m_onInit;
@@ -37,9 +37,9 @@ private:
 };
 
 // A visible window of this thread to be a parent.
-class CHostWnd : public CWnd {
+class HostWnd : public CWnd {
 public:
-    CHostWnd();
+    HostWnd();
 };
 
 }  // namespace mvp::test

@@ -15,16 +15,14 @@ namespace {
 
 using testing::ElementsAre;
 
-enum : int {
-    kHostEdit = 1001,
-    kPanelEdit,
-    kPanelButton,
-    kInnerEdit,
-    kInnerCheck,
-    kInnerOption1,
-    kInnerOption2,
-    kHostButton
-};
+constexpr int kHostEdit = 1001;
+constexpr int kPanelEdit = 1002;
+constexpr int kPanelButton = 1003;
+constexpr int kInnerEdit = 1004;
+constexpr int kInnerCheck = 1005;
+constexpr int kInnerOption1 = 1006;
+constexpr int kInnerOption2 = 1007;
+constexpr int kHostButton = 1008;
 
 constexpr DWORD kPlainChild = WS_CHILD | WS_VISIBLE | DS_SETFONT;  // without DS_CONTROL
 constexpr DWORD kEditStyle = WS_BORDER | WS_TABSTOP;
@@ -32,14 +30,14 @@ constexpr DWORD kEditStyle = WS_BORDER | WS_TABSTOP;
 // Which commands reached which dialog.
 std::vector<std::string> g_commands;
 
-class CKeysDlg : public CDialog {
+class KeysDlg : public CDialog {
 public:
-    CKeysDlg(const char* name, DialogTemplate form) : m_name(name), m_template(std::move(form)) {
+    KeysDlg(const char* name, DialogTemplate form) : m_name(name), m_template(std::move(form)) {
         InitModalIndirect(m_template.Get());
     }
     BOOL Open(CWnd* pParent) { return CreateIndirect(m_template.Get(), pParent); }
 
-    CKeysDlg* m_pPanel = nullptr;
+    KeysDlg* m_pPanel = nullptr;
     bool m_bCloses = false;
 
 protected:
@@ -52,13 +50,16 @@ protected:
         return CDialog::OnInitDialog();
     }
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override {
-        const int nId = LOWORD(wParam);
-        if (HIWORD(wParam) == BN_CLICKED)
-            g_commands.push_back(m_name + std::to_string(nId));
-        if (nId != IDOK && nId != IDCANCEL)
+        const int id = LOWORD(wParam);
+        if (HIWORD(wParam) == BN_CLICKED) {
+            g_commands.push_back(m_name + std::to_string(id));
+        }
+        if (id != IDOK && id != IDCANCEL) {
             return CDialog::OnCommand(wParam, lParam);
-        if (m_bCloses)
-            EndDialog(nId);
+        }
+        if (m_bCloses) {
+            EndDialog(id);
+        }
         return TRUE;
     }
 
@@ -106,9 +107,9 @@ protected:
         return (dialog.Send(nId, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON) != 0;
     }
 
-    CKeysDlg m_inner;
-    CKeysDlg m_panel;
-    CKeysDlg m_host;
+    KeysDlg m_inner;
+    KeysDlg m_panel;
+    KeysDlg m_host;
 };
 
 INSTANTIATE_TEST_SUITE_P(Panels, KeyboardTest, testing::Values(DialogTemplate::kChild, kPlainChild),
@@ -163,8 +164,8 @@ TEST_P(KeyboardTest, EnterAndEscapeInAPanelAreTheHosts) {
     }
     // Not while OK is disabled.
     Expect(IDCANCEL, {"host:2"}, [](Dialog& dialog) {
-        HWND hOk = dialog.Control(IDOK);
-        dialog.Run([=] { EnableWindow(hOk, FALSE); });
+        HWND ok = dialog.Control(IDOK);
+        dialog.Run([=] { EnableWindow(ok, FALSE); });
         dialog.Focus(kInnerEdit);
         dialog.RealKey(VK_RETURN);
         EXPECT_TRUE(dialog.IsOpen());
@@ -212,16 +213,18 @@ TEST_P(KeyboardTest, MnemonicsWorkAcrossPanels) {
 // A dialog of the bare system that has a panel of the framework's: its own loop knows nothing of
 // it.
 TEST_P(KeyboardTest, PanelWorksInADialogOfTheBareSystem) {
-    static CKeysDlg* pPanel = nullptr;
-    pPanel = &m_panel;
+    static KeysDlg* panel = nullptr;
+    panel = &m_panel;
     DialogTemplate form("Bare", {0, 0, 150, 120});
     form.Add("EDIT", kHostEdit, "", {7, 7, 40, 12}, kEditStyle)
         .Add("BUTTON", IDOK, "OK", {7, 100, 50, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP);
     const auto proc = [](HWND hDialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
-        if (message == WM_INITDIALOG)
-            return pPanel->Open(CWnd::FromHandle(hDialog));
-        if (message == WM_COMMAND && LOWORD(wParam) == IDOK)
+        if (message == WM_INITDIALOG) {
+            return panel->Open(CWnd::FromHandle(hDialog));
+        }
+        if (message == WM_COMMAND && LOWORD(wParam) == IDOK) {
             return EndDialog(hDialog, 5);
+        }
         return FALSE;
     };
     DialogDriver driver([](Dialog& dialog) {

@@ -23,8 +23,8 @@ protected:
 
     static std::string String(UINT nID) {
         CString str("unchanged");
-        const bool bLoaded = str.LoadString(nID) != FALSE;
-        EXPECT_EQ(bLoaded, str != "unchanged");
+        const bool loaded = str.LoadString(nID) != FALSE;
+        EXPECT_EQ(loaded, str != "unchanged");
         return str.GetString();
     }
     static void Link(AFX_EXTENSION_MODULE& state, const ModuleHandle& module) {

@@ -34,16 +34,17 @@ TEST(StringTest, StorageIsZeroWhenItIsReleased) {
         {"Format", [](String& s) { s->Format("%d", 5); }},
         {"Replace", [](String& s) { s->Replace("1234", "4321"); }},
     };
-    const char* pStorage = nullptr;
+    const char* storage = nullptr;
     std::optional<size_t> dirty;
     const FreedBlocks freed({"dlgfw.dll"}, [&](const void* p, size_t nBytes) {
-        if (p == pStorage)
+        if (p == storage) {
             dirty = DirtyBytes(p, nBytes);
+        }
     });
     for (const Change& change : releases) {
         SCOPED_TRACE(change.name);
         String s(kSecret);
-        pStorage = s->GetString();
+        storage = s->GetString();
         dirty.reset();
         change.apply(s);
         EXPECT_EQ(dirty, 0u);
@@ -112,8 +113,9 @@ TEST(StringTest, PositionsOutOfRangeAreClipped) {
         {CString(nullptr, 5), ""},
         {CString('z', -1), ""},
     };
-    for (const auto& [result, expected] : cases)
+    for (const auto& [result, expected] : cases) {
         EXPECT_STREQ(result, expected);
+    }
 
     CString t("ab");
     EXPECT_EQ(t.GetAt(2), '\0');
@@ -166,8 +168,9 @@ TEST(StringTest, FormatsAndJoins) {
 
     const CString a("a");
     EXPECT_STREQ("x" + a + a + "b", "xaab");
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 1000; ++i) {
         s += 'z';
+    }
     EXPECT_EQ(s, std::string(1000, 'z').c_str());
     s += s.GetString() + 999;  // a part of itself, with and without room
     s.Append(s, s.GetLength());

@@ -31,8 +31,9 @@ TEST(PtrArrayTest, KeepsOrderAndRefusesIndicesOutOfRange) {
     EXPECT_EQ(array.Add(&values[3]), 1);
     array.InsertAt(0, &values[0]);
     array.InsertAt(2, &values[2]);
-    for (INT_PTR i = 0; i < 1000; ++i)
+    for (INT_PTR i = 0; i < 1000; ++i) {
         array.InsertAt(2, &values[i % 4]);
+    }
     EXPECT_EQ(array.GetSize(), 1004);
     EXPECT_EQ(array[1], &values[1]);
     EXPECT_EQ(array[2], &values[3]);

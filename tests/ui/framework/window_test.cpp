@@ -24,7 +24,7 @@ constexpr UINT kAsk = WM_APP + 1;
 UINT g_nRegistered = 0;  // not registered yet
 
 // Writes down what happens to it, in order.
-class CProbeWnd : public CWnd {
+class ProbeWnd : public CWnd {
 public:
     BOOL CreatePopup(LPCSTR lpszClass = nullptr) {
         return CreateEx(0, lpszClass, "probe", WS_POPUP, kPlace, nullptr, 0);
@@ -35,8 +35,9 @@ public:
 
 protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-        if (std::exchange(m_bFirst, false))
+        if (std::exchange(m_bFirst, false)) {
             m_log.emplace_back(FromHandlePermanent(m_hWnd) == this ? "bound" : "unbound");
+        }
         return CWnd::WindowProc(message, wParam, lParam);
     }
     void PreSubclassWindow() override { m_log.emplace_back("presubclass"); }
@@ -46,8 +47,8 @@ protected:
 
     afx_msg int OnCreate(LPCREATESTRUCT lpCreateStruct) {
         m_log.emplace_back("create");
-        const int nResult = m_onCreate();
-        return nResult != 0 ? nResult : CWnd::OnCreate(lpCreateStruct);
+        const int result = m_onCreate();
+        return result != 0 ? result : CWnd::OnCreate(lpCreateStruct);
     }
     afx_msg void OnDestroy() {
         m_log.emplace_back("destroy");
@@ -69,14 +70,14 @@ private:
     bool m_bFirst = true;
 };
 
-BEGIN_MESSAGE_MAP(CProbeWnd, CWnd)
+BEGIN_MESSAGE_MAP(ProbeWnd, CWnd)
     ON_WM_CREATE()
     ON_WM_DESTROY()
     ON_WM_PAINT()
-    ON_MESSAGE(kAsk, &CProbeWnd::OnAsk)
-    ON_REGISTERED_MESSAGE(g_nRegistered, &CProbeWnd::OnRegistered)
-    ON_EN_CHANGE(5, &CProbeWnd::OnChange)
-    ON_COMMAND(101, &CProbeWnd::OnMenu)
+    ON_MESSAGE(kAsk, &ProbeWnd::OnAsk)
+    ON_REGISTERED_MESSAGE(g_nRegistered, &ProbeWnd::OnRegistered)
+    ON_EN_CHANGE(5, &ProbeWnd::OnChange)
+    ON_COMMAND(101, &ProbeWnd::OnMenu)
 END_MESSAGE_MAP()
 
 int Refuse() {
@@ -84,97 +85,97 @@ int Refuse() {
 }
 
 TEST(WindowTest, ObjectIsBoundFromTheFirstToTheLastMessage) {
-    CProbeWnd wnd;
+    ProbeWnd wnd;
     ASSERT_TRUE(wnd.CreatePopup());
-    HWND hWnd = wnd.m_hWnd;
-    EXPECT_EQ(CWnd::FromHandle(hWnd), &wnd);
+    HWND window = wnd.m_hWnd;
+    EXPECT_EQ(CWnd::FromHandle(window), &wnd);
     EXPECT_TRUE(wnd.DestroyWindow());
     EXPECT_EQ(wnd.m_hWnd, nullptr);
-    EXPECT_EQ(CWnd::FromHandlePermanent(hWnd), nullptr);
+    EXPECT_EQ(CWnd::FromHandlePermanent(window), nullptr);
     EXPECT_FALSE(wnd.DestroyWindow());
     EXPECT_THAT(wnd.m_log,
                 ElementsAre("presubclass", "bound", "create", "destroy", "postncdestroy"));
 }
 
 TEST(WindowTest, FailedCreationLeavesNothingAndTellsTheObjectOnce) {
-    struct Unprepared : CProbeWnd {
+    struct Unprepared : ProbeWnd {
         BOOL PreCreateWindow(CREATESTRUCTA&) override { return FALSE; }
     };
     const auto before = ResourceCounts::Now();
-    const auto expectFailure = [](CProbeWnd& wnd, LPCSTR lpszClass = nullptr) {
+    const auto expectFailure = [](ProbeWnd& wnd, LPCSTR lpszClass = nullptr) {
         EXPECT_FALSE(wnd.CreatePopup(lpszClass));
         EXPECT_EQ(wnd.m_hWnd, nullptr);
         EXPECT_EQ(std::count(wnd.m_log.begin(), wnd.m_log.end(), "postncdestroy"), 1);
     };
-    CProbeWnd refusing;
+    ProbeWnd refusing;
     refusing.m_onCreate = Refuse;
     expectFailure(refusing);
-    CProbeWnd throwing;
+    ProbeWnd throwing;
     throwing.m_onCreate = []() -> int { throw 5; };
     expectFailure(throwing);
     Unprepared unprepared;
     expectFailure(unprepared);
-    CProbeWnd classless;
+    ProbeWnd classless;
     expectFailure(classless, "no such class");
     EXPECT_EQ(ResourceCounts::Now().windows, before.windows);
     EXPECT_TRUE(classless.CreatePopup());  // it can be tried again
 }
 
 TEST(WindowTest, DeletingTheObjectDestroysItsWindow) {
-    auto pWnd = std::make_unique<CProbeWnd>();
-    ASSERT_TRUE(pWnd->CreatePopup());
+    auto probe = std::make_unique<ProbeWnd>();
+    ASSERT_TRUE(probe->CreatePopup());
     CStatic label;
-    ASSERT_TRUE(label.Create("text", WS_CHILD, kPlace, pWnd.get()));
-    HWND hWnd = pWnd->m_hWnd;
-    pWnd.reset();
-    EXPECT_FALSE(IsWindow(hWnd));
+    ASSERT_TRUE(label.Create("text", WS_CHILD, kPlace, probe.get()));
+    HWND window = probe->m_hWnd;
+    probe.reset();
+    EXPECT_FALSE(IsWindow(window));
     EXPECT_EQ(label.m_hWnd, nullptr);  // it went with its parent
 
     // In its handler: then it is not touched again.
-    auto* pOwn = new CProbeWnd;
-    ASSERT_TRUE(pOwn->CreatePopup());
-    pOwn->m_onAsk = [pOwn] {
-        delete pOwn;
+    auto* own = new ProbeWnd;
+    ASSERT_TRUE(own->CreatePopup());
+    own->m_onAsk = [own] {
+        delete own;
         return LRESULT{7};
     };
-    hWnd = pOwn->m_hWnd;
-    EXPECT_EQ(SendMessageA(hWnd, kAsk, 0, 0), 7);
-    EXPECT_FALSE(IsWindow(hWnd));
+    window = own->m_hWnd;
+    EXPECT_EQ(SendMessageA(window, kAsk, 0, 0), 7);
+    EXPECT_FALSE(IsWindow(window));
 }
 
 TEST(WindowTest, ObjectMayDeleteItselfWhenItsWindowGoes) {
-    struct Own final : CProbeWnd {
-        explicit Own(int& nDeleted) : m_nDeleted(nDeleted) {}
+    struct Own final : ProbeWnd {
+        explicit Own(int& deleted) : m_nDeleted(deleted) {}
         ~Own() override { ++m_nDeleted; }
         void PostNcDestroy() override { delete this; }
         int& m_nDeleted;
     };
-    int nDeleted = 0;
-    auto* pWnd = new Own(nDeleted);
-    ASSERT_TRUE(pWnd->CreatePopup());
-    pWnd->m_onAsk = [pWnd] { return LRESULT{pWnd->DestroyWindow()}; };
-    EXPECT_EQ(pWnd->SendMessage(kAsk), TRUE);  // out of its own handler
-    EXPECT_EQ(nDeleted, 1);
+    int deleted = 0;
+    auto* window = new Own(deleted);
+    ASSERT_TRUE(window->CreatePopup());
+    window->m_onAsk = [window] { return LRESULT{window->DestroyWindow()}; };
+    EXPECT_EQ(window->SendMessage(kAsk), TRUE);  // out of its own handler
+    EXPECT_EQ(deleted, 1);
 
-    pWnd = new Own(nDeleted);
-    pWnd->m_onCreate = Refuse;
-    EXPECT_FALSE(pWnd->CreatePopup());
-    EXPECT_EQ(nDeleted, 2);
+    window = new Own(deleted);
+    window->m_onCreate = Refuse;
+    EXPECT_FALSE(window->CreatePopup());
+    EXPECT_EQ(deleted, 2);
 }
 
 // What most tests begin with.
 class OpenWindow : public testing::Test {
 protected:
     OpenWindow() { EXPECT_TRUE(m_wnd.CreatePopup()); }
-    CProbeWnd m_wnd;
+    ProbeWnd m_wnd;
 };
 
 TEST_F(OpenWindow, ExceptionEndsAtTheWindowProcedure) {
-    static UINT nReported = 0;
-    const auto pfnOld = AfxSetExceptionReporter([](UINT message) { nReported = message; });
+    static UINT reported = 0;
+    const auto oldFunction = AfxSetExceptionReporter([](UINT message) { reported = message; });
     m_wnd.m_onAsk = []() -> LRESULT { throw std::runtime_error("no"); };
     EXPECT_EQ(m_wnd.SendMessage(kAsk), 0);
-    EXPECT_EQ(nReported, kAsk);
+    EXPECT_EQ(reported, kAsk);
     m_wnd.m_onAsk = [] { return LRESULT{3}; };
     EXPECT_EQ(m_wnd.SendMessage(kAsk), 3);
 
@@ -182,9 +183,9 @@ TEST_F(OpenWindow, ExceptionEndsAtTheWindowProcedure) {
     m_wnd.ShowWindow(SW_SHOWNA);
     m_wnd.Invalidate();
     m_wnd.UpdateWindow();
-    EXPECT_EQ(nReported, UINT{WM_PAINT});
+    EXPECT_EQ(reported, UINT{WM_PAINT});
     EXPECT_FALSE(GetUpdateRect(m_wnd, nullptr, FALSE));
-    EXPECT_NE(AfxSetExceptionReporter(pfnOld), pfnOld);
+    EXPECT_NE(AfxSetExceptionReporter(oldFunction), oldFunction);
 }
 
 TEST_F(OpenWindow, RegisteredMessagesAreReadWhenTheyCome) {
@@ -195,56 +196,58 @@ TEST_F(OpenWindow, RegisteredMessagesAreReadWhenTheyCome) {
 }
 
 TEST_F(OpenWindow, PermanentObjectsAreThoseOfTheThread) {
-    CWnd* pSeen = &m_wnd;
-    HWND hSeen = nullptr;
+    CWnd* seenWindow = &m_wnd;
+    HWND seen = nullptr;
     CWnd second;
     std::thread([&] {
-        pSeen = CWnd::FromHandlePermanent(m_wnd.m_hWnd);
-        hSeen = CWnd::FromHandle(m_wnd.m_hWnd)->m_hWnd;
+        seenWindow = CWnd::FromHandlePermanent(m_wnd.m_hWnd);
+        seen = CWnd::FromHandle(m_wnd.m_hWnd)->m_hWnd;
         EXPECT_FALSE(second.SubclassWindow(m_wnd.m_hWnd));
     }).join();
-    EXPECT_EQ(pSeen, nullptr);
-    EXPECT_EQ(hSeen, m_wnd.m_hWnd);
+    EXPECT_EQ(seenWindow, nullptr);
+    EXPECT_EQ(seen, m_wnd.m_hWnd);
     EXPECT_FALSE(second.Attach(m_wnd.m_hWnd));
     EXPECT_FALSE(second.Attach(nullptr));
     EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
 }
 
 TEST_F(OpenWindow, TemporariesLastUntilTheThreadIsIdle) {
-    HWND hDesktop = GetDesktopWindow();
-    CWnd* pOuter = CWnd::FromHandle(hDesktop);  // made outside of any handler
-    EXPECT_EQ(CWnd::FromHandlePermanent(hDesktop), nullptr);
+    HWND desktop = GetDesktopWindow();
+    CWnd* outer = CWnd::FromHandle(desktop);  // made outside of any handler
+    EXPECT_EQ(CWnd::FromHandlePermanent(desktop), nullptr);
 
     // Temporaries ask nothing of their handles, so made-up ones will do.
-    ULONG_PTR nNext = 0x10000;
+    ULONG_PTR next = 0x10000;
     m_wnd.m_onAsk = [&] {
         for (int i = 0; i < 50; ++i) {
-            auto* hMadeUp = reinterpret_cast<HWND>(nNext += 2);
-            CWnd* pFirst = CWnd::FromHandle(hMadeUp);
-            EXPECT_EQ(pFirst->m_hWnd, hMadeUp);
-            EXPECT_EQ(CWnd::FromHandle(hMadeUp), pFirst);
+            auto* madeUp = reinterpret_cast<HWND>(next += 2);
+            CWnd* first = CWnd::FromHandle(madeUp);
+            EXPECT_EQ(first->m_hWnd, madeUp);
+            EXPECT_EQ(CWnd::FromHandle(madeUp), first);
         }
         return 0;
     };
     ExpectRoundsKeepNothing(1, 100, [&](int) { m_wnd.SendMessage(kAsk); }, {.heapBlocks = 5});
     // What was made before the handlers ran is not theirs to lose.
-    EXPECT_EQ(CWnd::FromHandle(hDesktop), pOuter);
-    EXPECT_EQ(pOuter->m_hWnd, hDesktop);
+    EXPECT_EQ(CWnd::FromHandle(desktop), outer);
+    EXPECT_EQ(outer->m_hWnd, desktop);
     CWnd::DeleteTempMap();
 }
 
 // Takes digits only, hears of its changes before its parent does, and has colours of its own.
-class CDigitEdit : public CEdit {
+class DigitEdit : public CEdit {
 public:
     int m_nChanges = 0;
     HBRUSH m_hBrush = nullptr;
 
 protected:
     BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM, LRESULT* pResult) override {
-        if (message == WM_COMMAND)
+        if (message == WM_COMMAND) {
             m_nChanges += HIWORD(wParam) == EN_CHANGE ? 1 : 0;
-        if (message == WM_CTLCOLOREDIT)
+        }
+        if (message == WM_CTLCOLOREDIT) {
             *pResult = reinterpret_cast<LRESULT>(m_hBrush);
+        }
         return message == WM_COMMAND || m_hBrush != nullptr;
     }
     afx_msg LRESULT OnChar(WPARAM wParam, LPARAM) {
@@ -253,8 +256,8 @@ protected:
     DECLARE_MESSAGE_MAP()
 };
 
-BEGIN_MESSAGE_MAP(CDigitEdit, CEdit)
-    ON_MESSAGE(WM_CHAR, &CDigitEdit::OnChar)
+BEGIN_MESSAGE_MAP(DigitEdit, CEdit)
+    ON_MESSAGE(WM_CHAR, &DigitEdit::OnChar)
 END_MESSAGE_MAP()
 
 // With an edit in the window.
@@ -265,14 +268,15 @@ protected:
 };
 
 TEST_F(Family, SubclassedControlAnswersFirst) {
-    CDigitEdit edit;
+    DigitEdit edit;
     EXPECT_FALSE(edit.SubclassDlgItem(6, &m_wnd));
     ASSERT_TRUE(edit.SubclassDlgItem(5, &m_wnd));
-    CDigitEdit second;
+    DigitEdit second;
     EXPECT_FALSE(second.SubclassWindow(m_hEdit));
     EXPECT_EQ(m_wnd.GetDlgItem(5), &edit);
-    for (const char ch : {'1', 'x', '2'})
+    for (const char ch : {'1', 'x', '2'}) {
         edit.SendMessage(WM_CHAR, static_cast<WPARAM>(ch), 1);
+    }
     CString str;
     EXPECT_EQ(m_wnd.GetDlgItemText(5, str), 2);
     EXPECT_STREQ(str, "12");
@@ -303,23 +307,23 @@ TEST_F(Family, NotificationsGoToTheControlFirstAndThenToTheParent) {
     m_wnd.m_log.clear();
     SetWindowTextA(m_hEdit, "a");
     EXPECT_THAT(std::exchange(m_wnd.m_log, {}), ElementsAre("change"));
-    CDigitEdit edit;
+    DigitEdit edit;
     ASSERT_TRUE(edit.SubclassWindow(m_hEdit));
     edit.SetWindowText("b");
     EXPECT_EQ(edit.m_nChanges, 1);
     EXPECT_TRUE(m_wnd.m_log.empty());
 
     // Without a brush the colours are left to the parent's own answer.
-    HDC hDC = GetDC(edit);
+    HDC dc = GetDC(edit);
     const auto color = [&] {
-        return m_wnd.SendMessage(WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(hDC),
+        return m_wnd.SendMessage(WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(dc),
                                  reinterpret_cast<LPARAM>(edit.m_hWnd));
     };
-    const LRESULT lStandard = color();
+    const LRESULT standard = color();
     edit.m_hBrush = static_cast<HBRUSH>(GetStockObject(DKGRAY_BRUSH));
     EXPECT_EQ(color(), reinterpret_cast<LRESULT>(edit.m_hBrush));
-    EXPECT_NE(lStandard, reinterpret_cast<LRESULT>(edit.m_hBrush));
-    ReleaseDC(edit, hDC);
+    EXPECT_NE(standard, reinterpret_cast<LRESULT>(edit.m_hBrush));
+    ReleaseDC(edit, dc);
 
     m_wnd.SendMessage(WM_COMMAND, 101);
     m_wnd.SendMessage(WM_COMMAND, 102);

@@ -32,17 +32,19 @@ void Remove(const char* pszReader) {
 
 // How many removals have been posted to windows of this thread.
 int TakePosted() {
-    int nCount = 0;
+    int count = 0;
     MSG message;
-    while (PeekMessageA(&message, nullptr, kRemoved, kRemoved, PM_REMOVE))
-        nCount += message.wParam == 1 && message.lParam == 0 ? 1 : 1000;
-    return nCount;
+    while (PeekMessageA(&message, nullptr, kRemoved, kRemoved, PM_REMOVE)) {
+        count += message.wParam == 1 && message.lParam == 0 ? 1 : 1000;
+    }
+    return count;
 }
 
 Texts Lines(const LogRecorder& log) {
     Texts lines;
-    for (const RecordedLine& line : log.Lines())
+    for (const RecordedLine& line : log.Lines()) {
         lines.push_back(std::to_string(line.nLevel) + " " + line.strText);
+    }
     return lines;
 }
 
@@ -63,18 +65,19 @@ public:
 TEST(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
     LogRecorder log;
     std::vector<DWORD> threads;
-    bool bThrows = false;
+    bool throws = false;
     Popup popup([&] {
         threads.push_back(GetCurrentThreadId());
-        if (bThrows)
+        if (throws) {
             throw std::runtime_error("a popup's fault");
+        }
     });
     {
         const CCardRemoved subscriber(&popup);
         Remove("Reader A");
-        bThrows = true;
+        throws = true;
         Remove(nullptr);
-        bThrows = false;
+        throws = false;
         Remove("");
     }
     Remove("Reader A");
@@ -82,11 +85,12 @@ TEST(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
     EXPECT_NE(threads[0], GetCurrentThreadId());
     Texts expected = {"8 CCardRemoved::CCardRemoved() - contructor",
                       "16 CCardRemoved::CCardRemoved() - contructor"};
-    for (const bool bThrew : {false, true, false}) {
+    for (const bool threw : {false, true, false}) {
         expected.insert(expected.end(), {"8 CCardRemoved::HandleEvent",
                                          "2 CCardRemoved::HandleEvent: m_pPopupAlert->Hide "});
-        if (bThrew)
+        if (threw) {
             expected.emplace_back("1 CCardRemoved::HandleEvent: exception");
+        }
         expected.emplace_back("16 CCardRemoved::HandleEvent");
     }
     expected.insert(expected.end(), {"8 CCardRemoved::~CCardRemoved() - destructor",
@@ -126,16 +130,16 @@ TEST(CardRemovedOfAWindow, IsPostedWhileTheWindowIsThere) {
     Remove("Reader B");
     EXPECT_EQ(TakePosted(), 0);
     // The object goes, and its window with it; what stood there may be anything.
-    CWnd* const pStorage = window.get();
+    CWnd* const storage = window.get();
     window->DestroyWindow();
     window.release()->~Window();
-    memset(static_cast<void*>(pStorage), 0x5A, sizeof(Window));
+    memset(static_cast<void*>(storage), 0x5A, sizeof(Window));
     log.Clear();
     Remove("Reader A");
     EXPECT_EQ(TakePosted(), 0);
     const char kHandled[] = "VKDelegateSubscriberCardRemoved::HandleEvent";
     EXPECT_EQ(Lines(log), (Texts{std::string("8 ") + kHandled, std::string("16 ") + kHandled}));
-    ::operator delete(pStorage);
+    ::operator delete(storage);
 }
 
 TEST(CardRemovedOfAWindow, IsNotPostedWithoutATargetOrToAWindowOfAnotherThread) {

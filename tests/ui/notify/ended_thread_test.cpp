@@ -20,27 +20,29 @@ namespace mvp::test {
 namespace {
 
 uint32_t AskForPin(HMODULE library) {
-    char* pPin = nullptr;
-    uint32_t cbPin = 0;
+    char* pin = nullptr;
+    uint32_t pinSize = 0;
     return FindFunction<decltype(&GetPINFromUser)>(library, "GetPINFromUser")(
-        nullptr, "Reader A", 0, 4, 8, &pPin, &cbPin);
+        nullptr, "Reader A", 0, 4, 8, &pin, &pinSize);
 }
 
 uint32_t AskForNewPin(HMODULE library) {
     std::array<char, 64> newPin{};
     std::array<char, 64> oldPin{};
-    uint32_t cbNew = 0;
-    uint32_t cbOld = 0;
+    uint32_t newSize = 0;
+    uint32_t oldSize = 0;
     const PwdRuleArgs rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
     return FindFunction<decltype(&GetChangePINInfoFromUser)>(library, "GetChangePINInfoFromUser")(
-        &rules, 0, newPin.data(), &cbNew, oldPin.data(), &cbOld, "Reader A", nullptr, false);
+        &rules, 0, newPin.data(), &newSize, oldPin.data(), &oldSize, "Reader A", nullptr, false);
 }
 
 // Ends the thread as soon as its dialog shows.
 void CALLBACK EndThread(HWND, UINT, UINT_PTR, DWORD) {
-    for (HWND hWnd : VisibleWindows(GetCurrentThreadId()))
-        if (IsDialog(hWnd))
+    for (HWND window : VisibleWindows(GetCurrentThreadId())) {
+        if (IsDialog(window)) {
             ExitThread(0);
+        }
+    }
 }
 
 using Ask = std::function<uint32_t()>;
@@ -54,9 +56,9 @@ DWORD WINAPI AskAndEnd(void* pAsk) {
 void EndUnderDialog(Ask ask) {
     const KernelHandle thread(CreateThread(nullptr, 0, &AskAndEnd, &ask, 0, nullptr));
     ASSERT_EQ(WaitForSingleObject(thread.get(), 20'000), WAIT_OBJECT_0);
-    DWORD dwCode = 1;
-    GetExitCodeThread(thread.get(), &dwCode);
-    ASSERT_EQ(dwCode, 0U);
+    DWORD code = 1;
+    GetExitCodeThread(thread.get(), &code);
+    ASSERT_EQ(code, 0U);
 }
 
 void RemoveCard() {

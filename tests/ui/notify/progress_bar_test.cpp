@@ -24,8 +24,9 @@ class ProgressBarTest : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(RegisterProgressBarClass(GetModuleHandleA(nullptr))); }
     void TearDown() override {
-        if (m_hBar != nullptr)
+        if (m_hBar != nullptr) {
             DestroyWindow(m_hBar);
+        }
         UnregisterProgressBarClass(GetModuleHandleA(nullptr));
     }
 
@@ -43,8 +44,9 @@ protected:
 
     // The test serves no queue, so the bar's own timer never comes between.
     void Tick(int times) {
-        for (int i = 0; i < times; ++i)
+        for (int i = 0; i < times; ++i) {
             SendMessageA(m_hBar, WM_TIMER, kProgressTimer, 0);
+        }
     }
     LRESULT Send(UINT nMessage, WPARAM wParam = 0) {
         return SendMessageA(m_hBar, nMessage, wParam, 0);
@@ -58,8 +60,9 @@ protected:
         GetClientRect(m_hBar, &client);
         const WindowDc dc(m_hBar);
         std::vector<COLORREF> line(static_cast<std::size_t>(client.right));
-        for (std::size_t x = 0; x < line.size(); ++x)
+        for (std::size_t x = 0; x < line.size(); ++x) {
             line[x] = GetPixel(dc.get(), static_cast<int>(x), client.bottom / 2);
+        }
         return line;
     }
     // "102-110 92-100": the runs of the highlight colour from the right.
@@ -171,8 +174,9 @@ TEST_F(ProgressBarTest, DrawsTheClassicBarSunkenOnTheButtonFaceAndAnyPartOfIt) {
         EXPECT_EQ(GetPixel(dc.get(), 203, 14), GetSysColor(COLOR_BTNHIGHLIGHT));
         EXPECT_EQ(GetPixel(dc.get(), 100, 7), GetSysColor(COLOR_BTNFACE));
         // The first chunk fills the height inside the edge: lines 2 to 12 of 15.
-        for (const int y : {1, 2, 12, 13})
+        for (const int y : {1, 2, 12, 13}) {
             EXPECT_EQ(GetPixel(dc.get(), 5, y) == highlight, y == 2 || y == 12) << y;
+        }
     }
     Tick(41);
     const RECT part = {90, 3, 120, 12};
@@ -214,8 +218,9 @@ struct ThemeFacts {
 
 std::optional<ThemeFacts> AskTheme(HWND hBar) {
     const auto library = LoadSystemLibrary("UxTheme.dll");
-    if (!library)
+    if (!library) {
         return std::nullopt;
+    }
     const HMODULE h = library.get();
     const WindowDc dc(hBar);
     RECT bar{};
@@ -242,8 +247,9 @@ TEST_F(ProgressBarTest, FollowsTheThemeWhereThereIsOne) {
     const std::optional<ThemeFacts> facts = AskTheme(m_hBar);
     const std::vector<COLORREF> atStart = MiddleLine();
     EXPECT_EQ(atStart != classic, facts.has_value());
-    if (!facts)
+    if (!facts) {
         return;
+    }
 
     // When the head has gone one step, what is new is one chunk beside the first, nothing else.
     const int places = (facts->content.right - facts->content.left) / facts->chunk.cx;

@@ -24,8 +24,8 @@ volatile std::size_t g_nTooMuch = 64;
 
 // Run by the next test, in processes of their own.
 TEST(StackGuard, DISABLED_RunsOverItsFrame) {
-    char szBuffer[16];
-    g_pfnFill(szBuffer, 'x', g_nTooMuch);
+    char buffer[16];
+    g_pfnFill(buffer, 'x', g_nTooMuch);
 }
 
 // Stays inside the frame, where only the checked function can tell.
@@ -43,9 +43,9 @@ TEST(StackGuard, EndsTheProcessAtOnceWithTheSystemsCode) {
 #ifdef NDEBUG  // String functions are checked in optimised code only.
     tests.push_back("DISABLED_CopiesTooMuch");
 #endif
-    for (const char* pszTest : tests) {
-        const ChildResult result = RunDisabledTest(std::string("StackGuard.") + pszTest);
-        EXPECT_EQ(result.dwExitCode, STATUS_STACK_BUFFER_OVERRUN) << pszTest;
+    for (const char* test : tests) {
+        const ChildResult result = RunDisabledTest(std::string("StackGuard.") + test);
+        EXPECT_EQ(result.dwExitCode, STATUS_STACK_BUFFER_OVERRUN) << test;
         EXPECT_EQ(result.strOutput.find("crashed"), std::string::npos) << result.strOutput;
     }
 }
@@ -56,13 +56,13 @@ TEST(StackGuard, DISABLED_PrintsItsValue) {
 
 TEST(StackGuard, DiffersBetweenProcessesAndBetweenLibraries) {
     const ChildResult other = RunDisabledTest("StackGuard.DISABLED_PrintsItsValue");
-    const std::size_t nAt = other.strOutput.find("guard ");
-    ASSERT_NE(nAt, std::string::npos) << other.strOutput;
+    const std::size_t at = other.strOutput.find("guard ");
+    ASSERT_NE(at, std::string::npos) << other.strOutput;
     std::set<std::uintptr_t> values = {
         __stack_chk_guard,
-        static_cast<std::uintptr_t>(std::stoull(other.strOutput.substr(nAt + 6), nullptr, 16))};
-    for (const char* pszLibrary : {"guarded_library_1.dll", "guarded_library_2.dll"}) {
-        const UniqueHandle<ModuleTraits> module(LoadLibraryA(pszLibrary));
+        static_cast<std::uintptr_t>(std::stoull(other.strOutput.substr(at + 6), nullptr, 16))};
+    for (const char* library : {"guarded_library_1.dll", "guarded_library_2.dll"}) {
+        const UniqueHandle<ModuleTraits> module(LoadLibraryA(library));
         values.insert(FindFunction<std::uintptr_t (*)()>(module.get(), "GuardValue")());
     }
     EXPECT_EQ(values.size(), 4u);

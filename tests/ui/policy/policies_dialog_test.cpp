@@ -43,35 +43,39 @@ std::ptrdiff_t Seen(UINT nMessage, HWND hWnd = nullptr) {
 
 void DispatchAll() {
     MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
         DispatchMessageA(&message);
+    }
 }
 
 TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
     const PwdRuleArgs only = {0, 0, 0, 0, kNone, kNone, 0};
     // Every rule is gone through, in force or not, met or not; the predicates and the icons of
     // those in force alone.
-    for (const PwdRuleArgs* pRules : {&kAllRules, &only}) {
-        HostedPanel panel(pRules);
+    for (const PwdRuleArgs* rules : {&kAllRules, &only}) {
+        HostedPanel panel(rules);
         m_log.Clear();
         panel.Check("old", "val", "new", "other");
-        const bool bAll = pRules == &kAllRules;
-        const std::string strIcon = bAll ? "VKPoliciesDlg::SetPolicyIcon{} " : "";
-        std::string strExpected =
+        const bool all = rules == &kAllRules;
+        const std::string icon = all ? "VKPoliciesDlg::SetPolicyIcon{} " : "";
+        std::string expected =
             "VKPoliciesDlg::VerifyAndUpdatePolicies{0 csOldValue: old; 0 csValue: val; "
             "0 csNewValue: new; ";
-        for (const char* pszLine :
+        for (const char* line :
              {"SetMinPINLen", "SetMaxPINLen", "SetPreventSamePIN", "SetWeakPIN", "SetAlphaPIN"}) {
-            if (bAll && pszLine == std::string("SetWeakPIN"))
-                strExpected += "VKPoliciesDlg::IsPinWeak{} ";
-            if (bAll && pszLine == std::string("SetAlphaPIN"))
-                strExpected += "VKPoliciesDlg::IsAlphaPinWeak{} ";
-            strExpected += "VKPoliciesDlg::" + std::string(pszLine) + "{" + strIcon + "} ";
+            if (all && line == std::string("SetWeakPIN")) {
+                expected += "VKPoliciesDlg::IsPinWeak{} ";
+            }
+            if (all && line == std::string("SetAlphaPIN")) {
+                expected += "VKPoliciesDlg::IsAlphaPinWeak{} ";
+            }
+            expected += "VKPoliciesDlg::" + std::string(line) + "{" + icon + "} ";
         }
-        strExpected += "VKPoliciesDlg::SetConfirmPIN{VKPoliciesDlg::SetPolicyIcon{} } ";
-        for (int i = 0; i < 4; ++i)
-            strExpected += "CBaseDialog::HidePinFromMemory{} ";
-        EXPECT_EQ(LogShape(), strExpected + "} ");
+        expected += "VKPoliciesDlg::SetConfirmPIN{VKPoliciesDlg::SetPolicyIcon{} } ";
+        for (int i = 0; i < 4; ++i) {
+            expected += "CBaseDialog::HidePinFromMemory{} ";
+        }
+        EXPECT_EQ(LogShape(), expected + "} ");
     }
 }
 
@@ -79,7 +83,7 @@ TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
 TEST_F(PoliciesDialog, EachRuleLooksAtItsOwnText) {
     const PwdRuleArgs unsignedBounds = {0, 0, 0, 0, 0x80000000, 0xFFFFFFFE, 0};
     const PwdRuleArgs noMaximum = {0, 1, 1, 1, 4, kNone, 0};
-    const CString strHuge('7', 100'000);
+    const CString huge('7', 100'000);
     const struct {
         const PwdRuleArgs* pRules;
         CString strOld, strValue, strNew, strConfirm;
@@ -92,15 +96,15 @@ TEST_F(PoliciesDialog, EachRuleLooksAtItsOwnText) {
         {&kAllRules, "", "", "", "", "vsvvss"},
         {&kAllRules, "1", "\xFE\xFF\x01\x80", "2", "2", "ssssvs"},
         {&unsignedBounds, "", "1", "", "", "vs---s"},
-        {&noMaximum, "1", strHuge, strHuge, strHuge, "s-vsss"},
+        {&noMaximum, "1", huge, huge, huge, "s-vsss"},
         {nullptr, "1", "1", "1", "1", "-----s"},
         {nullptr, "1", "1", "1", "2", "-----v"},
     };
     for (const auto& c : cases) {
         HostedPanel panel(c.pRules);
-        const bool bVerdict = panel.Check(c.strOld, c.strValue, c.strNew, c.strConfirm);
+        const bool verdict = panel.Check(c.strOld, c.strValue, c.strNew, c.strConfirm);
         EXPECT_EQ(panel.Lines(), c.strLines);
-        EXPECT_EQ(bVerdict, c.strLines.find('v') == std::string::npos) << c.strLines;
+        EXPECT_EQ(verdict, c.strLines.find('v') == std::string::npos) << c.strLines;
     }
 }
 
@@ -127,25 +131,29 @@ TEST_F(PoliciesDialog, KeepsStillWhenNothingChanges) {
     HostedPanel panel(&kAllRules);
     panel.Check("1234", "58", "58", "58");
     std::vector<HWND> lines;
-    for (const RuleLine& line : kRuleLines)
+    for (const RuleLine& line : kRuleLines) {
         lines.insert(lines.end(), {panel.Control(line.nText), panel.Control(line.nIcon)});
-    for (const HWND hLine : lines)
-        Watch(hLine);
-    for (const HWND hAround :
-         {panel.Handle(), panel.Control(IDC_POLICIES_BOX), panel.Host().m_hWnd})
-        Watch(hAround);
+    }
+    for (const HWND lineHandle : lines) {
+        Watch(lineHandle);
+    }
+    for (const HWND around :
+         {panel.Handle(), panel.Control(IDC_POLICIES_BOX), panel.Host().m_hWnd}) {
+        Watch(around);
+    }
     DispatchAll();
     g_seen.clear();
 
     panel.Check("1234", "58", "58", "58");
     DispatchAll();
-    for (const UINT nMessage :
+    for (const UINT message :
          {UINT{STM_SETICON}, UINT{WM_SETTEXT}, UINT{WM_PAINT}, UINT{WM_ERASEBKGND},
-          UINT{WM_NCPAINT}, UINT{WM_SHOWWINDOW}, UINT{WM_WINDOWPOSCHANGED}})
-        EXPECT_EQ(Seen(nMessage), 0) << nMessage;
+          UINT{WM_NCPAINT}, UINT{WM_SHOWWINDOW}, UINT{WM_WINDOWPOSCHANGED}}) {
+        EXPECT_EQ(Seen(message), 0) << message;
+    }
     // The counter does count.
-    const HWND hIcon = panel.Control(IDC_POLICIES_MIN_ICON);
-    EXPECT_EQ(Seen(STM_GETICON, hIcon), 1);
+    const HWND icon = panel.Control(IDC_POLICIES_MIN_ICON);
+    EXPECT_EQ(Seen(STM_GETICON, icon), 1);
 
     // One rule changes its state: its icon is drawn, and no other line.
     panel.Check("1234", "5838", "5838", "5838");
@@ -153,14 +161,15 @@ TEST_F(PoliciesDialog, KeepsStillWhenNothingChanges) {
     panel.Check("1234", "583", "583", "583");
     DispatchAll();
     EXPECT_EQ(Seen(STM_SETICON), 1);
-    EXPECT_EQ(Seen(STM_SETICON, hIcon), 1);
+    EXPECT_EQ(Seen(STM_SETICON, icon), 1);
     EXPECT_EQ(Seen(WM_SETTEXT), 0);
     // The icon may be drawn at once, without a message of its own; all else stays as it is.
-    EXPECT_EQ(Seen(WM_PAINT), Seen(WM_PAINT, hIcon));
-    EXPECT_EQ(Seen(WM_ERASEBKGND), Seen(WM_ERASEBKGND, hIcon));
+    EXPECT_EQ(Seen(WM_PAINT), Seen(WM_PAINT, icon));
+    EXPECT_EQ(Seen(WM_ERASEBKGND), Seen(WM_ERASEBKGND, icon));
     g_seen.clear();
-    for (const HWND hLine : lines)
-        InvalidateRect(hLine, nullptr, FALSE);
+    for (const HWND lineHandle : lines) {
+        InvalidateRect(lineHandle, nullptr, FALSE);
+    }
     DispatchAll();
     EXPECT_EQ(Seen(WM_PAINT), 12) << "paints are seen";
 }
@@ -168,20 +177,20 @@ TEST_F(PoliciesDialog, KeepsStillWhenNothingChanges) {
 TEST_F(PoliciesDialog, HiddenLinesKeepTheirIcon) {
     const PwdRuleArgs rules = {0, 0, 0, 0, kNone, 8, 0};
     HostedPanel panel(&rules);
-    const HWND hIcon = panel.Control(IDC_POLICIES_MIN_ICON);
-    SendMessageA(hIcon, STM_SETICON,
+    const HWND icon = panel.Control(IDC_POLICIES_MIN_ICON);
+    SendMessageA(icon, STM_SETICON,
                  reinterpret_cast<WPARAM>(LoadResourceIcon(IDI_RULE_VIOLATED, 16)), 0);
-    Watch(hIcon);
+    Watch(icon);
     g_seen.clear();
     panel.Check("", "1", "1", "1");
     EXPECT_EQ(Seen(STM_SETICON), 0);
-    EXPECT_FALSE(IsWindowVisible(hIcon));
+    EXPECT_FALSE(IsWindowVisible(icon));
 }
 
-class CIncompletePanel : public CIncomplete<VKPoliciesDlg> {
+class IncompletePanel : public Incomplete<VKPoliciesDlg> {
 public:
-    CIncompletePanel(CWnd* pHost, int nMissing)
-        : CIncomplete(nMissing, &kAllRules, 0, nullptr, pHost, 15, 0, 6) {}
+    IncompletePanel(CWnd* pHost, int nMissing)
+        : Incomplete(nMissing, &kAllRules, 0, nullptr, pHost, 15, 0, 6) {}
 };
 
 void ExpectJudges(VKPoliciesDlg& panel) {
@@ -190,26 +199,28 @@ void ExpectJudges(VKPoliciesDlg& panel) {
 }
 
 TEST_F(PoliciesDialog, LivesWithMissingControls) {
-    CHost host;
+    HostWindow host;
     std::vector<int> controls = {IDC_POLICIES_BOX};
-    for (const RuleLine& line : kRuleLines)
+    for (const RuleLine& line : kRuleLines) {
         controls.insert(controls.end(), {line.nText, line.nIcon});
+    }
     constexpr char kDone[] = "VKPoliciesDlg::PutPoliciesInBox";
     const HostedPanel whole(&kAllRules);
     EXPECT_TRUE(m_log.Contains(16, kDone));
-    for (const int nMissing : controls) {
-        SCOPED_TRACE(nMissing);
+    for (const int missing : controls) {
+        SCOPED_TRACE(missing);
         m_log.Clear();
-        CIncompletePanel panel(&host, nMissing);
+        IncompletePanel panel(&host, missing);
         ASSERT_NE(panel.LocCreate(&host), 0);
         EXPECT_FALSE(m_log.Contains(16, kDone));
         RECT untouched = {0, 0, 236, 84};
         MapDialogRect(panel.m_hWnd, &untouched);
         EXPECT_EQ(RectIn(host.m_hWnd, panel.m_hWnd).bottom, untouched.bottom) << "left as it is";
         ExpectJudges(panel);
-        for (const int nId : controls)
-            EXPECT_EQ(IsWindowVisible(::GetDlgItem(panel.m_hWnd, nId)) != FALSE, nId != nMissing)
-                << nId;
+        for (const int id : controls) {
+            EXPECT_EQ(IsWindowVisible(::GetDlgItem(panel.m_hWnd, id)) != FALSE, id != missing)
+                << id;
+        }
         panel.DestroyWindow();
     }
     // And without a window at all.
@@ -218,9 +229,9 @@ TEST_F(PoliciesDialog, LivesWithMissingControls) {
 }
 
 TEST(PoliciesDialogWithoutPictures, ShowsNoneAndJudges) {
-    CHost host;
+    HostWindow host;
     // Made before the library has its resource module: no icon loads.
-    CIncompletePanel panel(&host, 0);
+    IncompletePanel panel(&host, 0);
     const AttachedLibrary library;
     ASSERT_NE(panel.LocCreate(&host), 0);
     EXPECT_EQ(panel.SendDlgItemMessage(IDC_POLICIES_BOX, WM_GETTEXTLENGTH), 0) << "as it was";
@@ -240,23 +251,22 @@ TEST(PoliciesDialogWithoutPictures, ShowsNoneAndJudges) {
 TEST_F(PoliciesDialog, WithoutMemoryNoPinIsGood) {
     HostedPanel panel(&kAllRules);
     FailingHeap heap("dlgfw.dll");
-    int nStopped = 0;
-    bool bRefused = true;
-    for (int i = 0; bRefused; ++i) {
+    int stops = 0;
+    bool refused = true;
+    for (int i = 0; refused; ++i) {
         CString pins[] = {"1", "5838", "5838", "5838"};
         m_log.Clear();
         heap.FailAt(i);
-        const bool bVerdict = panel.Panel().VerifyAndUpdatePolicies(
+        const bool verdict = panel.Panel().VerifyAndUpdatePolicies(
             std::move(pins[0]), std::move(pins[1]), std::move(pins[2]), std::move(pins[3]));
-        bRefused = heap.Stop();
+        refused = heap.Stop();
         // What fails in the painting alone changes no verdict.
-        const bool bStopped =
-            m_log.Contains(1, "VKPoliciesDlg::VerifyAndUpdatePolicies: exception");
-        nStopped += bStopped ? 1 : 0;
-        EXPECT_EQ(bVerdict, !bStopped) << i;
+        const bool stopped = m_log.Contains(1, "VKPoliciesDlg::VerifyAndUpdatePolicies: exception");
+        stops += stopped ? 1 : 0;
+        EXPECT_EQ(verdict, !stopped) << i;
         EXPECT_EQ(std::ranges::count(m_log.Texts(16), "CBaseDialog::HidePinFromMemory"), 4);
     }
-    EXPECT_GT(nStopped, 6) << "a text for each line, and more";
+    EXPECT_GT(stops, 6) << "a text for each line, and more";
 }
 
 }  // namespace

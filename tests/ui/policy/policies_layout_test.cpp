@@ -22,8 +22,9 @@ void ExpectPacked(const HostedPanel& panel, unsigned nSubset, const PanelMargins
     LONG y = box.top + margins.nTop + margins.nSpacing;
     CRect above(0, 0, 0, 0);
     for (std::size_t i = 0; i < kRuleLines.size(); ++i) {
-        if (!IsInSubset(nSubset, i))
+        if (!IsInSubset(nSubset, i)) {
             continue;
+        }
         const CRect text = panel.RectOf(kRuleLines[i].nText);
         const CRect icon = panel.RectOf(kRuleLines[i].nIcon);
         EXPECT_EQ(text.TopLeft(), CPoint(TemplateLeft(panel.Handle(), 22) + margins.nIndent, y));
@@ -44,20 +45,21 @@ void ExpectPacked(const HostedPanel& panel, unsigned nSubset, const PanelMargins
 }
 
 TEST(PoliciesLayout, PacksEverySubset) {
-    for (const char* pszLanguage : {"en", "fr"}) {
-        const AttachedLibrary library(pszLanguage);
+    for (const char* language : {"en", "fr"}) {
+        const AttachedLibrary library(language);
         for (const PanelMargins& margins : {PanelMargins{15, 0, 6}, PanelMargins{10, 3, 6},
                                             PanelMargins{10, 20, 10}, PanelMargins{40, 0, 30}}) {
-            for (unsigned nSubset = 0; nSubset < kRuleSubsets; ++nSubset) {
-                SCOPED_TRACE(pszLanguage + std::to_string(nSubset) + ", indent " +
+            for (unsigned subset = 0; subset < kRuleSubsets; ++subset) {
+                SCOPED_TRACE(language + std::to_string(subset) + ", indent " +
                              std::to_string(margins.nIndent));
-                const PwdRuleArgs rules = RulesOfSubset(nSubset);
+                const PwdRuleArgs rules = RulesOfSubset(subset);
                 HostedPanel panel(&rules, margins);
-                ExpectPacked(panel, nSubset, margins);
+                ExpectPacked(panel, subset, margins);
                 panel.Check("", "", "", "");
                 const std::string lines = panel.Lines();
-                for (std::size_t i = 0; i < lines.size(); ++i)
-                    EXPECT_EQ(lines[i] != '-', IsInSubset(nSubset, i)) << lines;
+                for (std::size_t i = 0; i < lines.size(); ++i) {
+                    EXPECT_EQ(lines[i] != '-', IsInSubset(subset, i)) << lines;
+                }
             }
         }
     }

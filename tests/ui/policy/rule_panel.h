@@ -90,16 +90,17 @@ public:
     std::string Lines() const {
         std::string lines;
         for (const RuleLine& line : kRuleLines) {
-            const HICON hIcon = IconOf(Control(line.nIcon));
-            const bool bVisible = IsWindowVisible(Control(line.nIcon)) != FALSE;
-            if (bVisible != (IsWindowVisible(Control(line.nText)) != FALSE))
+            const HICON icon = IconOf(Control(line.nIcon));
+            const bool visible = IsWindowVisible(Control(line.nIcon)) != FALSE;
+            if (visible != (IsWindowVisible(Control(line.nText)) != FALSE)) {
                 lines += '?';
-            else if (!bVisible)
+            } else if (!visible) {
                 lines += '-';
-            else if (hIcon == LoadResourceIcon(IDI_RULE_SATISFIED, 16))
+            } else if (icon == LoadResourceIcon(IDI_RULE_SATISFIED, 16)) {
                 lines += 's';
-            else
-                lines += hIcon == LoadResourceIcon(IDI_RULE_VIOLATED, 16) ? 'v' : '?';
+            } else {
+                lines += icon == LoadResourceIcon(IDI_RULE_VIOLATED, 16) ? 'v' : '?';
+            }
         }
         return lines;
     }
@@ -111,7 +112,7 @@ public:
     }
 
 private:
-    CHost m_host;
+    HostWindow m_host;
     std::unique_ptr<VKPoliciesDlg> m_panel;
 };
 

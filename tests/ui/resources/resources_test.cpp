@@ -63,14 +63,16 @@ std::string ControlsOf(const ResourceModule& module, int dialog) {
     std::map<std::string, std::multiset<int>> byClass;
     for (const Control& control : TemplateWindow(module, dialog).Controls()) {
         // A static without a number reads as 65535 here.
-        if (static_cast<short>(control.nNumber) != IDC_STATIC)
+        if (static_cast<short>(control.nNumber) != IDC_STATIC) {
             byClass[control.strClass].insert(control.nNumber);
+        }
     }
     std::string text;
     for (const auto& [name, numbers] : byClass) {
         text += (text.empty() ? "" : ", ") + name;
-        for (const int number : numbers)
+        for (const int number : numbers) {
             text += " " + std::to_string(number);
+        }
     }
     return text;
 }
@@ -89,9 +91,10 @@ std::vector<std::string> Conversions(const std::string& text) {
 // What a template's code relies on: which controls there are, of which kind, in which order.
 std::vector<std::string> Outline(const ResourceModule& module, int dialog) {
     std::vector<std::string> lines;
-    for (const Control& control : TemplateWindow(module, dialog).Controls())
+    for (const Control& control : TemplateWindow(module, dialog).Controls()) {
         lines.push_back(std::to_string(control.nNumber) + " " + control.strClass + " " +
                         std::to_string(control.dwStyle));
+    }
     return lines;
 }
 
@@ -128,8 +131,9 @@ constexpr int kLargestIndent = 20;
 // The text with a long number in place of its conversion, if it has one. The text is no format
 // here: one with other conversions is to fail its test, and not to break this one.
 std::string Filled(std::string text) {
-    if (const std::size_t at = text.find("%d"); at != std::string::npos)
+    if (const std::size_t at = text.find("%d"); at != std::string::npos) {
         text.replace(at, 2, "999");
+    }
     return text;
 }
 
@@ -193,10 +197,12 @@ INSTANTIATE_TEST_SUITE_P(Resources, EachLanguage, ::testing::ValuesIn(Languages(
                          [](const auto& test) { return test.param; });
 
 TEST_P(EachDialog, ClipsNoText) {
-    for (const std::string& why : m_clipped)
+    for (const std::string& why : m_clipped) {
         EXPECT_EQ(why, "");
-    for (const Control& control : m_controls)
+    }
+    for (const Control& control : m_controls) {
         EXPECT_EQ(ClippedBecause(control), "");
+    }
 }
 
 TEST_P(EachDialog, KeepsControlsInsideAndApart) {
@@ -216,8 +222,9 @@ TEST_P(EachDialog, KeepsControlsInsideAndApart) {
 TEST_P(EachDialog, HidesEveryEditAndLabelsItForTheKeyboardAndScreenReaders) {
     for (std::size_t i = 0; i < m_controls.size(); ++i) {
         const Control& edit = m_controls[i];
-        if (!edit.IsEdit())
+        if (!edit.IsEdit()) {
             continue;
+        }
         EXPECT_TRUE(i > 0 && m_controls[i - 1].IsTextStatic() && MnemonicOf(m_controls[i - 1]) != 0)
             << "what stands before edit " << edit.nNumber << " is no label with a mnemonic";
         EXPECT_TRUE(edit.IsTabStop()) << "edit " << edit.nNumber;
@@ -228,8 +235,9 @@ TEST_P(EachDialog, HidesEveryEditAndLabelsItForTheKeyboardAndScreenReaders) {
 TEST_P(EachDialog, TabsTheWayTheEyeReads) {
     const Control* previous = nullptr;
     for (const Control& control : m_controls) {
-        if (!control.IsTabStop())
+        if (!control.IsTabStop()) {
             continue;
+        }
         EXPECT_TRUE(previous == nullptr || ReadsOn(*previous, control))
             << "from control " << (previous == nullptr ? 0 : previous->nNumber) << " to "
             << control.nNumber;
@@ -248,8 +256,9 @@ TEST_P(EachLanguage, MnemonicsAreUniqueInAWindow) {
             PutRunTimeTexts(m_module, dialog, window);
             for (const Control& control : window.Controls()) {
                 const char mnemonic = MnemonicOf(control);
-                if (mnemonic == 0)
+                if (mnemonic == 0) {
                     continue;
+                }
                 EXPECT_TRUE(control.nNumber != IDOK && control.nNumber != IDCANCEL) << dialog;
                 EXPECT_TRUE(taken.emplace(mnemonic, control.strText).second)
                     << "\"" << taken[mnemonic] << "\" and \"" << control.strText << "\"";
@@ -261,10 +270,11 @@ TEST_P(EachLanguage, MnemonicsAreUniqueInAWindow) {
 
 TEST_P(EachLanguage, RuleLinesStayInTheirBoxWhenIndented) {
     const TemplateWindow window(m_module, IDD_POLICIES);
-    for (const Control& control : window.Controls())
+    for (const Control& control : window.Controls()) {
         EXPECT_TRUE(control.IsGroupBox() ||
                     control.rect.right + kLargestIndent < window.ClientRect().right)
             << "control " << control.nNumber;
+    }
 }
 
 // Drawn at another size than its control's, a picture would be stretched on an ordinary screen.
@@ -301,25 +311,30 @@ TEST_P(EachLanguage, HasTheStatedThingsAndNoOther) {
         {RT_DIALOG, "IDD_"}, {RT_STRING, "IDS_"}, {RT_GROUP_ICON, "IDI_"}, {RT_BITMAP, "IDB_"}};
     for (const auto& [type, prefix] : kinds) {
         std::set<int> numbers;
-        for (const NamedNumber& named : NamedNumbers(prefix))
+        for (const NamedNumber& named : NamedNumbers(prefix)) {
             numbers.insert(named.nNumber);
+        }
         EXPECT_EQ(m_module.Numbers(type), numbers) << prefix;
     }
-    for (const int dialog : m_module.Numbers(RT_DIALOG))
+    for (const int dialog : m_module.Numbers(RT_DIALOG)) {
         EXPECT_EQ(ControlsOf(m_module, dialog), kStatedControls.at(dialog)) << dialog;
+    }
 }
 TEST_P(EachLanguage, AgreesWithTheFirstLanguage) {
     const ResourceModule first(Languages().front());
-    for (const int dialog : first.Numbers(RT_DIALOG))
+    for (const int dialog : first.Numbers(RT_DIALOG)) {
         EXPECT_EQ(Outline(m_module, dialog), Outline(first, dialog)) << "template " << dialog;
-    for (const int string : first.Numbers(RT_STRING))
+    }
+    for (const int string : first.Numbers(RT_STRING)) {
         EXPECT_EQ(Conversions(m_module.Text(string)), Conversions(first.Text(string)))
             << "string " << string;
+    }
 }
 
 TEST_P(EachLanguage, TakesOneIntegerInTheLengthFormats) {
-    for (const int format : {IDS_POLICIES_MIN_FORMAT, IDS_POLICIES_MAX_FORMAT})
+    for (const int format : {IDS_POLICIES_MIN_FORMAT, IDS_POLICIES_MAX_FORMAT}) {
         EXPECT_EQ(Conversions(m_module.Text(format)), std::vector<std::string>{"%d"});
+    }
 }
 
 // The texts of the Caps Lock balloon are kept in 260 characters; a balloon's title holds 99.

@@ -19,11 +19,13 @@ std::vector<WORD> LoadTemplate(const ResourceModule& module, int dialog, int per
     const DWORD size = SizeofResource(module.get(), resource);
     // Created windows read the template by 32-bit fields; a vector is aligned well enough.
     std::vector<WORD> words((size + 1) / sizeof(WORD));
-    if (resource != nullptr)
+    if (resource != nullptr) {
         std::memcpy(words.data(), LockResource(LoadResource(module.get(), resource)), size);
+    }
     if (words.size() <= kMenuWord || words[0] != 1 || words[1] != 0xFFFF || words[kMenuWord] != 0 ||
-        words[kMenuWord + 1] != 0)
+        words[kMenuWord + 1] != 0) {
         throw std::runtime_error("no extended template: " + std::to_string(dialog));
+    }
     WORD& points = *(std::find(words.begin() + kMenuWord + 2, words.end(), 0) + 1);
     points = static_cast<WORD>(points * percent / 100);
     return words;
@@ -83,19 +85,22 @@ TemplateWindow::TemplateWindow(const ResourceModule& module, int dialog, int per
     const std::vector<WORD> words = LoadTemplate(module, dialog, percent);
     DWORD style = 0;
     std::memcpy(&style, &words.at(kStyleWord), sizeof(style));
-    if ((style & WS_CHILD) != 0)
+    if ((style & WS_CHILD) != 0) {
         m_hHost = CreateWindowExA(0, "STATIC", "host", WS_POPUP, 0, 0, 2000, 2000, nullptr, nullptr,
                                   nullptr, nullptr);
+    }
     m_hWnd = CreateDialogIndirectParamA(
         module.get(), reinterpret_cast<LPCDLGTEMPLATEA>(words.data()), m_hHost, TakeNothing, 0);
-    if (m_hWnd == nullptr)
+    if (m_hWnd == nullptr) {
         throw std::runtime_error("cannot create dialog " + std::to_string(dialog));
+    }
 }
 
 TemplateWindow::~TemplateWindow() {
     DestroyWindow(m_hWnd);
-    if (m_hHost != nullptr)
+    if (m_hHost != nullptr) {
         DestroyWindow(m_hHost);
+    }
 }
 
 RECT TemplateWindow::ClientRect() const {
@@ -106,9 +111,10 @@ RECT TemplateWindow::ClientRect() const {
 
 std::vector<Control> TemplateWindow::Controls() const {
     std::vector<Control> controls;
-    for (HWND hWnd = GetWindow(m_hWnd, GW_CHILD); hWnd != nullptr;
-         hWnd = GetWindow(hWnd, GW_HWNDNEXT))
-        controls.push_back(MakeControl(hWnd, m_hWnd));
+    for (HWND window = GetWindow(m_hWnd, GW_CHILD); window != nullptr;
+         window = GetWindow(window, GW_HWNDNEXT)) {
+        controls.push_back(MakeControl(window, m_hWnd));
+    }
     return controls;
 }
 
@@ -117,30 +123,35 @@ Control TemplateWindow::ControlOf(int nNumber) const {
 }
 
 std::string ClippedBecause(const Control& control) {
-    if (control.strText.empty() || (!control.IsTextStatic() && !control.IsButton()))
+    if (control.strText.empty() || (!control.IsTextStatic() && !control.IsButton())) {
         return {};
+    }
     const SIZE reserved = Reserved(control);
     const int width = static_cast<int>(control.rect.right - control.rect.left - reserved.cx);
     const int height = static_cast<int>(control.rect.bottom - control.rect.top - reserved.cy);
     UINT format = control.WrapsText() ? DT_WORDBREAK : DT_SINGLELINE;
-    if (!control.HasPrefixText())
+    if (!control.HasPrefixText()) {
         format |= DT_NOPREFIX;
+    }
     const SIZE text = TextSize(control, format, width);
-    if (text.cx <= width && text.cy <= height)
+    if (text.cx <= width && text.cy <= height) {
         return {};
+    }
     return "\"" + control.strText + "\" takes " + std::to_string(text.cx) + " x " +
            std::to_string(text.cy) + " pixels of " + std::to_string(width) + " x " +
            std::to_string(height);
 }
 
 char MnemonicOf(const Control& control) {
-    if (!control.HasPrefixText())
+    if (!control.HasPrefixText()) {
         return 0;
+    }
     const std::string& text = control.strText;
     for (std::size_t at = text.find('&'); at != std::string::npos && at + 1 < text.size();
          at = text.find('&', at + 2)) {
-        if (text[at + 1] != '&')
+        if (text[at + 1] != '&') {
             return static_cast<char>(std::tolower(static_cast<unsigned char>(text[at + 1])));
+        }
     }
     return 0;
 }

@@ -8,8 +8,8 @@ namespace {
 
 char LetterOf(COLORREF colour) {
     constexpr COLORREF kColours[] = {kRed, kGreen, kBlue, RGB(255, 255, 255), 0, kUntouched};
-    const auto* const pFound = std::find(std::begin(kColours), std::end(kColours), colour);
-    return "rgbwk.?"[pFound - std::begin(kColours)];
+    const auto* const found = std::find(std::begin(kColours), std::end(kColours), colour);
+    return "rgbwk.?"[found - std::begin(kColours)];
 }
 
 }  // namespace
@@ -52,23 +52,25 @@ COLORREF Canvas::At(int x, int y) const {
 
 std::string Canvas::Runs(int nLine, bool bRow) const {
     const auto letter = [&](int i) { return LetterOf(bRow ? At(i, nLine) : At(nLine, i)); };
-    const int nEnd = bRow ? m_picture.Width() : m_picture.Height();
-    std::string strRuns;
-    for (int nStart = 0, n = 0; n < nEnd; nStart = n) {
-        while (n < nEnd && letter(n) == letter(nStart))
+    const int end = bRow ? m_picture.Width() : m_picture.Height();
+    std::string runs;
+    for (int start = 0, n = 0; n < end; start = n) {
+        while (n < end && letter(n) == letter(start)) {
             ++n;
-        strRuns += (nStart == 0 ? "" : " ") + std::to_string(n - nStart) + letter(nStart);
+        }
+        runs += (start == 0 ? "" : " ") + std::to_string(n - start) + letter(start);
     }
-    return strRuns;
+    return runs;
 }
 
 int Canvas::Count(const RECT& part, const std::function<bool(int x, int y)>& holds) const {
-    int nCount = 0;
+    int count = 0;
     for (int y = part.top; y < part.bottom; ++y) {
-        for (int x = part.left; x < part.right; ++x)
-            nCount += holds(x, y) ? 1 : 0;
+        for (int x = part.left; x < part.right; ++x) {
+            count += holds(x, y) ? 1 : 0;
+        }
     }
-    return nCount;
+    return count;
 }
 
 int Canvas::CountOf(COLORREF colour) const {

@@ -48,7 +48,7 @@ public:
 private:
     std::string Runs(int nLine, bool bRow) const;
 
-    richtext::CPicture m_picture;
+    richtext::Picture m_picture;
     MemoryDc m_dc;
     DcSelection m_selection;
 };

@@ -34,10 +34,10 @@ void ExpectUnits(int nDots) {
         {"31pt", 31 * nDots / 72},
         {"7pc", 7 * nDots / 6},
     };
-    for (const auto& [pszLength, nPixels] : kCases) {
-        TestDrawer drawer(std::string("<font size=30px><hr width=") + pszLength + "></font>");
+    for (const auto& [length, pixels] : kCases) {
+        TestDrawer drawer(std::string("<font size=30px><hr width=") + length + "></font>");
         drawer.Measure(2000);
-        EXPECT_EQ(drawer.RichText().Boxes().aFragments.at(0).nWidth, nPixels) << pszLength;
+        EXPECT_EQ(drawer.RichText().Boxes().aFragments.at(0).nWidth, pixels) << length;
     }
 }
 
@@ -54,18 +54,19 @@ TEST(DeviceUnits, DISABLED_AreThoseOf144Dots) {
 class Resolution {
 public:
     explicit Resolution(DWORD dwDots) {
-        DWORD dwBytes = sizeof m_dwBefore;
+        DWORD bytes = sizeof m_dwBefore;
         RegGetValueA(HKEY_CURRENT_USER, kKey, kValue, RRF_RT_REG_DWORD, nullptr, &m_dwBefore,
-                     &dwBytes);
+                     &bytes);
         Set(dwDots);
     }
     Resolution(const Resolution&) = delete;
     Resolution& operator=(const Resolution&) = delete;
     ~Resolution() {
-        if (m_dwBefore != 0)
+        if (m_dwBefore != 0) {
             Set(m_dwBefore);
-        else
+        } else {
             RegDeleteKeyValueA(HKEY_CURRENT_USER, kKey, kValue);
+        }
     }
 
 private:

@@ -50,12 +50,13 @@ protected:
     using TextGetter = HRESULT (STDMETHODCALLTYPE IAccessible::*)(VARIANT, BSTR*);
     std::string Text(TextGetter get, long nChild) {
         BSTR str = nullptr;
-        if ((m_object.get()->*get)(Child(nChild), &str) != S_OK)
+        if ((m_object.get()->*get)(Child(nChild), &str) != S_OK) {
             return "none";
-        char szText[200] = "";
-        WideCharToMultiByte(CP_ACP, 0, str, -1, szText, sizeof szText, nullptr, nullptr);
+        }
+        char text[200] = "";
+        WideCharToMultiByte(CP_ACP, 0, str, -1, text, sizeof text, nullptr, nullptr);
         SysFreeString(str);
-        return szText;
+        return text;
     }
     // -1 when there is none.
     template <class... Arguments, class... Values>
@@ -71,14 +72,14 @@ protected:
     }
     HRESULT Act(long nChild) { return m_object.get()->accDoDefaultAction(Child(nChild)); }
 
-    CHtmlHost m_host;
+    HtmlHost m_host;
     UniqueHandle<AccessibleTraits> m_object;
 };
 
 TEST_F(HtmlAccessible, TellsTextAndLinks) {
-    long nChildren = 0;
-    ASSERT_EQ(m_object.get()->get_accChildCount(&nChildren), S_OK);
-    EXPECT_EQ(nChildren, 2);
+    long children = 0;
+    ASSERT_EQ(m_object.get()->get_accChildCount(&children), S_OK);
+    EXPECT_EQ(children, 2);
     EXPECT_EQ(Text(&IAccessible::get_accName, CHILDID_SELF), "Your card:\ndetails or help");
     EXPECT_EQ(Text(&IAccessible::get_accName, 1), "details");
     EXPECT_EQ(Text(&IAccessible::get_accName, 2), "help");
@@ -119,14 +120,15 @@ TEST_F(HtmlAccessible, PlacesAreWhereTheyAreSeen) {
 }
 
 TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
-    for (const BOOL bEnabled : {FALSE, TRUE}) {
-        m_host.m_pStatic->EnableWindow(bEnabled);
+    for (const BOOL enabled : {FALSE, TRUE}) {
+        m_host.m_pStatic->EnableWindow(enabled);
         ASSERT_EQ(Act(1), S_OK);
         EXPECT_THAT(m_host.m_aMessages, IsEmpty()) << "not while the reader waits";
         MSG message{};
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
             DispatchMessageA(&message);
-        EXPECT_EQ(m_host.m_aMessages.size(), bEnabled ? 1U : 0U);
+        }
+        EXPECT_EQ(m_host.m_aMessages.size(), enabled ? 1U : 0U);
     }
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("m"));
     EXPECT_EQ(Act(CHILDID_SELF), DISP_E_MEMBERNOTFOUND);
@@ -139,9 +141,9 @@ TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
 }
 
 TEST_F(HtmlAccessible, RefusesWhatIsNotThere) {
-    for (const long nChild : {3L, -1L, 0x7FFFFFFFL}) {
-        EXPECT_EQ(NameResult(Child(nChild)), E_INVALIDARG) << nChild;
-        EXPECT_EQ(Act(nChild), E_INVALIDARG) << nChild;
+    for (const long child : {3L, -1L, 0x7FFFFFFFL}) {
+        EXPECT_EQ(NameResult(Child(child)), E_INVALIDARG) << child;
+        EXPECT_EQ(Act(child), E_INVALIDARG) << child;
     }
     VARIANT noNumber{};
     noNumber.vt = VT_BSTR;

@@ -4,23 +4,23 @@
 
 namespace mvp::test {
 
-BEGIN_MESSAGE_MAP(CHtmlHost, CWnd)
+BEGIN_MESSAGE_MAP(HtmlHost, CWnd)
     ON_WM_ERASEBKGND()
     ON_WM_CTLCOLOR()
-    ON_MESSAGE(kLinkMessage, &CHtmlHost::OnLink)
+    ON_MESSAGE(kLinkMessage, &HtmlHost::OnLink)
 END_MESSAGE_MAP()
 
-CHtmlHost::CHtmlHost() {
+HtmlHost::HtmlHost() {
     CreateEx(WS_EX_TOPMOST, AfxRegisterWndClass(0), "host", WS_POPUP | WS_VISIBLE, 40, 40, 300, 200,
              nullptr, nullptr);
 }
 
-CHtmlHost::~CHtmlHost() {
+HtmlHost::~HtmlHost() {
     m_pStatic.reset();
-    CHtmlHost::DestroyWindow();
+    HtmlHost::DestroyWindow();
 }
 
-CHtmlStatic& CHtmlHost::Add(LPCSTR pszText, DWORD dwStyle, CHtmlStatic::Clock pfnClock) {
+CHtmlStatic& HtmlHost::Add(LPCSTR pszText, DWORD dwStyle, CHtmlStatic::Clock pfnClock) {
     m_pStatic = std::make_unique<CHtmlStatic>(m_shell, pfnClock);
     m_pStatic->Create(pszText, WS_CHILD | WS_VISIBLE | dwStyle, CRect(10, 20, 210, 100), this, 789);
     m_pStatic->SetLinkCallback(m_hWnd, kLinkMessage, 77);
@@ -28,7 +28,7 @@ CHtmlStatic& CHtmlHost::Add(LPCSTR pszText, DWORD dwStyle, CHtmlStatic::Clock pf
     return *m_pStatic;
 }
 
-void CHtmlHost::MoveTo(int nLink) {
+void HtmlHost::MoveTo(int nLink) {
     const RECT area = nLink == kNoLink ? RECT{199, 79, 199, 79} : LinkRect(nLink);
     CPoint point((area.left + area.right) / 2, (area.top + area.bottom) / 2);
     m_pStatic->ClientToScreen(&point);
@@ -37,24 +37,24 @@ void CHtmlHost::MoveTo(int nLink) {
                            MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
 }
 
-void CHtmlHost::Click(int nPressed, int nReleased) {
+void HtmlHost::Click(int nPressed, int nReleased) {
     const auto in = [&](int nLink) {
         const RECT area = nLink == kNoLink ? RECT{190, 70, 200, 80} : LinkRect(nLink);
         return MAKELPARAM(area.left + 2, area.top + 2);
     };
-    const HWND hWnd = m_pStatic->m_hWnd;
+    const HWND window = m_pStatic->m_hWnd;
     const LPARAM released = in(nReleased);
-    ::SendMessageA(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, in(nPressed));
-    ::SendMessageA(hWnd, WM_LBUTTONUP, 0, released);
+    ::SendMessageA(window, WM_LBUTTONDOWN, MK_LBUTTON, in(nPressed));
+    ::SendMessageA(window, WM_LBUTTONUP, 0, released);
 }
 
-COLORREF CHtmlHost::At(int x, int y) {
+COLORREF HtmlHost::At(int x, int y) {
     m_pStatic->UpdateWindow();
     CClientDC dc(m_pStatic.get());
     return ::GetPixel(dc, x, y);
 }
 
-BOOL CHtmlHost::OnEraseBkgnd(CDC* pDC) {
+BOOL HtmlHost::OnEraseBkgnd(CDC* pDC) {
     CRect all;
     GetClientRect(&all);
     ::FillRect(*pDC, &all, m_background);
@@ -62,15 +62,16 @@ BOOL CHtmlHost::OnEraseBkgnd(CDC* pDC) {
     return TRUE;
 }
 
-HBRUSH CHtmlHost::OnCtlColor(CDC*, CWnd*, UINT) {
+HBRUSH HtmlHost::OnCtlColor(CDC*, CWnd*, UINT) {
     return m_static;
 }
 
-LRESULT CHtmlHost::OnLink(WPARAM wParam, LPARAM lParam) {
+LRESULT HtmlHost::OnLink(WPARAM wParam, LPARAM lParam) {
     m_aMessages.emplace_back(reinterpret_cast<const char*>(wParam));
     m_lParam = lParam;
-    if (m_bDeletesControl)
+    if (m_bDeletesControl) {
         m_pStatic.reset();
+    }
     return 0;
 }
 

@@ -14,11 +14,12 @@
 namespace mvp::test {
 
 // Records what would be opened and started.
-class RecordedShell : public richtext::CShell {
+class RecordedShell : public richtext::Shell {
 public:
     long long Open(const std::string& strTarget) override {
-        if (m_bThrows)
+        if (m_bThrows) {
             throw std::bad_alloc();
+        }
         m_aOpened.push_back(strTarget);
         return m_nResult;
     }
@@ -35,15 +36,15 @@ public:
     std::vector<std::string> m_aStarted;
 };
 
-class CHtmlHost : public CWnd {
+class HtmlHost : public CWnd {
 public:
     static constexpr COLORREF kBackground = RGB(0, 128, 0);
     static constexpr COLORREF kStatic = RGB(200, 220, 240);
     static constexpr COLORREF kMark = RGB(255, 255, 0);  // from (190, 70) of the control on
     static constexpr UINT kLinkMessage = WM_USER + 200;
 
-    CHtmlHost();
-    ~CHtmlHost() override;
+    HtmlHost();
+    ~HtmlHost() override;
 
     // A control of 200 x 80 at (10, 20), with the link callback set to this window.
     CHtmlStatic& Add(LPCSTR pszText, DWORD dwStyle = 0,

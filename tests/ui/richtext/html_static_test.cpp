@@ -30,18 +30,18 @@ protected:
         return canvas;
     }
 
-    CHtmlHost m_host;
+    HtmlHost m_host;
 };
 
 TEST_F(HtmlStatic, PaintsOnWhatTheDrawingModeSays) {
     CHtmlStatic& control = m_host.Add("text");
-    EXPECT_EQ(m_host.At(195, 75), CHtmlHost::kStatic);
+    EXPECT_EQ(m_host.At(195, 75), HtmlHost::kStatic);
     control.SetDrawingMode(CHtmlStatic::kTransparent);
-    EXPECT_EQ(m_host.At(100, 60), CHtmlHost::kBackground);
-    EXPECT_EQ(m_host.At(195, 75), CHtmlHost::kMark) << "the parent's picture, in its place";
+    EXPECT_EQ(m_host.At(100, 60), HtmlHost::kBackground);
+    EXPECT_EQ(m_host.At(195, 75), HtmlHost::kMark) << "the parent's picture, in its place";
     const Canvas canvas(200, 80);
-    EXPECT_EQ(Print(canvas).At(100, 60), CHtmlHost::kBackground);
-    EXPECT_EQ(canvas.At(195, 75), CHtmlHost::kMark);
+    EXPECT_EQ(Print(canvas).At(100, 60), HtmlHost::kBackground);
+    EXPECT_EQ(canvas.At(195, 75), HtmlHost::kMark);
 }
 
 TEST_F(HtmlStatic, TakesTextMarginsColoursAndFont) {
@@ -49,9 +49,9 @@ TEST_F(HtmlStatic, TakesTextMarginsColoursAndFont) {
     EXPECT_EQ(control.Drawer().PlainText(), "first") << "the text it is created with";
     control.SetWindowText("second");
     EXPECT_EQ(control.Drawer().PlainText(), "second");
-    CString strText;
-    control.GetWindowText(strText);
-    EXPECT_EQ(strText, "second");
+    CString text;
+    control.GetWindowText(text);
+    EXPECT_EQ(text, "second");
 
     control.SetWindowText("<a msg=m>n</a>");
     const RECT before = m_host.LinkRect(0);
@@ -62,10 +62,10 @@ TEST_F(HtmlStatic, TakesTextMarginsColoursAndFont) {
     // The handle is kept, its font's description is copied: the font may go at once.
     LOGFONTA description{};
     description.lfHeight = -30;
-    HFONT hFont = CreateFontIndirectA(&description);
-    control.SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(hFont), TRUE);
-    EXPECT_EQ(control.SendMessage(WM_GETFONT), reinterpret_cast<LRESULT>(hFont));
-    DeleteObject(hFont);
+    HFONT font = CreateFontIndirectA(&description);
+    control.SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+    EXPECT_EQ(control.SendMessage(WM_GETFONT), reinterpret_cast<LRESULT>(font));
+    DeleteObject(font);
     EXPECT_GT(m_host.LinkRect(0).bottom - m_host.LinkRect(0).top, 29);
 
     control.SetWindowText("<font size=60px>\x95</font>");
@@ -77,7 +77,7 @@ TEST_F(HtmlStatic, TakesTextMarginsColoursAndFont) {
 TEST_F(HtmlStatic, IsBoundToAControlOfADialog) {
     DialogTemplate form("form", {0, 0, 160, 60});
     form.Add("STATIC", 1001, "<i>from</i> the template", {7, 7, 140, 40}, 0);
-    class CFormDlg : public CDialog {
+    class FormDlg : public CDialog {
     public:
         BOOL Open(LPCDLGTEMPLATE pTemplate) { return CreateIndirect(pTemplate); }
     } dialog;
@@ -100,8 +100,9 @@ TEST_F(HtmlStatic, LinksDoWhatTheySay) {
     CHtmlStatic& control = m_host.Add(
         "<a msg=\"one &amp; only\">first</a> <a href=http://a.example/>second</a> "
         "<a msg=both href=http://b.example/>third</a> plain");
-    for (const int nLink : {0, 1, 2})
-        m_host.Click(nLink);
+    for (const int linkIndex : {0, 1, 2}) {
+        m_host.Click(linkIndex);
+    }
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("one & only", "both"));
     EXPECT_EQ(m_host.m_lParam, 77);
     EXPECT_THAT(m_host.m_shell.m_aOpened, ElementsAre("http://a.example/"));
@@ -118,7 +119,7 @@ TEST_F(HtmlStatic, LinksDoWhatTheySay) {
     // Pressed on one link and let go on another, or pressed beside it: nothing.
     m_host.Click(0, 1);
     m_host.Click(kNoLink, 0);
-    control.SetLinkCallback(nullptr, CHtmlHost::kLinkMessage, 0);
+    control.SetLinkCallback(nullptr, HtmlHost::kLinkMessage, 0);
     m_host.Click(0);
     control.SetLinkCallback(m_host, 0, 0);
     m_host.Click(0);
@@ -141,32 +142,32 @@ TEST_F(HtmlStatic, LogsLinksThatCannotBeFollowed) {
 }
 
 TEST_F(HtmlStatic, TellsWhyNothingIsDrawn) {
-    static bool s_bThrows;
-    static std::vector<std::string> s_aFailures;
-    s_bThrows = false;
-    s_aFailures.clear();
+    static bool throws;
+    static std::vector<std::string> failures;
+    throws = false;
+    failures.clear();
     CHtmlDrawer drawer(
         [](LPCSTR, LPCSTR) -> HINSTANCE {
-            return s_bThrows ? throw std::bad_alloc() : GetModuleHandleA("user32.dll");
+            return throws ? throw std::bad_alloc() : GetModuleHandleA("user32.dll");
         },
         richtext::SystemShell(),
-        [](const char* pszFailure) noexcept { s_aFailures.emplace_back(pszFailure); });
+        [](const char* pszFailure) noexcept { failures.emplace_back(pszFailure); });
     drawer.SetText("<icon idres=32512>");
     EXPECT_GT(drawer.Measure(200).cy, 0);
-    s_bThrows = true;
+    throws = true;
     const Canvas canvas(200, 80, drawer);
     drawer.SetText("<icon idres=32512>");
     drawer.Draw(canvas.Dc(), canvas.Area(), canvas.Area());
-    EXPECT_THAT(s_aFailures, ElementsAre("CHtmlDrawer::Draw: exception",
-                                         "CHtmlDrawer::Layout: the text was not laid out"));
+    EXPECT_THAT(failures, ElementsAre("CHtmlDrawer::Draw: exception",
+                                      "CHtmlDrawer::Layout: the text was not laid out"));
 }
 
 TEST_F(HtmlStatic, LinkTextsBecomeLinks) {
     CHtmlStatic& control = m_host.Add("");
     control.SetLinkText(CHtmlStatic::LinkKind::Msg, "msg", "Close");
-    CString strText;
-    control.GetWindowText(strText);
-    EXPECT_EQ(strText, "<a msg=\"msg\">Close</a>");
+    CString text;
+    control.GetWindowText(text);
+    EXPECT_EQ(text, "<a msg=\"msg\">Close</a>");
     m_host.Click(0);
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("msg"));
     control.SetLinkText(CHtmlStatic::LinkKind::Href, "http://c.example/", "Open");
@@ -208,9 +209,9 @@ TEST_F(HtmlStatic, HoverRepaintsTheLinkAlone) {
     EXPECT_EQ(control.Drawer().HoverLink(), kNoLink);
 
     // Anybody can send the message.
-    for (const int nLink : {2, -2, 0x7FFFFFFF}) {
-        control.SendMessage(0x8064, static_cast<WPARAM>(INT_PTR{nLink}));
-        EXPECT_EQ(control.Drawer().HoverLink(), kNoLink) << nLink;
+    for (const int linkIndex : {2, -2, 0x7FFFFFFF}) {
+        control.SendMessage(0x8064, static_cast<WPARAM>(INT_PTR{linkIndex}));
+        EXPECT_EQ(control.Drawer().HoverLink(), kNoLink) << linkIndex;
     }
     control.SendMessage(0x8064, 1);
     EXPECT_EQ(control.Drawer().HoverLink(), 1);
@@ -219,41 +220,42 @@ TEST_F(HtmlStatic, HoverRepaintsTheLinkAlone) {
 }
 
 TEST_F(HtmlStatic, MovesImagesByTheClockItIsGiven) {
-    std::uint32_t aPixels[16 * 8];
-    for (std::size_t i = 0; i < std::size(aPixels); ++i)
-        aPixels[i] = i % 16 < 8 ? 0xFF0000 : 0x0000FF;
-    const Bitmap strip(CreateBitmap(16, 8, 1, 32, aPixels));
-    const HIMAGELIST hList = ImageList_Create(8, 8, ILC_COLOR24, 2, 0);
-    ASSERT_EQ(ImageList_Add(hList, strip.get(), nullptr), 0);
+    std::uint32_t pixels[16 * 8];
+    for (std::size_t i = 0; i < std::size(pixels); ++i) {
+        pixels[i] = i % 16 < 8 ? 0xFF0000 : 0x0000FF;
+    }
+    const Bitmap strip(CreateBitmap(16, 8, 1, 32, pixels));
+    const HIMAGELIST list = ImageList_Create(8, 8, ILC_COLOR24, 2, 0);
+    ASSERT_EQ(ImageList_Add(list, strip.get(), nullptr), 0);
     // The clock may begin anew at any time.
     constexpr DWORD kStart = 0xFFFFFFC0;
-    static DWORD s_dwNow;
-    s_dwNow = kStart;
-    CHtmlStatic& control = m_host.Add("", 0, []() WINAPI -> DWORD { return s_dwNow; });
-    control.AllowImageList(hList);
-    const std::string strHandle = std::to_string(reinterpret_cast<UINT_PTR>(hList));
-    control.SetWindowText(("<ilst cx=40 cy=40 speed=100 handle=" + strHandle + ">").c_str());
+    static DWORD now;
+    now = kStart;
+    CHtmlStatic& control = m_host.Add("", 0, []() WINAPI -> DWORD { return now; });
+    control.AllowImageList(list);
+    const std::string handle = std::to_string(reinterpret_cast<UINT_PTR>(list));
+    control.SetWindowText(("<ilst cx=40 cy=40 speed=100 handle=" + handle + ">").c_str());
     constexpr std::pair<DWORD, COLORREF> kMoments[] = {
         {0, kRed}, {99, kRed}, {100, kBlue}, {199, kBlue}, {1000, kRed}};
-    for (const auto& [dwPassed, colour] : kMoments) {
-        s_dwNow = kStart + dwPassed;
+    for (const auto& [passed, colour] : kMoments) {
+        now = kStart + passed;
         control.SendMessage(WM_TIMER, 1);
-        EXPECT_EQ(m_host.At(20, 20), colour) << dwPassed;
+        EXPECT_EQ(m_host.At(20, 20), colour) << passed;
     }
     m_host.m_pStatic.reset();
-    ImageList_Destroy(hList);
+    ImageList_Destroy(list);
 }
 
 TEST_F(HtmlStatic, HoldsNothingMoreAfterManyTexts) {
     CHtmlStatic& control = m_host.Add("");
     control.SetDrawingMode(CHtmlStatic::kTransparent);
     const auto round = [&](int n) {
-        const std::string strText =
+        const std::string text =
             "<font size=" + std::to_string(8 + n % 80) +
             "px face=Verdana>text</font><a msg=m>x</a><icon idres=32512 iddll=user32.dll>"
             "<table border=2 bgcolor=red bgeffect=" +
             std::to_string(n % 16) + "><tr><td><b>cell</table>";
-        control.SetWindowText(strText.c_str());
+        control.SetWindowText(text.c_str());
         m_host.MoveTo(0);
         control.UpdateWindow();
     };
@@ -280,19 +282,20 @@ protected:
     // What a message loop does with a key.
     void Press(WORD nKey, bool bShift = false) {
         Hold(nKey, bShift, 0x80);
-        for (const UINT nMessage : {UINT{WM_KEYDOWN}, UINT{WM_KEYUP}}) {
-            MSG message{GetFocus(), nMessage, nKey, 1, 0, {}};
-            if (!IsDialogMessageA(m_host, &message))
+        for (const UINT messageId : {UINT{WM_KEYDOWN}, UINT{WM_KEYUP}}) {
+            MSG message{GetFocus(), messageId, nKey, 1, 0, {}};
+            if (!IsDialogMessageA(m_host, &message)) {
                 DispatchMessageA(&message);
+            }
         }
         Hold(nKey, bShift, 0);
     }
     static void Hold(WORD nKey, bool bShift, BYTE nState) {
-        std::array<BYTE, 256> aKeys{};
-        GetKeyboardState(aKeys.data());
-        aKeys[nKey] = nState;
-        aKeys[VK_SHIFT] = bShift ? nState : BYTE{0};
-        SetKeyboardState(aKeys.data());
+        std::array<BYTE, 256> keys{};
+        GetKeyboardState(keys.data());
+        keys[nKey] = nState;
+        keys[VK_SHIFT] = bShift ? nState : BYTE{0};
+        SetKeyboardState(keys.data());
     }
     // A window has the focus and, if it is the control, one of its links.
     void ExpectFocus(HWND hWnd, int nLink) {
@@ -300,20 +303,20 @@ protected:
         EXPECT_EQ(m_host.m_pStatic->Drawer().FocusLink(), nLink);
     }
 
-    CHtmlHost m_host;
+    HtmlHost m_host;
     HWND m_hBefore = nullptr;
     HWND m_hAfter = nullptr;
 };
 
 TEST_F(HtmlKeyboard, TabGoesFromLinkToLinkAndOn) {
-    const HWND hControl = m_host.m_pStatic->m_hWnd;
+    const HWND control = m_host.m_pStatic->m_hWnd;
     // A link without anything to see is passed over.
     const struct {
         HWND hWnd;
         int nLink;
         bool bShift;
-    } kSteps[] = {{hControl, 0, false}, {hControl, 2, false}, {m_hAfter, kNoLink, false},
-                  {hControl, 2, true},  {hControl, 0, true},  {m_hBefore, kNoLink, true}};
+    } kSteps[] = {{control, 0, false}, {control, 2, false}, {m_hAfter, kNoLink, false},
+                  {control, 2, true},  {control, 0, true},  {m_hBefore, kNoLink, true}};
     for (const auto& step : kSteps) {
         SCOPED_TRACE(&step - kSteps);
         Press(VK_TAB, step.bShift);
@@ -323,8 +326,9 @@ TEST_F(HtmlKeyboard, TabGoesFromLinkToLinkAndOn) {
 
 TEST_F(HtmlKeyboard, EnterAndSpaceFollowTheLink) {
     constexpr WORD kKeys[] = {VK_TAB, VK_RETURN, VK_TAB, VK_SPACE};
-    for (const WORD nKey : kKeys)
-        Press(nKey);
+    for (const WORD key : kKeys) {
+        Press(key);
+    }
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("one", "two"));
 }
 

@@ -55,13 +55,13 @@ private:
 
 // The pixels of a picture of three squares of 8 pixels: red, green, blue.
 std::string StripPixels() {
-    std::string strPixels;
+    std::string pixels;
     for (std::size_t n = 0; n < std::size_t{8} * 24; ++n) {
-        std::string strPixel(3, '\0');
-        strPixel[2 - n % 24 / 8] = '\xFF';
-        strPixels += strPixel;
+        std::string pixel(3, '\0');
+        pixel[2 - n % 24 / 8] = '\xFF';
+        pixels += pixel;
     }
-    return strPixels;
+    return pixels;
 }
 
 std::string FirstRow(const std::string& strMarkup) {
@@ -71,9 +71,9 @@ std::string FirstRow(const std::string& strMarkup) {
 }
 
 std::string HexOf(const void* handle) {
-    char szText[32];
-    snprintf(szText, sizeof szText, "0x%llX", reinterpret_cast<unsigned long long>(handle));
-    return szText;
+    char text[32];
+    snprintf(text, sizeof text, "0x%llX", reinterpret_cast<unsigned long long>(handle));
+    return text;
 }
 
 TEST(Images, ComeFromFiles) {
@@ -90,8 +90,9 @@ TEST(Images, ComeFromFiles) {
         {"ilst index=-1", ""},
         {"ilst index=2147483647", ""},
     };
-    for (const auto& [strTag, pszRow] : kCases)
-        EXPECT_EQ(FirstRow("<" + strTag + " " + file.Attribute() + ">"), pszRow) << strTag;
+    for (const auto& [tag, row] : kCases) {
+        EXPECT_EQ(FirstRow("<" + tag + " " + file.Attribute() + ">"), row) << tag;
+    }
 
     const Canvas disabled(32, 40, "<bmp style=disabled " + file.Attribute() + ">");
     EXPECT_EQ(disabled.Ink().right, 24);
@@ -109,30 +110,30 @@ TEST(Images, TileAnyArea) {
         SetViewportOrgEx(canvas.Dc(), -corner.x, -corner.y, nullptr);
         drawer.Draw(canvas.Dc(), whole, whole);
         for (int x = 0; x < 20 && corner.x + x < 9000; ++x) {
-            const COLORREF aSquares[] = {kRed, kGreen, kBlue};
-            EXPECT_EQ(canvas.At(x, 19), aSquares[(corner.x + x) / 8 % 3]) << corner.x + x;
+            const COLORREF squares[] = {kRed, kGreen, kBlue};
+            EXPECT_EQ(canvas.At(x, 19), squares[(corner.x + x) / 8 % 3]) << corner.x + x;
         }
     }
 }
 
 TEST(Images, ComeFromHandles) {
-    std::uint32_t aPixels[8 * 8];
-    std::fill(std::begin(aPixels), std::end(aPixels), 0xFF);
-    Bitmap bitmap(CreateBitmap(8, 8, 1, 32, aPixels));
-    const std::string strMarkup = "<bmp handle=" + HexOf(bitmap.get()) + ">";
-    EXPECT_EQ(FirstRow(strMarkup), "8b 24.");
+    std::uint32_t pixels[8 * 8];
+    std::fill(std::begin(pixels), std::end(pixels), 0xFF);
+    Bitmap bitmap(CreateBitmap(8, 8, 1, 32, pixels));
+    const std::string markup = "<bmp handle=" + HexOf(bitmap.get()) + ">";
+    EXPECT_EQ(FirstRow(markup), "8b 24.");
 
-    const HIMAGELIST hList = ImageList_Create(8, 8, ILC_COLOR24, 2, 0);
-    ASSERT_EQ(ImageList_Add(hList, bitmap.get(), nullptr), 0);
-    TestDrawer drawer("<ilst handle=" + HexOf(hList) + ">");
+    const HIMAGELIST list = ImageList_Create(8, 8, ILC_COLOR24, 2, 0);
+    ASSERT_EQ(ImageList_Add(list, bitmap.get(), nullptr), 0);
+    TestDrawer drawer("<ilst handle=" + HexOf(list) + ">");
     EXPECT_EQ(Canvas(32, 40, drawer).CountOf(kBlue), 0) << "a list nobody has allowed";
-    drawer.AllowImageList(hList);
+    drawer.AllowImageList(list);
     EXPECT_EQ(Canvas(32, 40, drawer).CountOf(kBlue), 8 * 8);
     drawer.SetText("");
-    ImageList_Destroy(hList);
+    ImageList_Destroy(list);
 
     bitmap.reset();
-    EXPECT_EQ(FirstRow(strMarkup), "") << "a handle that is one no more";
+    EXPECT_EQ(FirstRow(markup), "") << "a handle that is one no more";
 }
 
 TEST(Images, ComeFromResources) {
@@ -146,23 +147,23 @@ TEST(Images, ComeFromResources) {
 // Two pixels, red and blue, in every way a bitmap can hold them.
 TEST(Images, AreReadFromEveryKindOfBitmap) {
     using namespace std::string_literals;
-    const std::string strPalette = "\0\0\xFF\0\xFF\0\0\0"s;
+    const std::string palette = "\0\0\xFF\0\xFF\0\0\0"s;
     // Masks or colours stand before the pixels.
     const std::pair<Headers, std::string> kKinds[] = {
-        {{2, 1, 1, BI_RGB, 2, 62}, strPalette + "\x40\0\0\0"s},
-        {{2, 1, 4, BI_RGB, 2, 62}, strPalette + "\x01\0\0\0"s},
-        {{2, 1, 8, BI_RGB, 2, 62}, strPalette + "\0\x01\0\0"s},
-        {{2, 1, 8, BI_RLE8, 2, 62}, strPalette + "\1\0\1\1\0\1"s},
+        {{2, 1, 1, BI_RGB, 2, 62}, palette + "\x40\0\0\0"s},
+        {{2, 1, 4, BI_RGB, 2, 62}, palette + "\x01\0\0\0"s},
+        {{2, 1, 8, BI_RGB, 2, 62}, palette + "\0\x01\0\0"s},
+        {{2, 1, 8, BI_RLE8, 2, 62}, palette + "\1\0\1\1\0\1"s},
         {{2, 1, 16}, "\0\x7C\x1F\0"s},
         {{2, 1, 16, BI_BITFIELDS, 0, 66}, "\0\xF8\0\0\xE0\x07\0\0\x1F\0\0\0\0\xF8\x1F\0"s},
         {{2, 1, 24}, "\0\0\xFF\xFF\0\0\0\0"s},
         {{2, 1, 32}, "\0\0\xFF\0\xFF\0\0\0"s},
     };
-    for (const auto& [headers, strRest] : kKinds) {
+    for (const auto& [headers, rest] : kKinds) {
         SCOPED_TRACE(std::to_string(headers.nBits) + " bits");
-        const BitmapFile file(headers, strRest);
+        const BitmapFile file(headers, rest);
         const Bitmap loaded = LoadBitmapFile(file.Name().c_str());
-        const auto picture = richtext::CPicture::FromBitmap(loaded.get(), richtext::kNoColour);
+        const auto picture = richtext::Picture::FromBitmap(loaded.get(), richtext::kNoColour);
         ASSERT_EQ(picture.Pixels().size(), 2u);
         EXPECT_EQ(picture.Pixels()[0], 0xFFFF0000u);
         EXPECT_EQ(picture.Pixels()[1], 0xFF0000FFu);
@@ -171,9 +172,9 @@ TEST(Images, AreReadFromEveryKindOfBitmap) {
 
 TEST(Images, WrongOnesAreNotThere) {
     const auto expectNone = [](const std::string& strFrom) {
-        for (const char* pszTag :
-             {"<bmp width=8 height=8 ", "<icon cx=8 cy=8 ", "<ilst cx=8 cy=8 "})
-            EXPECT_EQ(FirstRow(pszTag + strFrom + ">"), "") << pszTag << strFrom;
+        for (const char* tag : {"<bmp width=8 height=8 ", "<icon cx=8 cy=8 ", "<ilst cx=8 cy=8 "}) {
+            EXPECT_EQ(FirstRow(tag + strFrom + ">"), "") << tag << strFrom;
+        }
     };
     const Headers kFiles[] = {
         {30000, 30000},                     // huge
@@ -188,13 +189,14 @@ TEST(Images, WrongOnesAreNotThere) {
         SCOPED_TRACE(&headers - kFiles);
         expectNone(BitmapFile(headers, StripPixels().substr(0, std::size_t{8} * 24)).Attribute());
     }
-    for (const char* pszFrom :
+    for (const char* from :
          {"file=missing.bmp", R"(file=\\machine\share\a.bmp)", "file=//machine/share/a.bmp",
           R"(file=\\.\COM1)", "file=NUL", "file=C:\\", "idres=99 iddll=missing.dll",
           R"(idres=99 iddll=\\machine\a.dll)", "idres=0", "idres=99999", "idres=nothing",
           "handle=1", "handle=0xFFFFFFFF", "handle=0xFFFFFFFFFFFFFFFF",
-          "handle=99999999999999999999", "handle=text", "handle=-1"})
-        expectNone(pszFrom);
+          "handle=99999999999999999999", "handle=text", "handle=-1"}) {
+        expectNone(from);
+    }
 }
 
 TEST(Images, AnimatedListsMoveWithTheClock) {
@@ -203,9 +205,9 @@ TEST(Images, AnimatedListsMoveWithTheClock) {
     EXPECT_EQ(drawer.AnimationInterval(), 100u);
     constexpr std::pair<UINT, COLORREF> kMoments[] = {
         {0, kGreen}, {99, kGreen}, {100, kBlue}, {200, kRed}, {4294967200u, kBlue}};
-    for (const auto& [nClock, colour] : kMoments) {
-        drawer.SetClock(nClock);
-        EXPECT_EQ(Canvas(32, 40, drawer).CountOf(colour), 8 * 8) << nClock;
+    for (const auto& [clock, colour] : kMoments) {
+        drawer.SetClock(clock);
+        EXPECT_EQ(Canvas(32, 40, drawer).CountOf(colour), 8 * 8) << clock;
     }
     EXPECT_EQ(drawer.AnimatedRects().size(), 1u);
 }

@@ -27,20 +27,21 @@ protected:
 
     // What the program has written when it has ended, which is when the file can be had alone.
     std::string Written() {
-        std::string strLine;
+        std::string line;
         WaitFor(std::chrono::seconds(30), [&] {
             const FileHandle file(CreateFileA(m_strFile.c_str(), GENERIC_READ, 0, nullptr,
                                               OPEN_EXISTING, 0, nullptr));
-            char szText[256] = "";
-            DWORD nRead = 0;
-            if (!file || !ReadFile(file.get(), szText, sizeof szText, &nRead, nullptr))
+            char text[256] = "";
+            DWORD read = 0;
+            if (!file || !ReadFile(file.get(), text, sizeof text, &read, nullptr)) {
                 return false;
-            strLine.assign(szText, nRead);
-            return strLine.ends_with('\n');
+            }
+            line.assign(text, read);
+            return line.ends_with('\n');
         });
-        strLine.resize(strLine.find_last_not_of(" \r\n") + 1);
+        line.resize(line.find_last_not_of(" \r\n") + 1);
         DeleteFileA(m_strFile.c_str());
-        return strLine;
+        return line;
     }
 
     RegistryHive m_classes{HKEY_CLASSES_ROOT};
@@ -48,7 +49,7 @@ protected:
 };
 
 TEST_F(SystemShell, OpensLinksWithTheirProgramOrThatOfHtmlFiles) {
-    richtext::CShell& shell = richtext::SystemShell();
+    richtext::Shell& shell = richtext::SystemShell();
     EXPECT_FALSE(richtext::OpenLinkTarget(shell, "mvptest:none")) << "nobody opens it";
     m_classes.SetString(".htm", "", "mvphtml");
     EXPECT_FALSE(richtext::OpenLinkTarget(shell, "mvptest:none")) << "a class without a command";

@@ -43,15 +43,15 @@ TEST(BorderPainting, DrawsEveryStyle) {
 TEST(TextPainting, DrawsInsideItsBoxes) {
     // What was measured is what is drawn: no letter leaves the box of its text, and the lines under
     // and through it are exactly as long as the box.
-    for (const std::string strTag : {"", "<b>", "<i>", "<font size=7>", "<font face=Verdana>"}) {
-        TestDrawer drawer(strTag + "<u>underlined nnnnnnnnnnn</u>");
+    for (const std::string tag : {"", "<b>", "<i>", "<font size=7>", "<font face=Verdana>"}) {
+        TestDrawer drawer(tag + "<u>underlined nnnnnnnnnnn</u>");
         const RECT ink = Canvas(600, 60, drawer).Ink();
-        const LONG nWidth = drawer.RichText().Boxes().aLines.at(0).nWidth;
-        EXPECT_EQ(ink.left, 0) << strTag;
-        EXPECT_GE(ink.right, nWidth) << strTag;
-        EXPECT_LE(ink.right, nWidth + (strTag == "<i>" ? 4 : 1)) << strTag;
-        const Canvas plain(600, 60, strTag + "underlined nnnnnnnnnnn");
-        EXPECT_GE(plain.Ink().right, nWidth * 95 / 100) << strTag << ": no letter is missing";
+        const LONG width = drawer.RichText().Boxes().aLines.at(0).nWidth;
+        EXPECT_EQ(ink.left, 0) << tag;
+        EXPECT_GE(ink.right, width) << tag;
+        EXPECT_LE(ink.right, width + (tag == "<i>" ? 4 : 1)) << tag;
+        const Canvas plain(600, 60, tag + "underlined nnnnnnnnnnn");
+        EXPECT_GE(plain.Ink().right, width * 95 / 100) << tag << ": no letter is missing";
     }
 }
 
@@ -77,17 +77,17 @@ TEST(Painting, LeavesOutWhatIsTransparent) {
         {"<hr class=none>", {}},
         {"<hr class=line>", {kGreen}},
     };
-    for (const auto& [pszMarkup, aColours] : kCases) {
-        TestDrawer drawer(pszMarkup,
+    for (const auto& [markup, colours] : kCases) {
+        TestDrawer drawer(markup,
                           ".none {color: transparent} .line {color: #00FF00} "
                           ".frame {border-style: solid; border-color: transparent}");
         const Canvas canvas(60, 30, drawer);
-        int nOthers = 60 * 30 - canvas.CountOf(kUntouched);
-        for (const COLORREF colour : aColours) {
-            EXPECT_GT(canvas.CountOf(colour), 0) << pszMarkup;
-            nOthers -= canvas.CountOf(colour);
+        int others = 60 * 30 - canvas.CountOf(kUntouched);
+        for (const COLORREF colour : colours) {
+            EXPECT_GT(canvas.CountOf(colour), 0) << markup;
+            others -= canvas.CountOf(colour);
         }
-        EXPECT_EQ(nOthers, 0) << pszMarkup;
+        EXPECT_EQ(others, 0) << markup;
     }
 }
 
@@ -96,10 +96,11 @@ TEST(TextPainting, DrawsLinesUnderThroughAndOver) {
     const auto lineOf = [](const char* pszMarkup) {
         TestDrawer drawer(pszMarkup, ".o {text-decoration: overline}");
         const Canvas canvas(60, 24, drawer);
-        const std::string strLine = std::to_string(canvas.Ink().right) + "k ";
+        const std::string line = std::to_string(canvas.Ink().right) + "k ";
         for (int y = 0; y < 24; ++y) {
-            if (canvas.Row(y).starts_with(strLine))
+            if (canvas.Row(y).starts_with(line)) {
                 return y;
+            }
         }
         return -1;
     };
@@ -114,18 +115,18 @@ TEST(TextPainting, SpreadsJustifiedLines) {
         "<justify>this paragraph is long enough to be spread over several lines, each of which "
         "ends where the view does, whatever letters are in it, but for the last</justify>");
     drawer.SetMargins(10, 0);  // room to see what leaves the line
-    for (const int nEdge : {161, 210, 311, 390}) {
-        const Canvas canvas(nEdge + 10, 200, drawer);
+    for (const int edge : {161, 210, 311, 390}) {
+        const Canvas canvas(edge + 10, 200, drawer);
         const auto& lines = drawer.RichText().Boxes().aLines;
         for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-            int nEnd = 0;
-            canvas.Count({0, lines[i].nY, nEdge + 10, lines[i].nY + lines[i].nHeight},
+            int end = 0;
+            canvas.Count({0, lines[i].nY, edge + 10, lines[i].nY + lines[i].nHeight},
                          [&](int x, int y) {
-                             nEnd = canvas.At(x, y) != kUntouched ? std::max(nEnd, x + 1) : nEnd;
+                             end = canvas.At(x, y) != kUntouched ? std::max(end, x + 1) : end;
                              return false;
                          });
-            EXPECT_GE(nEnd, nEdge - 2) << "line " << i << " up to " << nEdge;
-            EXPECT_LE(nEnd, nEdge) << "line " << i << " up to " << nEdge;
+            EXPECT_GE(end, edge - 2) << "line " << i << " up to " << edge;
+            EXPECT_LE(end, edge) << "line " << i << " up to " << edge;
         }
     }
 }
@@ -155,16 +156,16 @@ TEST(Painting, ShowsHoverAndFocusOnTheLinkAlone) {
     TestDrawer drawer("before <a msg=m>link</a> after <a msg=n>other</a>");
     drawer.SetLinkColors(kBlue, kRed);
     const Canvas plain(260, 24, drawer);
-    const std::vector<RECT> aRects = drawer.LinkRects(0);
-    ASSERT_EQ(aRects.size(), 1u);
-    for (const bool bHover : {true, false}) {
-        drawer.SetHoverLink(bHover ? 0 : kNoLink);
-        drawer.SetFocusLink(bHover ? kNoLink : 0);
+    const std::vector<RECT> rects = drawer.LinkRects(0);
+    ASSERT_EQ(rects.size(), 1u);
+    for (const bool hover : {true, false}) {
+        drawer.SetHoverLink(hover ? 0 : kNoLink);
+        drawer.SetFocusLink(hover ? kNoLink : 0);
         const Canvas changed(260, 24, drawer);
         const auto differs = [&](int x, int y) { return changed.At(x, y) != plain.At(x, y); };
-        const int nInside = changed.Count(aRects[0], differs);
-        EXPECT_GT(nInside, 0) << bHover;
-        EXPECT_EQ(changed.Count(changed.Area(), differs), nInside) << bHover;
+        const int inside = changed.Count(rects[0], differs);
+        EXPECT_GT(inside, 0) << hover;
+        EXPECT_EQ(changed.Count(changed.Area(), differs), inside) << hover;
     }
 }
 
@@ -172,12 +173,12 @@ TEST(Painting, KeepsTheContextAsItWas) {
     const Canvas canvas(100, 50);
     SetTextColor(canvas.Dc(), 0x123456);
     SetBkMode(canvas.Dc(), OPAQUE);
-    const HGDIOBJ hFont = GetCurrentObject(canvas.Dc(), OBJ_FONT);
+    const HGDIOBJ font = GetCurrentObject(canvas.Dc(), OBJ_FONT);
     TestDrawer("<h1>x</h1><table border=1 bgeffect=hgradient><tr><td>y</td></tr></table>")
         .Draw(canvas.Dc(), canvas.Area(), {0, 0, 90, 40});
     EXPECT_EQ(GetTextColor(canvas.Dc()), 0x123456u);
     EXPECT_EQ(GetBkMode(canvas.Dc()), OPAQUE);
-    EXPECT_EQ(GetCurrentObject(canvas.Dc(), OBJ_FONT), hFont);
+    EXPECT_EQ(GetCurrentObject(canvas.Dc(), OBJ_FONT), font);
     RECT clip{};
     GetClipBox(canvas.Dc(), &clip);
     EXPECT_EQ(clip.right, 100);
@@ -185,16 +186,16 @@ TEST(Painting, KeepsTheContextAsItWas) {
 
 // What this process computed: other programs on the machine do not count.
 double ProcessSeconds() {
-    FILETIME aTimes[4] = {};  // created, ended, kernel, user
-    GetProcessTimes(GetCurrentProcess(), &aTimes[0], &aTimes[1], &aTimes[2], &aTimes[3]);
+    FILETIME times[4] = {};  // created, ended, kernel, user
+    GetProcessTimes(GetCurrentProcess(), &times[0], &times[1], &times[2], &times[3]);
     const auto seconds = [](const FILETIME& time) {
         return (time.dwHighDateTime * 4294967296.0 + time.dwLowDateTime) * 1e-7;
     };
-    return seconds(aTimes[2]) + seconds(aTimes[3]);
+    return seconds(times[2]) + seconds(times[3]);
 }
 
 TEST(Painting, GetsOverHostileTexts) {
-    for (const std::string& strText :
+    for (const std::string& text :
          {std::string(200000, '<'), std::string(100000, 'w'), std::string(20000, '\xFF'),
           std::string("<font size=32767px>huge</font>"),
           std::string("<table width=99999999 height=99999999 border=999999 borderstyle=dotted "
@@ -202,8 +203,8 @@ TEST(Painting, GetsOverHostileTexts) {
           std::string("<bmp handle=0 width=32767 height=32767 file=a.bmp><icon cx=99999 cy=99999 "
                       "idres=32512 iddll=user32.dll>")}) {
         const double before = ProcessSeconds();
-        const Canvas canvas(300, 100, strText);
-        EXPECT_LT(ProcessSeconds() - before, 3) << strText.substr(0, 30);
+        const Canvas canvas(300, 100, text);
+        EXPECT_LT(ProcessSeconds() - before, 3) << text.substr(0, 30);
     }
 }
 
@@ -221,8 +222,9 @@ TestDrawer Block(const std::string& strEffect) {
 
 // The system's gradient ends one step short of its end colour.
 void ExpectNear(COLORREF colour, COLORREF wanted, const char* pszWhat) {
-    for (const int nShift : {0, 8, 16})
-        EXPECT_NEAR(colour >> nShift & 0xFF, wanted >> nShift & 0xFF, 9) << pszWhat;
+    for (const int shift : {0, 8, 16}) {
+        EXPECT_NEAR(colour >> shift & 0xFF, wanted >> shift & 0xFF, 9) << pszWhat;
+    }
 }
 
 TEST(EffectPainting, GradientsRunFromColourToColour) {
@@ -237,46 +239,48 @@ TEST(EffectPainting, GradientsRunFromColourToColour) {
     for (const auto& c : kCases) {
         auto drawer = Block(c.pszName);
         const Canvas canvas(kBlockWidth, kBlockHeight, drawer);
-        const int nLast = (c.bAcross ? kBlockWidth : kBlockHeight) - 1;
+        const int lastNumber = (c.bAcross ? kBlockWidth : kBlockHeight) - 1;
         const auto at = [&](int n, int nOther) {
             return c.bAcross ? canvas.At(n, nOther) : canvas.At(nOther, n);
         };
         EXPECT_EQ(at(0, 5), kRed) << c.pszName;
-        ExpectNear(at((nLast + 1) / 2, 5), c.middle, c.pszName);
-        ExpectNear(at(nLast, 5), c.last, c.pszName);
-        for (const int n : {0, 20, nLast})
+        ExpectNear(at((lastNumber + 1) / 2, 5), c.middle, c.pszName);
+        ExpectNear(at(lastNumber, 5), c.last, c.pszName);
+        for (const int n : {0, 20, lastNumber}) {
             EXPECT_EQ(at(n, 5), at(n, 60)) << c.pszName << " is the same all along, " << n;
+        }
     }
 }
 
 TEST(EffectPainting, OtherEffectsAreTheirPixels) {
-    int nEffect = static_cast<int>(richtext::BackgroundEffect::Noise);
-    for (const char* pszName : {"noise", "diagshade", "hshade", "vshade", "hbump", "vbump",
-                                "softbump", "hardbump", "metal"}) {
-        auto drawer = Block(pszName);
+    int effectCode = static_cast<int>(richtext::BackgroundEffect::Noise);
+    for (const char* name : {"noise", "diagshade", "hshade", "vshade", "hbump", "vbump", "softbump",
+                             "hardbump", "metal"}) {
+        auto drawer = Block(name);
         const Canvas canvas(kBlockWidth, kBlockHeight, drawer);
-        const auto effect = static_cast<richtext::BackgroundEffect>(nEffect++);
-        std::vector<std::uint8_t> aPixels(std::size_t{4} * kBlockWidth * kBlockHeight);
+        const auto effect = static_cast<richtext::BackgroundEffect>(effectCode++);
+        std::vector<std::uint8_t> pixels(std::size_t{4} * kBlockWidth * kBlockHeight);
         richtext::PaintEffect({effect, kRed, kGreen, kBlue, kBlockWidth, kBlockHeight},
-                              {0, 0, kBlockWidth, kBlockHeight}, aPixels.data(),
+                              {0, 0, kBlockWidth, kBlockHeight}, pixels.data(),
                               std::size_t{4} * kBlockWidth);
         const auto differs = [&](int x, int y) {
-            const std::uint8_t* p = &aPixels[4 * static_cast<std::size_t>(y * kBlockWidth + x)];
+            const std::uint8_t* p = &pixels[4 * static_cast<std::size_t>(y * kBlockWidth + x)];
             return canvas.At(x, y) != RGB(p[2], p[1], p[0]);
         };
-        EXPECT_EQ(canvas.Count(canvas.Area(), differs), 0) << pszName;
+        EXPECT_EQ(canvas.Count(canvas.Area(), differs), 0) << name;
     }
 }
 
 TEST(EffectPainting, APartLooksLikeThatPartOfTheWhole) {
-    for (const char* pszEffect : {"hgradient", "3vgradient", "noise", "softbump", "metal"}) {
-        auto drawer = Block(pszEffect);
+    for (const char* effect : {"hgradient", "3vgradient", "noise", "softbump", "metal"}) {
+        auto drawer = Block(effect);
         const Canvas whole(kBlockWidth, kBlockHeight, drawer);
         const Canvas parts(kBlockWidth, kBlockHeight);
-        for (const RECT& part : {RECT{0, 0, 31, 64}, RECT{31, 0, 96, 17}, RECT{31, 17, 96, 64}})
+        for (const RECT& part : {RECT{0, 0, 31, 64}, RECT{31, 0, 96, 17}, RECT{31, 17, 96, 64}}) {
             drawer.Draw(parts.Dc(), parts.Area(), part);
+        }
         const auto differs = [&](int x, int y) { return parts.At(x, y) != whole.At(x, y); };
-        EXPECT_EQ(whole.Count(whole.Area(), differs), 0) << pszEffect;
+        EXPECT_EQ(whole.Count(whole.Area(), differs), 0) << effect;
     }
 }
 

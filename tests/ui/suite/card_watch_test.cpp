@@ -1,5 +1,5 @@
 // The watch over the readers, with a smart-card service of the test's own behind the real
-// functions: this program exports what CPcscService uses, and is the module that it loads.
+// functions: this program exports what PcscService uses, and is the module that it loads.
 #include "suite/vkevtsub/card_watch.h"
 
 #include <windows.h>
@@ -68,23 +68,26 @@ constexpr char kComingAndGoing[] = R"(\\?PnP?\Notification)";
 
 // What a wait finds now; SCARD_E_TIMEOUT when nothing differs from what is known.
 LONG Look(LPSCARD_READERSTATEA pStates, DWORD nStates) {
-    if (!g_world.bUp)
+    if (!g_world.bUp) {
         return SCARD_E_SERVICE_STOPPED;
-    bool bChange = false;
+    }
+    bool change = false;
     for (DWORD i = 0; i < nStates; ++i) {
         SCARD_READERSTATEA& state = pStates[i];
         const auto reader = g_world.readers.find(state.szReader);
-        const bool bReaders = std::strcmp(state.szReader, kComingAndGoing) == 0;
-        if (!bReaders && reader == g_world.readers.end())
+        const bool readers = std::strcmp(state.szReader, kComingAndGoing) == 0;
+        if (!readers && reader == g_world.readers.end()) {
             return SCARD_E_UNKNOWN_READER;
+        }
         state.dwEventState =
-            bReaders ? static_cast<DWORD>(g_world.readers.size()) << 16 : reader->second;
-        if (state.dwEventState == (state.dwCurrentState & ~DWORD{SCARD_STATE_CHANGED}))
+            readers ? static_cast<DWORD>(g_world.readers.size()) << 16 : reader->second;
+        if (state.dwEventState == (state.dwCurrentState & ~DWORD{SCARD_STATE_CHANGED})) {
             continue;
+        }
         state.dwEventState |= SCARD_STATE_CHANGED;
-        bChange = true;
+        change = true;
     }
-    return bChange ? SCARD_S_SUCCESS : SCARD_E_TIMEOUT;
+    return change ? SCARD_S_SUCCESS : SCARD_E_TIMEOUT;
 }
 
 }  // namespace
@@ -95,8 +98,9 @@ __declspec(dllexport) LONG WINAPI
     SCardEstablishContext(DWORD, LPCVOID, LPCVOID, LPSCARDCONTEXT phContext) {
     const std::lock_guard lock(g_world.lock);
     ++g_world.nConnects;
-    if (!g_world.bUp)
+    if (!g_world.bUp) {
         return SCARD_E_NO_SERVICE;
+    }
     *phContext = ++g_world.nLast;
     g_world.contexts.insert(*phContext);
     return SCARD_S_SUCCESS;
@@ -110,20 +114,25 @@ __declspec(dllexport) LONG WINAPI SCardReleaseContext(SCARDCONTEXT hContext) {
 __declspec(dllexport) LONG WINAPI
     SCardListReadersA(SCARDCONTEXT, LPCSTR, LPSTR mszReaders, LPDWORD pcchReaders) {
     const std::lock_guard lock(g_world.lock);
-    if (!g_world.bUp)
+    if (!g_world.bUp) {
         return SCARD_E_SERVICE_STOPPED;
-    if (g_world.readers.empty())
+    }
+    if (g_world.readers.empty()) {
         return SCARD_E_NO_READERS_AVAILABLE;
+    }
     std::string list;
-    for (const auto& [name, nState] : g_world.readers)
+    for (const auto& [name, state] : g_world.readers) {
         list += name + '\0';
+    }
     list += '\0';
-    const DWORD nRoom = *pcchReaders;
+    const DWORD room = *pcchReaders;
     *pcchReaders = static_cast<DWORD>(list.size());
-    if (mszReaders == nullptr)
+    if (mszReaders == nullptr) {
         return SCARD_S_SUCCESS;
-    if (nRoom < list.size())
+    }
+    if (room < list.size()) {
         return SCARD_E_INSUFFICIENT_BUFFER;
+    }
     std::ranges::copy(list, mszReaders);
     return SCARD_S_SUCCESS;
 }
@@ -131,13 +140,15 @@ __declspec(dllexport) LONG WINAPI
 __declspec(dllexport) LONG WINAPI
     SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD dwTimeout,
                           LPSCARD_READERSTATEA rgReaderStates, DWORD cReaders) {
-    for (const ULONGLONG nEnd = GetTickCount64() + dwTimeout;; Sleep(1)) {
+    for (const ULONGLONG end = GetTickCount64() + dwTimeout;; Sleep(1)) {
         const std::lock_guard lock(g_world.lock);
-        if (g_world.cancelled.erase(hContext) > 0)
+        if (g_world.cancelled.erase(hContext) > 0) {
             return SCARD_E_CANCELLED;
-        const LONG nResult = Look(rgReaderStates, cReaders);
-        if (nResult != SCARD_E_TIMEOUT || (GetTickCount64() >= nEnd && !g_world.bPatient))
-            return nResult;
+        }
+        const LONG result = Look(rgReaderStates, cReaders);
+        if (result != SCARD_E_TIMEOUT || (GetTickCount64() >= end && !g_world.bPatient)) {
+            return result;
+        }
         g_world.nSeenChange = g_world.nChange;
     }
 }
@@ -161,21 +172,22 @@ constexpr DWORD kEmpty = SCARD_STATE_EMPTY;
 constexpr DWORD kCard = SCARD_STATE_PRESENT;
 constexpr DWORD kMove = 0x10000;  // one movement more on the counter
 
-class CardWatch : public testing::Test {
+class CardWatchTest : public testing::Test {
 protected:
     void Start() {
         m_nConnectsBefore = Connects();
-        m_watch = CCardWatch::Start(
-            [this](const CCardWatch&, const std::string& strReader) {
+        m_watch = CardWatch::Start(
+            [this](const CardWatch&, const std::string& strReader) {
                 const std::lock_guard lock(m_lock);
                 m_removed.push_back(strReader);
             },
             "card_watch_test.exe");
         ASSERT_TRUE(m_watch);
     }
-    ~CardWatch() override {
-        if (m_watch)
+    ~CardWatchTest() override {
+        if (m_watch) {
             ExpectEnd();
+        }
         EXPECT_FALSE(IsConnected());
         RemoveReader("A");
         RemoveReader("B");
@@ -207,10 +219,10 @@ protected:
     int m_nConnectsBefore = 0;
     std::mutex m_lock;
     Names m_removed;
-    std::shared_ptr<CCardWatch> m_watch;
+    std::shared_ptr<CardWatch> m_watch;
 };
 
-TEST_F(CardWatch, ReportsCardsAndReadersThatLeave) {
+TEST_F(CardWatchTest, ReportsCardsAndReadersThatLeave) {
     SetReader("A", kCard + kMove);
     SetReader("B", kEmpty);
     Start();
@@ -226,7 +238,7 @@ TEST_F(CardWatch, ReportsCardsAndReadersThatLeave) {
     EXPECT_EQ(After("A", kEmpty + kMove), (Names{"A", "B", "B", "A"}));
 }
 
-TEST_F(CardWatch, OutlivesTheService) {
+TEST_F(CardWatchTest, OutlivesTheService) {
     SetService(false);
     SetReader("A", kCard);
     Start();
@@ -240,9 +252,9 @@ TEST_F(CardWatch, OutlivesTheService) {
     EXPECT_EQ(Removed(), (Names{"A"}));
 }
 
-TEST_F(CardWatch, EndsWhereverItIs) {
-    for (const bool bUp : {true, false}) {
-        SetService(bUp);
+TEST_F(CardWatchTest, EndsWhereverItIs) {
+    for (const bool up : {true, false}) {
+        SetService(up);
         Start();
         ExpectEnd();  // in the beginning
         Start();
@@ -260,8 +272,9 @@ TEST_F(CardWatch, EndsWhereverItIs) {
 }
 
 TEST(PcscService, CannotConnectWithoutTheModuleOrItsFunctions) {
-    for (const char* pszModule : {"no such module.dll", "kernel32.dll"})
-        EXPECT_FALSE(CPcscService(pszModule).Connect()) << pszModule;
+    for (const char* moduleName : {"no such module.dll", "kernel32.dll"}) {
+        EXPECT_FALSE(PcscService(moduleName).Connect()) << moduleName;
+    }
 }
 
 }  // namespace

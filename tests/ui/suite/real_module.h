@@ -9,19 +9,19 @@
 
 #include "platform/system_library.h"
 
-class CRealModule {
+class RealModule {
 public:
     // `strName` is the module's name without ".dll".
-    explicit CRealModule(const std::string& strName)
+    explicit RealModule(const std::string& strName)
         : m_module(LoadLibraryA((R"(..\bin\)" + strName + ".dll").c_str())) {
         EXPECT_TRUE(m_module) << strName << ": error " << GetLastError();
     }
 
     template <class Function>
     Function* Get(const char* pszName) const {
-        auto* const pFunction = mvp::FindFunction<Function*>(m_module.get(), pszName);
-        EXPECT_NE(pFunction, nullptr) << pszName;
-        return pFunction;
+        auto* const function = mvp::FindFunction<Function*>(m_module.get(), pszName);
+        EXPECT_NE(function, nullptr) << pszName;
+        return function;
     }
 
 private:

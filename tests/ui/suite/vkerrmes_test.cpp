@@ -16,9 +16,11 @@ std::string IconName(HICON hIcon) {
                                                     {IDI_QUESTION, "question"},
                                                     {IDI_ERROR, "error"},
                                                     {IDI_INFORMATION, "information"}};
-    for (const auto& [pszIcon, pszName] : icons)
-        if (hIcon == LoadIconA(nullptr, pszIcon))
-            return pszName;
+    for (const auto& [icon, name] : icons) {
+        if (hIcon == LoadIconA(nullptr, icon)) {
+            return name;
+        }
+    }
     return "none";
 }
 
@@ -29,17 +31,19 @@ std::string Describe(const Dialog& dialog) {
     std::string icon;
     std::set<int> buttons;
     for (HWND h = GetWindow(dialog.Handle(), GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
-        const int nId = GetDlgCtrlID(h);
-        if (ClassOf(h) == "Button")
-            buttons.insert(nId);
-        else if ((GetWindowLongPtrA(h, GWL_STYLE) & SS_TYPEMASK) == SS_ICON)
+        const int id = GetDlgCtrlID(h);
+        if (ClassOf(h) == "Button") {
+            buttons.insert(id);
+        } else if ((GetWindowLongPtrA(h, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
             icon = IconName(reinterpret_cast<HICON>(SendMessageA(h, STM_GETICON, 0, 0)));
-        else
-            text = dialog.Text(nId);
+        } else {
+            text = dialog.Text(id);
+        }
     }
     std::string all = dialog.Title() + ": " + text + " [" + icon + "]";
-    for (const int nId : buttons)
-        all += " " + std::to_string(nId) + (nId == dialog.FocusedId() ? "*" : "");
+    for (const int id : buttons) {
+        all += " " + std::to_string(id) + (id == dialog.FocusedId() ? "*" : "");
+    }
     return all;
 }
 
@@ -70,7 +74,7 @@ protected:
             nButton);
     }
 
-    CRealModule m_module{"vkerrmes"};
+    RealModule m_module{"vkerrmes"};
     std::string m_strBox;
     HWND m_hOwner = nullptr;
     bool m_bForeground = false;
@@ -111,22 +115,22 @@ TEST_F(VkErrMes, ButtonsIconAndFlagsCanBeChosen) {
 }
 
 TEST_F(VkErrMes, StandsOverItsParentAndOutlivesAMissingOne) {
-    const HWND hParent = CreateWindowA("STATIC", "parent", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200,
-                                       nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(Warn(hParent, "text", nullptr, IDOK), 1);
-    EXPECT_EQ(m_hOwner, hParent);
-    EXPECT_TRUE(IsWindowEnabled(hParent));
-    DestroyWindow(hParent);
-    EXPECT_EQ(Warn(hParent, "text", nullptr, IDOK), 1);
+    const HWND parent = CreateWindowA("STATIC", "parent", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200,
+                                      nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Warn(parent, "text", nullptr, IDOK), 1);
+    EXPECT_EQ(m_hOwner, parent);
+    EXPECT_TRUE(IsWindowEnabled(parent));
+    DestroyWindow(parent);
+    EXPECT_EQ(Warn(parent, "text", nullptr, IDOK), 1);
     EXPECT_EQ(m_hOwner, nullptr);
 }
 
 TEST_F(VkErrMes, TextsAreBoundedAndMayBeNull) {
     const std::string huge(100000, 'w');
     Warn(nullptr, huge.c_str(), huge.c_str(), IDCANCEL);
-    const std::size_t nCaption = m_strBox.find(": ");
-    EXPECT_LT(nCaption, 300U);
-    EXPECT_EQ(m_strBox.substr(nCaption),
+    const std::size_t caption = m_strBox.find(": ");
+    EXPECT_LT(caption, 300U);
+    EXPECT_EQ(m_strBox.substr(caption),
               ": " + huge.substr(0, VKERRMES_TEXT_MAX) + " [warning] 1 2*");
     EXPECT_EQ(Notice(nullptr, IDOK), 1);
     EXPECT_TRUE(m_strBox.starts_with("Veskara:  [")) << m_strBox;

@@ -7,14 +7,15 @@
 
 namespace {
 
-class CClient : public VKDelegateSubscriber {
+class Client : public VKDelegateSubscriber {
 public:
-    explicit CClient(bool bHangs) : m_bHangs(bHangs) {}
-    ~CClient() override { UnSubscribe(); }
+    explicit Client(bool bHangs) : m_bHangs(bHangs) {}
+    ~Client() override { UnSubscribe(); }
     void HandleEvent(const VKEvent&) override {
         ++m_nCalls;
-        if (m_bHangs)
+        if (m_bHangs) {
             Sleep(INFINITE);
+        }
     }
     bool Start() {
         return Subscribe(VKEVENT_CARD_REMOVED) == VKEVTSUB_OK &&
@@ -27,7 +28,7 @@ private:
     std::atomic<int> m_nCalls{0};
 };
 
-CClient g_hanging(true);
+Client g_hanging(true);
 
 }  // namespace
 
@@ -35,7 +36,7 @@ extern "C" {
 
 // Subscribes, raises an event, waits for it and unsubscribes. Whether all of that went well.
 __declspec(dllexport) bool ClientUseOnce() {
-    CClient client(false);
+    Client client(false);
     return client.Start() && VKWaitForIdle(20000) == VKEVTSUB_OK && client.Calls() == 1;
 }
 
@@ -43,8 +44,9 @@ __declspec(dllexport) bool ClientUseOnce() {
 // returns when that is running.
 __declspec(dllexport) void ClientHang() {
     g_hanging.Start();
-    while (g_hanging.Calls() == 0)
+    while (g_hanging.Calls() == 0) {
         Sleep(1);
+    }
 }
 
 }  // extern "C"

@@ -30,15 +30,15 @@ constexpr std::chrono::seconds kDeadline(20);
 // Before anybody subscribed.
 const auto g_nThreadsAtStart = ResourceCounts::Now().threads;
 
-class CSubscriber : public VKDelegateSubscriber {
+class Subscriber : public VKDelegateSubscriber {
 public:
     using Handler = std::function<void(const VKEvent&)>;
 
-    explicit CSubscriber(Handler handler, int nKind = VKEVENT_CARD_REMOVED)
+    explicit Subscriber(Handler handler, int nKind = VKEVENT_CARD_REMOVED)
         : m_handler(std::move(handler)) {
         EXPECT_EQ(Subscribe(nKind), VKEVTSUB_OK);
     }
-    ~CSubscriber() override { UnSubscribe(); }
+    ~Subscriber() override { UnSubscribe(); }
 
     void HandleEvent(const VKEvent& event) override { m_handler(event); }
 
@@ -49,7 +49,7 @@ private:
     Handler m_handler;
 };
 
-class CGate {
+class Gate {
 public:
     void Open() const { SetEvent(m_event.get()); }
     void Wait() const { EXPECT_EQ(WaitForSingleObject(m_event.get(), 20000), WAIT_OBJECT_0); }
@@ -79,7 +79,7 @@ protected:
         return m_notes;
     }
     // A subscriber's handler: notes the reader, after `strWho`.
-    CSubscriber::Handler Noting(const std::string& strWho = "") {
+    Subscriber::Handler Noting(const std::string& strWho = "") {
         return [this, strWho](const VKEvent& event) { Note(strWho + event.pszReaderName); };
     }
     // In a call: tells that it runs, and waits.
@@ -89,8 +89,8 @@ protected:
     }
 
     UiThread m_window;  // a window of the test's thread
-    CGate m_running;
-    CGate m_go;
+    Gate m_running;
+    Gate m_go;
 
 private:
     std::mutex m_lock;
@@ -98,38 +98,39 @@ private:
 };
 
 TEST_F(VkEvtSub, DeliversInOrderOnOneThreadOfItsOwn) {
-    std::atomic<DWORD> nThread{0};
-    std::atomic<bool> bOneThread{true};
-    const CSubscriber first([&](const VKEvent& event) {
-        DWORD nNone = 0;
-        if (!nThread.compare_exchange_strong(nNone, GetCurrentThreadId()))
-            bOneThread = bOneThread && nThread == GetCurrentThreadId();
+    std::atomic<DWORD> thread{0};
+    std::atomic<bool> oneThread{true};
+    const Subscriber first([&](const VKEvent& event) {
+        DWORD none = 0;
+        if (!thread.compare_exchange_strong(none, GetCurrentThreadId())) {
+            oneThread = oneThread && thread == GetCurrentThreadId();
+        }
         EXPECT_EQ(event.nKind, VKEVENT_CARD_REMOVED);
         Note("first " + std::string(event.pszReaderName));
     });
-    const CSubscriber second(Noting("second "));
-    const CSubscriber other([&](const VKEvent&) { Note("other"); }, 77);
+    const Subscriber second(Noting("second "));
+    const Subscriber other([&](const VKEvent&) { Note("other"); }, 77);
     Texts expected;
     for (int i = 0; i < 200; ++i) {
-        std::string strReader = std::to_string(i);
-        Raise(strReader);
-        expected.push_back("first " + strReader);
-        expected.push_back("second " + strReader);
-        strReader.assign(strReader.size(), '?');  // the name has been copied
+        std::string reader = std::to_string(i);
+        Raise(reader);
+        expected.push_back("first " + reader);
+        expected.push_back("second " + reader);
+        reader.assign(reader.size(), '?');  // the name has been copied
     }
     VKRaiseEvent(77, nullptr);
     expected.push_back("other");
     EXPECT_EQ(Notes(), expected);
-    EXPECT_TRUE(bOneThread);
-    EXPECT_NE(nThread, GetCurrentThreadId());
+    EXPECT_TRUE(oneThread);
+    EXPECT_NE(thread, GetCurrentThreadId());
 }
 
 TEST_F(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
-    const CSubscriber early([&](const VKEvent&) { Hold(); });
+    const Subscriber early([&](const VKEvent&) { Hold(); });
     Raise("holds the thread");
     m_running.Wait();
     Raise("before");
-    const CSubscriber late(Noting());
+    const Subscriber late(Noting());
     Raise("after");
     m_go.Open();
     EXPECT_EQ(Notes(), Texts{"after"});
@@ -137,15 +138,16 @@ TEST_F(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
 
 TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
     std::unique_ptr<UiThread> windowOfOther;
-    int nSent = 0;
-    std::atomic<bool> bOver{false};
-    CSubscriber subscriber([&](const VKEvent&) {
+    int sent = 0;
+    std::atomic<bool> over{false};
+    Subscriber subscriber([&](const VKEvent&) {
         Hold();
         // Each answers only when its thread waits in UnSubscribe.
-        for (int i = 0; i < 10; ++i)
-            m_window.Run([&] { ++nSent; }, kDeadline);
+        for (int i = 0; i < 10; ++i) {
+            m_window.Run([&] { ++sent; }, kDeadline);
+        }
         windowOfOther->Run([] {}, kDeadline);
-        bOver = true;
+        over = true;
     });
     Raise("A");
     Raise("B");
@@ -154,18 +156,18 @@ TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
         windowOfOther = std::make_unique<UiThread>();
         m_go.Open();
         subscriber.UnSubscribe();
-        EXPECT_TRUE(bOver);
+        EXPECT_TRUE(over);
         windowOfOther.reset();
     });
     PostThreadMessageA(GetCurrentThreadId(), WM_APP + 1, 0, 0);
     PostQuitMessage(7);
     subscriber.UnSubscribe();
-    EXPECT_TRUE(bOver);
-    EXPECT_EQ(nSent, 10);
+    EXPECT_TRUE(over);
+    EXPECT_EQ(sent, 10);
     other.join();
-    bOver = false;
+    over = false;
     WaitForIdle();
-    EXPECT_FALSE(bOver) << "called after it had unsubscribed";
+    EXPECT_FALSE(over) << "called after it had unsubscribed";
 
     MSG message;
     EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
@@ -178,57 +180,59 @@ TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
 // The call sends a message, and the window that gets it unsubscribes the very subscriber: each
 // would wait for the other.
 TEST_F(VkEvtSub, UnSubscribeInAMessageThatTheCallSends) {
-    std::unique_ptr<CSubscriber> subscriber;
-    std::atomic<bool> bOver{false};
-    subscriber = std::make_unique<CSubscriber>([&](const VKEvent&) {
+    std::unique_ptr<Subscriber> subscriber;
+    std::atomic<bool> over{false};
+    subscriber = std::make_unique<Subscriber>([&](const VKEvent&) {
         m_window.Run(
             [&] {
                 subscriber.reset();
-                EXPECT_TRUE(bOver);
+                EXPECT_TRUE(over);
                 PostQuitMessage(0);
             },
             kDeadline);
-        bOver = true;
+        over = true;
     });
     Raise("A");
     MSG message;
-    while (GetMessageA(&message, nullptr, 0, 0) > 0)
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
         DispatchMessageA(&message);
+    }
     EXPECT_EQ(subscriber, nullptr);
 }
 
 TEST_F(VkEvtSub, EverythingIsAllowedWithinACall) {
-    std::unique_ptr<CSubscriber> selfDeleting;
-    std::unique_ptr<CSubscriber> victim;
-    std::unique_ptr<CSubscriber> born;
-    CSubscriber* pLeaving = nullptr;
-    CSubscriber leaving([&](const VKEvent& event) {
+    std::unique_ptr<Subscriber> selfDeleting;
+    std::unique_ptr<Subscriber> victim;
+    std::unique_ptr<Subscriber> born;
+    Subscriber* leavingOne = nullptr;
+    Subscriber leaving([&](const VKEvent& event) {
         Note("leaving " + std::string(event.pszReaderName));
-        EXPECT_EQ(pLeaving->UnSubscribe(), VKEVTSUB_OK);
-        EXPECT_EQ(pLeaving->UnSubscribe(), VKEVTSUB_NOT_SUBSCRIBED);
+        EXPECT_EQ(leavingOne->UnSubscribe(), VKEVTSUB_OK);
+        EXPECT_EQ(leavingOne->UnSubscribe(), VKEVTSUB_NOT_SUBSCRIBED);
         EXPECT_EQ(VKWaitForIdle(0), VKEVTSUB_INVALID);
     });
-    pLeaving = &leaving;
-    selfDeleting = std::make_unique<CSubscriber>([&](const VKEvent& event) {
+    leavingOne = &leaving;
+    selfDeleting = std::make_unique<Subscriber>([&](const VKEvent& event) {
         Note("deletes itself " + std::string(event.pszReaderName));
         victim.reset();
-        born = std::make_unique<CSubscriber>(Noting("born "));
+        born = std::make_unique<Subscriber>(Noting("born "));
         Raise("B");
         selfDeleting.reset();
     });
-    victim = std::make_unique<CSubscriber>(Noting("victim "));
+    victim = std::make_unique<Subscriber>(Noting("victim "));
     Raise("A");
     EXPECT_EQ(Notes(), (Texts{"leaving A", "deletes itself A", "born B"}));
 }
 
 TEST_F(VkEvtSub, ExceptionsStayInside) {
     LogRecorder log;
-    const CSubscriber throwing([](const VKEvent& event) {
-        if (std::string(event.pszReaderName) == "A")
+    const Subscriber throwing([](const VKEvent& event) {
+        if (std::string(event.pszReaderName) == "A") {
             throw std::runtime_error("A");
+        }
         throw 5;
     });
-    const CSubscriber next(Noting());
+    const Subscriber next(Noting());
     Raise("A");
     Raise("B");
     EXPECT_EQ(Notes(), (Texts{"A", "B"}));
@@ -236,7 +240,7 @@ TEST_F(VkEvtSub, ExceptionsStayInside) {
 }
 
 TEST_F(VkEvtSub, RefusesWhatItCannotTake) {
-    CSubscriber subscriber(Noting());
+    Subscriber subscriber(Noting());
     EXPECT_EQ(subscriber.Subscribe(VKEVENT_CARD_REMOVED), VKEVTSUB_SUBSCRIBED);
     EXPECT_EQ(subscriber.UnSubscribe(), VKEVTSUB_OK);
     EXPECT_EQ(subscriber.UnSubscribe(), VKEVTSUB_NOT_SUBSCRIBED);
@@ -246,50 +250,52 @@ TEST_F(VkEvtSub, RefusesWhatItCannotTake) {
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, "nobody subscribes"), VKEVTSUB_OK);
 
     EXPECT_EQ(subscriber.Subscribe(VKEVENT_CARD_REMOVED), VKEVTSUB_OK);
-    const std::string strLongest(1023, 'r');
-    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, (strLongest + 'r').c_str()), VKEVTSUB_INVALID);
-    Raise(strLongest);
+    const std::string longest(1023, 'r');
+    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, (longest + 'r').c_str()), VKEVTSUB_INVALID);
+    Raise(longest);
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, nullptr), VKEVTSUB_OK);
-    EXPECT_EQ(Notes(), (Texts{strLongest, ""}));
+    EXPECT_EQ(Notes(), (Texts{longest, ""}));
 }
 
 TEST_F(VkEvtSub, BoundsTheEventsThatWait) {
-    std::atomic<int> nCalls{0};
-    const CSubscriber subscriber([&](const VKEvent&) {
-        ++nCalls;
+    std::atomic<int> calls{0};
+    const Subscriber subscriber([&](const VKEvent&) {
+        ++calls;
         Hold();
     });
     Raise("first");
     m_running.Wait();
-    for (int i = 0; i < 1024; ++i)
+    for (int i = 0; i < 1024; ++i) {
         Raise("waits");
+    }
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, "one too many"), VKEVTSUB_NO_RESOURCES);
     EXPECT_EQ(VKWaitForIdle(10), VKEVTSUB_TIMEOUT);
     m_go.Open();
     WaitForIdle();
-    EXPECT_EQ(nCalls, 1025);
+    EXPECT_EQ(calls, 1025);
 }
 
 // A subscriber that notices when it is called after its end.
-class CMortal : public VKDelegateSubscriber {
+class Mortal : public VKDelegateSubscriber {
 public:
-    CMortal(unsigned nSeed, UiThread& window) : m_random(nSeed), m_window(window) {
+    Mortal(unsigned nSeed, UiThread& window) : m_random(nSeed), m_window(window) {
         Subscribe(VKEVENT_CARD_REMOVED);
     }
-    ~CMortal() override {
+    ~Mortal() override {
         UnSubscribe();
         m_nAlive = 0;
     }
     void HandleEvent(const VKEvent&) override {
         s_nCallsOfDead += m_nAlive != kAlive;
         ++s_nCalls;
-        const unsigned nWhat = m_random() % 8;
-        if (nWhat == 0)
+        const unsigned what = m_random() % 8;
+        if (what == 0) {
             UnSubscribe();
-        else if (nWhat == 1)
+        } else if (what == 1) {
             m_window.Run([] {}, kDeadline);
-        else if (nWhat == 2)
+        } else if (what == 2) {
             Sleep(0);
+        }
         s_nCallsOfDead += m_nAlive != kAlive;
     }
 
@@ -305,48 +311,52 @@ private:
 
 void ServeMessages() {
     MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
         DispatchMessageA(&message);
+    }
 }
 
 void LiveAndDie(unsigned nSeed, UiThread& window) {
     std::mt19937 random(nSeed);
-    std::vector<std::unique_ptr<CMortal>> mortals(6);
+    std::vector<std::unique_ptr<Mortal>> mortals(6);
     for (int i = 0; i < 3000; ++i) {
         auto& place = mortals[random() % mortals.size()];
-        const unsigned nWhat = random() % 3;
-        if (nWhat == 2)
+        const unsigned what = random() % 3;
+        if (what == 2) {
             VKRaiseEvent(VKEVENT_CARD_REMOVED, "A");
-        else
-            place = nWhat == 0 ? std::make_unique<CMortal>(random(), window) : nullptr;
+        } else {
+            place = what == 0 ? std::make_unique<Mortal>(random(), window) : nullptr;
+        }
         ServeMessages();
     }
 }
 
 TEST_F(VkEvtSub, SurvivesARaceOfDeletionsAndEvents) {
     constexpr unsigned kSeed = 4711;
-    std::atomic<int> nRunning{3};
+    std::atomic<int> running{3};
     std::vector<std::thread> threads;
-    for (unsigned i = 1; i <= 3; ++i)
+    for (unsigned i = 1; i <= 3; ++i) {
         threads.emplace_back([&, i] {
             LiveAndDie(kSeed + i, m_window);
-            --nRunning;
+            --running;
         });
+    }
     LiveAndDie(kSeed, m_window);
     EXPECT_TRUE(WaitFor(std::chrono::seconds(100), [&] {
         ServeMessages();
-        return nRunning == 0;
+        return running == 0;
     }));
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
-    EXPECT_EQ(CMortal::s_nCallsOfDead, 0) << "seed " << kSeed;
-    EXPECT_GT(CMortal::s_nCalls, 1000);
+    }
+    EXPECT_EQ(Mortal::s_nCallsOfDead, 0) << "seed " << kSeed;
+    EXPECT_GT(Mortal::s_nCalls, 1000);
 }
 
 TEST_F(VkEvtSub, EndsItsThreadsAndKeepsNothing) {
     const auto live = [](int nRound) {
         for (int i = 0; i < (nRound == 0 ? 20 : 500); ++i) {
-            const CSubscriber subscriber([](const VKEvent&) {});
+            const Subscriber subscriber([](const VKEvent&) {});
             Raise("A");
         }
         // Those that are ending still count.

@@ -37,8 +37,9 @@ TEST(VkEvtSubUnload, DISABLED_EndsInACall) {
 
 TEST(VkEvtSubUnload, AProcessMayEndInACall) {
     DisabledTest child("VkEvtSubUnload.DISABLED_EndsInACall");
-    if (WaitForSingleObject(child.Process(), 30000) != WAIT_OBJECT_0)
+    if (WaitForSingleObject(child.Process(), 30000) != WAIT_OBJECT_0) {
         TerminateProcess(child.Process(), 1);
+    }
     EXPECT_EQ(child.Wait().dwExitCode, DWORD{42}) << "1: the process hangs";
 }
 

@@ -22,7 +22,7 @@ TEST(VkLogMemory, KeepsNothingOfALine) {
     const KernelHandle done(CreateEventA(nullptr, TRUE, FALSE, nullptr));
     // On a thread that then waits: the stack below stays as the logger left it.
     std::thread thread([&] {
-        const CRealModule module("vklog");
+        const RealModule module("vklog");
         module.Get<decltype(vklogSetOutput)>("vklogSetOutput")(file, VKLOG_DETAIL_BIT);
         char text[Secret::kLength + 1] = {};
         pin.CopyTo(text);

@@ -35,7 +35,7 @@ void WINAPI TakeDebuggersLine(LPCSTR pszLine) {
 struct Log {
     Log() { g_strDebugger.clear(); }
 
-    CRealModule module{"vklog"};
+    RealModule module{"vklog"};
     decltype(vklogLog)* pLog = module.Get<decltype(vklogLog)>("vklogLog");
     decltype(vklogSetOutput)* pSetOutput = module.Get<decltype(vklogSetOutput)>("vklogSetOutput");
     PatchedImports debugger{"vklog.dll", {{"OutputDebugStringA", Address(&TakeDebuggersLine)}}};
@@ -70,17 +70,17 @@ protected:
 
 TEST_F(VkLog, WritesTheLevelsThatAreOnAndFormatsNoOthers) {
     const Log log;
-    for (const int nOn : {0, 1, 2, 8, 16}) {
+    for (const int on : {0, 1, 2, 8, 16}) {
         DeleteFileA(m_strFile.c_str());
-        log.pSetOutput(m_strFile.c_str(), nOn == 0 ? unsigned{VKLOG_DETAIL_BIT} : unsigned(nOn));
-        for (const int nLevel : {0, 1, 2, 8, 16}) {
-            int nFormatted = -1;  // formatting sets it
-            log.pLog("TAG", nLevel, "%d%n", nLevel, &nFormatted);
-            EXPECT_EQ(nFormatted >= 0, nLevel == nOn) << nLevel;
+        log.pSetOutput(m_strFile.c_str(), on == 0 ? unsigned{VKLOG_DETAIL_BIT} : unsigned(on));
+        for (const int level : {0, 1, 2, 8, 16}) {
+            int formatted = -1;  // formatting sets it
+            log.pLog("TAG", level, "%d%n", level, &formatted);
+            EXPECT_EQ(formatted >= 0, level == on) << level;
         }
         const Strings lines = Lines();
         ASSERT_EQ(lines.size(), 1U);
-        EXPECT_TRUE(lines[0].ends_with(": " + std::to_string(nOn))) << lines[0];
+        EXPECT_TRUE(lines[0].ends_with(": " + std::to_string(on))) << lines[0];
         log.pSetOutput(nullptr, kAllLevels);
     }
 }
@@ -120,21 +120,24 @@ TEST_F(VkLog, StaysOffWithoutUsableSettings) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.pszName);
         RegistryHive hive;
-        if (c.nFileType != REG_NONE)
+        if (c.nFileType != REG_NONE) {
             hive.SetRaw(kKey, "LogFile", c.nFileType, c.file);
-        if (c.nLevelsType != REG_NONE)
+        }
+        if (c.nLevelsType != REG_NONE) {
             hive.SetRaw(kKey, "LogLevels", c.nLevelsType, c.levels);
+        }
         const Log log;
         log.pLog("TAG", VKLOG_ERROR, "x");
         log.pLog("TAG", VKLOG_ERROR, "x");
-        std::string strTold;
-        if (*c.pszTold != '\0')
-            strTold =
+        std::string told;
+        if (*c.pszTold != '\0') {
+            told =
                 std::string("Setting ignored: ") + kKey + "\\" + c.pszTold + "; nothing is logged";
-        EXPECT_EQ(g_strDebugger, strTold.empty() ? "" : "vklog: " + strTold + "\n");
+        }
+        EXPECT_EQ(g_strDebugger, told.empty() ? "" : "vklog: " + told + "\n");
         // Wrong levels are also told where their lines are missed.
-        const bool bInFile = strTold.find("LogLevels") != std::string::npos;
-        EXPECT_EQ(Lines(), bInFile ? Strings{"VKLOG error: " + strTold} : Strings{});
+        const bool inFile = told.find("LogLevels") != std::string::npos;
+        EXPECT_EQ(Lines(), inFile ? Strings{"VKLOG error: " + told} : Strings{});
         DeleteFileA(m_strFile.c_str());
     }
 }
@@ -147,31 +150,31 @@ ULONGLONG WINAPI MadeClock() {
 TEST_F(VkLog, AFileThatCannotBeOpenedIsToldAndTriedAgain) {
     const Log log;
     const PatchedImports clock("vklog.dll", {{"GetTickCount64", Address(&MadeClock)}});
-    const std::string strFolder = m_strFile + ".d";
-    const std::string strFile = strFolder + "\\log.txt";
-    log.pSetOutput(strFile.c_str(), kAllLevels);
+    const std::string folder = m_strFile + ".d";
+    const std::string file = folder + "\\log.txt";
+    log.pSetOutput(file.c_str(), kAllLevels);
     SetLastError(1234);
     log.pLog("TAG", VKLOG_ERROR, "lost");
     EXPECT_EQ(GetLastError(), 1234U);
     g_nNow += 5000;
     log.pLog("TAG", VKLOG_ERROR, "lost");
-    const std::string strText = g_strDebugger;
-    EXPECT_TRUE(strText.ends_with("\\log.txt cannot be written (error 3), lines are lost\n"));
-    EXPECT_EQ(strText.find("vklog: "), strText.rfind("vklog: ")) << "told once: " << strText;
+    const std::string text = g_strDebugger;
+    EXPECT_TRUE(text.ends_with("\\log.txt cannot be written (error 3), lines are lost\n"));
+    EXPECT_EQ(text.find("vklog: "), text.rfind("vklog: ")) << "told once: " << text;
 
     // It could be opened now, but is not tried again so soon, nor is anything formatted for it.
-    CreateDirectoryA(strFolder.c_str(), nullptr);
+    CreateDirectoryA(folder.c_str(), nullptr);
     g_nNow += 4999;
-    int nFormatted = -1;
-    log.pLog("TAG", VKLOG_ERROR, "%n", &nFormatted);
-    EXPECT_EQ(nFormatted, -1);
+    int formatted = -1;
+    log.pLog("TAG", VKLOG_ERROR, "%n", &formatted);
+    EXPECT_EQ(formatted, -1);
     ++g_nNow;
     log.pLog("TAG", VKLOG_ERROR, "found");
     log.pSetOutput(nullptr, 0);
-    MoveFileA(strFile.c_str(), m_strFile.c_str());
+    MoveFileA(file.c_str(), m_strFile.c_str());
     EXPECT_EQ(Lines(),
               (Strings{"VKLOG error: 3 lines could not be written before", "TAG error: found"}));
-    RemoveDirectoryA(strFolder.c_str());
+    RemoveDirectoryA(folder.c_str());
 }
 
 DWORD g_nWaitResult = 0;
@@ -188,11 +191,11 @@ TEST_F(VkLog, GivesTheFilesMutexBackWhenItGotItAndWritesInAnyCase) {
     log.pSetOutput(m_strFile.c_str(), kAllLevels);
     const PatchedImports patched("vklog.dll", {{"WaitForSingleObject", Address(&AnswerWait)},
                                                {"ReleaseMutex", Address(&CountRelease)}});
-    for (const DWORD nResult : {WAIT_OBJECT_0, WAIT_ABANDONED, DWORD{WAIT_TIMEOUT}}) {
-        g_nWaitResult = nResult;
+    for (const DWORD result : {WAIT_OBJECT_0, WAIT_ABANDONED, DWORD{WAIT_TIMEOUT}}) {
+        g_nWaitResult = result;
         g_nReleases = 0;
         log.pLog("TAG", VKLOG_ERROR, "x");
-        EXPECT_EQ(g_nReleases, nResult == WAIT_TIMEOUT ? 0 : 1) << nResult;
+        EXPECT_EQ(g_nReleases, result == WAIT_TIMEOUT ? 0 : 1) << result;
     }
     EXPECT_EQ(Lines(), Strings(3, "TAG error: x"));
 }
@@ -200,9 +203,9 @@ TEST_F(VkLog, GivesTheFilesMutexBackWhenItGotItAndWritesInAnyCase) {
 TEST_F(VkLog, ToleratesNullsAndCutsLongTexts) {
     const Log log;
     log.pSetOutput(m_strFile.c_str(), kAllLevels);
-    const char* volatile pszNone = nullptr;
-    log.pLog(pszNone, VKLOG_ERROR, "%s", "x");
-    log.pLog("TAG", VKLOG_ERROR, pszNone);
+    const char* volatile none = nullptr;
+    log.pLog(none, VKLOG_ERROR, "%s", "x");
+    log.pLog("TAG", VKLOG_ERROR, none);
     log.pLog("TAG", VKLOG_ERROR, "two\nlines");
     log.pLog("TAG", VKLOG_ERROR, "%s", std::string(100000, 'y').c_str());
     Strings lines = Lines();
@@ -213,22 +216,24 @@ TEST_F(VkLog, ToleratesNullsAndCutsLongTexts) {
 }
 
 void WriteNumbered(const Log& log, unsigned nWriter, int nLines) {
-    for (int i = 0; i < nLines; ++i)
+    for (int i = 0; i < nLines; ++i) {
         log.pLog("TAG", VKLOG_ERROR, "%u %d %s", nWriter, i, std::string(300, '.').c_str());
+    }
 }
 
 // Every writer's lines are there, whole and in order.
 void ExpectAllLines(const Strings& lines, std::size_t nWriters, int nLinesEach) {
     std::map<unsigned, int> next;
     for (const std::string& line : lines) {
-        unsigned nWriter = 0;
-        int nNumber = -1;
-        std::istringstream(line.substr(line.find(':') + 1)) >> nWriter >> nNumber;
-        EXPECT_EQ(nNumber, next[nWriter]++) << nWriter;
+        unsigned writer = 0;
+        int number = -1;
+        std::istringstream(line.substr(line.find(':') + 1)) >> writer >> number;
+        EXPECT_EQ(number, next[writer]++) << writer;
     }
     EXPECT_EQ(next.size(), nWriters);
-    for (const auto& [nWriter, nCount] : next)
-        EXPECT_EQ(nCount, nLinesEach) << nWriter;
+    for (const auto& [writer, count] : next) {
+        EXPECT_EQ(count, nLinesEach) << writer;
+    }
 }
 
 constexpr char kReady[] = "VeskaraLogTestReady";
@@ -244,10 +249,12 @@ TEST(VkLogProcess, DISABLED_Writes) {
     ReleaseSemaphore(ready.get(), 1, nullptr);
     ASSERT_EQ(WaitForSingleObject(go.get(), 60000), WAIT_OBJECT_0);
     std::vector<std::thread> threads;
-    for (unsigned nWriter = GetCurrentProcessId() * 10; threads.size() < 3; ++nWriter)
-        threads.emplace_back([&, nWriter] { WriteNumbered(log, nWriter, kLinesOfAThread); });
-    for (std::thread& thread : threads)
+    for (unsigned writer = GetCurrentProcessId() * 10; threads.size() < 3; ++writer) {
+        threads.emplace_back([&, writer] { WriteNumbered(log, writer, kLinesOfAThread); });
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
 }
 
 TEST_F(VkLog, ProcessesAndThreadsDoNotMixTheirLines) {
@@ -255,10 +262,12 @@ TEST_F(VkLog, ProcessesAndThreadsDoNotMixTheirLines) {
     const KernelHandle go(CreateEventA(nullptr, TRUE, FALSE, kGo));
     SetEnvironmentVariableA("VKLOG_TEST_FILE", m_strFile.c_str());
     std::array<std::unique_ptr<DisabledTest>, 3> writers;
-    for (auto& writer : writers)
+    for (auto& writer : writers) {
         writer = std::make_unique<DisabledTest>("VkLogProcess.DISABLED_Writes");
-    for (std::size_t i = 0; i < writers.size(); ++i)
+    }
+    for (std::size_t i = 0; i < writers.size(); ++i) {
         EXPECT_EQ(WaitForSingleObject(ready.get(), 60000), WAIT_OBJECT_0);
+    }
     SetEvent(go.get());
     for (const auto& writer : writers) {
         const ChildResult result = writer->Wait();

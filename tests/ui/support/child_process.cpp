@@ -8,9 +8,9 @@ namespace mvp::test {
 DisabledTest::DisabledTest(const std::string& strName) {
     std::array<char, MAX_PATH> program = {};
     GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
-    std::string strCommand = "\"";
-    strCommand.append(program.data()).append("\" --gtest_also_run_disabled_tests --gtest_filter=");
-    strCommand.append(strName);
+    std::string command = "\"";
+    command.append(program.data()).append("\" --gtest_also_run_disabled_tests --gtest_filter=");
+    command.append(strName);
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     KernelHandle writing;
     CreatePipe(m_output.put(), writing.put(), &inherited, 0);
@@ -21,9 +21,10 @@ DisabledTest::DisabledTest(const std::string& strName) {
     startup.hStdOutput = writing.get();
     startup.hStdError = writing.get();
     PROCESS_INFORMATION info = {};
-    if (!CreateProcessA(nullptr, strCommand.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                        &startup, &info))
+    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                        &startup, &info)) {
         throw std::runtime_error("the test could not be started");
+    }
     m_process.reset(info.hProcess);
     const KernelHandle thread(info.hThread);
 }
@@ -31,8 +32,9 @@ DisabledTest::DisabledTest(const std::string& strName) {
 ChildResult DisabledTest::Wait() {
     ChildResult result;
     std::array<char, 1024> part = {};
-    for (DWORD dwRead = 0; ReadFile(m_output.get(), part.data(), part.size(), &dwRead, nullptr);)
-        result.strOutput.append(part.data(), dwRead);
+    for (DWORD read = 0; ReadFile(m_output.get(), part.data(), part.size(), &read, nullptr);) {
+        result.strOutput.append(part.data(), read);
+    }
     WaitForSingleObject(m_process.get(), INFINITE);
     GetExitCodeProcess(m_process.get(), &result.dwExitCode);
     return result;

@@ -14,7 +14,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-enum { kEdit = 1001, kAsk, kPanelCheck, kHidden };
+constexpr int kEdit = 1001;
+constexpr int kAsk = 1002;
+constexpr int kPanelCheck = 1003;
+constexpr int kHidden = 1004;
 
 // A dialog of the bare system: an edit, OK (enabled from four characters on), Cancel, a button that
 // opens a message box, and a panel with a control of its own.
@@ -39,11 +42,11 @@ private:
     void OnCommand(HWND hDialog, WORD wId) {
         char text[64] = {};
         GetDlgItemTextA(hDialog, kEdit, text, sizeof text);
-        if (wId == kEdit)
+        if (wId == kEdit) {
             EnableWindow(GetDlgItem(hDialog, IDOK), strlen(text) >= 4);
-        else if (wId == kAsk)
+        } else if (wId == kAsk) {
             nAnswer = MessageBoxA(hDialog, "Sure?", "Question", MB_YESNO);
-        else if (!bStubborn) {
+        } else if (!bStubborn) {
             strTyped = text;
             EndDialog(hDialog, wId);
         }
@@ -114,7 +117,7 @@ TEST(DialogDriver, DrivesDialogsInARowAndOneOverAnother) {
 }
 
 TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanelAndRunsWorkThere) {
-    DialogDriver driver([dwTestThread = GetCurrentThreadId()](Dialog& dialog) {
+    DialogDriver driver([testThread = GetCurrentThreadId()](Dialog& dialog) {
         EXPECT_EQ(dialog.FocusedId(), kEdit);
         dialog.Tab();
         EXPECT_EQ(dialog.FocusedId(), kAsk);
@@ -125,7 +128,7 @@ TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanelAndRunsWorkThere) {
         EXPECT_TRUE(dialog.IsChecked(kPanelCheck));
         EXPECT_GT(dialog.Rect(kPanelCheck).top, dialog.Rect(kAsk).bottom);
 
-        dialog.Run([=] { EXPECT_EQ(GetCurrentThreadId(), dwTestThread); });
+        dialog.Run([=] { EXPECT_EQ(GetCurrentThreadId(), testThread); });
         EXPECT_THROW(dialog.Run([] { throw std::range_error("out"); }), std::range_error);
         dialog.RealKey(VK_ESCAPE);
     });
@@ -148,14 +151,14 @@ TEST(DialogDriver, FailsWithTheReasonOfAMistakeAndCancelsTheDialog) {
         {{[](Dialog&) { throw std::range_error("out of it"); }}, "out of it"},
     };
     for (const auto& mistake : mistakes) {
-        INT_PTR nResult = 0;
+        INT_PTR result = 0;
         EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(
             {
                 DialogDriver driver(1s, mistake.scripts);
-                nResult = PlainDialog().DoModal();
+                result = PlainDialog().DoModal();
             },
             mistake.pszReason);
-        EXPECT_EQ(nResult, IDCANCEL) << mistake.pszReason;
+        EXPECT_EQ(result, IDCANCEL) << mistake.pszReason;
     }
 }
 
@@ -185,17 +188,17 @@ TEST(DialogDriver, KeepsAQuitMessageForTheTest) {
 }
 
 TEST(CapsLock, ActsOnTypingAndIsPutBack) {
-    const bool bBefore = CapsLock::IsOn();
+    const bool before = CapsLock::IsOn();
     {
-        const CapsLock capsLock(!bBefore);
+        const CapsLock capsLock(!before);
         DialogDriver driver([&](Dialog& dialog) {
             dialog.RealType(kEdit, "abCD");
-            EXPECT_EQ(dialog.Text(kEdit), bBefore ? "abCD" : "ABcd");
+            EXPECT_EQ(dialog.Text(kEdit), before ? "abCD" : "ABcd");
             dialog.Cancel();
         });
         PlainDialog().DoModal();
     }
-    EXPECT_EQ(CapsLock::IsOn(), bBefore);
+    EXPECT_EQ(CapsLock::IsOn(), before);
 }
 
 }  // namespace

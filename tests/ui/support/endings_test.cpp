@@ -12,15 +12,15 @@ namespace {
 
 TEST(Endings, DISABLED_Crashes) {
     EndWithCodeOnCrash(4, "the last words");
-    volatile int* volatile pNowhere = nullptr;
-    *pNowhere = 1;
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 1;
 }
 
 TEST(Endings, DISABLED_WritesBehindABlock) {
-    auto* pBlock = static_cast<volatile char*>(std::malloc(24));
+    auto* block = static_cast<volatile char*>(std::malloc(24));
     // Through a variable: the compiler knows the block's size.
-    volatile size_t nBehind = 24;
-    pBlock[nBehind] = 'x';
+    volatile size_t behind = 24;
+    block[behind] = 'x';
     // Left as it is, for the check to find.
 }  // NOLINT(clang-analyzer-unix.Malloc)
 
@@ -41,8 +41,9 @@ TEST(Endings, TellWhatWentWrong) {
         const ChildResult result = RunDisabledTest(ending.pszTest);
         SCOPED_TRACE(ending.pszTest + ("\n" + result.strOutput));
         EXPECT_EQ(result.dwExitCode, ending.dwExitCode);
-        for (const char* pszText : {ending.pszReason, ending.pszMore})
-            EXPECT_NE(result.strOutput.find(pszText), std::string::npos) << pszText;
+        for (const char* text : {ending.pszReason, ending.pszMore}) {
+            EXPECT_NE(result.strOutput.find(text), std::string::npos) << text;
+        }
         // What has been reported is not reported again, nor does the dialog's result fail.
         EXPECT_EQ(result.strOutput.find("dialog driver") != std::string::npos,
                   ending.dwExitCode == 3);

@@ -14,10 +14,11 @@ std::optional<std::string> Read(const char* pszName) {
     RegistryKey key;
     RegOpenKeyExA(HKEY_LOCAL_MACHINE, kPath, 0, KEY_READ, key.put());
     BYTE bytes[1024];
-    DWORD dwSize = sizeof bytes;
-    if (RegQueryValueExA(key.get(), pszName, nullptr, nullptr, bytes, &dwSize) != ERROR_SUCCESS)
+    DWORD size = sizeof bytes;
+    if (RegQueryValueExA(key.get(), pszName, nullptr, nullptr, bytes, &size) != ERROR_SUCCESS) {
         return std::nullopt;
-    return std::string(bytes, bytes + dwSize);
+    }
+    return std::string(bytes, bytes + size);
 }
 
 TEST(RegistryHive, GivesTheReaderWhatWasSetAndNothingAfterwards) {

@@ -36,11 +36,12 @@ void CountOneOfEachKind() {
     EXPECT_EQ(ResourceCounts::Now().threads, before.threads + 1);
     SetEvent(event.get());
     thread.join();
-    void* volatile pBlock = std::malloc(50000);  // volatile: the compiler would do without it
+    void* volatile block = std::malloc(50000);  // volatile: the compiler would do without it
     EXPECT_GE(ResourceCounts::Now().heapBytes, before.heapBytes + 50000);
-    std::free(pBlock);
-    for (const HWND hWnd : windows)
-        DestroyWindow(hWnd);
+    std::free(block);
+    for (const HWND window : windows) {
+        DestroyWindow(window);
+    }
 }
 
 TEST(ResourceCounts, CountsOneOfEachKind) {
@@ -49,8 +50,9 @@ TEST(ResourceCounts, CountsOneOfEachKind) {
     const HWND windows[] = {NewWindow(nullptr), NewWindow(HWND_MESSAGE)};
     ResourceCounts::Now();
     ExpectRoundsKeepNothing(1, 1, [](int) { CountOneOfEachKind(); });
-    for (const HWND hWnd : windows)
-        DestroyWindow(hWnd);
+    for (const HWND window : windows) {
+        DestroyWindow(window);
+    }
 }
 
 TEST(ResourceCounts, GrowthOfEachKindFailsTheTest) {

@@ -11,8 +11,9 @@ TEST(CapsLockBalloon, OneSystemLacksTheWarning) {
         bool bLacks;
     } cases[] = {{2, 5, 0, true},   {1, 5, 0, false}, {2, 4, 0, false}, {2, 5, 1, false},
                  {2, 10, 0, false}, {2, 6, 1, false}, {0, 0, 0, false}};
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(LacksCapsLockWarning(c.nPlatform, c.nMajor, c.nMinor), c.bLacks) << c.nMajor;
+    }
 }
 
 TEST(CapsLockBalloon, StaysOnTheScreen) {
@@ -41,10 +42,12 @@ TEST(CapsLockBalloon, StaysOnTheScreen) {
 
 TEST(CapsLockBalloon, OnlyTypingHidesIt) {
     EXPECT_EQ(BalloonActionForKey(0x14), BalloonAction::Check);  // Caps Lock
-    for (const unsigned key : {0x08u, 0x09u, 0x10u})             // Backspace, Tab, Shift
+    for (const unsigned key : {0x08u, 0x09u, 0x10u}) {           // Backspace, Tab, Shift
         EXPECT_EQ(BalloonActionForKey(key), BalloonAction::Leave) << key;
-    for (const unsigned key : {unsigned{'A'}, unsigned{'7'}, 0x0Du, 0x1Bu, 0x25u, 0x2Eu, 0x11u})
+    }
+    for (const unsigned key : {unsigned{'A'}, unsigned{'7'}, 0x0Du, 0x1Bu, 0x25u, 0x2Eu, 0x11u}) {
         EXPECT_EQ(BalloonActionForKey(key), BalloonAction::Hide) << key;
+    }
 }
 
 }  // namespace

@@ -17,8 +17,9 @@ TEST(EnterPinRules, LengthCountsWithinBothBounds) {
         {9, 4, 8, false}, {0, 0, 8, true},          {0, 1, 8, false},
         {5, 6, 4, false}, {4, 4, 0xFFFFFFFF, true}, {0x100000004, 4, 8, false},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(IsPinLengthAllowed(c.cbPin, c.dwMin, c.dwMax), c.bAllowed) << c.cbPin;
+    }
 }
 
 TEST(EnterPinRules, IgnoredPictureHasItsReason) {
@@ -35,8 +36,9 @@ TEST(EnterPinRules, IgnoredPictureHasItsReason) {
         {"\"C:\\a.bmp\"", true, false, "the path stands in quotation marks"},
         {"A", false, false, "the value is not a text"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(std::string(WhyNoPicture(c.pszPath, c.bText, c.bFileThere)), c.pszReason);
+    }
 }
 
 }  // namespace

@@ -21,15 +21,16 @@ Verdict Try(SoftwareCard& card, std::string_view pin) {
 
 TEST(SoftwareCard, CountsTriesDownAndGivesThemBack) {
     SoftwareCard card;
-    EXPECT_EQ(Try(card, "0000"), Verdict::kWrong);
-    EXPECT_EQ(Try(card, "0000"), Verdict::kWrong);
+    EXPECT_EQ(Try(card, "0000"), Verdict::Wrong);
+    EXPECT_EQ(Try(card, "0000"), Verdict::Wrong);
     EXPECT_TRUE(card.IsLastTry());
-    EXPECT_EQ(Try(card, "1234"), Verdict::kAccepted);
+    EXPECT_EQ(Try(card, "1234"), Verdict::Accepted);
     EXPECT_EQ(card.nTriesLeft, 3u);
-    for (const Verdict expected : {Verdict::kWrong, Verdict::kWrong, Verdict::kBlocked})
+    for (const Verdict expected : {Verdict::Wrong, Verdict::Wrong, Verdict::Blocked}) {
         EXPECT_EQ(Try(card, "0000"), expected);
+    }
     EXPECT_TRUE(card.IsBlocked());
-    EXPECT_EQ(Try(card, "1234"), Verdict::kBlocked) << "a blocked card must not accept";
+    EXPECT_EQ(Try(card, "1234"), Verdict::Blocked) << "a blocked card must not accept";
     EXPECT_EQ(card.nTriesLeft, 0u);
 }
 
@@ -39,23 +40,23 @@ TEST(SoftwareCard, AcceptsNothingButThePin) {
                                            "12341234", "1235", "0234", {"1234\0", 5}};
     for (const std::string_view candidate : candidates) {
         SoftwareCard card;
-        EXPECT_EQ(Try(card, candidate), Verdict::kWrong) << candidate;
+        EXPECT_EQ(Try(card, candidate), Verdict::Wrong) << candidate;
     }
-    const std::string strTooLong(256, '1');
+    const std::string tooLong(256, '1');
     SoftwareCard card;
     card.pin.clear();
-    EXPECT_EQ(Try(card, strTooLong), Verdict::kWrong);
+    EXPECT_EQ(Try(card, tooLong), Verdict::Wrong);
 }
 
 TEST(SoftwareCard, StoresWhatItsFileHolds) {
     SoftwareCard card;
-    for (const std::size_t nLength : {std::size_t{0}, kMaxSecretLength + 1}) {
-        EXPECT_FALSE(card.SetPin(std::string(nLength, '7'))) << nLength;
-        EXPECT_EQ(Try(card, "1234"), Verdict::kAccepted) << nLength;
+    for (const std::size_t length : {std::size_t{0}, kMaxSecretLength + 1}) {
+        EXPECT_FALSE(card.SetPin(std::string(length, '7'))) << length;
+        EXPECT_EQ(Try(card, "1234"), Verdict::Accepted) << length;
     }
-    const std::string strLongest(kMaxSecretLength, '7');
-    EXPECT_TRUE(card.SetPin(strLongest));
-    EXPECT_EQ(Try(card, strLongest), Verdict::kAccepted);
+    const std::string longest(kMaxSecretLength, '7');
+    EXPECT_TRUE(card.SetPin(longest));
+    EXPECT_EQ(Try(card, longest), Verdict::Accepted);
 }
 
 constexpr char kGood[] = R"({"reader": "R 0", "pin": "12\u00e934", "unlockCode": "87654321",
@@ -64,9 +65,9 @@ constexpr char kGood[] = R"({"reader": "R 0", "pin": "12\u00e934", "unlockCode":
 
 std::string With(const std::string& strFrom, const std::string& strTo) {
     std::string text = kGood;
-    const auto nAt = text.find(strFrom);
-    EXPECT_NE(nAt, std::string::npos) << strFrom;
-    return text.replace(nAt, strFrom.size(), strTo);
+    const auto at = text.find(strFrom);
+    EXPECT_NE(at, std::string::npos) << strFrom;
+    return text.replace(at, strFrom.size(), strTo);
 }
 
 std::string FaultOf(const std::string& text) {
@@ -119,9 +120,10 @@ TEST(CardFile, RefusesWhatIsNoCard) {
         {With("true", "1"), "\"digitsOnly\" is neither"},
         {With("\"policy\": {", "\"policy\": 1, \"x\": {"), "\"policy\" is not an object"},
     };
-    for (const auto& [text, fault] : cases)
+    for (const auto& [text, fault] : cases) {
         EXPECT_NE(FaultOf(text).find(fault), std::string::npos) << text.substr(0, 200) << "\n"
                                                                 << FaultOf(text);
+    }
     EXPECT_EQ(FaultOf(With("12\\u00e934\"", "98765")).find("98765"), std::string::npos)
         << "the fault shows the PIN";
 }

@@ -26,8 +26,9 @@ void ExpectShown(const std::vector<Case>& cases) {
         const ProgressTrain train =
             PlaceProgressTrain(c.content, c.nChunkWidth, c.nPosition, c.nBlocks);
         std::string text;
-        for (const ProgressChunk& chunk : train.Chunks())
+        for (const ProgressChunk& chunk : train.Chunks()) {
             text += std::to_string(chunk.nLeft) + '-' + std::to_string(chunk.nRight) + ' ';
+        }
         EXPECT_EQ(text + (train.HasLeft() ? "left" : ""), c.shown)
             << "position " << c.nPosition << ", content " << c.content.nLeft << '-'
             << c.content.nRight;

@@ -34,26 +34,28 @@ constexpr Kind kKinds[] = {
 };
 
 void Put(Bytes& bytes, std::size_t nAt, std::uint32_t nValue, std::size_t nBytes = 4) {
-    for (std::size_t i = 0; i < nBytes; ++i)
+    for (std::size_t i = 0; i < nBytes; ++i) {
         bytes[nAt + i] = static_cast<std::uint8_t>(nValue >> 8 * i);
+    }
 }
 
 constexpr std::uint32_t kFileHeader = 14;
 
 Bytes FileOf(const Kind& kind) {
-    const std::uint32_t nOffset = kFileHeader + kind.nHeader + kind.nBeforeRows;
-    Bytes bytes(nOffset + kind.nRows, 0x40);
+    const std::uint32_t offset = kFileHeader + kind.nHeader + kind.nBeforeRows;
+    Bytes bytes(offset + kind.nRows, 0x40);
     Put(bytes, 0, 0x4D42, 2);
-    Put(bytes, 10, nOffset);
+    Put(bytes, 10, offset);
     Put(bytes, 14, kind.nHeader);
-    const bool bCore = kind.nHeader == 12;
-    const std::size_t nSide = bCore ? 2 : 4;
-    Put(bytes, 18, static_cast<std::uint32_t>(kind.nWidth), nSide);
-    Put(bytes, 18 + nSide, static_cast<std::uint32_t>(kind.nHeight), nSide);
-    Put(bytes, 18 + 2 * nSide, 1, 2);
-    Put(bytes, 20 + 2 * nSide, kind.nBits, 2);
-    if (bCore)
+    const bool core = kind.nHeader == 12;
+    const std::size_t side = core ? 2 : 4;
+    Put(bytes, 18, static_cast<std::uint32_t>(kind.nWidth), side);
+    Put(bytes, 18 + side, static_cast<std::uint32_t>(kind.nHeight), side);
+    Put(bytes, 18 + 2 * side, 1, 2);
+    Put(bytes, 20 + 2 * side, kind.nBits, 2);
+    if (core) {
         return bytes;
+    }
     Put(bytes, 30, kind.nPacking);
     Put(bytes, 46, kind.nColours);
     if (kind.nPacking == 3) {
@@ -79,24 +81,24 @@ TEST(BitmapImage, ReadsEveryKind) {
         EXPECT_EQ(image->pixels.size(), kind.nRows);
         EXPECT_EQ(image->aMasks[1], kind.nPacking == 3 ? 0x03E0U : 0U);
         EXPECT_EQ(image->aColours[0], kind.nBits <= 8 ? 0x404040U : 0U);
-        const bool bRunLengths = kind.nPacking == 1 || kind.nPacking == 2;
+        const bool runLengths = kind.nPacking == 1 || kind.nPacking == 2;
         // A byte less than the rows, room in front of them, a beginning one byte too early, behind
         // the end, and at the very end.
-        const std::uint32_t nOffset = kFileHeader + kind.nHeader + kind.nBeforeRows;
-        EXPECT_EQ(ReadBitmapFile(std::span(bytes).first(bytes.size() - 1)).has_value(),
-                  bRunLengths);
-        for (const std::uint32_t nWrong :
-             {0U, 13U, nOffset - 1, nOffset + kind.nRows, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
-            Put(bytes, 10, nWrong);
-            EXPECT_FALSE(ReadBitmapFile(bytes).has_value()) << nWrong;
+        const std::uint32_t offset = kFileHeader + kind.nHeader + kind.nBeforeRows;
+        EXPECT_EQ(ReadBitmapFile(std::span(bytes).first(bytes.size() - 1)).has_value(), runLengths);
+        for (const std::uint32_t wrong :
+             {0U, 13U, offset - 1, offset + kind.nRows, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
+            Put(bytes, 10, wrong);
+            EXPECT_FALSE(ReadBitmapFile(bytes).has_value()) << wrong;
         }
-        Put(bytes, 10, nOffset + 4);
+        Put(bytes, 10, offset + 4);
         EXPECT_FALSE(ReadBitmapFile(bytes).has_value()) << "rows cut short";
         bytes.resize(bytes.size() + 4);
         EXPECT_TRUE(ReadBitmapFile(bytes).has_value()) << "room in front of the rows";
         EXPECT_TRUE(ReadBitmapResource(std::span(bytes).subspan(kFileHeader)).has_value());
-        for (std::size_t n = 0; n < nOffset; ++n)
+        for (std::size_t n = 0; n < offset; ++n) {
             EXPECT_FALSE(ReadBitmapFile(std::span(bytes).first(n)).has_value()) << n;
+        }
     }
 }
 

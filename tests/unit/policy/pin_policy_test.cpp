@@ -20,8 +20,9 @@ using namespace std::string_literals;
 // confirmation. '-' not in force, 's' satisfied, 'V' violated.
 std::string Letters(const PinCheck& check) {
     std::string letters;
-    for (const PinRule rule : kPinScreenOrder)
+    for (const PinRule rule : kPinScreenOrder) {
         letters += "-sV"[static_cast<int>(check.State(rule))];
+    }
     return letters;
 }
 
@@ -110,8 +111,9 @@ TEST(CheckPin, ReadsLongTextsToTheirEnd) {
 
 std::string Progression(int first, int step, std::size_t length) {
     std::string text;
-    for (; text.size() < length; first += step)
+    for (; text.size() < length; first += step) {
         text.push_back(static_cast<char>(first));
+    }
     return text;
 }
 
@@ -151,19 +153,21 @@ public:
     // Lengths 0 to 40: digits, or a progression, or one byte away from that.
     std::string Text() {
         std::string text = Progression(Byte(), Byte(), Below(41));
-        if (Below(2) == 0)
+        if (Below(2) == 0) {
             std::ranges::generate(text, [this] { return static_cast<char>('0' + Below(10)); });
+        }
         return Near(text);
     }
     // `text`, or it with one byte changed, added or taken away at the end.
     std::string Near(std::string text) {
         const std::uint32_t change = Below(4);
-        if (change == 0 && text.size() < 40)
+        if (change == 0 && text.size() < 40) {
             text.push_back(static_cast<char>(Below(2) == 0 ? ' ' : Byte()));
-        else if (change == 1 && !text.empty())
+        } else if (change == 1 && !text.empty()) {
             text.pop_back();
-        else if (change == 2 && !text.empty())
+        } else if (change == 2 && !text.empty()) {
             text[m_engine() % text.size()] = static_cast<char>(Byte());
+        }
         return text;
     }
 
@@ -191,13 +195,16 @@ TEST(CheckPin, AgreesWithTheSecondStatementOnAMillionAttempts) {
         const bool allowed = expected.find('V') == std::string::npos;
         ASSERT_EQ(check.Verdict(), allowed) << "attempt " << i;
         allowedOnes += allowed ? 1 : 0;
-        for (std::size_t rule = 0; rule < expected.size(); ++rule)
+        for (std::size_t rule = 0; rule < expected.size(); ++rule) {
             ++seen[{rule, expected[rule]}];
+        }
     }
     // The agreement is worth something only if every branch was taken often.
-    for (std::size_t rule = 0; rule < kPinRuleCount; ++rule)
-        for (const char state : {'s', 'V'})
+    for (std::size_t rule = 0; rule < kPinRuleCount; ++rule) {
+        for (const char state : {'s', 'V'}) {
             EXPECT_GT((seen[{rule, state}]), attempts / 20) << rule << state;
+        }
+    }
     EXPECT_GT(allowedOnes, attempts / 50);
 }
 

@@ -29,12 +29,12 @@ void OnSmallStack(std::function<void()> function) {
 }
 
 std::string Repeated(std::string_view piece, std::size_t nTimes) {
-    std::string strText;
-    strText.reserve(piece.size() * nTimes);
+    std::string text;
+    text.reserve(piece.size() * nTimes);
     for (std::size_t i = 0; i < nTimes; ++i) {
-        strText += piece;
+        text += piece;
     }
-    return strText;
+    return text;
 }
 
 // The text with `value` for each "@".
@@ -92,15 +92,13 @@ TEST(Abuse, TimeIsLinear) {
         {10000, {"<table><tr><td>x"}},
     };
     OnSmallStack([&] {
-        for (const auto& [nTimes, aPieces] : kPatterns) {
-            for (const std::string& strPiece : aPieces) {
-                SCOPED_TRACE(strPiece);
-                const bool bCells = strPiece.starts_with("<td") || strPiece.starts_with("<tr");
+        for (const auto& [times, pieces] : kPatterns) {
+            for (const std::string& piece : pieces) {
+                SCOPED_TRACE(piece);
+                const bool cells = piece.starts_with("<td") || piece.starts_with("<tr");
                 ExpectLinear(
-                    [&](std::size_t n) {
-                        return (bCells ? "<table>" : "") + Repeated(strPiece, n);
-                    },
-                    nTimes);
+                    [&](std::size_t n) { return (cells ? "<table>" : "") + Repeated(piece, n); },
+                    times);
             }
         }
         SCOPED_TRACE("crossed and deep");
@@ -114,16 +112,16 @@ TEST(Abuse, TimeIsLinear) {
 }
 
 TEST(Abuse, SpansAreClamped) {
-    for (const char* pszSpan : {"0", "-1", "99999999", "-99999999999999", "x", ""}) {
-        SCOPED_TRACE(pszSpan);
+    for (const char* span : {"0", "-1", "99999999", "-99999999999999", "x", ""}) {
+        SCOPED_TRACE(span);
         const AbusedText spans(
             With("<table cellspacing=0 cellpadding=0><tr><td rowspan=@ "
                  "colspan=@>a</td><td>b</td></tr><tr><td>c</td></tr></table>",
-                 pszSpan));
-        const auto& aBlocks = spans.text.Boxes().aBlocks;
-        ASSERT_EQ(aBlocks.size(), 4U);
-        EXPECT_LT(aBlocks[0].nWidth, 40);
-        EXPECT_LT(aBlocks[0].nHeight, 60);
+                 span));
+        const auto& blocks = spans.text.Boxes().aBlocks;
+        ASSERT_EQ(blocks.size(), 4U);
+        EXPECT_LT(blocks[0].nWidth, 40);
+        EXPECT_LT(blocks[0].nHeight, 60);
     }
     const AbusedText wide("<table><tr><td colspan=101>x</table>");
     EXPECT_EQ(wide.text.Document().aCells[0].nColSpan, 100);
@@ -132,11 +130,11 @@ TEST(Abuse, SpansAreClamped) {
 }
 
 TEST(Abuse, BoundsAreKept) {
-    std::string strFonts;
-    for (int nSize = 100; nSize < 400; ++nSize) {
-        strFonts += With("<font size=@>x</font>", std::to_string(nSize));
+    std::string fonts;
+    for (int size = 100; size < 400; ++size) {
+        fonts += With("<font size=@>x</font>", std::to_string(size));
     }
-    EXPECT_EQ(AbusedText(strFonts).text.Document().styles.FontCount(), 256U);
+    EXPECT_EQ(AbusedText(fonts).text.Document().styles.FontCount(), 256U);
 
     TestText boxes;
     EXPECT_TRUE(boxes.text.SetStyleSheet("span {padding: 1}"));
@@ -151,29 +149,29 @@ TEST(Abuse, BoundsAreKept) {
 }
 
 TEST(Abuse, LengthsThatOverflowAreHeld) {
-    for (const char* pszLength :
+    for (const char* length :
          {"99999999999", "99999999999px", "99999999999in", "99999999999%", "-99999999999",
           "2147483647", "-2147483648", "0x7FFFFFFF", "99999999999em", "99999999999cm"}) {
-        SCOPED_TRACE(pszLength);
+        SCOPED_TRACE(length);
         const AbusedText held(
             With("<font size=@>a</font><hr width=@><bmp width=@ cy=@ index=@ speed=@>"
                  "<icon width=@ cy=@ index=@ speed=@><ilst width=@ cy=@ index=@ speed=@>"
                  "<table width=@ height=@ border=@ cellpadding=@ cellspacing=@><tr>"
                  "<td width=@ height=@ border=@>x</td><td bgeffect=@>y</td></tr></table>",
-                 pszLength));
+                 length));
         EXPECT_GT(held.text.Boxes().nHeight, 0);
         EXPECT_LT(held.text.Boxes().nHeight, kMaxCoordinate);
     }
-    for (const std::int32_t nWidth : {-2147483647 - 1, -1, 0, 1, 2147483647}) {
-        const AbusedText any("some words <table width=50%><tr><td>x</table>", nWidth);
+    for (const std::int32_t width : {-2147483647 - 1, -1, 0, 1, 2147483647}) {
+        const AbusedText any("some words <table width=50%><tr><td>x</table>", width);
     }
 }
 
 TEST(Abuse, HundredNestedTablesTakeMilliseconds) {
-    const std::string strText = Repeated("<table border=1><tr><td>level</td><td>", 100) + "inside";
+    const std::string text = Repeated("<table border=1><tr><td>level</td><td>", 100) + "inside";
     double best = 1;
     for (int i = 0; i < 5; ++i) {
-        best = std::min(best, AbusedText(strText).seconds);
+        best = std::min(best, AbusedText(text).seconds);
     }
     EXPECT_LT(best, 0.010);
 }

@@ -26,13 +26,13 @@ namespace {
 // A section begins with a line "==== name" and runs up to the next one.
 std::map<std::string, std::string> SectionsOf(const std::string& strFile) {
     std::map<std::string, std::string> sections;
-    std::string* pSection = nullptr;
+    std::string* section = nullptr;
     std::istringstream stream(strFile);
-    for (std::string strLine; std::getline(stream, strLine);) {
-        if (strLine.starts_with("==== ")) {
-            pSection = &sections[strLine.substr(5)];
+    for (std::string line; std::getline(stream, line);) {
+        if (line.starts_with("==== ")) {
+            section = &sections[line.substr(5)];
         } else {
-            *pSection += strLine + "\n";
+            *section += line + "\n";
         }
     }
     return sections;
@@ -45,70 +45,69 @@ std::string WithoutLastLineFeed(const std::string& strText) {
 
 std::string Produce(std::map<std::string, std::string> sections) {
     TestText test({"Tahoma", 10});
-    const std::string strSheet = WithoutLastLineFeed(sections["sheet"]);
+    const std::string sheet = WithoutLastLineFeed(sections["sheet"]);
     // "builtin" alone stands for no text.
     EXPECT_TRUE(test.text.SetStyleSheet(
-        strSheet == "builtin" ? std::nullopt : std::optional<std::string_view>(strSheet)));
-    const std::string strMarkup = WithoutLastLineFeed(sections["markup"]);
-    test.LayOut(strMarkup, std::atoi(sections["width"].c_str()));
-    sections["events"] = DumpMarkup(strMarkup);
+        sheet == "builtin" ? std::nullopt : std::optional<std::string_view>(sheet)));
+    const std::string markup = WithoutLastLineFeed(sections["markup"]);
+    test.LayOut(markup, std::atoi(sections["width"].c_str()));
+    sections["events"] = DumpMarkup(markup);
     sections["styles"] = DumpStyles(test.text.Document());
     sections["layout"] = DumpLayout(test.text.Document(), test.text.Boxes());
-    std::string strFile;
-    for (const char* pszSection : {"width", "sheet", "markup", "events", "styles", "layout"}) {
-        strFile += std::string("==== ").append(pszSection).append("\n") + sections[pszSection];
+    std::string file;
+    for (const char* section : {"width", "sheet", "markup", "events", "styles", "layout"}) {
+        file += std::string("==== ").append(section).append("\n") + sections[section];
     }
-    return strFile;
+    return file;
 }
 
 TEST(Golden, EveryDocumentGivesItsDumps) {
-    int nFiles = 0;
+    int files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(RICHTEXT_TEST_DATA "/golden")) {
-        ++nFiles;
+        ++files;
         std::ifstream file(entry.path(), std::ios::binary);
-        const std::string strExpected(std::istreambuf_iterator<char>(file), {});
-        const std::string strProduced = Produce(SectionsOf(strExpected));
+        const std::string expected(std::istreambuf_iterator<char>(file), {});
+        const std::string produced = Produce(SectionsOf(expected));
         if (std::getenv("MVP_UPDATE_GOLDEN") != nullptr) {
-            std::ofstream(entry.path(), std::ios::binary) << strProduced;
+            std::ofstream(entry.path(), std::ios::binary) << produced;
         } else {
-            EXPECT_EQ(strProduced, strExpected) << entry.path().filename();
+            EXPECT_EQ(produced, expected) << entry.path().filename();
         }
     }
-    EXPECT_GE(nFiles, 12);
+    EXPECT_GE(files, 12);
 }
 
 using Rect = std::array<double, 4>;
 
 // Without spaces, and without the lines that are empty then.
 std::vector<std::string> Squeezed(std::vector<std::string> aLines) {
-    for (std::string& strLine : aLines) {
-        std::erase(strLine, ' ');
+    for (std::string& line : aLines) {
+        std::erase(line, ' ');
     }
     std::erase(aLines, "");
     return aLines;
 }
 
 bool Agree(const Rect& a, const Rect& b, double tolerance) {
-    for (const std::size_t nSide : {std::size_t{0}, std::size_t{1}}) {
-        const double nStart = a[nSide] - b[nSide];
-        const double nEnd = nStart + a[nSide + 2] - b[nSide + 2];
-        if (std::abs(nStart) > tolerance || std::abs(nEnd) > tolerance) {
+    for (const std::size_t side : {std::size_t{0}, std::size_t{1}}) {
+        const double start = a[side] - b[side];
+        const double end = start + a[side + 2] - b[side + 2];
+        if (std::abs(start) > tolerance || std::abs(end) > tolerance) {
             return false;
         }
     }
     return true;
 }
 
-bool Agree(const CRichText& text, bool bCells, const std::vector<Rect>& expected,
-           double tolerance) {
-    std::vector<Rect> aRects;
+bool Agree(const RichText& text, bool bCells, const std::vector<Rect>& expected, double tolerance) {
+    std::vector<Rect> rects;
     for (const BlockBox& block : text.Boxes().aBlocks) {
         if (block.bCell == bCells) {
-            aRects.push_back(
+            rects.push_back(
                 {double(block.nX), double(block.nY), double(block.nWidth), double(block.nHeight)});
         }
     }
-    return std::equal(aRects.begin(), aRects.end(), expected.begin(), expected.end(),
+    return std::equal(rects.begin(), rects.end(), expected.begin(), expected.end(),
                       [&](const Rect& a, const Rect& b) { return Agree(a, b, tolerance); });
 }
 
@@ -120,14 +119,14 @@ TEST(LayoutOracle, EveryDocumentAgrees) {
     ASSERT_GE(oracle.at("documents").size(), 40U);
     for (const auto& document : oracle.at("documents")) {
         TestText test({{}, oracle.at("font").at("base_size")});
-        const CRichText& text = test.text;
+        const RichText& text = test.text;
         EXPECT_TRUE(test.text.SetStyleSheet(document.at("css").get<std::string>()));
         test.LayOut(document.at("html").get<std::string>(), document.at("width"));
-        const double nHeight = document.at("height");
+        const double height = document.at("height");
         EXPECT_TRUE(Squeezed(test.Lines()) == Squeezed(document.at("lines")) &&
                     Agree(text, true, document.at("cells"), tolerance) &&
                     Agree(text, false, document.at("tables"), tolerance) &&
-                    std::abs(text.Boxes().nHeight - nHeight) <= tolerance)
+                    std::abs(text.Boxes().nHeight - height) <= tolerance)
             << document.at("id") << ": " << document.at("why") << "\n"
             << document.at("html") << "\n"
             << DumpLayout(text.Document(), text.Boxes());

@@ -19,10 +19,9 @@ constexpr Colour kEnd = Rgb(40, 0, 200);
 // Colours with what their alpha lacks in the high byte.
 std::vector<Colour> Paint(const Effect& effect, const EffectArea& area) {
     constexpr std::uint8_t kUntouched = 0x77;
-    const auto nWidth = static_cast<std::size_t>(area.nWidth);
-    std::vector<std::uint8_t> bytes(nWidth * static_cast<std::size_t>(area.nHeight) * 4,
-                                    kUntouched);
-    PaintEffect(effect, area, bytes.data(), nWidth * 4);
+    const auto width = static_cast<std::size_t>(area.nWidth);
+    std::vector<std::uint8_t> bytes(width * static_cast<std::size_t>(area.nHeight) * 4, kUntouched);
+    PaintEffect(effect, area, bytes.data(), width * 4);
     std::vector<Colour> pixels;
     for (std::size_t i = 0; i < bytes.size(); i += 4) {
         pixels.push_back(Rgb(bytes[i + 2], bytes[i + 1], bytes[i]) |
@@ -55,9 +54,9 @@ TEST(BackgroundPixels, GradientsRunBetweenTheirColours) {
 
 TEST(BackgroundPixels, EachEffectIsItsOwnAndAPartOfItselfWhereverItIsPainted) {
     std::set<std::vector<Colour>> pictures;
-    for (int nCode = 0; nCode <= static_cast<int>(Metal); ++nCode) {
-        SCOPED_TRACE(nCode);
-        Effect effect = EffectOf(static_cast<BackgroundEffect>(nCode), 40, 30);
+    for (int code = 0; code <= static_cast<int>(Metal); ++code) {
+        SCOPED_TRACE(code);
+        Effect effect = EffectOf(static_cast<BackgroundEffect>(code), 40, 30);
         const auto whole = Paint(effect, {0, 0, 40, 30});
         EXPECT_TRUE(pictures.insert(whole).second);
         const auto part = Paint(effect, {7, 5, 20, 10});
@@ -67,7 +66,7 @@ TEST(BackgroundPixels, EachEffectIsItsOwnAndAPartOfItselfWhereverItIsPainted) {
         // One colour alone is enough for the effects of light.
         effect.end = effect.middle = effect.start;
         const auto shades = Paint(effect, {0, 0, 40, 30});
-        if (nCode >= static_cast<int>(Noise)) {
+        if (code >= static_cast<int>(Noise)) {
             EXPECT_GT(std::set<Colour>(shades.begin(), shades.end()).size(), 2U);
         }
     }
@@ -90,10 +89,10 @@ TEST(BackgroundPixels, LightComesFromTheTopLeft) {
 TEST(BackgroundPixels, OddSizesAreHarmless) {
     const auto untouched = Paint(EffectOf(Transparent, 4, 4), {0, 0, 2, 1});
     EXPECT_EQ(untouched[0], Rgb(0x77, 0x77, 0x77) | 0x88000000U);
-    for (int nCode = 0; nCode <= static_cast<int>(Metal); ++nCode) {
-        for (const std::int32_t nSize : {0, 1, 2, 1 << 30}) {
-            const Effect effect = EffectOf(static_cast<BackgroundEffect>(nCode), nSize, nSize);
-            const auto pixels = Paint(effect, {nSize - 2, nSize - 2, 2, 2});
+    for (int code = 0; code <= static_cast<int>(Metal); ++code) {
+        for (const std::int32_t size : {0, 1, 2, 1 << 30}) {
+            const Effect effect = EffectOf(static_cast<BackgroundEffect>(code), size, size);
+            const auto pixels = Paint(effect, {size - 2, size - 2, 2, 2});
             EXPECT_EQ(pixels[3] >> 24, 0U);  // opaque
         }
     }

@@ -20,15 +20,15 @@ protected:
     // The lines' texts, with a bar behind each.
     std::string Lines(const std::string& strMarkup, std::int32_t nWidth) {
         m_test.LayOut(strMarkup, nWidth);
-        std::string strLines;
-        for (const std::string& strLine : m_test.Lines()) {
-            strLines += strLine + '|';
+        std::string lines;
+        for (const std::string& line : m_test.Lines()) {
+            lines += line + '|';
         }
-        return strLines;
+        return lines;
     }
 
     TestText m_test{{"Tahoma", 10}};
-    CRichText& m_text = m_test.text;
+    RichText& m_text = m_test.text;
 };
 
 TEST_F(LayoutTest, BreaksLines) {
@@ -120,7 +120,7 @@ TEST_F(LayoutTest, HoverNeverChangesTheLayout) {
     EXPECT_TRUE(
         m_text.SetStyleSheet("a:link {color:1} a:hover {color:2; font-size:40px; padding:9}"));
     Lines("x <a msg=m>link <b>bold</b></a>", 500);
-    const CStyleTable& styles = m_text.Document().styles;
+    const StyleTable& styles = m_text.Document().styles;
     for (const Fragment& fragment : m_text.Boxes().aFragments) {
         const ComputedStyle& style = styles[fragment.nStyle];
         ASSERT_EQ(style.nHover != kNone, fragment.nLink != kNone);
@@ -134,13 +134,13 @@ TEST_F(LayoutTest, HoverNeverChangesTheLayout) {
 
 TEST_F(LayoutTest, IsMadeAnewOnlyForWhatChanged) {
     EXPECT_EQ(Lines("aaa bbb", 15), "aaa|bbb|");
-    const std::string strNarrow = DumpLayout(m_text.Document(), m_text.Boxes());
-    const Item* const pItems = m_text.Document().aItems.data();
+    const std::string narrow = DumpLayout(m_text.Document(), m_text.Boxes());
+    const Item* const items = m_text.Document().aItems.data();
     EXPECT_TRUE(m_text.Layout(500));
-    EXPECT_EQ(m_text.Document().aItems.data(), pItems);
+    EXPECT_EQ(m_text.Document().aItems.data(), items);
     EXPECT_EQ(m_text.Boxes().aLines.size(), 1U);
     EXPECT_TRUE(m_text.Layout(15));
-    EXPECT_EQ(DumpLayout(m_text.Document(), m_text.Boxes()), strNarrow);
+    EXPECT_EQ(DumpLayout(m_text.Document(), m_text.Boxes()), narrow);
     BuildSettings settings;
     settings.font.nSize = 20;
     EXPECT_TRUE(m_text.SetSettings(settings));
@@ -265,7 +265,7 @@ TEST(TableRows, HoldTheirCells) {
 }
 
 TEST(TableGrid, LeavesOutColumnsNoCellBeginsIn) {
-    CTableGrid grid;
+    TableGrid grid;
     grid.BeginRow();
     grid.Place(1, 3);
     grid.Place(4, 1);

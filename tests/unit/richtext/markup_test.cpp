@@ -53,7 +53,7 @@ TEST(MarkupReader, CutsTextIntoEvents) {
 TEST(StyleSheet, ScansRuleByRule) {
     ExpectTexts(
         [](const char* pszText) {
-            CStyleSheet sheet;
+            StyleSheet sheet;
             sheet.Load(pszText);
             return sheet.Dump();
         },
@@ -70,7 +70,7 @@ TEST(StyleSheet, ScansRuleByRule) {
 }
 
 TEST(StyleSheet, BuiltInOneIsLoadedForNoText) {
-    CStyleSheet sheet;
+    StyleSheet sheet;
     sheet.Load("b {x}");
     sheet.Load(std::nullopt);
     EXPECT_EQ(sheet.Rules().size(), 17U);
@@ -92,7 +92,7 @@ TEST(StyleSheet, BuiltInOneIsLoadedForNoText) {
 }
 
 TEST(StyleSheet, TakesLinkRulesOfTheHost) {
-    CStyleSheet sheet;
+    StyleSheet sheet;
     sheet.Load("a:link {color:red} b {color:blue} a:hover {color:red}");
     sheet.SetLinkRules(0x123456, false, 0xFF, true);
     EXPECT_EQ(sheet.Dump(),
@@ -106,13 +106,13 @@ std::string LastStyle(const char* pszMarkup, std::optional<std::string_view> she
     TestText test;
     EXPECT_TRUE(test.text.SetStyleSheet(sheet));
     test.LayOut(pszMarkup, 1000);
-    const auto& aItems = test.text.Document().aItems;
-    const auto last = std::find_if(aItems.rbegin(), aItems.rend(),
+    const auto& items = test.text.Document().aItems;
+    const auto last = std::find_if(items.rbegin(), items.rend(),
                                    [](const Item& item) { return item.kind == ItemKind::Text; });
-    const std::string strDump = DumpStyles(test.text.Document());
-    const std::string strName = "\nstyle " + std::to_string(last->nStyle) + ": font ";
-    const std::size_t nAt = strDump.find(strName) + strName.size();
-    return strDump.substr(nAt, strDump.find('\n', nAt) - nAt);
+    const std::string dump = DumpStyles(test.text.Document());
+    const std::string name = "\nstyle " + std::to_string(last->nStyle) + ": font ";
+    const std::size_t at = dump.find(name) + name.size();
+    return dump.substr(at, dump.find('\n', at) - at);
 }
 
 TEST(Styles, FollowTheCascade) {

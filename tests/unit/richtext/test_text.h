@@ -17,8 +17,8 @@ namespace mvp::richtext {
 // What is made of each first text is the second.
 inline void ExpectTexts(const std::function<std::string(const char*)>& make,
                         std::initializer_list<std::pair<const char*, std::string>> cases) {
-    for (const auto& [pszText, strExpected] : cases) {
-        EXPECT_EQ(make(pszText), strExpected) << pszText;
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(make(text), expected) << text;
     }
 }
 
@@ -36,21 +36,21 @@ struct TestText {
 
     // The text of every line.
     std::vector<std::string> Lines() const {
-        std::vector<std::string> aLines;
+        std::vector<std::string> lines;
         for (const LineBox& line : text.Boxes().aLines) {
-            std::string& strLine = aLines.emplace_back();
+            std::string& lineText = lines.emplace_back();
             for (std::uint32_t i = 0; i < line.nFragments; ++i) {
                 const Fragment& fragment = text.Boxes().aFragments[line.nFirstFragment + i];
                 if (fragment.kind == FragmentKind::Text) {
-                    strLine += text.Document().strText.substr(fragment.nOffset, fragment.nLength);
+                    lineText += text.Document().strText.substr(fragment.nOffset, fragment.nLength);
                 }
             }
         }
-        return aLines;
+        return lines;
     }
 
-    CFixedMeasurer measurer;
-    CRichText text{measurer};
+    FixedMeasurer measurer;
+    RichText text{measurer};
 };
 
 }  // namespace mvp::richtext

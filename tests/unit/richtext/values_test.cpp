@@ -32,30 +32,30 @@ TEST(Colours, AreReadAsWritten) {
         {"lightgrey", 0xD3D3D3}, {"darkgray", 0xA9A9A9}, {"yellowgreen", 0x32CD9A},
         {"aqua", 0xFFFF00},      {"cyan", 0xFFFF00},     {"99999999999", 0xFFFFFFFF}};
     const SystemColours system = TestColours();
-    for (const auto& [pszValue, expected] : kCases) {
-        EXPECT_EQ(ReadColour(pszValue, system), expected) << pszValue;
+    for (const auto& [value, expected] : kCases) {
+        EXPECT_EQ(ReadColour(value, system), expected) << value;
     }
     EXPECT_EQ(ReadColour("lightgoldenrodyellow", system), 0xD2FAFAU);
-    for (const char* pszOther : {"", "#F00", "#FF00000", "#GG0000", "nocolour", "lightgray", "grey",
-                                 "rebeccapurple", "transparent", "-1"}) {
-        EXPECT_EQ(ReadColour(pszOther, system), std::nullopt) << pszOther;
+    for (const char* other : {"", "#F00", "#FF00000", "#GG0000", "nocolour", "lightgray", "grey",
+                              "rebeccapurple", "transparent", "-1"}) {
+        EXPECT_EQ(ReadColour(other, system), std::nullopt) << other;
     }
     EXPECT_EQ(ReadPropertyColour("Transparent", system), kNoColour);
 }
 
 TEST(Colours, OfTheDesktopComeFromTheCaller) {
     const SystemColours system = TestColours();
-    std::string strFound;
+    std::string found;
     std::string_view previous;
     for (int i = 0; i < kColourNameCount; ++i) {
         EXPECT_LT(previous, ColourName(i));
         previous = ColourName(i);
         const Colour colour = ReadColour(previous, system).value_or(kNoColour);
         if (colour >= 0x100 && colour < 0x119) {
-            strFound.append(previous).append(" " + std::to_string(colour - 0x100) + ", ");
+            found.append(previous).append(" " + std::to_string(colour - 0x100) + ", ");
         }
     }
-    EXPECT_EQ(strFound,
+    EXPECT_EQ(found,
               "activeborder 10, activecaption 2, appworkspace 12, background 1, buttonface 15, "
               "buttonhighlight 20, buttonshadow 16, buttontext 18, captiontext 9, graytext 17, "
               "highlight 13, highlighttext 14, inactiveborder 11, inactivecaption 3, "
@@ -67,9 +67,9 @@ TEST(Colours, OfTheDesktopComeFromTheCaller) {
 
 TEST(Lengths, AreReadAsWritten) {
     const LengthContext context{5, 20, 96};
-    const auto expect = [&](const char* pszValue, std::int32_t nSize) {
+    const auto expect = [&](const char* value, std::int32_t size) {
         for (const LengthUse use : {LengthUse::Size, LengthUse::FontSize}) {
-            EXPECT_EQ(LengthOr(pszValue, 200, use, context), nSize) << pszValue;
+            EXPECT_EQ(LengthOr(value, 200, use, context), size) << value;
         }
     };
     constexpr std::pair<const char*, std::int32_t> kCases[] = {
@@ -78,22 +78,22 @@ TEST(Lengths, AreReadAsWritten) {
         {"-2pt", 2},   {"10pt", 13},  {"72pt", 96}, {"1in", 96},  {"+1in", 96},
         {"1cm", 37},   {"10mm", 37},  {"1mm", 3},   {"1pc", 16},  {"2ex", 10},
         {"2em", 40},   {"1.5em", 20}, {"50%", 100}, {"33%", 66},  {"-50%", -100}};
-    for (const auto& [pszValue, nSize] : kCases) {
-        expect(pszValue, nSize);
+    for (const auto& [value, size] : kCases) {
+        expect(value, size);
     }
     expect("1000000%", 2000000);
-    for (const char* pszLarge : {"99999999999", "99999999999in", "99999999999cm"}) {
-        expect(pszLarge, std::numeric_limits<std::int32_t>::max());
+    for (const char* large : {"99999999999", "99999999999in", "99999999999cm"}) {
+        expect(large, std::numeric_limits<std::int32_t>::max());
     }
-    for (const char* pszOther : {"", "garbage", "px"}) {
-        expect(pszOther, 200);
+    for (const char* other : {"", "garbage", "px"}) {
+        expect(other, 200);
     }
     // Without a unit a font has one of seven sizes.
     constexpr std::int32_t kSteps[] = {8, 10, 12, 14, 18, 24, 36};
     for (int n = 1; n <= 7; ++n) {
-        const std::string strValue = (n == 3 ? "+" : "") + std::to_string(n);
-        EXPECT_EQ(LengthOr(strValue, 200, LengthUse::Size, context), n);
-        EXPECT_EQ(LengthOr(strValue, 200, LengthUse::FontSize, context), kSteps[n - 1]);
+        const std::string valueText = (n == 3 ? "+" : "") + std::to_string(n);
+        EXPECT_EQ(LengthOr(valueText, 200, LengthUse::Size, context), n);
+        EXPECT_EQ(LengthOr(valueText, 200, LengthUse::FontSize, context), kSteps[n - 1]);
     }
     // Halves of a percentage are rounded away from zero.
     EXPECT_EQ(LengthOr("50%", 5, LengthUse::Size, context), 3);
@@ -151,28 +151,28 @@ TEST(BackgroundEffects, HaveTheNumbersOfTheLanguage) {
         "3hgradient",  "3vgradient", "noise",     "diagshade", "hshade",     "vshade",
         "hbump",       "vbump",      "softbump",  "hardbump",  "metal"};
     const LengthContext context{5, 20, 96};
-    int nCode = -1;
-    for (const char* pszName : kNames) {
-        const auto effect = static_cast<BackgroundEffect>(nCode);
-        EXPECT_EQ(ReadBackgroundEffect(pszName, context), effect) << pszName;
-        EXPECT_EQ(ReadBackgroundEffect(std::to_string(nCode), context), effect) << nCode;
-        ++nCode;
+    int code = -1;
+    for (const char* name : kNames) {
+        const auto effect = static_cast<BackgroundEffect>(code);
+        EXPECT_EQ(ReadBackgroundEffect(name, context), effect) << name;
+        EXPECT_EQ(ReadBackgroundEffect(std::to_string(code), context), effect) << code;
+        ++code;
     }
-    for (const char* pszOther : {"", "plaid", "16", "-2", "99999999999"}) {
-        EXPECT_EQ(ReadBackgroundEffect(pszOther, context), std::nullopt) << pszOther;
+    for (const char* other : {"", "plaid", "16", "-2", "99999999999"}) {
+        EXPECT_EQ(ReadBackgroundEffect(other, context), std::nullopt) << other;
     }
 }
 
 TEST(Tables, HoldTheLanguagesTags) {
-    std::string strTags;
+    std::string tags;
     for (int i = 0; i < kTagCount; ++i) {
         const TagInfo& info = InfoOf(static_cast<TagId>(i));
-        strTags.append(info.name).append(" " + std::to_string(static_cast<int>(info.kind)) + " ");
-        strTags.append(info.selector).append(", ");
+        tags.append(info.name).append(" " + std::to_string(static_cast<int>(info.kind)) + " ");
+        tags.append(info.selector).append(", ");
         EXPECT_EQ(FindTag(info.name), static_cast<TagId>(i)) << info.name;
     }
     EXPECT_EQ(
-        strTags,
+        tags,
         "b 1 bold, i 2 italic, em 2 italic, u 3 underline, s 4 strikeout, strike 4 strikeout, "
         "font 5 font, hr 6 , br 7 , t 8 , left 9 left, center 10 center, right 11 right, "
         "justify 12 justify, baseline 13 baseline, top 14 top, vcenter 15 vcenter, "
@@ -181,8 +181,8 @@ TEST(Tables, HoldTheLanguagesTags) {
         "code 21 code, pre 21 pre, big 21 big, small 21 small, sub 21 sub, sup 21 sup, "
         "span 22 span, a 23 link, table 0 table, tr 0 tr, td 0 td, ");
     EXPECT_EQ(FindTag("TABLE"), TagId::Table);
-    for (const char* pszUnknown : {"p", "div", "th", "", "tablex", "averyveryverylongtagname"}) {
-        EXPECT_EQ(FindTag(pszUnknown), std::nullopt) << pszUnknown;
+    for (const char* unknown : {"p", "div", "th", "", "tablex", "averyveryverylongtagname"}) {
+        EXPECT_EQ(FindTag(unknown), std::nullopt) << unknown;
     }
 }
 
@@ -202,8 +202,8 @@ TEST(Tables, HoldTheLanguagesEntities) {
         EXPECT_EQ(MatchEntity(EntityAt(i).name), &EntityAt(i)) << EntityAt(i).name;
     }
     EXPECT_EQ(kEntityCount, 13);
-    for (const char* pszOther : {"&AMP;", "&amp", "&apos;"}) {
-        EXPECT_EQ(MatchEntity(pszOther), nullptr) << pszOther;
+    for (const char* other : {"&AMP;", "&amp", "&apos;"}) {
+        EXPECT_EQ(MatchEntity(other), nullptr) << other;
     }
 }
 

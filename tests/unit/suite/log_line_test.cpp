@@ -21,9 +21,10 @@ TEST(LogLine, HoldsTimeIdentifiersTagLevelAndText) {
                                                   {VKLOG_EXIT, "exit"},
                                                   {32, "32"},
                                                   {-1, "-1"}};
-    for (const auto& [nLevel, name] : levels)
-        EXPECT_EQ(Compose("MVPINGUI", nLevel, "GetPINFromUser"),
+    for (const auto& [level, name] : levels) {
+        EXPECT_EQ(Compose("MVPINGUI", level, "GetPINFromUser"),
                   "2024-03-09 04:05:06.007 [4711:12] MVPINGUI " + name + ": GetPINFromUser\r\n");
+    }
 }
 
 TEST(LogLine, EscapesWhatWouldLeaveTheLine) {
@@ -44,18 +45,18 @@ TEST(LogLine, EscapesWhatWouldLeaveTheLine) {
 TEST(LogLine, EveryLengthStaysOneBoundedLine) {
     const std::string mark = VKLOG_CUT_MARK "\r\n";
     for (const char filler : {'x', '\n', '\x01'}) {
-        bool bCutSeen = false;
-        for (std::size_t nLength = 900; nLength < VKLOG_LINE_MAX + 10; ++nLength) {
-            const std::string line = Compose("TAG", 2, std::string(nLength, filler));
+        bool cutSeen = false;
+        for (std::size_t length = 900; length < VKLOG_LINE_MAX + 10; ++length) {
+            const std::string line = Compose("TAG", 2, std::string(length, filler));
             ASSERT_LE(line.size(), std::size_t{VKLOG_LINE_MAX});
-            ASSERT_EQ(line.find_first_of("\r\n"), line.size() - 2) << nLength;
-            const bool bCut = line.ends_with(mark);
-            ASSERT_TRUE(bCut || !bCutSeen) << nLength;
+            ASSERT_EQ(line.find_first_of("\r\n"), line.size() - 2) << length;
+            const bool cut = line.ends_with(mark);
+            ASSERT_TRUE(cut || !cutSeen) << length;
             // No escape is cut in the middle.
-            ASSERT_TRUE(!bCut || filler != '\x01' || line.ends_with("\\x01" + mark)) << nLength;
-            bCutSeen = bCut;
+            ASSERT_TRUE(!cut || filler != '\x01' || line.ends_with("\\x01" + mark)) << length;
+            cutSeen = cut;
         }
-        EXPECT_TRUE(bCutSeen);
+        EXPECT_TRUE(cutSeen);
     }
 }
 
@@ -64,8 +65,9 @@ TEST(LogLine, BoundsTheTagAndKnowsTheMaskOfEachLevel) {
     EXPECT_LT(line.size(), 200U);
     EXPECT_TRUE(line.ends_with("t information: text\r\n"));
     EXPECT_EQ(LogLevelBits(VKLOG_DETAIL), 4U);
-    for (const int nLevel : {1, 2, 8, 16, 32})
-        EXPECT_EQ(LogLevelBits(nLevel), static_cast<unsigned>(nLevel));
+    for (const int level : {1, 2, 8, 16, 32}) {
+        EXPECT_EQ(LogLevelBits(level), static_cast<unsigned>(level));
+    }
 }
 
 }  // namespace

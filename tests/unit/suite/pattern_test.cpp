@@ -25,8 +25,9 @@ std::string g_strLogged;
 // Not inlined, or the compiler sees malloc and free where it expects the operators.
 [[gnu::noinline]] void* operator new(std::size_t nSize) {
     void* const p = g_bNoMemory ? nullptr : std::malloc(nSize);
-    if (p == nullptr)
+    if (p == nullptr) {
         throw std::bad_alloc();
+    }
     return p;
 }
 [[gnu::noinline]] void operator delete(void* p) noexcept {
@@ -85,10 +86,12 @@ TEST(Pattern, MatchesTheWholeText) {
         {"]-&", {"]-&"}, {}},
     };
     for (const auto& each : cases) {
-        for (const std::string& text : each.matching)
+        for (const std::string& text : each.matching) {
             EXPECT_TRUE(Matches(each.pszPattern, text)) << each.pszPattern << " / " << text;
-        for (const std::string& text : each.others)
+        }
+        for (const std::string& text : each.others) {
             EXPECT_FALSE(Matches(each.pszPattern, text)) << each.pszPattern << " / " << text;
+        }
     }
 }
 
@@ -103,29 +106,33 @@ TEST(Pattern, RefusesWhatIsMalformed) {
     std::istringstream malformed(
         R"(( ) a) (a (?=a) (? * a|* (*a) a** a+* ^* $? [ [] [^] [a [z-a] [a-\d] [\d-a] [a-)"
         R"( [[:alpha:]] [\ \ \1 \b \q \x \x4 \xg0 a{2} })");
-    for (std::string pattern; malformed >> pattern;)
+    for (std::string pattern; malformed >> pattern;) {
         EXPECT_FALSE(CompilePattern(pattern, false)) << pattern;
+    }
     EXPECT_FALSE(CompilePattern(std::string(kPatternMax + 1, 'a'), false));
 }
 
-class CExpressionMaker {
+class ExpressionMaker {
 public:
     std::string Make(int nDepth) {
         static const char* const quantifiers[] = {"*", "+", "?", "*?", "+?", "??"};
         static const char* const leaves[] = {"a",   "B",   "\n",      "[ab]", "[^a]", "[A-B-]",
                                              "\\s", "\\W", "[^\\w-]", ".",    "^",    "$"};
-        const std::size_t nKind = nDepth == 0 ? 0 : Pick(6);
-        if (nKind == 0)
+        const std::size_t kind = nDepth == 0 ? 0 : Pick(6);
+        if (kind == 0) {
             return leaves[Pick(std::size(leaves))];
+        }
         const std::string made = Make(nDepth - 1);
-        if (nKind > 3)
+        if (kind > 3) {
             return "(" + made + ")" + quantifiers[Pick(std::size(quantifiers))];
-        return nKind < 3 ? made + Make(nDepth - 1) : "(" + made + "|" + Make(nDepth - 1) + ")";
+        }
+        return kind < 3 ? made + Make(nDepth - 1) : "(" + made + "|" + Make(nDepth - 1) + ")";
     }
     std::string Text() {
         std::string text(Pick(7), ' ');
-        for (char& sign : text)
+        for (char& sign : text) {
             sign = "abAB\n -"[Pick(7)];
+        }
         return text;
     }
 
@@ -136,8 +143,8 @@ private:
 };
 
 TEST(Pattern, AgreesWithTheLanguagesLibraryOnRandomExpressions) {
-    CExpressionMaker maker;
-    int nMatching = 0;
+    ExpressionMaker maker;
+    int matching = 0;
     for (int i = 0; i < 2000; ++i) {
         const std::string pattern = maker.Make(4);
         const auto program = CompilePattern(pattern, false);
@@ -147,12 +154,12 @@ TEST(Pattern, AgreesWithTheLanguagesLibraryOnRandomExpressions) {
                                   std::regex::ECMAScript | std::regex_constants::__polynomial);
         for (int n = 0; n < 20; ++n) {
             const std::string text = maker.Text();
-            const bool bMatches = std::regex_match(text, expected);
-            ASSERT_EQ(program->Matches(text), bMatches) << pattern << " / " << text;
-            nMatching += bMatches;
+            const bool matches = std::regex_match(text, expected);
+            ASSERT_EQ(program->Matches(text), matches) << pattern << " / " << text;
+            matching += matches;
         }
     }
-    EXPECT_GT(nMatching, 4000) << "too few matches to tell anything";
+    EXPECT_GT(matching, 4000) << "too few matches to tell anything";
 }
 
 TEST(Pattern, TheExportedClassTakesTextsOrNull) {
@@ -162,8 +169,8 @@ TEST(Pattern, TheExportedClassTakesTextsOrNull) {
     EXPECT_FALSE(pattern.IsMatched("A\nz"));
     EXPECT_FALSE(pattern.IsMatched(nullptr));
     EXPECT_TRUE(CPattern("a.*z", true).IsMatched("A\nz"));
-    for (const char* pszMalformed : {static_cast<const char*>(nullptr), "("}) {
-        const CPattern malformed(pszMalformed);
+    for (const char* malformedText : {static_cast<const char*>(nullptr), "("}) {
+        const CPattern malformed(malformedText);
         EXPECT_FALSE(malformed.IsValid());
         EXPECT_FALSE(malformed.IsMatched("("));
     }
@@ -171,24 +178,25 @@ TEST(Pattern, TheExportedClassTakesTextsOrNull) {
 
 TEST(Pattern, TakesStepsInProportionToTheText) {
     std::string optional(40, 'a');
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 40; ++i) {
         optional.insert(0, "a?");
+    }
     for (const std::string& pattern : {std::string("(a*)*b"), std::string("((a|a)+)+b"),
                                        std::string(".*.*.*.*=.*.*b"), optional}) {
         const auto program = CompilePattern(pattern, false);
         ASSERT_TRUE(program);
-        for (const std::size_t nLength : {40U, 1000U, 20000U}) {
-            std::size_t nSteps = 0;
-            program->Matches(std::string(nLength, 'a'), &nSteps);
-            EXPECT_GT(nSteps, std::size_t{0});
-            EXPECT_LE(nSteps, (nLength + 1) * program->StateCount()) << pattern;
+        for (const std::size_t length : {40U, 1000U, 20000U}) {
+            std::size_t steps = 0;
+            program->Matches(std::string(length, 'a'), &steps);
+            EXPECT_GT(steps, std::size_t{0});
+            EXPECT_LE(steps, (length + 1) * program->StateCount()) << pattern;
         }
     }
 }
 
 TEST(Pattern, BearsTheLargest) {
-    const std::size_t nDepth = kPatternMax / 2;
-    std::string nested = std::string(nDepth - 2, '(') + "a*" + std::string(nDepth - 2, ')') + "*";
+    const std::size_t depth = kPatternMax / 2;
+    std::string nested = std::string(depth - 2, '(') + "a*" + std::string(depth - 2, ')') + "*";
     EXPECT_TRUE(Matches(nested, std::string(1000, 'a')));
     EXPECT_FALSE(Matches(nested, "ab"));
 

@@ -13,13 +13,14 @@ namespace {
 // A smart-card service in a made world. Each wait takes the next step of a script; behind the last
 // one the watch ends. A step is a word of one or more of these: +A plugs reader A in, -A unplugs
 // it, >A inserts a card, <A pulls it, /0 stops the service and /1 starts it. A dot does nothing.
-class CScriptedService final : public ICardService {
+class ScriptedService final : public ICardService {
 public:
-    explicit CScriptedService(const std::string& script) : m_script(script) {}
+    explicit ScriptedService(const std::string& script) : m_script(script) {}
 
     bool Connect() override {
-        if (m_bUp)
+        if (m_bUp) {
             ++m_nConnections;
+        }
         return m_bUp;
     }
     void Disconnect() override { --m_nConnections; }
@@ -27,15 +28,16 @@ public:
     bool ListReaders(std::vector<std::string>& names) override {
         EXPECT_EQ(m_nConnections, 1);
         names.clear();
-        for (const auto& [name, reader] : m_readers)
+        for (const auto& [name, reader] : m_readers) {
             names.push_back(name);
+        }
         return m_bUp;
     }
 
     Wait WaitForChange(std::vector<ReaderState>& readers, unsigned /*nTimeoutMs*/) override {
         EXPECT_EQ(m_nConnections, 1);
         Wait result = Look(readers);
-        if (result == Wait::kNothing) {
+        if (result == Wait::Nothing) {
             TakeStep();
             result = Look(readers);
         }
@@ -44,8 +46,9 @@ public:
 
     bool IsEnding() override { return m_bEnding; }
     bool Pause(unsigned /*nMs*/) override {
-        if (!m_bUp)
+        if (!m_bUp) {
             TakeStep();
+        }
         return !m_bEnding;
     }
 
@@ -61,39 +64,43 @@ private:
         std::string step;
         m_bEnding = !(m_script >> step);
         for (std::size_t n = 0; n + 1 < step.size(); n += 2) {
-            const std::string strReader(1, step[n + 1]);
-            if (step[n] == '+')
-                m_readers[strReader] = {};
-            else if (step[n] == '-')
-                m_readers.erase(strReader);
-            else if (step[n] == '/')
+            const std::string reader(1, step[n + 1]);
+            if (step[n] == '+') {
+                m_readers[reader] = {};
+            } else if (step[n] == '-') {
+                m_readers.erase(reader);
+            } else if (step[n] == '/') {
                 SetUp(step[n + 1] == '1');
-            else
-                m_readers[strReader] = {step[n] == '>', m_readers[strReader].nMoves + 1};
+            } else {
+                m_readers[reader] = {step[n] == '>', m_readers[reader].nMoves + 1};
+            }
         }
     }
     void SetUp(bool bUp) {
         m_bUp = bUp;
-        for (auto& [name, reader] : m_readers)
+        for (auto& [name, reader] : m_readers) {
             reader.nMoves = bUp ? reader.nMoves : 0;
+        }
     }
 
     Wait Look(std::vector<ReaderState>& readers) {
-        if (!m_bUp)
-            return Wait::kLost;
-        bool bChange = readers.size() != m_readers.size();
+        if (!m_bUp) {
+            return Wait::Lost;
+        }
+        bool change = readers.size() != m_readers.size();
         for (ReaderState& state : readers) {
             const auto reader = m_readers.find(state.strName);
-            if (reader == m_readers.end())
-                return Wait::kUnknownReader;
+            if (reader == m_readers.end()) {
+                return Wait::UnknownReader;
+            }
             state.nNow = (reader->second.nMoves << reader_state::kCounterShift) |
                          (reader->second.bCardIn ? reader_state::kPresent : 0x10);
             if (state.nNow != state.nKnown) {
                 state.nNow |= reader_state::kChanged;
-                bChange = true;
+                change = true;
             }
         }
-        return bChange ? Wait::kReported : Wait::kNothing;
+        return change ? Wait::Reported : Wait::Nothing;
     }
 
     std::istringstream m_script;
@@ -105,9 +112,9 @@ private:
 
 // The readers whose cards were reported to have left, in order.
 std::string RemovedIn(const std::string& script) {
-    CScriptedService service(script);
+    ScriptedService service(script);
     std::string removed;
-    CReaderWatch(service, [&](const std::string& strReader) { removed += strReader; }).Run();
+    ReaderWatch(service, [&](const std::string& strReader) { removed += strReader; }).Run();
     EXPECT_EQ(service.Connections(), 0);
     return removed;
 }
@@ -135,15 +142,17 @@ TEST(ReaderWatch, ReportsCardsThatLeave) {
         {"service back after long", "+A>A /0 . . . . /1 <A", "AA"},
         {"service starts late", "/0 . . /1+A>A <A", "A"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(RemovedIn(c.pszScript), c.pszRemoved) << c.pszName;
+    }
 }
 
 TEST(ReaderWatch, WatchesManyReaders) {
     std::string script;
     std::string expected;
-    for (char ch = '0'; ch <= 'z'; ++ch)
+    for (char ch = '0'; ch <= 'z'; ++ch) {
         script += {'+', ch, '>', ch};
+    }
     for (char ch = 'z'; ch > '0'; ch = static_cast<char>(ch - 7)) {
         expected += ch;
         script += {' ', '<', ch};
@@ -152,9 +161,9 @@ TEST(ReaderWatch, WatchesManyReaders) {
 }
 
 // A service that gives the same answer at once, always, for a minute.
-class CNoisyService final : public ICardService {
+class NoisyService final : public ICardService {
 public:
-    explicit CNoisyService(bool bAnswers, Wait result) : m_bAnswers(bAnswers), m_result(result) {}
+    explicit NoisyService(bool bAnswers, Wait result) : m_bAnswers(bAnswers), m_result(result) {}
     bool Connect() override { return ++m_nCalls, m_bAnswers; }
     void Disconnect() override {}
     bool ListReaders(std::vector<std::string>& names) override {
@@ -180,12 +189,12 @@ private:
 };
 
 TEST(ReaderWatch, NeverSpins) {
-    for (const auto result : {ICardService::Wait::kReported, ICardService::Wait::kNothing,
-                              ICardService::Wait::kUnknownReader, ICardService::Wait::kLost}) {
-        for (const bool bAnswers : {true, false}) {
-            CNoisyService service(bAnswers, result);
-            CReaderWatch(service, [](const std::string&) { ADD_FAILURE(); }).Run();
-            EXPECT_LE(service.m_nCalls, 60000 / static_cast<int>(CReaderWatch::kBreathMs) + 2);
+    for (const auto result : {ICardService::Wait::Reported, ICardService::Wait::Nothing,
+                              ICardService::Wait::UnknownReader, ICardService::Wait::Lost}) {
+        for (const bool answers : {true, false}) {
+            NoisyService service(answers, result);
+            ReaderWatch(service, [](const std::string&) { ADD_FAILURE(); }).Run();
+            EXPECT_LE(service.m_nCalls, 60000 / static_cast<int>(ReaderWatch::kBreathMs) + 2);
         }
     }
 }

@@ -1,6 +1,6 @@
 // Moving values between controls and members, for DoDataExchange (CWnd::UpdateData):
 //
-//     void CAskDlg::DoDataExchange(CDataExchange* pDX) {
+//     void AskDlg::DoDataExchange(CDataExchange* pDX) {
 //         CDialog::DoDataExchange(pDX);
 //         DDX_Control(pDX, IDC_NAME, m_editName);
 //         DDX_Text(pDX, IDC_NAME, m_strName);

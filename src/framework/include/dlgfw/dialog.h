@@ -1,6 +1,6 @@
 // CDialog: a dialog made from a template, modal or modeless.
 //
-//     CAskDlg dlg(pParent);           // CAskDlg() : CDialog(IDD_ASK, pParent)
+//     AskDlg dlg(pParent);           // AskDlg() : CDialog(IDD_ASK, pParent)
 //     if (dlg.DoModal() == IDOK)
 //         Use(dlg.m_strName);
 //

@@ -1,6 +1,6 @@
 // Message maps: which handler of a class answers which message.
 //
-//     class CAskDlg : public CDialog {
+//     class AskDlg : public CDialog {
 //         ...
 //         afx_msg void OnChangeName();
 //         afx_msg LRESULT OnCardEvent(WPARAM wParam, LPARAM lParam);
@@ -8,9 +8,9 @@
 //         DECLARE_MESSAGE_MAP()
 //     };
 //
-//     BEGIN_MESSAGE_MAP(CAskDlg, CDialog)
-//         ON_EN_CHANGE(IDC_NAME, &CAskDlg::OnChangeName)
-//         ON_REGISTERED_MESSAGE(g_nCardRemoved, &CAskDlg::OnCardEvent)
+//     BEGIN_MESSAGE_MAP(AskDlg, CDialog)
+//         ON_EN_CHANGE(IDC_NAME, &AskDlg::OnChangeName)
+//         ON_REGISTERED_MESSAGE(g_nCardRemoved, &AskDlg::OnCardEvent)
 //         ON_WM_MOVE()
 //     END_MESSAGE_MAP()
 //

@@ -223,13 +223,13 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    friend class CWndAccess;  // the window procedure's and the handle maps' way in
+    friend class WndAccess;  // the window procedure's and the handle maps' way in
 
     explicit CWnd(HWND hWnd) noexcept : m_hWnd(hWnd) {}
     void SendCurrentToDescendants();
 
-    WNDPROC m_pfnSuper = nullptr;          // the procedure that was subclassed
-    class CWndGuard* m_pGuards = nullptr;  // who wants to know when this object goes
+    WNDPROC m_pfnSuper = nullptr;         // the procedure that was subclassed
+    class WndGuard* m_pGuards = nullptr;  // who wants to know when this object goes
 };
 
 // Called with the number of the message whose handler threw (0 outside of messages), on the thread
