@@ -8,10 +8,13 @@
 // Lines of every thread are recorded; the functions may be called at any time.
 #pragma once
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "support/recording/recording.h"
 
 namespace mvp::test {
 
@@ -25,19 +28,53 @@ struct RecordedLine {
 
 class LogRecorder {
 public:
-    LogRecorder();
-    ~LogRecorder();
+    LogRecorder() {
+        RecordLogTo(
+            [](void* pContext, const char* pszTag, int nLevel, const char* pszText) {
+                auto& recorder = *static_cast<LogRecorder*>(pContext);
+                const std::lock_guard lock(recorder.m_lock);
+                recorder.m_lines.push_back({pszTag, nLevel, pszText});
+            },
+            this);
+    }
+    ~LogRecorder() { RecordLogTo(nullptr, nullptr); }
 
-    void Clear();
-    std::vector<RecordedLine> Lines() const;
+    void Clear() {
+        const std::lock_guard lock(m_lock);
+        m_lines.clear();
+    }
+    std::vector<RecordedLine> Lines() const {
+        const std::lock_guard lock(m_lock);
+        return m_lines;
+    }
     // The texts of one level, in order.
-    std::vector<std::string> Texts(int nLevel) const;
+    std::vector<std::string> Texts(int nLevel) const {
+        std::vector<std::string> texts;
+        for (RecordedLine& line : Lines()) {
+            if (line.nLevel == nLevel) {
+                texts.push_back(std::move(line.strText));
+            }
+        }
+        return texts;
+    }
     // Whether there is a line of that level with exactly that text.
-    bool Contains(int nLevel, std::string_view text) const;
+    bool Contains(int nLevel, std::string_view text) const {
+        return std::ranges::count(Texts(nLevel), text) > 0;
+    }
     // Whether there is a line, of whatever level, with this in its text.
-    bool ContainsPart(std::string_view part) const;
+    bool ContainsPart(std::string_view part) const {
+        return std::ranges::any_of(Lines(), [=](const auto& line) {
+            return line.strText.find(part) != line.strText.npos;
+        });
+    }
     // Every line on a line of its own, for the message of a failure.
-    std::string Dump() const;
+    std::string Dump() const {
+        std::string text = "the log:\n";
+        for (const auto& [tag, level, content] : Lines()) {
+            text += "  " + tag + ' ' + std::to_string(level) + ": " + content + '\n';
+        }
+        return text;
+    }
 
 private:
     mutable std::mutex m_lock;

@@ -17,12 +17,6 @@ namespace {
 constexpr size_t kMaxHits = 4096;
 constexpr size_t kChunk = size_t{1} << 18;
 
-struct RawHit {
-    ULONG_PTR address;
-    size_t nPiece;
-    bool bWide;
-};
-
 constexpr size_t PieceSize(bool bWide) {
     return Secret::kPiece * (bWide ? 2 : 1);
 }
@@ -31,8 +25,20 @@ constexpr size_t PieceSize(bool bWide) {
 // when it is given back.
 struct Scratch {
     unsigned char bytes[kChunk];
-    RawHit hits[kMaxHits];
+    MemoryHit hits[kMaxHits];
     size_t nHits;
+
+    void Add(ULONG_PTR address, size_t nPiece, bool bWide) {
+        const size_t first = nPiece * Secret::kPiece;
+        if (MemoryHit* last = nHits > 0 ? &hits[nHits - 1] : nullptr;
+            last != nullptr && last->bWide == bWide &&
+            last->address + last->nCount * (bWide ? 2 : 1) == address &&
+            last->nFirst + last->nCount == first) {
+            last->nCount += Secret::kPiece;
+        } else if (nHits < kMaxHits) {
+            hits[nHits++] = {address, first, Secret::kPiece, bWide};
+        }
+    }
 };
 
 struct ScratchTraits {
@@ -79,9 +85,7 @@ void ScanRange(const Secret& secret, ULONG_PTR nBegin, ULONG_PTR nEnd, Scratch& 
         const size_t fresh = last ? read : read - overlap;
         secret.FindPieces(scratch.bytes, fresh, read,
                           [&](size_t nOffset, size_t nPiece, bool bWide) {
-                              if (scratch.nHits < kMaxHits) {
-                                  scratch.hits[scratch.nHits++] = {at + nOffset, nPiece, bWide};
-                              }
+                              scratch.Add(at + nOffset, nPiece, bWide);
                           });
         at += std::max(fresh, read == 0 ? kPage : size_t{1});
     }
@@ -118,43 +122,6 @@ bool FindInHeap(HANDLE hHeap, MemoryHit& hit) {
     HeapUnlock(hHeap);
     hit.bFreed = found && (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0;
     return found;
-}
-
-// Finds out whose memory it is.
-MemoryHit HitAt(ULONG_PTR address) {
-    MemoryHit hit{.address = address, .strOwner = "other memory"};
-    MEMORY_BASIC_INFORMATION info = {};
-    VirtualQuery(reinterpret_cast<const void*>(address), &info, sizeof info);
-    char module[MAX_PATH] = {};
-    if (info.Type == MEM_IMAGE &&
-        GetModuleFileNameA(static_cast<HMODULE>(info.AllocationBase), module, sizeof module) != 0) {
-        hit.strOwner = std::string("the data of ") + module;
-    }
-    const auto* stack = reinterpret_cast<NT_TIB*>(NtCurrentTeb());
-    if (address - reinterpret_cast<ULONG_PTR>(stack->StackLimit) <
-        reinterpret_cast<ULONG_PTR>(stack->StackBase) -
-            reinterpret_cast<ULONG_PTR>(stack->StackLimit)) {
-        hit.strOwner = "this thread's stack";
-    }
-    HANDLE heaps[64] = {reinterpret_cast<HANDLE>(_get_heap_handle())};
-    GetProcessHeaps(63, heaps + 1);
-    for (const HANDLE heap : heaps) {
-        if (heap != nullptr && FindInHeap(heap, hit)) {
-            hit.place = MemoryHit::Place::Heap;
-            hit.strOwner = heap == heaps[0]           ? "the C heap"
-                           : heap == GetProcessHeap() ? "the process heap"
-                                                      : "another heap";
-            break;
-        }
-    }
-    return hit;
-}
-
-// Whether the piece lies right behind what the hit has so far, in the memory and in the secret.
-bool Continues(const MemoryHit& hit, const RawHit& piece) {
-    return hit.bWide == piece.bWide &&
-           piece.address == hit.address + hit.nCount * (hit.bWide ? 2 : 1) &&
-           piece.nPiece * Secret::kPiece == hit.nFirst + hit.nCount;
 }
 
 }  // namespace
@@ -198,7 +165,10 @@ bool Secret::IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) con
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
     return stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
                   << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address
-                  << std::dec << (hit.bFreed ? " in a freed block of " : " in ") << hit.strOwner;
+                  << std::dec
+                  << (hit.bFreed                            ? " in a freed block"
+                      : hit.place == MemoryHit::Place::Heap ? " in a heap"
+                                                            : " in other memory");
 }
 
 std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
@@ -208,15 +178,16 @@ std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
         throw std::runtime_error("no memory to scan with");
     }
     ScanAll(secret, *scratch.get());
-    std::vector<MemoryHit> hits;
-    for (size_t i = 0; i < scratch.get()->nHits; ++i) {
-        const RawHit& raw = scratch.get()->hits[i];
-        if (hits.empty() || !Continues(hits.back(), raw)) {
-            hits.push_back(HitAt(raw.address));
-            hits.back().bWide = raw.bWide;
-            hits.back().nFirst = raw.nPiece * Secret::kPiece;
+    std::vector<MemoryHit> hits(scratch.get()->hits, scratch.get()->hits + scratch.get()->nHits);
+    HANDLE heaps[64] = {reinterpret_cast<HANDLE>(_get_heap_handle())};
+    GetProcessHeaps(63, heaps + 1);
+    for (MemoryHit& hit : hits) {
+        for (const HANDLE heap : heaps) {
+            if (heap != nullptr && FindInHeap(heap, hit)) {
+                hit.place = MemoryHit::Place::Heap;
+                break;
+            }
         }
-        hits.back().nCount += Secret::kPiece;
     }
     return hits;
 }
@@ -227,16 +198,12 @@ SecretWatch::SecretWatch(std::vector<const Secret*> secrets)
                     [this](const void* pBlock, size_t nBytes) {
                         for (const Secret* secret : m_secrets) {
                             secret->FindPieces(static_cast<const unsigned char*>(pBlock), nBytes,
-                                               nBytes, [&](size_t, size_t, bool) {
-                                                   ++m_nFreed;
-                                                   m_nSizeOfFreed = nBytes;
-                                               });
+                                               nBytes, [&](size_t, size_t, bool) { ++m_nFreed; });
                         }
                     }) {}
 
 void SecretWatch::ExpectNothingLeft(const char* pszWhen) const {
-    EXPECT_EQ(m_nFreed, 0) << pszWhen << ": pieces in blocks that were freed, the last one of "
-                           << m_nSizeOfFreed << " bytes";
+    EXPECT_EQ(m_nFreed, 0) << pszWhen << ": pieces in blocks that were freed";
     for (size_t i = 0; i < m_secrets.size(); ++i) {
         for (const MemoryHit& hit : ScanOwnMemory(*m_secrets[i])) {
             ADD_FAILURE() << pszWhen << ", secret " << i + 1 << ": " << hit;

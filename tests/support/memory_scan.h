@@ -24,7 +24,6 @@
 #include <array>
 #include <atomic>
 #include <iosfwd>
-#include <string>
 #include <vector>
 
 #include "support/freed_blocks.h"
@@ -68,13 +67,12 @@ struct MemoryHit {
     size_t nCount = 0;
     bool bWide = false;
     Place place = Place::Other;
-    bool bFreed = false;   // a heap's block, and no longer in use
-    std::string strOwner;  // for people to read
+    bool bFreed = false;  // a heap's block, and no longer in use
 };
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit);
 
-// At most the first 4,096 pieces, by address; neighbours that continue each other are one hit.
+// At most the first 4,096, by address; pieces that continue each other are one hit.
 std::vector<MemoryHit> ScanOwnMemory(const Secret& secret);
 
 // What becomes of secrets while it lives. One at a time.
@@ -88,8 +86,7 @@ public:
 
 private:
     std::vector<const Secret*> m_secrets;
-    std::atomic<int> m_nFreed = 0;           // blocks with a piece of a secret
-    std::atomic<size_t> m_nSizeOfFreed = 0;  // of the last one
+    std::atomic<int> m_nFreed = 0;  // pieces of secrets in what was freed
     FreedBlocks m_freedBlocks;
 };
 

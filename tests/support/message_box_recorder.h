@@ -10,11 +10,7 @@
 // Use it on the thread that shows the boxes, one at a time. Without one every box is answered 1.
 #pragma once
 
-#include <windows.h>
-
-#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "support/recording/recording.h"
@@ -29,26 +25,30 @@ struct MessageBoxCall : MessageBoxArguments {
 
 class MessageBoxRecorder {
 public:
-    MessageBoxRecorder();
+    MessageBoxRecorder() {
+        RecordBoxesTo(
+            [](void* pContext, const MessageBoxArguments& arguments, const char* pszText,
+               const char* pszReader) {
+                auto& recorder = *static_cast<MessageBoxRecorder*>(pContext);
+                recorder.m_calls.push_back({arguments, pszText != nullptr ? pszText : "",
+                                            pszReader != nullptr ? pszReader : ""});
+                return recorder.m_nAnswer;
+            },
+            this);
+    }
     MessageBoxRecorder(const MessageBoxRecorder&) = delete;
     MessageBoxRecorder& operator=(const MessageBoxRecorder&) = delete;
-    ~MessageBoxRecorder();
+    ~MessageBoxRecorder() { RecordBoxesTo(nullptr, nullptr); }
 
     // What every box is answered from now on. 1, the accepting answer, at first.
-    void SetAnswer(int nAnswer) {
-        m_answer = [nAnswer](const MessageBoxCall&) { return nAnswer; };
-    }
-    // The same by a function, which may also do what a test wants to happen while a box is open.
-    void SetAnswer(std::function<int(const MessageBoxCall&)> answer) {
-        m_answer = std::move(answer);
-    }
+    void SetAnswer(int nAnswer) { m_nAnswer = nAnswer; }
 
     const std::vector<MessageBoxCall>& Calls() const { return m_calls; }
     void Clear() { m_calls.clear(); }
 
 private:
     std::vector<MessageBoxCall> m_calls;
-    std::function<int(const MessageBoxCall&)> m_answer;
+    int m_nAnswer = 1;
 };
 
 }  // namespace mvp::test

@@ -11,9 +11,9 @@
 namespace mvp::test {
 namespace {
 
-// Wine's GetGuiResources and GetProcessHandleCount answer 0; where they do, the objects are counted
-// one by one. The low word of a window manager's or GDI handle is its place in a table and names
-// the object by itself; the high word is a generation number.
+// Wine's GetGuiResources and GetProcessHandleCount answer 0, so objects are counted one by one. The
+// low word of a window manager's or GDI handle is its place in a table and names the object by
+// itself; the high word is a generation number.
 constexpr ULONG_PTR kLastPlace = 0xFFFF;
 
 template <class Predicate>
@@ -52,27 +52,9 @@ unsigned CountWindows() {
     return count;
 }
 
-unsigned CountOtherUserObjects(unsigned nWindows) {
-    const DWORD count = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    return count != 0 ? count - nWindows : CountHandles(2, kLastPlace, IsMenuOrIcon);
-}
-
-unsigned CountGdiObjects() {
-    const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    return count != 0 ? count
-                      : CountHandles(1, kLastPlace, [](void* p) { return GetObjectType(p) != 0; });
-}
-
-unsigned CountKernelHandles() {
-    DWORD count = 0;
-    if (GetProcessHandleCount(GetCurrentProcess(), &count) && count != 0) {
-        return count;
-    }
-    // The lowest free one is given first; this many are more than any test has.
-    return CountHandles(4, 4 * 4096, [](void* handle) {
-        DWORD flags = 0;
-        return GetHandleInformation(handle, &flags) != FALSE;
-    });
+bool IsKernelHandle(void* handle) {
+    DWORD flags = 0;
+    return GetHandleInformation(handle, &flags) != FALSE;
 }
 
 unsigned CountThreads() {
@@ -126,10 +108,11 @@ ResourceCounts ResourceCounts::Now() {
     CountHeap(counts);
     counts.privateBytes = CountPrivateBytes();
     counts.windows = CountWindows();
-    counts.otherUserObjects = CountOtherUserObjects(counts.windows);
-    counts.gdiObjects = CountGdiObjects();
+    counts.otherUserObjects = CountHandles(2, kLastPlace, IsMenuOrIcon);
+    counts.gdiObjects = CountHandles(1, kLastPlace, [](void* p) { return GetObjectType(p) != 0; });
     counts.threads = CountThreads();
-    counts.kernelHandles = CountKernelHandles();
+    // The lowest free one is given first; this many are more than any test has.
+    counts.kernelHandles = CountHandles(4, 4 * 4096, IsKernelHandle);
     return counts;
 }
 

@@ -7,12 +7,16 @@
 
 #include <windows.h>
 
+#include <stdexcept>
+#include <string>
+
+#include "platform/system_library.h"
+
 namespace mvp::test {
 
 // vklog.dll exports "vklogRecordTo". Called under the module's lock, on the thread that logs; the
 // receiver must not log. When vklogRecordTo returns, no call to the former receiver is running.
 using LogReceiver = void (*)(void* pContext, const char* pszTag, int nLevel, const char* pszText);
-using LogRecordTo = void (*)(LogReceiver receiver, void* pContext);
 
 struct MessageBoxArguments {
     // VKErrMesDisplayExWithParentParamAndReader, not VKErrMesDisplayEx, which leaves the parent,
@@ -30,6 +34,23 @@ struct MessageBoxArguments {
 // it is 1.
 using MessageBoxReceiver = int (*)(void* pContext, const MessageBoxArguments& arguments,
                                    const char* pszText, const char* pszReader);
-using MessageBoxRecordTo = void (*)(MessageBoxReceiver receiver, void* pContext);
+
+// Throws std::runtime_error when the module of that name beside the test is not the recording one.
+template <class Receiver>
+void RecordTo(const char* pszModule, const char* pszFunction, Receiver receiver, void* pContext) {
+    // Not given back: the module under test, which uses it too, may come and go.
+    const auto recordTo =
+        FindFunction<void (*)(Receiver, void*)>(LoadLibraryA(pszModule), pszFunction);
+    if (recordTo == nullptr) {
+        throw std::runtime_error(std::string(pszModule) + " is not the recording module");
+    }
+    recordTo(receiver, pContext);
+}
+inline void RecordLogTo(LogReceiver receiver, void* pContext) {
+    RecordTo("vklog.dll", "vklogRecordTo", receiver, pContext);
+}
+inline void RecordBoxesTo(MessageBoxReceiver receiver, void* pContext) {
+    RecordTo("vkerrmes.dll", "VKErrMesRecordTo", receiver, pContext);
+}
 
 }  // namespace mvp::test

@@ -16,7 +16,6 @@
 #include "services/resource_module.h"
 #include "support/log_recorder.h"
 #include "support/recording/recording.h"
-#include "support/recording/recording_module.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
@@ -28,33 +27,16 @@ constexpr char kPlantedMark[] = "MVP_PLANTED_CODE_RAN";
 const std::filesystem::path g_home = std::filesystem::current_path();
 
 // A current directory, left at the end; by default an empty one, without a resource module.
-class CurrentDirectory {
-public:
-    explicit CurrentDirectory(const std::string& strName = "empty_" +
-                                                           std::to_string(GetCurrentProcessId()))
-        : m_path(g_home / strName), m_bMade(std::filesystem::create_directories(m_path)) {
-        std::filesystem::current_path(m_path);
+struct CurrentDirectory {
+    explicit CurrentDirectory(const char* pszName = "empty") {
+        std::filesystem::create_directories(g_home / pszName);
+        std::filesystem::current_path(g_home / pszName);
     }
-    CurrentDirectory(const CurrentDirectory&) = delete;
-    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
-    ~CurrentDirectory() {
-        std::filesystem::current_path(g_home);
-        std::error_code ignored;
-        if (m_bMade) {
-            std::filesystem::remove(m_path, ignored);
-        }
-    }
-
-private:
-    std::filesystem::path m_path;
-    bool m_bMade;
+    ~CurrentDirectory() { std::filesystem::current_path(g_home); }
 };
 
-class Attached {
-public:
+struct Attached {
     Attached() { EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr))); }
-    Attached(const Attached&) = delete;
-    Attached& operator=(const Attached&) = delete;
     ~Attached() { DetachLibrary(); }
 };
 
@@ -193,10 +175,9 @@ TEST_F(Attach, RunsNothingOfTheModule) {
 
 TEST_F(Attach, KeepsItsOrder) {
     static std::string steps;  // those that are done when the install path is read
-    const auto recordTo = RecordingFunction<LogRecordTo>("vklog.dll", "vklogRecordTo");
     {
         const CurrentDirectory directory;
-        recordTo(
+        RecordLogTo(
             [](void*, const char*, int, const char* pszText) {
                 if (std::string_view(pszText) != "ReadInstallPath begins") {
                     return;
@@ -206,7 +187,7 @@ TEST_F(Attach, KeepsItsOrder) {
             },
             nullptr);
         const Attached library;
-        recordTo(nullptr, nullptr);
+        RecordLogTo(nullptr, nullptr);
     }
     EXPECT_EQ(steps, "class ");
     // The framework, whose turn is last, refuses a library without an instance.

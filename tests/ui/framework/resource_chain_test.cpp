@@ -95,9 +95,13 @@ TEST_F(ResourceChainTest, DialogsAndBitmapsComeFromTheChain) {
     EXPECT_EQ(size.bmWidth, 1);
     EXPECT_FALSE(bitmap.LoadBitmap(301u));
 
-    const Script pressOk = [](Dialog& dialog) { dialog.Click(IDOK); };
-    DialogDriver driver(Step(Titled("Dialog of A"), pressOk),
-                        Step(Titled("Plain dialog of A"), pressOk));
+    const auto expect = [](const char* pszTitle) {
+        return [=](Dialog& dialog) {
+            EXPECT_EQ(dialog.Title(), pszTitle);
+            dialog.Click(IDOK);
+        };
+    };
+    DialogDriver driver(expect("Dialog of A"), expect("Plain dialog of A"));
     EXPECT_EQ(CDialog(200u).DoModal(), IDOK);
     EXPECT_EQ(CDialog(201u).DoModal(), IDOK);
 }

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -18,28 +17,13 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/critical_section.h"
 #include "suite/vkevtsub/pcsc_service.h"
 #include "support/waiting.h"
 
 namespace {
 
 struct World {
-    // Does `change` and tells whoever waits.
-    void Change(const std::function<void(World&)>& change) {
-        const mvp::ScopedLock scope(lock);
-        change(*this);
-        ++nChange;
-        WakeAllConditionVariable(&changed);
-    }
-    // What `ask` finds.
-    int Ask(const std::function<int(World&)>& ask) {
-        const mvp::ScopedLock scope(lock);
-        return ask(*this);
-    }
-
-    mvp::CriticalSection lock;
-    CONDITION_VARIABLE changed{};
+    std::mutex lock;
     unsigned nChange = 1;      // the number of the last change
     unsigned nSeenChange = 0;  // the last one that a wait has taken note of
     bool bUp = true;
@@ -52,24 +36,32 @@ struct World {
 };
 World g_world;
 
+// What `ask` finds.
+template <class Question>
+auto Ask(Question ask) {
+    const std::lock_guard lock(g_world.lock);
+    return ask(g_world);
+}
+template <class Function>
+void Change(Function change) {
+    const std::lock_guard lock(g_world.lock);
+    change(g_world);
+    ++g_world.nChange;
+}
 void SetReader(const std::string& strReader, DWORD nState) {
-    g_world.Change([&](World& world) { world.readers[strReader] = nState; });
+    Change([&](World& world) { world.readers[strReader] = nState; });
 }
-
 void RemoveReader(const std::string& strReader) {
-    g_world.Change([&](World& world) { world.readers.erase(strReader); });
+    Change([&](World& world) { world.readers.erase(strReader); });
 }
-
 void SetService(bool bUp) {
-    g_world.Change([&](World& world) { world.bUp = bUp; });
+    Change([=](World& world) { world.bUp = bUp; });
 }
-
-int Contexts() {
-    return g_world.Ask([](World& world) { return static_cast<int>(world.contexts.size()); });
-}
-
 int Connects() {
-    return g_world.Ask([](World& world) { return world.nConnects; });
+    return Ask([](World& world) { return world.nConnects; });
+}
+bool IsConnected() {
+    return Ask([](World& world) { return !world.contexts.empty(); });
 }
 
 constexpr char kComingAndGoing[] = R"(\\?PnP?\Notification)";
@@ -104,7 +96,7 @@ extern "C" {
 
 __declspec(dllexport) LONG WINAPI
     SCardEstablishContext(DWORD, LPCVOID, LPCVOID, LPSCARDCONTEXT phContext) {
-    const mvp::ScopedLock lock(g_world.lock);
+    const std::lock_guard lock(g_world.lock);
     ++g_world.nConnects;
     if (!g_world.bUp) {
         return SCARD_E_NO_SERVICE;
@@ -115,13 +107,13 @@ __declspec(dllexport) LONG WINAPI
 }
 
 __declspec(dllexport) LONG WINAPI SCardReleaseContext(SCARDCONTEXT hContext) {
-    const mvp::ScopedLock lock(g_world.lock);
+    const std::lock_guard lock(g_world.lock);
     return g_world.contexts.erase(hContext) > 0 ? SCARD_S_SUCCESS : SCARD_E_INVALID_HANDLE;
 }
 
 __declspec(dllexport) LONG WINAPI
     SCardListReadersA(SCARDCONTEXT, LPCSTR, LPSTR mszReaders, LPDWORD pcchReaders) {
-    const mvp::ScopedLock lock(g_world.lock);
+    const std::lock_guard lock(g_world.lock);
     if (!g_world.bUp) {
         return SCARD_E_SERVICE_STOPPED;
     }
@@ -148,27 +140,22 @@ __declspec(dllexport) LONG WINAPI
 __declspec(dllexport) LONG WINAPI
     SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD dwTimeout,
                           LPSCARD_READERSTATEA rgReaderStates, DWORD cReaders) {
-    const mvp::ScopedLock lock(g_world.lock);
-    const ULONGLONG end = GetTickCount64() + dwTimeout;
-    for (;;) {
+    for (const ULONGLONG end = GetTickCount64() + dwTimeout;; Sleep(1)) {
+        const std::lock_guard lock(g_world.lock);
         if (g_world.cancelled.erase(hContext) > 0) {
             return SCARD_E_CANCELLED;
         }
         const LONG result = Look(rgReaderStates, cReaders);
-        const ULONGLONG now = GetTickCount64();
-        if (result != SCARD_E_TIMEOUT || (now >= end && !g_world.bPatient)) {
+        if (result != SCARD_E_TIMEOUT || (GetTickCount64() >= end && !g_world.bPatient)) {
             return result;
         }
         g_world.nSeenChange = g_world.nChange;
-        SleepConditionVariableCS(&g_world.changed, g_world.lock.get(),
-                                 g_world.bPatient ? INFINITE : static_cast<DWORD>(end - now));
     }
 }
 
 __declspec(dllexport) LONG WINAPI SCardCancel(SCARDCONTEXT hContext) {
-    const mvp::ScopedLock lock(g_world.lock);
+    const std::lock_guard lock(g_world.lock);
     g_world.cancelled.insert(hContext);
-    WakeAllConditionVariable(&g_world.changed);
     return SCARD_S_SUCCESS;
 }
 
@@ -201,7 +188,7 @@ protected:
         if (m_watch) {
             ExpectEnd();
         }
-        EXPECT_EQ(Contexts(), 0);
+        EXPECT_FALSE(IsConnected());
         RemoveReader("A");
         RemoveReader("B");
         SetService(true);
@@ -209,9 +196,8 @@ protected:
 
     // What was reported until the watch knew how things are now.
     Names Removed() {
-        EXPECT_TRUE(WaitFor(kDeadline, [] {
-            return g_world.Ask([](World& w) { return w.nSeenChange == w.nChange; }) != 0;
-        }));
+        EXPECT_TRUE(WaitFor(
+            kDeadline, [] { return Ask([](World& w) { return w.nSeenChange == w.nChange; }); }));
         const std::lock_guard lock(m_lock);
         return m_removed;
     }
@@ -260,7 +246,7 @@ TEST_F(CardWatchTest, OutlivesTheService) {
     SetService(true);
     EXPECT_EQ(Removed(), Names{});
     SetService(false);
-    EXPECT_TRUE(WaitFor(kDeadline, [] { return Contexts() == 0; }));
+    EXPECT_TRUE(WaitFor(kDeadline, [] { return !IsConnected(); }));
     SetReader("A", kEmpty);
     SetService(true);
     EXPECT_EQ(Removed(), (Names{"A"}));
@@ -277,12 +263,12 @@ TEST_F(CardWatchTest, EndsWhereverItIs) {
     }
     // In a wait that would last.
     SetService(true);
-    g_world.Change([](World& world) { world.bPatient = true; });
+    Change([](World& world) { world.bPatient = true; });
     SetReader("A", kEmpty);
     Start();
     Removed();
     ExpectEnd();
-    g_world.Change([](World& world) { world.bPatient = false; });
+    Change([](World& world) { world.bPatient = false; });
 }
 
 TEST(PcscService, CannotConnectWithoutTheModuleOrItsFunctions) {

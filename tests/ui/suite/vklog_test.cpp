@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <regex>
@@ -55,20 +54,13 @@ protected:
     // The lines from their tag on; a line that is not whole fails the test.
     Strings Lines() const {
         static const std::regex form(
-            R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[\d+:\d+\] ([^\r\n]*))");
+            R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[\d+:\d+\] ([^\r\n]*)\r)");
         std::ifstream file(m_strFile, std::ios::binary);
-        const std::string content{std::istreambuf_iterator<char>(file), {}};
         Strings lines;
-        for (std::size_t start = 0; start < content.size();) {
-            const std::size_t end = content.find("\r\n", start);
-            std::smatch match;
-            const std::string line = content.substr(start, end - start);
-            if (end == std::string::npos || !std::regex_match(line, match, form)) {
-                ADD_FAILURE() << "not a whole line: " << line;
-                break;
-            }
+        std::smatch match;
+        for (std::string line; std::getline(file, line);) {
+            EXPECT_TRUE(!file.eof() && std::regex_match(line, match, form)) << line;
             lines.push_back(match[1]);
-            start = end + 2;
         }
         return lines;
     }

@@ -105,10 +105,11 @@ TEST(DialogDriver, DrivesDialogsInARowAndOneOverAnother) {
             question.WaitGone();
             dialog.Escape();
         },
-        Step(Titled("Second"), [](Dialog& dialog) {
+        [](Dialog& dialog) {
+            EXPECT_EQ(dialog.Title(), "Second");
             dialog.Type(kEdit, "1234");
             dialog.Enter();
-        }));
+        });
     EXPECT_EQ(first.DoModal(), IDCANCEL);
     EXPECT_EQ(first.nAnswer, IDYES);
     EXPECT_EQ(second.DoModal(), IDOK);
@@ -136,13 +137,13 @@ TEST(DialogDriver, FollowsTheFocusOfKeysThroughThePanelAndRunsWorkThere) {
 
 TEST(DialogDriver, FailsWithTheReasonOfAMistakeAndCancelsTheDialog) {
     const struct {
-        std::vector<Step> steps;
+        std::vector<Script> scripts;
         const char* pszReason;
     } mistakes[] = {
         {{}, "no script waits for what is open: #32770 \"Plain\""},
-        {{Step(Titled("Other"), [](Dialog&) {})}, "#32770 \"Plain\""},
         {{[](Dialog&) {}}, "until the dialog \"Plain\" has gone"},
-        {{[](Dialog& dialog) { dialog.Next(); }}, "until a dialog \"\" opens"},
+        {{[](Dialog& dialog) { dialog.Next(); }},
+         "until a dialog opens; open are: #32770 \"Plain\""},
         {{[](Dialog& dialog) { dialog.Click(9); }}, "no control 9"},
         {{[](Dialog& dialog) { dialog.Click(IDOK); }}, "disabled"},
         {{[](Dialog& dialog) { dialog.Click(kHidden); }}, "hidden"},
@@ -153,7 +154,7 @@ TEST(DialogDriver, FailsWithTheReasonOfAMistakeAndCancelsTheDialog) {
         INT_PTR result = 0;
         EXPECT_NONFATAL_FAILURE_ON_ALL_THREADS(
             {
-                DialogDriver driver(1s, mistake.steps);
+                DialogDriver driver(1s, mistake.scripts);
                 result = PlainDialog().DoModal();
             },
             mistake.pszReason);
@@ -168,7 +169,7 @@ TEST(DialogDriver, DISABLED_FailsFatallyInTheScript) {
 }
 
 TEST(DialogDriver, DISABLED_MeetsAStubbornDialog) {
-    DialogDriver driver(1s, [](Dialog&) {});
+    DialogDriver driver(1s, {[](Dialog&) {}});
     PlainDialog plain;
     plain.bStubborn = true;
     plain.DoModal();

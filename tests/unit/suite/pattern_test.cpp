@@ -1,9 +1,9 @@
 #include <atomic>
 #include <cstdlib>
-#include <functional>
 #include <iterator>
 #include <new>
 #include <random>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -112,107 +112,50 @@ TEST(Pattern, RefusesWhatIsMalformed) {
     EXPECT_FALSE(CompilePattern(std::string(kPatternMax + 1, 'a'), false));
 }
 
-// An expression as a pattern, and as a function that gives every place where a match can end that
-// begins at one of the given places. Bit n of a set is the place before character n.
-using Places = unsigned;
-struct Expression {
-    std::string strPattern;
-    std::function<Places(const std::string& text, Places from)> ends;
-};
-
-Expression Sequence(const Expression& first, const Expression& second) {
-    return {first.strPattern + second.strPattern,
-            [=](const std::string& t, Places from) { return second.ends(t, first.ends(t, from)); }};
-}
-
-Expression Either(const Expression& a, const Expression& b) {
-    return {"(" + a.strPattern + "|" + b.strPattern + ")",
-            [=](const std::string& t, Places from) { return a.ends(t, from) | b.ends(t, from); }};
-}
-
-Expression Repeated(const Expression& body, const std::string& strQuantifier) {
-    return {"(" + body.strPattern + ")" + strQuantifier, [=](const std::string& t, Places from) {
-                Places places = body.ends(t, from);
-                for (Places before = 0; strQuantifier[0] != '?' && before != places;) {
-                    before = places;
-                    places |= body.ends(t, places);
-                }
-                return strQuantifier[0] != '+' ? places | from : places;
-            }};
-}
-
-Expression OneOf(const std::string& strPattern, const std::string& characters) {
-    return {strPattern, [=](const std::string& t, Places from) {
-                Places places = 0;
-                for (std::size_t n = 0; n < t.size(); ++n) {
-                    if ((from >> n & 1) != 0 && characters.find(t[n]) != std::string::npos) {
-                        places |= 2U << n;
-                    }
-                }
-                return places;
-            }};
-}
-
-constexpr char kCharacters[] = "abAB\n -";
-
 class ExpressionMaker {
 public:
-    Expression Make(int nDepth) {
+    std::string Make(int nDepth) {
         static const char* const quantifiers[] = {"*", "+", "?", "*?", "+?", "??"};
+        static const char* const leaves[] = {"a",   "B",   "\n",      "[ab]", "[^a]", "[A-B-]",
+                                             "\\s", "\\W", "[^\\w-]", ".",    "^",    "$"};
         const std::size_t kind = nDepth == 0 ? 0 : Pick(6);
         if (kind == 0) {
-            return Leaf();
+            return leaves[Pick(std::size(leaves))];
         }
-        const Expression made = Make(nDepth - 1);
+        const std::string made = Make(nDepth - 1);
         if (kind > 3) {
-            return Repeated(made, quantifiers[Pick(std::size(quantifiers))]);
+            return "(" + made + ")" + quantifiers[Pick(std::size(quantifiers))];
         }
-        return kind < 3 ? Sequence(made, Make(nDepth - 1)) : Either(made, Make(nDepth - 1));
+        return kind < 3 ? made + Make(nDepth - 1) : "(" + made + "|" + Make(nDepth - 1) + ")";
     }
-
     std::string Text() {
         std::string text(Pick(7), ' ');
         for (char& sign : text) {
-            sign = kCharacters[Pick(std::size(kCharacters) - 1)];
+            sign = "abAB\n -"[Pick(7)];
         }
         return text;
     }
 
 private:
-    Expression Leaf() {
-        static const Expression leaves[] = {
-            OneOf("a", "a"),
-            OneOf("B", "B"),
-            OneOf("\n", "\n"),
-            OneOf("[ab]", "ab"),
-            OneOf("[^a]", "bAB\n -"),
-            OneOf("[A-B-]", "AB-"),
-            OneOf("\\s", "\n "),
-            OneOf("\\W", "\n -"),
-            OneOf("[^\\w-]", "\n "),
-            OneOf(".", kCharacters),
-            {"^", [](const std::string&, Places from) { return from & 1; }},
-            {"$", [](const std::string& t, Places from) { return from & 1U << t.size(); }},
-        };
-        return leaves[Pick(std::size(leaves))];
-    }
-
     std::size_t Pick(std::size_t nCount) { return m_random() % nCount; }
 
     std::mt19937 m_random{20240309};
 };
 
-TEST(Pattern, AgreesWithTheMeaningOfRandomExpressions) {
+TEST(Pattern, AgreesWithTheLanguagesLibraryOnRandomExpressions) {
     ExpressionMaker maker;
     int matching = 0;
     for (int i = 0; i < 2000; ++i) {
-        const Expression expression = maker.Make(5);
-        const auto program = CompilePattern(expression.strPattern, false);
-        ASSERT_TRUE(program) << expression.strPattern;
+        const std::string pattern = maker.Make(4);
+        const auto program = CompilePattern(pattern, false);
+        ASSERT_TRUE(program) << pattern;
+        // Its own dot takes no line end, and its own way takes too long.
+        const std::regex expected(std::regex_replace(pattern, std::regex("\\."), "[\\s\\S]"),
+                                  std::regex::ECMAScript | std::regex_constants::__polynomial);
         for (int n = 0; n < 20; ++n) {
             const std::string text = maker.Text();
-            const bool matches = (expression.ends(text, 1) >> text.size() & 1) != 0;
-            ASSERT_EQ(program->Matches(text), matches) << expression.strPattern << " / " << text;
+            const bool matches = std::regex_match(text, expected);
+            ASSERT_EQ(program->Matches(text), matches) << pattern << " / " << text;
             matching += matches;
         }
     }
