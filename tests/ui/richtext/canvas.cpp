@@ -1,4 +1,4 @@
-#include "canvas.h"
+#include "ui/richtext/canvas.h"
 
 #include <algorithm>
 #include <cstring>

@@ -8,7 +8,7 @@
 #include <pthread.h>
 #include <time.h>
 
-#include "test_text.h"
+#include "unit/richtext/test_text.h"
 
 namespace mvp::richtext {
 namespace {

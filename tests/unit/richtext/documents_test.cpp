@@ -17,7 +17,7 @@
 #include <gtest/gtest.h>
 
 #include "richtext/dump.h"
-#include "test_text.h"
+#include "unit/richtext/test_text.h"
 #include <nlohmann/json.hpp>
 
 namespace mvp::richtext {

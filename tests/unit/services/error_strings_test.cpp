@@ -1,8 +1,8 @@
+#include "services/error_strings.h"
+
 #include <climits>
 
 #include <gtest/gtest.h>
-
-#include "services/error_strings.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "mvpingui/change_pin_dialog.h"
 #include "support/memory_scan.h"
-#include "ui/dialogs/pin_requests.h"
+#include "ui/dialogs/pin/pin_requests.h"
 
 namespace mvp::test {
 namespace {

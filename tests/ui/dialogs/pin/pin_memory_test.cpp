@@ -9,7 +9,7 @@
 #include "dialogs/base/edit_scrubber.h"
 #include "support/memory_scan.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/pin_requests.h"
+#include "ui/dialogs/pin/pin_requests.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "richtext/dump.h"
 #include "richtext/layout/table_columns.h"
 #include "richtext/layout/table_rows.h"
-#include "test_text.h"
+#include "unit/richtext/test_text.h"
 
 namespace mvp::richtext {
 namespace {

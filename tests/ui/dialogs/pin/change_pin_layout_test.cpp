@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/pin_requests.h"
+#include "ui/dialogs/pin/pin_requests.h"
 #include "ui/policy/rule_panel.h"
 
 namespace mvp::test {

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "canvas.h"
 #include "support/patched_imports.h"
+#include "ui/richtext/canvas.h"
 
 namespace mvp::test {
 namespace {

@@ -10,9 +10,9 @@
 
 #include <gtest/gtest.h>
 
-#include "canvas.h"
 #include "platform/bitmap_file.h"
 #include "support/bitmap_header.h"
+#include "ui/richtext/canvas.h"
 
 namespace mvp::test {
 namespace {

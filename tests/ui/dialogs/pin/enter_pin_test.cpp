@@ -15,7 +15,7 @@
 #include "support/patched_imports.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/pin_requests.h"
+#include "ui/dialogs/pin/pin_requests.h"
 
 namespace mvp::test {
 namespace {

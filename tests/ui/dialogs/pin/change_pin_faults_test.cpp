@@ -15,7 +15,7 @@
 #include "mvpingui/policies_dialog.h"
 #include "support/failing_heap.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/pin_requests.h"
+#include "ui/dialogs/pin/pin_requests.h"
 
 namespace mvp::test {
 namespace {

@@ -9,11 +9,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "canvas.h"
-#include "html_host.h"
 #include "support/dialog_template.h"
 #include "support/log_recorder.h"
 #include "support/resource_counts.h"
+#include "ui/richtext/canvas.h"
+#include "ui/richtext/control/html_host.h"
 
 namespace mvp::test {
 namespace {

@@ -10,7 +10,7 @@
 #include "dialogs/pin/change_pin_panels.h"
 #include "mvpingui/change_pin_dialog.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/pin_requests.h"
+#include "ui/dialogs/pin/pin_requests.h"
 
 namespace mvp::test {
 namespace {

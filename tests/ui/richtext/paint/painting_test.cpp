@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "canvas.h"
 #include "richtext/paint/background_effects.h"
+#include "ui/richtext/canvas.h"
 
 namespace mvp::test {
 namespace {

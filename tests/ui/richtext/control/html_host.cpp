@@ -1,4 +1,4 @@
-#include "html_host.h"
+#include "ui/richtext/control/html_host.h"
 
 #include <dlgfw/message_map.h>
 

@@ -9,7 +9,7 @@
 #include "support/bitmap_header.h"
 #include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/pin_requests.h"
+#include "ui/dialogs/pin/pin_requests.h"
 
 namespace mvp::test {
 namespace {

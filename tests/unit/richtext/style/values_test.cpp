@@ -11,7 +11,7 @@
 #include "richtext/markup/markup_tables.h"
 #include "richtext/style/colour_table.h"
 #include "richtext/style/value_readers.h"
-#include "test_text.h"
+#include "unit/richtext/test_text.h"
 
 namespace mvp::richtext {
 namespace {

@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "html_host.h"
 #include "platform/handle.h"
+#include "ui/richtext/control/html_host.h"
 
 namespace mvp::test {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "richtext/dump.h"
 #include "richtext/style/style_sheet.h"
-#include "test_text.h"
+#include "unit/richtext/test_text.h"
 
 namespace mvp::richtext {
 namespace {
