@@ -71,7 +71,8 @@ public:
     std::string Dump() const {
         std::string text = "the log:\n";
         for (const auto& [tag, level, content] : Lines()) {
-            text += "  " + tag + ' ' + std::to_string(level) + ": " + content + '\n';
+            text.append("  ").append(tag).append(" ").append(std::to_string(level));
+            text.append(": ").append(content).append("\n");
         }
         return text;
     }
