@@ -185,7 +185,10 @@ TEST(Painting, KeepsTheContextAsItWas) {
 
 // What this process computed: other programs on the machine do not count.
 double ProcessSeconds() {
-    FILETIME created{}, ended{}, kernel{}, user{};
+    FILETIME created{};
+    FILETIME ended{};
+    FILETIME kernel{};
+    FILETIME user{};
     GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
     return (kernel.dwHighDateTime + user.dwHighDateTime) * 429.4967296 +
            (kernel.dwLowDateTime + user.dwLowDateTime * 1.0) * 1e-7;
