@@ -93,8 +93,8 @@ TEST_F(DialogTest, ChildAsParentDisablesItsTopLevelWindowWhichMayBeDisabledAlrea
 }
 
 TEST_F(DialogTest, DoesNotOpenWithoutTemplateOrParentOrWhenItEndsFirst) {
-    CDialog by_number(54321u, &m_host);
-    EXPECT_EQ(RunUnseen(by_number), -1);
+    CDialog numbered(54321u, &m_host);
+    EXPECT_EQ(RunUnseen(numbered), -1);
     CDialog empty;
     EXPECT_FALSE(empty.InitModalIndirect(nullptr, &m_host));
     EXPECT_EQ(RunUnseen(empty), -1);

@@ -240,7 +240,7 @@ TEST_F(ChangePin, MandatoryChangeEndsByOkOrRemovalOnly) {
     PwdRuleArgs mandatory = kAllRules;
     mandatory.bCancelDisabled = 1;
     ChangePinRequest request{.pRules = &mandatory};
-    const auto tryToLeave = [](Dialog& d) {
+    const auto attemptToLeave = [](Dialog& d) {
         EXPECT_FALSE(d.IsEnabled(IDCANCEL));
         TypePins(d, "1234", "5838", "583");
         d.Escape();
@@ -259,7 +259,7 @@ TEST_F(ChangePin, MandatoryChangeEndsByOkOrRemovalOnly) {
         EXPECT_TRUE(d.IsOpen());
         RemoveCard("Reader A");
     };
-    EXPECT_EQ(request.Ask(tryToLeave), kRefused);
+    EXPECT_EQ(request.Ask(attemptToLeave), kRefused);
     const auto enter = [](Dialog& d) {
         TypePins(d, "1234", "5838", "5838");
         d.Enter();
