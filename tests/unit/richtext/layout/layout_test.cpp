@@ -194,6 +194,7 @@ TEST(TableColumns, ShareTheWidth) {
         std::vector<Fixed> widths(c.columns.size());
         ShareWidth(c.columns, ToFixed(c.nWidth), widths);
         std::vector<int> pixels;
+        pixels.reserve(widths.size());
         for (const Fixed width : widths) {
             pixels.push_back(static_cast<int>(RoundPixels(width)));
         }
@@ -247,6 +248,7 @@ TEST(TableRows, HoldTheirCells) {
         std::vector<Row> rows(3);
         MeasureRows(c.cells, 0, c.nTableHeight, rows);
         std::vector<int> heights;
+        heights.reserve(rows.size());
         for (const Row& row : rows) {
             heights.push_back(static_cast<int>(row.nHeight));
         }
