@@ -17,8 +17,18 @@
 
 #define IDD_CHANGE_PIN_PANEL 3002  // child panel: the three PIN edits and the rules
 #define IDD_CHANGE_PIN_MAIN 3003   // frame of that panel, with OK and Cancel
-#define IDD_POLICIES 3011          // child panel: one line for each PIN rule
+#define IDD_UNLOCK_CODE 3005       // frame of IDD_UNLOCK_CODE_PANEL
+#define IDD_INITIALIZE_PIN 3006
+#define IDD_UNLOCK_CARD 3007
+#define IDD_UNLOCK_FAILED 3008
+#define IDD_UNLOCK_INIT_TOOL 3009
+#define IDD_UNLOCK_SUCCESS 3010
+#define IDD_POLICIES 3011           // child panel: one line for each PIN rule
+#define IDD_CARD_MANAGER_LOCKED 3040
 #define IDD_ENTER_PIN 3073
+#define IDD_UNLOCK_CODE_PANEL 3077  // child panel: the unlock code, and whether to show it again
+#define IDD_RESET_CARD_PANEL 3079   // child panel: the PIN or the unlock code
+#define IDD_RESET_CARD_MAIN 3081    // frame of that panel, with OK and Cancel
 
 // --- Controls of IDD_CHANGE_PIN_PANEL --------------------------------------------------------
 
@@ -60,6 +70,62 @@
 #define IDC_ENTER_PIN_BRAND_BANNER 3075    // hidden; takes the customer's picture, if there is one
 #define IDC_ENTER_PIN_BRAND_PROGRESS 3076  // likewise
 
+// --- Controls of IDD_UNLOCK_CARD -------------------------------------------------------------
+
+#define IDC_UNLOCK_CARD_CHALLENGE 3026
+#define IDC_UNLOCK_CARD_CONFIRM_EDIT 3028
+#define IDC_UNLOCK_CARD_NEW_EDIT 3029
+#define IDC_UNLOCK_CARD_CODE_EDIT 3030
+#define IDC_UNLOCK_CARD_HEADING 3032
+#define IDC_UNLOCK_CARD_CHALLENGE_LABEL 3033
+#define IDC_UNLOCK_CARD_CHALLENGE_NOTE 3034
+#define IDC_UNLOCK_CARD_HELP_DESK 3035
+#define IDC_UNLOCK_CARD_PIN_BOX 3037  // the rules take its width
+#define IDC_UNLOCK_CARD_CONFIRM_LABEL 3038
+#define IDC_UNLOCK_CARD_NEW_LABEL 3039
+#define IDC_UNLOCK_CARD_POLICIES_PLACE 3040  // hidden; marks where IDD_POLICIES goes
+#define IDC_UNLOCK_CARD_INSTRUCTION 3042
+#define IDC_UNLOCK_CARD_CODE_BOX 3043
+#define IDC_UNLOCK_CARD_CODE_LABEL 3044
+#define IDC_UNLOCK_CARD_CODE_NOTE 3046
+
+// --- Controls of IDD_UNLOCK_FAILED, IDD_UNLOCK_SUCCESS and IDD_UNLOCK_INIT_TOOL ----------------
+
+#define IDC_UNLOCK_RESULT_HEADING 3032
+#define IDC_UNLOCK_RESULT_ICON 3036
+#define IDC_UNLOCK_RESULT_MESSAGE 3041
+
+// --- Controls of IDD_INITIALIZE_PIN ----------------------------------------------------------
+
+#define IDC_INITIALIZE_PIN_NEW_EDIT 3029
+#define IDC_INITIALIZE_PIN_CONFIRM_EDIT 3031
+#define IDC_INITIALIZE_PIN_HEADING 3032
+#define IDC_INITIALIZE_PIN_POLICIES_PLACE 3040  // hidden; marks where IDD_POLICIES goes
+
+// --- Controls of IDD_UNLOCK_CODE and IDD_UNLOCK_CODE_PANEL -----------------------------------
+
+#define IDC_UNLOCK_CODE_PANEL_PLACE 3050  // hidden; marks where IDD_UNLOCK_CODE_PANEL goes
+#define IDC_UNLOCK_CODE_NEVER_AGAIN 3024
+#define IDC_UNLOCK_CODE_CODE 3045
+
+// --- Controls of IDD_CARD_MANAGER_LOCKED -----------------------------------------------------
+
+#define IDC_CARD_MANAGER_LOCKED_TEXT 3025
+
+// --- Controls of IDD_RESET_CARD_MAIN and IDD_RESET_CARD_PANEL --------------------------------
+
+#define IDC_RESET_CARD_PANEL_PLACE 3061  // hidden; marks where IDD_RESET_CARD_PANEL goes
+#define IDC_RESET_CARD_PIN_EDIT 3003
+#define IDC_RESET_CARD_PIN_ROUTE 3051
+#define IDC_RESET_CARD_CODE_ROUTE 3052
+#define IDC_RESET_CARD_CODE_EDIT 3053  // a static unlock code; the rest of the route is hidden then
+#define IDC_RESET_CARD_CHALLENGE_LABEL 3054
+#define IDC_RESET_CARD_CHALLENGE 3055
+#define IDC_RESET_CARD_RESPONSE_LABEL 3056
+#define IDC_RESET_CARD_RESPONSE_EDIT 3057
+#define IDC_RESET_CARD_CHALLENGE_NOTE 3059
+#define IDC_RESET_CARD_RESPONSE_NOTE 3060
+
 // --- Strings ---------------------------------------------------------------------------------
 
 // The lines of the rule panel. The two formats take one integer.
@@ -78,6 +144,22 @@
 #define IDS_CHANGE_PIN_NEW_LABEL 3030
 #define IDS_CHANGE_PIN_INSTRUCTION 3033
 #define IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY 3133  // when the current PIN is not asked for
+
+// Unlocking the card. A format takes one text: the telephone number, or why it failed.
+#define IDS_UNLOCK_INIT_TOOL_HEADING 3035  // when its mode is 0
+#define IDS_INITIALIZE_FAILED_TITLE 3036
+#define IDS_INITIALIZE_FAILED_HEADING 3037
+#define IDS_UNLOCK_WRONG_CODE 3053
+#define IDS_UNLOCK_PINS_DIFFER 3054
+#define IDS_UNLOCK_FAILED_FORMAT 3055
+#define IDS_UNLOCK_HELP_DESK 3056
+#define IDS_UNLOCK_HELP_DESK_FORMAT 3057
+
+// Setting the first PIN, and showing the unlock code. The formats take the reason.
+#define IDS_CARD_MANAGER_LOCKED 3040
+#define IDS_UNLOCK_CODE_NONE 3048
+#define IDS_UNLOCK_CODE_FAILED_FORMAT 3051
+#define IDS_INITIALIZE_FAILED_FORMAT 3052
 
 // The Caps Lock balloon. The last is what the system's own balloon text begins with.
 #define IDS_CAPS_LOCK_TITLE 3041
@@ -105,8 +187,10 @@
 // --- Icons -----------------------------------------------------------------------------------
 
 #define IDI_CARD_PIN 3012  // small window icon of the change-PIN and reset-card frames
+#define IDI_CARD_INITIALIZE 3013
 #define IDI_RULE_VIOLATED 3014
 #define IDI_RULE_SATISFIED 3016
+#define IDI_CARD_UNLOCK 3018
 
 // --- Bitmaps ---------------------------------------------------------------------------------
 

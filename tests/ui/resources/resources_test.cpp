@@ -22,7 +22,11 @@ namespace {
 // The numbers behind the names that begin alike, in the order of resource_numbers.h: literals, so
 // that a number that changes there, and with it in the sources and the scripts, is noticed.
 const std::map<std::string, std::string> kStatedNumbers = {
-    {"IDD_", "CHANGE_PIN_PANEL 3002, CHANGE_PIN_MAIN 3003, POLICIES 3011, ENTER_PIN 3073, "},
+    {"IDD_",
+     "CHANGE_PIN_PANEL 3002, CHANGE_PIN_MAIN 3003, UNLOCK_CODE 3005, INITIALIZE_PIN 3006, "
+     "UNLOCK_CARD 3007, UNLOCK_FAILED 3008, UNLOCK_INIT_TOOL 3009, UNLOCK_SUCCESS 3010, "
+     "POLICIES 3011, CARD_MANAGER_LOCKED 3040, ENTER_PIN 3073, UNLOCK_CODE_PANEL 3077, "
+     "RESET_CARD_PANEL 3079, RESET_CARD_MAIN 3081, "},
     {"IDC_CHANGE_PIN_PANEL_",
      "CURRENT_EDIT 3003, CONFIRM_EDIT 3004, NEW_EDIT 3005, CURRENT_LABEL 3017, "
      "CONFIRM_LABEL 3018, NEW_LABEL 3019, POLICIES_PLACE 3020, INSTRUCTION 3022, "},
@@ -34,19 +38,40 @@ const std::map<std::string, std::string> kStatedNumbers = {
     {"IDC_ENTER_PIN_",
      "BANNER 3047, PROGRESS 3048, EDIT 3049, PROMPT 3074, BRAND_BANNER 3075, "
      "BRAND_PROGRESS 3076, "},
+    {"IDC_UNLOCK_CARD_",
+     "CHALLENGE 3026, CONFIRM_EDIT 3028, NEW_EDIT 3029, CODE_EDIT 3030, HEADING 3032, "
+     "CHALLENGE_LABEL 3033, CHALLENGE_NOTE 3034, HELP_DESK 3035, PIN_BOX 3037, "
+     "CONFIRM_LABEL 3038, NEW_LABEL 3039, POLICIES_PLACE 3040, INSTRUCTION 3042, CODE_BOX 3043, "
+     "CODE_LABEL 3044, CODE_NOTE 3046, "},
+    {"IDC_UNLOCK_RESULT_", "HEADING 3032, ICON 3036, MESSAGE 3041, "},
+    {"IDC_INITIALIZE_PIN_",
+     "NEW_EDIT 3029, CONFIRM_EDIT 3031, HEADING 3032, POLICIES_PLACE 3040, "},
+    {"IDC_UNLOCK_CODE_", "PANEL_PLACE 3050, NEVER_AGAIN 3024, CODE 3045, "},
+    {"IDC_CARD_MANAGER_LOCKED_", "TEXT 3025, "},
+    {"IDC_RESET_CARD_",
+     "PANEL_PLACE 3061, PIN_EDIT 3003, PIN_ROUTE 3051, CODE_ROUTE 3052, CODE_EDIT 3053, "
+     "CHALLENGE_LABEL 3054, CHALLENGE 3055, RESPONSE_LABEL 3056, RESPONSE_EDIT 3057, "
+     "CHALLENGE_NOTE 3059, RESPONSE_NOTE 3060, "},
     {"IDS_",
      "POLICIES_ALPHA 3021, POLICIES_CONFIRM 3023, POLICIES_MAX_FORMAT 3025, "
      "POLICIES_MIN_FORMAT 3026, POLICIES_BOX 3031, POLICIES_SAME 3032, POLICIES_WEAK 3034, "
      "CARD_PIN_TITLE 3022, CHANGE_PIN_CURRENT_LABEL 3028, CHANGE_PIN_CONFIRM_LABEL 3029, "
      "CHANGE_PIN_NEW_LABEL 3030, CHANGE_PIN_INSTRUCTION 3033, "
-     "CHANGE_PIN_INSTRUCTION_NEW_ONLY 3133, CAPS_LOCK_TITLE 3041, CAPS_LOCK_PIN 3042, "
+     "CHANGE_PIN_INSTRUCTION_NEW_ONLY 3133, UNLOCK_INIT_TOOL_HEADING 3035, "
+     "INITIALIZE_FAILED_TITLE 3036, INITIALIZE_FAILED_HEADING 3037, UNLOCK_WRONG_CODE 3053, "
+     "UNLOCK_PINS_DIFFER 3054, UNLOCK_FAILED_FORMAT 3055, UNLOCK_HELP_DESK 3056, "
+     "UNLOCK_HELP_DESK_FORMAT 3057, CARD_MANAGER_LOCKED 3040, UNLOCK_CODE_NONE 3048, "
+     "UNLOCK_CODE_FAILED_FORMAT 3051, INITIALIZE_FAILED_FORMAT 3052, CAPS_LOCK_TITLE 3041, "
+     "CAPS_LOCK_PIN 3042, "
      "CAPS_LOCK_PASSWORD 3043, CAPS_LOCK_SYSTEM_BEGIN 3044, ERROR_GENERAL 3059, "
      "ERROR_CARD_ABSENT 3060, ERROR_READER_ABSENT 3061, ERROR_WRONG_PIN 3062, "
      "ERROR_WRONG_UNLOCK_CODE 3063, ERROR_PIN_BLOCKED 3064, ERROR_UNLOCK_CODE_BLOCKED 3065, "
      "ERROR_PIN_REFUSED 3066, ERROR_CARD_UNKNOWN 3067, ERROR_CARD_NOT_INITIALIZED 3068, "
      "ERROR_CANCELLED 3071, ERROR_CARD_IN_USE 3069, ERROR_CARD_COMMUNICATION 3070, "
      "LAST_PIN_TRY 3073, "},
-    {"IDI_", "CARD_PIN 3012, RULE_VIOLATED 3014, RULE_SATISFIED 3016, "},
+    {"IDI_",
+     "CARD_PIN 3012, CARD_INITIALIZE 3013, RULE_VIOLATED 3014, RULE_SATISFIED 3016, "
+     "CARD_UNLOCK 3018, "},
     {"IDB_", "ENTER_PIN_BANNER 3201, ENTER_PIN_PROGRESS 3202, "},
 };
 
@@ -79,6 +104,13 @@ const RunTimeText kRunTimeTexts[] = {
     {IDD_CHANGE_PIN_PANEL, IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, IDS_CHANGE_PIN_CURRENT_LABEL},
     {IDD_CHANGE_PIN_PANEL, IDC_CHANGE_PIN_PANEL_NEW_LABEL, IDS_CHANGE_PIN_NEW_LABEL},
     {IDD_CHANGE_PIN_PANEL, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, IDS_CHANGE_PIN_CONFIRM_LABEL},
+    {IDD_UNLOCK_CARD, IDC_UNLOCK_CARD_HELP_DESK, IDS_UNLOCK_HELP_DESK},
+    {IDD_UNLOCK_CARD, IDC_UNLOCK_CARD_HELP_DESK, IDS_UNLOCK_HELP_DESK_FORMAT},
+    {IDD_UNLOCK_FAILED, IDC_UNLOCK_RESULT_HEADING, IDS_INITIALIZE_FAILED_HEADING},
+    {IDD_UNLOCK_FAILED, IDC_UNLOCK_RESULT_MESSAGE, IDS_UNLOCK_WRONG_CODE},
+    {IDD_UNLOCK_FAILED, IDC_UNLOCK_RESULT_MESSAGE, IDS_UNLOCK_FAILED_FORMAT},
+    {IDD_UNLOCK_FAILED, IDC_UNLOCK_RESULT_MESSAGE, IDS_INITIALIZE_FAILED_FORMAT},
+    {IDD_UNLOCK_INIT_TOOL, IDC_UNLOCK_RESULT_HEADING, IDS_UNLOCK_INIT_TOOL_HEADING},
 };
 
 // Dialogs that stand in one window together, whose mnemonics share the keyboard. Every dialog is in
@@ -86,16 +118,27 @@ const RunTimeText kRunTimeTexts[] = {
 const std::vector<std::vector<int>> kWindows = {
     {IDD_ENTER_PIN},
     {IDD_CHANGE_PIN_MAIN, IDD_CHANGE_PIN_PANEL, IDD_POLICIES},
+    {IDD_UNLOCK_CARD, IDD_POLICIES},
+    {IDD_UNLOCK_FAILED},
+    {IDD_UNLOCK_SUCCESS},
+    {IDD_UNLOCK_INIT_TOOL},
+    {IDD_INITIALIZE_PIN, IDD_POLICIES},
+    {IDD_RESET_CARD_MAIN, IDD_RESET_CARD_PANEL},
+    {IDD_UNLOCK_CODE, IDD_UNLOCK_CODE_PANEL},
+    {IDD_CARD_MANAGER_LOCKED},
 };
 
 // The rule panel's code moves its lines to the right by at most this, in pixels.
 constexpr int kLargestIndent = 20;
 
-// The text with a long number in place of its conversion, if it has one. The text is no format
+// The text with a long number, or a long telephone number, in place of its conversion, if it has
+// one. The text is no format
 // here: one with other conversions is to fail its test, and not to break this one.
 std::string Filled(std::string text) {
     if (const std::size_t at = text.find("%d"); at != std::string::npos) {
         text.replace(at, 2, "999");
+    } else if (const std::size_t of = text.find("%s"); of != std::string::npos) {
+        text.replace(of, 2, "+44 20 7946 0123, extension 4567");
     }
     return text;
 }
@@ -118,8 +161,12 @@ bool Contains(const RECT& outer, const RECT& inner) {
     return IntersectRect(&common, &outer, &inner) && EqualRect(&common, &inner);
 }
 
-// A group box lies around others; a hidden control may stand in for one in the very same place.
+// A group box lies around others; a hidden control may stand in for one in the very same place, and
+// a hidden edit for all that belongs to another one.
 bool MayOverlap(const Control& a, const Control& b) {
+    if ((a.IsEdit() && !a.IsVisible()) || (b.IsEdit() && !b.IsVisible())) {
+        return true;
+    }
     return (a.IsGroupBox() && Contains(a.rect, b.rect)) ||
            (b.IsGroupBox() && Contains(b.rect, a.rect)) ||
            ((!a.IsVisible() || !b.IsVisible()) && EqualRect(&a.rect, &b.rect) != FALSE);
@@ -181,24 +228,37 @@ TEST_P(EachDialog, KeepsControlsInsideAndApart) {
     }
 }
 
-// Every edit is for a PIN.
-TEST_P(EachDialog, HidesEveryEditAndLabelsItForTheKeyboardAndScreenReaders) {
+// What is no PIN is there to be read out or compared.
+const std::set<std::pair<int, int>> kEditsInClear = {
+    {IDD_UNLOCK_CARD, IDC_UNLOCK_CARD_CHALLENGE},
+    {IDD_UNLOCK_CARD, IDC_UNLOCK_CARD_CODE_EDIT},
+    {IDD_RESET_CARD_PANEL, IDC_RESET_CARD_CODE_EDIT},
+    {IDD_RESET_CARD_PANEL, IDC_RESET_CARD_CHALLENGE},
+    {IDD_RESET_CARD_PANEL, IDC_RESET_CARD_RESPONSE_EDIT},
+    {IDD_UNLOCK_CODE_PANEL, IDC_UNLOCK_CODE_CODE},
+};
+
+TEST_P(EachDialog, HidesEveryPinAndLabelsEveryEditForTheKeyboardAndScreenReaders) {
     for (std::size_t i = 0; i < m_controls.size(); ++i) {
         const Control& edit = m_controls[i];
         if (!edit.IsEdit()) {
             continue;
         }
-        EXPECT_TRUE(i > 0 && m_controls[i - 1].IsTextStatic() && MnemonicOf(m_controls[i - 1]) != 0)
+        EXPECT_TRUE(i > 0 &&
+                    (m_controls[i - 1].IsTextStatic() || m_controls[i - 1].IsCheckButton()) &&
+                    MnemonicOf(m_controls[i - 1]) != 0)
             << "what stands before edit " << edit.nNumber << " is no label with a mnemonic";
         EXPECT_TRUE(edit.IsTabStop()) << "edit " << edit.nNumber;
-        EXPECT_TRUE(edit.dwStyle & ES_PASSWORD) << "edit " << edit.nNumber;
+        EXPECT_NE((edit.dwStyle & ES_PASSWORD) != 0,
+                  kEditsInClear.contains({m_nDialog, edit.nNumber}))
+            << "edit " << edit.nNumber;
     }
 }
 
 TEST_P(EachDialog, TabsTheWayTheEyeReads) {
     const Control* previous = nullptr;
     for (const Control& control : m_controls) {
-        if (!control.IsTabStop()) {
+        if (!control.IsTabStop() || !control.IsVisible()) {
             continue;
         }
         EXPECT_TRUE(previous == nullptr || ReadsOn(*previous, control))
@@ -281,10 +341,17 @@ TEST_P(EachLanguage, HasTheStatedThingsAndNoOther) {
     }
 }
 
-TEST_P(EachLanguage, TakesOneIntegerInTheLengthFormatsAlone) {
+TEST_P(EachLanguage, TakesInEachFormatWhatTheCodePutsIn) {
+    const std::map<int, std::string> formats = {
+        {IDS_POLICIES_MIN_FORMAT, "%d"},       {IDS_POLICIES_MAX_FORMAT, "%d"},
+        {IDS_UNLOCK_HELP_DESK_FORMAT, "%s"},   {IDS_UNLOCK_FAILED_FORMAT, "%s"},
+        {IDS_UNLOCK_CODE_FAILED_FORMAT, "%s"}, {IDS_INITIALIZE_FAILED_FORMAT, "%s"},
+    };
     for (const int string : m_module.Numbers(RT_STRING)) {
-        const bool length = string == IDS_POLICIES_MIN_FORMAT || string == IDS_POLICIES_MAX_FORMAT;
-        EXPECT_EQ(Conversions(m_module.Text(string)), std::vector<std::string>(length, "%d"));
+        const auto format = formats.find(string);
+        const std::vector<std::string> expected(format != formats.end() ? 1 : 0,
+                                                format != formats.end() ? format->second : "");
+        EXPECT_EQ(Conversions(m_module.Text(string)), expected) << string;
     }
 }
 

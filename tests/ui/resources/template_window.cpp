@@ -60,9 +60,10 @@ SIZE TextSize(const Control& control, UINT format, int width) {
 
 // What a control keeps of its width and height for other things than its text.
 SIZE Reserved(const Control& control) {
-    return control.IsGroupBox() ? SIZE{18, 0}  // the caption begins 9 pixels in
-           : control.IsButton() ? SIZE{12, 4}  // frame, focus rectangle, and some air
-                                : SIZE{0, 0};
+    return control.IsGroupBox()      ? SIZE{18, 0}  // the caption begins 9 pixels in
+           : control.IsCheckButton() ? SIZE{20, 0}  // its mark
+           : control.IsButton()      ? SIZE{12, 4}  // frame, focus rectangle, and some air
+                                     : SIZE{0, 0};
 }
 
 }  // namespace

@@ -24,6 +24,10 @@ struct Control {
     bool IsEdit() const { return strClass == "edit"; }
     bool IsButton() const { return strClass == "button"; }
     bool IsGroupBox() const { return IsButton() && (dwStyle & BS_TYPEMASK) == BS_GROUPBOX; }
+    bool IsCheckButton() const {
+        const DWORD type = dwStyle & BS_TYPEMASK;
+        return IsButton() && (type == BS_AUTORADIOBUTTON || type == BS_AUTOCHECKBOX);
+    }
     bool IsVisible() const { return (dwStyle & WS_VISIBLE) != 0; }
     bool IsTabStop() const { return (dwStyle & WS_TABSTOP) != 0; }
     // A static that breaks its text into lines, or any that shows text, and no picture or frame.
