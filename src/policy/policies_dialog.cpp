@@ -10,10 +10,10 @@
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/optional_control.h"
 #include "platform/barrier.h"
-#include "policy/integer_format.h"
 #include "policy/pin_policy.h"
 #include "policy/policy_layout.h"
 #include "resources/resource_numbers.h"
+#include "services/format_check.h"
 #include "services/log.h"
 #include "services/resource_module.h"
 

@@ -1,4 +1,4 @@
-#include "policy/integer_format.h"
+#include "services/format_check.h"
 
 #include <algorithm>
 
@@ -33,9 +33,13 @@ std::string_view AfterIntegerConversion(std::string_view text) noexcept {
     return conversion.substr(1);
 }
 
-}  // namespace
+std::string_view AfterTextConversion(std::string_view text) noexcept {
+    return text.starts_with('s') ? text.substr(1) : std::string_view();
+}
 
-bool TakesOneInteger(std::string_view format) noexcept {
+// Whether there is exactly one conversion, and `after` finds its end.
+bool TakesOne(std::string_view format,
+              std::string_view (*after)(std::string_view) noexcept) noexcept {
     int count = 0;
     for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%')) {
         format.remove_prefix(at + 1);
@@ -43,13 +47,23 @@ bool TakesOneInteger(std::string_view format) noexcept {
             format.remove_prefix(1);
             continue;
         }
-        format = AfterIntegerConversion(format);
+        format = after(format);
         if (format.data() == nullptr) {
             return false;
         }
         ++count;
     }
     return count == 1;
+}
+
+}  // namespace
+
+bool TakesOneInteger(std::string_view format) noexcept {
+    return TakesOne(format, AfterIntegerConversion);
+}
+
+bool TakesOneText(std::string_view format) noexcept {
+    return TakesOne(format, AfterTextConversion);
 }
 
 }  // namespace mvp
