@@ -35,6 +35,18 @@ public:
     // Shows the window and paints it.
     void Show();
 
+    // Paints what has changed.
+    void Update();
+
+    // Makes the window and the list of the rules `nWidth` pixels wide.
+    void SetWidth(int nWidth);
+
+    // The height of the window in pixels; 0 without one.
+    int Height() const;
+
+    // The same of the list of the rules, or of the window where the template lacks the list.
+    int ListHeight() const;
+
     // How `dialog` fits the panel that stands in the place of control `nPlaceholder`.
     WindowFit FitToPlaceholder(const CWnd& dialog, int nPlaceholder) const;
 

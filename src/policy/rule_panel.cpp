@@ -5,9 +5,23 @@
 #include "dialogs/base/control_place.h"
 #include "mvpingui/policies_dialog.h"
 #include "platform/barrier.h"
+#include "resources/resource_numbers.h"
 #include "services/log.h"
 
 namespace mvp {
+namespace {
+
+int HeightOf(HWND hWnd) {
+    CRect rect;
+    return ::GetWindowRect(hWnd, &rect) ? rect.Height() : 0;
+}
+
+void SetWidthOf(HWND hWnd, int nWidth) {
+    ::SetWindowPos(hWnd, nullptr, 0, 0, nWidth, HeightOf(hWnd),
+                   SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+}  // namespace
 
 bool RulePanel::Create(CWnd& dialog, int nPlaceholder, const PwdRuleArgs& rules,
                        const Layout& layout) {
@@ -29,6 +43,26 @@ bool RulePanel::Create(CWnd& dialog, int nPlaceholder, const PwdRuleArgs& rules,
 void RulePanel::Show() {
     m_pPoliciesDlg->ShowWindow(SW_SHOW);
     m_pPoliciesDlg->UpdateWindow();
+}
+
+void RulePanel::Update() {
+    if (m_pPoliciesDlg != nullptr) {
+        m_pPoliciesDlg->UpdateWindow();
+    }
+}
+
+void RulePanel::SetWidth(int nWidth) {
+    SetWidthOf(m_pPoliciesDlg->m_hWnd, nWidth);
+    SetWidthOf(::GetDlgItem(m_pPoliciesDlg->m_hWnd, IDC_POLICIES_BOX), nWidth);
+}
+
+int RulePanel::Height() const {
+    return HeightOf(m_pPoliciesDlg->m_hWnd);
+}
+
+int RulePanel::ListHeight() const {
+    const HWND list = ::GetDlgItem(m_pPoliciesDlg->m_hWnd, IDC_POLICIES_BOX);
+    return list != nullptr ? HeightOf(list) : Height();
 }
 
 WindowFit RulePanel::FitToPlaceholder(const CWnd& dialog, int nPlaceholder) const {

@@ -28,15 +28,17 @@ class LogScope {
 public:
     // The same text for both lines. It must outlive the scope: pass a literal.
     explicit LogScope(const char* pszText) noexcept : LogScope(pszText, pszText) {}
-    LogScope(const char* pszEntry, const char* pszExit) noexcept : m_pszExit(pszExit) {
+    LogScope(const char* pszEntry, const char* pszExit, int nExitLevel = kLogExit) noexcept
+        : m_pszExit(pszExit), m_nExitLevel(nExitLevel) {
         vklogLog(g_szLogTag, kLogEntry, "%s", pszEntry);
     }
     LogScope(const LogScope&) = delete;
     LogScope& operator=(const LogScope&) = delete;
-    ~LogScope() { vklogLog(g_szLogTag, kLogExit, "%s", m_pszExit); }
+    ~LogScope() { vklogLog(g_szLogTag, m_nExitLevel, "%s", m_pszExit); }
 
 private:
     const char* m_pszExit;
+    int m_nExitLevel;
 };
 
 // What a barrier of the library does with an exception that it has stopped: one line in the log.

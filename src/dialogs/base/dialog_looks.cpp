@@ -15,6 +15,13 @@ void SetSmallIcon(CWnd& dialog, UINT nIcon) {
     }
 }
 
+void ShowIcon(CWnd& dialog, int nControl, UINT nIcon) {
+    // The shared icon, which nobody destroys.
+    if (HICON icon = LoadResourceIcon(nIcon, GetSystemMetrics(SM_CXICON))) {
+        dialog.SendDlgItemMessage(nControl, STM_SETICON, reinterpret_cast<WPARAM>(icon));
+    }
+}
+
 Font MakeHeadingBold(CWnd& dialog, int nHeading) {
     auto* const fontHandle =
         reinterpret_cast<HFONT>(dialog.SendDlgItemMessage(nHeading, WM_GETFONT, 0, 0));

@@ -11,6 +11,9 @@ namespace mvp {
 // Without the icon, which the log tells, the dialog keeps what it has.
 void SetSmallIcon(CWnd& dialog, UINT nIcon);
 
+// Shows icon `nIcon` of the resource module in static `nControl`. Without either nothing changes.
+void ShowIcon(CWnd& dialog, int nControl, UINT nIcon);
+
 // Shows control `nHeading` in its own font's bold. The caller keeps the font for as long as the
 // control is there. Null when there is no such control or it has no font of its own.
 Font MakeHeadingBold(CWnd& dialog, int nHeading);
