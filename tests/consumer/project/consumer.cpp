@@ -1,10 +1,17 @@
-// Uses an exported class from C++: a dialog of the host's own on the library's base. Raises a
+// Uses the exported classes from C++: a dialog of the host's own on the library's base, and one of
+// each of the card dialogs, with callbacks of a module that has a runtime of its own. Raises a
 // card's removal by hand.
 #include <cstdio>
 
 #include <dlgfw/dlgfw.h>
 #include <mvpingui/base_dialog.h>
+#include <mvpingui/card_manager_locked_dialog.h>
+#include <mvpingui/display_unlock_code.h>
+#include <mvpingui/initialize_pin_dialog.h>
 #include <mvpingui/mvpingui.h>
+#include <mvpingui/reset_card_dialog.h>
+#include <mvpingui/unlock_card_dialog.h>
+#include <mvpingui/unlock_result_dialogs.h>
 #include <vkevtsub/vkevtsub.h>
 
 namespace {
@@ -15,6 +22,50 @@ public:
     HostDialog() : CBaseDialog(1, 1, nullptr, nullptr) {}
 };
 
+CWnd* g_unlockDialog = nullptr;
+
+int GetChallenge(void* pContext, CString& strChallenge) {
+    // Longer than the text that came, so its storage changes hands.
+    strChallenge = CString('A', 1000);
+    *static_cast<int*>(pContext) += 1;
+    g_unlockDialog->PostMessage(WM_COMMAND, IDCANCEL);
+    return MVPINGUI_CARD_OK;
+}
+
+int Unlock(void* /*pContext*/, CString /*strUnlockCode*/, CString /*strNewPin*/) {
+    return MVPINGUI_CARD_WRONG_UNLOCK_CODE;
+}
+
+int Initialize(void* /*pContext*/, CString /*strNewPin*/, int, int, int, int, int, int) {
+    return MVPINGUI_CARD_FAILED;
+}
+
+int GetUnlockCode(void* /*pContext*/, CString& strCode) {
+    strCode = "0123456789ABCDEF";
+    return MVPINGUI_CARD_OK;
+}
+
+// The challenge is fetched, shown, and the dialog cancelled.
+bool RunsUnlockDialog() {
+    int calls = 0;
+    CUnlockCardDlg dialog(nullptr, nullptr, &calls, &Unlock, &GetChallenge, "Reader A");
+    g_unlockDialog = &dialog;
+    return dialog.DoModal() == IDCANCEL && calls == 1;
+}
+
+bool MakesOneOfEach() {
+    const CUnlockFailedDlg failed(nullptr, "It failed", 0);
+    const CUnlockSuccessDlg success(nullptr);
+    const CUnlockInitToolDlg tool(nullptr, "Reader A", 0);
+    const CInitializePinDlg initialize(nullptr, nullptr, nullptr, &Initialize, nullptr,
+                                       &GetUnlockCode, "Reader A");
+    CResetCardDialogMain reset(0, nullptr, 0, 0, 0, "Reader A");
+    const CDisplayUnlockCodeDlg code(nullptr, "0123", "Reader A", 0);
+    const CCMLockedDlg locked(nullptr, "Reader A");
+    return initialize.m_bUnlockCodePending == 0 && reset.GetPin().IsEmpty() &&
+           reset.Panel() == nullptr;
+}
+
 }  // namespace
 
 int main() {
@@ -22,7 +73,8 @@ int main() {
     CString secret("1234");
     CBaseDialog::HidePinFromMemory(secret);
     HostDialog dialog;
-    const bool right = secret.IsEmpty() && dialog.DoModal() == -1 &&
+    const bool right = secret.IsEmpty() && dialog.DoModal() == -1 && RunsUnlockDialog() &&
+                       MakesOneOfEach() &&
                        VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A") == VKEVTSUB_OK;
     std::puts(right ? "ok" : "wrong");
     return right ? 0 : 1;
