@@ -26,6 +26,12 @@ void SetHeading(CWnd& dialog, UINT nString) {
     }
 }
 
+// Beside the message and in the caption.
+void SetIcons(CWnd& dialog, UINT nIcon) {
+    mvp::ShowIcon(dialog, IDC_UNLOCK_RESULT_ICON, nIcon);
+    mvp::SetSmallIcon(dialog, nIcon);
+}
+
 }  // namespace
 
 CUnlockFailedDlg::CUnlockFailedDlg(CWnd* pParent, const CString& strMessage, int nMode)
@@ -45,10 +51,9 @@ BOOL CUnlockFailedDlg::OnInitDialog() {
     if (m_nMode == kInitializeMode) {
         SetTextIfThere(*this, IDS_INITIALIZE_FAILED_TITLE);
         SetHeading(*this, IDS_INITIALIZE_FAILED_HEADING);
-        mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, IDI_CARD_INITIALIZE);
-        mvp::SetSmallIcon(*this, IDI_CARD_INITIALIZE);
+        SetIcons(*this, IDI_CARD_INITIALIZE);
     } else {
-        mvp::SetSmallIcon(*this, IDI_CARD_UNLOCK);
+        SetIcons(*this, IDI_CARD_UNLOCK);
     }
     SetDlgItemText(IDC_UNLOCK_RESULT_MESSAGE, m_strMessage);
     mvp::BringToFront(*this);
@@ -67,7 +72,7 @@ INT_PTR CUnlockSuccessDlg::DoModal() {
 BOOL CUnlockSuccessDlg::OnInitDialog() {
     const mvp::LogScope scope("CUnlockSuccessDlg::OnInitDialog");
     CDialog::OnInitDialog();
-    mvp::SetSmallIcon(*this, IDI_CARD_UNLOCK);
+    SetIcons(*this, IDI_CARD_UNLOCK);
     m_boldFont.Attach(mvp::MakeHeadingBold(*this, IDC_UNLOCK_RESULT_HEADING).release());
     mvp::BringToFront(*this);
     return TRUE;
@@ -81,6 +86,7 @@ CUnlockInitToolDlg::CUnlockInitToolDlg(CWnd* pParent, const char* pszReader, int
 BOOL CUnlockInitToolDlg::OnInitDialog() {
     const mvp::LogScope scope("CUnlockInitToolDlg::OnInitDialog");
     VKDetectCardRemovedDlg::OnInitDialog();
+    mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, IDI_CARD_PIN);
     if (m_nMode == kUnlockMode) {
         SetHeading(*this, IDS_UNLOCK_INIT_TOOL_HEADING);
     }
