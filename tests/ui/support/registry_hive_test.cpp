@@ -26,7 +26,7 @@ TEST(RegistryHive, GivesTheReaderWhatWasSetAndNothingAfterwards) {
         RegistryHive hive;
         hive.SetString(kPath, "Text", "abc");
         hive.SetUnterminated(kPath, "Open", std::string(600, 'x'));
-        EXPECT_EQ(Read("Text"), std::string("abc", 4));
+        EXPECT_EQ(Read("Text"), std::string("abc") + '\0');
         EXPECT_EQ(Read("Open"), std::string(600, 'x'));
         hive.DeleteKey("Software\\MvpTestOnly");
         EXPECT_EQ(Read("Open"), std::nullopt);

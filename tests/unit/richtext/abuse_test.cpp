@@ -1,12 +1,12 @@
 // Texts made to upset: nothing recurses on them, takes unbounded memory, or takes more than linear
 // time.
+#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <pthread.h>
-#include <time.h>
 
 #include "unit/richtext/test_text.h"
 
