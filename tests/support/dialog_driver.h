@@ -68,7 +68,6 @@ public:
     HWND Handle() const { return m_hWnd; }
     std::string Title() const;
     bool IsOpen() const { return IsWindow(m_hWnd) != FALSE && IsWindowVisible(m_hWnd) != FALSE; }
-    RECT ScreenRect() const;
 
     // --- Controls ---
     HWND Control(int nId) const;
@@ -76,7 +75,6 @@ public:
     bool IsVisible(int nId) const { return IsWindowVisible(Control(nId)) != FALSE; }
     bool IsChecked(int nId) const { return Send(nId, BM_GETCHECK) == BST_CHECKED; }
     std::string Text(int nId) const;
-    RECT Rect(int nId) const;  // in this dialog's client coordinates
     LRESULT Send(int nId, UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0) const;
     int FocusedId() const;  // 0: no control has the focus
 

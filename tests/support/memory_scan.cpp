@@ -110,17 +110,16 @@ void ScanAll(const Secret& secret, Scratch& scratch) {
     }
 }
 
-bool FindInHeap(HANDLE hHeap, MemoryHit& hit) {
+bool IsInUse(HANDLE hHeap, ULONG_PTR address) {
     bool found = false;
     PROCESS_HEAP_ENTRY entry = {};
     HeapLock(hHeap);
     while (!found && HeapWalk(hHeap, &entry)) {
         const auto begin = reinterpret_cast<ULONG_PTR>(entry.lpData);
-        found = (entry.wFlags & (PROCESS_HEAP_REGION | PROCESS_HEAP_UNCOMMITTED_RANGE)) == 0 &&
-                hit.address >= begin && hit.address - begin < entry.cbData;
+        found = (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 && address >= begin &&
+                address - begin < entry.cbData;
     }
     HeapUnlock(hHeap);
-    hit.bFreed = found && (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0;
     return found;
 }
 
@@ -165,10 +164,7 @@ bool Secret::IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) con
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
     return stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
                   << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address
-                  << std::dec
-                  << (hit.bFreed                            ? " in a freed block"
-                      : hit.place == MemoryHit::Place::Heap ? " in a heap"
-                                                            : " in other memory");
+                  << std::dec << (hit.bInUse ? " in a heap" : " in freed or other memory");
 }
 
 std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
@@ -182,12 +178,8 @@ std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
     HANDLE heaps[64] = {reinterpret_cast<HANDLE>(_get_heap_handle())};
     GetProcessHeaps(63, heaps + 1);
     for (MemoryHit& hit : hits) {
-        for (const HANDLE heap : heaps) {
-            if (heap != nullptr && FindInHeap(heap, hit)) {
-                hit.place = MemoryHit::Place::Heap;
-                break;
-            }
-        }
+        hit.bInUse = std::ranges::any_of(
+            heaps, [&](HANDLE hHeap) { return hHeap != nullptr && IsInUse(hHeap, hit.address); });
     }
     return hits;
 }

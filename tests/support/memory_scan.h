@@ -60,14 +60,11 @@ private:
 };
 
 struct MemoryHit {
-    enum class Place { Heap, Other };
-
     ULONG_PTR address = 0;
     size_t nFirst = 0;  // of the secret's characters
     size_t nCount = 0;
     bool bWide = false;
-    Place place = Place::Other;
-    bool bFreed = false;  // a heap's block, and no longer in use
+    bool bInUse = false;  // in a heap's block that is in use
 };
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit);

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
@@ -49,17 +50,6 @@ const std::map<std::string, std::string> kStatedNumbers = {
     {"IDI_", "CARD_PIN 3012, RULE_VIOLATED 3014, RULE_SATISFIED 3016, "},
     {"IDB_", "ENTER_PIN_BANNER 3201, ENTER_PIN_PROGRESS 3202, "},
 };
-
-// The conversions of a printf-style text, in order: what the code's arguments must match.
-std::vector<std::string> Conversions(const std::string& text) {
-    std::vector<std::string> found;
-    for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at)) {
-        const std::size_t end = text.find_first_of("diouxXcsp%", at + 1);
-        found.push_back(text.substr(at, end == std::string::npos ? end : end - at + 1));
-        at = end == std::string::npos ? text.size() : end + 1;
-    }
-    return found;
-}
 
 struct RunTimeText {
     int dialog;
@@ -107,7 +97,7 @@ std::vector<std::string> PutRunTimeTexts(const ResourceModule& module, int dialo
     for (const RunTimeText& text : kRunTimeTexts) {
         if (text.dialog == dialog) {
             SetDlgItemTextA(window.get(), text.control, Filled(module.Text(text.string)).c_str());
-            clipped.push_back(ClippedBecause(window.ControlOf(text.control)));
+            clipped.push_back(ClippedBecause(Control::Of(GetDlgItem(window.get(), text.control))));
         }
     }
     return clipped;
@@ -284,7 +274,9 @@ TEST_P(EachLanguage, HasTheStatedThingsAndNoOther) {
 TEST_P(EachLanguage, TakesOneIntegerInTheLengthFormatsAlone) {
     for (const int string : m_module.Numbers(RT_STRING)) {
         const bool length = string == IDS_POLICIES_MIN_FORMAT || string == IDS_POLICIES_MAX_FORMAT;
-        EXPECT_EQ(Conversions(m_module.Text(string)), std::vector<std::string>(length, "%d"));
+        const std::string text = m_module.Text(string);
+        EXPECT_EQ(std::ranges::count(text, '%'), length ? 1 : 0) << text;
+        EXPECT_EQ(text.find("%d") != std::string::npos, length) << text;
     }
 }
 

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <vkevtsub/vkevtsub.h>
 
 #include "dialogs/pin/change_pin_main_dialog.h"
 #include "mvpingui/change_pin_dialog.h"
@@ -25,9 +24,8 @@ constexpr int kNothing = -1;
 
 class IncompleteMain : public Incomplete<CChangePINDialogMain> {
 public:
-    explicit IncompleteMain(int nMissing, const PwdRuleArgs& rules = kAllRules,
-                            const char* pszReader = "Reader A")
-        : Incomplete(nMissing, &rules, 0, true, nullptr, 15, 0, 6, pszReader) {}
+    explicit IncompleteMain(int nMissing, const PwdRuleArgs& rules = kAllRules)
+        : Incomplete(nMissing, &rules, 0, true, nullptr, 15, 0, 6, "Reader A") {}
 };
 
 class IncompletePanel : public Incomplete<CChangePINDialog> {
@@ -147,25 +145,6 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
         }
         EXPECT_GT(stops, 6) << act;
     }
-}
-
-TEST_F(ChangePinFaults, WithoutMemoryForTheWatchTheDialogJustStays) {
-    const std::string reader(3000, 'r');
-    IncompleteMain dialog(kNothing, kAllRules, reader.c_str());
-    FailingHeap heap("dlgfw.dll");
-    const DialogDriver driver([](Dialog& d) {
-        VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
-        EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
-        d.Settle();
-        EXPECT_TRUE(d.IsOpen());
-        d.Escape();
-    });
-    heap.FailAt(0, reader.size());
-    EXPECT_EQ(dialog.DoModal(), IDCANCEL);
-    EXPECT_TRUE(heap.Stop());
-    EXPECT_EQ(m_log.Texts(1),
-              std::vector<std::string>{"VKDelegateSubscriberCardRemoved Constructor: exception"});
-    EXPECT_TRUE(m_log.Contains(16, "CChangePINDialogMain::OnInitDialog"));
 }
 
 TEST_F(ChangePinFaults, InitialisationLetsNoExceptionOut) {

@@ -36,8 +36,8 @@ std::string Shown() {
             shown += d.IsVisible(id) ? "BSbs"[shown.size()] : '-';
         }
         if (d.IsVisible(IDC_ENTER_PIN_BRAND_BANNER)) {
-            EXPECT_EQ(CRect(d.Rect(IDC_ENTER_PIN_BRAND_BANNER)).Size(),
-                      CRect(d.Rect(IDC_ENTER_PIN_BANNER)).Size());
+            EXPECT_EQ(RectIn(nullptr, d.Control(IDC_ENTER_PIN_BRAND_BANNER)).Size(),
+                      RectIn(nullptr, d.Control(IDC_ENTER_PIN_BANNER)).Size());
         }
         d.Escape();
     });

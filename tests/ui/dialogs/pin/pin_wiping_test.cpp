@@ -1,13 +1,10 @@
 // That nothing of a PIN is left in the memory of the process, be it the library's or the system's,
 // after every ending of a request.
-#include <utility>
 #include <vector>
 
-#include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
-#include "mvpingui/change_pin_dialog.h"
 #include "support/memory_scan.h"
 #include "ui/dialogs/pin/pin_requests.h"
 
@@ -100,15 +97,6 @@ TEST(Wiping, AfterARefusedRequest) {
 
 constexpr PwdRuleArgs kLongPins = {0, 0, 1, 1, 4, 64, 0};
 
-// The function's result. The caller's own copies are the caller's affair.
-std::uint32_t CallAndWipe(ChangePinRequest&& request) {
-    const std::uint32_t result = request.CallAlone();
-    for (ChangePinRequest::Output* output : {&request.newPin, &request.oldPin}) {
-        SecureZeroMemory(output->text.data(), output->text.size());
-    }
-    return result;
-}
-
 TEST(Wiping, AfterAChangeOfThePin) {
     const struct {
         const char* pszWhen;
@@ -134,31 +122,13 @@ TEST(Wiping, AfterAChangeOfThePin) {
                 d.Type(kNew, newPin);
                 c.end(d, newPin);
             });
-            EXPECT_EQ(CallAndWipe({.pRules = &kLongPins}), c.dwResult);
+            ChangePinRequest request{.pRules = &kLongPins};
+            EXPECT_EQ(request.CallAlone(), c.dwResult);
+            // The caller's own copies are the caller's affair.
+            SecureZeroMemory(&request, sizeof request);
         }
         watch.ExpectNothingLeft(c.pszWhen);
     }
-}
-
-TEST(Wiping, AfterAnEmbeddedPanel) {
-    const Secret currentPin;
-    const Secret newPin;
-    const SecretWatch watch({&currentPin, &newPin});
-    {
-        CWnd host;
-        host.CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 500, 400, nullptr, nullptr);
-        CChangePINDialog panel(0, 0, true, nullptr, &kLongPins, nullptr, &host, 15, 0, 6);
-        ASSERT_NE(panel.LocCreate(&host), 0);
-        for (const auto& [id, pin] :
-             {std::pair{kCurrent, &currentPin}, {kNew, &newPin}, {kConfirm, &newPin}}) {
-            for (size_t i = 0; i < Secret::size(); ++i) {
-                SendDlgItemMessageA(panel.m_hWnd, id, WM_CHAR, static_cast<WPARAM>((*pin)[i]), 1);
-            }
-        }
-        EXPECT_EQ(CallAndWipe({.hHost = host.m_hWnd}), MVPINGUI_OK);
-        host.DestroyWindow();
-    }
-    watch.ExpectNothingLeft("embedded");
 }
 
 }  // namespace
