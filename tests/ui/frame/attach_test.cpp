@@ -8,15 +8,11 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/module.h"
 #include "mvpingui/base_dialog.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/handle.h"
-#include "resources/resource_numbers.h"
-#include "services/resource_module.h"
-#include "support/log_recorder.h"
 #include "support/recording/recording.h"
-#include "support/registry_hive.h"
+#include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
 namespace {
@@ -33,11 +29,6 @@ struct CurrentDirectory {
         std::filesystem::current_path(g_home / pszName);
     }
     ~CurrentDirectory() { std::filesystem::current_path(g_home); }
-};
-
-struct Attached {
-    Attached() { EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr))); }
-    ~Attached() { DetachLibrary(); }
 };
 
 class ProbeDialog : public CBaseDialog {
@@ -66,7 +57,7 @@ protected:
 
 TEST_F(Attach, FindsTheModuleBelowTheCurrentDirectory) {
     {
-        const Attached library;
+        const AttachedLibrary library;
         EXPECT_NE(ResourceModule(), nullptr);
         EXPECT_TRUE(m_log.Lines().empty()) << m_log.Dump();
         EXPECT_TRUE(IsProgressBarClassKnown());
@@ -79,13 +70,13 @@ TEST_F(Attach, FallsBackToTheInstallPathAndThenToTheLoaderItself) {
     const CurrentDirectory directory;
     {
         // The loader finds the relative path beside the program.
-        const Attached library;
+        const AttachedLibrary library;
         EXPECT_NE(ResourceModule(), nullptr);
         EXPECT_TRUE(m_log.Contains(2, "Warning : RegOpenKeyEx returns 2")) << m_log.Dump();
     }
     SetInstallPath(g_home.string() + "\\");
     m_log.Clear();
-    const Attached library;
+    const AttachedLibrary library;
     EXPECT_NE(ResourceModule(), nullptr);
     EXPECT_TRUE(m_log.Texts(1).empty() && m_log.Texts(2).empty()) << m_log.Dump();
 }
@@ -93,7 +84,7 @@ TEST_F(Attach, FallsBackToTheInstallPathAndThenToTheLoaderItself) {
 void Attach::ExpectModuleIsMissed(const std::string& strTried) {
     m_log.Clear();
     const CurrentDirectory directory;
-    const Attached library;
+    const AttachedLibrary library;
     EXPECT_EQ(ResourceModule(), nullptr);
     ASSERT_EQ(m_log.Texts(2).size(), 1U) << m_log.Dump();
     EXPECT_TRUE(
@@ -125,7 +116,7 @@ TEST_F(Attach, LivesWithoutTheModule) {
 
 // Every kind of resource comes from the module, and what it lacks is named.
 void Attach::ExpectPlantedResources() {
-    const Attached library;
+    const AttachedLibrary library;
     EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
     EXPECT_STREQ(GetErrorString(1), "planted text");
     const HICON icon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
@@ -186,7 +177,7 @@ TEST_F(Attach, KeepsItsOrder) {
                 steps += ResourceModule() != nullptr ? "module " : "";
             },
             nullptr);
-        const Attached library;
+        const AttachedLibrary library;
         RecordLogTo(nullptr, nullptr);
     }
     EXPECT_EQ(steps, "class ");
@@ -209,7 +200,7 @@ TEST_F(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     window.SubclassWindow(
         CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
     {
-        const Attached library;
+        const AttachedLibrary library;
         SendMessageA(window.m_hWnd, WM_APP, 0, 0);
     }
     SendMessageA(window.m_hWnd, WM_APP, 0, 0);
@@ -219,7 +210,7 @@ TEST_F(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     // One that was set after the library's stays when the library goes.
     const AFX_EXCEPTION_REPORTER laterFunction = [](UINT) {};
     {
-        const Attached library;
+        const AttachedLibrary library;
         AfxSetExceptionReporter(laterFunction);
     }
     EXPECT_EQ(AfxSetExceptionReporter(oldFunction), laterFunction);
