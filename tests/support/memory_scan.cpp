@@ -52,15 +52,17 @@ struct ScratchTraits {
 template <class Found>
 void Secret::FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nBytes,
                         Found found) const {
-    for (size_t i = 0; i < nFresh; ++i) {
-        const int piece = m_pieceByFirst[pBytes[i]];
-        if (piece < 0) {
-            continue;
-        }
+    for (size_t at = 0; at < nFresh; ++at) {
+        const int piece = m_pieceByFirst[pBytes[at]];
         for (const bool wide : {false, true}) {
-            if (nBytes - i >= PieceSize(wide) &&
-                IsPiece(static_cast<size_t>(piece), pBytes + i, wide)) {
-                found(i, static_cast<size_t>(piece), wide);
+            bool matches = piece >= 0 && nBytes - at >= PieceSize(wide);
+            for (size_t i = 0; matches && i < kPiece; ++i) {
+                const unsigned char* p = pBytes + at + i * (wide ? 2 : 1);
+                const char wanted = (*this)[static_cast<size_t>(piece) * kPiece + i];
+                matches = *p == static_cast<unsigned char>(wanted) && (!wide || p[1] == 0);
+            }
+            if (matches) {
+                found(at, static_cast<size_t>(piece), wide);
             }
         }
     }
@@ -150,15 +152,6 @@ void Secret::CopyTo(void* pTarget, bool bWide) const {
             *at++ = '\0';
         }
     }
-}
-
-bool Secret::IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const {
-    for (size_t i = nPiece * kPiece; i < (nPiece + 1) * kPiece; ++i) {
-        if (*pBytes++ != static_cast<unsigned char>((*this)[i]) || (bWide && *pBytes++ != 0)) {
-            return false;
-        }
-    }
-    return true;
 }
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {

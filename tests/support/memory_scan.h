@@ -50,8 +50,6 @@ public:
 private:
     static char Coded(char ch) { return static_cast<char>(ch ^ '\x5A'); }
 
-    bool IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const;
-
     std::array<char, kLength> m_encoded{};
     std::array<int, 256> m_pieceByFirst{};  // what a character begins, or -1
 };

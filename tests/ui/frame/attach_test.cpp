@@ -48,8 +48,53 @@ protected:
     void SetInstallPath(const std::string& strPath) {
         m_hive.SetString(kInstallKey, "VeskaraInstallPath", strPath);
     }
-    void ExpectModuleIsMissed(const std::string& strTried);
-    void ExpectPlantedResources();
+    void ExpectModuleIsMissed(const std::string& strTried) {
+        m_log.Clear();
+        const CurrentDirectory directory;
+        const AttachedLibrary library;
+        EXPECT_EQ(ResourceModule(), nullptr);
+        ASSERT_EQ(m_log.Texts(2).size(), 1U) << m_log.Dump();
+        EXPECT_TRUE(m_log.Texts(2)[0].starts_with("LoadLibrary(" + strTried +
+                                                  ") failed with error code 0x"))
+            << m_log.Dump();
+        m_log.Clear();
+        // Nothing is searched in the host's own resources instead.
+        CString text("before");
+        EXPECT_FALSE(LoadResourceString(1, text));
+        EXPECT_EQ(std::string(text), "before");
+        EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
+        EXPECT_EQ(ProbeDialog(1).DoModal(), -1);
+        EXPECT_TRUE(m_log.Lines().empty()) << "the cause stands at the attach: " << m_log.Dump();
+    }
+    // Every kind of resource comes from the module, and what it lacks is named.
+    void ExpectPlantedResources() {
+        const AttachedLibrary library;
+        EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
+        EXPECT_STREQ(GetErrorString(1), "planted text");
+        const HICON icon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
+        EXPECT_NE(icon, nullptr);
+        EXPECT_EQ(LoadResourceIcon(IDI_RULE_SATISFIED, 16), icon);
+        EXPECT_NE(LoadResourceIcon(IDI_RULE_SATISFIED, 32), icon);
+        ProbeDialog dialog(IDD_ENTER_PIN);
+        EXPECT_TRUE(dialog.CreateFromResourceModule(nullptr));
+        EXPECT_NE(dialog.SendDlgItemMessage(IDC_ENTER_PIN_BANNER, STM_GETIMAGE, IMAGE_BITMAP), 0);
+        dialog.DestroyWindow();
+
+        m_log.Clear();
+        CString text("before");
+        EXPECT_FALSE(LoadResourceString(IDS_LAST_PIN_TRY, text));
+        EXPECT_EQ(std::string(text), "before");
+        EXPECT_STREQ(GetErrorString(2), "");
+        EXPECT_EQ(LoadResourceIcon(IDI_CARD_PIN, 16), nullptr);
+        EXPECT_EQ(ProbeDialog(IDD_POLICIES).DoModal(), -1);
+        EXPECT_FALSE(ProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
+        std::vector<std::string> expected;
+        for (const char* missing : {"String 3073", "String 3060", "Icon 3012",
+                                    "Dialog template 3011", "Dialog template 3002"}) {
+            expected.push_back(std::string(missing) + " is missing from the resource module");
+        }
+        EXPECT_EQ(m_log.Texts(1), expected) << m_log.Dump();
+    }
 
     RegistryHive m_hive;
     LogRecorder m_log;
@@ -81,25 +126,6 @@ TEST_F(Attach, FallsBackToTheInstallPathAndThenToTheLoaderItself) {
     EXPECT_TRUE(m_log.Texts(1).empty() && m_log.Texts(2).empty()) << m_log.Dump();
 }
 
-void Attach::ExpectModuleIsMissed(const std::string& strTried) {
-    m_log.Clear();
-    const CurrentDirectory directory;
-    const AttachedLibrary library;
-    EXPECT_EQ(ResourceModule(), nullptr);
-    ASSERT_EQ(m_log.Texts(2).size(), 1U) << m_log.Dump();
-    EXPECT_TRUE(
-        m_log.Texts(2)[0].starts_with("LoadLibrary(" + strTried + ") failed with error code 0x"))
-        << m_log.Dump();
-    m_log.Clear();
-    // Nothing is searched in the host's own resources instead.
-    CString text("before");
-    EXPECT_FALSE(LoadResourceString(1, text));
-    EXPECT_EQ(std::string(text), "before");
-    EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
-    EXPECT_EQ(ProbeDialog(1).DoModal(), -1);
-    EXPECT_TRUE(m_log.Lines().empty()) << "the cause stands at the attach: " << m_log.Dump();
-}
-
 TEST_F(Attach, LivesWithoutTheModule) {
     SetInstallPath("C:\\nowhere\\");
     ExpectModuleIsMissed(R"(C:\nowhere\Resources\Localized\mvpinguirc.dll)");
@@ -112,36 +138,6 @@ TEST_F(Attach, LivesWithoutTheModule) {
     ExpectModuleIsMissed(full);
     m_hive.SetUnterminated(kInstallKey, "VeskaraInstallPath", full + 'x');
     ExpectModuleIsMissed(full);
-}
-
-// Every kind of resource comes from the module, and what it lacks is named.
-void Attach::ExpectPlantedResources() {
-    const AttachedLibrary library;
-    EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
-    EXPECT_STREQ(GetErrorString(1), "planted text");
-    const HICON icon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
-    EXPECT_NE(icon, nullptr);
-    EXPECT_EQ(LoadResourceIcon(IDI_RULE_SATISFIED, 16), icon);
-    EXPECT_NE(LoadResourceIcon(IDI_RULE_SATISFIED, 32), icon);
-    ProbeDialog dialog(IDD_ENTER_PIN);
-    EXPECT_TRUE(dialog.CreateFromResourceModule(nullptr));
-    EXPECT_NE(dialog.SendDlgItemMessage(IDC_ENTER_PIN_BANNER, STM_GETIMAGE, IMAGE_BITMAP), 0);
-    dialog.DestroyWindow();
-
-    m_log.Clear();
-    CString text("before");
-    EXPECT_FALSE(LoadResourceString(IDS_LAST_PIN_TRY, text));
-    EXPECT_EQ(std::string(text), "before");
-    EXPECT_STREQ(GetErrorString(2), "");
-    EXPECT_EQ(LoadResourceIcon(IDI_CARD_PIN, 16), nullptr);
-    EXPECT_EQ(ProbeDialog(IDD_POLICIES).DoModal(), -1);
-    EXPECT_FALSE(ProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
-    std::vector<std::string> expected;
-    for (const char* missing : {"String 3073", "String 3060", "Icon 3012", "Dialog template 3011",
-                                "Dialog template 3002"}) {
-        expected.push_back(std::string(missing) + " is missing from the resource module");
-    }
-    EXPECT_EQ(m_log.Texts(1), expected) << m_log.Dump();
 }
 
 TEST_F(Attach, RunsNothingOfTheModule) {

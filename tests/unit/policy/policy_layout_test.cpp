@@ -15,7 +15,7 @@ TEST(PolicyLayout, TakesAnyMargins) {
     constexpr int least = std::numeric_limits<int>::min();
     constexpr int most = std::numeric_limits<int>::max();
     PolicyBox box{most, 200, {}};
-    box.lines.fill({43, 26, 13});
+    box.lines.fill({46, 18, 16});
     for (const int extreme : {least, most}) {
         // The sums wrap; the sanitizer watches that none of them overflows before.
         const PolicyLayout layout =

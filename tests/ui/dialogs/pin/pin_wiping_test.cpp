@@ -2,9 +2,11 @@
 // after every ending of a request.
 #include <vector>
 
+#include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "mvpingui/change_pin_dialog.h"
 #include "support/memory_scan.h"
 #include "ui/dialogs/pin/pin_requests.h"
 
@@ -97,6 +99,13 @@ TEST(Wiping, AfterARefusedRequest) {
 
 constexpr PwdRuleArgs kLongPins = {0, 0, 1, 1, 4, 64, 0};
 
+// The function's result. The caller's own copies are the caller's affair.
+std::uint32_t CallAndWipe(ChangePinRequest&& request) {
+    const std::uint32_t result = request.CallAlone();
+    SecureZeroMemory(&request, sizeof request);
+    return result;
+}
+
 TEST(Wiping, AfterAChangeOfThePin) {
     const struct {
         const char* pszWhen;
@@ -122,13 +131,28 @@ TEST(Wiping, AfterAChangeOfThePin) {
                 d.Type(kNew, newPin);
                 c.end(d, newPin);
             });
-            ChangePinRequest request{.pRules = &kLongPins};
-            EXPECT_EQ(request.CallAlone(), c.dwResult);
-            // The caller's own copies are the caller's affair.
-            SecureZeroMemory(&request, sizeof request);
+            EXPECT_EQ(CallAndWipe({.pRules = &kLongPins}), c.dwResult);
         }
         watch.ExpectNothingLeft(c.pszWhen);
     }
+}
+
+TEST(Wiping, AfterAnEmbeddedPanel) {
+    const Secret pin;
+    const SecretWatch watch({&pin});
+    {
+        CWnd host;
+        host.CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 500, 400, nullptr, nullptr);
+        CChangePINDialog panel(0, 0, false, nullptr, &kLongPins, nullptr, &host, 15, 0, 6);
+        ASSERT_NE(panel.LocCreate(&host), 0);
+        for (size_t i = 0; i < 2 * Secret::size(); ++i) {
+            SendDlgItemMessageA(panel.m_hWnd, i % 2 == 0 ? kNew : kConfirm, WM_CHAR,
+                                static_cast<WPARAM>(pin[i / 2]), 1);
+        }
+        EXPECT_EQ(CallAndWipe({.hHost = host.m_hWnd}), MVPINGUI_OK);
+        host.DestroyWindow();
+    }
+    watch.ExpectNothingLeft("embedded");
 }
 
 }  // namespace
