@@ -51,18 +51,21 @@ TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
         HostedPanel panel(all ? &kAllRules : &only);
         m_log.Clear();
         panel.Check("old", "val", "new", "other");
-        const std::string set = all ? "{VKPoliciesDlg::SetPolicyIcon{} } " : "{} ";
-        const auto predicate = [all](const char* pszCall) { return all ? pszCall : ""; };
-        EXPECT_EQ(
-            LogShape(),
+        const char* const set = all ? "{VKPoliciesDlg::SetPolicyIcon{} } " : "{} ";
+        const char* const hidden = "CBaseDialog::HidePinFromMemory{} ";
+        std::string expected =
             "VKPoliciesDlg::VerifyAndUpdatePolicies{0 csOldValue: old; 0 csValue: val; "
-            "0 csNewValue: new; VKPoliciesDlg::SetMinPINLen" +
-                set + "VKPoliciesDlg::SetMaxPINLen" + set + "VKPoliciesDlg::SetPreventSamePIN" +
-                set + predicate("VKPoliciesDlg::IsPinWeak{} ") + "VKPoliciesDlg::SetWeakPIN" + set +
-                predicate("VKPoliciesDlg::IsAlphaPinWeak{} ") + "VKPoliciesDlg::SetAlphaPIN" + set +
-                "VKPoliciesDlg::SetConfirmPIN{VKPoliciesDlg::SetPolicyIcon{} } "
-                "CBaseDialog::HidePinFromMemory{} CBaseDialog::HidePinFromMemory{} "
-                "CBaseDialog::HidePinFromMemory{} CBaseDialog::HidePinFromMemory{} } ");
+            "0 csNewValue: new; ";
+        for (const char* part :
+             {"VKPoliciesDlg::SetMinPINLen", set, "VKPoliciesDlg::SetMaxPINLen", set,
+              "VKPoliciesDlg::SetPreventSamePIN", set, all ? "VKPoliciesDlg::IsPinWeak{} " : "",
+              "VKPoliciesDlg::SetWeakPIN", set, all ? "VKPoliciesDlg::IsAlphaPinWeak{} " : "",
+              "VKPoliciesDlg::SetAlphaPIN", set,
+              "VKPoliciesDlg::SetConfirmPIN{VKPoliciesDlg::SetPolicyIcon{} } ", hidden, hidden,
+              hidden, hidden, "} "}) {
+            expected += part;
+        }
+        EXPECT_EQ(LogShape(), expected);
     }
 }
 
