@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/failing_heap.h"
 #include "ui/policy/rule_panel.h"
 
 namespace mvp::test {
@@ -218,6 +219,27 @@ TEST(PoliciesDialogWithoutPictures, ShowsNoneAndJudges) {
         EXPECT_EQ(panel.SendDlgItemMessage(line.nIcon, STM_GETICON), 0) << line.nIcon;
         EXPECT_TRUE(IsWindowVisible(::GetDlgItem(panel.m_hWnd, line.nIcon))) << line.nIcon;
     }
+}
+
+TEST_F(PoliciesDialog, WithoutMemoryNoPinIsGood) {
+    FailingHeap heap("dlgfw.dll");
+    int stops = 0;
+    bool refused = true;
+    for (int i = 0; refused; ++i) {
+        HostedPanel panel(&kAllRules);
+        CString pins[] = {"1", "5838", "5838", "5838"};
+        m_log.Clear();
+        heap.FailAt(i);
+        const bool verdict = panel.Panel().VerifyAndUpdatePolicies(
+            std::move(pins[0]), std::move(pins[1]), std::move(pins[2]), std::move(pins[3]));
+        refused = heap.Stop();
+        // What fails in the painting alone changes no verdict.
+        const bool stopped = m_log.Contains(1, "VKPoliciesDlg::VerifyAndUpdatePolicies: exception");
+        stops += stopped ? 1 : 0;
+        EXPECT_EQ(verdict, !stopped) << i;
+        EXPECT_EQ(std::ranges::count(m_log.Texts(16), "CBaseDialog::HidePinFromMemory"), 4);
+    }
+    EXPECT_GT(stops, 6) << "a text for each line, and more";
 }
 
 }  // namespace

@@ -64,6 +64,7 @@ public:
     }
 
     CWnd& Host() { return m_host; }
+    VKPoliciesDlg& Panel() { return *m_panel; }
     HWND Handle() const { return m_panel->m_hWnd; }
     HWND Control(int nId) const { return ::GetDlgItem(m_panel->m_hWnd, nId); }
     CRect RectOf(int nId) const { return RectIn(Handle(), Control(nId)); }

@@ -102,9 +102,6 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
     ASSERT_NE(panel.LocCreate(&host), 0);
     FailingHeap heap("dlgfw.dll");
     CString value;
-    const std::string told = "1 VKPoliciesDlg::VerifyAndUpdatePolicies: exception; ";
-    const std::string hidden = "CBaseDialog::HidePinFromMemory{} ";
-    const std::string toldAndHidden = told + hidden + hidden + hidden + hidden + "} ";
     // What the edits do, and what a host calls.
     const auto act = [&](int n) {
         if (n < 3) {
@@ -140,9 +137,6 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
                         (panel.CurrentPin().IsEmpty() && panel.NewPin().IsEmpty()));
             EXPECT_EQ(host.m_ok.IsWindowEnabled() != FALSE, !stopped) << m_log.Dump();
             EXPECT_TRUE(result || stopped);
-            // The rules' copies are hidden after whatever has stopped the check.
-            const std::string shape = LogShape();
-            EXPECT_EQ(shape.find(told) == shape.npos, shape.find(toldAndHidden) == shape.npos);
         }
         EXPECT_GT(stops, 6) << n;
     }
