@@ -5,15 +5,12 @@
 //     ...  // the secret comes and goes
 //     watch.ExpectNothingLeft("after Cancel");
 //
-// A watch looks at what is freed, when it is, and at what is in the memory at the end.
-//
-// All committed, writable memory that the system lists for the process is read; the secret is found
-// as 8-bit and as 16-bit characters, and by any piece of it: a freed block whose ends the heap uses
-// for its own records, or that another block overlaps, still counts.
+// A watch looks at what is freed, when it is, and at what is in the memory at the end: all that is
+// committed and writable, for any piece of the secret as 8-bit and as 16-bit characters. A freed
+// block whose ends the heap uses for its own records, or that another block overlaps, still counts.
 //
 // The scan reads by way of the system's own reading of process memory, so that pages may vanish
-// meanwhile, and takes no heap memory while it looks: a freed block that holds the secret is not
-// taken for something else before it was seen.
+// meanwhile, and takes no heap memory while it looks, which might be the very block.
 //
 // A program that scans is declared with SCANS (mvp_ui_test): heaps that fill what is freed would
 // hide everything.
@@ -53,21 +50,16 @@ public:
 private:
     static char Coded(char ch) { return static_cast<char>(ch ^ '\x5A'); }
 
-    bool IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const;
-
     std::array<char, kLength> m_encoded{};
     std::array<int, 256> m_pieceByFirst{};  // what a character begins, or -1
 };
 
 struct MemoryHit {
-    enum class Place { Heap, Other };
-
     ULONG_PTR address = 0;
     size_t nFirst = 0;  // of the secret's characters
     size_t nCount = 0;
     bool bWide = false;
-    Place place = Place::Other;
-    bool bFreed = false;  // a heap's block, and no longer in use
+    bool bInUse = false;  // in a heap's block that is in use
 };
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit);

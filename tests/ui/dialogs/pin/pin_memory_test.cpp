@@ -67,7 +67,7 @@ TEST(Scrubbing, ReachesTheEndOfALongText) {
     }
     ScrubEdit(edit);
     for (const MemoryHit& hit : ScanOwnMemory(pin)) {
-        EXPECT_TRUE(hit.place != MemoryHit::Place::Heap || hit.bFreed) << hit;
+        EXPECT_FALSE(hit.bInUse) << hit;
     }
     DestroyWindow(edit);
 }
