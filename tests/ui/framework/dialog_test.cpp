@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "support/dialog_driver.h"
-#include "support/resource_counts.h"
 #include "ui/framework/form.h"
 
 namespace mvp::test {
@@ -331,18 +330,6 @@ TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     EXPECT_EQ(place(plain, {}, SWP_NOSIZE).TopLeft(), CPoint(0, 0));
     EXPECT_EQ(place(plain, {5, 6, 0, 0}, SWP_NOSIZE).TopLeft(), CPoint(5, 6));
     EXPECT_EQ(place(plain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE).TopLeft(), CPoint(0, 0));
-}
-
-TEST_F(DialogTest, ThousandDialogsLeaveNothing) {
-    ExpectRoundsKeepNothing(20, 1000, [this](int) {
-        FormDlg dlg(&m_host);
-        CWnd edit;
-        dlg.m_onInit = [&] {
-            edit.SubclassDlgItem(kFormEdit, &dlg);
-            dlg.PostMessage(WM_COMMAND, IDOK);
-        };
-        EXPECT_EQ(dlg.DoModal(), IDOK);
-    });
 }
 
 }  // namespace

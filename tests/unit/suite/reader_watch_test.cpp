@@ -147,19 +147,6 @@ TEST(ReaderWatch, ReportsCardsThatLeave) {
     }
 }
 
-TEST(ReaderWatch, WatchesManyReaders) {
-    std::string script;
-    std::string expected;
-    for (char ch = '0'; ch <= 'z'; ++ch) {
-        script += {'+', ch, '>', ch};
-    }
-    for (char ch = 'z'; ch > '0'; ch = static_cast<char>(ch - 7)) {
-        expected += ch;
-        script += {' ', '<', ch};
-    }
-    EXPECT_EQ(RemovedIn(script), expected);
-}
-
 // A service that gives the same answer at once, always, for a minute.
 class NoisyService final : public ICardService {
 public:
