@@ -281,30 +281,6 @@ TEST_F(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
     }
 }
 
-TEST_F(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
-    struct Stubborn : FormDlg {
-        using FormDlg::FormDlg;
-        BOOL CreateModalWindow(LPCDLGTEMPLATE lpDialogTemplate, ModalParent& parent,
-                               HINSTANCE hInst) override {
-            EXPECT_TRUE(parent.bReenable);
-            ModalParent gone = {reinterpret_cast<HWND>(LONG_PTR{0xDEAD}), FALSE};
-            if (FormDlg::CreateModalWindow(lpDialogTemplate, gone, hInst)) {
-                return TRUE;
-            }
-            EXPECT_NE(m_nFlags & WF_CONTINUEMODAL, 0u);  // it could not be made
-            parent = {nullptr, FALSE};
-            return FormDlg::CreateModalWindow(lpDialogTemplate, parent, hInst);
-        }
-    };
-    Stubborn dlg(&m_host);
-    DialogDriver driver([](Dialog& dialog) {
-        EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), nullptr);
-        dialog.Click(IDOK);
-    });
-    EXPECT_EQ(dlg.DoModal(), IDOK);
-    EXPECT_FALSE(m_host.IsWindowEnabled());
-}
-
 TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     constexpr DWORD plain = WS_POPUP | WS_CAPTION | DS_SETFONT;
     // Where it stands after SetWindowPos(..., nFlags) in its initialisation.
