@@ -92,7 +92,7 @@ TEST(CardFile, RefusesWhatIsNoCard) {
         {With(": 10", ": 4294967296"), "\"maxLength\" is too large"},
         {With(": 10", ": 3"), "\"minLength\" is greater"},
         {With("true", "1"), "\"digitsOnly\" is neither"},
-        {With("\"policy\": {", "\"policy\": 1, \"x\": {"), "\"policy\" is not an object"},
+        {With("\"policy\": {", R"("policy": 1, "x": {)"), "\"policy\" is not an object"},
     };
     for (const auto& [text, fault] : cases) {
         EXPECT_NE(FaultOf(text).find(fault), std::string::npos) << text.substr(0, 200) << "\n"
