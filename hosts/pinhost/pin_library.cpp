@@ -82,9 +82,9 @@ mvp::ModuleHandle TurnLogOn(const HostOptions& options) {
                                " cannot be written, error " + std::to_string(GetLastError()));
     }
     mvp::ModuleHandle log = LoadOwnModule("vklog.dll");
-    void (*pSetOutput)(const char*, unsigned) = nullptr;
-    Find(log, "vklogSetOutput", pSetOutput);
-    pSetOutput(logPath.c_str(), kLogLevels | (options.bLogDetail ? kLogDetail : 0));
+    void (*setOutput)(const char*, unsigned) = nullptr;
+    Find(log, "vklogSetOutput", setOutput);
+    setOutput(logPath.c_str(), kLogLevels | (options.bLogDetail ? kLogDetail : 0));
     return log;
 }
 
@@ -97,9 +97,9 @@ PinLibrary::PinLibrary(const HostOptions& options) {
     Find(m_library, "GetPINFromUser", GetPINFromUser);
     Find(m_library, "GetChangePINInfoFromUser", GetChangePINInfoFromUser);
     Find(m_library, "FreeGetPinBuffer", FreeGetPinBuffer);
-    decltype(&::InitGUIDll) pInit = nullptr;
-    Find(m_library, "InitGUIDll", pInit);
-    pInit();
+    decltype(&::InitGUIDll) initialize = nullptr;
+    Find(m_library, "InitGUIDll", initialize);
+    initialize();
 }
 
 }  // namespace pinhost

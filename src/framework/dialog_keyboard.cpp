@@ -36,13 +36,13 @@ HWND OutermostDialog(HWND hWnd) {
 
 // Enter on a push button inside a panel. The system would send the button's command to the
 // outermost dialog, which does not know the button.
-bool PressesPanelButton(HWND hWndOutermost, MSG* pMsg) {
+bool PressesPanelButton(HWND hDialog, MSG* pMsg) {
     if (pMsg->message != WM_KEYDOWN || (pMsg->wParam != VK_RETURN && pMsg->wParam != VK_EXECUTE)) {
         return false;
     }
     HWND focus = ::GetFocus();
     HWND parent = ::GetAncestor(focus, GA_PARENT);
-    if (focus != pMsg->hwnd || parent == hWndOutermost || !::IsChild(hWndOutermost, focus)) {
+    if (focus != pMsg->hwnd || parent == hDialog || !::IsChild(hDialog, focus)) {
         return false;
     }
     const LRESULT code =

@@ -214,21 +214,21 @@ LPCSTR AfxRegisterWndClass(UINT nClassStyle, HCURSOR hCursor, HBRUSH hbrBackgrou
     std::snprintf(name, sizeof(name), "dlgfw:%x:%p:%p:%p", nClassStyle,
                   static_cast<const void*>(hCursor), static_cast<const void*>(hbrBackground),
                   static_cast<const void*>(hIcon));
-    WNDCLASSA wndClass = {};
-    if (::GetClassInfoA(AfxGetInstanceHandle(), name, &wndClass)) {
+    WNDCLASSA windowClass = {};
+    if (::GetClassInfoA(AfxGetInstanceHandle(), name, &windowClass)) {
         return name;
     }
     // Windows of the class get their object at creation, so the class itself knows no procedure of
     // ours and does no harm when it outlives this library.
-    wndClass = {};
-    wndClass.style = nClassStyle;
-    wndClass.lpfnWndProc = &::DefWindowProcA;
-    wndClass.hInstance = AfxGetInstanceHandle();
-    wndClass.hIcon = hIcon;
-    wndClass.hCursor = hCursor;
-    wndClass.hbrBackground = hbrBackground;
-    wndClass.lpszClassName = name;
-    return ::RegisterClassA(&wndClass) != 0 ? name : nullptr;
+    windowClass = {};
+    windowClass.style = nClassStyle;
+    windowClass.lpfnWndProc = &::DefWindowProcA;
+    windowClass.hInstance = AfxGetInstanceHandle();
+    windowClass.hIcon = hIcon;
+    windowClass.hCursor = hCursor;
+    windowClass.hbrBackground = hbrBackground;
+    windowClass.lpszClassName = name;
+    return ::RegisterClassA(&windowClass) != 0 ? name : nullptr;
 }
 
 CWaitCursor::CWaitCursor() : m_hOld(::GetCursor()) {

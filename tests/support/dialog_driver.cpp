@@ -170,12 +170,6 @@ std::string Dialog::Title() const {
     return TitleOf(m_hWnd);
 }
 
-RECT Dialog::ScreenRect() const {
-    RECT rect = {};
-    GetWindowRect(m_hWnd, &rect);
-    return rect;
-}
-
 HWND Dialog::Control(int nId) const {
     HWND control = FindControl(m_hWnd, nId);
     if (control == nullptr) {
@@ -198,13 +192,6 @@ std::string Dialog::Text(int nId) const {
     text.resize(static_cast<size_t>(
         Send(nId, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
     return text;
-}
-
-RECT Dialog::Rect(int nId) const {
-    RECT rect = {};
-    GetWindowRect(Control(nId), &rect);
-    MapWindowPoints(nullptr, m_hWnd, reinterpret_cast<POINT*>(&rect), 2);
-    return rect;
 }
 
 LRESULT Dialog::Send(int nId, UINT nMessage, WPARAM wParam, LPARAM lParam) const {

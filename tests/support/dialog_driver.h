@@ -1,8 +1,7 @@
 // Drives the modal dialogs of a test.
 //
-// A modal dialog keeps the test's thread until it is closed. A driver, made before the dialog is
-// opened, runs beside it on a thread of its own: it waits for the dialog, hands it to the test's
-// script, and waits for it to go. One script for each dialog that opens, in order:
+// A modal dialog keeps the test's thread until it is closed. A driver, made before it is opened,
+// runs beside it on a thread of its own: one script for each dialog that opens, in order.
 //
 //     DialogDriver driver([](Dialog& warning) { warning.Click(IDOK); },
 //                         [](Dialog& dialog) {
@@ -18,10 +17,9 @@
 //
 // A driver without scripts holds that no dialog opens: `DialogDriver noDialog;`.
 //
-// Whatever goes wrong ends in good time with a reason: a missed deadline, a dialog that nobody
-// waits for, a script that leaves its dialog open, a failed ASSERT in a script all fail the test,
-// and every open dialog is cancelled, so that the test's thread gets on. If a dialog cannot be
-// cancelled the process is ended. EXPECT_ and ASSERT_ may be used in scripts.
+// Whatever goes wrong (a missed deadline, a dialog that nobody waits for or that a script leaves
+// open, a failed ASSERT in a script) fails the test in good time, and every open dialog is
+// cancelled. If one cannot be, the process is ended. EXPECT_ and ASSERT_ may be used in scripts.
 //
 // A driver drives the dialogs of the thread that made it, one driver at a time.
 #pragma once
@@ -68,7 +66,6 @@ public:
     HWND Handle() const { return m_hWnd; }
     std::string Title() const;
     bool IsOpen() const { return IsWindow(m_hWnd) != FALSE && IsWindowVisible(m_hWnd) != FALSE; }
-    RECT ScreenRect() const;
 
     // --- Controls ---
     HWND Control(int nId) const;
@@ -76,7 +73,6 @@ public:
     bool IsVisible(int nId) const { return IsWindowVisible(Control(nId)) != FALSE; }
     bool IsChecked(int nId) const { return Send(nId, BM_GETCHECK) == BST_CHECKED; }
     std::string Text(int nId) const;
-    RECT Rect(int nId) const;  // in this dialog's client coordinates
     LRESULT Send(int nId, UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0) const;
     int FocusedId() const;  // 0: no control has the focus
 

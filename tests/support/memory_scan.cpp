@@ -52,15 +52,17 @@ struct ScratchTraits {
 template <class Found>
 void Secret::FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nBytes,
                         Found found) const {
-    for (size_t i = 0; i < nFresh; ++i) {
-        const int piece = m_pieceByFirst[pBytes[i]];
-        if (piece < 0) {
-            continue;
-        }
+    for (size_t at = 0; at < nFresh; ++at) {
+        const int piece = m_pieceByFirst[pBytes[at]];
         for (const bool wide : {false, true}) {
-            if (nBytes - i >= PieceSize(wide) &&
-                IsPiece(static_cast<size_t>(piece), pBytes + i, wide)) {
-                found(i, static_cast<size_t>(piece), wide);
+            bool matches = piece >= 0 && nBytes - at >= PieceSize(wide);
+            for (size_t i = 0; matches && i < kPiece; ++i) {
+                const unsigned char* p = pBytes + at + i * (wide ? 2 : 1);
+                const char wanted = (*this)[static_cast<size_t>(piece) * kPiece + i];
+                matches = *p == static_cast<unsigned char>(wanted) && (!wide || p[1] == 0);
+            }
+            if (matches) {
+                found(at, static_cast<size_t>(piece), wide);
             }
         }
     }
@@ -110,42 +112,63 @@ void ScanAll(const Secret& secret, Scratch& scratch) {
     }
 }
 
-bool FindInHeap(HANDLE hHeap, MemoryHit& hit) {
+bool IsInUse(HANDLE hHeap, ULONG_PTR address) {
     bool found = false;
     PROCESS_HEAP_ENTRY entry = {};
     HeapLock(hHeap);
     while (!found && HeapWalk(hHeap, &entry)) {
         const auto begin = reinterpret_cast<ULONG_PTR>(entry.lpData);
-        found = (entry.wFlags & (PROCESS_HEAP_REGION | PROCESS_HEAP_UNCOMMITTED_RANGE)) == 0 &&
-                hit.address >= begin && hit.address - begin < entry.cbData;
+        found = (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 && address >= begin &&
+                address - begin < entry.cbData;
     }
     HeapUnlock(hHeap);
-    hit.bFreed = found && (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0;
     return found;
 }
 
 }  // namespace
 
-Secret::Secret() {
+Secret::Secret()
+    : Secret("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", kLength) {}
+
+Secret Secret::UnlockCode() {
+    return {"0123456789ABCDEF", 16};
+}
+
+Secret::Secret(std::string_view characters, size_t nLength) : m_nLength(nLength) {
     static unsigned lastNumber = 0;
     std::mt19937 random(++lastNumber);
     std::string encoded;
-    for (const auto& [first, last] : {std::pair{'0', '9'}, {'A', 'Z'}, {'a', 'z'}}) {
-        for (char ch = first; ch <= last; ++ch) {
-            encoded.push_back(Coded(ch));
-        }
+    for (const char ch : characters) {
+        encoded.push_back(Coded(ch));
     }
     std::shuffle(encoded.begin(), encoded.end(), random);
-    std::copy_n(encoded.begin(), kLength, m_encoded.begin());
+    std::copy_n(encoded.begin(), nLength, m_encoded.begin());
+    FindFirstOfPieces();
+}
+
+Secret Secret::Grouped() const {
+    Secret grouped = *this;
+    grouped.m_nLength = 0;
+    for (size_t i = 0; i < m_nLength; ++i) {
+        if (i > 0 && i % 4 == 0) {
+            grouped.m_encoded.at(grouped.m_nLength++) = Coded('-');
+        }
+        grouped.m_encoded.at(grouped.m_nLength++) = m_encoded.at(i);
+    }
+    grouped.FindFirstOfPieces();
+    return grouped;
+}
+
+void Secret::FindFirstOfPieces() {
     m_pieceByFirst.fill(-1);
-    for (size_t i = 0; i < kLength; i += kPiece) {
+    for (size_t i = 0; i + kPiece <= m_nLength; i += kPiece) {
         m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) = static_cast<int>(i / kPiece);
     }
 }
 
 void Secret::CopyTo(void* pTarget, bool bWide) const {
     auto* at = static_cast<volatile char*>(pTarget);
-    for (size_t i = 0; i < kLength; ++i) {
+    for (size_t i = 0; i < m_nLength; ++i) {
         *at++ = (*this)[i];
         if (bWide) {
             *at++ = '\0';
@@ -153,22 +176,10 @@ void Secret::CopyTo(void* pTarget, bool bWide) const {
     }
 }
 
-bool Secret::IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const {
-    for (size_t i = nPiece * kPiece; i < (nPiece + 1) * kPiece; ++i) {
-        if (*pBytes++ != static_cast<unsigned char>((*this)[i]) || (bWide && *pBytes++ != 0)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
     return stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
                   << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address
-                  << std::dec
-                  << (hit.bFreed                            ? " in a freed block"
-                      : hit.place == MemoryHit::Place::Heap ? " in a heap"
-                                                            : " in other memory");
+                  << std::dec << (hit.bInUse ? " in a heap" : " in freed or other memory");
 }
 
 std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
@@ -182,12 +193,8 @@ std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
     HANDLE heaps[64] = {reinterpret_cast<HANDLE>(_get_heap_handle())};
     GetProcessHeaps(63, heaps + 1);
     for (MemoryHit& hit : hits) {
-        for (const HANDLE heap : heaps) {
-            if (heap != nullptr && FindInHeap(heap, hit)) {
-                hit.place = MemoryHit::Place::Heap;
-                break;
-            }
-        }
+        hit.bInUse = std::ranges::any_of(
+            heaps, [&](HANDLE hHeap) { return hHeap != nullptr && IsInUse(hHeap, hit.address); });
     }
     return hits;
 }

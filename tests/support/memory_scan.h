@@ -5,15 +5,12 @@
 //     ...  // the secret comes and goes
 //     watch.ExpectNothingLeft("after Cancel");
 //
-// A watch looks at what is freed, when it is, and at what is in the memory at the end.
-//
-// All committed, writable memory that the system lists for the process is read; the secret is found
-// as 8-bit and as 16-bit characters, and by any piece of it: a freed block whose ends the heap uses
-// for its own records, or that another block overlaps, still counts.
+// A watch looks at what is freed, when it is, and at what is in the memory at the end: all that is
+// committed and writable, for any piece of the secret as 8-bit and as 16-bit characters. A freed
+// block whose ends the heap uses for its own records, or that another block overlaps, still counts.
 //
 // The scan reads by way of the system's own reading of process memory, so that pages may vanish
-// meanwhile, and takes no heap memory while it looks: a freed block that holds the secret is not
-// taken for something else before it was seen.
+// meanwhile, and takes no heap memory while it looks, which might be the very block.
 //
 // A program that scans is declared with SCANS (mvp_ui_test): heaps that fill what is freed would
 // hide everything.
@@ -24,23 +21,28 @@
 #include <array>
 #include <atomic>
 #include <iosfwd>
+#include <string_view>
 #include <vector>
 
 #include "support/freed_blocks.h"
 
 namespace mvp::test {
 
-// Forty letters and digits in no order, no two alike and none in the order of another secret of the
+// Letters and digits in no order, no two alike and none in the order of another secret of the
 // program. They are kept encoded, so that neither the program nor the search is found.
 class Secret {
 public:
-    static constexpr size_t kLength = 40;
+    static constexpr size_t kLength = 40;  // of one of the general kind
     // What is searched for: each of the pieces of this length that the secret is made of.
     static constexpr size_t kPiece = 8;
 
     Secret();
+    // Sixteen hexadecimal digits.
+    static Secret UnlockCode();
+    // The same with a dash after every fourth character but the last: what is shown of it.
+    Secret Grouped() const;
 
-    static constexpr size_t size() { return kLength; }
+    size_t size() const { return m_nLength; }
     // One character. Whoever collects them has made a copy.
     char operator[](size_t i) const { return Coded(m_encoded.at(i)); }
     // Writes all of it, without a terminator, and leaves no other copy.
@@ -52,22 +54,21 @@ public:
 
 private:
     static char Coded(char ch) { return static_cast<char>(ch ^ '\x5A'); }
+    // Shuffles `characters`.
+    Secret(std::string_view characters, size_t nLength);
+    void FindFirstOfPieces();
 
-    bool IsPiece(size_t nPiece, const unsigned char* pBytes, bool bWide) const;
-
+    size_t m_nLength;
     std::array<char, kLength> m_encoded{};
     std::array<int, 256> m_pieceByFirst{};  // what a character begins, or -1
 };
 
 struct MemoryHit {
-    enum class Place { Heap, Other };
-
     ULONG_PTR address = 0;
     size_t nFirst = 0;  // of the secret's characters
     size_t nCount = 0;
     bool bWide = false;
-    Place place = Place::Other;
-    bool bFreed = false;  // a heap's block, and no longer in use
+    bool bInUse = false;  // in a heap's block that is in use
 };
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit);

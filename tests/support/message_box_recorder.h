@@ -44,7 +44,6 @@ public:
     void SetAnswer(int nAnswer) { m_nAnswer = nAnswer; }
 
     const std::vector<MessageBoxCall>& Calls() const { return m_calls; }
-    void Clear() { m_calls.clear(); }
 
 private:
     std::vector<MessageBoxCall> m_calls;

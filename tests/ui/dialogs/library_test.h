@@ -113,6 +113,13 @@ inline CRect RectIn(HWND hParent, HWND hWnd) {
     return rect;
 }
 
+// The calling thread's view of the keyboard: nothing but Caps Lock.
+inline void SetCapsLock(bool bToggled, bool bHeld = false) {
+    BYTE keys[256] = {};
+    keys[VK_CAPITAL] = static_cast<BYTE>((bToggled ? 0x01 : 0) | (bHeld ? 0x80 : 0));
+    SetKeyboardState(keys);
+}
+
 inline HICON IconOf(HWND hControl) {
     return reinterpret_cast<HICON>(SendMessageA(hControl, STM_GETICON, 0, 0));
 }

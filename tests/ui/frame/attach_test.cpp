@@ -8,15 +8,11 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/module.h"
 #include "mvpingui/base_dialog.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/handle.h"
-#include "resources/resource_numbers.h"
-#include "services/resource_module.h"
-#include "support/log_recorder.h"
 #include "support/recording/recording.h"
-#include "support/registry_hive.h"
+#include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
 namespace {
@@ -33,11 +29,6 @@ struct CurrentDirectory {
         std::filesystem::current_path(g_home / pszName);
     }
     ~CurrentDirectory() { std::filesystem::current_path(g_home); }
-};
-
-struct Attached {
-    Attached() { EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr))); }
-    ~Attached() { DetachLibrary(); }
 };
 
 class ProbeDialog : public CBaseDialog {
@@ -57,8 +48,53 @@ protected:
     void SetInstallPath(const std::string& strPath) {
         m_hive.SetString(kInstallKey, "VeskaraInstallPath", strPath);
     }
-    void ExpectModuleIsMissed(const std::string& strTried);
-    void ExpectPlantedResources();
+    void ExpectModuleIsMissed(const std::string& strTried) {
+        m_log.Clear();
+        const CurrentDirectory directory;
+        const AttachedLibrary library;
+        EXPECT_EQ(ResourceModule(), nullptr);
+        ASSERT_EQ(m_log.Texts(2).size(), 1U) << m_log.Dump();
+        EXPECT_TRUE(m_log.Texts(2)[0].starts_with("LoadLibrary(" + strTried +
+                                                  ") failed with error code 0x"))
+            << m_log.Dump();
+        m_log.Clear();
+        // Nothing is searched in the host's own resources instead.
+        CString text("before");
+        EXPECT_FALSE(LoadResourceString(1, text));
+        EXPECT_EQ(std::string(text), "before");
+        EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
+        EXPECT_EQ(ProbeDialog(1).DoModal(), -1);
+        EXPECT_TRUE(m_log.Lines().empty()) << "the cause stands at the attach: " << m_log.Dump();
+    }
+    // Every kind of resource comes from the module, and what it lacks is named.
+    void ExpectPlantedResources() {
+        const AttachedLibrary library;
+        EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
+        EXPECT_STREQ(GetErrorString(1), "planted text");
+        const HICON icon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
+        EXPECT_NE(icon, nullptr);
+        EXPECT_EQ(LoadResourceIcon(IDI_RULE_SATISFIED, 16), icon);
+        EXPECT_NE(LoadResourceIcon(IDI_RULE_SATISFIED, 32), icon);
+        ProbeDialog dialog(IDD_ENTER_PIN);
+        EXPECT_TRUE(dialog.CreateFromResourceModule(nullptr));
+        EXPECT_NE(dialog.SendDlgItemMessage(IDC_ENTER_PIN_BANNER, STM_GETIMAGE, IMAGE_BITMAP), 0);
+        dialog.DestroyWindow();
+
+        m_log.Clear();
+        CString text("before");
+        EXPECT_FALSE(LoadResourceString(IDS_LAST_PIN_TRY, text));
+        EXPECT_EQ(std::string(text), "before");
+        EXPECT_STREQ(GetErrorString(2), "");
+        EXPECT_EQ(LoadResourceIcon(IDI_CARD_PIN, 16), nullptr);
+        EXPECT_EQ(ProbeDialog(IDD_POLICIES).DoModal(), -1);
+        EXPECT_FALSE(ProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
+        std::vector<std::string> expected;
+        for (const char* missing : {"String 3073", "String 3060", "Icon 3012",
+                                    "Dialog template 3011", "Dialog template 3002"}) {
+            expected.push_back(std::string(missing) + " is missing from the resource module");
+        }
+        EXPECT_EQ(m_log.Texts(1), expected) << m_log.Dump();
+    }
 
     RegistryHive m_hive;
     LogRecorder m_log;
@@ -66,7 +102,7 @@ protected:
 
 TEST_F(Attach, FindsTheModuleBelowTheCurrentDirectory) {
     {
-        const Attached library;
+        const AttachedLibrary library;
         EXPECT_NE(ResourceModule(), nullptr);
         EXPECT_TRUE(m_log.Lines().empty()) << m_log.Dump();
         EXPECT_TRUE(IsProgressBarClassKnown());
@@ -79,34 +115,15 @@ TEST_F(Attach, FallsBackToTheInstallPathAndThenToTheLoaderItself) {
     const CurrentDirectory directory;
     {
         // The loader finds the relative path beside the program.
-        const Attached library;
+        const AttachedLibrary library;
         EXPECT_NE(ResourceModule(), nullptr);
         EXPECT_TRUE(m_log.Contains(2, "Warning : RegOpenKeyEx returns 2")) << m_log.Dump();
     }
     SetInstallPath(g_home.string() + "\\");
     m_log.Clear();
-    const Attached library;
+    const AttachedLibrary library;
     EXPECT_NE(ResourceModule(), nullptr);
     EXPECT_TRUE(m_log.Texts(1).empty() && m_log.Texts(2).empty()) << m_log.Dump();
-}
-
-void Attach::ExpectModuleIsMissed(const std::string& strTried) {
-    m_log.Clear();
-    const CurrentDirectory directory;
-    const Attached library;
-    EXPECT_EQ(ResourceModule(), nullptr);
-    ASSERT_EQ(m_log.Texts(2).size(), 1U) << m_log.Dump();
-    EXPECT_TRUE(
-        m_log.Texts(2)[0].starts_with("LoadLibrary(" + strTried + ") failed with error code 0x"))
-        << m_log.Dump();
-    m_log.Clear();
-    // Nothing is searched in the host's own resources instead.
-    CString text("before");
-    EXPECT_FALSE(LoadResourceString(1, text));
-    EXPECT_EQ(std::string(text), "before");
-    EXPECT_EQ(LoadResourceIcon(1, 16), nullptr);
-    EXPECT_EQ(ProbeDialog(1).DoModal(), -1);
-    EXPECT_TRUE(m_log.Lines().empty()) << "the cause stands at the attach: " << m_log.Dump();
 }
 
 TEST_F(Attach, LivesWithoutTheModule) {
@@ -121,36 +138,6 @@ TEST_F(Attach, LivesWithoutTheModule) {
     ExpectModuleIsMissed(full);
     m_hive.SetUnterminated(kInstallKey, "VeskaraInstallPath", full + 'x');
     ExpectModuleIsMissed(full);
-}
-
-// Every kind of resource comes from the module, and what it lacks is named.
-void Attach::ExpectPlantedResources() {
-    const Attached library;
-    EXPECT_EQ(std::string(ResourceString(IDS_ERROR_GENERAL)), "planted text");
-    EXPECT_STREQ(GetErrorString(1), "planted text");
-    const HICON icon = LoadResourceIcon(IDI_RULE_SATISFIED, 16);
-    EXPECT_NE(icon, nullptr);
-    EXPECT_EQ(LoadResourceIcon(IDI_RULE_SATISFIED, 16), icon);
-    EXPECT_NE(LoadResourceIcon(IDI_RULE_SATISFIED, 32), icon);
-    ProbeDialog dialog(IDD_ENTER_PIN);
-    EXPECT_TRUE(dialog.CreateFromResourceModule(nullptr));
-    EXPECT_NE(dialog.SendDlgItemMessage(IDC_ENTER_PIN_BANNER, STM_GETIMAGE, IMAGE_BITMAP), 0);
-    dialog.DestroyWindow();
-
-    m_log.Clear();
-    CString text("before");
-    EXPECT_FALSE(LoadResourceString(IDS_LAST_PIN_TRY, text));
-    EXPECT_EQ(std::string(text), "before");
-    EXPECT_STREQ(GetErrorString(2), "");
-    EXPECT_EQ(LoadResourceIcon(IDI_CARD_PIN, 16), nullptr);
-    EXPECT_EQ(ProbeDialog(IDD_POLICIES).DoModal(), -1);
-    EXPECT_FALSE(ProbeDialog(IDD_CHANGE_PIN_PANEL).CreateFromResourceModule(nullptr));
-    std::vector<std::string> expected;
-    for (const char* missing : {"String 3073", "String 3060", "Icon 3012", "Dialog template 3011",
-                                "Dialog template 3002"}) {
-        expected.push_back(std::string(missing) + " is missing from the resource module");
-    }
-    EXPECT_EQ(m_log.Texts(1), expected) << m_log.Dump();
 }
 
 TEST_F(Attach, RunsNothingOfTheModule) {
@@ -186,7 +173,7 @@ TEST_F(Attach, KeepsItsOrder) {
                 steps += ResourceModule() != nullptr ? "module " : "";
             },
             nullptr);
-        const Attached library;
+        const AttachedLibrary library;
         RecordLogTo(nullptr, nullptr);
     }
     EXPECT_EQ(steps, "class ");
@@ -209,7 +196,7 @@ TEST_F(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     window.SubclassWindow(
         CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
     {
-        const Attached library;
+        const AttachedLibrary library;
         SendMessageA(window.m_hWnd, WM_APP, 0, 0);
     }
     SendMessageA(window.m_hWnd, WM_APP, 0, 0);
@@ -219,7 +206,7 @@ TEST_F(Attach, LogsWhatTheFrameworkStopsAndTellsTheHostsReporter) {
     // One that was set after the library's stays when the library goes.
     const AFX_EXCEPTION_REPORTER laterFunction = [](UINT) {};
     {
-        const Attached library;
+        const AttachedLibrary library;
         AfxSetExceptionReporter(laterFunction);
     }
     EXPECT_EQ(AfxSetExceptionReporter(oldFunction), laterFunction);

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "support/dialog_driver.h"
-#include "support/resource_counts.h"
 #include "ui/framework/form.h"
 
 namespace mvp::test {
@@ -282,30 +281,6 @@ TEST_F(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
     }
 }
 
-TEST_F(DialogTest, CreationStepMayTryAgainWithoutTheParent) {
-    struct Stubborn : FormDlg {
-        using FormDlg::FormDlg;
-        BOOL CreateModalWindow(LPCDLGTEMPLATE lpDialogTemplate, ModalParent& parent,
-                               HINSTANCE hInst) override {
-            EXPECT_TRUE(parent.bReenable);
-            ModalParent gone = {reinterpret_cast<HWND>(LONG_PTR{0xDEAD}), FALSE};
-            if (FormDlg::CreateModalWindow(lpDialogTemplate, gone, hInst)) {
-                return TRUE;
-            }
-            EXPECT_NE(m_nFlags & WF_CONTINUEMODAL, 0u);  // it could not be made
-            parent = {nullptr, FALSE};
-            return FormDlg::CreateModalWindow(lpDialogTemplate, parent, hInst);
-        }
-    };
-    Stubborn dlg(&m_host);
-    DialogDriver driver([](Dialog& dialog) {
-        EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), nullptr);
-        dialog.Click(IDOK);
-    });
-    EXPECT_EQ(dlg.DoModal(), IDOK);
-    EXPECT_FALSE(m_host.IsWindowEnabled());
-}
-
 TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     constexpr DWORD plain = WS_POPUP | WS_CAPTION | DS_SETFONT;
     // Where it stands after SetWindowPos(..., nFlags) in its initialisation.
@@ -331,18 +306,6 @@ TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     EXPECT_EQ(place(plain, {}, SWP_NOSIZE).TopLeft(), CPoint(0, 0));
     EXPECT_EQ(place(plain, {5, 6, 0, 0}, SWP_NOSIZE).TopLeft(), CPoint(5, 6));
     EXPECT_EQ(place(plain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE).TopLeft(), CPoint(0, 0));
-}
-
-TEST_F(DialogTest, ThousandDialogsLeaveNothing) {
-    ExpectRoundsKeepNothing(20, 1000, [this](int) {
-        FormDlg dlg(&m_host);
-        CWnd edit;
-        dlg.m_onInit = [&] {
-            edit.SubclassDlgItem(kFormEdit, &dlg);
-            dlg.PostMessage(WM_COMMAND, IDOK);
-        };
-        EXPECT_EQ(dlg.DoModal(), IDOK);
-    });
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -278,23 +279,18 @@ TEST_F(VkEvtSub, BoundsTheEventsThatWait) {
 // A subscriber that notices when it is called after its end.
 class Mortal : public VKDelegateSubscriber {
 public:
-    Mortal(unsigned nSeed, UiThread& window) : m_random(nSeed), m_window(window) {
-        Subscribe(VKEVENT_CARD_REMOVED);
-    }
+    explicit Mortal(UiThread& window) : m_window(window) { Subscribe(VKEVENT_CARD_REMOVED); }
     ~Mortal() override {
         UnSubscribe();
         m_nAlive = 0;
     }
     void HandleEvent(const VKEvent&) override {
         s_nCallsOfDead += m_nAlive != kAlive;
-        ++s_nCalls;
-        const unsigned what = m_random() % 8;
-        if (what == 0) {
+        const int call = ++s_nCalls % 8;
+        if (call == 0) {
             UnSubscribe();
-        } else if (what == 1) {
+        } else if (call == 1) {
             m_window.Run([] {}, kDeadline);
-        } else if (what == 2) {
-            Sleep(0);
         }
         s_nCallsOfDead += m_nAlive != kAlive;
     }
@@ -304,52 +300,42 @@ public:
 
 private:
     static constexpr unsigned kAlive = 0xA11FE;
-    std::mt19937 m_random;
     UiThread& m_window;
     volatile unsigned m_nAlive = kAlive;
 };
 
-void ServeMessages() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        DispatchMessageA(&message);
-    }
-}
-
-void LiveAndDie(unsigned nSeed, UiThread& window) {
-    std::mt19937 random(nSeed);
-    std::vector<std::unique_ptr<Mortal>> mortals(6);
-    for (int i = 0; i < 3000; ++i) {
-        auto& place = mortals[random() % mortals.size()];
-        const unsigned what = random() % 3;
-        if (what == 2) {
-            VKRaiseEvent(VKEVENT_CARD_REMOVED, "A");
-        } else {
-            place = what == 0 ? std::make_unique<Mortal>(random(), window) : nullptr;
-        }
-        ServeMessages();
-    }
-}
-
 TEST_F(VkEvtSub, SurvivesARaceOfDeletionsAndEvents) {
-    constexpr unsigned kSeed = 4711;
-    std::atomic<int> running{3};
+    std::atomic<int> running{4};
+    const auto serve = [] {
+        MSG message;
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageA(&message);
+        }
+    };
+    const auto liveAndDie = [&](unsigned nSeed) {
+        std::mt19937 random(nSeed);
+        std::vector<std::unique_ptr<Mortal>> mortals(6);
+        for (int i = 0; i < 3000; ++i) {
+            auto& place = mortals[random() % mortals.size()];
+            const unsigned what = random() % 3;
+            if (what == 2) {
+                VKRaiseEvent(VKEVENT_CARD_REMOVED, "A");
+            } else {
+                place = what == 0 ? std::make_unique<Mortal>(m_window) : nullptr;
+            }
+            serve();
+        }
+        mortals.clear();
+        --running;
+    };
     std::vector<std::thread> threads;
-    for (unsigned i = 1; i <= 3; ++i) {
-        threads.emplace_back([&, i] {
-            LiveAndDie(kSeed + i, m_window);
-            --running;
-        });
+    for (unsigned seed = 4712; seed < 4715; ++seed) {
+        threads.emplace_back(liveAndDie, seed);
     }
-    LiveAndDie(kSeed, m_window);
-    EXPECT_TRUE(WaitFor(std::chrono::seconds(100), [&] {
-        ServeMessages();
-        return running == 0;
-    }));
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(Mortal::s_nCallsOfDead, 0) << "seed " << kSeed;
+    liveAndDie(4711);
+    EXPECT_TRUE(WaitFor(std::chrono::seconds(100), [&] { return serve(), running == 0; }));
+    std::ranges::for_each(threads, &std::thread::join);
+    EXPECT_EQ(Mortal::s_nCallsOfDead, 0);
     EXPECT_GT(Mortal::s_nCalls, 1000);
 }
 

@@ -2,21 +2,20 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <fstream>
-#include <map>
-#include <memory>
 #include <regex>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <gmock/gmock.h>
+
 #include "real_module.h"
 #include "support/patched_imports.h"
 #include "support/registry_hive.h"
-#include "ui/support/child_process.h"
 
 namespace mvp::test {
 namespace {
@@ -215,65 +214,37 @@ TEST_F(VkLog, ToleratesNullsAndCutsLongTexts) {
     EXPECT_EQ(lines, (Strings{"(null) error: x", "TAG error: (null)", "TAG error: two\\nlines"}));
 }
 
-void WriteNumbered(const Log& log, unsigned nWriter, int nLines) {
-    for (int i = 0; i < nLines; ++i) {
-        log.pLog("TAG", VKLOG_ERROR, "%u %d %s", nWriter, i, std::string(300, '.').c_str());
+// Through two copies of the module, which know of each other as little as two processes do.
+TEST_F(VkLog, CopiesAndThreadsDoNotMixTheirLines) {
+    constexpr int kLinesEach = 1000;
+    CopyFileA(R"(..\bin\vklog.dll)", "vklog_copy.dll", FALSE);
+    {
+        const std::array<RealModule, 2> modules = {RealModule("vklog"),
+                                                   RealModule(R"(..\testbin\vklog_copy)")};
+        std::vector<std::thread> writers;
+        for (const RealModule& module : modules) {
+            module.Get<decltype(vklogSetOutput)>("vklogSetOutput")(m_strFile.c_str(), kAllLevels);
+        }
+        for (std::size_t writer = 0; writer < 6; ++writer) {
+            auto* const log = modules[writer % 2].Get<decltype(vklogLog)>("vklogLog");
+            writers.emplace_back([=] {
+                for (int i = 0; i < kLinesEach; ++i) {
+                    log("TAG", VKLOG_ERROR, "%zu %d %0300d", writer, i, 0);
+                }
+            });
+        }
+        std::ranges::for_each(writers, &std::thread::join);
     }
-}
-
-// Every writer's lines are there, whole and in order.
-void ExpectAllLines(const Strings& lines, std::size_t nWriters, int nLinesEach) {
-    std::map<unsigned, int> next;
-    for (const std::string& line : lines) {
-        unsigned writer = 0;
+    DeleteFileA("vklog_copy.dll");
+    // Every writer's lines are there, whole and in order.
+    std::array<int, 6> next{};
+    for (const std::string& line : Lines()) {
+        std::size_t writer = 0;
         int number = -1;
         std::istringstream(line.substr(line.find(':') + 1)) >> writer >> number;
-        EXPECT_EQ(number, next[writer]++) << writer;
+        EXPECT_EQ(number, next.at(writer)++) << writer;
     }
-    EXPECT_EQ(next.size(), nWriters);
-    for (const auto& [writer, count] : next) {
-        EXPECT_EQ(count, nLinesEach) << writer;
-    }
-}
-
-constexpr char kReady[] = "VeskaraLogTestReady";
-constexpr char kGo[] = "VeskaraLogTestGo";
-constexpr int kLinesOfAThread = 1000;
-
-// What the processes of the next test run.
-TEST(VkLogProcess, DISABLED_Writes) {
-    const Log log;
-    log.pSetOutput(std::getenv("VKLOG_TEST_FILE"), kAllLevels);
-    const KernelHandle ready(OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kReady));
-    const KernelHandle go(OpenEventA(SYNCHRONIZE, FALSE, kGo));
-    ReleaseSemaphore(ready.get(), 1, nullptr);
-    ASSERT_EQ(WaitForSingleObject(go.get(), 60000), WAIT_OBJECT_0);
-    std::vector<std::thread> threads;
-    for (unsigned writer = GetCurrentProcessId() * 10; threads.size() < 3; ++writer) {
-        threads.emplace_back([&, writer] { WriteNumbered(log, writer, kLinesOfAThread); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}
-
-TEST_F(VkLog, ProcessesAndThreadsDoNotMixTheirLines) {
-    const KernelHandle ready(CreateSemaphoreA(nullptr, 0, 10, kReady));
-    const KernelHandle go(CreateEventA(nullptr, TRUE, FALSE, kGo));
-    SetEnvironmentVariableA("VKLOG_TEST_FILE", m_strFile.c_str());
-    std::array<std::unique_ptr<DisabledTest>, 3> writers;
-    for (auto& writer : writers) {
-        writer = std::make_unique<DisabledTest>("VkLogProcess.DISABLED_Writes");
-    }
-    for (std::size_t i = 0; i < writers.size(); ++i) {
-        EXPECT_EQ(WaitForSingleObject(ready.get(), 60000), WAIT_OBJECT_0);
-    }
-    SetEvent(go.get());
-    for (const auto& writer : writers) {
-        const ChildResult result = writer->Wait();
-        EXPECT_EQ(result.dwExitCode, 0U) << result.strOutput;
-    }
-    ExpectAllLines(Lines(), 9, kLinesOfAThread);
+    EXPECT_THAT(next, testing::Each(kLinesEach));
 }
 
 }  // namespace

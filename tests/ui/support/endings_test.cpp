@@ -47,7 +47,7 @@ TEST(Endings, TellWhatWentWrong) {
         // What has been reported is not reported again, nor does the dialog's result fail.
         EXPECT_EQ(result.strOutput.find("dialog driver") != std::string::npos,
                   ending.dwExitCode == 3);
-        EXPECT_EQ(result.strOutput.find("DoModal"), std::string::npos);
+        EXPECT_EQ(result.strOutput.find("Ask()"), std::string::npos);
     }
 }
 

@@ -32,14 +32,13 @@ TEST(MemoryScan, FindsAPlantedTextWhereverItIs) {
             EXPECT_EQ(hits[0].address, reinterpret_cast<ULONG_PTR>(places[i]));
             EXPECT_EQ(hits[0].nCount, Secret::kLength);
             EXPECT_EQ(hits[0].bWide, wide);
-            EXPECT_FALSE(hits[0].bFreed);
-            EXPECT_EQ(hits[0].place == MemoryHit::Place::Heap, i < 3) << hits[0];
+            EXPECT_EQ(hits[0].bInUse, i < 3) << hits[0];
         }
     }
     secret.CopyTo(other);
     HeapFree(GetProcessHeap(), 0, other);
     for (const MemoryHit& hit : ScanOwnMemory(secret)) {
-        EXPECT_TRUE(hit.bFreed) << hit;
+        EXPECT_FALSE(hit.bInUse) << hit;
     }
     HeapFree(runtimeHeap, 0, little);
     HeapFree(runtimeHeap, 0, large);

@@ -50,7 +50,7 @@ std::string Produce(std::map<std::string, std::string> sections) {
     EXPECT_TRUE(test.text.SetStyleSheet(
         sheet == "builtin" ? std::nullopt : std::optional<std::string_view>(sheet)));
     const std::string markup = WithoutLastLineFeed(sections["markup"]);
-    test.LayOut(markup, std::atoi(sections["width"].c_str()));
+    test.LayOut(markup, std::stoi(sections["width"]));
     sections["events"] = DumpMarkup(markup);
     sections["styles"] = DumpStyles(test.text.Document());
     sections["layout"] = DumpLayout(test.text.Document(), test.text.Boxes());

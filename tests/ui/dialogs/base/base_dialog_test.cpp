@@ -64,7 +64,7 @@ TEST_F(BaseDialog, StandsWhereItIsTold) {
     for (const RECT* position : {&place, &origin, static_cast<const RECT*>(nullptr)}) {
         m_log.Clear();
         ProbeDialog(0, position).Show([&](Dialog& d) {
-            const CRect rect(d.ScreenRect());
+            const CRect rect = RectIn(nullptr, d.Handle());
             // Told nothing, it stands in the middle.
             const CPoint expected =
                 position != nullptr

@@ -16,13 +16,6 @@
 namespace mvp::test {
 namespace {
 
-// The calling thread's view of the keyboard: nothing but Caps Lock.
-void SetCapsLock(bool bToggled, bool bHeld = false) {
-    BYTE keys[256] = {};
-    keys[VK_CAPITAL] = static_cast<BYTE>((bToggled ? 0x01 : 0) | (bHeld ? 0x80 : 0));
-    SetKeyboardState(keys);
-}
-
 // The edit in a host's window, whose button has the focus.
 class TestEdit : public CCapsLockSensitiveEdit {
 public:

@@ -11,24 +11,15 @@ namespace {
 constexpr int kHeading = 7;
 constexpr int kButton = 8;
 
-class SharedPieces : public LibraryTest {
+class SharedPieces : public testing::Test {
 protected:
     SharedPieces() {
         m_dialog.CreateEx(0, "STATIC", "", WS_POPUP, 10, 20, 300, 200, nullptr, nullptr);
-        Add(kHeading, "STATIC");
-        Add(kButton, "BUTTON");
-    }
-
-    void Add(int nId, const char* pszClass) {
-        CreateWindowExA(0, pszClass, "", WS_CHILD, 30, 40, 50, 25, m_dialog.m_hWnd,
-                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(nId)), nullptr, nullptr);
-    }
-
-    LOGFONTA FontOf(int nId) {
-        LOGFONTA font{};
-        const LRESULT fontHandle = m_dialog.SendDlgItemMessage(nId, WM_GETFONT);
-        GetObjectA(reinterpret_cast<HFONT>(fontHandle), sizeof font, &font);
-        return font;
+        for (const int id : {kHeading, kButton}) {
+            CreateWindowExA(0, id == kHeading ? "STATIC" : "BUTTON", "", WS_CHILD, 30, 40, 50, 25,
+                            m_dialog.m_hWnd, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                            nullptr, nullptr);
+        }
     }
 
     CWnd m_dialog;
@@ -41,7 +32,9 @@ TEST_F(SharedPieces, HeadingIsItsOwnFontInBold) {
     m_dialog.SendDlgItemMessage(kHeading, WM_SETFONT, reinterpret_cast<WPARAM>(own.get()), 0);
     const Font bold = MakeHeadingBold(m_dialog, kHeading);
     ASSERT_TRUE(bold);
-    const LOGFONTA font = FontOf(kHeading);
+    LOGFONTA font{};
+    GetObjectA(reinterpret_cast<HFONT>(m_dialog.SendDlgItemMessage(kHeading, WM_GETFONT)),
+               sizeof font, &font);
     EXPECT_EQ(font.lfHeight, -17);
     EXPECT_EQ(font.lfWidth, 0);
     EXPECT_EQ(font.lfWeight, 700);

@@ -268,24 +268,20 @@ TEST_F(ChangePin, MandatoryChangeEndsByOkOrRemovalOnly) {
 }
 
 TEST_F(ChangePin, NullOutArgumentsAreRefusedBeforeAnythingShows) {
-    const struct {
-        void (*leaveOut)(ChangePinRequest& request);
-        bool bAskCurrentPin;
-        std::string strArgument;
-    } cases[] = {
-        {[](ChangePinRequest& r) { r.newPin.pszText = nullptr; }, false, "pszNewPin"},
-        {[](ChangePinRequest& r) { r.newPin.pcbText = nullptr; }, true, "pcbNewPin"},
-        {[](ChangePinRequest& r) { r.oldPin.pszText = nullptr; }, true, "pszOldPin"},
-        {[](ChangePinRequest& r) { r.oldPin.pcbText = nullptr; }, true, "pcbOldPin"},
-    };
-    for (const auto& c : cases) {
+    for (const std::string argument : {"pszNewPin", "pcbNewPin", "pszOldPin", "pcbOldPin"}) {
         m_log.Clear();
-        ChangePinRequest request{.bShowLastTry = 1, .bAskCurrentPin = c.bAskCurrentPin};
-        c.leaveOut(request);
+        // The new PIN's are needed whatever is asked for.
+        ChangePinRequest request{.bShowLastTry = 1, .bAskCurrentPin = argument != "pszNewPin"};
+        ChangePinRequest::Output& output = argument[3] == 'N' ? request.newPin : request.oldPin;
+        if (argument[1] == 's') {
+            output.pszText = nullptr;
+        } else {
+            output.pcbText = nullptr;
+        }
         EXPECT_EQ(request.Ask(), kRefused);
         EXPECT_TRUE(m_boxes.Calls().empty());
-        EXPECT_EQ(LogShape(), "GetChangePINInfoFromUser{1 GetChangePINInfoFromUser: " +
-                                  c.strArgument + " == NULL; } ");
+        EXPECT_EQ(LogShape(), "GetChangePINInfoFromUser{1 GetChangePINInfoFromUser: " + argument +
+                                  " == NULL; } ");
     }
 }
 

@@ -36,8 +36,8 @@ std::string Shown() {
             shown += d.IsVisible(id) ? "BSbs"[shown.size()] : '-';
         }
         if (d.IsVisible(IDC_ENTER_PIN_BRAND_BANNER)) {
-            EXPECT_EQ(CRect(d.Rect(IDC_ENTER_PIN_BRAND_BANNER)).Size(),
-                      CRect(d.Rect(IDC_ENTER_PIN_BANNER)).Size());
+            EXPECT_EQ(RectIn(nullptr, d.Control(IDC_ENTER_PIN_BRAND_BANNER)).Size(),
+                      RectIn(nullptr, d.Control(IDC_ENTER_PIN_BANNER)).Size());
         }
         d.Escape();
     });
@@ -95,7 +95,7 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     }
     m_hive.SetUnterminated(kKey, "BannerHiRes", std::string(260, 'u'));
     expectIgnored("BannerHiRes", kNoFile);
-    m_hive.DeleteValue(kKey, "BannerHiRes");
+    m_hive.DeleteKey(kKey);
     for (const DWORD noText : {0x41424344U, 0U, 256U}) {
         m_hive.SetDword(kKey, "ProgressBarHiRes", noText);
         expectIgnored("ProgressBarHiRes", "the value is not a text");
@@ -122,7 +122,7 @@ TEST_F(Branding, PicturesOfTheScreensResolutionReplaceThem) {
         EXPECT_EQ(Shown(), "-Sb-");
         m_hive.SetString(kKey, "ProgressBar" + resolution, little);
         EXPECT_EQ(Shown(), "--bs");
-        m_hive.DeleteValue(kKey, "Banner" + resolution);
+        m_hive.SetString(kKey, "Banner" + resolution, "");
         EXPECT_EQ(Shown(), "B--s");
         m_hive.DeleteKey(kKey);
     }

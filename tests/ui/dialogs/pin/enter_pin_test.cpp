@@ -2,6 +2,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
 #include <functional>
 #include <future>
 #include <regex>
@@ -11,9 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "services/help_topic.h"
-#include "support/caps_lock.h"
 #include "support/patched_imports.h"
-#include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/dialogs/pin/pin_requests.h"
 
@@ -77,21 +76,18 @@ TEST_F(EnterPin, OpensOnTopAndHelps) {
 }
 
 TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
-    const auto isAllowed = [](int length) { return length >= 4 && length <= 8; };
     const auto typeAndDelete = [&](Dialog& d) {
         EXPECT_FALSE(d.IsEnabled(IDOK));
-        for (int length = 1; length <= 9; ++length) {
-            d.Type(IDC_ENTER_PIN_EDIT, "\xE9");
-            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(length)) << length;
+        for (int step = 1; step <= 18; ++step) {
+            step <= 9 ? d.Type(IDC_ENTER_PIN_EDIT, "\xE9") : d.Press(VK_BACK);
+            const int length = std::min(step, 18 - step);
+            const bool allowed = length >= 4 && length <= 8;
+            EXPECT_EQ(d.IsEnabled(IDOK), allowed) << length;
             // The command comes without the button, and is refused all the same.
-            if (!isAllowed(length)) {
+            if (!allowed) {
                 SendCommand(d, IDOK);
             }
             ASSERT_TRUE(d.IsOpen()) << length;
-        }
-        for (int length = 8; length >= 0; --length) {
-            d.Press(VK_BACK);
-            EXPECT_EQ(d.IsEnabled(IDOK), isAllowed(length)) << length;
         }
         d.Paste(IDC_ENTER_PIN_EDIT, "12345");
         EXPECT_TRUE(d.IsEnabled(IDOK));
@@ -136,10 +132,13 @@ BOOL WINAPI TellOldSystem(OSVERSIONINFOA* pVersion) {
 
 TEST_F(EnterPin, WhatMovesTakesItsWarningDown) {
     const PatchedImports oldSystem(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
-    const CapsLock capsLock(true);
     const std::string classes[] = {"CEnterPinDlg", "CChangePINDialogMain", "CChangePINDialog"};
     for (const std::string& moved : classes) {
         const auto move = [&](Dialog& d) {
+            d.Run([&] {
+                SetCapsLock(true);
+                d.Send(d.FocusedId(), WM_KEYUP, VK_CAPITAL);
+            });
             HWND balloon = nullptr;
             d.WaitUntil("the warning shows", [&] {
                 balloon = FindWindowA(TOOLTIPS_CLASSA, nullptr);
@@ -157,6 +156,7 @@ TEST_F(EnterPin, WhatMovesTakesItsWarningDown) {
         };
         moved == classes[0] ? PinRequest().Ask(move) : ChangePinRequest().Ask(move);
     }
+    SetCapsLock(false);
 }
 
 TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {
@@ -306,16 +306,9 @@ TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
             EXPECT_TRUE(IsWindowEnabled(hParent));
         }
     };
-    WithForeignParent(expectGivenBack);
-    const HWND own = MakeParent();
-    expectGivenBack(own);
-    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(own); }); };
-    EXPECT_EQ(PinRequest{.hParent = own}.Ask(destroyOwn), kRefused);
-}
-
-// The system destroys owned windows of the same thread only; the dialog of another goes on without.
-TEST_F(EnterPin, ParentOfAnotherThreadMayGoMeanwhile) {
-    WithForeignParent([](HWND hParent) {
+    WithForeignParent([&](HWND hParent) {
+        expectGivenBack(hParent);
+        // The system destroys owned windows of the same thread only: the dialog goes on without.
         const auto destroy = [&](Dialog& d) {
             SendMessageA(hParent, WM_CLOSE, 0, 0);
             EXPECT_FALSE(IsWindow(hParent));
@@ -323,6 +316,10 @@ TEST_F(EnterPin, ParentOfAnotherThreadMayGoMeanwhile) {
         };
         EXPECT_EQ(PinRequest{.hParent = hParent}.Ask(destroy), "1234");
     });
+    const HWND own = MakeParent();
+    expectGivenBack(own);
+    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(own); }); };
+    EXPECT_EQ(PinRequest{.hParent = own}.Ask(destroyOwn), kRefused);
 }
 
 HWND g_hRefused = nullptr;

@@ -62,12 +62,12 @@ TEST(Scrubbing, ReachesTheEndOfALongText) {
                                 20, nullptr, nullptr, nullptr, nullptr);
     SetWindowTextA(edit, std::string(600, 'x').c_str());
     SendMessageA(edit, EM_SETSEL, 600, 600);
-    for (size_t i = 0; i < Secret::size(); ++i) {
+    for (size_t i = 0; i < Secret::kLength; ++i) {
         SendMessageA(edit, WM_CHAR, static_cast<unsigned char>(pin[i]), 1);
     }
     ScrubEdit(edit);
     for (const MemoryHit& hit : ScanOwnMemory(pin)) {
-        EXPECT_TRUE(hit.place != MemoryHit::Place::Heap || hit.bFreed) << hit;
+        EXPECT_FALSE(hit.bInUse) << hit;
     }
     DestroyWindow(edit);
 }

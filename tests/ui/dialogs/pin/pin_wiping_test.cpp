@@ -1,6 +1,5 @@
 // That nothing of a PIN is left in the memory of the process, be it the library's or the system's,
 // after every ending of a request.
-#include <utility>
 #include <vector>
 
 #include <dlgfw/dlgfw.h>
@@ -62,7 +61,7 @@ void DeleteAndCancel(Dialog& d, const Secret& pin) {
         d.Type(IDC_ENTER_PIN_EDIT, pin);
     }
     // One by one, which is how the control comes to remember all of it.
-    for (size_t i = 0; i < Secret::size(); ++i) {
+    for (size_t i = 0; i < Secret::kLength; ++i) {
         d.Send(IDC_ENTER_PIN_EDIT, WM_CHAR, VK_BACK);
     }
     d.Escape();
@@ -103,9 +102,7 @@ constexpr PwdRuleArgs kLongPins = {0, 0, 1, 1, 4, 64, 0};
 // The function's result. The caller's own copies are the caller's affair.
 std::uint32_t CallAndWipe(ChangePinRequest&& request) {
     const std::uint32_t result = request.CallAlone();
-    for (ChangePinRequest::Output* output : {&request.newPin, &request.oldPin}) {
-        SecureZeroMemory(output->text.data(), output->text.size());
-    }
+    SecureZeroMemory(&request, sizeof request);
     return result;
 }
 
@@ -141,19 +138,16 @@ TEST(Wiping, AfterAChangeOfThePin) {
 }
 
 TEST(Wiping, AfterAnEmbeddedPanel) {
-    const Secret currentPin;
-    const Secret newPin;
-    const SecretWatch watch({&currentPin, &newPin});
+    const Secret pin;
+    const SecretWatch watch({&pin});
     {
         CWnd host;
         host.CreateEx(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 500, 400, nullptr, nullptr);
-        CChangePINDialog panel(0, 0, true, nullptr, &kLongPins, nullptr, &host, 15, 0, 6);
+        CChangePINDialog panel(0, 0, false, nullptr, &kLongPins, nullptr, &host, 15, 0, 6);
         ASSERT_NE(panel.LocCreate(&host), 0);
-        for (const auto& [id, pin] :
-             {std::pair{kCurrent, &currentPin}, {kNew, &newPin}, {kConfirm, &newPin}}) {
-            for (size_t i = 0; i < Secret::size(); ++i) {
-                SendDlgItemMessageA(panel.m_hWnd, id, WM_CHAR, static_cast<WPARAM>((*pin)[i]), 1);
-            }
+        for (size_t i = 0; i < 2 * Secret::kLength; ++i) {
+            SendDlgItemMessageA(panel.m_hWnd, i % 2 == 0 ? kNew : kConfirm, WM_CHAR,
+                                static_cast<WPARAM>(pin[i / 2]), 1);
         }
         EXPECT_EQ(CallAndWipe({.hHost = host.m_hWnd}), MVPINGUI_OK);
         host.DestroyWindow();

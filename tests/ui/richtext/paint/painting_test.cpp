@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -129,7 +131,7 @@ TEST(TextPainting, SpreadsJustifiedLines) {
     }
 }
 
-TEST(Painting, LeavesEverythingOutsideOfTheDirtyRectangleAlone) {
+TEST(Painting, LeavesTheContextAndEverythingOutsideOfTheDirtyRectangleAlone) {
     TestDrawer drawer(
         "<h1>Title</h1><br>Some <b>bold</b> and <a msg=m>linked</a> text that runs over lines.<hr>"
         "<table border=3 bgcolor=silver bgendcolor=blue bgeffect=hgradient><tr><td>one</td><td "
@@ -143,7 +145,16 @@ TEST(Painting, LeavesEverythingOutsideOfTheDirtyRectangleAlone) {
          {RECT{0, 0, 200, 1}, RECT{13, 17, 90, 44}, RECT{50, 60, 51, 120}, RECT{0, 90, 200, 160}}) {
         const Canvas canvas(200, 160);
         FillRect(canvas.Dc(), &part, GetSysColorBrush(COLOR_WINDOW));
+        SetTextColor(canvas.Dc(), 0x123456);
+        SetBkMode(canvas.Dc(), OPAQUE);
+        const HGDIOBJ font = GetCurrentObject(canvas.Dc(), OBJ_FONT);
         drawer.Draw(canvas.Dc(), all, part);
+        EXPECT_EQ(GetTextColor(canvas.Dc()), 0x123456u);
+        EXPECT_EQ(GetBkMode(canvas.Dc()), OPAQUE);
+        EXPECT_EQ(GetCurrentObject(canvas.Dc(), OBJ_FONT), font);
+        RECT clip{};
+        GetClipBox(canvas.Dc(), &clip);
+        EXPECT_TRUE(EqualRect(&clip, &all));
         const auto isWrong = [&](int x, int y) {
             return canvas.At(x, y) != (PtInRect(&part, {x, y}) ? whole.At(x, y) : kUntouched);
         };
@@ -168,30 +179,12 @@ TEST(Painting, ShowsHoverAndFocusOnTheLinkAlone) {
     }
 }
 
-TEST(Painting, KeepsTheContextAsItWas) {
-    const Canvas canvas(100, 50);
-    SetTextColor(canvas.Dc(), 0x123456);
-    SetBkMode(canvas.Dc(), OPAQUE);
-    const HGDIOBJ font = GetCurrentObject(canvas.Dc(), OBJ_FONT);
-    TestDrawer("<h1>x</h1><table border=1 bgeffect=hgradient><tr><td>y</td></tr></table>")
-        .Draw(canvas.Dc(), canvas.Area(), {0, 0, 90, 40});
-    EXPECT_EQ(GetTextColor(canvas.Dc()), 0x123456u);
-    EXPECT_EQ(GetBkMode(canvas.Dc()), OPAQUE);
-    EXPECT_EQ(GetCurrentObject(canvas.Dc(), OBJ_FONT), font);
-    RECT clip{};
-    GetClipBox(canvas.Dc(), &clip);
-    EXPECT_EQ(clip.right, 100);
-}
-
 // What this process computed: other programs on the machine do not count.
 double ProcessSeconds() {
-    FILETIME created{};
-    FILETIME ended{};
-    FILETIME kernel{};
-    FILETIME user{};
-    GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
-    return (kernel.dwHighDateTime + user.dwHighDateTime) * 429.4967296 +
-           (kernel.dwLowDateTime + user.dwLowDateTime * 1.0) * 1e-7;
+    std::array<ULONGLONG, 4> times{};  // created, ended, kernel, user
+    auto* const p = reinterpret_cast<FILETIME*>(times.data());
+    GetProcessTimes(GetCurrentProcess(), p, p + 1, p + 2, p + 3);
+    return static_cast<double>(times[2] + times[3]) * 1e-7;
 }
 
 TEST(Painting, GetsOverHostileTexts) {
@@ -217,42 +210,12 @@ TestDrawer Block(const std::string& strEffect) {
         strEffect + "><tr><td></td></tr></table>");
 }
 
-// The system's gradient ends one step short of its end colour.
-void ExpectNear(COLORREF colour, COLORREF wanted, const char* pszWhat) {
-    for (const int shift : {0, 8, 16}) {
-        EXPECT_NEAR(colour >> shift & 0xFF, wanted >> shift & 0xFF, 9) << pszWhat;
-    }
-}
-
-TEST(EffectPainting, GradientsRunFromColourToColour) {
-    constexpr COLORREF kHalf = RGB(128, 0, 128);
-    const struct {
-        const char* pszName;
-        bool bAcross;
-        COLORREF middle, last;
-    } kCases[] = {{"hgradient", true, kHalf, kBlue},   {"vgradient", false, kHalf, kBlue},
-                  {"hcgradient", true, kBlue, kRed},   {"vcgradient", false, kBlue, kRed},
-                  {"3hgradient", true, kGreen, kBlue}, {"3vgradient", false, kGreen, kBlue}};
-    for (const auto& c : kCases) {
-        auto drawer = Block(c.pszName);
-        const Canvas canvas(kBlockWidth, kBlockHeight, drawer);
-        const int lastNumber = (c.bAcross ? kBlockWidth : kBlockHeight) - 1;
-        const auto at = [&](int n, int nOther) {
-            return c.bAcross ? canvas.At(n, nOther) : canvas.At(nOther, n);
-        };
-        EXPECT_EQ(at(0, 5), kRed) << c.pszName;
-        ExpectNear(at((lastNumber + 1) / 2, 5), c.middle, c.pszName);
-        ExpectNear(at(lastNumber, 5), c.last, c.pszName);
-        for (const int n : {0, 20, lastNumber}) {
-            EXPECT_EQ(at(n, 5), at(n, 60)) << c.pszName << " is the same all along, " << n;
-        }
-    }
-}
-
-TEST(EffectPainting, OtherEffectsAreTheirPixelsInEveryPart) {
-    int effectCode = static_cast<int>(richtext::BackgroundEffect::Noise);
-    for (const char* name : {"noise", "diagshade", "hshade", "vshade", "hbump", "vbump", "softbump",
-                             "hardbump", "metal"}) {
+TEST(EffectPainting, EffectsAreTheirPixelsInEveryPart) {
+    using enum richtext::BackgroundEffect;
+    int effectCode = static_cast<int>(HGradient);
+    for (const char* name :
+         {"hgradient", "vgradient", "hcgradient", "vcgradient", "3hgradient", "3vgradient", "noise",
+          "diagshade", "hshade", "vshade", "hbump", "vbump", "softbump", "hardbump", "metal"}) {
         auto drawer = Block(name);
         const Canvas canvas(kBlockWidth, kBlockHeight);
         for (const RECT& part : {RECT{0, 0, 31, 64}, RECT{31, 0, 96, 17}, RECT{31, 17, 96, 64}}) {
@@ -263,9 +226,14 @@ TEST(EffectPainting, OtherEffectsAreTheirPixelsInEveryPart) {
         richtext::PaintEffect({effect, kRed, kGreen, kBlue, kBlockWidth, kBlockHeight},
                               {0, 0, kBlockWidth, kBlockHeight}, pixels.data(),
                               std::size_t{4} * kBlockWidth);
+        // The system draws the gradients, which end one step short of their end colour.
+        const int tolerance = effect <= VGradient3 ? 9 : 0;
         const auto differs = [&](int x, int y) {
             const std::uint8_t* p = &pixels[4 * static_cast<std::size_t>(y * kBlockWidth + x)];
-            return canvas.At(x, y) != RGB(p[2], p[1], p[0]);
+            const COLORREF colour = canvas.At(x, y);
+            return std::abs(GetRValue(colour) - p[2]) > tolerance ||
+                   std::abs(GetGValue(colour) - p[1]) > tolerance ||
+                   std::abs(GetBValue(colour) - p[0]) > tolerance;
         };
         EXPECT_EQ(canvas.Count(canvas.Area(), differs), 0) << name;
     }
@@ -282,7 +250,7 @@ TEST(EffectPainting, PlainOnesAndHugeOnes) {
                       "<table cellspacing=0 width=32767 height=32767 bgcolor=red bgendcolor=blue "
                       "bgeffect=hgradient><tr><td></td></tr></table>");
     EXPECT_EQ(part.At(0, 63), kRed);
-    ExpectNear(part.At(95, 0), kRed, "the beginning of a very long one");
+    EXPECT_GE(GetRValue(part.At(95, 0)), 250) << "the beginning of a very long one";
 }
 
 }  // namespace

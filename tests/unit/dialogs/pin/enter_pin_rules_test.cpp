@@ -33,7 +33,7 @@ TEST(EnterPinRules, IgnoredPictureHasItsReason) {
         {"C:\\%a%b", true, true, "the file is not a bitmap that can be shown"},
         {"%WINDIR%\\a", true, false,
          "variables in the path are not replaced, and there is no such file"},
-        {"\"C:\\a.bmp\"", true, false, "the path stands in quotation marks"},
+        {R"("C:\a.bmp")", true, false, "the path stands in quotation marks"},
         {"A", false, false, "the value is not a text"},
     };
     for (const auto& c : cases) {
