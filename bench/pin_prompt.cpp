@@ -1,37 +1,25 @@
 // What asking for a PIN costs: from the call until the dialog takes key strokes, a key stroke, and
 // a thousand requests in a row.
 //
-// Baselines: "bare dialog", the system's modal call on the very same template, and "credentials",
-// the system's own dialog for a user name and password. A dialog is ready when it has been shown
-// and its message loop takes a message that was posted after that; it is cancelled at once. A key
-// stroke's baseline is a password edit of the system that nobody listens to.
+// Baselines: "bare dialog" (dialog_ready.h), and "credentials", the system's own dialog for a user
+// name and password. A key stroke's baseline is a password edit of the system that nobody listens
+// to.
 #include <windows.h>
 
 #include <cstdlib>
 
 #include <wincred.h>
 
-#include "bench.h"
+#include "dialog_ready.h"
 #include "mvpingui/mvpingui.h"
-#include "platform/handle.h"
 #include "resources/resource_numbers.h"
 
 namespace {
 
-constexpr UINT kReady = WM_APP + 77;
 constexpr int kKeyStrokes = 50;
 constexpr int kPrompts = 1000;
 
-using Clock = std::chrono::steady_clock;
-Clock::time_point g_ready;
-bool g_bTypeFirst;
 mvp::bench::Comparison g_keyStroke;
-
-bool IsDialog(HWND hWnd) {
-    char className[8] = "";
-    return GetClassNameA(hWnd, className, sizeof className) != 0 && className[0] == '#' &&
-           (GetWindowLongPtrA(hWnd, GWL_STYLE) & WS_CHILD) == 0;
-}
 
 // Types a digit behind the edit's text and deletes it.
 void TypeAndDelete(HWND hEdit) {
@@ -56,27 +44,6 @@ void MeasureKeyStroke(HWND hDialog) {
     DestroyWindow(bare);
 }
 
-LRESULT CALLBACK OnSent(int nCode, WPARAM wParam, LPARAM lParam) {
-    const auto& message = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-    if (nCode == HC_ACTION && message.message == WM_SHOWWINDOW && message.wParam != 0 &&
-        IsDialog(message.hwnd)) {
-        PostMessageA(message.hwnd, kReady, 0, 0);
-    }
-    return CallNextHookEx(nullptr, nCode, wParam, lParam);
-}
-
-LRESULT CALLBACK OnTaken(int nCode, WPARAM wParam, LPARAM lParam) {
-    const auto& message = *reinterpret_cast<const MSG*>(lParam);
-    if (nCode == HC_ACTION && wParam == PM_REMOVE && message.message == kReady) {
-        g_ready = Clock::now();
-        if (g_bTypeFirst) {
-            MeasureKeyStroke(message.hwnd);
-        }
-        PostMessageA(message.hwnd, WM_COMMAND, IDCANCEL, 0);
-    }
-    return CallNextHookEx(nullptr, nCode, wParam, lParam);
-}
-
 void Ask() {
     char* pin = nullptr;
     uint32_t pinSize = 0;
@@ -84,21 +51,8 @@ void Ask() {
     FreeGetPinBuffer(pin, pinSize);
 }
 
-INT_PTR CALLBACK BareProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM) {
-    if (message == WM_INITDIALOG) {
-        ShowWindow(hWnd, SW_SHOW);
-    }
-    if (message == WM_COMMAND && wParam == IDCANCEL) {
-        EndDialog(hWnd, IDCANCEL);
-    }
-    return message == WM_INITDIALOG ? TRUE : FALSE;
-}
-
 void AskBare() {
-    static const mvp::ModuleHandle texts(
-        LoadLibraryExA(R"(.\Resources\Localized\mvpinguirc.dll)", nullptr,
-                       LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
-    DialogBoxParamA(texts.get(), MAKEINTRESOURCEA(IDD_ENTER_PIN), nullptr, BareProc, 0);
+    mvp::bench::DialogReady::RunBare(IDD_ENTER_PIN);
 }
 
 void AskCredentials() {
@@ -112,22 +66,6 @@ void AskCredentials() {
                                 password, CREDUI_MAX_PASSWORD_LENGTH, nullptr,
                                 CREDUI_FLAGS_GENERIC_CREDENTIALS | CREDUI_FLAGS_ALWAYS_SHOW_UI |
                                     CREDUI_FLAGS_DO_NOT_PERSIST);
-}
-
-// Nanoseconds from the call to the ready dialog.
-double TimeToReady(void (*pAsk)()) {
-    const Clock::time_point start = Clock::now();
-    pAsk();
-    return std::chrono::duration<double, std::nano>(g_ready - start).count();
-}
-
-mvp::bench::Comparison CompareReady(void (*pBaseline)()) {
-    mvp::bench::Comparison result;
-    for (int round = 0; round < mvp::bench::kRounds * 2; ++round) {
-        result.baseline = std::min(result.baseline, TimeToReady(pBaseline));
-        result.value = std::min(result.value, TimeToReady(&Ask));
-    }
-    return result;
 }
 
 std::size_t PrivateBytes() {
@@ -151,23 +89,19 @@ void PrintCounts(const char* pszWhen) {
 
 int main() {
     InitGUIDll();
-    const DWORD thread = GetCurrentThreadId();
-    HHOOK sent = SetWindowsHookExA(WH_CALLWNDPROCRET, OnSent, nullptr, thread);
-    HHOOK taken = SetWindowsHookExA(WH_GETMESSAGE, OnTaken, nullptr, thread);
-    if (sent == nullptr || taken == nullptr) {
+    const mvp::bench::DialogReady ready;
+    if (!ready.IsWatching()) {
         return EXIT_FAILURE;
     }
-    mvp::bench::Print("call to ready", "bare dialog", CompareReady(&AskBare));
-    mvp::bench::Print("call to ready", "credentials", CompareReady(&AskCredentials));
-    g_bTypeFirst = true;
+    mvp::bench::Print("call to ready", "bare dialog", ready.Compare(Ask, AskBare));
+    mvp::bench::Print("call to ready", "credentials", ready.Compare(Ask, AskCredentials));
+    ready.whenReady = MeasureKeyStroke;
     Ask();
-    g_bTypeFirst = false;
+    ready.whenReady = nullptr;
     mvp::bench::Print("two key strokes until OK is right", "the same in a bare edit", g_keyStroke);
     PrintCounts("before the requests");
     for (int i = 0; i < kPrompts; ++i) {
         Ask();
     }
     PrintCounts("after 1,000 requests");
-    UnhookWindowsHookEx(taken);
-    UnhookWindowsHookEx(sent);
 }

@@ -1,0 +1,128 @@
+// From a call until its modal dialog takes key strokes.
+//
+// A dialog is ready when it has been shown and its message loop takes a message that was posted
+// after that; it is cancelled at once. What it posts to itself while it opens comes before. The
+// baseline is the system's modal call on the very same template, with its panel made from a posted
+// message as the library's dialogs do.
+#pragma once
+
+#include <windows.h>
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+
+#include "bench.h"
+#include "platform/handle.h"
+
+namespace mvp::bench {
+
+class DialogReady {
+public:
+    DialogReady() {
+        const DWORD thread = GetCurrentThreadId();
+        m_sent = SetWindowsHookExA(WH_CALLWNDPROCRET, OnSent, nullptr, thread);
+        m_taken = SetWindowsHookExA(WH_GETMESSAGE, OnTaken, nullptr, thread);
+    }
+    DialogReady(const DialogReady&) = delete;
+    DialogReady& operator=(const DialogReady&) = delete;
+    ~DialogReady() {
+        UnhookWindowsHookEx(m_taken);
+        UnhookWindowsHookEx(m_sent);
+    }
+
+    bool IsWatching() const { return m_sent != nullptr && m_taken != nullptr; }
+
+    // What is done with the ready dialog before it is cancelled; empty: nothing.
+    static inline std::function<void(HWND)> whenReady;
+
+    template <class Value, class Baseline>
+    static Comparison Compare(const Value& value, const Baseline& baseline) {
+        Comparison result;
+        for (int round = 0; round < kRounds * 2; ++round) {
+            result.baseline = std::min(result.baseline, TimeToReady(baseline));
+            result.value = std::min(result.value, TimeToReady(value));
+        }
+        return result;
+    }
+
+    // The baseline: dialog `nTemplate` of the resource module with the template of a panel in it,
+    // or without one (0).
+    static void RunBare(int nTemplate, int nPanel = 0) {
+        static const ModuleHandle texts(
+            LoadLibraryExA(R"(.\Resources\Localized\mvpinguirc.dll)", nullptr,
+                           LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+        s_bare = {texts.get(), nPanel};
+        DialogBoxParamA(texts.get(), MAKEINTRESOURCEA(nTemplate), nullptr, BareProc, 0);
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    static constexpr UINT kReady = WM_APP + 77;
+    static constexpr UINT kMakePanel = WM_USER + 1;
+
+    struct Bare {
+        HMODULE hTexts;
+        int nPanel;
+    };
+
+    // Nanoseconds.
+    template <class Call>
+    static double TimeToReady(const Call& call) {
+        const Clock::time_point start = Clock::now();
+        call();
+        return std::chrono::duration<double, std::nano>(s_ready - start).count();
+    }
+
+    static bool IsDialog(HWND hWnd) {
+        char className[8] = "";
+        return GetClassNameA(hWnd, className, sizeof className) != 0 && className[0] == '#' &&
+               (GetWindowLongPtrA(hWnd, GWL_STYLE) & WS_CHILD) == 0;
+    }
+
+    static LRESULT CALLBACK OnSent(int nCode, WPARAM wParam, LPARAM lParam) {
+        const auto& message = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
+        if (nCode == HC_ACTION && message.message == WM_SHOWWINDOW && message.wParam != 0 &&
+            IsDialog(message.hwnd)) {
+            PostMessageA(message.hwnd, kReady, 0, 0);
+        }
+        return CallNextHookEx(nullptr, nCode, wParam, lParam);
+    }
+
+    static LRESULT CALLBACK OnTaken(int nCode, WPARAM wParam, LPARAM lParam) {
+        const auto& message = *reinterpret_cast<const MSG*>(lParam);
+        if (nCode == HC_ACTION && wParam == PM_REMOVE && message.message == kReady) {
+            s_ready = Clock::now();
+            if (whenReady) {
+                whenReady(message.hwnd);
+            }
+            PostMessageA(message.hwnd, WM_COMMAND, IDCANCEL, 0);
+        }
+        return CallNextHookEx(nullptr, nCode, wParam, lParam);
+    }
+
+    static INT_PTR CALLBACK PanelProc(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+
+    static INT_PTR CALLBACK BareProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM) {
+        if (message == WM_INITDIALOG) {
+            if (s_bare.nPanel != 0) {
+                PostMessageA(hWnd, kMakePanel, 0, 0);
+            }
+            ShowWindow(hWnd, SW_SHOW);
+        } else if (message == kMakePanel) {
+            ShowWindow(CreateDialogParamA(s_bare.hTexts, MAKEINTRESOURCEA(s_bare.nPanel), hWnd,
+                                          PanelProc, 0),
+                       SW_SHOW);
+        } else if (message == WM_COMMAND && wParam == IDCANCEL) {
+            EndDialog(hWnd, IDCANCEL);
+        }
+        return message == WM_INITDIALOG ? TRUE : FALSE;
+    }
+
+    static inline Clock::time_point s_ready;
+    static inline Bare s_bare{};
+    HHOOK m_sent;
+    HHOOK m_taken;
+};
+
+}  // namespace mvp::bench
