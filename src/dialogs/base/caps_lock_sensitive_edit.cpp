@@ -63,16 +63,19 @@ void Widen(const char* pszText, wchar_t (&wide)[Size]) {
 }
 
 // Whether the control may put text into itself.
-bool InsertsText(UINT message) {
+bool InsertsText(UINT message, LPARAM lParam) {
     switch (message) {
+        case WM_SETTEXT:
+        case EM_REPLACESEL: {
+            const auto* text = reinterpret_cast<const char*>(lParam);
+            return text != nullptr && *text != '\0';
+        }
         case WM_CHAR:
         case WM_UNICHAR:
         case WM_IME_CHAR:
         case WM_IME_STARTCOMPOSITION:
         case WM_IME_COMPOSITION:
         case WM_PASTE:
-        case WM_SETTEXT:
-        case EM_REPLACESEL:
             return true;
         default:
             return false;
@@ -145,14 +148,14 @@ LRESULT CCapsLockSensitiveEdit::DefWindowProc(UINT message, WPARAM wParam, LPARA
     m_bScrubbing = true;
     bool scrubbed = false;
     // Not before there is something to keep: it takes the system longer than all else that a dialog
-    // does to open.
-    if (!m_bPrepared && InsertsText(message)) {
+    // does to open. What nobody can type into never grows.
+    if (!m_bPrepared && InsertsText(message, lParam) && (GetStyle() & ES_READONLY) == 0) {
         m_bPrepared = true;
         if (GetWindowTextLength() == 0) {
             mvp::PrepareEditForSecret(m_hWnd);
         }
     }
-    if (message == WM_SETTEXT) {
+    if (message == WM_SETTEXT && GetWindowTextLength() != 0) {
         mvp::ScrubEdit(m_hWnd);
     } else if (DeletesSelection(message, wParam) && (GetStyle() & ES_READONLY) == 0) {
         scrubbed = mvp::ScrubSelection(m_hWnd);
