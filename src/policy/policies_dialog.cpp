@@ -16,6 +16,7 @@
 #include "services/format_check.h"
 #include "services/log.h"
 #include "services/resource_module.h"
+#include "services/text_view.h"
 
 BEGIN_MESSAGE_MAP(VKPoliciesDlg, CBaseDialog)
     ON_WM_SYSCOLORCHANGE()
@@ -42,17 +43,13 @@ constexpr std::array<LineControls, mvp::kPinRuleCount> kLines = {{
     {IDC_POLICIES_CONFIRM_TEXT, IDC_POLICIES_CONFIRM_ICON},
 }};
 
-std::string_view View(const CString& text) {
-    return {static_cast<LPCSTR>(text), static_cast<std::size_t>(text.GetLength())};
-}
-
 constexpr unsigned TextBit(mvp::PinRule rule) {
     return 1U << mvp::IndexOf(rule);
 }
 
 CString FormatLength(UINT nFormat, int nLength) {
     CString format = mvp::ResourceString(nFormat);
-    if (!mvp::TakesOneInteger(View(format))) {
+    if (!mvp::TakesOneInteger(mvp::View(format))) {
         return format;
     }
     CString text;
@@ -149,8 +146,9 @@ bool VKPoliciesDlg::CheckAndShow(const CString& csOldValue, const CString& csVal
     vklogLog(g_szLogTag, kLogDetail, "csOldValue: %s", static_cast<LPCSTR>(csOldValue));
     vklogLog(g_szLogTag, kLogDetail, "csValue: %s", static_cast<LPCSTR>(csValue));
     vklogLog(g_szLogTag, kLogDetail, "csNewValue: %s", static_cast<LPCSTR>(csNewValue));
-    const mvp::PinCheck check = mvp::CheckPin(
-        Rules(), {View(csOldValue), View(csValue), View(csNewValue), View(csConfirmValue)});
+    const mvp::PinCheck check =
+        mvp::CheckPin(Rules(), {mvp::View(csOldValue), mvp::View(csValue), mvp::View(csNewValue),
+                                mvp::View(csConfirmValue)});
     for (const mvp::PinRule rule : mvp::kPinCheckingOrder) {
         ShowRule(rule, check.State(rule) != mvp::RuleState::NotInForce,
                  check.State(rule) == mvp::RuleState::Satisfied, csValue);
@@ -190,12 +188,12 @@ void VKPoliciesDlg::ShowRule(mvp::PinRule rule, bool bInForce, bool bSatisfied,
 
 bool VKPoliciesDlg::IsPinWeak(const CString& strPin) {
     const mvp::LogScope scope("VKPoliciesDlg::IsPinWeak");
-    return mvp::IsPinWeak(View(strPin));
+    return mvp::IsPinWeak(mvp::View(strPin));
 }
 
 bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
     const mvp::LogScope scope("VKPoliciesDlg::IsAlphaPinWeak");
-    return mvp::IsAlphaPinWeak(View(strPin));
+    return mvp::IsAlphaPinWeak(mvp::View(strPin));
 }
 
 void VKPoliciesDlg::SetMinPINLen(int nMin, bool bShow, bool bSatisfied) {

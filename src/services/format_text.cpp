@@ -1,17 +1,17 @@
 #include "services/format_text.h"
 
 #include <array>
-#include <string_view>
 
 #include "services/format_check.h"
 #include "services/log.h"
 #include "services/resource_module.h"
+#include "services/text_view.h"
 
 namespace mvp {
 
 CString FormatResourceText(UINT nFormat, LPCSTR pszText) {
     const CString format = ResourceString(nFormat);
-    if (!TakesOneText({format, static_cast<std::size_t>(format.GetLength())})) {
+    if (!TakesOneText(View(format))) {
         vklogLog(g_szLogTag, kLogError, "String %u does not take one text", nFormat);
         return {pszText};
     }

@@ -2,7 +2,6 @@
 
 #include <vkerrmes/vkerrmes.h>
 
-#include "dialogs/card/card_text.h"
 #include "dialogs/card/code_groups.h"
 #include "platform/barrier.h"
 #include "resources/resource_numbers.h"
@@ -11,6 +10,7 @@
 #include "services/log.h"
 #include "services/registry_readers.h"
 #include "services/resource_module.h"
+#include "services/text_view.h"
 #include "services/wipe.h"
 
 namespace {

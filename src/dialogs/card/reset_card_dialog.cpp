@@ -4,12 +4,12 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/control_place.h"
-#include "dialogs/card/card_text.h"
 #include "dialogs/card/code_groups.h"
 #include "dialogs/card/reset_fields.h"
 #include "platform/barrier.h"
 #include "resources/resource_numbers.h"
 #include "services/log.h"
+#include "services/text_view.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/dialog_looks.h"
-#include "dialogs/card/card_text.h"
 #include "dialogs/card/code_groups.h"
+#include "dialogs/card/help_desk.h"
 #include "dialogs/card/unlock_code.h"
 #include "mvpingui/policies_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
@@ -19,6 +19,7 @@
 #include "services/log.h"
 #include "services/notify_event.h"
 #include "services/resource_module.h"
+#include "services/text_view.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "dialogs/card/card_text.h"
+#include "dialogs/card/help_desk.h"
 
 #include <array>
 

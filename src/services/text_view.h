@@ -1,4 +1,4 @@
-// Small things that the card dialogs do with texts.
+// The framework's texts for code that knows only the language's.
 #pragma once
 
 #include <string_view>
@@ -7,12 +7,9 @@
 
 namespace mvp {
 
+// Valid while the text is there and does not change.
 inline std::string_view View(const CString& text) noexcept {
     return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
 }
-
-// The help desk's telephone number of the configuration; empty when there is none, and when it has
-// a single character.
-CString HelpDeskNumber();
 
 }  // namespace mvp
