@@ -14,6 +14,11 @@ public:
     // Loads the module; the PIN library is there already. Throws EnvironmentError.
     FlowLibrary() : m_module(LoadOwnModule("pinhost_flows.dll")) {
         Find(m_module, "PinHostChangePinEmbedded", ChangePinEmbedded);
+        Find(m_module, "PinHostUnlockCard", UnlockCard);
+        Find(m_module, "PinHostInitializePin", InitializePin);
+        Find(m_module, "PinHostShowUnlockCode", ShowUnlockCode);
+        Find(m_module, "PinHostCardManagerLocked", CardManagerLocked);
+        Find(m_module, "PinHostResetCard", ResetCard);
     }
 
 private:
@@ -21,6 +26,11 @@ private:
 
 public:
     decltype(&::PinHostChangePinEmbedded) ChangePinEmbedded = nullptr;
+    decltype(&::PinHostUnlockCard) UnlockCard = nullptr;
+    decltype(&::PinHostInitializePin) InitializePin = nullptr;
+    decltype(&::PinHostShowUnlockCode) ShowUnlockCode = nullptr;
+    decltype(&::PinHostCardManagerLocked) CardManagerLocked = nullptr;
+    decltype(&::PinHostResetCard) ResetCard = nullptr;
 };
 
 }  // namespace pinhost
