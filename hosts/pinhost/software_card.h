@@ -82,6 +82,8 @@ struct SoftwareCard {
 
     // Takes the PIN away and gives all tries back. The unlock code and the rules stay.
     void Reset() noexcept;
+
+    friend bool operator==(const SoftwareCard&, const SoftwareCard&) = default;
 };
 
 }  // namespace pinhost

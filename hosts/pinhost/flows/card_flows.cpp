@@ -78,6 +78,8 @@ public:
 protected:
     BOOL OnInitDialog() override {
         CResetCardDialogMain::OnInitDialog();
+        // The library leaves it to its host where this dialog stands.
+        SetForegroundWindow();
         if (CResetCardDialog* panel = Panel()) {
             panel->SetChallenge(m_reset.pszChallenge);
             if (m_reset.bNoPinRoute) {

@@ -1,5 +1,6 @@
 #include "pinhost/software_card.h"
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -28,8 +29,55 @@ TEST(SoftwareCard, AcceptsNothingButThePin) {
     }
     const std::string tooLong(256, '1');
     SoftwareCard card;
-    card.pin.clear();
+    card.Reset();
     EXPECT_EQ(Try(card, tooLong), Verdict::Wrong);
+    EXPECT_EQ(Try(card, ""), Verdict::Wrong);
+}
+
+// In the place of the cryptography: tells key and message apart.
+std::array<unsigned char, 32> Keyed(std::span<const char> key, std::span<const char> message) {
+    std::array<unsigned char, 32> hash = {0xAB};
+    for (std::size_t i = 0; i < message.size(); ++i) {
+        hash.at(i % 7 + 1) ^= static_cast<unsigned char>(message[i] + key[i % key.size()]);
+    }
+    return hash;
+}
+
+constexpr std::array<unsigned char, kChallengeBytes> kRandom = {0, 0x12, 0x9A, 0xFF, 4, 5, 6, 7};
+
+TEST(SoftwareCard, CountsWrongUnlockCodesAndResponsesTogether) {
+    SoftwareCard card;
+    card.nUnlocksLeft = card.nMaxUnlocks = 3;
+    EXPECT_EQ(card.Challenge(kRandom), "00129AFF04050607");
+    const Secret response = card.ResponseTo(card.strChallenge, Keyed);
+    using enum Verdict;
+    const auto unlock = [&](std::string_view code) { return card.VerifyUnlockCode(code); };
+    EXPECT_EQ(unlock("0123456789ABCDEE"), Wrong);
+    EXPECT_EQ(unlock("0123456789abcdef"), Accepted);
+    EXPECT_EQ(unlock(""), Wrong);
+    EXPECT_EQ(card.VerifyResponse(Secret(16, 'A'), Keyed), Wrong);
+    EXPECT_EQ(card.Challenge(std::array<unsigned char, kChallengeBytes>{}), "00129AFF04050607")
+        << "it waits for its response";
+    EXPECT_EQ(card.VerifyResponse(response, Keyed), Accepted);
+    EXPECT_EQ(card.VerifyResponse(response, Keyed), Wrong) << "a response serves once";
+    EXPECT_EQ(card.VerifyResponse("", Keyed), Wrong);
+    EXPECT_EQ(unlock("0"), Blocked);
+    EXPECT_EQ(unlock("0123456789ABCDEF"), Blocked);
+}
+
+TEST(SoftwareCard, AnUnlockedCardHasItsTriesAndAResetOneNoPin) {
+    SoftwareCard card;
+    card.nTriesLeft = 0;
+    card.policy.bForceChangePin = true;
+    EXPECT_FALSE(card.Unlock({}));
+    EXPECT_TRUE(card.IsBlocked());
+    EXPECT_TRUE(card.Unlock(std::string_view("5678")));
+    EXPECT_FALSE(card.policy.bForceChangePin);
+    EXPECT_EQ(Try(card, "1234"), Verdict::Wrong);
+    card.nUnlocksLeft = 0;
+    card.Reset();
+    EXPECT_FALSE(card.IsInitialized());
+    EXPECT_EQ(card.nTriesLeft + card.nUnlocksLeft, card.nMaxTries + card.nMaxUnlocks);
 }
 
 TEST(SoftwareCard, StoresWhatItsFileHolds) {
@@ -63,10 +111,9 @@ std::string FaultOf(const std::string& text) {
     return "none";
 }
 
-bool Same(const SoftwareCard& a, const SoftwareCard& b) {
-    return a.strReader == b.strReader && a.pin == b.pin && a.unlockCode == b.unlockCode &&
-           a.nTriesLeft == b.nTriesLeft && a.nMaxTries == b.nMaxTries && a.policy == b.policy;
-}
+// What a card of today has more than one of yesterday.
+constexpr char kToday[] = R"("challengeKey": "k", "challenge": "0123456789ABCDEF",
+ "unlocksLeft": 1, "maxUnlocks": 9, "unlockCodeSeen": true, "reader")";
 
 TEST(CardFile, KeepsEveryFieldOverAWriteAndARead) {
     const SoftwareCard card = ParseCard(kGood);
@@ -76,8 +123,17 @@ TEST(CardFile, KeepsEveryFieldOverAWriteAndARead) {
               "34");
     EXPECT_EQ(card.nTriesLeft, 2u);
     EXPECT_EQ(card.policy, (CardPolicy{true, true, true, 4, 10}));
-    const Secret text = FormatCard(card);
-    EXPECT_TRUE(Same(ParseCard({text.data(), text.size()}), card));
+    EXPECT_EQ(card.nUnlocksLeft, 6u);
+    EXPECT_EQ(card.challengeKey, SoftwareCard().challengeKey);
+    SoftwareCard today = ParseCard(With("\"reader\"", kToday));
+    today.pin.clear();
+    today.policy.bForceChangePin = true;
+    EXPECT_EQ(today.strChallenge, "0123456789ABCDEF");
+    EXPECT_EQ(std::pair(today.nUnlocksLeft, today.nMaxUnlocks), std::pair(1u, 9u));
+    for (const SoftwareCard& written : {card, today}) {
+        const Secret text = FormatCard(written);
+        EXPECT_EQ(ParseCard({text.data(), text.size()}), written);
+    }
 }
 
 TEST(CardFile, RefusesWhatIsNoCard) {
@@ -102,6 +158,10 @@ TEST(CardFile, RefusesWhatIsNoCard) {
         {With(": 10", ": 4294967296"), "\"maxLength\" is too large"},
         {With(": 10", ": 3"), "\"minLength\" is greater"},
         {With("true", "1"), "\"digitsOnly\" is neither"},
+        {With("\"reader\"", "\"unlocksLeft\": 1, \"reader\""), "\"maxUnlocks\" is missing"},
+        {With("\"reader\"", "\"challenge\": \"12\", \"reader\""), "\"challenge\" is not 16"},
+        {With("\"reader\"", "\"challengeKey\": \"\", \"reader\""), "\"challengeKey\" is empty"},
+        {With("true}", "true, \"forceChange\": 1}"), "\"forceChange\" is neither"},
         {With("\"policy\": {", "\"policy\": 1, \"x\": {"), "\"policy\" is not an object"},
     };
     for (const auto& [text, fault] : cases) {
@@ -124,10 +184,10 @@ protected:
 
 TEST_F(CardFiles, StartWithANewCardAndAreReplacedWhole) {
     SoftwareCard card = ReadCard(m_file);
-    EXPECT_TRUE(Same(card, SoftwareCard()));
+    EXPECT_EQ(card, SoftwareCard());
     card.nTriesLeft = 1;
     WriteCard(m_file, card);
-    EXPECT_TRUE(Same(ReadCard(m_file), card));
+    EXPECT_EQ(ReadCard(m_file), card);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder), {}), 1)
         << "something is left beside the card";
 }
