@@ -77,9 +77,10 @@ public:
 
 protected:
     BOOL OnInitDialog() override {
-        CResetCardDialogMain::OnInitDialog();
-        // The library leaves it to its host where this dialog stands.
+        // The library leaves it to its host where this dialog stands. The panel moves the focus,
+        // and the window that gets it thereby should be in front already.
         SetForegroundWindow();
+        CResetCardDialogMain::OnInitDialog();
         if (CResetCardDialog* panel = Panel()) {
             panel->SetChallenge(m_reset.pszChallenge);
             if (m_reset.bNoPinRoute) {
