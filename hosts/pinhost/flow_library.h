@@ -18,6 +18,7 @@ public:
         Find(m_module, "PinHostInitializePin", InitializePin);
         Find(m_module, "PinHostShowUnlockCode", ShowUnlockCode);
         Find(m_module, "PinHostCardManagerLocked", CardManagerLocked);
+        Find(m_module, "PinHostToolAtWork", ToolAtWork);
         Find(m_module, "PinHostResetCard", ResetCard);
     }
 
@@ -30,6 +31,7 @@ public:
     decltype(&::PinHostInitializePin) InitializePin = nullptr;
     decltype(&::PinHostShowUnlockCode) ShowUnlockCode = nullptr;
     decltype(&::PinHostCardManagerLocked) CardManagerLocked = nullptr;
+    decltype(&::PinHostToolAtWork) ToolAtWork = nullptr;
     decltype(&::PinHostResetCard) ResetCard = nullptr;
 };
 

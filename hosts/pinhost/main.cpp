@@ -58,7 +58,7 @@ Commands AddCommands(CLI::App& app) {
     for (auto* make :
          {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand, MakeChangePinCommand,
           MakeUnlockCommand, MakeHelpDeskCommand, MakeInitPinCommand, MakeResetCommand,
-          MakeShowCodeCommand, MakeCardLockedCommand, MakeRichTextCommand}) {
+          MakeShowCodeCommand, MakeCardLockedCommand, MakeCardToolCommand, MakeRichTextCommand}) {
         auto command = make();
         CLI::App* added = command->AddTo(app);
         commands.emplace_back(added, std::move(command));

@@ -318,6 +318,7 @@ class PinHostTest(unittest.TestCase):
                 ({}, 0, {"result": "accepted", **left}, "card-locked", *ok),
                 ({}, 1, {"result": "cancelled", **left}, "card-locked", "--press", "cancel"),
                 ({}, 1, {"result": "removed", **left}, "card-locked", *pulled),
+                ({}, 1, {"result": "removed", **left}, "card-tool", "--mode", "init", *pulled),
                 ({}, 1, {"result": "removed", **unlocks}, "unlock", *pulled),
                 ({}, 1, {"result": "cancelled", **remark, **unlocks}, "unlock", "--code", CODE,
                  "--new-pin", "123", *ok),

@@ -17,6 +17,7 @@ std::unique_ptr<Command> MakeInitPinCommand();
 std::unique_ptr<Command> MakeResetCommand();
 std::unique_ptr<Command> MakeShowCodeCommand();
 std::unique_ptr<Command> MakeCardLockedCommand();
+std::unique_ptr<Command> MakeCardToolCommand();
 std::unique_ptr<Command> MakeRichTextCommand();
 
 }  // namespace pinhost

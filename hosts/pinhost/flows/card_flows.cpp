@@ -9,6 +9,7 @@
 #include <mvpingui/initialize_pin_dialog.h>
 #include <mvpingui/reset_card_dialog.h>
 #include <mvpingui/unlock_card_dialog.h>
+#include <mvpingui/unlock_result_dialogs.h>
 
 #include "pinhost/secret.h"
 #include "resources/resource_numbers.h"
@@ -124,6 +125,13 @@ bool ShowUnlockCode(const PinHostCard& card) {
 
 bool ShowCardManagerLocked(const PinHostCard& card) {
     return CCMLockedDlg(nullptr, card.pszReader).DoModal() == IDOK;
+}
+
+bool ShowToolAtWork(const PinHostCard& card, bool bUnlocking) {
+    constexpr int kUnlocking = 0;
+    constexpr int kInitializing = 1;
+    return CUnlockInitToolDlg(nullptr, card.pszReader, bUnlocking ? kUnlocking : kInitializing)
+               .DoModal() == IDOK;
 }
 
 bool ResetCard(const PinHostCard& card, PinHostReset& reset) {

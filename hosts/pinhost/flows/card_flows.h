@@ -9,6 +9,7 @@ bool UnlockCard(const PinHostCard& card, const PwdRuleArgs& rules);
 bool InitializePin(const PinHostCard& card, const PINPolicies& policies);
 bool ShowUnlockCode(const PinHostCard& card);
 bool ShowCardManagerLocked(const PinHostCard& card);
+bool ShowToolAtWork(const PinHostCard& card, bool bUnlocking);
 bool ResetCard(const PinHostCard& card, PinHostReset& reset);
 
 }  // namespace pinhost

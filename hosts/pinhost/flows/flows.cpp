@@ -41,6 +41,11 @@ extern "C" std::uint32_t PinHostCardManagerLocked(const PinHostCard* pCard) {
                    [=] { return pinhost::ShowCardManagerLocked(*pCard); });
 }
 
+extern "C" std::uint32_t PinHostToolAtWork(const PinHostCard* pCard, bool bUnlocking) {
+    return RunFlow("the tool's notice",
+                   [=] { return pinhost::ShowToolAtWork(*pCard, bUnlocking); });
+}
+
 extern "C" std::uint32_t PinHostResetCard(const PinHostCard* pCard, PinHostReset* pReset) {
     return RunFlow("resetting the card", [=] { return pinhost::ResetCard(*pCard, *pReset); });
 }

@@ -72,6 +72,10 @@ extern "C" PINHOST_FLOWS_API std::uint32_t PinHostShowUnlockCode(const PinHostCa
 // Tells that the card manager is blocked, by CCMLockedDlg.
 extern "C" PINHOST_FLOWS_API std::uint32_t PinHostCardManagerLocked(const PinHostCard* pCard);
 
+// Tells that a tool is at work on the card, by CUnlockInitToolDlg.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostToolAtWork(const PinHostCard* pCard,
+                                                             bool bUnlocking);
+
 struct PinHostReset {
     const char* pszChallenge;  // empty: the unlock code is a fixed one
     bool bNoPinRoute;          // the card's PIN cannot be used
