@@ -146,7 +146,7 @@ Json SecretText(const Secret& secret) {
         }
         text.push_back(byte < 0x80 ? ch : static_cast<char>(0x80 | (byte & 0x3F)));
     }
-    return Json(std::move(text));
+    return text;
 }
 
 CardPolicy PolicyField(const Json& object) {

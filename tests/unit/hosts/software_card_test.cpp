@@ -158,11 +158,11 @@ TEST(CardFile, RefusesWhatIsNoCard) {
         {With(": 10", ": 4294967296"), "\"maxLength\" is too large"},
         {With(": 10", ": 3"), "\"minLength\" is greater"},
         {With("true", "1"), "\"digitsOnly\" is neither"},
-        {With("\"reader\"", "\"unlocksLeft\": 1, \"reader\""), "\"maxUnlocks\" is missing"},
-        {With("\"reader\"", "\"challenge\": \"12\", \"reader\""), "\"challenge\" is not 16"},
-        {With("\"reader\"", "\"challengeKey\": \"\", \"reader\""), "\"challengeKey\" is empty"},
-        {With("true}", "true, \"forceChange\": 1}"), "\"forceChange\" is neither"},
-        {With("\"policy\": {", "\"policy\": 1, \"x\": {"), "\"policy\" is not an object"},
+        {With("{", R"({"unlocksLeft": 1, )"), "\"maxUnlocks\" is missing"},
+        {With("{", R"({"challenge": "12", )"), "\"challenge\" is not 16"},
+        {With("{", R"({"challengeKey": "", )"), "\"challengeKey\" is empty"},
+        {With("true}", R"(true, "forceChange": 1})"), "\"forceChange\" is neither"},
+        {With("\"policy\": {", R"("policy": 1, "x": {)"), "\"policy\" is not an object"},
     };
     for (const auto& [text, fault] : cases) {
         EXPECT_NE(FaultOf(text).find(fault), std::string::npos) << text.substr(0, 200) << "\n"
