@@ -1,8 +1,10 @@
 #include "pinhost/automatic_user.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <stdexcept>
+#include <utility>
 
 #include "common/keyboard.h"
 #include "common/screenshot.h"
@@ -22,6 +24,7 @@ using namespace std::chrono_literals;
 constexpr auto kDeadline = 20s;        // for what should happen at once
 constexpr auto kOkDeadline = 1s;       // for OK to follow the typing
 constexpr auto kCancelDeadline = 10s;  // for a dialog to obey Cancel
+constexpr auto kForever = 24h;         // for what the card takes its time with
 
 class Failure : public std::runtime_error {
 public:
@@ -46,13 +49,42 @@ void AwaitWhileOpen(HWND hDialog, const char* pszWhat, Condition&& condition) {
     }
 }
 
-BOOL CALLBACK FindEditProc(HWND hWnd, LPARAM lParam) {
-    if (lstrcmpiA(mvp::ClassOf(hWnd).c_str(), "EDIT") != 0 || !IsWindowVisible(hWnd) ||
-        !IsWindowEnabled(hWnd)) {
+// Visible and able to take the focus.
+bool IsUsable(HWND hWnd) {
+    return IsWindowVisible(hWnd) && IsWindowEnabled(hWnd);
+}
+
+bool HasClass(HWND hWnd, const char* pszClass) {
+    return lstrcmpiA(mvp::ClassOf(hWnd).c_str(), pszClass) == 0;
+}
+
+bool IsEdit(HWND hWnd) {
+    return HasClass(hWnd, "EDIT") && (GetWindowLongA(hWnd, GWL_STYLE) & ES_READONLY) == 0;
+}
+
+bool IsCheckBox(HWND hWnd) {
+    return HasClass(hWnd, "BUTTON") &&
+           (GetWindowLongA(hWnd, GWL_STYLE) & BS_TYPEMASK) == BS_AUTOCHECKBOX;
+}
+
+struct Search {
+    bool (*pfnIsIt)(HWND);
+    HWND hFound;
+};
+
+BOOL CALLBACK FindProc(HWND hWnd, LPARAM lParam) {
+    auto& search = *reinterpret_cast<Search*>(lParam);
+    if (!IsUsable(hWnd) || !search.pfnIsIt(hWnd)) {
         return TRUE;
     }
-    *reinterpret_cast<HWND*>(lParam) = hWnd;
+    search.hFound = hWnd;
     return FALSE;
+}
+
+HWND FindControl(HWND hDialog, bool (*pfnIsIt)(HWND)) {
+    Search search{pfnIsIt, nullptr};
+    EnumChildWindows(hDialog, FindProc, reinterpret_cast<LPARAM>(&search));
+    return search.hFound;
 }
 
 // Answered when the dialog's initialisation is over.
@@ -84,9 +116,14 @@ void AwaitKeys(HWND hDialog) {
 }  // namespace
 
 HWND FindEdit(HWND hDialog) {
-    HWND edit = nullptr;
-    EnumChildWindows(hDialog, FindEditProc, reinterpret_cast<LPARAM>(&edit));
-    return edit;
+    return FindControl(hDialog, IsEdit);
+}
+
+bool IsDialogOpen(DWORD dwThreadId, bool bNeedsEdit) {
+    const auto windows = mvp::VisibleWindows(dwThreadId);
+    return std::any_of(windows.begin(), windows.end(), [=](HWND hWnd) {
+        return bNeedsEdit ? FindEdit(hWnd) != nullptr : mvp::IsDialog(hWnd);
+    });
 }
 
 void AddPlanOptions(CLI::App& command, UserPlan& plan) {
@@ -102,6 +139,13 @@ void AddPlanOptions(CLI::App& command, UserPlan& plan) {
     command
         .add_option("--screenshot", plan.strScreenshot,
                     "before that, save a picture of the dialog as this PNG file")
+        ->type_name("FILE.png");
+}
+
+void AddNextScreenshotOption(CLI::App& command, UserPlan& plan) {
+    command
+        .add_option("--next-screenshot", plan.strNextScreenshot,
+                    "save a picture of the dialog that comes next as this PNG file")
         ->type_name("FILE.png");
 }
 
@@ -124,9 +168,6 @@ void AutomaticUser::Main(const std::stop_token& stop) noexcept {
         [&] {
             try {
                 ServeDialogs(stop);
-            } catch (const DialogGone&) {
-                // The library returns, and its result says why.
-                return;
             } catch (const std::exception& error) {
                 m_strFailure = error.what();
                 CancelUntil(stop);
@@ -135,30 +176,53 @@ void AutomaticUser::Main(const std::stop_token& stop) noexcept {
         [] { EndNow("the automatic user failed"); });
 }
 
+// Until the library returns, or the rest is a person's.
 void AutomaticUser::ServeDialogs(const std::stop_token& stop) {
-    HWND dialog = WaitForDialog(stop, nullptr);
-    while (dialog != nullptr && m_plan.bNeedsEdit && FindEdit(dialog) == nullptr) {
-        Answer(dialog, Press::Ok);
-        dialog = WaitForDialog(stop, dialog);
+    HWND dialog = nullptr;
+    while ((dialog = WaitForDialog(stop, dialog)) != nullptr) {
+        try {
+            if (m_hMeant != nullptr || !IsMeant(dialog)) {
+                ServeOther(dialog);
+                continue;
+            }
+            m_hMeant = dialog;
+            Serve(dialog);
+        } catch (const DialogGone&) {
+            // The next one follows, or the library returns, and its result says why.
+        }
+        if (m_plan.press == Press::Nothing) {
+            return;
+        }
     }
-    if (dialog != nullptr) {
-        Serve(dialog);
+}
+
+bool AutomaticUser::IsMeant(HWND hDialog) const {
+    return !m_plan.bNeedsEdit || FindEdit(hDialog) != nullptr;
+}
+
+// The foremost dialog that a user can act on.
+HWND AutomaticUser::FindDialog(HWND hExcept) const {
+    for (HWND window : mvp::VisibleWindows(m_dwUiThreadId)) {
+        if (window != hExcept && mvp::IsDialog(window) && IsWindowEnabled(window)) {
+            return window;
+        }
     }
+    return nullptr;
 }
 
 // Null when the library returns without opening one.
 HWND AutomaticUser::WaitForDialog(const std::stop_token& stop, HWND hAfter) const {
     HWND found = nullptr;
-    Await("no dialog was opened", [&] {
-        for (HWND window : mvp::VisibleWindows(m_dwUiThreadId)) {
-            if (window != hAfter && mvp::IsDialog(window) && IsWindowEnabled(window) &&
-                Answers(window)) {
-                found = window;
-            }
-        }
-        return found != nullptr || stop.stop_requested();
-    });
-    return found;
+    const auto isThere = [&] {
+        found = FindDialog(hAfter);
+        return (found != nullptr && Answers(found)) || stop.stop_requested();
+    };
+    if (m_hMeant == nullptr) {
+        Await("no dialog was opened", isThere);
+    } else {
+        mvp::WaitFor(kForever, isThere);
+    }
+    return stop.stop_requested() ? nullptr : found;
 }
 
 void AutomaticUser::Type(HWND hDialog) const {
@@ -170,7 +234,7 @@ void AutomaticUser::Type(HWND hDialog) const {
         }
         AwaitWhileOpen(hDialog, "no edit got the focus", [&] {
             const HWND focus = FocusOf(m_dwUiThreadId);
-            if (focus == before || lstrcmpiA(mvp::ClassOf(focus).c_str(), "EDIT") != 0) {
+            if (focus == before || !IsEdit(focus)) {
                 return false;
             }
             before = focus;
@@ -183,23 +247,76 @@ void AutomaticUser::Type(HWND hDialog) const {
     }
 }
 
+// The dialog opens with the focus in the edit of the first choice, and moves it to the second's.
+void AutomaticUser::ChooseSecond(HWND hDialog) const {
+    AwaitForeground(hDialog);
+    AwaitWhileOpen(hDialog, "no edit got the focus",
+                   [this] { return IsEdit(FocusOf(m_dwUiThreadId)); });
+    const HWND first = FocusOf(m_dwUiThreadId);
+    mvp::SendKey(VK_TAB, {VK_SHIFT});
+    AwaitWhileOpen(hDialog, "no radio button got the focus",
+                   [this] { return HasClass(FocusOf(m_dwUiThreadId), "BUTTON"); });
+    mvp::SendKey(VK_DOWN);
+    AwaitWhileOpen(hDialog, "the second choice did not get the focus", [&] {
+        const HWND focus = FocusOf(m_dwUiThreadId);
+        return focus != first && IsEdit(focus);
+    });
+}
+
+void AutomaticUser::Tick(HWND hDialog) const {
+    const HWND box = FindControl(hDialog, IsCheckBox);
+    if (box == nullptr) {
+        return;
+    }
+    AwaitForeground(hDialog);
+    MoveFocusTo(hDialog, box);
+    mvp::SendKey(VK_SPACE);
+    AwaitWhileOpen(hDialog, "the box was not ticked",
+                   [box] { return SendMessageA(box, BM_GETCHECK, 0, 0) == BST_CHECKED; });
+}
+
+void AutomaticUser::MoveFocusTo(HWND hDialog, HWND hControl) const {
+    AwaitWhileOpen(hDialog, "a button did not get the focus", [&] {
+        if (FocusOf(m_dwUiThreadId) == hControl) {
+            return true;
+        }
+        mvp::SendKey(VK_TAB);
+        AwaitKeys(hDialog);
+        return false;
+    });
+}
+
+void AutomaticUser::TakePicture(HWND hDialog, const std::string& strFile) const {
+    if (strFile.empty()) {
+        return;
+    }
+    AwaitForeground(hDialog);
+    std::string error;
+    const bool saved = mvp::SaveWindowPng(hDialog, strFile, error);
+    if (!saved && mvp::IsGone(hDialog)) {
+        throw DialogGone();
+    }
+    if (!saved) {
+        throw Failure("no screenshot " + Utf8FromAnsi(strFile) + ": " + error);
+    }
+}
+
 void AutomaticUser::Serve(HWND hDialog) {
+    if (m_plan.bSecondChoice) {
+        ChooseSecond(hDialog);
+    }
     if (!m_plan.typed.empty()) {
         Type(hDialog);
     }
-    if (!m_plan.strScreenshot.empty()) {
-        AwaitForeground(hDialog);
-        std::string error;
-        const bool saved = mvp::SaveWindowPng(hDialog, m_plan.strScreenshot, error);
-        if (!saved && mvp::IsGone(hDialog)) {
-            throw DialogGone();
-        }
-        if (!saved) {
-            throw Failure("no screenshot " + Utf8FromAnsi(m_plan.strScreenshot) + ": " + error);
-        }
+    if (m_plan.bTick) {
+        Tick(hDialog);
     }
+    TakePicture(hDialog, m_plan.strScreenshot);
     Press press = m_plan.press;
-    const auto isOkEnabled = [hDialog] { return IsWindowEnabled(GetDlgItem(hDialog, IDOK)); };
+    const auto isOkEnabled = [hDialog] {
+        const HWND ok = GetDlgItem(hDialog, IDOK);
+        return ok == nullptr || IsWindowEnabled(ok);
+    };
     if (press == Press::Ok && !mvp::WaitFor(kOkDeadline, isOkEnabled) && !mvp::IsGone(hDialog)) {
         m_strRemark = "OK stayed disabled, so the dialog was cancelled";
         press = Press::Cancel;
@@ -209,21 +326,36 @@ void AutomaticUser::Serve(HWND hDialog) {
     }
 }
 
+// One that comes before or after the one that is meant, or that one again.
+void AutomaticUser::ServeOther(HWND hDialog) {
+    if (hDialog == m_hMeant) {
+        // One that is about to close stands there a moment, but takes no keys any more.
+        AwaitForeground(hDialog);
+        AwaitKeys(hDialog);
+        Answer(hDialog, Press::Cancel);
+        return;
+    }
+    if (m_hMeant != nullptr) {
+        if (m_plan.bTick) {
+            Tick(hDialog);
+        }
+        TakePicture(hDialog, std::exchange(m_plan.strNextScreenshot, {}));
+    }
+    Answer(hDialog, Press::Ok);
+}
+
 void AutomaticUser::Answer(HWND hDialog, Press press) const {
     AwaitForeground(hDialog);
-    if (press == Press::Ok && FindEdit(hDialog) == nullptr) {
+    const HWND ok = GetDlgItem(hDialog, IDOK);
+    if (press == Press::Ok && ok != nullptr && FindEdit(hDialog) == nullptr) {
         // Of a dialog's buttons Enter presses the one with the focus, wherever it begins.
-        AwaitWhileOpen(hDialog, "OK did not get the focus", [&] {
-            if (FocusOf(m_dwUiThreadId) == GetDlgItem(hDialog, IDOK)) {
-                return true;
-            }
-            mvp::SendKey(VK_TAB);
-            AwaitKeys(hDialog);
-            return false;
-        });
+        MoveFocusTo(hDialog, ok);
     }
     mvp::SendKey(press == Press::Ok ? VK_RETURN : VK_ESCAPE);
-    Await("the dialog stayed open", [hDialog] { return mvp::IsGone(hDialog); });
+    // A dialog that shows another one stays open below it.
+    Await("the dialog stayed open", [&] {
+        return mvp::IsGone(hDialog) || !IsWindowEnabled(hDialog) || FindDialog(hDialog) != nullptr;
+    });
 }
 
 void AutomaticUser::CancelUntil(const std::stop_token& stop) const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <limits>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -67,6 +68,11 @@ std::uint32_t NumberField(const Json& object, const char* pszField, std::uint32_
     return static_cast<std::uint32_t>(number);
 }
 
+// A field that older files lack; it keeps its default then.
+bool Has(const Json& object, const char* pszField) {
+    return object.contains(pszField);
+}
+
 bool FlagField(const Json& object, const char* pszField) {
     const Json& value = Field(object, pszField);
     if (!value.is_boolean()) {
@@ -110,7 +116,27 @@ Secret SecretField(const Json& object, const char* pszField) {
     return secret;
 }
 
-std::string SecretText(const Secret& secret) {
+// What the card may be without: null stands for that.
+Secret OptionalSecretField(const Json& object, const char* pszField) {
+    return Field(object, pszField).is_null() ? Secret() : SecretField(object, pszField);
+}
+
+std::string ChallengeField(const Json& object) {
+    const std::string& text = TextField(object, "challenge");
+    const auto isDigit = [](char ch) {
+        return (ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'F');
+    };
+    if (!std::all_of(text.begin(), text.end(), isDigit) ||
+        (!text.empty() && text.size() != kChallengeDigits)) {
+        Refuse("challenge", "is not 16 hexadecimal digits");
+    }
+    return text;
+}
+
+Json SecretText(const Secret& secret) {
+    if (secret.empty()) {
+        return nullptr;
+    }
     std::string text;
     text.reserve(secret.size() * 2);
     for (const char ch : secret) {
@@ -135,10 +161,43 @@ CardPolicy PolicyField(const Json& object) {
     policy.bPreventAlphaPin = FlagField(value, "digitsOnly");
     policy.bPreventWeakPin = FlagField(value, "notWeak");
     policy.bPreventSamePin = FlagField(value, "notSame");
+    if (Has(value, "forceChange")) {
+        policy.bForceChangePin = FlagField(value, "forceChange");
+    }
     if (policy.dwMinPinLength > policy.dwMaxPinLength) {
         Refuse("minLength", "is greater than \"maxLength\"");
     }
     return policy;
+}
+
+// One number of tries and the most that there are; older files lack those of the unlock code.
+void ReadTries(const Json& root, const char* pszLeft, const char* pszMost, std::uint32_t& nLeft,
+               std::uint32_t& nMost) {
+    nMost = NumberField(root, pszMost, kMaxTries);
+    nLeft = NumberField(root, pszLeft, kMaxTries);
+    if (nMost == 0) {
+        Refuse(pszMost, "is 0");
+    }
+    if (nLeft > nMost) {
+        const std::string fault = std::string("is greater than \"") + pszMost + '"';
+        Refuse(pszLeft, fault.c_str());
+    }
+}
+
+// What older files lack.
+void ReadUnlocking(const Json& root, SoftwareCard& card) {
+    if (Has(root, "unlocksLeft") || Has(root, "maxUnlocks")) {
+        ReadTries(root, "unlocksLeft", "maxUnlocks", card.nUnlocksLeft, card.nMaxUnlocks);
+    }
+    if (Has(root, "unlockCodeSeen")) {
+        card.bUnlockCodeSeen = FlagField(root, "unlockCodeSeen");
+    }
+    if (Has(root, "challengeKey")) {
+        card.challengeKey = SecretField(root, "challengeKey");
+    }
+    if (Has(root, "challenge")) {
+        card.strChallenge = ChallengeField(root);
+    }
 }
 
 SoftwareCard CardOf(const Json& root) {
@@ -147,17 +206,11 @@ SoftwareCard CardOf(const Json& root) {
     }
     SoftwareCard card;
     card.strReader = ReaderField(root);
-    card.pin = SecretField(root, "pin");
-    card.unlockCode = SecretField(root, "unlockCode");
-    card.nMaxTries = NumberField(root, "maxTries", kMaxTries);
-    card.nTriesLeft = NumberField(root, "triesLeft", kMaxTries);
+    card.pin = OptionalSecretField(root, "pin");
+    card.unlockCode = OptionalSecretField(root, "unlockCode");
+    ReadTries(root, "triesLeft", "maxTries", card.nTriesLeft, card.nMaxTries);
+    ReadUnlocking(root, card);
     card.policy = PolicyField(root);
-    if (card.nMaxTries == 0) {
-        Refuse("maxTries", "is 0");
-    }
-    if (card.nTriesLeft > card.nMaxTries) {
-        Refuse("triesLeft", "is greater than \"maxTries\"");
-    }
     return card;
 }
 
@@ -204,14 +257,20 @@ Secret FormatCard(const SoftwareCard& card) {
         {"reader", card.strReader},
         {"pin", SecretText(card.pin)},
         {"unlockCode", SecretText(card.unlockCode)},
+        {"unlockCodeSeen", card.bUnlockCodeSeen},
+        {"challengeKey", SecretText(card.challengeKey)},
+        {"challenge", card.strChallenge},
         {"triesLeft", card.nTriesLeft},
         {"maxTries", card.nMaxTries},
+        {"unlocksLeft", card.nUnlocksLeft},
+        {"maxUnlocks", card.nMaxUnlocks},
         {"policy",
          {{"minLength", card.policy.dwMinPinLength},
           {"maxLength", card.policy.dwMaxPinLength},
           {"digitsOnly", card.policy.bPreventAlphaPin},
           {"notWeak", card.policy.bPreventWeakPin},
-          {"notSame", card.policy.bPreventSamePin}}},
+          {"notSame", card.policy.bPreventSamePin},
+          {"forceChange", card.policy.bForceChangePin}}},
     });
     std::string content = document.Root().dump(2);
     content += '\n';

@@ -3,15 +3,22 @@
 //     {
 //       "reader": "Veskara Software Reader 0",
 //       "pin": "1234",
-//       "unlockCode": "12345678",
+//       "unlockCode": "0123456789ABCDEF",
+//       "unlockCodeSeen": false,
+//       "challengeKey": "Key of the software card",
+//       "challenge": "",
 //       "triesLeft": 3,
 //       "maxTries": 3,
+//       "unlocksLeft": 6,
+//       "maxUnlocks": 6,
 //       "policy": {"minLength": 4, "maxLength": 8, "digitsOnly": false, "notWeak": false,
-//                  "notSame": false}
+//                  "notSame": false, "forceChange": false}
 //     }
 //
-// Every field is needed. A PIN is bytes: each character of its text stands for one, so characters
-// beyond U+00FF are refused.
+// "pin" is null on a card that is not initialized, "unlockCode" on one without. Older files lack
+// "unlockCodeSeen", "challengeKey", "challenge", "unlocksLeft" with "maxUnlocks", and
+// "forceChange": these have the values above then. Every other field is needed. A PIN is bytes:
+// each character of its text stands for one, so characters beyond U+00FF are refused.
 #pragma once
 
 #include <filesystem>

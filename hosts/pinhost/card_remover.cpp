@@ -1,9 +1,7 @@
 #include "pinhost/card_remover.h"
 
-#include <algorithm>
 #include <utility>
 
-#include "common/thread_windows.h"
 #include "common/wait_for.h"
 #include "pinhost/automatic_user.h"
 #include "pinhost/ending.h"
@@ -20,11 +18,13 @@ constexpr auto kForever = std::chrono::hours(24);
 
 }  // namespace
 
-CardRemover::CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId)
+CardRemover::CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId,
+                         bool bNeedsEdit)
     : m_events(LoadOwnModule("vkevtsub.dll")),
       m_strReader(std::move(strReader)),
       m_delay(delay),
-      m_dwUiThreadId(dwUiThreadId) {
+      m_dwUiThreadId(dwUiThreadId),
+      m_bNeedsEdit(bNeedsEdit) {
     Find(m_events, "VKRaiseEvent", m_pRaiseEvent);
     m_thread = std::jthread([this](const std::stop_token& stop) { Main(stop); });
 }
@@ -40,12 +40,9 @@ void CardRemover::Main(const std::stop_token& stop) noexcept {
 }
 
 void CardRemover::PullCard(const std::stop_token& stop) {
-    const auto isDialogOpen = [this] {
-        const auto windows = mvp::VisibleWindows(m_dwUiThreadId);
-        return std::any_of(windows.begin(), windows.end(),
-                           [](HWND hWnd) { return FindEdit(hWnd) != nullptr; });
-    };
-    mvp::WaitFor(kForever, [&] { return stop.stop_requested() || isDialogOpen(); });
+    mvp::WaitFor(kForever, [&] {
+        return stop.stop_requested() || IsDialogOpen(m_dwUiThreadId, m_bNeedsEdit);
+    });
     mvp::WaitFor(m_delay, [&] { return stop.stop_requested(); });
     if (stop.stop_requested()) {
         return;

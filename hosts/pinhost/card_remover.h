@@ -14,8 +14,10 @@ namespace pinhost {
 
 class CardRemover {
 public:
-    // Throws EnvironmentError when the suite's event module is missing.
-    CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId);
+    // Waits for a dialog that can be typed into when `bNeedsEdit`, else for any. Throws
+    // EnvironmentError when the suite's event module is missing.
+    CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId,
+                bool bNeedsEdit);
     CardRemover(const CardRemover&) = delete;
     CardRemover& operator=(const CardRemover&) = delete;
     ~CardRemover() = default;
@@ -32,6 +34,7 @@ private:
     std::string m_strReader;
     std::chrono::milliseconds m_delay;
     DWORD m_dwUiThreadId;
+    bool m_bNeedsEdit;
     bool m_bRemoved = false;
     std::jthread m_thread;  // last: it uses the others
 };

@@ -14,6 +14,12 @@ public:
     // Loads the module; the PIN library is there already. Throws EnvironmentError.
     FlowLibrary() : m_module(LoadOwnModule("pinhost_flows.dll")) {
         Find(m_module, "PinHostChangePinEmbedded", ChangePinEmbedded);
+        Find(m_module, "PinHostUnlockCard", UnlockCard);
+        Find(m_module, "PinHostInitializePin", InitializePin);
+        Find(m_module, "PinHostShowUnlockCode", ShowUnlockCode);
+        Find(m_module, "PinHostCardManagerLocked", CardManagerLocked);
+        Find(m_module, "PinHostToolAtWork", ToolAtWork);
+        Find(m_module, "PinHostResetCard", ResetCard);
     }
 
 private:
@@ -21,6 +27,12 @@ private:
 
 public:
     decltype(&::PinHostChangePinEmbedded) ChangePinEmbedded = nullptr;
+    decltype(&::PinHostUnlockCard) UnlockCard = nullptr;
+    decltype(&::PinHostInitializePin) InitializePin = nullptr;
+    decltype(&::PinHostShowUnlockCode) ShowUnlockCode = nullptr;
+    decltype(&::PinHostCardManagerLocked) CardManagerLocked = nullptr;
+    decltype(&::PinHostToolAtWork) ToolAtWork = nullptr;
+    decltype(&::PinHostResetCard) ResetCard = nullptr;
 };
 
 }  // namespace pinhost

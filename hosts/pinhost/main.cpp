@@ -55,8 +55,10 @@ using Commands = std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>>;
 
 Commands AddCommands(CLI::App& app) {
     Commands commands;
-    for (auto* make : {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand,
-                       MakeChangePinCommand, MakeRichTextCommand}) {
+    for (auto* make :
+         {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand, MakeChangePinCommand,
+          MakeUnlockCommand, MakeHelpDeskCommand, MakeInitPinCommand, MakeResetCommand,
+          MakeShowCodeCommand, MakeCardLockedCommand, MakeCardToolCommand, MakeRichTextCommand}) {
         auto command = make();
         CLI::App* added = command->AddTo(app);
         commands.emplace_back(added, std::move(command));

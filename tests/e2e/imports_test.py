@@ -9,7 +9,7 @@ import sys
 
 SUITE = {"dlgfw.dll", "vklog.dll", "vkerrmes.dll", "vkevtsub.dll", "mvcext.dll", "mvpingui.dll"}
 SYSTEM = {"advapi32.dll", "comctl32.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "user32.dll"}
-OF_PROGRAMS = {"ole32.dll"}
+OF_PROGRAMS = {"bcrypt.dll", "ole32.dll"}
 
 faults = []
 for binary in sys.argv[2:]:

@@ -5,6 +5,8 @@ The dialogs are real ones, and pinhost itself serves them with real key strokes.
 Usage: pinhost_test.py [EMULATOR] PINHOST.exe
 """
 
+import hashlib
+import hmac
 import json
 import os
 import pathlib
@@ -19,6 +21,7 @@ WORDS = (pathlib.Path(__file__).parents[2] / "docs/pinhost.md").read_text()
 
 PIN = "73519"
 NEW_PIN = "x8442"
+CODE = "0123456789ABCDEF"
 
 
 class PinHostTest(unittest.TestCase):
@@ -44,8 +47,8 @@ class PinHostTest(unittest.TestCase):
         command = arguments[0] if command == "" else command
         self.assertEqual(actual, {"command": command, **result})
         self.assertIn(f"`{actual['result']}`", WORDS)
-        for pin in (PIN, NEW_PIN):
-            self.assertNotIn(pin, run.stdout + run.stderr)
+        for secret in (PIN, NEW_PIN, CODE):
+            self.assertNotIn(secret, run.stdout + run.stderr)
 
     def make_card(self, **changes):
         card = {"reader": "Lecteur é", "pin": PIN, "unlockCode": "12345678", "triesLeft": 3,
@@ -53,8 +56,11 @@ class PinHostTest(unittest.TestCase):
                                           "notWeak": False, "notSame": False}}
         (self.folder / "card.json").write_text(json.dumps({**card, **changes}), encoding="utf-8")
 
+    def card(self):
+        return json.loads((self.folder / "card.json").read_text())
+
     def tries_left(self):
-        return json.loads((self.folder / "card.json").read_text())["triesLeft"]
+        return self.card()["triesLeft"]
 
     def check_picture(self, name):
         self.assertTrue((self.folder / name).read_bytes().startswith(b"\x89PNG\r\n"), name)
@@ -91,6 +97,8 @@ class PinHostTest(unittest.TestCase):
                 ("(--min) is longer", "get-pin", "--min", "9", "--max", "8"),
                 ("--type", "change-pin", "--no-current", "--type", "1"),
                 ("cannot be cancelled", "change-pin", "--mandatory", "--press", "cancel"),
+                ("--route says what", "reset", "--route", "code", "--type", "1"),
+                ("a challenge is 16", "help-desk", "0123-4567-89AB-CDEG"),
                 ('--min: "-1" is not a whole number from 0 to', "get-pin", "--min", "-1"),
                 ("--min needs a value", "get-pin", "--min"),
                 ("--log-detail requires --log", "get-pin", "--log-detail"),
@@ -227,6 +235,112 @@ class PinHostTest(unittest.TestCase):
         self.change_pin(0, {"result": "changed", "triesLeft": 2}, "--no-current", "--type-new",
                         NEW_PIN, "--press", "ok")
         self.get_pin(0, {"result": "accepted", "triesLeft": 3}, "--type", NEW_PIN, "--press", "ok")
+
+    def on_card(self, code, result, command, *options):
+        self.expect(code, {"reader": "Lecteur é", **result}, command, "--card", "card.json",
+                    *options)
+
+    def test_a_blocked_card_is_unlocked_and_used_again(self):
+        self.make_card(triesLeft=1, unlockCode=CODE)
+        self.get_pin(1, {"lastTry": True, "result": "blocked", "triesLeft": 0}, "--type", "0000",
+                     "--press", "ok")
+        new_pin = ("--new-pin", NEW_PIN, "--press", "ok")
+        self.on_card(1, {"result": "wrong", "unlocksLeft": 5, "triesLeft": 0}, "unlock", "--code",
+                     "0" * 16, "--next-screenshot", "failed.png", *new_pin)
+        self.check_picture("failed.png")
+        self.on_card(0, {"result": "unlocked", "unlocksLeft": 6, "triesLeft": 3}, "unlock",
+                     "--code", "0123-4567-89ab-cdef", "--screenshot", "dialog.png", "--log",
+                     "log.txt", *new_pin)
+        self.check_picture("dialog.png")
+        log = (self.folder / "log.txt").read_text(encoding="latin-1")
+        self.assertIn("CUnlockCardDlg::OnOK", log)
+        for secret in (NEW_PIN, CODE, CODE.lower()):
+            self.assertNotIn(secret, log)
+        self.get_pin(0, {"result": "accepted", "triesLeft": 3}, "--type", NEW_PIN, "--press", "ok")
+
+    def test_the_help_desk_answers_the_challenge_that_is_shown(self):
+        self.make_card(triesLeft=0, challengeKey="a key")
+        left = {"unlocksLeft": 6, "triesLeft": 0}
+        self.on_card(1, {"result": "cancelled", **left}, "unlock", "--mode", "challenge", "--press",
+                     "cancel")
+        challenge = self.card()["challenge"]
+        answer = hmac.new(b"a key", challenge.encode(), hashlib.sha256).hexdigest()[:16].upper()
+        self.expect(0, {"result": "shown", "response": answer}, "help-desk", "--card", "card.json",
+                    f"{challenge[:7]}-{challenge[7:].lower()}")
+        unlock = ("unlock", "--mode", "challenge", "--new-pin", NEW_PIN, "--press", "ok")
+        self.on_card(1, {"result": "wrong", **left, "unlocksLeft": 5}, *unlock, "--code", CODE)
+        self.assertEqual(self.card()["challenge"], challenge)
+        self.on_card(0, {"result": "unlocked", "unlocksLeft": 6, "triesLeft": 3}, *unlock)
+        self.assertEqual(self.card()["challenge"], "")
+
+    def test_a_card_is_reset_and_gets_its_first_pin(self):
+        full = {"unlocksLeft": 6, "triesLeft": 3}
+        for route, *options in (
+                ("pin", "--type", PIN), ("code", "--code", CODE.lower()),
+                ("challenge",), ("code", "--no-pin-route", "--code", CODE, "--language", "fr")):
+            with self.subTest(route):
+                self.make_card(unlockCode=CODE)
+                self.on_card(0, {"result": "reset", **full}, "reset", "--press", "ok", "--route",
+                             route, *options)
+                self.assertIsNone(self.card()["pin"])
+        self.get_pin(1, {"result": "uninitialized", "triesLeft": 3})
+        seen = {"unlockCodeSeen": False, **full}
+        self.on_card(1, {"result": "refused", **seen}, "init-pin", "--type-new", NEW_PIN,
+                     "--card-fails", "14", "--press", "ok")
+        self.on_card(0, {"result": "initialized", "unlockCodeSeen": True, "unlocksLeft": 9,
+                         "triesLeft": 4}, "init-pin", "--type-new", NEW_PIN, "--tick", "--press",
+                     "ok", "--next-screenshot", "code.png", "--max-tries", "4", "--max-unlocks",
+                     "9", "--min", "5", "--max", "7", "--weak-allowed", "2", "--force-change", "1",
+                     "--alpha-allowed", "1")
+        self.check_picture("code.png")
+        self.assertEqual(self.card()["policy"], {
+            "minLength": 5, "maxLength": 7, "digitsOnly": False, "notWeak": True, "notSame": False,
+            "forceChange": True})
+        self.on_card(1, {"result": "refused", "unlocksLeft": 9, "triesLeft": 4}, "init-pin")
+        self.get_pin(0, {"result": "accepted", "triesLeft": 4}, "--type", NEW_PIN, "--press", "ok")
+
+    def test_what_the_card_dialogs_tell(self):
+        ok = ("--press", "ok")
+        pulled = ("--remove-card-after", "50")
+        left = {"triesLeft": 3}
+        unlocks = {"unlocksLeft": 6, **left}
+        remark = {"remark": "OK stayed disabled, so the dialog was cancelled"}
+        for card, code, result, *arguments in (
+                ({}, 0, {"result": "accepted", "unlockCodeSeen": True, **left}, "show-code", *ok,
+                 "--tick"),
+                ({}, 1, {"result": "declined", "unlockCodeSeen": False, **left}, "show-code", *ok),
+                ({}, 1, {"result": "removed", "unlockCodeSeen": False, **left}, "show-code",
+                 *pulled),
+                ({}, 1, {"result": "refused", "unlockCodeSeen": False, **left}, "show-code", *ok,
+                 "--card-fails", "12"),
+                ({"unlockCode": None}, 1,
+                 {"result": "none", "unlockCodeSeen": False, **left}, "show-code", *ok),
+                ({}, 0, {"result": "accepted", **left}, "card-locked", *ok),
+                ({}, 1, {"result": "cancelled", **left}, "card-locked", "--press", "cancel"),
+                ({}, 1, {"result": "removed", **left}, "card-locked", *pulled),
+                ({}, 1, {"result": "removed", **left}, "card-tool", "--mode", "init", *pulled),
+                ({}, 1, {"result": "removed", **unlocks}, "unlock", *pulled),
+                ({}, 1, {"result": "cancelled", **remark, **unlocks}, "unlock", "--code", CODE,
+                 "--new-pin", "123", *ok),
+                ({"pin": None}, 1, {"result": "uninitialized", **unlocks}, "unlock"),
+                ({"unlocksLeft": 0, "maxUnlocks": 6}, 1,
+                 {"result": "blocked", **unlocks, "unlocksLeft": 0}, "unlock"),
+                ({"unlocksLeft": 1, "maxUnlocks": 6}, 1,
+                 {"result": "blocked", **unlocks, "unlocksLeft": 0}, "unlock", "--code", "0" * 16,
+                 "--new-pin", NEW_PIN, *ok),
+                ({}, 1, {"result": "refused", **unlocks}, "unlock", "--code", CODE, "--new-pin",
+                 NEW_PIN, "--card-fails", "8", *ok),
+                ({"pin": None}, 1, {"result": "removed", "unlockCodeSeen": False, **unlocks},
+                 "init-pin", *pulled),
+                ({}, 1, {"result": "wrong", **unlocks, "triesLeft": 2}, "reset", "--type", "0000",
+                 *ok),
+                ({}, 1, {"result": "wrong", **unlocks, "unlocksLeft": 5}, "reset", "--route",
+                 "code", "--code", "1", *ok),
+                ({"triesLeft": 0}, 1, {"result": "blocked", **unlocks, "triesLeft": 0}, "reset"),
+                ({}, 1, {"result": "removed", **unlocks}, "reset", *pulled)):
+            with self.subTest(arguments):
+                self.make_card(**{"unlockCode": CODE, **card})
+                self.on_card(code, result, *arguments)
 
     def test_a_card_pulled_at_any_moment_ends_the_request(self):
         for delay in ("0", "15", "30", "45", "60"):

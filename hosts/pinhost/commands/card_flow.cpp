@@ -1,6 +1,7 @@
 #include "pinhost/commands/card_flow.h"
 
 #include <chrono>
+#include <filesystem>
 
 #include "pinhost/card_file.h"
 #include "pinhost/card_remover.h"
@@ -9,26 +10,39 @@
 
 namespace pinhost {
 
-void CardOptions::AddTo(CLI::App& command) {
+void CardOptions::AddFileTo(CLI::App& command) {
     command.add_option("--card", strCardFile,
                        "file of the software card; made anew when there is none "
                        "(pinhost-card.json beside the program)");
+}
+
+void CardOptions::AddTo(CLI::App& command) {
+    AddFileTo(command);
     command.add_option("--reader", strReader, "name of the reader (the card's own)");
+    command
+        .add_option("--remove-card-after", dwRemoveAfter,
+                    "pull the card this many milliseconds after the dialog has opened")
+        ->check(AnyWholeNumber<std::uint32_t>())
+        ->type_name("MS");
+}
+
+void CardOptions::AddLengthsTo(CLI::App& command) {
     const CLI::Validator number = AnyWholeNumber<std::uint32_t>();
     command.add_option("--min", dwMin, "shortest PIN in bytes (the card's own rule)")
         ->check(number);
     command.add_option("--max", dwMax, "longest PIN in bytes (the card's own rule)")->check(number);
-    command
-        .add_option("--remove-card-after", dwRemoveAfter,
-                    "pull the card this many milliseconds after the dialog has opened")
-        ->check(number)
-        ->type_name("MS");
 }
 
 SoftwareCard CardOptions::Load() {
     strCardFile =
         strCardFile.empty() ? OwnFolder() + "\\pinhost-card.json" : AbsolutePath(strCardFile);
-    SoftwareCard card = ReadCard(PathFromAnsi(strCardFile));
+    const std::filesystem::path file = PathFromAnsi(strCardFile);
+    std::error_code error;
+    const bool isNew = !std::filesystem::exists(file, error);
+    SoftwareCard card = ReadCard(file);
+    if (isNew && bBlank) {
+        card.Reset();
+    }
     dwMin = dwMin.value_or(card.policy.dwMinPinLength);
     dwMax = dwMax.value_or(card.policy.dwMaxPinLength);
     if (*dwMin > *dwMax) {
@@ -62,27 +76,49 @@ void TellRefusal(Outcome& outcome, Verdict verdict, const SoftwareCard& card) {
     }
 }
 
-void TellNoPin(Outcome& outcome, bool bCardRemoved) {
-    if (bCardRemoved) {
-        Tell(outcome, ExitCode::NotAccepted, "removed", "The card was removed.");
+void TellCodeRefusal(Outcome& outcome, Verdict verdict, const SoftwareCard& card) {
+    const std::string tries = std::to_string(card.nUnlocksLeft);
+    if (verdict == Verdict::Blocked) {
+        Tell(outcome, ExitCode::NotAccepted, "blocked",
+             "Wrong unlock code. The unlock code is blocked.");
     } else {
-        Tell(outcome, ExitCode::NotAccepted, "cancelled", "No PIN was entered.");
+        Tell(outcome, ExitCode::NotAccepted, "wrong",
+             "Wrong unlock code. Tries left: " + tries + ".");
     }
 }
 
-Outcome RunOnCard(CardOptions& options,
-                  const std::function<void(SoftwareCard& card, Outcome& outcome)>& flow) {
+void TellNoPinYet(Outcome& outcome) {
+    Tell(outcome, ExitCode::NotAccepted, "uninitialized", "The card has no PIN yet.");
+}
+
+void TellNotDone(Outcome& outcome, bool bCardRemoved, const char* pszCancelled) {
+    if (bCardRemoved) {
+        Tell(outcome, ExitCode::NotAccepted, "removed", "The card was removed.");
+    } else {
+        Tell(outcome, ExitCode::NotAccepted, "cancelled", pszCancelled);
+    }
+}
+
+Outcome RunOnCard(CardOptions& options, const CardFlow& flow) {
     SoftwareCard card = options.Load();
     Outcome outcome;
     outcome.json["reader"] = Utf8FromAnsi(options.strReader);
-    outcome.json["lastTry"] = card.IsLastTry();
-    if (card.IsBlocked()) {
-        Tell(outcome, ExitCode::NotAccepted, "blocked", "The card is blocked.");
-    } else {
-        flow(card, outcome);
-    }
+    flow(card, outcome);
     outcome.json["triesLeft"] = card.nTriesLeft;
     return outcome;
+}
+
+Outcome RunOnUsableCard(CardOptions& options, const CardFlow& flow) {
+    return RunOnCard(options, [&](SoftwareCard& card, Outcome& outcome) {
+        outcome.json["lastTry"] = card.IsLastTry();
+        if (!card.IsInitialized()) {
+            TellNoPinYet(outcome);
+        } else if (card.IsBlocked()) {
+            Tell(outcome, ExitCode::NotAccepted, "blocked", "The card is blocked.");
+        } else {
+            flow(card, outcome);
+        }
+    });
 }
 
 Asked AskUser(const CardOptions& options, const UserPlan& plan, const std::function<bool()>& ask) {
@@ -90,7 +126,7 @@ Asked AskUser(const CardOptions& options, const UserPlan& plan, const std::funct
     std::optional<CardRemover> remover;
     if (options.dwRemoveAfter) {
         remover.emplace(options.strReader, std::chrono::milliseconds(*options.dwRemoveAfter),
-                        GetCurrentThreadId());
+                        GetCurrentThreadId(), plan.bNeedsEdit);
     }
     AutomaticUser user(plan, GetCurrentThreadId());
     asked.bConfirmed = ask();

@@ -78,6 +78,7 @@ private:
 CLI::App* ChangePinCommand::AddTo(CLI::App& app) {
     CLI::App* command = app.add_subcommand("change-pin", "Ask for a new PIN and change the card's");
     m_options.AddTo(*command);
+    m_options.AddLengthsTo(*command);
     command->add_flag("--no-weak", m_bNotWeak,
                       "refuse simple series such as 1234, whatever the card's own rule");
     command->add_flag("--digits-only", m_bDigitsOnly,
@@ -169,7 +170,7 @@ void ChangePinCommand::Change(const ChangeRequest& request, SoftwareCard& card,
 
 Outcome ChangePinCommand::Run(const HostOptions& options) {
     MakePlan();
-    return RunOnCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
+    return RunOnUsableCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
         AskAndChange(PinLibrary(options), card, outcome);
     });
 }

@@ -51,6 +51,7 @@ CLI::App* GetPinCommand::AddTo(CLI::App& app) {
     CLI::App* command =
         app.add_subcommand("get-pin", "Ask for the card's PIN and verify it against the card");
     m_options.AddTo(*command);
+    m_options.AddLengthsTo(*command);
     command->add_option("--prompt", m_strPrompt, "text above the edit");
     command->add_flag("--parent", m_bParent, "open a window and show the dialog over it");
     command->add_option("--type", m_strTyped,
@@ -74,7 +75,9 @@ void GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, 
         const Verdict verdict = card.Verify(request.Pin());
         m_options.Save(card);
         if (verdict == Verdict::Accepted) {
-            Tell(outcome, ExitCode::Accepted, "accepted", "PIN accepted.");
+            Tell(outcome, ExitCode::Accepted, "accepted",
+                 card.policy.bForceChangePin ? "PIN accepted. It must be changed."
+                                             : "PIN accepted.");
         } else {
             TellRefusal(outcome, verdict, card);
         }
@@ -92,7 +95,7 @@ Outcome GetPinCommand::Run(const HostOptions& options) {
         m_plan.typed = {*m_strTyped};
     }
     m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
-    return RunOnCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
+    return RunOnUsableCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
         const PinLibrary library(options);
         library.SetPinPromptString(m_strPrompt.c_str());
         AskAndVerify(library, card, outcome);

@@ -4,6 +4,7 @@
 
 #include <mvpingui/mvpingui.h>
 
+#include "pinhost/flows/card_flows.h"
 #include "pinhost/flows/change_pin_window.h"
 #include "platform/barrier.h"
 
@@ -20,4 +21,31 @@ std::uint32_t RunFlow(const char* pszName, Flow&& flow) {
 
 extern "C" std::uint32_t PinHostChangePinEmbedded(const PinHostChangePin* pRequest) {
     return RunFlow("the change-PIN window", [=] { return pinhost::ChangePinEmbedded(*pRequest); });
+}
+
+extern "C" std::uint32_t PinHostUnlockCard(const PinHostCard* pCard, const PwdRuleArgs* pRules) {
+    return RunFlow("unlocking the card", [=] { return pinhost::UnlockCard(*pCard, *pRules); });
+}
+
+extern "C" std::uint32_t PinHostInitializePin(const PinHostCard* pCard,
+                                              const PINPolicies* pPolicies) {
+    return RunFlow("the first PIN", [=] { return pinhost::InitializePin(*pCard, *pPolicies); });
+}
+
+extern "C" std::uint32_t PinHostShowUnlockCode(const PinHostCard* pCard) {
+    return RunFlow("showing the unlock code", [=] { return pinhost::ShowUnlockCode(*pCard); });
+}
+
+extern "C" std::uint32_t PinHostCardManagerLocked(const PinHostCard* pCard) {
+    return RunFlow("the card manager's notice",
+                   [=] { return pinhost::ShowCardManagerLocked(*pCard); });
+}
+
+extern "C" std::uint32_t PinHostToolAtWork(const PinHostCard* pCard, bool bUnlocking) {
+    return RunFlow("the tool's notice",
+                   [=] { return pinhost::ShowToolAtWork(*pCard, bUnlocking); });
+}
+
+extern "C" std::uint32_t PinHostResetCard(const PinHostCard* pCard, PinHostReset* pReset) {
+    return RunFlow("resetting the card", [=] { return pinhost::ResetCard(*pCard, *pReset); });
 }

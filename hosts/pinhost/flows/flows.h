@@ -5,11 +5,12 @@
 //
 // Every function returns 0 (MVPINGUI_OK) when the user has confirmed, and otherwise
 // MVPINGUI_REFUSED; no exception leaves one. Texts are ANSI. All are called on the thread that runs
-// the host's user interface.
+// the host's user interface, and they call the card's functions there.
 #pragma once
 
 #include <cstdint>
 
+#include <mvpingui/pin_policies.h>
 #include <mvpingui/pwd_rule_args.h>
 
 #if defined(PINHOST_FLOWS_EXPORTS)
@@ -33,3 +34,59 @@ struct PinHostChangePin {
 // button, and hands out the PINs that GetChangePINInfoFromUser reads out of the panel.
 extern "C" PINHOST_FLOWS_API std::uint32_t PinHostChangePinEmbedded(
     const PinHostChangePin* pRequest);
+
+// The longest code or challenge that the card's functions give out, in bytes with the terminator.
+#define PINHOST_CODE_CAPACITY 256
+
+// What the flows ask the card, with `pContext` handed to each: a code of the library's error texts
+// comes back, 0 for success. No exception leaves one. Texts end with a zero; those that come in are
+// secrets, valid for the call alone.
+struct PinHostCard {
+    void* pContext;
+    const char* pszReader;
+    // Unblocks the card with the unlock code or response, without dashes.
+    std::int32_t (*pfnUnlock)(void* pContext, const char* pszUnlockCode, const char* pszNewPin);
+    // Anything but 0: the unlock code is a fixed one. The buffer holds PINHOST_CODE_CAPACITY bytes.
+    std::int32_t (*pfnGetChallenge)(void* pContext, char* pszChallenge);
+    // Gives the card its first PIN. All but AlphaPINAllowed of the record is filled in.
+    std::int32_t (*pfnInitialize)(void* pContext, const char* pszNewPin,
+                                  const PINPolicies* pPolicies);
+    // An empty code: the card has none. The buffer holds PINHOST_CODE_CAPACITY bytes.
+    std::int32_t (*pfnGetUnlockCode)(void* pContext, char* pszCode);
+    // The user need not see the unlock code again.
+    void (*pfnNeverDisplay)(void* pContext);
+};
+
+// Unblocks the card by CUnlockCardDlg.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostUnlockCard(const PinHostCard* pCard,
+                                                             const PwdRuleArgs* pRules);
+
+// Gives the card its first PIN by CInitializePinDlg.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostInitializePin(const PinHostCard* pCard,
+                                                                const PINPolicies* pPolicies);
+
+// Shows the unlock code by DisplayUnlockCode. Confirmed: the user need not see it again, or the
+// card has none.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostShowUnlockCode(const PinHostCard* pCard);
+
+// Tells that the card manager is blocked, by CCMLockedDlg.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostCardManagerLocked(const PinHostCard* pCard);
+
+// Tells that a tool is at work on the card, by CUnlockInitToolDlg.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostToolAtWork(const PinHostCard* pCard,
+                                                             bool bUnlocking);
+
+struct PinHostReset {
+    const char* pszChallenge;  // empty: the unlock code is a fixed one
+    bool bNoPinRoute;          // the card's PIN cannot be used
+    // What comes back: the route that the user chose, and what was entered there, with its
+    // terminator, at most `cbProof` bytes.
+    bool bByPin;
+    char* pszProof;
+    std::uint32_t cbProof;
+};
+
+// Asks for the right to reset the card by CResetCardDialogMain. Refused as well when what was
+// entered does not fit.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostResetCard(const PinHostCard* pCard,
+                                                            PinHostReset* pReset);

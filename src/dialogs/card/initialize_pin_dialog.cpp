@@ -109,8 +109,11 @@ LRESULT CInitializePinDlg::OnDisplayPINPolicies(WPARAM /*wParam*/, LPARAM /*lPar
         if (GetDlgItem(IDC_INITIALIZE_PIN_POLICIES_PLACE) == nullptr) {
             return 0;
         }
+        // The first line keeps clear of the caption, whose height follows the resolution.
+        mvp::RulePanel::Layout layout = kRuleLayout;
+        layout.nTopMargin = mvp::AtResolutionOf(*this, layout.nTopMargin);
         if (m_rulePanel.Create(*this, IDC_INITIALIZE_PIN_POLICIES_PLACE, mvp::RulesOf(m_policies),
-                               kRuleLayout)) {
+                               layout)) {
             mvp::FitWindow(*this, mvp::WindowFit::ToWholePanel(m_rulePanel.Height()),
                            {IDOK, IDCANCEL});
         }

@@ -207,7 +207,10 @@ LRESULT CUnlockCardDlg::OnDisplayPINPolicies(WPARAM /*wParam*/, LPARAM /*lParam*
 
 void CUnlockCardDlg::CreatePanel() {
     vklogLog(g_szLogTag, kLogInfo, "new m_pStaticPolicies");
-    if (!m_rulePanel.Create(*this, IDC_UNLOCK_CARD_POLICIES_PLACE, m_rules, kRuleLayout)) {
+    // The first line keeps clear of the caption, whose height follows the resolution.
+    mvp::RulePanel::Layout layout = kRuleLayout;
+    layout.nTopMargin = mvp::AtResolutionOf(*this, layout.nTopMargin);
+    if (!m_rulePanel.Create(*this, IDC_UNLOCK_CARD_POLICIES_PLACE, m_rules, layout)) {
         return;
     }
     m_rulePanel.SetWidth(mvp::PlaceOf(*this, IDC_UNLOCK_CARD_PIN_BOX).Width());

@@ -1,5 +1,6 @@
 #include "pinhost/software_card.h"
 
+#include <array>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -36,8 +37,55 @@ TEST(SoftwareCard, AcceptsNothingButAPinThatItsFileHolds) {
     EXPECT_TRUE(card.SetPin(longest));
     EXPECT_EQ(Try(card, longest), Verdict::Accepted);
     // As long as no PIN at all, to a byte.
-    card.pin.clear();
+    card.Reset();
+    EXPECT_EQ(Try(card, ""), Verdict::Wrong);
     EXPECT_EQ(Try(card, std::string(256, '1')), Verdict::Wrong);
+}
+
+// In the place of the cryptography: tells key and message apart.
+std::array<unsigned char, 32> Keyed(std::span<const char> key, std::span<const char> message) {
+    std::array<unsigned char, 32> hash = {0xAB};
+    for (std::size_t i = 0; i < message.size(); ++i) {
+        hash.at(i % 7 + 1) ^= static_cast<unsigned char>(message[i] + key[i % key.size()]);
+    }
+    return hash;
+}
+
+constexpr std::array<unsigned char, kChallengeBytes> kRandom = {0, 0x12, 0x9A, 0xFF, 4, 5, 6, 7};
+
+TEST(SoftwareCard, CountsWrongUnlockCodesAndResponsesTogether) {
+    SoftwareCard card;
+    card.nUnlocksLeft = card.nMaxUnlocks = 3;
+    EXPECT_EQ(card.Challenge(kRandom), "00129AFF04050607");
+    const Secret response = card.ResponseTo(card.strChallenge, Keyed);
+    using enum Verdict;
+    const auto unlock = [&](std::string_view code) { return card.VerifyUnlockCode(code); };
+    EXPECT_EQ(unlock("0123456789ABCDEE"), Wrong);
+    EXPECT_EQ(unlock("0123456789abcdef"), Accepted);
+    EXPECT_EQ(unlock(""), Wrong);
+    EXPECT_EQ(card.VerifyResponse(Secret(16, 'A'), Keyed), Wrong);
+    EXPECT_EQ(card.Challenge(std::array<unsigned char, kChallengeBytes>{}), "00129AFF04050607")
+        << "it waits for its response";
+    EXPECT_EQ(card.VerifyResponse(response, Keyed), Accepted);
+    EXPECT_EQ(card.VerifyResponse(response, Keyed), Wrong) << "a response serves once";
+    EXPECT_EQ(card.VerifyResponse("", Keyed), Wrong);
+    EXPECT_EQ(unlock("0"), Blocked);
+    EXPECT_EQ(unlock("0123456789ABCDEF"), Blocked);
+}
+
+TEST(SoftwareCard, AnUnlockedCardHasItsTriesAndAResetOneNoPin) {
+    SoftwareCard card;
+    card.nTriesLeft = 0;
+    card.policy.bForceChangePin = true;
+    EXPECT_FALSE(card.Unlock({}));
+    EXPECT_TRUE(card.IsBlocked());
+    EXPECT_TRUE(card.Unlock(std::string_view("5678")));
+    EXPECT_FALSE(card.policy.bForceChangePin);
+    EXPECT_EQ(Try(card, "1234"), Verdict::Wrong);
+    card.nUnlocksLeft = 0;
+    card.Reset();
+    EXPECT_FALSE(card.IsInitialized());
+    EXPECT_EQ(card.nTriesLeft + card.nUnlocksLeft, card.nMaxTries + card.nMaxUnlocks);
 }
 
 constexpr char kGood[] = R"({"reader": "R 0", "pin": "12\u00e9z", "unlockCode": "87654321",
@@ -64,10 +112,26 @@ nlohmann::json JsonOf(const SoftwareCard& card) {
     return nlohmann::json::parse(FormatCard(card));
 }
 
+// What a card of today has more than one of yesterday.
+constexpr char kToday[] = R"("challengeKey": "k", "challenge": "0123456789ABCDEF",
+ "unlocksLeft": 1, "maxUnlocks": 9, "unlockCodeSeen": true, "reader")";
+
 TEST(CardFile, KeepsEveryField) {
     SoftwareCard card = ParseCard(kGood);
     EXPECT_EQ(Try(card, "12\xe9z"), Verdict::Accepted);
-    EXPECT_EQ(JsonOf(ParseCard(kGood)), nlohmann::json::parse(kGood));
+    // What a file of yesterday lacks has its defaults.
+    nlohmann::json known = JsonOf(ParseCard(kGood));
+    known.update(nlohmann::json::parse(kGood), true);
+    EXPECT_EQ(JsonOf(ParseCard(kGood)), known);
+    EXPECT_EQ(card.nUnlocksLeft, SoftwareCard().nUnlocksLeft);
+    EXPECT_EQ(card.challengeKey, SoftwareCard().challengeKey);
+    SoftwareCard today = ParseCard(With("\"reader\"", kToday));
+    today.pin.clear();
+    today.policy.bForceChangePin = true;
+    EXPECT_EQ(today.strChallenge, "0123456789ABCDEF");
+    EXPECT_EQ(std::pair(today.nUnlocksLeft, today.nMaxUnlocks), std::pair(1u, 9u));
+    const Secret text = FormatCard(today);
+    EXPECT_EQ(ParseCard({text.data(), text.size()}), today);
 }
 
 TEST(CardFile, RefusesWhatIsNoCard) {
@@ -92,6 +156,10 @@ TEST(CardFile, RefusesWhatIsNoCard) {
         {With(": 10", ": 4294967296"), "\"maxLength\" is too large"},
         {With(": 10", ": 3"), "\"minLength\" is greater"},
         {With("true", "1"), "\"digitsOnly\" is neither"},
+        {With("{", R"({"unlocksLeft": 1, )"), "\"maxUnlocks\" is missing"},
+        {With("{", R"({"challenge": "12", )"), "\"challenge\" is not 16"},
+        {With("{", R"({"challengeKey": "", )"), "\"challengeKey\" is empty"},
+        {With("true}", R"(true, "forceChange": 1})"), "\"forceChange\" is neither"},
         {With(R"("policy": {)", R"("policy": 1, "x": {)"), "\"policy\" is not an object"},
     };
     for (const auto& [text, fault] : cases) {
