@@ -115,6 +115,7 @@ BOOL CUnlockCardDlg::OnInitDialog() {
     ChooseMode();
     m_editNewPin.SetPasswordChar(kPasswordCharacter);
     m_editConfirmPin.SetPasswordChar(kPasswordCharacter);
+    EnableOk(false);
     PostMessage(kDisplayPinPoliciesMessage);
     mvp::BringToFront(*this);
     SetActiveWindow();
@@ -226,13 +227,16 @@ bool CUnlockCardDlg::IsAllowed(const Entries& entries) {
            mvp::IsUnlockCode(mvp::View(entries.strUnlockCode));
 }
 
+void CUnlockCardDlg::EnableOk(bool bEnable) {
+    if (CWnd* ok = GetDlgItem(IDOK)) {
+        mvp::EnableIf(*ok, bEnable);
+    }
+}
+
 void CUnlockCardDlg::OnChangeEdit() {
     const mvp::LogScope scope("CUnlockCardDlg::OnChangeEdit");
     Entries entries;
-    const bool allowed = ReadEntries(entries) && IsAllowed(entries);
-    if (CWnd* ok = GetDlgItem(IDOK)) {
-        mvp::EnableIf(*ok, allowed);
-    }
+    EnableOk(ReadEntries(entries) && IsAllowed(entries));
     m_rulePanel.Update();
     UpdateWindow();
 }
