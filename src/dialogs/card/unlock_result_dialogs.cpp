@@ -45,11 +45,10 @@ BOOL CUnlockFailedDlg::OnInitDialog() {
     if (m_nMode == kInitializeMode) {
         SetTextIfThere(*this, IDS_INITIALIZE_FAILED_TITLE);
         SetHeading(*this, IDS_INITIALIZE_FAILED_HEADING);
-        mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, IDI_CARD_INITIALIZE);
-        mvp::SetSmallIcon(*this, IDI_CARD_INITIALIZE);
-    } else {
-        mvp::SetSmallIcon(*this, IDI_CARD_UNLOCK);
     }
+    const UINT icon = m_nMode == kInitializeMode ? IDI_CARD_INITIALIZE : IDI_CARD_UNLOCK;
+    mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, icon);
+    mvp::SetSmallIcon(*this, icon);
     SetDlgItemText(IDC_UNLOCK_RESULT_MESSAGE, m_strMessage);
     mvp::BringToFront(*this);
     return TRUE;
@@ -67,6 +66,7 @@ INT_PTR CUnlockSuccessDlg::DoModal() {
 BOOL CUnlockSuccessDlg::OnInitDialog() {
     const mvp::LogScope scope("CUnlockSuccessDlg::OnInitDialog");
     CDialog::OnInitDialog();
+    mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, IDI_CARD_UNLOCK);
     mvp::SetSmallIcon(*this, IDI_CARD_UNLOCK);
     m_boldFont.Attach(mvp::MakeHeadingBold(*this, IDC_UNLOCK_RESULT_HEADING).release());
     mvp::BringToFront(*this);
@@ -81,6 +81,7 @@ CUnlockInitToolDlg::CUnlockInitToolDlg(CWnd* pParent, const char* pszReader, int
 BOOL CUnlockInitToolDlg::OnInitDialog() {
     const mvp::LogScope scope("CUnlockInitToolDlg::OnInitDialog");
     VKDetectCardRemovedDlg::OnInitDialog();
+    mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, IDI_CARD_PIN);
     if (m_nMode == kUnlockMode) {
         SetHeading(*this, IDS_UNLOCK_INIT_TOOL_HEADING);
     }
