@@ -212,6 +212,10 @@ void CUnlockCardDlg::CreatePanel() {
     }
     m_rulePanel.SetWidth(mvp::PlaceOf(*this, IDC_UNLOCK_CARD_PIN_BOX).Width());
     mvp::FitWindow(*this, mvp::WindowFit::ToWholePanel(m_rulePanel.ListHeight()), {IDOK, IDCANCEL});
+    // It stands in the middle at the height that it had, and shows when this message is handled.
+    if (!IsWindowVisible()) {
+        CenterWindow();
+    }
 }
 
 bool CUnlockCardDlg::ReadEntries(Entries& entries) const {
