@@ -1,7 +1,7 @@
 // Unlocking a card: the dialog from the caller's callbacks to its result, and the small ones that
 // tell of it.
+#include <algorithm>
 #include <functional>
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -17,7 +17,6 @@
 #include "services/format_text.h"
 #include "services/help_topic.h"
 #include "support/dialog_driver.h"
-#include "support/patched_imports.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
 
@@ -91,44 +90,40 @@ std::string Confirm(Dialog& d, int nText) {
     return text;
 }
 
-void RemoveCard(const char* pszReader) {
-    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
-    EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+bool IsBold(const Dialog& d, int nControl) {
+    LOGFONTA font{};
+    GetObjectA(reinterpret_cast<HFONT>(d.Send(nControl, WM_GETFONT)), sizeof font, &font);
+    return font.lfWeight == FW_BOLD;
 }
 
-// Where the controls are, and the client area (-1).
-std::map<int, CRect> PlacesIn(HWND hDialog) {
-    std::map<int, CRect> places;
-    GetClientRect(hDialog, &places[-1]);
-    for (HWND h = GetWindow(hDialog, GW_CHILD); h != nullptr; h = GetWindow(h, GW_HWNDNEXT)) {
-        places[GetDlgCtrlID(h)] = RectIn(hDialog, h);
-    }
-    return places;
+HICON SmallIconOf(const Dialog& d) {
+    return reinterpret_cast<HICON>(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0));
 }
 
+// All is where the template has it, or `nUp` pixels above, and has made room for the rules.
 void ExpectPlaces(const Dialog& d, int nUp) {
     const HWND plain = CreateDialogParamA(
         ResourceModule(), MAKEINTRESOURCEA(IDD_UNLOCK_CARD), nullptr,
         [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
-    std::map<int, CRect> expected = PlacesIn(plain);
-    DestroyWindow(plain);
-    const CRect list = RectIn(d.Handle(), d.Control(IDC_POLICIES_BOX));
-    const CRect place = expected.at(IDC_UNLOCK_CARD_POLICIES_PLACE);
+    const auto placeOf = [&](int nId) { return RectIn(plain, GetDlgItem(plain, nId)); };
+    const HWND box = d.Control(IDC_POLICIES_BOX);
+    const CRect list = RectIn(d.Handle(), box);
+    const CRect place = placeOf(IDC_UNLOCK_CARD_POLICIES_PLACE);
     EXPECT_EQ(list.TopLeft(), CPoint(place.left, place.top - nUp));
-    EXPECT_EQ(list.Width(), expected.at(IDC_UNLOCK_CARD_PIN_BOX).Width());
-    EXPECT_GT(list.Height(), 50);
-    std::map<int, CRect> places = PlacesIn(d.Handle());
-    EXPECT_EQ(places[0], list) << "the panel is as large as its list";
-    for (auto& [id, rect] : expected) {
+    EXPECT_EQ(list.Width(), placeOf(IDC_UNLOCK_CARD_PIN_BOX).Width());
+    EXPECT_EQ(list, RectIn(d.Handle(), GetParent(box)));
+    for (HWND h = GetWindow(plain, GW_CHILD); h != nullptr; h = GetWindow(h, GW_HWNDNEXT)) {
+        const int id = GetDlgCtrlID(h);
         const bool upper = id == 3033 || id == 3035 || id == 3034 || id == 3026;
-        const int down = (upper || id == 3032 ? 0 : -nUp) + (id < 3 ? list.Height() : 0);
-        rect.top += id > 0 ? down : 0;
-        rect.bottom += down;
-        EXPECT_EQ(places[id], rect) << id;
-        EXPECT_TRUE(id < 0 || d.IsVisible(id) == (id != 3040 && (nUp == 0 || !upper))) << id;
+        CRect rect = placeOf(id);
+        rect.OffsetRect(0, (upper || id == 3032 ? 0 : -nUp) + (id < 3 ? list.Height() : 0));
+        EXPECT_EQ(RectIn(d.Handle(), d.Control(id)), rect) << id;
+        EXPECT_EQ(d.IsVisible(id), id != 3040 && (nUp == 0 || !upper)) << id;
     }
-    const RECT window = d.ScreenRect();
+    const CRect window = d.ScreenRect();
+    EXPECT_EQ(window.Height(), RectIn(nullptr, plain).Height() + list.Height() - nUp);
     EXPECT_NEAR(window.top + window.bottom, GetSystemMetrics(SM_CYSCREEN), 1);
+    DestroyWindow(plain);
 }
 
 std::string g_strHelp;
@@ -147,14 +142,12 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
             EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR), '*');
             EXPECT_EQ(d.Send(kConfirm, EM_GETPASSWORDCHAR), '*');
             EXPECT_FALSE(d.IsVisible(IDC_POLICIES_SAME_TEXT)) << "there is no current PIN";
-            HELPINFO info{};
-            info.cbSize = sizeof info;
             d.Run([&] {
                 ExpectPlaces(d, each.first != nullptr ? 0 : 100);
-                EXPECT_EQ(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0),
-                          reinterpret_cast<LRESULT>(LoadResourceIcon(IDI_CARD_UNLOCK, 16)));
+                EXPECT_EQ(SmallIconOf(d), LoadResourceIcon(IDI_CARD_UNLOCK, 16));
+                EXPECT_TRUE(IsBold(d, kHeading));
                 EXPECT_EQ(GetForegroundWindow(), d.Handle());
-                SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+                SendMessageA(d.Handle(), WM_HELP, 0, 0);
             });
             for (const int id : {kCode, kNew, kConfirm, IDCANCEL}) {  // OK is disabled
                 EXPECT_EQ(d.FocusedId(), id);
@@ -194,36 +187,30 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
 }
 
 TEST_F(UnlockCard, OkFollowsEveryEdit) {
-    const std::tuple<int, const char*, bool> steps[] = {{kNew, "5838", false},
-                                                        {kConfirm, "5838", false},
-                                                        {kCode, "--0123456789abcDEF", true},
-                                                        {kCode, "0123456789ABCDE", false},
-                                                        {kCode, "0123456789ABCDEF", true},
-                                                        {kCode, "0123456789ABCDEG", false},
-                                                        {kCode, "0123456789ABCDEF", true},
-                                                        {kConfirm, "583", false},
-                                                        {kNew, "583", false},
-                                                        {kNew, "58385838", false},
-                                                        {kConfirm, "58385838", true},
-                                                        {kCode, "", false}};
-    Card card;
-    card.Ask([&](Dialog& d) {
-        for (const auto& [edit, text, allowed] : steps) {
-            Set(d, edit, text);
-            EXPECT_EQ(d.IsEnabled(IDOK), allowed) << text;
-            if (allowed) {
-                continue;
-            }
-            // The command comes without the button, too.
+    const auto expect = [](Dialog& d, int nEdit, const char* pszText, bool bAllowed) {
+        Set(d, nEdit, pszText);
+        EXPECT_EQ(d.IsEnabled(IDOK), bAllowed) << pszText;
+        if (!bAllowed) {  // the command comes without the button, too
             PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-            if (d.Text(kNew) != d.Text(kConfirm)) {
-                EXPECT_EQ(Confirm(d, 0xFFFF), std::string(ResourceString(IDS_UNLOCK_PINS_DIFFER)));
-            }
+            EXPECT_TRUE(d.Text(kNew) == d.Text(kConfirm) ||
+                        Confirm(d, 0xFFFF) == std::string(ResourceString(IDS_UNLOCK_PINS_DIFFER)));
             d.Settle();
         }
-        EXPECT_EQ(Fields(d), " 58385838 58385838");
+    };
+    const auto edit = [&](Dialog& d) {
+        expect(d, kNew, "5838", false);
+        expect(d, kConfirm, "5838", false);
+        for (const char* code : {"0123456789ABCDE", "0123456789ABCDEG", ""}) {
+            expect(d, kCode, "--0123456789abcDEF", true);
+            expect(d, kCode, code, false);
+        }
+        expect(d, kCode, "0123456789ABCDEF", true);
+        expect(d, kConfirm, "583", false);
+        expect(d, kNew, "583", false);
         d.Escape();
-    });
+    };
+    Card card;
+    EXPECT_EQ(card.Ask(edit), IDCANCEL);
     EXPECT_EQ(card.strAttempts, "");
 }
 
@@ -235,16 +222,16 @@ TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
     const HWND tray =
         CreateWindowA(info.lpszClassName, "", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     constexpr char kNotice[] = "message: 78946, on reader Reader A to the Smart Card Agent";
-    std::string told[4] = {std::string(ResourceString(IDS_UNLOCK_WRONG_CODE))};
-    for (const auto& [i, code] : {std::pair{1, 7}, {2, 99}, {3, MVPINGUI_CARD_FAILED}}) {
-        told[i] = std::string(FormatResourceText(IDS_UNLOCK_FAILED_FORMAT, ErrorText(code)));
-    }
     Card card{.results = {0, kThrow, 99, 7, 5}};
     const auto attempt = [&](Dialog& d) {
         Fill(d);
-        for (const std::string& text : told) {
+        for (const int code : {5, 7, 99, kThrow}) {
             d.Click(IDOK);
-            EXPECT_EQ(Confirm(d, IDC_UNLOCK_RESULT_MESSAGE), text);
+            const std::string told = Confirm(d, IDC_UNLOCK_RESULT_MESSAGE);
+            const char* reason = ErrorText(code == kThrow ? 1 : code);
+            EXPECT_EQ(told, std::string(
+                                code == 5 ? ResourceString(IDS_UNLOCK_WRONG_CODE)
+                                          : FormatResourceText(IDS_UNLOCK_FAILED_FORMAT, reason)));
             EXPECT_EQ(Fields(d), kTyped);
             EXPECT_EQ(std::exchange(card.strAttempts, ""), kAttempt);
         }
@@ -259,56 +246,75 @@ TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
     DestroyWindow(tray);
 }
 
-enum class When { Open, Attempt, Told };
+enum When { Open, Attempt, Told };
+struct Removal {
+    When when;
+    const char* pszReader;
+    int nCode;
+    INT_PTR nEnd;
 
-TEST_F(UnlockCard, RemovalEndsItUnlessTheCardIsUnlocked) {
-    const std::tuple<When, const char*, int, INT_PTR> cases[] = {
-        {When::Open, "reader a", 0, IDCANCEL}, {When::Open, "Reader B", 0, IDOK},
-        {When::Attempt, "Reader A", 0, IDOK},  {When::Attempt, "Reader A", 5, IDCANCEL},
-        {When::Told, "Reader A", 0, IDOK},     {When::Told, "Reader A", 5, IDCANCEL}};
-    for (const auto& each : cases) {
-        const auto [when, reader, code, end] = each;
-        SCOPED_TRACE(testing::Message() << static_cast<int>(when) << " " << code);
-        const auto reach = [&each](When now) {
-            if (now == std::get<0>(each)) {
-                RemoveCard(std::get<1>(each));
-            }
-        };
-        Card card{.results = {0, code}};
-        card.onAttempt = [&] {
-            reach(When::Attempt);
+    void RemoveIf(When now) const {
+        if (now == when) {
+            EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
+            EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+        }
+    }
+    void Run() const {
+        Card card{.pszChallenge = nCode == 5 ? "A" : nullptr, .results = {0, nCode}};
+        card.onAttempt = [this] {
+            RemoveIf(Attempt);
             // Not heard while the callback runs.
             PostMessageA(GetActiveWindow(), WM_COMMAND, IDOK, 0);
             for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
                 DispatchMessageA(&message);
             }
         };
-        const auto script = [&](Dialog& d) {
+        const auto script = [this](Dialog& d) {
             Fill(d);
-            reach(When::Open);
+            RemoveIf(Open);
             d.Settle();
             if (d.IsOpen()) {
                 d.Click(IDOK);
                 Dialog result = d.Next();
-                reach(When::Told);
+                RemoveIf(Told);
                 result.Settle();
                 result.Enter();
             }
         };
-        EXPECT_EQ(card.Ask(script), end);
-        EXPECT_EQ(card.strAttempts, when == When::Open && end == IDCANCEL ? "" : kAttempt);
+        EXPECT_EQ(card.Ask(script), nEnd) << when << " " << nCode;
+        EXPECT_EQ(card.strAttempts, when == Open && nEnd == IDCANCEL ? "" : kAttempt);
     }
+};
+
+TEST_F(UnlockCard, RemovalEndsItUnlessTheCardIsUnlocked) {
+    const Removal removals[] = {{Open, "reader a", 0, IDCANCEL}, {Open, "Reader B", 0, IDOK},
+                                {Attempt, "Reader A", 0, IDOK},  {Attempt, "Reader A", 5, IDCANCEL},
+                                {Told, "Reader A", 0, IDOK},     {Told, "Reader A", 5, IDCANCEL}};
+    ExpectRoundsKeepNothing(1, 4, [&](int) {
+        m_log.Clear();
+        std::ranges::for_each(removals, &Removal::Run);
+    });
+    const std::string shape = LogShape();
+    for (const char* part :
+         {"::CUnlockCardDlg{2 m_pStaticPolicies = NULL; } ", "Dlg::OnInitDialog{CBaseDialog::On",
+          "0 Unlock static; ", "2 WindowRect (left=", "2 SetWindowPos succeeded; ",
+          "0 Unlock challenge response; ", "Dlg::OnMove{", "Dlg::OnDestroy{",
+          "PINPolicies{2 Test m_pStaticPolicies; 2 m_pStaticPolicies == NULL; 2 new m_pStatic",
+          "2 Test m_pStaticPolicies; 2 m_pStaticPolicies != NULL; ", "Dlg::OnChangeEdit{",
+          "Dlg::OnCardEvent(){CUnlockCardDlg::OnCancel{} } ",
+          "::~CUnlockCardDlg{2 Here 1 : m_pStaticPolicies = 0x"}) {
+        EXPECT_NE(shape.find(part), std::string::npos) << part << shape;
+    }
+    EXPECT_FALSE(m_log.Contains(16, "CUnlockCardDlg::OnOK")) << "its exit is told as an entry";
 }
 
 TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
-    for (const int missing : {0, IDOK, IDC_UNLOCK_CARD_CHALLENGE, IDC_UNLOCK_CARD_HEADING,
-                              IDC_UNLOCK_CARD_POLICIES_PLACE, kCode, kNew, kConfirm}) {
-        SCOPED_TRACE(missing);
-        Card card{.pszChallenge = missing % 2 == 0 ? "A" : nullptr, .nMissing = missing};
-        if (missing == kCode || missing == kNew || missing == kConfirm) {
-            EXPECT_EQ(card.Ask(), -1);
-            continue;
-        }
+    for (const int missing : {kCode, kNew, kConfirm}) {
+        EXPECT_EQ(Card{.nMissing = missing}.Ask(), -1);
+    }
+    // 0, the whole module: nothing tells of the success.
+    for (const int missing :
+         {IDOK, IDC_UNLOCK_CARD_CHALLENGE, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
         const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE;
         const auto script = [&](Dialog& d) {
             Fill(d);
@@ -316,71 +322,21 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
             if (!judged) {
                 EXPECT_FALSE(d.IsEnabled(IDOK));
                 d.Escape();
-            } else if (missing != 0) {  // else nothing tells of the success
+            } else if (missing != 0) {
                 Confirm(d, IDOK);
             }
         };
+        Card card{.pszChallenge = missing % 2 == 0 ? "A" : nullptr, .nMissing = missing};
         EXPECT_EQ(card.Ask(script), judged ? IDOK : IDCANCEL);
         EXPECT_EQ(card.strAttempts, judged ? kAttempt : "");
-        LoadResourceModule();
     }
 }
 
-BOOL WINAPI RefuseToPlace(HWND, HWND, int, int, int, int, UINT) {
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
-}
-
-TEST_F(UnlockCard, TellsWhatItDoesAndKeepsNothing) {
-    const auto attempt = [](Dialog& d) {
-        Fill(d);
-        d.Click(IDOK);
-        Confirm(d, IDOK);
-    };
-    Card().Ask(attempt);
-    Card{.pszChallenge = ""}.Ask([](Dialog&) { RemoveCard("Reader A"); });
-    {
-        const PatchedImports refused("dlgfw.dll", {{"SetWindowPos", Address(&RefuseToPlace)}});
-        Card().Ask([](Dialog& d) { d.Escape(); });
-    }
-    const std::string shape = LogShape();
-    for (const char* part :
-         {"::CUnlockCardDlg{2 m_pStaticPolicies = NULL; } ", "Dlg::OnInitDialog{CBaseDialog::On",
-          "0 Unlock static; ", "2 WindowRect (left=", "2 SetWindowPos succeeded; ",
-          "2 SetWindowPos failed (GetLastError=5); ", "0 Unlock challenge response; ",
-          "PINPolicies{2 Test m_pStaticPolicies; 2 m_pStaticPolicies == NULL; 2 new m_pStatic",
-          "2 Test m_pStaticPolicies; 2 m_pStaticPolicies != NULL; ", "Dlg::OnChangeEdit{",
-          "Dlg::OnMove{", "Dlg::OnCardEvent(){CUnlockCardDlg::OnCancel{} } ", "Dlg::OnDestroy{",
-          "::~CUnlockCardDlg{2 Here 1 : m_pStaticPolicies = 0x"}) {
-        EXPECT_NE(shape.find(part), std::string::npos) << part << shape;
-    }
-    // The exit of OnOK is told as an entry.
-    EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size() + 2) << m_log.Dump();
-    ExpectRoundsKeepNothing(2, 20, [&](int) {
-        Card().Ask(attempt);
-        m_log.Clear();
-    });
-}
-
-// A result dialog: whether title and heading are those strings; its icons, the small one or 0.
+// Title and heading are the strings of those numbers (0: the template's own), or they are not. Its
+// icons; the small one may be 0.
 struct Look {
     bool bStrings;
     UINT nTitle, nHeading, nSmall, nIcon;
-
-    void Expect(Dialog& d) const {
-        EXPECT_EQ(d.Title() == std::string(ResourceString(nTitle)), bStrings && nTitle != 0);
-        EXPECT_EQ(d.Text(kHeading) == std::string(ResourceString(nHeading)), bStrings);
-        EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
-        d.Run([&] {
-            EXPECT_EQ(
-                SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0),
-                reinterpret_cast<LRESULT>(nSmall != 0 ? LoadResourceIcon(nSmall, 16) : nullptr));
-            EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)), LoadResourceIcon(nIcon, 32));
-            LOGFONTA font{};
-            GetObjectA(reinterpret_cast<HFONT>(d.Send(kHeading, WM_GETFONT)), sizeof font, &font);
-            EXPECT_EQ(font.lfWeight == FW_BOLD, nSmall != 0);
-        });
-    }
 };
 
 TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
@@ -397,35 +353,41 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
         {&otherTool, {false, 0, 3035, 0, IDI_CARD_PIN}}};
     for (const auto& each : cases) {
         const DialogDriver driver([&](Dialog& d) {
-            each.second.Expect(d);
+            d.Run([&] {
+                const Look& look = each.second;
+                const auto isString = [](const std::string& strText, UINT nString) {
+                    return strText == std::string(ResourceString(nString));
+                };
+                EXPECT_TRUE(look.nTitle == 0 || isString(d.Title(), look.nTitle) == look.bStrings);
+                EXPECT_EQ(isString(d.Text(kHeading), look.nHeading), look.bStrings);
+                EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+                EXPECT_EQ(SmallIconOf(d),
+                          look.nSmall != 0 ? LoadResourceIcon(look.nSmall, 16) : nullptr);
+                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)),
+                          LoadResourceIcon(look.nIcon, 32));
+                EXPECT_EQ(IsBold(d, kHeading), look.nSmall != 0);
+            });
             d.Enter();
         });
         EXPECT_EQ(each.first->DoModal(), IDOK);
     }
-    const DialogDriver driver([](Dialog& d) {
-        RemoveCard("Reader B");
-        d.Settle();
-        EXPECT_TRUE(d.IsOpen());
-        RemoveCard("Reader A");
-    });
-    EXPECT_EQ(otherTool.DoModal(), IDCANCEL);
+    FreeResourceModule();
+    for (const auto& each : cases) {
+        EXPECT_EQ(each.first->DoModal(), -1);
+    }
+    EXPECT_EQ(Card().Ask(), -1);
 }
 
-TEST_F(UnlockCard, ResultsShowWhatThereIs) {
-    for (const int missing : {0, kHeading, IDC_UNLOCK_RESULT_ICON}) {
-        Incomplete<CUnlockFailedDlg> failed(missing, nullptr, "", 1);
-        Incomplete<CUnlockSuccessDlg> success(missing, nullptr);
-        Incomplete<CUnlockInitToolDlg> tool(missing, nullptr, "Reader A", 0);
-        for (CDialog* dialog : std::initializer_list<CDialog*>{&failed, &success, &tool}) {
-            const DialogDriver driver([](Dialog& d) { d.Enter(); });
-            EXPECT_EQ(dialog->DoModal(), IDOK) << missing;
-            FreeResourceModule();
-            EXPECT_EQ(dialog->DoModal(), -1);
-            LoadResourceModule();
+TEST_F(UnlockCard, ToolsNoticeGoesWithTheCard) {
+    CUnlockInitToolDlg tool(nullptr, "Reader A", 0);
+    const DialogDriver driver([](Dialog& d) {
+        for (const char* reader : {"Reader B", "Reader A"}) {
+            EXPECT_TRUE(d.IsOpen());
+            Removal{Open, reader, 0, 0}.RemoveIf(Open);
+            d.Settle();
         }
-    }
-    FreeResourceModule();
-    EXPECT_EQ(Card().Ask(), -1);
+    });
+    EXPECT_EQ(tool.DoModal(), IDCANCEL);
 }
 
 }  // namespace
