@@ -1,6 +1,5 @@
-// Unlocking a card: the dialog from the caller's callbacks to its result, and the small ones that
-// tell of it.
-#include <algorithm>
+// Unlocking a card: the dialog from its callbacks to its result, and the small ones that tell of
+// it.
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -29,16 +28,15 @@ constexpr int kNew = IDC_UNLOCK_CARD_NEW_EDIT;
 constexpr int kConfirm = IDC_UNLOCK_CARD_CONFIRM_EDIT;
 constexpr int kCode = IDC_UNLOCK_CARD_CODE_EDIT;
 constexpr int kHeading = IDC_UNLOCK_RESULT_HEADING;
-constexpr char kTyped[] = "1234-5678-9abc-def0 5838 5838";
+constexpr char kTyped[] = "1234-5678-9abc-def058385838";
 constexpr char kAttempt[] = "123456789abcdef0/5838 ";
-constexpr int kThrow = -77;
 // Unused, digits, weak, same, minimum, maximum, no cancelling.
 constexpr PwdRuleArgs kRules = {0xDEAD, 1, 2, 1, 4, 8, 1};
 
 // The card as the callbacks have it.
 struct Card {
     const char* pszChallenge = nullptr;       // null: it takes a fixed code
-    std::vector<int> results = {0};           // of the attempts, the next one last; 0 stays
+    std::vector<int> results = {0};           // of the attempts, the next one last
     std::function<void()> onAttempt = [] {};  // while the callback runs
     std::string strAttempts = {};             // "code/PIN " each
     int nMissing = -1;                        // of the dialog, see Incomplete
@@ -52,11 +50,9 @@ struct Card {
         auto& card = *static_cast<Card*>(pContext);
         card.strAttempts += std::string(strCode) + "/" + std::string(strPin) + " ";
         const int result = card.results.back();
-        if (result != 0) {
-            card.results.pop_back();
-        }
+        card.results.pop_back();
         card.onAttempt();
-        return result != kThrow ? result : throw std::runtime_error("the card is gone");
+        return result != MVPINGUI_CARD_FAILED ? result : throw std::runtime_error("no card");
     }
     template <class... Scripts>
     INT_PTR Ask(Scripts&&... scripts) {
@@ -77,10 +73,6 @@ void Fill(const Dialog& d) {
     Set(d, kConfirm, "5838");
 }
 
-std::string Fields(const Dialog& d) {
-    return d.Text(kCode) + " " + d.Text(kNew) + " " + d.Text(kConfirm);
-}
-
 // Confirms the dialog over `d`, and returns what it tells.
 std::string Confirm(Dialog& d, int nText) {
     Dialog top = d.Next();
@@ -88,6 +80,19 @@ std::string Confirm(Dialog& d, int nText) {
     top.Enter();
     top.WaitGone();
     return text;
+}
+
+void RemoveCard(const char* pszReader) {
+    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
+    EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+}
+
+std::string TextOf(UINT nString) {
+    return std::string(ResourceString(nString));
+}
+
+std::string Filled(UINT nFormat, const char* pszText) {
+    return std::string(FormatResourceText(nFormat, pszText));
 }
 
 bool IsBold(const Dialog& d, int nControl) {
@@ -134,13 +139,13 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
         g_strHelp = pszFile + std::to_string(nTopic);
         return nullptr;
     });
-    const std::pair<const char*, const char*> challenges[] = {
-        {nullptr, ""}, {"", ""}, {"ABCD", "ABCD"}, {"ABCDE", "ABCD-E"}, {"ABCDEFGH", "ABCD-EFGH"}};
-    for (const auto& each : challenges) {
+    using Challenge = std::pair<const char*, const char*>;
+    for (const auto& each :
+         {Challenge{nullptr, ""}, {"", ""}, {"ABCD", "ABCD"}, {"ABCDE", "ABCD-E"}}) {
         const auto look = [&each](Dialog& d) {
             EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), each.second);
-            EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR), '*');
-            EXPECT_EQ(d.Send(kConfirm, EM_GETPASSWORDCHAR), '*');
+            EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR),
+                      2 * '*');
             EXPECT_FALSE(d.IsVisible(IDC_POLICIES_SAME_TEXT)) << "there is no current PIN";
             d.Run([&] {
                 ExpectPlaces(d, each.first != nullptr ? 0 : 100);
@@ -176,11 +181,11 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
         if (type != REG_NONE) {
             m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
         }
-        const CString text = number.empty()
-                                 ? ResourceString(IDS_UNLOCK_HELP_DESK)
-                                 : FormatResourceText(IDS_UNLOCK_HELP_DESK_FORMAT, number.c_str());
+        const std::string text = number.empty()
+                                     ? TextOf(IDS_UNLOCK_HELP_DESK)
+                                     : Filled(IDS_UNLOCK_HELP_DESK_FORMAT, number.c_str());
         Card{.pszChallenge = ""}.Ask([&](Dialog& d) {
-            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_HELP_DESK), std::string(text)) << bytes;
+            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_HELP_DESK), text) << bytes;
             d.Escape();
         });
     }
@@ -193,7 +198,7 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
         if (!bAllowed) {  // the command comes without the button, too
             PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
             EXPECT_TRUE(d.Text(kNew) == d.Text(kConfirm) ||
-                        Confirm(d, 0xFFFF) == std::string(ResourceString(IDS_UNLOCK_PINS_DIFFER)));
+                        Confirm(d, 0xFFFF) == TextOf(IDS_UNLOCK_PINS_DIFFER));
             d.Settle();
         }
     };
@@ -204,10 +209,13 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
             expect(d, kCode, "--0123456789abcDEF", true);
             expect(d, kCode, code, false);
         }
-        expect(d, kCode, "0123456789ABCDEF", true);
         expect(d, kConfirm, "583", false);
         expect(d, kNew, "583", false);
-        d.Escape();
+        Fill(d);
+        d.Run([&] {  // OK comes too late
+            SendMessageA(d.Handle(), WM_COMMAND, IDCANCEL, 0);
+            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+        });
     };
     Card card;
     EXPECT_EQ(card.Ask(edit), IDCANCEL);
@@ -222,17 +230,15 @@ TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
     const HWND tray =
         CreateWindowA(info.lpszClassName, "", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     constexpr char kNotice[] = "message: 78946, on reader Reader A to the Smart Card Agent";
-    Card card{.results = {0, kThrow, 99, 7, 5}};
+    Card card{.results = {0, MVPINGUI_CARD_FAILED, 99, 7, 5}};
     const auto attempt = [&](Dialog& d) {
         Fill(d);
-        for (const int code : {5, 7, 99, kThrow}) {
+        for (const int code : {5, 7, 99, MVPINGUI_CARD_FAILED}) {
             d.Click(IDOK);
-            const std::string told = Confirm(d, IDC_UNLOCK_RESULT_MESSAGE);
-            const char* reason = ErrorText(code == kThrow ? 1 : code);
-            EXPECT_EQ(told, std::string(
-                                code == 5 ? ResourceString(IDS_UNLOCK_WRONG_CODE)
-                                          : FormatResourceText(IDS_UNLOCK_FAILED_FORMAT, reason)));
-            EXPECT_EQ(Fields(d), kTyped);
+            EXPECT_EQ(Confirm(d, IDC_UNLOCK_RESULT_MESSAGE),
+                      code == 5 ? TextOf(IDS_UNLOCK_WRONG_CODE)
+                                : Filled(IDS_UNLOCK_FAILED_FORMAT, ErrorText(code)));
+            EXPECT_EQ(d.Text(kCode) + d.Text(kNew) + d.Text(kConfirm), kTyped);
             EXPECT_EQ(std::exchange(card.strAttempts, ""), kAttempt);
         }
         d.Click(IDOK);
@@ -246,53 +252,38 @@ TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
     DestroyWindow(tray);
 }
 
-enum When { Open, Attempt, Told };
-struct Removal {
-    When when;
-    const char* pszReader;
-    int nCode;
-    INT_PTR nEnd;
-
-    void RemoveIf(When now) const {
-        if (now == when) {
-            EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
-            EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+// The card goes while the callback runs, or after it while its result is told.
+void RemoveAround(bool bInCallback, int nCode) {
+    Card card{.pszChallenge = nCode == 5 ? "A" : nullptr, .results = {0, nCode}};
+    card.onAttempt = [&] {
+        bInCallback ? RemoveCard("Reader A") : void();
+        // Not heard while the callback runs.
+        PostMessageA(GetActiveWindow(), WM_COMMAND, IDOK, 0);
+        for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
+            DispatchMessageA(&message);
         }
-    }
-    void Run() const {
-        Card card{.pszChallenge = nCode == 5 ? "A" : nullptr, .results = {0, nCode}};
-        card.onAttempt = [this] {
-            RemoveIf(Attempt);
-            // Not heard while the callback runs.
-            PostMessageA(GetActiveWindow(), WM_COMMAND, IDOK, 0);
-            for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-                DispatchMessageA(&message);
-            }
-        };
-        const auto script = [this](Dialog& d) {
-            Fill(d);
-            RemoveIf(Open);
-            d.Settle();
-            if (d.IsOpen()) {
-                d.Click(IDOK);
-                Dialog result = d.Next();
-                RemoveIf(Told);
-                result.Settle();
-                result.Enter();
-            }
-        };
-        EXPECT_EQ(card.Ask(script), nEnd) << when << " " << nCode;
-        EXPECT_EQ(card.strAttempts, when == Open && nEnd == IDCANCEL ? "" : kAttempt);
-    }
-};
+    };
+    const auto script = [&](Dialog& d) {
+        Fill(d);
+        RemoveCard("Reader B");
+        d.Click(IDOK);
+        Dialog result = d.Next();
+        bInCallback ? void() : RemoveCard("reader a");
+        result.Settle();
+        result.Enter();
+    };
+    EXPECT_EQ(card.Ask(script), nCode == 0 ? IDOK : IDCANCEL);
+    EXPECT_EQ(card.strAttempts, kAttempt);
+}
 
 TEST_F(UnlockCard, RemovalEndsItUnlessTheCardIsUnlocked) {
-    const Removal removals[] = {{Open, "reader a", 0, IDCANCEL}, {Open, "Reader B", 0, IDOK},
-                                {Attempt, "Reader A", 0, IDOK},  {Attempt, "Reader A", 5, IDCANCEL},
-                                {Told, "Reader A", 0, IDOK},     {Told, "Reader A", 5, IDCANCEL}};
-    ExpectRoundsKeepNothing(1, 4, [&](int) {
+    ExpectRoundsKeepNothing(1, 4, [this](int) {
         m_log.Clear();
-        std::ranges::for_each(removals, &Removal::Run);
+        for (const bool inCallback : {true, false}) {
+            RemoveAround(inCallback, 0);
+            RemoveAround(inCallback, 5);
+        }
+        EXPECT_EQ(Card().Ask([](Dialog&) { RemoveCard("Reader A"); }), IDCANCEL);
     });
     const std::string shape = LogShape();
     for (const char* part :
@@ -313,8 +304,7 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
         EXPECT_EQ(Card{.nMissing = missing}.Ask(), -1);
     }
     // 0, the whole module: nothing tells of the success.
-    for (const int missing :
-         {IDOK, IDC_UNLOCK_CARD_CHALLENGE, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
+    for (const int missing : {IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
         const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE;
         const auto script = [&](Dialog& d) {
             Fill(d);
@@ -332,62 +322,45 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
     }
 }
 
-// Title and heading are the strings of those numbers (0: the template's own), or they are not. Its
-// icons; the small one may be 0.
-struct Look {
-    bool bStrings;
-    UINT nTitle, nHeading, nSmall, nIcon;
-};
-
 TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
     CUnlockFailedDlg failed(nullptr, "What happened", 2);
     CUnlockFailedDlg initialize(nullptr, "What happened", 1);
     CUnlockSuccessDlg success(nullptr);
     CUnlockInitToolDlg unlockTool(nullptr, "Reader A", 0);
     CUnlockInitToolDlg otherTool(nullptr, "Reader A", 1);
-    const std::pair<CDialog*, Look> cases[] = {
-        {&failed, {false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK}},
-        {&initialize, {true, 3036, 3037, IDI_CARD_INITIALIZE, IDI_CARD_INITIALIZE}},
-        {&success, {false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK}},
-        {&unlockTool, {true, 0, 3035, 0, IDI_CARD_PIN}},
-        {&otherTool, {false, 0, 3035, 0, IDI_CARD_PIN}}};
-    for (const auto& each : cases) {
+    // Title and heading are the strings of those numbers (0: the template's own), or they are not.
+    const struct {
+        CDialog& dialog;
+        bool bStrings;
+        UINT nTitle, nHeading, nSmallIcon, nIcon;
+    } cases[] = {{failed, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
+                 {initialize, true, 3036, 3037, IDI_CARD_INITIALIZE, IDI_CARD_INITIALIZE},
+                 {success, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
+                 {unlockTool, true, 0, 3035, 0, IDI_CARD_PIN},
+                 {otherTool, false, 0, 3035, 0, IDI_CARD_PIN}};
+    for (const auto& c : cases) {
         const DialogDriver driver([&](Dialog& d) {
             d.Run([&] {
-                const Look& look = each.second;
-                const auto isString = [](const std::string& strText, UINT nString) {
-                    return strText == std::string(ResourceString(nString));
-                };
-                EXPECT_TRUE(look.nTitle == 0 || isString(d.Title(), look.nTitle) == look.bStrings);
-                EXPECT_EQ(isString(d.Text(kHeading), look.nHeading), look.bStrings);
+                EXPECT_TRUE(c.nTitle == 0 || (d.Title() == TextOf(c.nTitle)) == c.bStrings);
+                EXPECT_EQ(d.Text(kHeading) == TextOf(c.nHeading), c.bStrings);
                 EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
-                EXPECT_EQ(SmallIconOf(d),
-                          look.nSmall != 0 ? LoadResourceIcon(look.nSmall, 16) : nullptr);
-                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)),
-                          LoadResourceIcon(look.nIcon, 32));
-                EXPECT_EQ(IsBold(d, kHeading), look.nSmall != 0);
+                const bool small = c.nSmallIcon != 0;
+                EXPECT_EQ(SmallIconOf(d), small ? LoadResourceIcon(c.nSmallIcon, 16) : nullptr);
+                const HWND icon = d.Control(IDC_UNLOCK_RESULT_ICON);
+                EXPECT_EQ(IconOf(icon), LoadResourceIcon(c.nIcon, 32));
+                EXPECT_EQ(IsBold(d, kHeading), small);
             });
             d.Enter();
         });
-        EXPECT_EQ(each.first->DoModal(), IDOK);
+        EXPECT_EQ(c.dialog.DoModal(), IDOK);
     }
+    const DialogDriver driver([](Dialog&) { RemoveCard("Reader A"); });
+    EXPECT_EQ(otherTool.DoModal(), IDCANCEL);
     FreeResourceModule();
-    for (const auto& each : cases) {
-        EXPECT_EQ(each.first->DoModal(), -1);
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.dialog.DoModal(), -1);
     }
     EXPECT_EQ(Card().Ask(), -1);
-}
-
-TEST_F(UnlockCard, ToolsNoticeGoesWithTheCard) {
-    CUnlockInitToolDlg tool(nullptr, "Reader A", 0);
-    const DialogDriver driver([](Dialog& d) {
-        for (const char* reader : {"Reader B", "Reader A"}) {
-            EXPECT_TRUE(d.IsOpen());
-            Removal{Open, reader, 0, 0}.RemoveIf(Open);
-            d.Settle();
-        }
-    });
-    EXPECT_EQ(tool.DoModal(), IDCANCEL);
 }
 
 }  // namespace
