@@ -209,6 +209,7 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
             expect(d, kCode, "--0123456789abcDEF", true);
             expect(d, kCode, code, false);
         }
+        expect(d, kCode, "0123456789ABCDEF", true);
         expect(d, kConfirm, "583", false);
         expect(d, kNew, "583", false);
         Fill(d);
@@ -258,7 +259,8 @@ void RemoveAround(bool bInCallback, int nCode) {
     card.onAttempt = [&] {
         bInCallback ? RemoveCard("Reader A") : void();
         // Not heard while the callback runs.
-        PostMessageA(GetActiveWindow(), WM_COMMAND, IDOK, 0);
+        PostMessageA(card.strAttempts == kAttempt ? GetActiveWindow() : nullptr, WM_COMMAND, IDOK,
+                     0);
         for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
             DispatchMessageA(&message);
         }
@@ -270,6 +272,7 @@ void RemoveAround(bool bInCallback, int nCode) {
         Dialog result = d.Next();
         bInCallback ? void() : RemoveCard("reader a");
         result.Settle();
+        EXPECT_EQ(d.IsOpen(), !bInCallback && nCode == 0);
         result.Enter();
     };
     EXPECT_EQ(card.Ask(script), nCode == 0 ? IDOK : IDCANCEL);
