@@ -79,6 +79,7 @@ private:
     void CreatePanel();
     bool ReadEntries(Entries& entries) const;
     bool IsAllowed(const Entries& entries);
+    void EnableOk(bool bEnable);
     int Unlock(const Entries& entries);
     void OnUnlocked();
     void TellFailure(int nCode);

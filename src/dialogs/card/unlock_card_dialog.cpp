@@ -116,6 +116,7 @@ BOOL CUnlockCardDlg::OnInitDialog() {
     ChooseMode();
     m_editNewPin.SetPasswordChar(kPasswordCharacter);
     m_editConfirmPin.SetPasswordChar(kPasswordCharacter);
+    EnableOk(false);
     PostMessage(kDisplayPinPoliciesMessage);
     mvp::BringToFront(*this);
     SetActiveWindow();
@@ -215,6 +216,10 @@ void CUnlockCardDlg::CreatePanel() {
     }
     m_rulePanel.SetWidth(mvp::PlaceOf(*this, IDC_UNLOCK_CARD_PIN_BOX).Width());
     mvp::FitWindow(*this, mvp::WindowFit::ToWholePanel(m_rulePanel.ListHeight()), {IDOK, IDCANCEL});
+    // It stands in the middle at the height that it had, and shows when this message is handled.
+    if (!IsWindowVisible()) {
+        CenterWindow();
+    }
 }
 
 bool CUnlockCardDlg::ReadEntries(Entries& entries) const {
@@ -230,13 +235,16 @@ bool CUnlockCardDlg::IsAllowed(const Entries& entries) {
            mvp::IsUnlockCode(mvp::View(entries.strUnlockCode));
 }
 
+void CUnlockCardDlg::EnableOk(bool bEnable) {
+    if (CWnd* ok = GetDlgItem(IDOK)) {
+        mvp::EnableIf(*ok, bEnable);
+    }
+}
+
 void CUnlockCardDlg::OnChangeEdit() {
     const mvp::LogScope scope("CUnlockCardDlg::OnChangeEdit");
     Entries entries;
-    const bool allowed = ReadEntries(entries) && IsAllowed(entries);
-    if (CWnd* ok = GetDlgItem(IDOK)) {
-        mvp::EnableIf(*ok, allowed);
-    }
+    EnableOk(ReadEntries(entries) && IsAllowed(entries));
     m_rulePanel.Update();
     UpdateWindow();
 }

@@ -26,12 +26,6 @@ void SetHeading(CWnd& dialog, UINT nString) {
     }
 }
 
-// Beside the message and in the caption.
-void SetIcons(CWnd& dialog, UINT nIcon) {
-    mvp::ShowIcon(dialog, IDC_UNLOCK_RESULT_ICON, nIcon);
-    mvp::SetSmallIcon(dialog, nIcon);
-}
-
 }  // namespace
 
 CUnlockFailedDlg::CUnlockFailedDlg(CWnd* pParent, const CString& strMessage, int nMode)
@@ -51,10 +45,10 @@ BOOL CUnlockFailedDlg::OnInitDialog() {
     if (m_nMode == kInitializeMode) {
         SetTextIfThere(*this, IDS_INITIALIZE_FAILED_TITLE);
         SetHeading(*this, IDS_INITIALIZE_FAILED_HEADING);
-        SetIcons(*this, IDI_CARD_INITIALIZE);
-    } else {
-        SetIcons(*this, IDI_CARD_UNLOCK);
     }
+    const UINT icon = m_nMode == kInitializeMode ? IDI_CARD_INITIALIZE : IDI_CARD_UNLOCK;
+    mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, icon);
+    mvp::SetSmallIcon(*this, icon);
     SetDlgItemText(IDC_UNLOCK_RESULT_MESSAGE, m_strMessage);
     mvp::BringToFront(*this);
     return TRUE;
@@ -72,7 +66,8 @@ INT_PTR CUnlockSuccessDlg::DoModal() {
 BOOL CUnlockSuccessDlg::OnInitDialog() {
     const mvp::LogScope scope("CUnlockSuccessDlg::OnInitDialog");
     CDialog::OnInitDialog();
-    SetIcons(*this, IDI_CARD_UNLOCK);
+    mvp::ShowIcon(*this, IDC_UNLOCK_RESULT_ICON, IDI_CARD_UNLOCK);
+    mvp::SetSmallIcon(*this, IDI_CARD_UNLOCK);
     m_boldFont.Attach(mvp::MakeHeadingBold(*this, IDC_UNLOCK_RESULT_HEADING).release());
     mvp::BringToFront(*this);
     return TRUE;

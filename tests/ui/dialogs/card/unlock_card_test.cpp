@@ -1,0 +1,375 @@
+// Unlocking a card: the dialog from its callbacks to its result, and the small ones that tell of
+// it.
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <vkevtsub/vkevtsub.h>
+
+#include "mvpingui/unlock_card_dialog.h"
+#include "mvpingui/unlock_result_dialogs.h"
+#include "services/error_text.h"
+#include "services/format_text.h"
+#include "services/help_topic.h"
+#include "support/dialog_driver.h"
+#include "support/resource_counts.h"
+#include "ui/dialogs/library_test.h"
+
+namespace mvp::test {
+namespace {
+
+using UnlockCard = LibraryTest;
+
+constexpr int kNew = IDC_UNLOCK_CARD_NEW_EDIT;
+constexpr int kConfirm = IDC_UNLOCK_CARD_CONFIRM_EDIT;
+constexpr int kCode = IDC_UNLOCK_CARD_CODE_EDIT;
+constexpr int kHeading = IDC_UNLOCK_RESULT_HEADING;
+constexpr char kTyped[] = "1234-5678-9abc-def058385838";
+constexpr char kAttempt[] = "123456789abcdef0/5838 ";
+// Unused, digits, weak, same, minimum, maximum, no cancelling.
+constexpr PwdRuleArgs kRules = {0xDEAD, 1, 2, 1, 4, 8, 1};
+
+// The card as the callbacks have it.
+struct Card {
+    const char* pszChallenge = nullptr;       // null: it takes a fixed code
+    std::vector<int> results = {0};           // of the attempts, the next one last
+    std::function<void()> onAttempt = [] {};  // while the callback runs
+    std::string strAttempts = {};             // "code/PIN " each
+    int nMissing = -1;                        // of the dialog, see Incomplete
+    bool bBare = false;                       // neither rules nor callbacks
+
+    static int Challenge(void* pContext, CString& strChallenge) {
+        const auto& card = *static_cast<Card*>(pContext);
+        strChallenge += card.pszChallenge != nullptr ? card.pszChallenge : "ignored";
+        return card.pszChallenge != nullptr ? 0 : 3;
+    }
+    static int Unlock(void* pContext, CString strCode, CString strPin) {
+        auto& card = *static_cast<Card*>(pContext);
+        card.strAttempts += std::string(strCode) + "/" + std::string(strPin) + " ";
+        const int result = card.results.back();
+        card.results.pop_back();
+        card.onAttempt();
+        return result != MVPINGUI_CARD_FAILED ? result : throw std::runtime_error("no card");
+    }
+    template <class... Scripts>
+    INT_PTR Ask(Scripts&&... scripts) {
+        Incomplete<CUnlockCardDlg> dialog(nMissing, nullptr, bBare ? nullptr : &kRules, this,
+                                          bBare ? nullptr : &Unlock, bBare ? nullptr : &Challenge,
+                                          "Reader A");
+        const DialogDriver driver(std::forward<Scripts>(scripts)...);
+        return dialog.DoModal();
+    }
+};
+
+void Fill(const Dialog& d) {
+    SetDlgItemTextA(d.Handle(), kCode, "1234-5678-9abc-def0");
+    SetDlgItemTextA(d.Handle(), kNew, "5838");
+    SetDlgItemTextA(d.Handle(), kConfirm, "5838");
+}
+
+// Confirms the dialog over `d`, and returns what it tells.
+std::string Confirm(Dialog& d, int nText) {
+    Dialog top = d.Next();
+    std::string text = top.Text(nText);
+    top.Enter();
+    top.WaitGone();
+    return text;
+}
+
+void RemoveCard(const char* pszReader) {
+    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
+    EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+}
+
+std::string TextOf(UINT nString) {
+    return ResourceString(nString).GetString();
+}
+
+std::string Filled(UINT nFormat, const char* pszText) {
+    return FormatResourceText(nFormat, pszText).GetString();
+}
+
+bool IsBold(const Dialog& d, int nControl) {
+    LOGFONTA font{};
+    GetObjectA(reinterpret_cast<HFONT>(d.Send(nControl, WM_GETFONT)), sizeof font, &font);
+    return font.lfWeight == FW_BOLD;
+}
+
+HICON SmallIconOf(const Dialog& d) {
+    return reinterpret_cast<HICON>(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0));
+}
+
+// All is where the template has it, or `nUp` pixels above, and has made room for the rules.
+void ExpectPlaces(const Dialog& d, int nUp) {
+    const HWND plain = CreateDialogParamA(
+        ResourceModule(), MAKEINTRESOURCEA(IDD_UNLOCK_CARD), nullptr,
+        [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
+    const auto placeOf = [&](int nId) { return RectIn(plain, GetDlgItem(plain, nId)); };
+    const HWND box = d.Control(IDC_POLICIES_BOX);
+    const CRect list = RectIn(d.Handle(), box);
+    const CRect place = placeOf(IDC_UNLOCK_CARD_POLICIES_PLACE);
+    EXPECT_EQ(list.TopLeft(), CPoint(place.left, place.top - nUp));
+    EXPECT_EQ(list.Width(), placeOf(IDC_UNLOCK_CARD_PIN_BOX).Width());
+    EXPECT_EQ(list, RectIn(d.Handle(), GetParent(box)));
+    for (HWND h = GetWindow(plain, GW_CHILD); h != nullptr; h = GetWindow(h, GW_HWNDNEXT)) {
+        const int id = GetDlgCtrlID(h);
+        const bool upper = id == 3033 || id == 3035 || id == 3034 || id == 3026;
+        CRect rect = placeOf(id);
+        rect.OffsetRect(0, (upper || id == 3032 ? 0 : -nUp) + (id < 3 ? list.Height() : 0));
+        EXPECT_EQ(RectIn(d.Handle(), d.Control(id)), rect) << id;
+        EXPECT_EQ(d.IsVisible(id), id != 3040 && (nUp == 0 || !upper)) << id;
+    }
+    const CRect window = d.ScreenRect();
+    EXPECT_EQ(window.Height(), RectIn(nullptr, plain).Height() + list.Height() - nUp);
+    EXPECT_NEAR(window.top + window.bottom, GetSystemMetrics(SM_CYSCREEN), 1);
+    DestroyWindow(plain);
+}
+
+std::string g_strHelp;
+
+TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
+    m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
+    SetHelpViewer([](HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) -> HWND {
+        g_strHelp = pszFile + std::to_string(nTopic);
+        return nullptr;
+    });
+    using Challenge = std::pair<const char*, const char*>;
+    for (const auto& each :
+         {Challenge{nullptr, ""}, {"", ""}, {"ABCD", "ABCD"}, {"ABCDE", "ABCD-E"}}) {
+        const auto look = [&each](Dialog& d) {
+            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), each.second);
+            EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR),
+                      2 * '*');
+            EXPECT_FALSE(d.IsVisible(IDC_POLICIES_SAME_TEXT)) << "there is no current PIN";
+            d.Run([&] {
+                ExpectPlaces(d, each.first != nullptr ? 0 : 100);
+                EXPECT_EQ(SmallIconOf(d), LoadResourceIcon(IDI_CARD_UNLOCK, 16));
+                EXPECT_TRUE(IsBold(d, kHeading));
+                EXPECT_EQ(GetForegroundWindow(), d.Handle());
+                SendMessageA(d.Handle(), WM_HELP, 0, 0);
+            });
+            for (const int id : {kCode, kNew, kConfirm, IDCANCEL}) {  // OK is disabled
+                EXPECT_EQ(d.FocusedId(), id);
+                d.Tab();
+            }
+            d.Escape();
+        };
+        EXPECT_EQ(Card{.pszChallenge = each.first}.Ask(look), IDCANCEL);
+    }
+    SetHelpViewer(nullptr);
+    EXPECT_EQ(g_strHelp, "v.chm1013");
+}
+
+TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
+    const std::string full(511, '7');
+    const std::tuple<DWORD, std::string, std::string> cases[] = {
+        {REG_NONE, "no key", ""},
+        {REG_SZ, std::string("1\0", 2), ""},
+        {REG_SZ, std::string("12\0", 3), "12"},
+        {REG_SZ, full + '\0', full},
+        {REG_SZ, full + "7", full + "7"},
+        {REG_SZ, std::string(600, '7'), ""},
+        {REG_SZ, "+33 %s 1", "+33 %s 1"},
+        {REG_BINARY, "1234", ""}};
+    for (const auto& [type, bytes, number] : cases) {
+        if (type != REG_NONE) {
+            m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
+        }
+        const std::string text = number.empty()
+                                     ? TextOf(IDS_UNLOCK_HELP_DESK)
+                                     : Filled(IDS_UNLOCK_HELP_DESK_FORMAT, number.c_str());
+        Card{.pszChallenge = ""}.Ask([&](Dialog& d) {
+            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_HELP_DESK), text);
+            d.Escape();
+        });
+    }
+}
+
+TEST_F(UnlockCard, OkFollowsEveryEdit) {
+    const auto expect = [](Dialog& d, int nEdit, const char* pszText, bool bAllowed) {
+        SetDlgItemTextA(d.Handle(), nEdit, pszText);
+        EXPECT_EQ(d.IsEnabled(IDOK), bAllowed) << pszText;
+        if (!bAllowed) {  // the command comes without the button, too
+            PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            EXPECT_TRUE(d.Text(kNew) == d.Text(kConfirm) ||
+                        Confirm(d, 0xFFFF) == TextOf(IDS_UNLOCK_PINS_DIFFER));
+            d.Settle();
+        }
+    };
+    const auto edit = [&](Dialog& d) {
+        expect(d, kNew, "5838", false);
+        expect(d, kConfirm, "5838", false);
+        for (const char* code : {"0123456789ABCDE", "0123456789ABCDEG", ""}) {
+            expect(d, kCode, "--0123456789abcDEF", true);
+            expect(d, kCode, code, false);
+        }
+        expect(d, kCode, "0123456789ABCDEF", true);
+        expect(d, kConfirm, "583", false);
+        expect(d, kNew, "583", false);
+        Fill(d);
+        d.Run([&] {  // OK comes too late
+            SendMessageA(d.Handle(), WM_COMMAND, IDCANCEL, 0);
+            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+        });
+    };
+    Card card;
+    EXPECT_EQ(card.Ask(edit), IDCANCEL);
+    EXPECT_EQ(card.strAttempts, "");
+}
+
+TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
+    WNDCLASSA info{};
+    info.lpfnWndProc = &DefWindowProcA;
+    info.lpszClassName = "VkTrayHandlerClass";
+    RegisterClassA(&info);
+    const HWND tray =
+        CreateWindowA(info.lpszClassName, "", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    constexpr char kNotice[] = "message: 78946, on reader Reader A to the Smart Card Agent";
+    Card card{.results = {0, MVPINGUI_CARD_FAILED, 99, 7, 5}};
+    const auto attempt = [&](Dialog& d) {
+        Fill(d);
+        for (const int code : {5, 7, 99, MVPINGUI_CARD_FAILED}) {
+            d.Click(IDOK);
+            EXPECT_EQ(Confirm(d, IDC_UNLOCK_RESULT_MESSAGE),
+                      code == 5 ? TextOf(IDS_UNLOCK_WRONG_CODE)
+                                : Filled(IDS_UNLOCK_FAILED_FORMAT, ErrorText(code)));
+            EXPECT_EQ(d.Text(kCode) + d.Text(kNew) + d.Text(kConfirm), kTyped);
+            EXPECT_EQ(std::exchange(card.strAttempts, ""), kAttempt);
+        }
+        d.Click(IDOK);
+        Dialog success = d.Next();
+        EXPECT_FALSE(m_log.ContainsPart(kNotice)) << "before the user has seen it";
+        success.Enter();
+    };
+    EXPECT_EQ(card.Ask(attempt), IDOK);
+    EXPECT_EQ(card.strAttempts, kAttempt);
+    EXPECT_TRUE(m_log.ContainsPart(kNotice)) << m_log.Dump();
+    DestroyWindow(tray);
+}
+
+// The card goes while the callback runs, or after it while its result is told.
+void RemoveAround(bool bInCallback, int nCode) {
+    Card card{.pszChallenge = nCode == 5 ? "A" : nullptr, .results = {0, nCode}};
+    card.onAttempt = [&] {
+        bInCallback ? RemoveCard("Reader A") : void();
+        // Not heard while the callback runs.
+        PostMessageA(card.strAttempts == kAttempt ? GetActiveWindow() : nullptr, WM_COMMAND, IDOK,
+                     0);
+        for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
+            DispatchMessageA(&message);
+        }
+    };
+    const auto script = [&](Dialog& d) {
+        Fill(d);
+        RemoveCard("Reader B");
+        d.Click(IDOK);
+        Dialog result = d.Next();
+        bInCallback ? void() : RemoveCard("reader a");
+        result.Settle();
+        EXPECT_EQ(d.IsOpen(), !bInCallback && nCode == 0);
+        result.Enter();
+    };
+    EXPECT_EQ(card.Ask(script), nCode == 0 ? IDOK : IDCANCEL);
+    EXPECT_EQ(card.strAttempts, kAttempt);
+}
+
+TEST_F(UnlockCard, RemovalEndsItUnlessTheCardIsUnlocked) {
+    ExpectRoundsKeepNothing(1, 4, [this](int) {
+        m_log.Clear();
+        for (const bool inCallback : {true, false}) {
+            RemoveAround(inCallback, 0);
+            RemoveAround(inCallback, 5);
+        }
+        EXPECT_EQ(Card().Ask([](Dialog&) { RemoveCard("Reader A"); }), IDCANCEL);
+    });
+    const std::string shape = LogShape();
+    for (const char* part :
+         {"::CUnlockCardDlg{2 m_pStaticPolicies = NULL; } ", "Dlg::OnInitDialog{CBaseDialog::On",
+          "0 Unlock static; ", "2 WindowRect (left=", "2 SetWindowPos succeeded; ",
+          "0 Unlock challenge response; ", "Dlg::OnMove{", "Dlg::OnDestroy{",
+          "PINPolicies{2 Test m_pStaticPolicies; 2 m_pStaticPolicies == NULL; 2 new m_pStatic",
+          "2 Test m_pStaticPolicies; 2 m_pStaticPolicies != NULL; ", "Dlg::OnChangeEdit{",
+          "Dlg::OnCardEvent(){CUnlockCardDlg::OnCancel{} } ",
+          "::~CUnlockCardDlg{2 Here 1 : m_pStaticPolicies = 0x"}) {
+        EXPECT_NE(shape.find(part), std::string::npos) << part << shape;
+    }
+    EXPECT_FALSE(m_log.Contains(16, "CUnlockCardDlg::OnOK")) << "its exit is told as an entry";
+}
+
+TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
+    for (const int missing : {kCode, kNew, kConfirm}) {
+        EXPECT_EQ(Card{.nMissing = missing}.Ask(), -1);
+    }
+    Card{.bBare = true}.Ask([](Dialog& d) {
+        SetDlgItemTextA(d.Handle(), kCode, "0123456789ABCDEF");  // an empty PIN breaks no rule
+        d.Click(IDOK);
+        EXPECT_EQ(Confirm(d, IDC_UNLOCK_RESULT_MESSAGE),
+                  Filled(IDS_UNLOCK_FAILED_FORMAT, ErrorText(MVPINGUI_CARD_FAILED)));
+        d.Escape();
+    });
+    // 0, the whole module: nothing tells of the success.
+    for (const int missing : {IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
+        const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE;
+        const auto script = [&](Dialog& d) {
+            Fill(d);
+            PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            if (!judged) {
+                EXPECT_FALSE(d.IsEnabled(IDOK));
+                d.Escape();
+            } else if (missing != 0) {
+                Confirm(d, IDOK);
+            }
+        };
+        Card card{.pszChallenge = missing % 2 == 0 ? "A" : nullptr, .nMissing = missing};
+        EXPECT_EQ(card.Ask(script), judged ? IDOK : IDCANCEL);
+        EXPECT_EQ(card.strAttempts, judged ? kAttempt : "");
+    }
+}
+
+TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
+    CUnlockFailedDlg failed(nullptr, "What happened", 2);
+    CUnlockFailedDlg initialize(nullptr, "What happened", 1);
+    CUnlockSuccessDlg success(nullptr);
+    CUnlockInitToolDlg unlockTool(nullptr, "Reader A", 0);
+    CUnlockInitToolDlg otherTool(nullptr, "Reader A", 1);
+    // Title and heading are the strings of those numbers (0: the template's own), or they are not.
+    const struct {
+        CDialog& dialog;
+        bool bStrings;
+        UINT nTitle, nHeading, nSmallIcon, nIcon;
+    } cases[] = {{failed, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
+                 {initialize, true, 3036, 3037, IDI_CARD_INITIALIZE, IDI_CARD_INITIALIZE},
+                 {success, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
+                 {unlockTool, true, 0, 3035, 0, IDI_CARD_PIN},
+                 {otherTool, false, 0, 3035, 0, IDI_CARD_PIN}};
+    for (const auto& c : cases) {
+        const DialogDriver driver([&](Dialog& d) {
+            d.Run([&] {
+                EXPECT_TRUE(c.nTitle == 0 || (d.Title() == TextOf(c.nTitle)) == c.bStrings);
+                EXPECT_EQ(d.Text(kHeading) == TextOf(c.nHeading), c.bStrings);
+                EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+                const bool small = c.nSmallIcon != 0;
+                EXPECT_EQ(SmallIconOf(d), small ? LoadResourceIcon(c.nSmallIcon, 16) : nullptr);
+                const HWND icon = d.Control(IDC_UNLOCK_RESULT_ICON);
+                EXPECT_EQ(IconOf(icon), LoadResourceIcon(c.nIcon, 32));
+                EXPECT_EQ(IsBold(d, kHeading), small);
+            });
+            d.Enter();
+        });
+        EXPECT_EQ(c.dialog.DoModal(), IDOK);
+    }
+    const DialogDriver driver([](Dialog&) { RemoveCard("Reader A"); });
+    EXPECT_EQ(otherTool.DoModal(), IDCANCEL);
+    FreeResourceModule();
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.dialog.DoModal(), -1);
+    }
+    EXPECT_EQ(Card().Ask(), -1);
+}
+
+}  // namespace
+}  // namespace mvp::test
