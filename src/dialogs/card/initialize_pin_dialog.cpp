@@ -163,6 +163,10 @@ void CInitializePinDlg::OnOK() {
         },
         mvp::LogException("CInitializePinDlg::OnOK"));
     m_bInitializing = false;
+    // The callback may have served messages: what was typed meanwhile is judged now.
+    if ((m_nFlags & WF_CONTINUEMODAL) != 0) {
+        OnChangeEditNewPin();
+    }
 }
 
 int CInitializePinDlg::Initialize() {
