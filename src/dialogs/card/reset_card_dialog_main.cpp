@@ -56,7 +56,8 @@ BOOL CResetCardDialogMain::OnInitDialog() {
     }
     UpdateWindow();
     m_removalWatch.Start(*this, m_strReader);
-    return TRUE;
+    // The panel has put the focus on its active field.
+    return m_pResetCardDialog == nullptr ? TRUE : FALSE;
 }
 
 void CResetCardDialogMain::CreatePanel() {
@@ -74,6 +75,7 @@ void CResetCardDialogMain::CreatePanel() {
     m_pResetCardDialog->ShowWindow(SW_SHOW);
     m_pResetCardDialog->UpdateWindow();
     ResizeDlg(0, place.bottom - mvp::ClientRectOf(*this, *m_pResetCardDialog).bottom);
+    m_pResetCardDialog->CheckWindow(0);
 }
 
 void CResetCardDialogMain::ResizeDlg(int dx, int dy) {
