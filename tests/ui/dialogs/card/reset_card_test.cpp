@@ -1,9 +1,6 @@
 // CResetCardDialogMain and its panel: the two routes, with a challenge and without.
 #include <functional>
-#include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/reset_card_dialog.h"
@@ -18,14 +15,15 @@ constexpr int kCode = IDC_RESET_CARD_CODE_EDIT;
 constexpr int kResponse = IDC_RESET_CARD_RESPONSE_EDIT;
 constexpr int kPinRoute = IDC_RESET_CARD_PIN_ROUTE;
 constexpr int kCodeRoute = IDC_RESET_CARD_CODE_ROUTE;
-using Prepare = std::function<void(CResetCardDialog&)>;
 using ResetCard = LibraryTest;
+using Prepare = std::function<void(CResetCardDialog&)>;
 
 class Frame : public CResetCardDialogMain {
 public:
-    explicit Frame(Prepare prepare)
-        : CResetCardDialogMain(0, nullptr, 1, 2, 3, "Reader A"), m_prepare(std::move(prepare)) {}
-    std::string Run(const Script& script) {
+    Frame() : CResetCardDialogMain(0, nullptr, 1, 2, 3, "Reader A") {}
+    // What DoModal and GetPin return.
+    std::string Run(const Prepare& prepare, const Script& script) {
+        m_prepare = prepare;
         const DialogDriver driver(script);
         const INT_PTR result = DoModal();
         return std::to_string(result) + " " + GetPin().GetString();
@@ -34,9 +32,7 @@ public:
 protected:
     BOOL OnInitDialog() override {
         const BOOL result = CResetCardDialogMain::OnInitDialog();
-        if (Panel() != nullptr && m_prepare) {
-            m_prepare(*Panel());
-        }
+        m_prepare(*Panel());
         return result;
     }
 
@@ -44,48 +40,40 @@ private:
     Prepare m_prepare;
 };
 
-Prepare Challenge(const char* pszChallenge) {
-    return [=](CResetCardDialog& panel) { panel.SetChallenge(pszChallenge); };
-}
 void ExpectRoute(Dialog& d, bool bPin, bool bChallenge) {
     const int field = bChallenge ? kResponse : kCode;
     EXPECT_EQ(d.FocusedId(), bPin ? kPin : field);
-    EXPECT_EQ(d.IsChecked(kPinRoute), bPin);
-    EXPECT_EQ(d.IsChecked(kCodeRoute), !bPin);
-    EXPECT_EQ(d.IsEnabled(kPin), bPin);
+    EXPECT_TRUE(d.IsChecked(kPinRoute) == bPin && d.IsChecked(kCodeRoute) != bPin);
+    EXPECT_TRUE(d.IsEnabled(kPin) == bPin && d.IsEnabled(field) != bPin);
     EXPECT_NE(d.IsVisible(kCode), bChallenge);
-    EXPECT_EQ(d.IsEnabled(field), !bPin);
-    for (const int id :
-         {IDC_RESET_CARD_CHALLENGE_LABEL, IDC_RESET_CARD_RESPONSE_LABEL, IDC_RESET_CARD_CHALLENGE,
-          kResponse, IDC_RESET_CARD_RESPONSE_NOTE, IDC_RESET_CARD_CHALLENGE_NOTE}) {
+    for (const int id : {IDC_RESET_CARD_CHALLENGE_LABEL, IDC_RESET_CARD_RESPONSE_LABEL,
+                         IDC_RESET_CARD_RESPONSE_NOTE, IDC_RESET_CARD_CHALLENGE_NOTE,
+                         IDC_RESET_CARD_CHALLENGE, kResponse}) {
         EXPECT_EQ(d.IsVisible(id), bChallenge) << id;
         EXPECT_TRUE(!bChallenge || d.IsEnabled(id) != bPin) << id;
     }
 }
 
 TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
-    const std::pair<const char*, std::string> cases[] = {
-        {"0123456789ABCDEF", "0123-4567-89AB-CDEF"},
-        {"0123456789ABCDEFXY", "0123-4567-89AB-CDEF"},
-        {"0123456", "0123-456--"},
-        {"", ""},
-        {nullptr, ""}};
-    for (const auto& [challenge, shown] : cases) {
+    using Case = std::pair<const char*, std::string>;
+    Frame frame;
+    for (const auto& [challenge, shown] :
+         {Case{"0123456789ABCDEF", "0123-4567-89AB-CDEF"}, Case{"0123456", "0123-456--"},
+          Case{"0123456789ABCDEFXY", "0123-4567-89AB-CDEF"}, Case{"", ""}, Case{nullptr, ""}}) {
         const bool hasChallenge = !shown.empty();
         const int field = hasChallenge ? kResponse : kCode;
         for (const bool byPin : {true, false}) {
-            Frame frame(Challenge(challenge));
-            const std::string outcome = frame.Run([&, &strShown = shown](Dialog& d) {
-                EXPECT_EQ(d.Text(IDC_RESET_CARD_CHALLENGE), strShown);
+            const auto enter = [&, &strShown = shown](Dialog& d) {
+                EXPECT_TRUE(!hasChallenge || d.Text(IDC_RESET_CARD_CHALLENGE) == strShown);
                 ExpectRoute(d, true, hasChallenge);
                 EXPECT_FALSE(d.IsEnabled(IDOK));
                 d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
                 d.Type(kPin, "1");
                 EXPECT_TRUE(d.IsEnabled(IDOK));
-                // From one route to the other and back, by mouse and by keys.
                 d.Click(kCodeRoute);
                 ExpectRoute(d, false, hasChallenge);
                 EXPECT_FALSE(d.IsEnabled(IDOK));
+                // By the keys, whatever fields lie between.
                 d.Focus(kCodeRoute);
                 d.Press(VK_UP);
                 ExpectRoute(d, true, hasChallenge);
@@ -94,15 +82,15 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
                     d.Focus(kPinRoute);
                     d.Press(VK_DOWN);
                     d.Type(field, "2");
-                    EXPECT_TRUE(d.IsEnabled(IDOK));
                     d.Press(VK_BACK);
                     EXPECT_FALSE(d.IsEnabled(IDOK));
-                    d.Type(field, "12-34 x");
+                    d.Type(field, "12-3 ");
                 }
-                d.Run([&] { EXPECT_EQ(frame.GetPin(), byPin ? "1" : "12-34 x"); });
+                d.Run([&] { EXPECT_STREQ(frame.GetPin(), byPin ? "1" : "12-3 "); });
                 d.Enter();
-            });
-            EXPECT_EQ(outcome, byPin ? "1 1" : "1 12-34 x");
+            };
+            EXPECT_EQ(frame.Run([=](auto& panel) { panel.SetChallenge(challenge); }, enter),
+                      byPin ? "1 1" : "1 12-3 ");
         }
     }
     EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size());
@@ -110,85 +98,79 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
 }
 
 TEST_F(ResetCard, CheckWindowClearsWhatIsNotActive) {
-    for (const int active : {kPin, kResponse, kCode}) {
-        for (const int clear : {0, 1}) {
-            Frame frame(Challenge(active == kCode ? "" : "0123"));
-            frame.Run([&](Dialog& d) {
-                d.Click(active == kPin ? kPinRoute : kCodeRoute);
-                d.Run([&] {
-                    for (const int id : {kPin, kResponse, kCode}) {
-                        SetWindowTextA(d.Control(id), "1");
-                    }
-                    frame.Panel()->CheckWindow(clear);
-                    for (const int id : {kPin, kResponse, kCode}) {
-                        const int length = GetWindowTextLengthA(d.Control(id));
-                        EXPECT_EQ(length, id == active && clear == 0 ? 1 : 0) << id;
-                    }
-                });
-                EXPECT_EQ(d.FocusedId(), active);
-                EXPECT_EQ(d.IsEnabled(IDOK), clear == 0);
-                d.Escape();
-            });
+    Frame frame;
+    const auto check = [&](Dialog& d, int nActive, int nClear) {
+        frame.Panel()->SetChallenge(nActive == kCode ? "" : "0123");
+        SendMessageA(d.Control(nActive == kPin ? kPinRoute : kCodeRoute), BM_CLICK, 0, 0);
+        for (const int id : {kPin, kResponse, kCode}) {
+            SetWindowTextA(d.Control(id), "1");
         }
-    }
+        frame.Panel()->CheckWindow(nClear);
+        for (const int id : {kPin, kResponse, kCode}) {
+            EXPECT_EQ(GetWindowTextLengthA(d.Control(id)), id == nActive && nClear == 0 ? 1 : 0);
+        }
+        EXPECT_EQ(d.FocusedId(), nActive);
+        EXPECT_EQ(d.IsEnabled(IDOK), nClear == 0);
+    };
+    const auto checkAll = [&](Dialog& d) {
+        for (const int active : {kPin, kResponse, kCode}) {
+            d.Run([&] { check(d, active, 0); });
+            d.Run([&] { check(d, active, 1); });
+        }
+        d.Escape();
+    };
+    EXPECT_EQ(frame.Run([](auto&) {}, checkAll), "2 ");
 }
 
 TEST_F(ResetCard, HoldsTheUserOnTheRouteOfTheCodeUntilTheNextChallenge) {
-    for (const char* challenge : {"0123", ""}) {
-        Frame frame([=](CResetCardDialog& panel) {
-            panel.SetChallenge(challenge);
-            panel.SendDlgItemMessage(kPin, WM_SETTEXT, 0, reinterpret_cast<LPARAM>("1234"));
-            panel.DisablePIN();
-        });
-        const bool hasChallenge = *challenge != '\0';
-        const std::string outcome = frame.Run([&](Dialog& d) {
-            ExpectRoute(d, false, hasChallenge);
-            EXPECT_EQ(d.Text(kPin), "");
-            EXPECT_FALSE(d.IsEnabled(kPinRoute) || d.IsEnabled(kCodeRoute));
-            d.Run([&] { frame.Panel()->SetChallenge(challenge); });
-            ExpectRoute(d, true, hasChallenge);
-            EXPECT_TRUE(d.IsEnabled(kPinRoute) && d.IsEnabled(kCodeRoute));
-            d.Run([&] { frame.Panel()->DisablePIN(); });
-            d.Type(hasChallenge ? kResponse : kCode, "A");
-            d.Click(IDOK);
-        });
-        EXPECT_EQ(outcome, "1 A");
-    }
+    Frame frame;
+    const auto hold = [&](CResetCardDialog& panel) {
+        panel.SetChallenge("0123");
+        SetWindowTextA(*panel.GetDlgItem(kPin), "1234");
+        panel.DisablePIN();
+    };
+    const auto enter = [&](Dialog& d) {
+        EXPECT_EQ(d.Text(kPin), "");
+        ExpectRoute(d, false, true);
+        EXPECT_FALSE(d.IsEnabled(kPinRoute) || d.IsEnabled(kCodeRoute));
+        d.Run([&] { frame.Panel()->SetChallenge(""); });
+        ExpectRoute(d, true, false);
+        EXPECT_TRUE(d.IsEnabled(kPinRoute) && d.IsEnabled(kCodeRoute));
+        d.Run([&] { frame.Panel()->DisablePIN(); });
+        ExpectRoute(d, false, false);
+        d.Type(kCode, "A");
+        d.Click(IDOK);
+    };
+    EXPECT_EQ(frame.Run(hold, enter), "1 A");
 }
 
 TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
-    for (const bool removed : {true, false}) {
-        Frame frame(nullptr);
-        EXPECT_EQ(frame.Run([&](Dialog& d) {
+    for (const bool isWatched : {true, false}) {
+        Frame frame;
+        const auto pull = [&](Dialog& d) {
             EXPECT_STREQ(ResourceString(IDS_CARD_PIN_TITLE), d.Title().c_str());
-            EXPECT_EQ(d.FocusedId(), kPin) << "also before a challenge is set";
-            const CRect panel = RectIn(d.Handle(), GetParent(d.Control(kPin)));
-            EXPECT_EQ(panel.TopLeft(), CRect(d.Rect(IDC_RESET_CARD_PANEL_PLACE)).TopLeft());
+            EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(kPin))),
+                      CRect(d.Rect(IDC_RESET_CARD_PANEL_PLACE)));
+            EXPECT_EQ(d.FocusedId(), kPin) << "also before there is a challenge";
             d.Type(kPin, "1234");
-            for (const char* reader : {"Reader B", "reader a"}) {
-                EXPECT_TRUE(d.IsOpen());
-                if (!removed) {
-                    d.Run([&] { frame.StopDetectingRemoveEvent(); });
-                }
-                VKRaiseEvent(VKEVENT_CARD_REMOVED, reader);
-                EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
-                d.Settle();
+            if (!isWatched) {
+                d.Run([&] { frame.StopDetectingRemoveEvent(); });
             }
-            EXPECT_NE(d.IsOpen(), removed);
-            if (!removed) {
-                d.Escape();
-            }
-        }),
-                  "2 ");
+            VKRaiseEvent(VKEVENT_CARD_REMOVED, "reader a");
+            EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+            d.Settle();
+            EXPECT_NE(d.IsOpen(), isWatched);
+            d.Cancel();
+        };
+        EXPECT_EQ(frame.Run([](auto&) {}, pull), "2 ");
     }
 }
 
 TEST_F(ResetCard, StandsWithoutItsPanelAndThePanelWithoutItsWindow) {
-    CResetCardDialog windowless(0, nullptr, nullptr, nullptr);
     HostWindow host;
     host.m_ok.SetFocus();
+    CResetCardDialog windowless(0, nullptr, nullptr, nullptr);
     windowless.SetChallenge("0123");
-    windowless.CheckWindow(1);
     windowless.DisablePIN();
     windowless.ResetToolTip();
     EXPECT_TRUE(windowless.GetPin().IsEmpty());
@@ -202,7 +184,7 @@ TEST_F(ResetCard, StandsWithoutItsPanelAndThePanelWithoutItsWindow) {
         EXPECT_EQ(frame.DoModal(), missing == 0 ? IDOK : IDCANCEL);
         EXPECT_TRUE(frame.GetPin().IsEmpty());
     }
-    EXPECT_EQ(Frame(nullptr).DoModal(), -1) << "the module has gone with the last one";
+    EXPECT_EQ(Frame().DoModal(), -1) << "the module has gone with the last one";
 }
 
 }  // namespace
