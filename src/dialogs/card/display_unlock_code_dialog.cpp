@@ -86,6 +86,7 @@ BOOL CDisplayUnlockCodeDlg::OnInitDialog() {
 }
 
 void CDisplayUnlockCodeDlg::CreatePanel() {
+    delete std::exchange(m_pDisplayUCChild, nullptr);  // of a former DoModal
     const CRect place = mvp::PlaceOf(*this, IDC_UNLOCK_CODE_PANEL_PLACE);
     m_pDisplayUCChild = mvp::Guarded<CDisplayUCChild*>(
         nullptr, [&] { return new CDisplayUCChild(m_nChildMode, &place, m_strCode, this); },

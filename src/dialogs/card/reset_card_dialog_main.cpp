@@ -61,6 +61,7 @@ BOOL CResetCardDialogMain::OnInitDialog() {
 }
 
 void CResetCardDialogMain::CreatePanel() {
+    delete std::exchange(m_pResetCardDialog, nullptr);  // of a former DoModal
     const CRect place = mvp::PlaceOf(*this, IDC_RESET_CARD_PANEL_PLACE);
     m_pResetCardDialog = mvp::Guarded<CResetCardDialog*>(
         nullptr, [&] { return new CResetCardDialog(m_nMode, &place, &m_okButton, this); },
