@@ -80,13 +80,13 @@ void CResetCardDialog::DoDataExchange(CDataExchange* pDX) {
 BOOL CResetCardDialog::OnInitDialog() {
     // The exit's name is another panel's: log readers know it as it is.
     const mvp::LogScope scope("CResetCardDialog::OnInitDialog", "CChangePINDialog::OnInitDialog");
-    CBaseDialog::OnInitDialog();
+    const BOOL result = CBaseDialog::OnInitDialog();
     m_editPin.SetWindowText("");
     m_editResponse.SetWindowText("");
     m_editUnlockCode.SetFocus();
     CheckDlgButton(IDC_RESET_CARD_PIN_ROUTE, BST_CHECKED);
     m_bPinMode = 1;
-    return FALSE;  // the focus stays where it was put
+    return result;
 }
 
 // The fields stand between the radio buttons, each behind the one that names it. The system would

@@ -17,6 +17,7 @@ namespace {
 constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\PXRM)";
 constexpr int kNew = IDC_INITIALIZE_PIN_NEW_EDIT;
 constexpr int kConfirm = IDC_INITIALIZE_PIN_CONFIRM_EDIT;
+constexpr int kFirstRule = IDC_POLICIES_MIN_TEXT;
 constexpr int kPlace = IDC_INITIALIZE_PIN_POLICIES_PLACE;
 using Texts = std::vector<std::string>;
 
@@ -124,14 +125,16 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
         const CRect lines = RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX)));
         EXPECT_EQ(lines.TopLeft(), CRect(d.Rect(kPlace)).TopLeft());
         // As the template has it: 7 units to the buttons and as many to the frame.
-        RECT units = {0, 0, 250, 7};
+        const CRect first = RectIn(GetParent(d.Control(IDC_POLICIES_BOX)), d.Control(kFirstRule));
+        RECT units = {22, 8, 250, 7};
         RECT client = {};
         d.Run([&] { MapDialogRect(d.Handle(), &units); });
         GetClientRect(d.Handle(), &client);
         EXPECT_NEAR(d.Rect(IDOK).top - lines.bottom, units.bottom, 1);
-        EXPECT_EQ(d.Rect(IDOK).top, d.Rect(IDCANCEL).top);
         EXPECT_NEAR(client.bottom - d.Rect(IDOK).bottom, units.bottom, 1);
         EXPECT_EQ(client.right, units.right);
+        EXPECT_EQ(first.TopLeft(), CPoint(units.left + 20, 10 + 10));
+        EXPECT_EQ(lines.Height(), 10 + 4 * 10 + 3 * units.top) << "three rules";
         EXPECT_FALSE(d.IsEnabled(IDOK));
         d.Type(kNew, "5838");
         d.Type(kConfirm, "58381");
@@ -160,9 +163,9 @@ TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
             failed.WaitGone();
         }
         m_initialize = [&] {
-            // What is typed while the callback serves messages is judged when it is over.
-            SetDlgItemTextA(d.Handle(), kNew, "1");
+            // It is not called again meanwhile, and what is typed is judged when it is over.
             SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            SetDlgItemTextA(d.Handle(), kNew, "1");
             return 1;
         };
         d.Click(IDOK);
