@@ -131,9 +131,9 @@ private:
 
     CResetCardDialog* m_pResetCardDialog = nullptr;  // owned
     CButton m_okButton;
-    int m_nFirst;
-    int m_nSecond;
-    int m_nThird;
+    [[maybe_unused]] int m_nFirst;
+    [[maybe_unused]] int m_nSecond;
+    [[maybe_unused]] int m_nThird;
     int m_nMode;
     mvp::RemovalWatch m_removalWatch;
     CString m_strReader;

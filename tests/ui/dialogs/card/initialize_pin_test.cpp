@@ -148,7 +148,7 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
 }
 
 TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
-    const auto tryAll = [&](Dialog& d) {
+    const auto attempt = [&](Dialog& d) {
         d.Type(kNew, "58381");
         d.Type(kConfirm, "58381");
         for (const int code : {1, 7, -1, 0}) {  // 0: the callback throws
@@ -173,18 +173,18 @@ TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
         d.WaitUntil("OK disabled", [&] { return !d.IsEnabled(IDOK); });
         d.Escape();
     };
-    EXPECT_EQ(Run({tryAll}), IDCANCEL);
+    EXPECT_EQ(Run({attempt}), IDCANCEL);
     EXPECT_EQ(m_calls, Texts(5, "58381 4 25 6 0 0 6"));
 }
 
 TEST_F(InitializePin, SuccessEndsTheWatchShowsTheCodeAndTellsTheSuite) {
-    static std::string s_strNotice;
+    static std::string notice;
     WNDCLASSA tray{};
     tray.lpszClassName = "VkTrayHandlerClass";
     tray.lpfnWndProc = [](HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
         if (nMessage == WM_COPYDATA) {
             const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-            s_strNotice = std::to_string(record.dwData) + static_cast<char*>(record.lpData);
+            notice = std::to_string(record.dwData) + static_cast<char*>(record.lpData);
         }
         return DefWindowProcA(hWnd, nMessage, wParam, lParam);
     };
@@ -194,7 +194,7 @@ TEST_F(InitializePin, SuccessEndsTheWatchShowsTheCodeAndTellsTheSuite) {
     EXPECT_EQ(Run({Enter()}), IDOK);
     EXPECT_EQ(m_nPending, 1) << "the code could not be fetched";
     EXPECT_EQ(m_boxes.Calls().size(), 1U);
-    EXPECT_EQ(std::exchange(s_strNotice, ""), "78945R A");
+    EXPECT_EQ(std::exchange(notice, ""), "78945R A");
     m_nCodeResult = MVPINGUI_CARD_OK;
     const auto accept = [&](Dialog& d) {
         d.Type(kNew, "58381");
@@ -205,7 +205,7 @@ TEST_F(InitializePin, SuccessEndsTheWatchShowsTheCodeAndTellsTheSuite) {
         PostMessageA(d.Handle(), RegisterWindowMessageA("VKCardRemovedEvent"), 0, 0);
         code.Settle();
         EXPECT_TRUE(d.IsOpen()) << "the card has its PIN";
-        EXPECT_EQ(s_strNotice, "");
+        EXPECT_EQ(notice, "");
         code.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
         code.Click(IDOK);
     };

@@ -63,8 +63,8 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
         const bool hasChallenge = !shown.empty();
         const int field = hasChallenge ? kResponse : kCode;
         for (const bool byPin : {true, false}) {
-            const auto enter = [&, &strShown = shown](Dialog& d) {
-                EXPECT_TRUE(!hasChallenge || d.Text(IDC_RESET_CARD_CHALLENGE) == strShown);
+            const auto enter = [&, &text = shown](Dialog& d) {
+                EXPECT_TRUE(!hasChallenge || d.Text(IDC_RESET_CARD_CHALLENGE) == text);
                 ExpectRoute(d, true, hasChallenge);
                 EXPECT_FALSE(d.IsEnabled(IDOK));
                 d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
@@ -89,7 +89,7 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
                 d.Run([&] { EXPECT_STREQ(frame.GetPin(), byPin ? "1" : "12-3 "); });
                 d.Enter();
             };
-            EXPECT_EQ(frame.Run([=](auto& panel) { panel.SetChallenge(challenge); }, enter),
+            EXPECT_EQ(frame.Run([psz = challenge](auto& panel) { panel.SetChallenge(psz); }, enter),
                       byPin ? "1 1" : "1 12-3 ");
         }
     }

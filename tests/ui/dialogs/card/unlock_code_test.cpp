@@ -166,9 +166,9 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
 }
 
 TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
-    static std::string s_strTopics;
+    static std::string topics;
     SetHelpViewer([](HWND, LPCSTR, UINT, DWORD_PTR dwTopic) -> HWND {
-        s_strTopics += std::to_string(dwTopic) + " ";
+        topics += std::to_string(dwTopic) + " ";
         return nullptr;
     });
     m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "help.chm");
@@ -187,7 +187,7 @@ TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
         });
         EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     }
-    EXPECT_EQ(s_strTopics, "1014 1014 1014 1014 1014 ");
+    EXPECT_EQ(topics, "1014 1014 1014 1014 1014 ");
     SetHelpViewer(nullptr);
     m_hive.DeleteKey(kPxrmKey);
     Incomplete<CCMLockedDlg> withoutButton(IDOK, nullptr, nullptr);
