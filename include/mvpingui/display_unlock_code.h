@@ -79,4 +79,5 @@ private:
     int m_nChildMode;
     CString m_strCode;
     HWND m_hPropertyWnd = nullptr; /* the parent that has the property; not owned */
+    HWND m_hPreviousWnd = nullptr; /* what the property was before; not owned */
 };

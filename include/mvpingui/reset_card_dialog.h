@@ -6,7 +6,8 @@
 //
 // The panel comes to be with the dialog's window. A caller that has a challenge for the user, or a
 // card whose PIN cannot be used, derives a class and calls SetChallenge and DisablePIN from its
-// OnInitDialog, after the frame's. All calls are made on the thread that created the objects.
+// OnInitDialog, after the frame's, and returns what that returned. All calls are made on the thread
+// that created the objects.
 //
 // No exception leaves a member but a constructor, which lets std::bad_alloc pass.
 #pragma once
@@ -61,6 +62,8 @@ public:
     // Takes the Caps-Lock balloons of the fields down. A host that moves calls it.
     void ResetToolTip();
 
+    BOOL PreTranslateMessage(MSG* pMsg) override;
+
 protected:
     BOOL OnInitDialog() override;
     void DoDataExchange(CDataExchange* pDX) override;
@@ -73,7 +76,7 @@ private:
     mvp::ResetField ActiveField() const;
     CString& ActiveText();
     CCapsLockSensitiveEdit& ActiveEdit();
-    void ChooseRoute(bool bPinMode);
+    void FocusActiveEdit();
     void ShowChallengePart(bool bShow);
     void EnableCodeRoute(bool bEnable);
 
@@ -128,9 +131,9 @@ private:
 
     CResetCardDialog* m_pResetCardDialog = nullptr;  // owned
     CButton m_okButton;
-    int m_nFirst;
-    int m_nSecond;
-    int m_nThird;
+    [[maybe_unused]] int m_nFirst;
+    [[maybe_unused]] int m_nSecond;
+    [[maybe_unused]] int m_nThird;
     int m_nMode;
     mvp::RemovalWatch m_removalWatch;
     CString m_strReader;

@@ -77,6 +77,7 @@ BOOL CDisplayUnlockCodeDlg::OnInitDialog() {
     }
     m_hPropertyWnd = ::GetParent(m_hWnd);
     if (m_hPropertyWnd != nullptr) {
+        m_hPreviousWnd = static_cast<HWND>(GetPropA(m_hPropertyWnd, kWindowProperty));
         SetPropA(m_hPropertyWnd, kWindowProperty, m_hWnd);
     }
     CreatePanel();
@@ -85,6 +86,7 @@ BOOL CDisplayUnlockCodeDlg::OnInitDialog() {
 }
 
 void CDisplayUnlockCodeDlg::CreatePanel() {
+    delete std::exchange(m_pDisplayUCChild, nullptr);  // of a former DoModal
     const CRect place = mvp::PlaceOf(*this, IDC_UNLOCK_CODE_PANEL_PLACE);
     m_pDisplayUCChild = mvp::Guarded<CDisplayUCChild*>(
         nullptr, [&] { return new CDisplayUCChild(m_nChildMode, &place, m_strCode, this); },
@@ -118,9 +120,14 @@ void CDisplayUnlockCodeDlg::OnOK() {
 
 void CDisplayUnlockCodeDlg::OnDestroy() {
     const mvp::LogScope scope("CDisplayUnlockCodeDlg::OnDestroy");
-    // Another dialog over the same parent may have put its own there.
+    // A dialog that was opened later over the same parent may have put its own there; when that one
+    // goes, it brings back what it found.
     if (m_hPropertyWnd != nullptr && GetPropA(m_hPropertyWnd, kWindowProperty) == m_hWnd) {
-        RemovePropA(m_hPropertyWnd, kWindowProperty);
+        if (::IsWindow(m_hPreviousWnd)) {
+            SetPropA(m_hPropertyWnd, kWindowProperty, m_hPreviousWnd);
+        } else {
+            RemovePropA(m_hPropertyWnd, kWindowProperty);
+        }
     }
     VKDetectCardRemovedDlg::OnDestroy();
 }

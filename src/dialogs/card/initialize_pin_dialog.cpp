@@ -94,6 +94,7 @@ void CInitializePinDlg::DoDataExchange(CDataExchange* pDX) {
 BOOL CInitializePinDlg::OnInitDialog() {
     const mvp::LogScope scope("CInitializePinDlg::OnInitDialog");
     VKDetectCardRemovedDlg::OnInitDialog();
+    m_rulePanel.Destroy();  // of a former DoModal
     m_boldFont.Attach(mvp::MakeHeadingBold(*this, IDC_INITIALIZE_PIN_HEADING).release());
     mvp::SetSmallIcon(*this, IDI_CARD_INITIALIZE);
     m_editNewPin.SetPasswordChar(kPasswordCharacter);
@@ -140,6 +141,10 @@ void CInitializePinDlg::OnChangeEditNewPin() {
     }
     const bool allowed = IsAllowed();
     if (CWnd* ok = GetDlgItem(IDOK)) {
+        // A disabled button that has the focus would take the keyboard with it.
+        if (!allowed && ::GetFocus() == ok->m_hWnd) {
+            m_editNewPin.SetFocus();
+        }
         mvp::EnableIf(*ok, allowed);
     }
     m_rulePanel.Update();
@@ -166,6 +171,10 @@ void CInitializePinDlg::OnOK() {
         },
         mvp::LogException("CInitializePinDlg::OnOK"));
     m_bInitializing = false;
+    // The callback may have served messages: what was typed meanwhile is judged now.
+    if ((m_nFlags & WF_CONTINUEMODAL) != 0) {
+        OnChangeEditNewPin();
+    }
 }
 
 int CInitializePinDlg::Initialize() {

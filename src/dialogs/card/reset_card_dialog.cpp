@@ -89,6 +89,24 @@ BOOL CResetCardDialog::OnInitDialog() {
     return result;
 }
 
+// The fields stand between the radio buttons, each behind the one that names it. The system would
+// take an arrow key from a radio button to a field and never to the other route.
+BOOL CResetCardDialog::PreTranslateMessage(MSG* pMsg) {
+    if (pMsg->message == WM_KEYDOWN && pMsg->wParam >= VK_LEFT && pMsg->wParam <= VK_DOWN) {
+        CWnd* pinRoute = GetDlgItem(IDC_RESET_CARD_PIN_ROUTE);
+        CWnd* codeRoute = GetDlgItem(IDC_RESET_CARD_CODE_ROUTE);
+        if (pinRoute != nullptr && codeRoute != nullptr &&
+            (pMsg->hwnd == pinRoute->m_hWnd || pMsg->hwnd == codeRoute->m_hWnd)) {
+            CWnd* other = pMsg->hwnd == pinRoute->m_hWnd ? codeRoute : pinRoute;
+            if (other->IsWindowEnabled()) {
+                other->SendMessage(BM_CLICK);
+            }
+            return TRUE;
+        }
+    }
+    return CBaseDialog::PreTranslateMessage(pMsg);
+}
+
 mvp::ResetField CResetCardDialog::ActiveField() const {
     return mvp::ActiveResetField(m_bPinMode != 0, m_bChallenge != 0);
 }
@@ -115,6 +133,14 @@ CCapsLockSensitiveEdit& CResetCardDialog::ActiveEdit() {
             break;
     }
     return m_editUnlockCode;
+}
+
+void CResetCardDialog::FocusActiveEdit() {
+    CCapsLockSensitiveEdit& active = ActiveEdit();
+    // Without a window the focus would be taken from whoever has it.
+    if (active.m_hWnd != nullptr) {
+        active.SetFocus();
+    }
 }
 
 void CResetCardDialog::SetChallenge(const char* pszChallenge) {
@@ -162,11 +188,11 @@ void CResetCardDialog::OnRadioClicked() {
     // The active field first: a disabled edit that has the focus would take the keyboard with it.
     if (pinMode) {
         EnableControl(*this, IDC_RESET_CARD_PIN_EDIT, true);
-        m_editPin.SetFocus();
+        FocusActiveEdit();
         EnableCodeRoute(false);
     } else {
         EnableCodeRoute(true);
-        ActiveEdit().SetFocus();
+        FocusActiveEdit();
         EnableControl(*this, IDC_RESET_CARD_PIN_EDIT, false);
     }
     OnCheckOkButton();
@@ -183,13 +209,13 @@ void CResetCardDialog::CheckWindow(int bClear) {
     const mvp::LogScope scope("CResetCardDialog::CheckWindow");
     mvp::Guarded(
         [&] {
-            CCapsLockSensitiveEdit& active = ActiveEdit();
+            const CCapsLockSensitiveEdit& active = ActiveEdit();
             for (CCapsLockSensitiveEdit* edit : {&m_editPin, &m_editResponse, &m_editUnlockCode}) {
                 if (edit->m_hWnd != nullptr && (edit != &active || bClear != 0)) {
                     edit->SetWindowText("");
                 }
             }
-            active.SetFocus();
+            FocusActiveEdit();
             OnCheckOkButton();
             UpdateWindow();
         },

@@ -56,10 +56,12 @@ BOOL CResetCardDialogMain::OnInitDialog() {
     }
     UpdateWindow();
     m_removalWatch.Start(*this, m_strReader);
-    return TRUE;
+    // The panel has put the focus on its active field.
+    return m_pResetCardDialog == nullptr ? TRUE : FALSE;
 }
 
 void CResetCardDialogMain::CreatePanel() {
+    delete std::exchange(m_pResetCardDialog, nullptr);  // of a former DoModal
     const CRect place = mvp::PlaceOf(*this, IDC_RESET_CARD_PANEL_PLACE);
     m_pResetCardDialog = mvp::Guarded<CResetCardDialog*>(
         nullptr, [&] { return new CResetCardDialog(m_nMode, &place, &m_okButton, this); },
@@ -74,6 +76,7 @@ void CResetCardDialogMain::CreatePanel() {
     m_pResetCardDialog->ShowWindow(SW_SHOW);
     m_pResetCardDialog->UpdateWindow();
     ResizeDlg(0, place.bottom - mvp::ClientRectOf(*this, *m_pResetCardDialog).bottom);
+    m_pResetCardDialog->CheckWindow(0);
 }
 
 void CResetCardDialogMain::ResizeDlg(int dx, int dy) {

@@ -1,0 +1,229 @@
+// CInitializePinDlg: the policy values that it hands on and shows as rules, and what comes of OK.
+#include <array>
+#include <functional>
+#include <stdexcept>
+
+#include <vkevtsub/vkevtsub.h>
+
+#include "mvpingui/initialize_pin_dialog.h"
+#include "services/error_text.h"
+#include "services/format_text.h"
+#include "support/dialog_driver.h"
+#include "ui/dialogs/library_test.h"
+
+namespace mvp::test {
+namespace {
+
+constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\PXRM)";
+constexpr int kNew = IDC_INITIALIZE_PIN_NEW_EDIT;
+constexpr int kConfirm = IDC_INITIALIZE_PIN_CONFIRM_EDIT;
+constexpr int kFirstRule = IDC_POLICIES_MIN_TEXT;
+constexpr int kPlace = IDC_INITIALIZE_PIN_POLICIES_PLACE;
+using Texts = std::vector<std::string>;
+
+Script Enter(const std::string& strPin = "58381") {
+    return [=](Dialog& d) {
+        d.Type(kNew, strPin);
+        d.Type(kConfirm, strPin);
+        // Whoever sends the command, and whatever the button is.
+        d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
+        d.Cancel();
+    };
+}
+
+class InitializePin : public LibraryTest {
+protected:
+    static InitializePin& From(void* pContext) { return *static_cast<InitializePin*>(pContext); }
+    static int Initialize(void* pContext, CString strPin, int nMin, int nMax, int nTries, int nWeak,
+                          int nForce, int nUnlock) {
+        std::string& call = From(pContext).m_calls.emplace_back(strPin);
+        for (const int value : {nMin, nMax, nTries, nWeak, nForce, nUnlock}) {
+            call += " " + std::to_string(value);
+        }
+        return From(pContext).m_initialize();
+    }
+    static int GetCode(void* pContext, CString& strCode) {
+        strCode = "0123456789";
+        return From(pContext).m_nCodeResult;
+    }
+    template <class Dialog = CInitializePinDlg, class... Missing>
+    INT_PTR Run(const std::vector<Script>& scripts, const PINPolicies* pPolicies = nullptr,
+                Missing... missing) {
+        Dialog dialog(missing..., nullptr, pPolicies, this, &Initialize, nullptr, &GetCode, "R A");
+        const DialogDriver driver(std::chrono::seconds(10), scripts);
+        INT_PTR result = dialog.DoModal();
+        for (std::size_t i = 1; i < scripts.size(); ++i) {
+            result = dialog.DoModal();
+        }
+        m_nPending = dialog.m_bUnlockCodePending;
+        return result;
+    }
+
+    Texts m_calls;
+    std::function<int()> m_initialize = [] { return MVPINGUI_CARD_OK; };
+    int m_nCodeResult = MVPINGUI_CARD_FAILED;
+    int m_nPending = -1;
+};
+
+TEST_F(InitializePin, HandsOnTheValuesOfTheCallerTheConfigurationOrItsOwn) {
+    constexpr auto kUnset = MVP_POLICY_FROM_CONFIGURATION;
+    EXPECT_EQ(Run({Enter()}), IDOK);
+    EXPECT_EQ(m_calls.back(), "58381 4 25 6 0 0 6");
+    EXPECT_EQ(m_log.Texts(1), Texts(7, "RegOpenKeyEx returns the error 2"));
+    const struct {
+        const char* pszName;
+        DWORD dwConfigured;
+        const char* pszWithoutIt;
+    } values[] = {
+        {"MinimumPINLength", 0, "58381 4 9 -1 2 1 7"},
+        {"MaximumPINLength", 9, "58381 0 25 -1 2 1 7"},
+        {"MaxPINTries", ~0U, "58381 0 9 6 2 1 7"},
+        {"MaxPINUnlock", 7, "58381 0 9 -1 2 1 6"},
+        {"WeakPINAllowed", 2, "58381 0 9 -1 0 1 7"},
+        {"ForceChangePIN", 1, "58381 0 9 -1 2 0 7"},
+        {"AlphaPINAllowed", 0, "58381 0 9 -1 2 1 7"},
+    };
+    for (const auto& [name, configured, withoutIt] : values) {
+        m_hive.SetDword(kKey, name, configured);
+    }
+    const PINPolicies callers = {3, kUnset, 0, 11, 12, 13, kUnset, 0, kUnset};
+    EXPECT_EQ(Run({Enter()}, &callers), IDOK);
+    EXPECT_EQ(m_calls.back(), "58381 3 9 0 2 0 12");
+    for (const auto& [name, configured, withoutIt] : values) {
+        for (const DWORD type : std::array<DWORD, 4>{REG_NONE, REG_SZ, REG_BINARY, REG_DWORD}) {
+            type == REG_NONE ? m_hive.DeleteValue(kKey, name)
+                             : m_hive.SetRaw(kKey, name, type, type == REG_BINARY ? "1234" : "1");
+            m_log.Clear();
+            EXPECT_EQ(Run({Enter()}), IDOK);
+            EXPECT_EQ(m_calls.back(), withoutIt) << name << type;
+            const std::string error = type == REG_NONE ? "2" : "1804";
+            EXPECT_EQ(m_log.Texts(1), Texts{"RegQueryValueEx returns the error " + error});
+        }
+        m_hive.SetDword(kKey, name, configured);
+    }
+}
+
+TEST_F(InitializePin, JudgesByTheRulesThatComeOfTheValues) {
+    using Case = std::tuple<const char*, DWORD, const char*, bool>;
+    // Weak PINs are refused by exactly 1, letters by all but 1.
+    for (const auto& [name, value, pin, isAllowed] :
+         {Case{"WeakPINAllowed", 0, "1234", true}, Case{"WeakPINAllowed", 1, "1234", false},
+          Case{"WeakPINAllowed", 1, "5838", true}, Case{"AlphaPINAllowed", 0, "58a8", false},
+          Case{"AlphaPINAllowed", 1, "58a8", true}, Case{"AlphaPINAllowed", 2, "58a8", false},
+          Case{"MinimumPINLength", ~0U, "5", true}, Case{"MaximumPINLength", 4, "58381", false}}) {
+        m_hive.SetDword(kKey, name, value);
+        EXPECT_EQ(Run({Enter(pin)}), isAllowed ? IDOK : IDCANCEL) << name << value << pin;
+        m_hive.DeleteKey(kKey);
+    }
+    EXPECT_EQ(m_calls.size(), 4U);
+}
+
+TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
+    const auto look = [](Dialog& d) {
+        EXPECT_EQ(d.FocusedId(), kNew);
+        EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR), 2 * '*');
+        const CRect lines = RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX)));
+        EXPECT_EQ(lines.TopLeft(), CRect(d.Rect(kPlace)).TopLeft());
+        // As the template has it: 7 units to the buttons and as many to the frame.
+        const CRect first = RectIn(GetParent(d.Control(IDC_POLICIES_BOX)), d.Control(kFirstRule));
+        RECT units = {22, 8, 250, 7};
+        RECT client = {};
+        d.Run([&] { MapDialogRect(d.Handle(), &units); });
+        GetClientRect(d.Handle(), &client);
+        EXPECT_NEAR(d.Rect(IDOK).top - lines.bottom, units.bottom, 1);
+        EXPECT_NEAR(client.bottom - d.Rect(IDOK).bottom, units.bottom, 1);
+        EXPECT_EQ(client.right, units.right);
+        EXPECT_EQ(first.TopLeft(), CPoint(units.left + 20, 10 + 10));
+        EXPECT_EQ(lines.Height(), 10 + 4 * 10 + 3 * units.top) << "three rules";
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        d.Type(kNew, "5838");
+        d.Type(kConfirm, "58381");
+        EXPECT_FALSE(d.IsEnabled(IDOK));
+        d.Press(VK_BACK);
+        EXPECT_TRUE(d.IsEnabled(IDOK));
+        VKRaiseEvent(VKEVENT_CARD_REMOVED, "r a");
+    };
+    EXPECT_EQ(Run({look, look}), IDCANCEL);
+    EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size()) << m_log.Dump();
+}
+
+TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
+    const auto attempt = [&](Dialog& d) {
+        d.Type(kNew, "58381");
+        d.Type(kConfirm, "58381");
+        for (const int code : {1, 7, -1, 0}) {  // 0: the callback throws
+            m_initialize = [=] { return code != 0 ? code : throw std::runtime_error("callback"); };
+            d.Click(IDOK);
+            Dialog failed = d.Next();
+            const CString text =
+                FormatResourceText(IDS_INITIALIZE_FAILED_FORMAT, ErrorText(code == 0 ? 1 : code));
+            EXPECT_STREQ(text, failed.Text(IDC_UNLOCK_RESULT_MESSAGE).c_str());
+            EXPECT_STREQ(ResourceString(IDS_INITIALIZE_FAILED_TITLE), failed.Title().c_str());
+            failed.Click(IDOK);
+            failed.WaitGone();
+        }
+        m_initialize = [&] {
+            // It is not called again meanwhile, and what is typed is judged when it is over.
+            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            SetDlgItemTextA(d.Handle(), kNew, "1");
+            return 1;
+        };
+        d.Click(IDOK);
+        d.Next().Click(IDOK);
+        d.WaitUntil("OK disabled", [&] { return !d.IsEnabled(IDOK); });
+        d.Escape();
+    };
+    EXPECT_EQ(Run({attempt}), IDCANCEL);
+    EXPECT_EQ(m_calls, Texts(5, "58381 4 25 6 0 0 6"));
+}
+
+TEST_F(InitializePin, SuccessEndsTheWatchShowsTheCodeAndTellsTheSuite) {
+    static std::string notice;
+    WNDCLASSA tray{};
+    tray.lpszClassName = "VkTrayHandlerClass";
+    tray.lpfnWndProc = [](HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
+        if (nMessage == WM_COPYDATA) {
+            const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+            notice = std::to_string(record.dwData) + static_cast<char*>(record.lpData);
+        }
+        return DefWindowProcA(hWnd, nMessage, wParam, lParam);
+    };
+    RegisterClassA(&tray);
+    CWnd receiver;
+    receiver.CreateEx(0, tray.lpszClassName, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr);
+    EXPECT_EQ(Run({Enter()}), IDOK);
+    EXPECT_EQ(m_nPending, 1) << "the code could not be fetched";
+    EXPECT_EQ(m_boxes.Calls().size(), 1U);
+    EXPECT_EQ(std::exchange(notice, ""), "78945R A");
+    m_nCodeResult = MVPINGUI_CARD_OK;
+    const auto accept = [&](Dialog& d) {
+        d.Type(kNew, "58381");
+        d.Type(kConfirm, "58381");
+        d.Click(IDOK);
+        Dialog code = d.Next();
+        EXPECT_EQ(code.Text(IDC_UNLOCK_CODE_CODE), "0123-4567-89");
+        PostMessageA(d.Handle(), RegisterWindowMessageA("VKCardRemovedEvent"), 0, 0);
+        code.Settle();
+        EXPECT_TRUE(d.IsOpen()) << "the card has its PIN";
+        EXPECT_EQ(notice, "");
+        code.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
+        code.Click(IDOK);
+    };
+    EXPECT_EQ(Run({accept}), IDOK);
+    EXPECT_EQ(m_nPending, 0);
+    receiver.DestroyWindow();
+}
+
+TEST_F(InitializePin, NeedsItsEditsItsRulesAndTheModule) {
+    using Short = Incomplete<CInitializePinDlg>;
+    for (const int edit : {kNew, kConfirm}) {
+        EXPECT_EQ(Run<Short>({}, nullptr, edit), -1);
+    }
+    for (const int missing : {IDC_INITIALIZE_PIN_HEADING, IDOK, kPlace, 0}) {
+        EXPECT_EQ(Run<Short>({Enter()}, nullptr, missing), missing == kPlace ? IDCANCEL : IDOK);
+    }
+    EXPECT_EQ(Run({}), -1) << "the module has gone with the last one";
+}
+
+}  // namespace
+}  // namespace mvp::test
