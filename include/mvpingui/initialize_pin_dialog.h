@@ -36,10 +36,6 @@ public:
                       MvpGetUnlockCodeCallback pfnGetUnlockCode, const char* pszReader);
     ~CInitializePinDlg() override;
 
-    // After IDOK: 1 while the user has not accepted the unlock code, because it could not be
-    // fetched, is not to be displayed, or was not ticked off; else 0.
-    std::int32_t m_bUnlockCodePending = 0;
-
 protected:
     BOOL OnInitDialog() override;
     void DoDataExchange(CDataExchange* pDX) override;
@@ -65,10 +61,17 @@ private:
     CFont m_boldFont;
     void* m_pContext;
     CString m_strReader;
+
+public:
+    // After IDOK: 1 while the user has not accepted the unlock code, because it could not be
+    // fetched, is not to be displayed, or was not ticked off; else 0.
+    std::int32_t m_bUnlockCodePending = 0;
+
+private:
     MvpNeverDisplayCallback m_pfnNeverDisplay;
     MvpGetUnlockCodeCallback m_pfnGetUnlockCode;
     mvp::RulePanel m_rulePanel;
-    PINPolicies m_policies;
+    PINPolicies m_policies{};
     MvpInitializeCallback m_pfnInitialize;
     bool m_bInitializing = false;
 };

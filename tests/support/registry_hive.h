@@ -75,6 +75,9 @@ public:
               "setting " + strName);
     }
 
+    void DeleteValue(const std::string& strPath, const std::string& strName) {
+        Check(RegDeleteValueA(Open(strPath).get(), strName.c_str()), "deleting " + strName);
+    }
     void DeleteKey(const std::string& strPath) {  // with all below it
         Check(RegDeleteTreeA(m_root.get(), strPath.c_str()), "deleting the key " + strPath);
     }

@@ -38,12 +38,6 @@ Font MakeHeadingBold(CWnd& dialog, int nHeading) {
     return bold;
 }
 
-int AtResolutionOf(const CWnd& window, int nPixels) {
-    constexpr int kDesignResolution = 96;
-    const WindowDc dc(window.m_hWnd);
-    return MulDiv(nPixels, GetDeviceCaps(dc.get(), LOGPIXELSY), kDesignResolution);
-}
-
 void BringToFront(CWnd& dialog) {
     dialog.SetForegroundWindow();
     dialog.SetWindowPos(&CWnd::wndTopMost, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);

@@ -18,9 +18,6 @@ void ShowIcon(CWnd& dialog, int nControl, UINT nIcon);
 // control is there. Null when there is no such control or it has no font of its own.
 Font MakeHeadingBold(CWnd& dialog, int nHeading);
 
-// What `nPixels` are at 96 dots per inch, in pixels of the window's resolution.
-int AtResolutionOf(const CWnd& window, int nPixels);
-
 // Brings the dialog to the foreground and keeps it on top of all that is not.
 void BringToFront(CWnd& dialog);
 

@@ -5,6 +5,7 @@
 
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/dialog_looks.h"
+#include "dialogs/card/grown_dialog.h"
 #include "dialogs/card/policy_values.h"
 #include "mvpingui/display_unlock_code.h"
 #include "mvpingui/policies_dialog.h"
@@ -66,9 +67,9 @@ CInitializePinDlg::CInitializePinDlg(CWnd* pParent, const PINPolicies* pPolicies
       m_strReader(pszReader),
       m_pfnNeverDisplay(pfnNeverDisplay),
       m_pfnGetUnlockCode(pfnGetUnlockCode),
-      m_policies(mvp::EffectivePolicies(pPolicies, ReadPolicy)),
       m_pfnInitialize(pfnInitialize) {
     const mvp::LogScope scope("CInitializePinDlg::CInitializePinDlg");
+    m_policies = mvp::EffectivePolicies(pPolicies, ReadPolicy);
 }
 
 CInitializePinDlg::~CInitializePinDlg() {
@@ -110,13 +111,9 @@ LRESULT CInitializePinDlg::OnDisplayPINPolicies(WPARAM /*wParam*/, LPARAM /*lPar
         if (GetDlgItem(IDC_INITIALIZE_PIN_POLICIES_PLACE) == nullptr) {
             return 0;
         }
-        // The first line keeps clear of the caption, whose height follows the resolution.
-        mvp::RulePanel::Layout layout = kRuleLayout;
-        layout.nTopMargin = mvp::AtResolutionOf(*this, layout.nTopMargin);
         if (m_rulePanel.Create(*this, IDC_INITIALIZE_PIN_POLICIES_PLACE, mvp::RulesOf(m_policies),
-                               layout)) {
-            mvp::FitWindow(*this, mvp::WindowFit::ToWholePanel(m_rulePanel.Height()),
-                           {IDOK, IDCANCEL});
+                               mvp::ClearOfCaption(*this, kRuleLayout))) {
+            mvp::GrowForPanel(*this, m_rulePanel.Height());
         }
     }
     if (m_rulePanel.Dialog() != nullptr) {
@@ -211,6 +208,7 @@ void CInitializePinDlg::TellFailure(int nCode) {
 }
 
 void CInitializePinDlg::ResetToolTip() {
+    const mvp::LogScope scope("CInitializePinDlg::ResetToolTip");
     m_editNewPin.ResetToolTip();
     m_editConfirmPin.ResetToolTip();
 }

@@ -6,7 +6,9 @@
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/dialog_looks.h"
 #include "dialogs/card/code_groups.h"
+#include "dialogs/card/grown_dialog.h"
 #include "dialogs/card/help_desk.h"
+#include "dialogs/card/static_mode.h"
 #include "dialogs/card/unlock_code.h"
 #include "mvpingui/policies_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
@@ -26,30 +28,6 @@ namespace {
 constexpr UINT kDisplayPinPoliciesMessage = WM_USER + 1;
 constexpr int kHelpTopic = 1013;
 constexpr char kPasswordCharacter = '*';
-
-// The height of the challenge's part at 96 dpi, in pixels.
-constexpr int kChallengePartHeight = 100;
-constexpr int kChallengePart[] = {
-    IDC_UNLOCK_CARD_CHALLENGE_LABEL,
-    IDC_UNLOCK_CARD_HELP_DESK,
-    IDC_UNLOCK_CARD_CHALLENGE_NOTE,
-    IDC_UNLOCK_CARD_CHALLENGE,
-};
-constexpr int kBelowChallengePart[] = {
-    IDC_UNLOCK_CARD_INSTRUCTION,
-    IDC_UNLOCK_CARD_CODE_BOX,
-    IDC_UNLOCK_CARD_CODE_LABEL,
-    IDC_UNLOCK_CARD_CODE_EDIT,
-    IDC_UNLOCK_CARD_PIN_BOX,
-    IDC_UNLOCK_CARD_NEW_LABEL,
-    IDC_UNLOCK_CARD_CONFIRM_LABEL,
-    IDC_UNLOCK_CARD_CODE_NOTE,
-    IDC_UNLOCK_CARD_NEW_EDIT,
-    IDC_UNLOCK_CARD_CONFIRM_EDIT,
-    IDC_UNLOCK_CARD_POLICIES_PLACE,
-    IDOK,
-    IDCANCEL,
-};
 
 constexpr mvp::RulePanel::Layout kRuleLayout{0, 10, 3, 6};
 
@@ -110,6 +88,7 @@ void CUnlockCardDlg::DoDataExchange(CDataExchange* pDX) {
 BOOL CUnlockCardDlg::OnInitDialog() {
     const mvp::LogScope scope("CUnlockCardDlg::OnInitDialog");
     CBaseDialog::OnInitDialog();
+    m_rulePanel.Destroy();  // of a former DoModal
     mvp::SetSmallIcon(*this, IDI_CARD_UNLOCK);
     m_boldFont.Attach(mvp::MakeHeadingBold(*this, IDC_UNLOCK_CARD_HEADING).release());
     ShowHelpDesk();
@@ -151,20 +130,20 @@ void CUnlockCardDlg::ChooseMode() {
 }
 
 void CUnlockCardDlg::ShowStaticMode() {
-    for (const int id : kChallengePart) {
+    for (const int id : mvp::kChallengePart) {
         if (CWnd* control = GetDlgItem(id)) {
             control->ShowWindow(SW_HIDE);
         }
     }
-    for (const int id : kBelowChallengePart) {
-        MoveUpWindow(id, kChallengePartHeight);
+    for (const int id : mvp::kBelowChallengePart) {
+        MoveUpWindow(id, mvp::kChallengePartHeight);
     }
     CRect rect;
     GetWindowRect(&rect);
     vklogLog(g_szLogTag, kLogInfo, "WindowRect (left=%d,top=%d,right=%d,bottom=%d)",
              static_cast<int>(rect.left), static_cast<int>(rect.top), static_cast<int>(rect.right),
              static_cast<int>(rect.bottom));
-    if (SetWindowPos(nullptr, 0, 0, rect.Width(), rect.Height() - kChallengePartHeight,
+    if (SetWindowPos(nullptr, 0, 0, rect.Width(), rect.Height() - mvp::kChallengePartHeight,
                      SWP_NOMOVE | SWP_NOZORDER)) {
         vklogLog(g_szLogTag, kLogInfo, "SetWindowPos succeeded");
     } else {
@@ -178,9 +157,11 @@ void CUnlockCardDlg::ShowChallenge(const CString& strChallenge) {
 }
 
 void CUnlockCardDlg::MoveUpWindow(int nId, int dy) {
+    const mvp::LogScope scope("CUnlockCardDlg::MoveUpWindow");
     mvp::MoveControl(*this, nId, 0, -dy);
 }
 
+// With the line that has always come before this question.
 bool CUnlockCardDlg::HasPanel() const {
     vklogLog(g_szLogTag, kLogInfo, "Test m_pStaticPolicies");
     return m_rulePanel.Dialog() != nullptr;
@@ -208,18 +189,14 @@ LRESULT CUnlockCardDlg::OnDisplayPINPolicies(WPARAM /*wParam*/, LPARAM /*lParam*
 
 void CUnlockCardDlg::CreatePanel() {
     vklogLog(g_szLogTag, kLogInfo, "new m_pStaticPolicies");
-    // The first line keeps clear of the caption, whose height follows the resolution.
-    mvp::RulePanel::Layout layout = kRuleLayout;
-    layout.nTopMargin = mvp::AtResolutionOf(*this, layout.nTopMargin);
-    if (!m_rulePanel.Create(*this, IDC_UNLOCK_CARD_POLICIES_PLACE, m_rules, layout)) {
+    if (!m_rulePanel.Create(*this, IDC_UNLOCK_CARD_POLICIES_PLACE, m_rules,
+                            mvp::ClearOfCaption(*this, kRuleLayout))) {
         return;
     }
-    m_rulePanel.SetWidth(mvp::PlaceOf(*this, IDC_UNLOCK_CARD_PIN_BOX).Width());
-    mvp::FitWindow(*this, mvp::WindowFit::ToWholePanel(m_rulePanel.ListHeight()), {IDOK, IDCANCEL});
-    // It stands in the middle at the height that it had, and shows when this message is handled.
-    if (!IsWindowVisible()) {
-        CenterWindow();
+    if (const CWnd* box = GetDlgItem(IDC_UNLOCK_CARD_PIN_BOX)) {
+        m_rulePanel.SetWidth(mvp::ClientRectOf(*this, *box).Width());
     }
+    mvp::GrowForPanel(*this, m_rulePanel.ListHeight());
 }
 
 bool CUnlockCardDlg::ReadEntries(Entries& entries) const {
@@ -230,7 +207,7 @@ bool CUnlockCardDlg::ReadEntries(Entries& entries) const {
 
 // Whether OK may be obeyed; brings the rule lines up to date.
 bool CUnlockCardDlg::IsAllowed(const Entries& entries) {
-    return HasPanel() &&
+    return m_rulePanel.Dialog() != nullptr &&
            m_rulePanel.Check({}, entries.strNewPin, entries.strNewPin, entries.strConfirmPin) &&
            mvp::IsUnlockCode(mvp::View(entries.strUnlockCode));
 }

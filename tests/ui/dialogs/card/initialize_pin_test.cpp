@@ -123,15 +123,15 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
         EXPECT_EQ(d.FocusedId(), kNew);
         EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR), 2 * '*');
         const CRect lines = RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX)));
-        EXPECT_EQ(lines.TopLeft(), CRect(d.Rect(kPlace)).TopLeft());
+        EXPECT_EQ(lines.TopLeft(), RectIn(d.Handle(), d.Control(kPlace)).TopLeft());
         // As the template has it: 7 units to the buttons and as many to the frame.
         const CRect first = RectIn(GetParent(d.Control(IDC_POLICIES_BOX)), d.Control(kFirstRule));
         RECT units = {22, 8, 250, 7};
         RECT client = {};
         d.Run([&] { MapDialogRect(d.Handle(), &units); });
         GetClientRect(d.Handle(), &client);
-        EXPECT_NEAR(d.Rect(IDOK).top - lines.bottom, units.bottom, 1);
-        EXPECT_NEAR(client.bottom - d.Rect(IDOK).bottom, units.bottom, 1);
+        EXPECT_NEAR(RectIn(d.Handle(), d.Control(IDOK)).top - lines.bottom, units.bottom, 1);
+        EXPECT_NEAR(client.bottom - RectIn(d.Handle(), d.Control(IDOK)).bottom, units.bottom, 1);
         EXPECT_EQ(client.right, units.right);
         EXPECT_EQ(first.TopLeft(), CPoint(units.left + 20, 10 + 10));
         EXPECT_EQ(lines.Height(), 10 + 4 * 10 + 3 * units.top) << "three rules";

@@ -150,7 +150,7 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
         const auto pull = [&](Dialog& d) {
             EXPECT_STREQ(ResourceString(IDS_CARD_PIN_TITLE), d.Title().c_str());
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(kPin))),
-                      CRect(d.Rect(IDC_RESET_CARD_PANEL_PLACE)));
+                      RectIn(d.Handle(), d.Control(IDC_RESET_CARD_PANEL_PLACE)));
             EXPECT_EQ(d.FocusedId(), kPin) << "also before there is a challenge";
             d.Type(kPin, "1234");
             if (isWatched) {

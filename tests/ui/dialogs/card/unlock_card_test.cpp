@@ -123,7 +123,7 @@ void ExpectPlaces(const Dialog& d, int nUp) {
         EXPECT_EQ(RectIn(d.Handle(), d.Control(id)), rect) << id;
         EXPECT_EQ(d.IsVisible(id), id != 3040 && (nUp == 0 || !upper)) << id;
     }
-    const CRect window = d.ScreenRect();
+    const CRect window = RectIn(nullptr, d.Handle());
     EXPECT_EQ(window.Height(), RectIn(nullptr, plain).Height() + list.Height() - nUp);
     EXPECT_NEAR(window.top + window.bottom, GetSystemMetrics(SM_CYSCREEN), 1);
     DestroyWindow(plain);

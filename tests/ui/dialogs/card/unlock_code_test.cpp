@@ -57,7 +57,7 @@ TEST_F(UnlockCode, IsAcceptedByOkWithTheBoxTickedAlone) {
             EXPECT_EQ(d.Text(IDC_UNLOCK_CODE_CODE), "0123-4567-89AB-CDEF");
             EXPECT_EQ(Property(), d.Handle());
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(IDC_UNLOCK_CODE_CODE))),
-                      CRect(d.Rect(IDC_UNLOCK_CODE_PANEL_PLACE)));
+                      RectIn(d.Handle(), d.Control(IDC_UNLOCK_CODE_PANEL_PLACE)));
             if (way != "ok") {
                 d.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
             }
@@ -157,12 +157,12 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
         SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
     });
     EXPECT_EQ(d.Text(kText), strText);
-    const CRect text = d.Rect(kText);
+    const CRect text = RectIn(d.Handle(), d.Control(kText));
     EXPECT_EQ(text, CRect(CPoint(units.left, units.top),
                           CSize(units.right, (1 + size.cx / units.right) * size.cy)));
-    EXPECT_EQ(d.Rect(IDOK).top, text.bottom);
-    EXPECT_EQ(d.Rect(IDOK).bottom, text.bottom + units.bottom);
-    EXPECT_EQ(client.bottom, d.Rect(IDOK).bottom + text.top);
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).top, text.bottom);
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).bottom, text.bottom + units.bottom);
+    EXPECT_EQ(client.bottom, RectIn(d.Handle(), d.Control(IDOK)).bottom + text.top);
 }
 
 TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {

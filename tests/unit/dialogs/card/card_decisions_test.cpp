@@ -1,6 +1,8 @@
 // What the card dialogs decide without a window.
 #include <map>
+#include <set>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -8,6 +10,7 @@
 #include "dialogs/card/notice_height.h"
 #include "dialogs/card/policy_values.h"
 #include "dialogs/card/reset_fields.h"
+#include "dialogs/card/static_mode.h"
 #include "dialogs/card/unlock_code.h"
 
 namespace mvp {
@@ -96,6 +99,15 @@ TEST(NoticeHeight, AddsALineToTheFullOnes) {
     EXPECT_EQ(NoticeTextHeight(249, 13, 250), 13);
     EXPECT_EQ(NoticeTextHeight(0, 13, 250), 13);
     EXPECT_EQ(NoticeTextHeight(2, 13, 0), 39);  // a control without a width
+}
+
+TEST(StaticMode, HidesTheChallengeAndMovesTheRest) {
+    std::set<int> hidden(std::begin(kChallengePart), std::end(kChallengePart));
+    EXPECT_EQ(hidden, (std::set{3026, 3033, 3034, 3035}));
+    EXPECT_EQ(
+        std::vector<int>(std::begin(kBelowChallengePart), std::end(kBelowChallengePart)),
+        (std::vector{3042, 3043, 3044, 3030, 3037, 3039, 3038, 3046, 3029, 3028, 3040, 1, 2}));
+    EXPECT_EQ(kChallengePartHeight, 100);
 }
 
 TEST(ResetFields, FollowTheRouteAndTheChallenge) {
