@@ -39,6 +39,12 @@ void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> co
     dialog.UpdateWindow();
 }
 
+void ShowPanelFirst(CWnd& panel) {
+    panel.SetWindowPos(&CWnd::wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    panel.ShowWindow(SW_SHOW);
+    panel.UpdateWindow();
+}
+
 void ShowIf(CWnd& window, bool bShow) {
     if (window.m_hWnd != nullptr && ((window.GetStyle() & WS_VISIBLE) != 0) != bShow) {
         window.ShowWindow(bShow ? SW_SHOW : SW_HIDE);

@@ -100,10 +100,7 @@ void CDisplayUnlockCodeDlg::CreatePanel() {
         delete std::exchange(m_pDisplayUCChild, nullptr);
         return;
     }
-    // First in the tab order, before the button.
-    m_pDisplayUCChild->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    m_pDisplayUCChild->ShowWindow(SW_SHOW);
-    m_pDisplayUCChild->UpdateWindow();
+    mvp::ShowPanelFirst(*m_pDisplayUCChild);
 }
 
 void CDisplayUnlockCodeDlg::OnOK() {

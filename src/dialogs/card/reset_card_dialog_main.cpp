@@ -71,10 +71,7 @@ void CResetCardDialogMain::CreatePanel() {
         delete std::exchange(m_pResetCardDialog, nullptr);
         return;
     }
-    // First in the tab order, before the buttons.
-    m_pResetCardDialog->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    m_pResetCardDialog->ShowWindow(SW_SHOW);
-    m_pResetCardDialog->UpdateWindow();
+    mvp::ShowPanelFirst(*m_pResetCardDialog);
     ResizeDlg(0, place.bottom - mvp::ClientRectOf(*this, *m_pResetCardDialog).bottom);
     m_pResetCardDialog->CheckWindow(0);
 }

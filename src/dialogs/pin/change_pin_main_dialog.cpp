@@ -76,11 +76,7 @@ void CChangePINDialogMain::CreatePanel() {
         DoWithoutPanel();
         return;
     }
-    // First in the tab order, before the buttons: the system's choice of a first focus, made when
-    // this dialog's initialisation is over, is then the panel's as well.
-    m_pPanel->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    m_pPanel->ShowWindow(SW_SHOW);
-    m_pPanel->UpdateWindow();
+    mvp::ShowPanelFirst(*m_pPanel);
     const CRect panel = mvp::ClientRectOf(*this, *m_pPanel);
     const auto fit = mvp::WindowFit::ToPlaceholder(place.bottom, panel.bottom);
     ResizeDlg(-fit.nWidth, -fit.nHeight);
