@@ -93,11 +93,13 @@ int main() {
     if (!ready.IsWatching()) {
         return EXIT_FAILURE;
     }
-    mvp::bench::Print("call to ready", "bare dialog", ready.Compare(Ask, AskBare));
-    mvp::bench::Print("call to ready", "credentials", ready.Compare(Ask, AskCredentials));
-    ready.whenReady = MeasureKeyStroke;
+    mvp::bench::Print("call to ready", "bare dialog",
+                      mvp::bench::DialogReady::Compare(Ask, AskBare));
+    mvp::bench::Print("call to ready", "credentials",
+                      mvp::bench::DialogReady::Compare(Ask, AskCredentials));
+    mvp::bench::DialogReady::whenReady = MeasureKeyStroke;
     Ask();
-    ready.whenReady = nullptr;
+    mvp::bench::DialogReady::whenReady = nullptr;
     mvp::bench::Print("two key strokes until OK is right", "the same in a bare edit", g_keyStroke);
     PrintCounts("before the requests");
     for (int i = 0; i < kPrompts; ++i) {
