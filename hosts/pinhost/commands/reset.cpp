@@ -107,11 +107,11 @@ Outcome ResetCommand::Run(const HostOptions& options) {
         throw UsageError("--route says what is typed: the PIN (--type), or else a code (--code)");
     }
     return RunOnCard(m_dialog.options, [&](SoftwareCard& card, Outcome& outcome) {
-        const bool canUsePin = card.IsInitialized() && !card.IsBlocked();
-        m_bNoPinRoute = m_bNoPinRoute || !canUsePin;
+        const bool pinUsable = card.IsInitialized() && !card.IsBlocked();
+        m_bNoPinRoute = m_bNoPinRoute || !pinUsable;
         if (IsPinRoute() && !card.IsInitialized()) {
             TellNoPinYet(outcome);
-        } else if (IsPinRoute() ? !canUsePin : card.nUnlocksLeft == 0) {
+        } else if (IsPinRoute() ? !pinUsable : card.nUnlocksLeft == 0) {
             Tell(outcome, ExitCode::NotAccepted, "blocked",
                  IsPinRoute() ? "The card is blocked." : "The unlock code is blocked.");
         } else {
