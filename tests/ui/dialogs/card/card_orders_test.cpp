@@ -5,6 +5,8 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
@@ -15,6 +17,7 @@
 #include "mvpingui/reset_card_dialog.h"
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
+#include "support/dialog_driver.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
 
@@ -202,6 +205,48 @@ TEST_F(CardOrders, EveryOneEndsWellAndKeepsNothing) {
     for (const int confirmed : g_confirmed) {
         EXPECT_GT(confirmed, rounds / 100) << "chance never came this far";
     }
+}
+
+// Two commands in one go: the first has ended the dialog, and the second comes too late, callbacks
+// and all.
+TEST_F(CardOrders, WhatHasEndedADialogStands) {
+    const auto unlock = [](void* pCalled, CString, CString) {
+        return ++*static_cast<int*>(pCalled);
+    };
+    const auto initialize = [](void* pCalled, CString, int, int, int, int, int, int) {
+        return ++*static_cast<int*>(pCalled);
+    };
+    const PwdRuleArgs rules{0, 0, 0, 0, 4, 8, 0};
+    int called = 0;
+    CUnlockCardDlg unlockCard(nullptr, &rules, &called, unlock, nullptr, "Reader A");
+    CInitializePinDlg first(nullptr, nullptr, &called, initialize, nullptr, nullptr, "Reader A");
+    CResetCardDialogMain reset(0, nullptr, 0, 0, 0, "Reader A");
+    CDisplayUnlockCodeDlg code(nullptr, "0123", "Reader A", 0);
+    const std::pair<CDialog*, std::vector<int>> dialogs[] = {
+        {&unlockCard,
+         {IDC_UNLOCK_CARD_CODE_EDIT, IDC_UNLOCK_CARD_NEW_EDIT, IDC_UNLOCK_CARD_CONFIRM_EDIT}},
+        {&first, {IDC_INITIALIZE_PIN_NEW_EDIT, IDC_INITIALIZE_PIN_CONFIRM_EDIT}},
+        {&reset, {IDC_RESET_CARD_PIN_EDIT}},
+        {&code, {}},
+    };
+    for (const auto& [dialog, edits] : dialogs) {
+        const DialogDriver driver([&](Dialog& d) {
+            for (const int edit : edits) {
+                d.Type(edit, edit == IDC_UNLOCK_CARD_CODE_EDIT ? "0123456789ABCDEF" : "4711");
+            }
+            if (edits.empty()) {
+                d.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
+            }
+            EXPECT_TRUE(d.IsEnabled(IDOK));
+            d.Run([&] {
+                SendMessageA(d.Handle(), WM_COMMAND, IDCANCEL, 0);
+                SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            });
+            d.WaitGone();
+        });
+        EXPECT_EQ(dialog->DoModal(), IDCANCEL);
+    }
+    EXPECT_EQ(called, 0);
 }
 
 }  // namespace
