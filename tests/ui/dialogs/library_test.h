@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -17,6 +18,7 @@
 #include "services/resource_module.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
+#include "support/patched_imports.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
@@ -86,6 +88,35 @@ public:
     CButton m_ok;
 };
 
+// Takes the suite's notices, each of which the log tells of.
+class TrayWindow : public CWnd {
+public:
+    TrayWindow() {
+        WNDCLASSA info{};
+        info.lpfnWndProc = &::DefWindowProcA;
+        info.lpszClassName = "VkTrayHandlerClass";
+        RegisterClassA(&info);  // kept; a repetition is refused
+        CreateEx(0, info.lpszClassName, "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr);
+    }
+    ~TrayWindow() override { DestroyWindow(); }
+};
+
+// The program has no memory for another `Object` while one of these lives.
+template <class Object>
+class NoMemoryFor {
+    static void* Malloc(std::size_t cb) {
+        return cb != sizeof(Object) ? std::calloc(1, cb) : nullptr;
+    }
+    const PatchedImports m_heap{nullptr, {{"malloc", Address(&Malloc)}}};
+};
+
+// In the place of the system's function: keeps what it was told, "64Title!Text" with an owner.
+inline std::string g_strBox;
+inline int WINAPI TakeBox(HWND hOwner, LPCSTR pszText, LPCSTR pszCaption, UINT nType) {
+    g_strBox = std::to_string(nType) + pszCaption + (hOwner != nullptr ? "!" : "?") + pszText;
+    return IDOK;
+}
+
 // A dialog over a template that lacks a control; 0: whose resource module goes while it opens.
 template <class Base>
 class Incomplete : public Base {
@@ -122,6 +153,21 @@ inline void SetCapsLock(bool bToggled, bool bHeld = false) {
 
 inline HICON IconOf(HWND hControl) {
     return reinterpret_cast<HICON>(SendMessageA(hControl, STM_GETICON, 0, 0));
+}
+
+inline HICON SmallIconOf(HWND hWnd) {
+    return reinterpret_cast<HICON>(SendMessageA(hWnd, WM_GETICON, ICON_SMALL, 0));
+}
+
+inline bool IsTopMost(HWND hWnd) {
+    return (GetWindowLongA(hWnd, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+}
+
+inline bool IsBold(HWND hControl) {
+    LOGFONTA font{};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(hControl, WM_GETFONT, 0, 0)), sizeof font,
+               &font);
+    return font.lfWeight == FW_BOLD;
 }
 
 }  // namespace mvp::test

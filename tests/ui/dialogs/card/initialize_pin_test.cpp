@@ -1,11 +1,11 @@
 // CInitializePinDlg: the policy values that it hands on and shows as rules, and what comes of OK.
-#include <array>
 #include <functional>
 #include <stdexcept>
 
 #include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/initialize_pin_dialog.h"
+#include "mvpingui/policies_dialog.h"
 #include "services/error_text.h"
 #include "services/format_text.h"
 #include "support/dialog_driver.h"
@@ -21,10 +21,14 @@ constexpr int kFirstRule = IDC_POLICIES_MIN_TEXT;
 constexpr int kPlace = IDC_INITIALIZE_PIN_POLICIES_PLACE;
 using Texts = std::vector<std::string>;
 
+void TypePins(Dialog& d, const std::string& strPin = "58381") {
+    d.Type(kNew, strPin);
+    d.Type(kConfirm, strPin);
+}
+
 Script Enter(const std::string& strPin = "58381") {
     return [=](Dialog& d) {
-        d.Type(kNew, strPin);
-        d.Type(kConfirm, strPin);
+        TypePins(d, strPin);
         // Whoever sends the command, and whatever the button is.
         d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
         d.Cancel();
@@ -70,58 +74,49 @@ TEST_F(InitializePin, HandsOnTheValuesOfTheCallerTheConfigurationOrItsOwn) {
     EXPECT_EQ(Run({Enter()}), IDOK);
     EXPECT_EQ(m_calls.back(), "58381 4 25 6 0 0 6");
     EXPECT_EQ(m_log.Texts(1), Texts(7, "RegOpenKeyEx returns the error 2"));
-    const struct {
-        const char* pszName;
-        DWORD dwConfigured;
-        const char* pszWithoutIt;
-    } values[] = {
-        {"MinimumPINLength", 0, "58381 4 9 -1 2 1 7"},
-        {"MaximumPINLength", 9, "58381 0 25 -1 2 1 7"},
-        {"MaxPINTries", ~0U, "58381 0 9 6 2 1 7"},
-        {"MaxPINUnlock", 7, "58381 0 9 -1 2 1 6"},
-        {"WeakPINAllowed", 2, "58381 0 9 -1 0 1 7"},
-        {"ForceChangePIN", 1, "58381 0 9 -1 2 0 7"},
-        {"AlphaPINAllowed", 0, "58381 0 9 -1 2 1 7"},
-    };
-    for (const auto& [name, configured, withoutIt] : values) {
-        m_hive.SetDword(kKey, name, configured);
+    const std::pair<const char*, DWORD> values[] = {
+        {"MinimumPINLength", 0}, {"MaximumPINLength", 9}, {"MaxPINTries", ~0U},
+        {"MaxPINUnlock", 7},     {"WeakPINAllowed", 2},   {"ForceChangePIN", 1}};
+    for (const auto& [name, value] : values) {
+        m_hive.SetDword(kKey, name, value);
     }
+    m_hive.SetDword(kKey, "AlphaPINAllowed", 0);
     const PINPolicies callers = {3, kUnset, 0, 11, 12, 13, kUnset, 0, kUnset};
     EXPECT_EQ(Run({Enter()}, &callers), IDOK);
     EXPECT_EQ(m_calls.back(), "58381 3 9 0 2 0 12");
-    for (const auto& [name, configured, withoutIt] : values) {
-        for (const DWORD type : std::array<DWORD, 4>{REG_NONE, REG_SZ, REG_BINARY, REG_DWORD}) {
+    for (const DWORD type : std::initializer_list<DWORD>{REG_NONE, REG_SZ, REG_BINARY, REG_DWORD}) {
+        for (const char* name : {"MaxPINTries", "ForceChangePIN"}) {
             type == REG_NONE ? m_hive.DeleteValue(kKey, name)
                              : m_hive.SetRaw(kKey, name, type, type == REG_BINARY ? "1234" : "1");
-            m_log.Clear();
-            EXPECT_EQ(Run({Enter()}), IDOK);
-            EXPECT_EQ(m_calls.back(), withoutIt) << name << type;
-            const std::string error = type == REG_NONE ? "2" : "1804";
-            EXPECT_EQ(m_log.Texts(1), Texts{"RegQueryValueEx returns the error " + error});
         }
-        m_hive.SetDword(kKey, name, configured);
+        m_log.Clear();
+        EXPECT_EQ(Run({Enter()}), IDOK);
+        EXPECT_EQ(m_calls.back(), "58381 0 9 6 2 0 7") << type;
+        const std::string error = type == REG_NONE ? "2" : "1804";
+        EXPECT_EQ(m_log.Texts(1), Texts(2, "RegQueryValueEx returns the error " + error));
     }
 }
 
 TEST_F(InitializePin, JudgesByTheRulesThatComeOfTheValues) {
-    using Case = std::tuple<const char*, DWORD, const char*, bool>;
-    // Weak PINs are refused by exactly 1, letters by all but 1.
-    for (const auto& [name, value, pin, isAllowed] :
-         {Case{"WeakPINAllowed", 0, "1234", true}, Case{"WeakPINAllowed", 1, "1234", false},
-          Case{"WeakPINAllowed", 1, "5838", true}, Case{"AlphaPINAllowed", 0, "58a8", false},
-          Case{"AlphaPINAllowed", 1, "58a8", true}, Case{"AlphaPINAllowed", 2, "58a8", false},
-          Case{"MinimumPINLength", ~0U, "5", true}, Case{"MaximumPINLength", 4, "58381", false}}) {
-        m_hive.SetDword(kKey, name, value);
-        EXPECT_EQ(Run({Enter(pin)}), isAllowed ? IDOK : IDCANCEL) << name << value << pin;
+    using Case = std::tuple<const char*, DWORD, const char*>;
+    for (const auto& [name, value, pin] :
+         {Case{"WeakPINAllowed", 1, "1234"}, Case{"AlphaPINAllowed", 0, "58a8"},
+          Case{"MinimumPINLength", 5, "5838"}, Case{"MaximumPINLength", 4, "58381"}}) {
         m_hive.DeleteKey(kKey);
+        EXPECT_EQ(Run({Enter(pin)}), IDOK) << pin;
+        m_hive.SetDword(kKey, name, value);
+        EXPECT_EQ(Run({Enter(pin)}), IDCANCEL) << name;
     }
-    EXPECT_EQ(m_calls.size(), 4U);
 }
 
 TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
     const auto look = [](Dialog& d) {
         EXPECT_EQ(d.FocusedId(), kNew);
         EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR), 2 * '*');
+        d.Run([&] {
+            EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_INITIALIZE, 16));
+            EXPECT_TRUE(IsBold(d.Control(IDC_INITIALIZE_PIN_HEADING)) && IsTopMost(d.Handle()));
+        });
         const CRect lines = RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX)));
         EXPECT_EQ(lines.TopLeft(), RectIn(d.Handle(), d.Control(kPlace)).TopLeft());
         // As the template has it: 7 units to the buttons and as many to the frame.
@@ -149,8 +144,7 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
 
 TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
     const auto attempt = [&](Dialog& d) {
-        d.Type(kNew, "58381");
-        d.Type(kConfirm, "58381");
+        TypePins(d);
         for (const int code : {1, 7, -1, 0}) {  // 0: the callback throws
             m_initialize = [=] { return code != 0 ? code : throw std::runtime_error("callback"); };
             d.Click(IDOK);
@@ -178,40 +172,29 @@ TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
 }
 
 TEST_F(InitializePin, SuccessEndsTheWatchShowsTheCodeAndTellsTheSuite) {
-    static std::string notice;
-    WNDCLASSA tray{};
-    tray.lpszClassName = "VkTrayHandlerClass";
-    tray.lpfnWndProc = [](HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
-        if (nMessage == WM_COPYDATA) {
-            const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-            notice = std::to_string(record.dwData) + static_cast<char*>(record.lpData);
-        }
-        return DefWindowProcA(hWnd, nMessage, wParam, lParam);
-    };
-    RegisterClassA(&tray);
-    CWnd receiver;
-    receiver.CreateEx(0, tray.lpszClassName, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr);
+    const TrayWindow tray;
+    constexpr char kNotice[] = "message: 78945, on reader R A to the Smart Card Agent";
     EXPECT_EQ(Run({Enter()}), IDOK);
     EXPECT_EQ(m_nPending, 1) << "the code could not be fetched";
     EXPECT_EQ(m_boxes.Calls().size(), 1U);
-    EXPECT_EQ(std::exchange(notice, ""), "78945R A");
+    EXPECT_TRUE(m_log.ContainsPart(kNotice)) << m_log.Dump();
+    m_log.Clear();
     m_nCodeResult = MVPINGUI_CARD_OK;
     const auto accept = [&](Dialog& d) {
-        d.Type(kNew, "58381");
-        d.Type(kConfirm, "58381");
+        TypePins(d);
         d.Click(IDOK);
         Dialog code = d.Next();
         EXPECT_EQ(code.Text(IDC_UNLOCK_CODE_CODE), "0123-4567-89");
         PostMessageA(d.Handle(), RegisterWindowMessageA("VKCardRemovedEvent"), 0, 0);
         code.Settle();
         EXPECT_TRUE(d.IsOpen()) << "the card has its PIN";
-        EXPECT_EQ(notice, "");
+        EXPECT_FALSE(m_log.ContainsPart(kNotice)) << "before the user has seen it";
         code.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
         code.Click(IDOK);
     };
     EXPECT_EQ(Run({accept}), IDOK);
     EXPECT_EQ(m_nPending, 0);
-    receiver.DestroyWindow();
+    EXPECT_TRUE(m_log.ContainsPart(kNotice)) << m_log.Dump();
 }
 
 TEST_F(InitializePin, NeedsItsEditsItsRulesAndTheModule) {
@@ -219,6 +202,16 @@ TEST_F(InitializePin, NeedsItsEditsItsRulesAndTheModule) {
     for (const int edit : {kNew, kConfirm}) {
         EXPECT_EQ(Run<Short>({}, nullptr, edit), -1);
     }
+    {
+        const NoMemoryFor<VKPoliciesDlg> shortage;
+        EXPECT_EQ(Run({[](Dialog& d) {
+                      TypePins(d);
+                      EXPECT_FALSE(d.IsEnabled(IDOK));
+                      Enter("")(d);
+                  }}),
+                  IDCANCEL);
+    }
+    EXPECT_TRUE(m_log.Contains(1, "The rule panel could not be created"));
     for (const int missing : {IDC_INITIALIZE_PIN_HEADING, IDOK, kPlace, 0}) {
         EXPECT_EQ(Run<Short>({Enter()}, nullptr, missing), missing == kPlace ? IDCANCEL : IDOK);
     }

@@ -95,6 +95,9 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
     }
     EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size());
     EXPECT_TRUE(m_log.Contains(16, "CChangePINDialog::OnInitDialog"));
+    EXPECT_TRUE(m_log.Contains(0, "Loading icon..."));
+    const std::string resize = "CResetCardDialogMain::ResizeDlg{";
+    EXPECT_NE(LogShape().find(resize + resize + "} " + resize + "} } "), std::string::npos);
 }
 
 TEST_F(ResetCard, CheckWindowClearsWhatIsNotActive) {
@@ -149,6 +152,7 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
         Frame frame;
         const auto pull = [&](Dialog& d) {
             EXPECT_STREQ(ResourceString(IDS_CARD_PIN_TITLE), d.Title().c_str());
+            d.Run([&] { EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_PIN, 16)); });
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(kPin))),
                       RectIn(d.Handle(), d.Control(IDC_RESET_CARD_PANEL_PLACE)));
             EXPECT_EQ(d.FocusedId(), kPin) << "also before there is a challenge";
@@ -168,6 +172,20 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
     }
 }
 
+// By all of the panel, which stands at the top without its place.
+void ExpectGrown(Dialog& d) {
+    const CRect panel = RectIn(d.Handle(), GetParent(d.Control(kPin)));
+    EXPECT_EQ(panel.TopLeft(), CPoint(0, 0));
+    RECT buttons = {139, 151, 193, 172};  // the lefts of both, their top, and the frame's height
+    CRect client;
+    GetClientRect(d.Handle(), &client);
+    d.Run([&] { MapDialogRect(d.Handle(), &buttons); });
+    const int top = buttons.top + panel.Height();
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).TopLeft(), CPoint(buttons.left, top));
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDCANCEL)).TopLeft(), CPoint(buttons.right, top));
+    EXPECT_EQ(client.bottom, buttons.bottom + panel.Height());
+}
+
 TEST_F(ResetCard, StandsWithoutItsPanelAndThePanelWithoutItsWindow) {
     HostWindow host;
     host.m_ok.SetFocus();
@@ -184,6 +202,9 @@ TEST_F(ResetCard, StandsWithoutItsPanelAndThePanelWithoutItsWindow) {
         Incomplete<CResetCardDialogMain> frame(missing, 0, nullptr, 0, 0, 0, nullptr);
         const DialogDriver driver([&](Dialog& d) {
             EXPECT_EQ(frame.Panel() == nullptr, missing == 0);
+            if (missing == IDC_RESET_CARD_PANEL_PLACE) {
+                ExpectGrown(d);
+            }
             d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, missing == 0 ? IDOK : IDCANCEL, 0); });
         });
         EXPECT_EQ(frame.DoModal(), missing == 0 ? IDOK : IDCANCEL);

@@ -1,6 +1,8 @@
 // Unlocking a card: the dialog from its callbacks to its result, and the small ones that tell of
 // it.
+#include <algorithm>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -10,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "mvpingui/policies_dialog.h"
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
@@ -55,13 +58,18 @@ struct Card {
         card.onAttempt();
         return result != MVPINGUI_CARD_FAILED ? result : throw std::runtime_error("no card");
     }
+    // Opens the dialog once for each script.
     template <class... Scripts>
     INT_PTR Ask(Scripts&&... scripts) {
         Incomplete<CUnlockCardDlg> dialog(nMissing, nullptr, bBare ? nullptr : &kRules, this,
                                           bBare ? nullptr : &Unlock, bBare ? nullptr : &Challenge,
                                           "Reader A");
-        const DialogDriver driver(std::forward<Scripts>(scripts)...);
-        return dialog.DoModal();
+        const DialogDriver driver(scripts...);
+        INT_PTR result = dialog.DoModal();
+        for (std::size_t i = 1; i < sizeof...(scripts); ++i) {
+            result = dialog.DoModal();
+        }
+        return result;
     }
 };
 
@@ -91,16 +99,6 @@ std::string TextOf(UINT nString) {
 
 std::string Filled(UINT nFormat, const char* pszText) {
     return FormatResourceText(nFormat, pszText).GetString();
-}
-
-bool IsBold(const Dialog& d, int nControl) {
-    LOGFONTA font{};
-    GetObjectA(reinterpret_cast<HFONT>(d.Send(nControl, WM_GETFONT)), sizeof font, &font);
-    return font.lfWeight == FW_BOLD;
-}
-
-HICON SmallIconOf(const Dialog& d) {
-    return reinterpret_cast<HICON>(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0));
 }
 
 // All is where the template has it, or `nUp` pixels above, and has made room for the rules.
@@ -137,9 +135,19 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
         g_strHelp = pszFile + std::to_string(nTopic);
         return nullptr;
     });
-    using Challenge = std::pair<const char*, const char*>;
-    for (const auto& each :
-         {Challenge{nullptr, ""}, {"", ""}, {"ABCD", "ABCD"}, {"ABCDE", "ABCD-E"}}) {
+    std::string longest(10'000, 'W');
+    std::string grouped = longest;
+    for (std::size_t at = 4; at < grouped.size(); at += 5) {
+        grouped.insert(at, "-");
+    }
+    using Challenge = std::pair<const char*, std::string>;
+    for (const auto& each : {Challenge{nullptr, ""},
+                             {"", ""},
+                             {"0123456789ABCDE", "0123-4567-89AB-CDE"},
+                             {"0123456789ABCDEF", "0123-4567-89AB-CDEF"},
+                             {"0123456789ABCDEFG", "0123-4567-89AB-CDEF-G"},
+                             {"\x80\xE9\xFF\xC4\xD6", "\x80\xE9\xFF\xC4-\xD6"},
+                             {longest.c_str(), grouped}}) {
         const auto look = [&each](Dialog& d) {
             EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), each.second);
             EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR),
@@ -147,8 +155,8 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
             EXPECT_FALSE(d.IsVisible(IDC_POLICIES_SAME_TEXT)) << "there is no current PIN";
             d.Run([&] {
                 ExpectPlaces(d, each.first != nullptr ? 0 : 100);
-                EXPECT_EQ(SmallIconOf(d), LoadResourceIcon(IDI_CARD_UNLOCK, 16));
-                EXPECT_TRUE(IsBold(d, kHeading));
+                EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_UNLOCK, 16));
+                EXPECT_TRUE(IsBold(d.Control(kHeading)) && IsTopMost(d.Handle()));
                 EXPECT_EQ(GetForegroundWindow(), d.Handle());
                 SendMessageA(d.Handle(), WM_HELP, 0, 0);
             });
@@ -158,7 +166,7 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
             }
             d.Escape();
         };
-        EXPECT_EQ(Card{.pszChallenge = each.first}.Ask(look), IDCANCEL);
+        EXPECT_EQ(Card{.pszChallenge = each.first}.Ask(look, look), IDCANCEL);
     }
     SetHelpViewer(nullptr);
     EXPECT_EQ(g_strHelp, "v.chm1013");
@@ -168,8 +176,11 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
     const std::string full(511, '7');
     const std::tuple<DWORD, std::string, std::string> cases[] = {
         {REG_NONE, "no key", ""},
+        {REG_SZ, "", ""},
+        {REG_SZ, "1", ""},
         {REG_SZ, std::string("1\0", 2), ""},
         {REG_SZ, std::string("12\0", 3), "12"},
+        {REG_SZ, full, full},
         {REG_SZ, full + '\0', full},
         {REG_SZ, full + "7", full + "7"},
         {REG_SZ, std::string(600, '7'), ""},
@@ -190,14 +201,15 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
 }
 
 TEST_F(UnlockCard, OkFollowsEveryEdit) {
+    const PatchedImports boxes("dlgfw.dll", {{"MessageBoxA", Address(&TakeBox)}});
     const auto expect = [](Dialog& d, int nEdit, const char* pszText, bool bAllowed) {
         SetDlgItemTextA(d.Handle(), nEdit, pszText);
         EXPECT_EQ(d.IsEnabled(IDOK), bAllowed) << pszText;
         if (!bAllowed) {  // the command comes without the button, too
-            PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-            EXPECT_TRUE(d.Text(kNew) == d.Text(kConfirm) ||
-                        Confirm(d, 0xFFFF) == TextOf(IDS_UNLOCK_PINS_DIFFER));
-            d.Settle();
+            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            const bool same = d.Text(kNew) == d.Text(kConfirm);
+            EXPECT_EQ(std::exchange(g_strBox, ""),
+                      same ? "" : "64Veskara!" + TextOf(IDS_UNLOCK_PINS_DIFFER));
         }
     };
     const auto edit = [&](Dialog& d) {
@@ -219,15 +231,11 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
     Card card;
     EXPECT_EQ(card.Ask(edit), IDCANCEL);
     EXPECT_EQ(card.strAttempts, "");
+    EXPECT_EQ(std::ranges::count(m_log.Texts(2), "Test m_pStaticPolicies"), 2) << "at no edit";
 }
 
 TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
-    WNDCLASSA info{};
-    info.lpfnWndProc = &DefWindowProcA;
-    info.lpszClassName = "VkTrayHandlerClass";
-    RegisterClassA(&info);
-    const HWND tray =
-        CreateWindowA(info.lpszClassName, "", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    const TrayWindow tray;
     constexpr char kNotice[] = "message: 78946, on reader Reader A to the Smart Card Agent";
     Card card{.results = {0, MVPINGUI_CARD_FAILED, 99, 7, 5}};
     const auto attempt = [&](Dialog& d) {
@@ -248,7 +256,6 @@ TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
     EXPECT_EQ(card.Ask(attempt), IDOK);
     EXPECT_EQ(card.strAttempts, kAttempt);
     EXPECT_TRUE(m_log.ContainsPart(kNotice)) << m_log.Dump();
-    DestroyWindow(tray);
 }
 
 // The card goes while the callback runs, or after it while its result is told.
@@ -311,9 +318,11 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
                   Filled(IDS_UNLOCK_FAILED_FORMAT, ErrorText(MVPINGUI_CARD_FAILED)));
         d.Escape();
     });
-    // 0, the whole module: nothing tells of the success.
-    for (const int missing : {IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
-        const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE;
+    // 0, the whole module: nothing tells of the success. -1: memory for the rules.
+    for (const int missing : {-1, IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
+        const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE && missing != -1;
+        std::optional<NoMemoryFor<VKPoliciesDlg>> shortage;
+        missing == -1 ? void(shortage.emplace()) : void();
         const auto script = [&](Dialog& d) {
             Fill(d);
             PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
@@ -351,12 +360,13 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
             d.Run([&] {
                 EXPECT_TRUE(c.nTitle == 0 || (d.Title() == TextOf(c.nTitle)) == c.bStrings);
                 EXPECT_EQ(d.Text(kHeading) == TextOf(c.nHeading), c.bStrings);
-                EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+                EXPECT_TRUE(IsTopMost(d.Handle()));
                 const bool small = c.nSmallIcon != 0;
-                EXPECT_EQ(SmallIconOf(d), small ? LoadResourceIcon(c.nSmallIcon, 16) : nullptr);
+                EXPECT_EQ(SmallIconOf(d.Handle()),
+                          small ? LoadResourceIcon(c.nSmallIcon, 16) : nullptr);
                 const HWND icon = d.Control(IDC_UNLOCK_RESULT_ICON);
                 EXPECT_EQ(IconOf(icon), LoadResourceIcon(c.nIcon, 32));
-                EXPECT_EQ(IsBold(d, kHeading), small);
+                EXPECT_EQ(IsBold(d.Control(kHeading)), small);
             });
             d.Enter();
         });

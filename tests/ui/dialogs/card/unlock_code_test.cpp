@@ -10,7 +10,6 @@
 #include "services/format_text.h"
 #include "services/help_topic.h"
 #include "support/dialog_driver.h"
-#include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -21,12 +20,6 @@ constexpr char kConsoleKey[] = R"(SOFTWARE\Quillon\Veskara\UserConsole)";
 constexpr char kPxrmKey[] = R"(SOFTWARE\Quillon\Veskara\PXRM)";
 constexpr int kThrows = 4711;
 using LockedNotice = LibraryTest;
-
-std::string g_strBox;
-int WINAPI TakeBox(HWND hOwner, LPCSTR pszText, LPCSTR pszCaption, UINT nType) {
-    g_strBox = std::to_string(nType) + pszCaption + (hOwner != nullptr ? "!" : "?") + pszText;
-    return IDOK;
-}
 
 class UnlockCode : public LibraryTest {
 protected:
@@ -56,6 +49,9 @@ TEST_F(UnlockCode, IsAcceptedByOkWithTheBoxTickedAlone) {
         const auto close = [&](Dialog& d) {
             EXPECT_EQ(d.Text(IDC_UNLOCK_CODE_CODE), "0123-4567-89AB-CDEF");
             EXPECT_EQ(Property(), d.Handle());
+            EXPECT_TRUE(IsTopMost(d.Handle()));
+            d.Run(
+                [&] { EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_UNLOCK, 16)); });
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(IDC_UNLOCK_CODE_CODE))),
                       RectIn(d.Handle(), d.Control(IDC_UNLOCK_CODE_PANEL_PLACE)));
             if (way != "ok") {
@@ -71,6 +67,7 @@ TEST_F(UnlockCode, IsAcceptedByOkWithTheBoxTickedAlone) {
         EXPECT_EQ(Show({close}, way == "tick ok null" ? nullptr : &Never), accepted) << way;
         EXPECT_EQ(m_nNever, accepted) << way << ": once in all";
         EXPECT_EQ(Property(), nullptr);
+        EXPECT_TRUE(m_log.Contains(2, "pGetUnlockCode returned VK_OBJ_API_OK"));
         EXPECT_EQ(m_log.Texts(16).back(), "DisplayUnlockCode (" + std::to_string(accepted) + ")");
     }
 }
@@ -157,6 +154,7 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
         SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
     });
     EXPECT_EQ(d.Text(kText), strText);
+    EXPECT_TRUE(IsTopMost(d.Handle()));
     const CRect text = RectIn(d.Handle(), d.Control(kText));
     EXPECT_EQ(text, CRect(CPoint(units.left, units.top),
                           CSize(units.right, (1 + size.cx / units.right) * size.cy)));
