@@ -15,6 +15,8 @@
 
 #include "frame/module.h"
 #include "resources/resource_numbers.h"
+#include "services/format_text.h"
+#include "services/help_topic.h"
 #include "services/resource_module.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
@@ -47,6 +49,16 @@ private:
 
 class LibraryTest : public testing::Test {
 protected:
+    ~LibraryTest() override { SetHelpViewer(nullptr); }
+    // From now on help is not shown; the last file and topic asked for are kept: "v.chm1013".
+    void RecordHelp() {
+        m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
+        SetHelpViewer([](HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) -> HWND {
+            s_strHelp = pszFile + std::to_string(nTopic);
+            return nullptr;
+        });
+    }
+
     // The log as one text: "Name{", what it did, "} " for a scope that was left under its name;
     // "level text; " for any other line.
     std::string LogShape() const {
@@ -66,6 +78,7 @@ protected:
         return shape;
     }
 
+    static inline std::string s_strHelp;
     AttachedLibrary m_library;
     RegistryHive m_hive;
     LogRecorder m_log;
@@ -136,6 +149,14 @@ protected:
 private:
     int m_nMissing;
 };
+
+inline std::string TextOf(UINT nString) {
+    return ResourceString(nString).GetString();
+}
+
+inline std::string Filled(UINT nFormat, const char* pszText) {
+    return FormatResourceText(nFormat, pszText).GetString();
+}
 
 inline CRect RectIn(HWND hParent, HWND hWnd) {
     CRect rect;

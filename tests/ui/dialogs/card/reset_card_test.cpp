@@ -102,23 +102,23 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
 
 TEST_F(ResetCard, CheckWindowClearsWhatIsNotActive) {
     Frame frame;
+    const auto edits = {kPin, kResponse, kCode};
     const auto check = [&](Dialog& d, int nActive, int nClear) {
         frame.Panel()->SetChallenge(nActive == kCode ? "" : "0123");
         SendMessageA(d.Control(nActive == kPin ? kPinRoute : kCodeRoute), BM_CLICK, 0, 0);
-        for (const int id : {kPin, kResponse, kCode}) {
+        for (const int id : edits) {
             SetWindowTextA(d.Control(id), "1");
         }
         frame.Panel()->CheckWindow(nClear);
-        for (const int id : {kPin, kResponse, kCode}) {
+        for (const int id : edits) {
             EXPECT_EQ(GetWindowTextLengthA(d.Control(id)), id == nActive && nClear == 0 ? 1 : 0);
         }
         EXPECT_EQ(d.FocusedId(), nActive);
         EXPECT_EQ(d.IsEnabled(IDOK), nClear == 0);
     };
     const auto checkAll = [&](Dialog& d) {
-        for (const int active : {kPin, kResponse, kCode}) {
-            d.Run([&] { check(d, active, 0); });
-            d.Run([&] { check(d, active, 1); });
+        for (const int active : edits) {
+            d.Run([&] { check(d, active, 0), check(d, active, 1); });
         }
         d.Escape();
     };
@@ -151,7 +151,7 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
     for (const bool isWatched : {true, false}) {
         Frame frame;
         const auto pull = [&](Dialog& d) {
-            EXPECT_STREQ(ResourceString(IDS_CARD_PIN_TITLE), d.Title().c_str());
+            EXPECT_EQ(d.Title(), TextOf(IDS_CARD_PIN_TITLE));
             d.Run([&] { EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_PIN, 16)); });
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(kPin))),
                       RectIn(d.Handle(), d.Control(IDC_RESET_CARD_PANEL_PLACE)));

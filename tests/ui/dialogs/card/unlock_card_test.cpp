@@ -12,12 +12,11 @@
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "dialogs/card/code_groups.h"
 #include "mvpingui/policies_dialog.h"
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
-#include "services/format_text.h"
-#include "services/help_topic.h"
 #include "support/dialog_driver.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
@@ -93,26 +92,17 @@ void RemoveCard(const char* pszReader) {
     EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
 }
 
-std::string TextOf(UINT nString) {
-    return ResourceString(nString).GetString();
-}
-
-std::string Filled(UINT nFormat, const char* pszText) {
-    return FormatResourceText(nFormat, pszText).GetString();
-}
-
 // All is where the template has it, or `nUp` pixels above, and has made room for the rules.
 void ExpectPlaces(const Dialog& d, int nUp) {
     const HWND plain = CreateDialogParamA(
         ResourceModule(), MAKEINTRESOURCEA(IDD_UNLOCK_CARD), nullptr,
         [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
     const auto placeOf = [&](int nId) { return RectIn(plain, GetDlgItem(plain, nId)); };
-    const HWND box = d.Control(IDC_POLICIES_BOX);
-    const CRect list = RectIn(d.Handle(), box);
+    const CRect list = RectIn(d.Handle(), d.Control(IDC_POLICIES_BOX));
     const CRect place = placeOf(IDC_UNLOCK_CARD_POLICIES_PLACE);
     EXPECT_EQ(list.TopLeft(), CPoint(place.left, place.top - nUp));
     EXPECT_EQ(list.Width(), placeOf(IDC_UNLOCK_CARD_PIN_BOX).Width());
-    EXPECT_EQ(list, RectIn(d.Handle(), GetParent(box)));
+    EXPECT_EQ(list, RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX))));
     for (HWND h = GetWindow(plain, GW_CHILD); h != nullptr; h = GetWindow(h, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(h);
         const bool upper = id == 3033 || id == 3035 || id == 3034 || id == 3026;
@@ -127,38 +117,25 @@ void ExpectPlaces(const Dialog& d, int nUp) {
     DestroyWindow(plain);
 }
 
-std::string g_strHelp;
-
 TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
-    m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
-    SetHelpViewer([](HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) -> HWND {
-        g_strHelp = pszFile + std::to_string(nTopic);
-        return nullptr;
-    });
-    std::string longest(10'000, 'W');
-    std::string grouped = longest;
-    for (std::size_t at = 4; at < grouped.size(); at += 5) {
-        grouped.insert(at, "-");
-    }
-    using Challenge = std::pair<const char*, std::string>;
-    for (const auto& each : {Challenge{nullptr, ""},
-                             {"", ""},
-                             {"0123456789ABCDE", "0123-4567-89AB-CDE"},
-                             {"0123456789ABCDEF", "0123-4567-89AB-CDEF"},
-                             {"0123456789ABCDEFG", "0123-4567-89AB-CDEF-G"},
-                             {"\x80\xE9\xFF\xC4\xD6", "\x80\xE9\xFF\xC4-\xD6"},
-                             {longest.c_str(), grouped}}) {
-        const auto look = [&each](Dialog& d) {
-            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), each.second);
+    RecordHelp();
+    const std::string longest(10'000, 'W');
+    for (const char* challenge :
+         {static_cast<const char*>(nullptr), "", "0123456789ABCDE", "0123456789ABCDEF",
+          "0123456789ABCDEFG", "\x80\xE9\xFF\xC4\xD6", longest.c_str()}) {
+        const std::string shown = GroupByFour<std::string>(challenge != nullptr ? challenge : "");
+        const auto look = [&](Dialog& d) {
+            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), shown);
             EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR),
                       2 * '*');
             EXPECT_FALSE(d.IsVisible(IDC_POLICIES_SAME_TEXT)) << "there is no current PIN";
             d.Run([&] {
-                ExpectPlaces(d, each.first != nullptr ? 0 : 100);
+                ExpectPlaces(d, challenge != nullptr ? 0 : 100);
                 EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_UNLOCK, 16));
                 EXPECT_TRUE(IsBold(d.Control(kHeading)) && IsTopMost(d.Handle()));
                 EXPECT_EQ(GetForegroundWindow(), d.Handle());
                 SendMessageA(d.Handle(), WM_HELP, 0, 0);
+                EXPECT_EQ(std::exchange(s_strHelp, ""), "v.chm1013");
             });
             for (const int id : {kCode, kNew, kConfirm, IDCANCEL}) {  // OK is disabled
                 EXPECT_EQ(d.FocusedId(), id);
@@ -166,10 +143,8 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
             }
             d.Escape();
         };
-        EXPECT_EQ(Card{.pszChallenge = each.first}.Ask(look, look), IDCANCEL);
+        EXPECT_EQ(Card{.pszChallenge = challenge}.Ask(look, look), IDCANCEL);
     }
-    SetHelpViewer(nullptr);
-    EXPECT_EQ(g_strHelp, "v.chm1013");
 }
 
 TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
@@ -345,28 +320,26 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
     CUnlockSuccessDlg success(nullptr);
     CUnlockInitToolDlg unlockTool(nullptr, "Reader A", 0);
     CUnlockInitToolDlg otherTool(nullptr, "Reader A", 1);
-    // Title and heading are the strings of those numbers (0: the template's own), or they are not.
+    // What it says are the strings of a first PIN, or of the tool for it, or they are not.
     const struct {
         CDialog& dialog;
         bool bStrings;
-        UINT nTitle, nHeading, nSmallIcon, nIcon;
-    } cases[] = {{failed, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
-                 {initialize, true, 3036, 3037, IDI_CARD_INITIALIZE, IDI_CARD_INITIALIZE},
-                 {success, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
-                 {unlockTool, true, 0, 3035, 0, IDI_CARD_PIN},
-                 {otherTool, false, 0, 3035, 0, IDI_CARD_PIN}};
+        UINT nIcon;
+    } cases[] = {{failed, false, IDI_CARD_UNLOCK},
+                 {initialize, true, IDI_CARD_INITIALIZE},
+                 {success, false, IDI_CARD_UNLOCK},
+                 {unlockTool, true, IDI_CARD_PIN},
+                 {otherTool, false, IDI_CARD_PIN}};
     for (const auto& c : cases) {
         const DialogDriver driver([&](Dialog& d) {
             d.Run([&] {
-                EXPECT_TRUE(c.nTitle == 0 || (d.Title() == TextOf(c.nTitle)) == c.bStrings);
-                EXPECT_EQ(d.Text(kHeading) == TextOf(c.nHeading), c.bStrings);
+                const bool tool = c.nIcon == IDI_CARD_PIN;
+                EXPECT_TRUE(tool || (d.Title() == TextOf(3036)) == c.bStrings);
+                EXPECT_EQ(d.Text(kHeading) == TextOf(tool ? 3035 : 3037), c.bStrings);
+                EXPECT_EQ(SmallIconOf(d.Handle()), tool ? nullptr : LoadResourceIcon(c.nIcon, 16));
+                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)), LoadResourceIcon(c.nIcon, 32));
+                EXPECT_NE(IsBold(d.Control(kHeading)), tool);
                 EXPECT_TRUE(IsTopMost(d.Handle()));
-                const bool small = c.nSmallIcon != 0;
-                EXPECT_EQ(SmallIconOf(d.Handle()),
-                          small ? LoadResourceIcon(c.nSmallIcon, 16) : nullptr);
-                const HWND icon = d.Control(IDC_UNLOCK_RESULT_ICON);
-                EXPECT_EQ(IconOf(icon), LoadResourceIcon(c.nIcon, 32));
-                EXPECT_EQ(IsBold(d.Control(kHeading)), small);
             });
             d.Enter();
         });

@@ -1,5 +1,4 @@
 // DisplayUnlockCode with its dialog, and the notice that the card manager is blocked.
-#include <memory>
 #include <stdexcept>
 
 #include <vkevtsub/vkevtsub.h>
@@ -7,8 +6,6 @@
 #include "mvpingui/card_manager_locked_dialog.h"
 #include "mvpingui/display_unlock_code.h"
 #include "services/error_text.h"
-#include "services/format_text.h"
-#include "services/help_topic.h"
 #include "support/dialog_driver.h"
 #include "ui/dialogs/library_test.h"
 
@@ -89,9 +86,8 @@ TEST_F(UnlockCode, TellsWhyThereIsNone) {
         m_nResult = result;
         EXPECT_EQ(Show(), 0);
         const MessageBoxCall& box = m_boxes.Calls().back();
-        const char* const reason = ErrorText(result == kThrows ? 1 : result);
-        EXPECT_STREQ(FormatResourceText(IDS_UNLOCK_CODE_FAILED_FORMAT, reason),
-                     box.strText.c_str());
+        EXPECT_EQ(box.strText,
+                  Filled(IDS_UNLOCK_CODE_FAILED_FORMAT, ErrorText(result == kThrows ? 1 : result)));
         EXPECT_TRUE(box.nMessageType == -1 && box.nButtons + box.nIcon + box.nFlags == 0);
     }
     EXPECT_EQ(m_boxes.Calls().size(), 4U);
@@ -100,7 +96,7 @@ TEST_F(UnlockCode, TellsWhyThereIsNone) {
     m_nResult = MVPINGUI_CARD_OK;
     m_pszCode = "";
     EXPECT_EQ(Show(), 1);
-    EXPECT_EQ(g_strBox, "64Veskara!" + std::string(ResourceString(IDS_UNLOCK_CODE_NONE)));
+    EXPECT_EQ(g_strBox, "64Veskara!" + TextOf(IDS_UNLOCK_CODE_NONE));
     EXPECT_EQ(m_nNever, 0);
 }
 
@@ -112,19 +108,19 @@ public:
 };
 
 TEST_F(UnlockCode, LeavesItsParentAsItWas) {
-    auto outer = std::make_unique<Modeless>(m_parent);
-    auto inner = std::make_unique<Modeless>(m_parent);
-    EXPECT_EQ(Property(), inner->m_hWnd);
-    inner->DestroyWindow();
-    EXPECT_EQ(Property(), outer->m_hWnd);
-    inner = std::make_unique<Modeless>(m_parent);
-    outer->DestroyWindow();
-    EXPECT_EQ(Property(), inner->m_hWnd);
-    inner->DestroyWindow();
-    EXPECT_EQ(Property(), nullptr);
-    outer = std::make_unique<Modeless>(m_parent);
+    for (const bool isOuterFirst : {true, false}) {
+        Modeless outer(m_parent);
+        Modeless inner(m_parent);
+        EXPECT_EQ(Property(), inner.m_hWnd);
+        Modeless& last = isOuterFirst ? inner : outer;
+        (isOuterFirst ? outer : inner).DestroyWindow();
+        EXPECT_EQ(Property(), last.m_hWnd);
+        last.DestroyWindow();
+        EXPECT_EQ(Property(), nullptr);
+    }
+    const Modeless child(m_parent);
     m_parent.DestroyWindow();
-    EXPECT_EQ(outer->m_hWnd, nullptr) << "it goes with its parent";
+    EXPECT_EQ(child.m_hWnd, nullptr) << "it goes with its parent";
 }
 
 TEST_F(UnlockCode, WithoutItsPanelItIsAcceptedByOk) {
@@ -164,13 +160,8 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
 }
 
 TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
-    static std::string topics;
-    SetHelpViewer([](HWND, LPCSTR, UINT, DWORD_PTR dwTopic) -> HWND {
-        topics += std::to_string(dwTopic) + " ";
-        return nullptr;
-    });
-    m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "help.chm");
-    const std::string own(ResourceString(IDS_CARD_MANAGER_LOCKED));
+    RecordHelp();
+    const std::string own = TextOf(IDS_CARD_MANAGER_LOCKED);
     const std::string longest(259, 'W');
     for (const std::string& text : {std::string("Short & sweet"), std::string("One\nTwo\r\nThree"),
                                     longest, longest + "W", std::string()}) {
@@ -181,12 +172,11 @@ TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
         EXPECT_EQ(m_log.ContainsPart("calling LoadString"), isOwn);
         const DialogDriver driver([&](Dialog& d) {
             ExpectFitted(d, isOwn ? own : text);
+            EXPECT_EQ(std::exchange(s_strHelp, ""), "v.chm1014");
             VKRaiseEvent(VKEVENT_CARD_REMOVED, "reader A");
         });
         EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     }
-    EXPECT_EQ(topics, "1014 1014 1014 1014 1014 ");
-    SetHelpViewer(nullptr);
     m_hive.DeleteKey(kPxrmKey);
     Incomplete<CCMLockedDlg> withoutButton(IDOK, nullptr, nullptr);
     const DialogDriver driver([](Dialog& d) { d.Cancel(); });
