@@ -18,6 +18,7 @@
 #include "services/format_text.h"
 #include "services/help_topic.h"
 #include "services/resource_module.h"
+#include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
 #include "support/patched_imports.h"
@@ -84,6 +85,16 @@ protected:
     LogRecorder m_log;
     MessageBoxRecorder m_boxes;
 };
+
+// Opens the dialog once for each script, or once to see that it does not open; the last result.
+inline INT_PTR Open(CDialog& dialog, const std::vector<Script>& scripts) {
+    const DialogDriver driver(std::chrono::seconds(10), scripts);
+    INT_PTR result = dialog.DoModal();
+    for (std::size_t i = 1; i < scripts.size(); ++i) {
+        result = dialog.DoModal();
+    }
+    return result;
+}
 
 class HostWindow : public CWnd {
 public:

@@ -7,7 +7,6 @@
 #include "mvpingui/initialize_pin_dialog.h"
 #include "mvpingui/policies_dialog.h"
 #include "services/error_text.h"
-#include "support/dialog_driver.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -25,9 +24,10 @@ void TypePins(Dialog& d, const std::string& strPin = "58381") {
     d.Type(kConfirm, strPin);
 }
 
-Script Enter(const std::string& strPin = "58381") {
+Script Enter(const std::string& strPin = "58381", bool bRefused = false) {
     return [=](Dialog& d) {
         TypePins(d, strPin);
+        EXPECT_FALSE(bRefused && d.IsEnabled(IDOK));
         // Whoever sends the command, and whatever the button is.
         d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
         d.Cancel();
@@ -53,11 +53,7 @@ protected:
     INT_PTR Run(const std::vector<Script>& scripts, const PINPolicies* pPolicies = nullptr,
                 Missing... missing) {
         Dialog dialog(missing..., nullptr, pPolicies, this, &Initialize, nullptr, &GetCode, "R A");
-        const DialogDriver driver(std::chrono::seconds(10), scripts);
-        INT_PTR result = dialog.DoModal();
-        for (std::size_t i = 1; i < scripts.size(); ++i) {
-            result = dialog.DoModal();
-        }
+        const INT_PTR result = Open(dialog, scripts);
         m_nPending = dialog.m_bUnlockCodePending;
         return result;
     }
@@ -103,7 +99,7 @@ TEST_F(InitializePin, JudgesByTheRulesThatComeOfTheValues) {
           Case{"MinimumPINLength", 5, "5838"}, Case{"MaximumPINLength", 4, "58381"}}) {
         EXPECT_EQ(Run({Enter(pin)}), IDOK) << pin;
         m_hive.SetDword(kKey, name, value);
-        EXPECT_EQ(Run({Enter(pin)}), IDCANCEL) << name;
+        EXPECT_EQ(Run({Enter(pin, true)}), IDCANCEL) << name;
         m_hive.DeleteKey(kKey);
     }
 }
@@ -112,7 +108,9 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
     const auto look = [](Dialog& d) {
         EXPECT_EQ(d.FocusedId(), kNew);
         EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR), 2 * '*');
+        RECT units = {22, 8, 0, 7};
         d.Run([&] {
+            MapDialogRect(d.Handle(), &units);
             EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_INITIALIZE, 16));
             EXPECT_TRUE(IsBold(d.Control(IDC_INITIALIZE_PIN_HEADING)) && IsTopMost(d.Handle()));
         });
@@ -120,9 +118,7 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
         EXPECT_EQ(lines.TopLeft(), RectIn(d.Handle(), d.Control(kPlace)).TopLeft());
         // As the template has it: 7 units to the buttons and as many to the frame.
         const CRect first = RectIn(GetParent(d.Control(IDC_POLICIES_BOX)), d.Control(kFirstRule));
-        RECT units = {22, 8, 0, 7};
         RECT client = {};
-        d.Run([&] { MapDialogRect(d.Handle(), &units); });
         GetClientRect(d.Handle(), &client);
         EXPECT_NEAR(RectIn(d.Handle(), d.Control(IDOK)).top - lines.bottom, units.bottom, 1);
         EXPECT_NEAR(client.bottom - RectIn(d.Handle(), d.Control(IDOK)).bottom, units.bottom, 1);
@@ -201,12 +197,7 @@ TEST_F(InitializePin, NeedsItsEditsItsRulesAndTheModule) {
     }
     {
         const NoMemoryFor<VKPoliciesDlg> shortage;
-        EXPECT_EQ(Run({[](Dialog& d) {
-                      TypePins(d);
-                      EXPECT_FALSE(d.IsEnabled(IDOK));
-                      Enter("")(d);
-                  }}),
-                  IDCANCEL);
+        EXPECT_EQ(Run({Enter("58381", true)}), IDCANCEL);
     }
     EXPECT_TRUE(m_log.Contains(1, "The rule panel could not be created"));
     for (const int missing : {IDC_INITIALIZE_PIN_HEADING, IDOK, kPlace, 0}) {

@@ -4,7 +4,6 @@
 #include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/reset_card_dialog.h"
-#include "support/dialog_driver.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -24,8 +23,7 @@ public:
     // What DoModal and GetPin return.
     std::string Run(const Prepare& prepare, const Script& script) {
         m_prepare = prepare;
-        const DialogDriver driver(script);
-        const INT_PTR result = DoModal();
+        const INT_PTR result = Open(*this, {script});
         return std::to_string(result) + " " + GetPin().GetString();
     }
 
@@ -103,22 +101,21 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
 TEST_F(ResetCard, CheckWindowClearsWhatIsNotActive) {
     Frame frame;
     const auto edits = {kPin, kResponse, kCode};
-    const auto check = [&](Dialog& d, int nActive, int nClear) {
+    const auto check = [&](Dialog& d, int nActive, bool bClear) {
         frame.Panel()->SetChallenge(nActive == kCode ? "" : "0123");
         SendMessageA(d.Control(nActive == kPin ? kPinRoute : kCodeRoute), BM_CLICK, 0, 0);
         for (const int id : edits) {
             SetWindowTextA(d.Control(id), "1");
         }
-        frame.Panel()->CheckWindow(nClear);
+        frame.Panel()->CheckWindow(bClear ? 1 : 0);
         for (const int id : edits) {
-            EXPECT_EQ(GetWindowTextLengthA(d.Control(id)), id == nActive && nClear == 0 ? 1 : 0);
+            EXPECT_EQ(d.Text(id), id == nActive && !bClear ? "1" : "");
         }
-        EXPECT_EQ(d.FocusedId(), nActive);
-        EXPECT_EQ(d.IsEnabled(IDOK), nClear == 0);
+        EXPECT_TRUE(d.FocusedId() == nActive && d.IsEnabled(IDOK) != bClear) << nActive;
     };
     const auto checkAll = [&](Dialog& d) {
         for (const int active : edits) {
-            d.Run([&] { check(d, active, 0), check(d, active, 1); });
+            d.Run([&] { check(d, active, false), check(d, active, true); });
         }
         d.Escape();
     };
@@ -176,7 +173,7 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
 void ExpectGrown(Dialog& d) {
     const CRect panel = RectIn(d.Handle(), GetParent(d.Control(kPin)));
     EXPECT_EQ(panel.TopLeft(), CPoint(0, 0));
-    RECT buttons = {139, 151, 193, 172};  // the lefts of both, their top, and the frame's height
+    RECT buttons = {139, 151, 193, 172};  // OK's left, both tops, Cancel's left, the height
     CRect client;
     GetClientRect(d.Handle(), &client);
     d.Run([&] { MapDialogRect(d.Handle(), &buttons); });

@@ -2,7 +2,7 @@
 // it.
 #include <algorithm>
 #include <functional>
-#include <optional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -17,7 +17,6 @@
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
-#include "support/dialog_driver.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
 
@@ -57,18 +56,12 @@ struct Card {
         card.onAttempt();
         return result != MVPINGUI_CARD_FAILED ? result : throw std::runtime_error("no card");
     }
-    // Opens the dialog once for each script.
     template <class... Scripts>
-    INT_PTR Ask(Scripts&&... scripts) {
+    INT_PTR Ask(const Scripts&... scripts) {
         Incomplete<CUnlockCardDlg> dialog(nMissing, nullptr, bBare ? nullptr : &kRules, this,
                                           bBare ? nullptr : &Unlock, bBare ? nullptr : &Challenge,
                                           "Reader A");
-        const DialogDriver driver(scripts...);
-        INT_PTR result = dialog.DoModal();
-        for (std::size_t i = 1; i < sizeof...(scripts); ++i) {
-            result = dialog.DoModal();
-        }
-        return result;
+        return Open(dialog, {scripts...});
     }
 };
 
@@ -99,8 +92,7 @@ void ExpectPlaces(const Dialog& d, int nUp) {
         [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
     const auto placeOf = [&](int nId) { return RectIn(plain, GetDlgItem(plain, nId)); };
     const CRect list = RectIn(d.Handle(), d.Control(IDC_POLICIES_BOX));
-    const CRect place = placeOf(IDC_UNLOCK_CARD_POLICIES_PLACE);
-    EXPECT_EQ(list.TopLeft(), CPoint(place.left, place.top - nUp));
+    EXPECT_EQ(list.TopLeft(), RectIn(d.Handle(), d.Control(3040)).TopLeft());
     EXPECT_EQ(list.Width(), placeOf(IDC_UNLOCK_CARD_PIN_BOX).Width());
     EXPECT_EQ(list, RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX))));
     for (HWND h = GetWindow(plain, GW_CHILD); h != nullptr; h = GetWindow(h, GW_HWNDNEXT)) {
@@ -150,7 +142,6 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
 TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
     const std::string full(511, '7');
     const std::tuple<DWORD, std::string, std::string> cases[] = {
-        {REG_NONE, "no key", ""},
         {REG_SZ, "", ""},
         {REG_SZ, "1", ""},
         {REG_SZ, std::string("1\0", 2), ""},
@@ -162,9 +153,7 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
         {REG_SZ, "+33 %s 1", "+33 %s 1"},
         {REG_BINARY, "1234", ""}};
     for (const auto& [type, bytes, number] : cases) {
-        if (type != REG_NONE) {
-            m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
-        }
+        m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
         const std::string text = number.empty()
                                      ? TextOf(IDS_UNLOCK_HELP_DESK)
                                      : Filled(IDS_UNLOCK_HELP_DESK_FORMAT, number.c_str());
@@ -188,6 +177,7 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
         }
     };
     const auto edit = [&](Dialog& d) {
+        EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_HELP_DESK), TextOf(IDS_UNLOCK_HELP_DESK)) << "no key";
         expect(d, kNew, "5838", false);
         expect(d, kConfirm, "5838", false);
         for (const char* code : {"0123456789ABCDE", "0123456789ABCDEG", ""}) {
@@ -296,8 +286,8 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
     // 0, the whole module: nothing tells of the success. -1: memory for the rules.
     for (const int missing : {-1, IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
         const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE && missing != -1;
-        std::optional<NoMemoryFor<VKPoliciesDlg>> shortage;
-        missing == -1 ? void(shortage.emplace()) : void();
+        using Shortage = NoMemoryFor<VKPoliciesDlg>;
+        const auto shortage = missing == -1 ? std::make_unique<Shortage>() : nullptr;
         const auto script = [&](Dialog& d) {
             Fill(d);
             PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
@@ -345,8 +335,7 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
         });
         EXPECT_EQ(c.dialog.DoModal(), IDOK);
     }
-    const DialogDriver driver([](Dialog&) { RemoveCard("Reader A"); });
-    EXPECT_EQ(otherTool.DoModal(), IDCANCEL);
+    EXPECT_EQ(Open(otherTool, {[](Dialog&) { RemoveCard("Reader A"); }}), IDCANCEL);
     FreeResourceModule();
     for (const auto& c : cases) {
         EXPECT_EQ(c.dialog.DoModal(), -1);

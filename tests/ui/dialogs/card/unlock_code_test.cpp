@@ -6,7 +6,6 @@
 #include "mvpingui/card_manager_locked_dialog.h"
 #include "mvpingui/display_unlock_code.h"
 #include "services/error_text.h"
-#include "support/dialog_driver.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -126,8 +125,8 @@ TEST_F(UnlockCode, LeavesItsParentAsItWas) {
 TEST_F(UnlockCode, WithoutItsPanelItIsAcceptedByOk) {
     for (const int missing : {IDC_UNLOCK_CODE_PANEL_PLACE, 0}) {
         Incomplete<CDisplayUnlockCodeDlg> dialog(missing, &m_parent, "A", "Reader A", 0);
-        const DialogDriver driver([](Dialog& d) { d.Click(IDOK); });
-        EXPECT_EQ(dialog.DoModal(), missing == 0 ? IDOK : IDCANCEL);
+        const INT_PTR result = Open(dialog, {[](Dialog& d) { d.Click(IDOK); }});
+        EXPECT_EQ(result, missing == 0 ? IDOK : IDCANCEL);
     }
     EXPECT_TRUE(m_log.Contains(1, "g_hResInstance is NULL"));
     EXPECT_TRUE(m_log.Contains(1, "LocCreate Failed"));
@@ -139,7 +138,6 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
     constexpr int kText = IDC_CARD_MANAGER_LOCKED_TEXT;
     CRect client;
     SIZE size{};
-    HELPINFO help{};
     RECT units = {7, 7, 236, 14};
     d.Run([&] {
         const WindowDc dc(d.Control(kText));
@@ -147,7 +145,7 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
         GetTextExtentPoint32A(dc.get(), strText.c_str(), static_cast<int>(strText.size()), &size);
         GetClientRect(d.Handle(), &client);
         MapDialogRect(d.Handle(), &units);
-        SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
+        SendMessageA(d.Handle(), WM_HELP, 0, 0);
     });
     EXPECT_EQ(d.Text(kText), strText);
     EXPECT_TRUE(IsTopMost(d.Handle()));
@@ -179,8 +177,7 @@ TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
     }
     m_hive.DeleteKey(kPxrmKey);
     Incomplete<CCMLockedDlg> withoutButton(IDOK, nullptr, nullptr);
-    const DialogDriver driver([](Dialog& d) { d.Cancel(); });
-    EXPECT_EQ(withoutButton.DoModal(), IDCANCEL);
+    EXPECT_EQ(Open(withoutButton, {[](Dialog& d) { d.Cancel(); }}), IDCANCEL);
     FreeResourceModule();
     EXPECT_EQ(CCMLockedDlg(nullptr, nullptr).DoModal(), -1);
     EXPECT_TRUE(m_log.ContainsPart("CCMLockedDlg::CCMLockedDlg: LoadString failed"));
