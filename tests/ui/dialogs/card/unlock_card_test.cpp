@@ -115,7 +115,7 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
     for (const char* challenge :
          {static_cast<const char*>(nullptr), "", "0123456789ABCDE", "0123456789ABCDEF",
           "0123456789ABCDEFG", "\x80\xE9\xFF\xC4\xD6", longest.c_str()}) {
-        const std::string shown = GroupByFour<std::string>(challenge != nullptr ? challenge : "");
+        const auto shown = GroupByFour<std::string>(challenge != nullptr ? challenge : "");
         const auto look = [&](Dialog& d) {
             EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), shown);
             EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR),
