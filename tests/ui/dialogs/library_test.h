@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -14,9 +15,13 @@
 
 #include "frame/module.h"
 #include "resources/resource_numbers.h"
+#include "services/format_text.h"
+#include "services/help_topic.h"
 #include "services/resource_module.h"
+#include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
+#include "support/patched_imports.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
@@ -45,6 +50,16 @@ private:
 
 class LibraryTest : public testing::Test {
 protected:
+    ~LibraryTest() override { SetHelpViewer(nullptr); }
+    // From now on help is not shown; the last file and topic asked for are kept: "v.chm1013".
+    void RecordHelp() {
+        m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
+        SetHelpViewer([](HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) -> HWND {
+            s_strHelp = pszFile + std::to_string(nTopic);
+            return nullptr;
+        });
+    }
+
     // The log as one text: "Name{", what it did, "} " for a scope that was left under its name;
     // "level text; " for any other line.
     std::string LogShape() const {
@@ -64,11 +79,22 @@ protected:
         return shape;
     }
 
+    static inline std::string s_strHelp;
     AttachedLibrary m_library;
     RegistryHive m_hive;
     LogRecorder m_log;
     MessageBoxRecorder m_boxes;
 };
+
+// Opens the dialog once for each script, or once to see that it does not open; the last result.
+inline INT_PTR Open(CDialog& dialog, const std::vector<Script>& scripts) {
+    const DialogDriver driver(std::chrono::seconds(10), scripts);
+    INT_PTR result = dialog.DoModal();
+    for (std::size_t i = 1; i < scripts.size(); ++i) {
+        result = dialog.DoModal();
+    }
+    return result;
+}
 
 class HostWindow : public CWnd {
 public:
@@ -85,6 +111,35 @@ public:
 
     CButton m_ok;
 };
+
+// Takes the suite's notices, each of which the log tells of.
+class TrayWindow : public CWnd {
+public:
+    TrayWindow() {
+        WNDCLASSA info{};
+        info.lpfnWndProc = &::DefWindowProcA;
+        info.lpszClassName = "VkTrayHandlerClass";
+        RegisterClassA(&info);  // kept; a repetition is refused
+        CreateEx(0, info.lpszClassName, "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr);
+    }
+    ~TrayWindow() override { DestroyWindow(); }
+};
+
+// The program has no memory for another `Object` while one of these lives.
+template <class Object>
+class NoMemoryFor {
+    static void* Malloc(std::size_t cb) {
+        return cb != sizeof(Object) ? std::calloc(1, cb) : nullptr;
+    }
+    const PatchedImports m_heap{nullptr, {{"malloc", Address(&Malloc)}}};
+};
+
+// In the place of the system's function: keeps what it was told, "64Title!Text" with an owner.
+inline std::string g_strBox;
+inline int WINAPI TakeBox(HWND hOwner, LPCSTR pszText, LPCSTR pszCaption, UINT nType) {
+    g_strBox = std::to_string(nType) + pszCaption + (hOwner != nullptr ? "!" : "?") + pszText;
+    return IDOK;
+}
 
 // A dialog over a template that lacks a control; 0: whose resource module goes while it opens.
 template <class Base>
@@ -106,6 +161,14 @@ private:
     int m_nMissing;
 };
 
+inline std::string TextOf(UINT nString) {
+    return ResourceString(nString).GetString();
+}
+
+inline std::string Filled(UINT nFormat, const char* pszText) {
+    return FormatResourceText(nFormat, pszText).GetString();
+}
+
 inline CRect RectIn(HWND hParent, HWND hWnd) {
     CRect rect;
     GetWindowRect(hWnd, &rect);
@@ -122,6 +185,21 @@ inline void SetCapsLock(bool bToggled, bool bHeld = false) {
 
 inline HICON IconOf(HWND hControl) {
     return reinterpret_cast<HICON>(SendMessageA(hControl, STM_GETICON, 0, 0));
+}
+
+inline HICON SmallIconOf(HWND hWnd) {
+    return reinterpret_cast<HICON>(SendMessageA(hWnd, WM_GETICON, ICON_SMALL, 0));
+}
+
+inline bool IsTopMost(HWND hWnd) {
+    return (GetWindowLongA(hWnd, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+}
+
+inline bool IsBold(HWND hControl) {
+    LOGFONTA font{};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(hControl, WM_GETFONT, 0, 0)), sizeof font,
+               &font);
+    return font.lfWeight == FW_BOLD;
 }
 
 }  // namespace mvp::test

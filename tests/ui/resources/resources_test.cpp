@@ -121,16 +121,25 @@ const std::vector<std::vector<int>> kWindows = {
 // The rule panel's code moves its lines to the right by at most this, in pixels.
 constexpr int kLargestIndent = 20;
 
-// The text with a long number, or a long telephone number, in place of its conversion, if it has
-// one. The text is no format
-// here: one with other conversions is to fail its test, and not to break this one.
-std::string Filled(std::string text) {
+// The text with a long number or `inserted` in place of its conversion, if it has one. The text is
+// no format here: one with other conversions is to fail its test, and not to break this one.
+std::string Filled(std::string text, const std::string& inserted) {
     if (const std::size_t at = text.find("%d"); at != std::string::npos) {
         text.replace(at, 2, "999");
     } else if (const std::size_t of = text.find("%s"); of != std::string::npos) {
-        text.replace(of, 2, "+44 20 7946 0123, extension 4567");
+        text.replace(of, 2, inserted);
     }
     return text;
+}
+
+// What is put into the texts of the dialog: a long telephone number, or the longest failure.
+std::string Inserted(const ResourceModule& module, int dialog) {
+    std::string longest;
+    for (const NamedNumber& error : NamedNumbers("IDS_ERROR_")) {
+        longest = std::max(longest, module.Text(error.nNumber),
+                           [](const auto& a, const auto& b) { return a.size() < b.size(); });
+    }
+    return dialog == IDD_UNLOCK_FAILED ? longest : "+44 20 7946 0123, extension 4567";
 }
 
 // Puts the texts in one after the other, and says which does not fit. The last ones stay.
@@ -139,7 +148,8 @@ std::vector<std::string> PutRunTimeTexts(const ResourceModule& module, int dialo
     std::vector<std::string> clipped;
     for (const RunTimeText& text : kRunTimeTexts) {
         if (text.dialog == dialog) {
-            SetDlgItemTextA(window.get(), text.control, Filled(module.Text(text.string)).c_str());
+            const std::string filled = Filled(module.Text(text.string), Inserted(module, dialog));
+            SetDlgItemTextA(window.get(), text.control, filled.c_str());
             clipped.push_back(ClippedBecause(Control::Of(GetDlgItem(window.get(), text.control))));
         }
     }

@@ -1,14 +1,12 @@
 // CInitializePinDlg: the policy values that it hands on and shows as rules, and what comes of OK.
-#include <array>
 #include <functional>
 #include <stdexcept>
 
 #include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/initialize_pin_dialog.h"
+#include "mvpingui/policies_dialog.h"
 #include "services/error_text.h"
-#include "services/format_text.h"
-#include "support/dialog_driver.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -21,10 +19,15 @@ constexpr int kFirstRule = IDC_POLICIES_MIN_TEXT;
 constexpr int kPlace = IDC_INITIALIZE_PIN_POLICIES_PLACE;
 using Texts = std::vector<std::string>;
 
-Script Enter(const std::string& strPin = "58381") {
+void TypePins(Dialog& d, const std::string& strPin = "58381") {
+    d.Type(kNew, strPin);
+    d.Type(kConfirm, strPin);
+}
+
+Script Enter(const std::string& strPin = "58381", bool bRefused = false) {
     return [=](Dialog& d) {
-        d.Type(kNew, strPin);
-        d.Type(kConfirm, strPin);
+        TypePins(d, strPin);
+        EXPECT_FALSE(bRefused && d.IsEnabled(IDOK));
         // Whoever sends the command, and whatever the button is.
         d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
         d.Cancel();
@@ -50,11 +53,7 @@ protected:
     INT_PTR Run(const std::vector<Script>& scripts, const PINPolicies* pPolicies = nullptr,
                 Missing... missing) {
         Dialog dialog(missing..., nullptr, pPolicies, this, &Initialize, nullptr, &GetCode, "R A");
-        const DialogDriver driver(std::chrono::seconds(10), scripts);
-        INT_PTR result = dialog.DoModal();
-        for (std::size_t i = 1; i < scripts.size(); ++i) {
-            result = dialog.DoModal();
-        }
+        const INT_PTR result = Open(dialog, scripts);
         m_nPending = dialog.m_bUnlockCodePending;
         return result;
     }
@@ -70,74 +69,64 @@ TEST_F(InitializePin, HandsOnTheValuesOfTheCallerTheConfigurationOrItsOwn) {
     EXPECT_EQ(Run({Enter()}), IDOK);
     EXPECT_EQ(m_calls.back(), "58381 4 25 6 0 0 6");
     EXPECT_EQ(m_log.Texts(1), Texts(7, "RegOpenKeyEx returns the error 2"));
-    const struct {
-        const char* pszName;
-        DWORD dwConfigured;
-        const char* pszWithoutIt;
-    } values[] = {
-        {"MinimumPINLength", 0, "58381 4 9 -1 2 1 7"},
-        {"MaximumPINLength", 9, "58381 0 25 -1 2 1 7"},
-        {"MaxPINTries", ~0U, "58381 0 9 6 2 1 7"},
-        {"MaxPINUnlock", 7, "58381 0 9 -1 2 1 6"},
-        {"WeakPINAllowed", 2, "58381 0 9 -1 0 1 7"},
-        {"ForceChangePIN", 1, "58381 0 9 -1 2 0 7"},
-        {"AlphaPINAllowed", 0, "58381 0 9 -1 2 1 7"},
-    };
-    for (const auto& [name, configured, withoutIt] : values) {
-        m_hive.SetDword(kKey, name, configured);
+    const std::pair<const char*, DWORD> values[] = {
+        {"MinimumPINLength", 0}, {"MaximumPINLength", 9}, {"MaxPINTries", ~0U},
+        {"MaxPINUnlock", 7},     {"WeakPINAllowed", 2},   {"ForceChangePIN", 1}};
+    for (const auto& [name, value] : values) {
+        m_hive.SetDword(kKey, name, value);
     }
+    m_hive.SetDword(kKey, "AlphaPINAllowed", 0);
     const PINPolicies callers = {3, kUnset, 0, 11, 12, 13, kUnset, 0, kUnset};
     EXPECT_EQ(Run({Enter()}, &callers), IDOK);
     EXPECT_EQ(m_calls.back(), "58381 3 9 0 2 0 12");
-    for (const auto& [name, configured, withoutIt] : values) {
-        for (const DWORD type : std::array<DWORD, 4>{REG_NONE, REG_SZ, REG_BINARY, REG_DWORD}) {
+    for (const DWORD type : std::initializer_list<DWORD>{REG_NONE, REG_SZ, REG_BINARY, REG_DWORD}) {
+        for (const char* name : {"MaxPINTries", "ForceChangePIN"}) {
             type == REG_NONE ? m_hive.DeleteValue(kKey, name)
                              : m_hive.SetRaw(kKey, name, type, type == REG_BINARY ? "1234" : "1");
-            m_log.Clear();
-            EXPECT_EQ(Run({Enter()}), IDOK);
-            EXPECT_EQ(m_calls.back(), withoutIt) << name << type;
-            const std::string error = type == REG_NONE ? "2" : "1804";
-            EXPECT_EQ(m_log.Texts(1), Texts{"RegQueryValueEx returns the error " + error});
         }
-        m_hive.SetDword(kKey, name, configured);
+        m_log.Clear();
+        EXPECT_EQ(Run({Enter()}), IDOK);
+        EXPECT_EQ(m_calls.back(), "58381 0 9 6 2 0 7") << type;
+        const std::string error = type == REG_NONE ? "2" : "1804";
+        EXPECT_EQ(m_log.Texts(1), Texts(2, "RegQueryValueEx returns the error " + error));
     }
 }
 
 TEST_F(InitializePin, JudgesByTheRulesThatComeOfTheValues) {
-    using Case = std::tuple<const char*, DWORD, const char*, bool>;
-    // Weak PINs are refused by exactly 1, letters by all but 1.
-    for (const auto& [name, value, pin, isAllowed] :
-         {Case{"WeakPINAllowed", 0, "1234", true}, Case{"WeakPINAllowed", 1, "1234", false},
-          Case{"WeakPINAllowed", 1, "5838", true}, Case{"AlphaPINAllowed", 0, "58a8", false},
-          Case{"AlphaPINAllowed", 1, "58a8", true}, Case{"AlphaPINAllowed", 2, "58a8", false},
-          Case{"MinimumPINLength", ~0U, "5", true}, Case{"MaximumPINLength", 4, "58381", false}}) {
+    using Case = std::tuple<const char*, DWORD, const char*>;
+    for (const auto& [name, value, pin] :
+         {Case{"WeakPINAllowed", 1, "1234"}, Case{"AlphaPINAllowed", 0, "58a8"},
+          Case{"MinimumPINLength", 5, "5838"}, Case{"MaximumPINLength", 4, "58381"}}) {
+        EXPECT_EQ(Run({Enter(pin)}), IDOK) << pin;
         m_hive.SetDword(kKey, name, value);
-        EXPECT_EQ(Run({Enter(pin)}), isAllowed ? IDOK : IDCANCEL) << name << value << pin;
+        EXPECT_EQ(Run({Enter(pin, true)}), IDCANCEL) << name;
         m_hive.DeleteKey(kKey);
     }
-    EXPECT_EQ(m_calls.size(), 4U);
 }
 
 TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
     const auto look = [](Dialog& d) {
         EXPECT_EQ(d.FocusedId(), kNew);
         EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR), 2 * '*');
+        RECT units = {22, 8, 0, 7};
+        d.Run([&] {
+            MapDialogRect(d.Handle(), &units);
+            EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_INITIALIZE, 16));
+            EXPECT_TRUE(IsBold(d.Control(IDC_INITIALIZE_PIN_HEADING)) && IsTopMost(d.Handle()));
+        });
         const CRect lines = RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX)));
         EXPECT_EQ(lines.TopLeft(), RectIn(d.Handle(), d.Control(kPlace)).TopLeft());
         // As the template has it: 7 units to the buttons and as many to the frame.
         const CRect first = RectIn(GetParent(d.Control(IDC_POLICIES_BOX)), d.Control(kFirstRule));
-        RECT units = {22, 8, 250, 7};
         RECT client = {};
-        d.Run([&] { MapDialogRect(d.Handle(), &units); });
         GetClientRect(d.Handle(), &client);
         EXPECT_NEAR(RectIn(d.Handle(), d.Control(IDOK)).top - lines.bottom, units.bottom, 1);
         EXPECT_NEAR(client.bottom - RectIn(d.Handle(), d.Control(IDOK)).bottom, units.bottom, 1);
-        EXPECT_EQ(client.right, units.right);
         EXPECT_EQ(first.TopLeft(), CPoint(units.left + 20, 10 + 10));
         EXPECT_EQ(lines.Height(), 10 + 4 * 10 + 3 * units.top) << "three rules";
         EXPECT_FALSE(d.IsEnabled(IDOK));
-        d.Type(kNew, "5838");
-        d.Type(kConfirm, "58381");
+        TypePins(d, "5838");
+        d.Type(kNew, "1");
         EXPECT_FALSE(d.IsEnabled(IDOK));
         d.Press(VK_BACK);
         EXPECT_TRUE(d.IsEnabled(IDOK));
@@ -149,16 +138,14 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
 
 TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
     const auto attempt = [&](Dialog& d) {
-        d.Type(kNew, "58381");
-        d.Type(kConfirm, "58381");
+        TypePins(d);
         for (const int code : {1, 7, -1, 0}) {  // 0: the callback throws
             m_initialize = [=] { return code != 0 ? code : throw std::runtime_error("callback"); };
             d.Click(IDOK);
             Dialog failed = d.Next();
-            const CString text =
-                FormatResourceText(IDS_INITIALIZE_FAILED_FORMAT, ErrorText(code == 0 ? 1 : code));
-            EXPECT_STREQ(text, failed.Text(IDC_UNLOCK_RESULT_MESSAGE).c_str());
-            EXPECT_STREQ(ResourceString(IDS_INITIALIZE_FAILED_TITLE), failed.Title().c_str());
+            EXPECT_EQ(failed.Text(IDC_UNLOCK_RESULT_MESSAGE),
+                      Filled(IDS_INITIALIZE_FAILED_FORMAT, ErrorText(code == 0 ? 1 : code)));
+            EXPECT_EQ(failed.Title(), TextOf(IDS_INITIALIZE_FAILED_TITLE));
             failed.Click(IDOK);
             failed.WaitGone();
         }
@@ -178,40 +165,29 @@ TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
 }
 
 TEST_F(InitializePin, SuccessEndsTheWatchShowsTheCodeAndTellsTheSuite) {
-    static std::string notice;
-    WNDCLASSA tray{};
-    tray.lpszClassName = "VkTrayHandlerClass";
-    tray.lpfnWndProc = [](HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
-        if (nMessage == WM_COPYDATA) {
-            const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-            notice = std::to_string(record.dwData) + static_cast<char*>(record.lpData);
-        }
-        return DefWindowProcA(hWnd, nMessage, wParam, lParam);
-    };
-    RegisterClassA(&tray);
-    CWnd receiver;
-    receiver.CreateEx(0, tray.lpszClassName, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr);
+    const TrayWindow tray;
+    constexpr char kNotice[] = "message: 78945, on reader R A to the Smart Card Agent";
     EXPECT_EQ(Run({Enter()}), IDOK);
     EXPECT_EQ(m_nPending, 1) << "the code could not be fetched";
     EXPECT_EQ(m_boxes.Calls().size(), 1U);
-    EXPECT_EQ(std::exchange(notice, ""), "78945R A");
+    EXPECT_TRUE(m_log.ContainsPart(kNotice)) << m_log.Dump();
+    m_log.Clear();
     m_nCodeResult = MVPINGUI_CARD_OK;
     const auto accept = [&](Dialog& d) {
-        d.Type(kNew, "58381");
-        d.Type(kConfirm, "58381");
+        TypePins(d);
         d.Click(IDOK);
         Dialog code = d.Next();
         EXPECT_EQ(code.Text(IDC_UNLOCK_CODE_CODE), "0123-4567-89");
         PostMessageA(d.Handle(), RegisterWindowMessageA("VKCardRemovedEvent"), 0, 0);
         code.Settle();
         EXPECT_TRUE(d.IsOpen()) << "the card has its PIN";
-        EXPECT_EQ(notice, "");
+        EXPECT_FALSE(m_log.ContainsPart(kNotice)) << "before the user has seen it";
         code.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
         code.Click(IDOK);
     };
     EXPECT_EQ(Run({accept}), IDOK);
     EXPECT_EQ(m_nPending, 0);
-    receiver.DestroyWindow();
+    EXPECT_TRUE(m_log.ContainsPart(kNotice)) << m_log.Dump();
 }
 
 TEST_F(InitializePin, NeedsItsEditsItsRulesAndTheModule) {
@@ -219,6 +195,11 @@ TEST_F(InitializePin, NeedsItsEditsItsRulesAndTheModule) {
     for (const int edit : {kNew, kConfirm}) {
         EXPECT_EQ(Run<Short>({}, nullptr, edit), -1);
     }
+    {
+        const NoMemoryFor<VKPoliciesDlg> shortage;
+        EXPECT_EQ(Run({Enter("58381", true)}), IDCANCEL);
+    }
+    EXPECT_TRUE(m_log.Contains(1, "The rule panel could not be created"));
     for (const int missing : {IDC_INITIALIZE_PIN_HEADING, IDOK, kPlace, 0}) {
         EXPECT_EQ(Run<Short>({Enter()}, nullptr, missing), missing == kPlace ? IDCANCEL : IDOK);
     }

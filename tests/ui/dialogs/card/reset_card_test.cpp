@@ -4,7 +4,6 @@
 #include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/reset_card_dialog.h"
-#include "support/dialog_driver.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -24,8 +23,7 @@ public:
     // What DoModal and GetPin return.
     std::string Run(const Prepare& prepare, const Script& script) {
         m_prepare = prepare;
-        const DialogDriver driver(script);
-        const INT_PTR result = DoModal();
+        const INT_PTR result = Open(*this, {script});
         return std::to_string(result) + " " + GetPin().GetString();
     }
 
@@ -95,27 +93,29 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
     }
     EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size());
     EXPECT_TRUE(m_log.Contains(16, "CChangePINDialog::OnInitDialog"));
+    EXPECT_TRUE(m_log.Contains(0, "Loading icon..."));
+    const std::string resize = "CResetCardDialogMain::ResizeDlg{";
+    EXPECT_NE(LogShape().find(resize + resize + "} " + resize + "} } "), std::string::npos);
 }
 
 TEST_F(ResetCard, CheckWindowClearsWhatIsNotActive) {
     Frame frame;
-    const auto check = [&](Dialog& d, int nActive, int nClear) {
+    const auto edits = {kPin, kResponse, kCode};
+    const auto check = [&](Dialog& d, int nActive, bool bClear) {
         frame.Panel()->SetChallenge(nActive == kCode ? "" : "0123");
         SendMessageA(d.Control(nActive == kPin ? kPinRoute : kCodeRoute), BM_CLICK, 0, 0);
-        for (const int id : {kPin, kResponse, kCode}) {
+        for (const int id : edits) {
             SetWindowTextA(d.Control(id), "1");
         }
-        frame.Panel()->CheckWindow(nClear);
-        for (const int id : {kPin, kResponse, kCode}) {
-            EXPECT_EQ(GetWindowTextLengthA(d.Control(id)), id == nActive && nClear == 0 ? 1 : 0);
+        frame.Panel()->CheckWindow(bClear ? 1 : 0);
+        for (const int id : edits) {
+            EXPECT_EQ(d.Text(id), id == nActive && !bClear ? "1" : "");
         }
-        EXPECT_EQ(d.FocusedId(), nActive);
-        EXPECT_EQ(d.IsEnabled(IDOK), nClear == 0);
+        EXPECT_TRUE(d.FocusedId() == nActive && d.IsEnabled(IDOK) != bClear) << nActive;
     };
     const auto checkAll = [&](Dialog& d) {
-        for (const int active : {kPin, kResponse, kCode}) {
-            d.Run([&] { check(d, active, 0); });
-            d.Run([&] { check(d, active, 1); });
+        for (const int active : edits) {
+            d.Run([&] { check(d, active, false), check(d, active, true); });
         }
         d.Escape();
     };
@@ -148,7 +148,8 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
     for (const bool isWatched : {true, false}) {
         Frame frame;
         const auto pull = [&](Dialog& d) {
-            EXPECT_STREQ(ResourceString(IDS_CARD_PIN_TITLE), d.Title().c_str());
+            EXPECT_EQ(d.Title(), TextOf(IDS_CARD_PIN_TITLE));
+            d.Run([&] { EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_PIN, 16)); });
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(kPin))),
                       RectIn(d.Handle(), d.Control(IDC_RESET_CARD_PANEL_PLACE)));
             EXPECT_EQ(d.FocusedId(), kPin) << "also before there is a challenge";
@@ -168,6 +169,20 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
     }
 }
 
+// By all of the panel, which stands at the top without its place.
+void ExpectGrown(Dialog& d) {
+    const CRect panel = RectIn(d.Handle(), GetParent(d.Control(kPin)));
+    EXPECT_EQ(panel.TopLeft(), CPoint(0, 0));
+    RECT buttons = {139, 151, 193, 172};  // OK's left, both tops, Cancel's left, the height
+    CRect client;
+    GetClientRect(d.Handle(), &client);
+    d.Run([&] { MapDialogRect(d.Handle(), &buttons); });
+    const int top = buttons.top + panel.Height();
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).TopLeft(), CPoint(buttons.left, top));
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDCANCEL)).TopLeft(), CPoint(buttons.right, top));
+    EXPECT_EQ(client.bottom, buttons.bottom + panel.Height());
+}
+
 TEST_F(ResetCard, StandsWithoutItsPanelAndThePanelWithoutItsWindow) {
     HostWindow host;
     host.m_ok.SetFocus();
@@ -184,6 +199,9 @@ TEST_F(ResetCard, StandsWithoutItsPanelAndThePanelWithoutItsWindow) {
         Incomplete<CResetCardDialogMain> frame(missing, 0, nullptr, 0, 0, 0, nullptr);
         const DialogDriver driver([&](Dialog& d) {
             EXPECT_EQ(frame.Panel() == nullptr, missing == 0);
+            if (missing == IDC_RESET_CARD_PANEL_PLACE) {
+                ExpectGrown(d);
+            }
             d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, missing == 0 ? IDOK : IDCANCEL, 0); });
         });
         EXPECT_EQ(frame.DoModal(), missing == 0 ? IDOK : IDCANCEL);

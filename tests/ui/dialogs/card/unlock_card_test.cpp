@@ -1,6 +1,8 @@
 // Unlocking a card: the dialog from its callbacks to its result, and the small ones that tell of
 // it.
+#include <algorithm>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -10,12 +12,11 @@
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "dialogs/card/code_groups.h"
+#include "mvpingui/policies_dialog.h"
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
-#include "services/format_text.h"
-#include "services/help_topic.h"
-#include "support/dialog_driver.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
 
@@ -56,12 +57,11 @@ struct Card {
         return result != MVPINGUI_CARD_FAILED ? result : throw std::runtime_error("no card");
     }
     template <class... Scripts>
-    INT_PTR Ask(Scripts&&... scripts) {
+    INT_PTR Ask(const Scripts&... scripts) {
         Incomplete<CUnlockCardDlg> dialog(nMissing, nullptr, bBare ? nullptr : &kRules, this,
                                           bBare ? nullptr : &Unlock, bBare ? nullptr : &Challenge,
                                           "Reader A");
-        const DialogDriver driver(std::forward<Scripts>(scripts)...);
-        return dialog.DoModal();
+        return Open(dialog, {scripts...});
     }
 };
 
@@ -85,36 +85,16 @@ void RemoveCard(const char* pszReader) {
     EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
 }
 
-std::string TextOf(UINT nString) {
-    return ResourceString(nString).GetString();
-}
-
-std::string Filled(UINT nFormat, const char* pszText) {
-    return FormatResourceText(nFormat, pszText).GetString();
-}
-
-bool IsBold(const Dialog& d, int nControl) {
-    LOGFONTA font{};
-    GetObjectA(reinterpret_cast<HFONT>(d.Send(nControl, WM_GETFONT)), sizeof font, &font);
-    return font.lfWeight == FW_BOLD;
-}
-
-HICON SmallIconOf(const Dialog& d) {
-    return reinterpret_cast<HICON>(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0));
-}
-
 // All is where the template has it, or `nUp` pixels above, and has made room for the rules.
 void ExpectPlaces(const Dialog& d, int nUp) {
     const HWND plain = CreateDialogParamA(
         ResourceModule(), MAKEINTRESOURCEA(IDD_UNLOCK_CARD), nullptr,
         [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
     const auto placeOf = [&](int nId) { return RectIn(plain, GetDlgItem(plain, nId)); };
-    const HWND box = d.Control(IDC_POLICIES_BOX);
-    const CRect list = RectIn(d.Handle(), box);
-    const CRect place = placeOf(IDC_UNLOCK_CARD_POLICIES_PLACE);
-    EXPECT_EQ(list.TopLeft(), CPoint(place.left, place.top - nUp));
+    const CRect list = RectIn(d.Handle(), d.Control(IDC_POLICIES_BOX));
+    EXPECT_EQ(list.TopLeft(), RectIn(d.Handle(), d.Control(3040)).TopLeft());
     EXPECT_EQ(list.Width(), placeOf(IDC_UNLOCK_CARD_PIN_BOX).Width());
-    EXPECT_EQ(list, RectIn(d.Handle(), GetParent(box)));
+    EXPECT_EQ(list, RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX))));
     for (HWND h = GetWindow(plain, GW_CHILD); h != nullptr; h = GetWindow(h, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(h);
         const bool upper = id == 3033 || id == 3035 || id == 3034 || id == 3026;
@@ -129,28 +109,25 @@ void ExpectPlaces(const Dialog& d, int nUp) {
     DestroyWindow(plain);
 }
 
-std::string g_strHelp;
-
 TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
-    m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
-    SetHelpViewer([](HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) -> HWND {
-        g_strHelp = pszFile + std::to_string(nTopic);
-        return nullptr;
-    });
-    using Challenge = std::pair<const char*, const char*>;
-    for (const auto& each :
-         {Challenge{nullptr, ""}, {"", ""}, {"ABCD", "ABCD"}, {"ABCDE", "ABCD-E"}}) {
-        const auto look = [&each](Dialog& d) {
-            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), each.second);
+    RecordHelp();
+    const std::string longest(10'000, 'W');
+    for (const char* challenge :
+         {static_cast<const char*>(nullptr), "", "0123456789ABCDE", "0123456789ABCDEF",
+          "0123456789ABCDEFG", "\x80\xE9\xFF\xC4\xD6", longest.c_str()}) {
+        const auto shown = GroupByFour<std::string>(challenge != nullptr ? challenge : "");
+        const auto look = [&](Dialog& d) {
+            EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_CHALLENGE), shown);
             EXPECT_EQ(d.Send(kNew, EM_GETPASSWORDCHAR) + d.Send(kConfirm, EM_GETPASSWORDCHAR),
                       2 * '*');
             EXPECT_FALSE(d.IsVisible(IDC_POLICIES_SAME_TEXT)) << "there is no current PIN";
             d.Run([&] {
-                ExpectPlaces(d, each.first != nullptr ? 0 : 100);
-                EXPECT_EQ(SmallIconOf(d), LoadResourceIcon(IDI_CARD_UNLOCK, 16));
-                EXPECT_TRUE(IsBold(d, kHeading));
+                ExpectPlaces(d, challenge != nullptr ? 0 : 100);
+                EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_UNLOCK, 16));
+                EXPECT_TRUE(IsBold(d.Control(kHeading)) && IsTopMost(d.Handle()));
                 EXPECT_EQ(GetForegroundWindow(), d.Handle());
                 SendMessageA(d.Handle(), WM_HELP, 0, 0);
+                EXPECT_EQ(std::exchange(s_strHelp, ""), "v.chm1013");
             });
             for (const int id : {kCode, kNew, kConfirm, IDCANCEL}) {  // OK is disabled
                 EXPECT_EQ(d.FocusedId(), id);
@@ -158,27 +135,25 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
             }
             d.Escape();
         };
-        EXPECT_EQ(Card{.pszChallenge = each.first}.Ask(look), IDCANCEL);
+        EXPECT_EQ(Card{.pszChallenge = challenge}.Ask(look, look), IDCANCEL);
     }
-    SetHelpViewer(nullptr);
-    EXPECT_EQ(g_strHelp, "v.chm1013");
 }
 
 TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
     const std::string full(511, '7');
     const std::tuple<DWORD, std::string, std::string> cases[] = {
-        {REG_NONE, "no key", ""},
+        {REG_SZ, "", ""},
+        {REG_SZ, "1", ""},
         {REG_SZ, std::string("1\0", 2), ""},
         {REG_SZ, std::string("12\0", 3), "12"},
+        {REG_SZ, full, full},
         {REG_SZ, full + '\0', full},
         {REG_SZ, full + "7", full + "7"},
         {REG_SZ, std::string(600, '7'), ""},
         {REG_SZ, "+33 %s 1", "+33 %s 1"},
         {REG_BINARY, "1234", ""}};
     for (const auto& [type, bytes, number] : cases) {
-        if (type != REG_NONE) {
-            m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
-        }
+        m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
         const std::string text = number.empty()
                                      ? TextOf(IDS_UNLOCK_HELP_DESK)
                                      : Filled(IDS_UNLOCK_HELP_DESK_FORMAT, number.c_str());
@@ -190,17 +165,19 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
 }
 
 TEST_F(UnlockCard, OkFollowsEveryEdit) {
+    const PatchedImports boxes("dlgfw.dll", {{"MessageBoxA", Address(&TakeBox)}});
     const auto expect = [](Dialog& d, int nEdit, const char* pszText, bool bAllowed) {
         SetDlgItemTextA(d.Handle(), nEdit, pszText);
         EXPECT_EQ(d.IsEnabled(IDOK), bAllowed) << pszText;
         if (!bAllowed) {  // the command comes without the button, too
-            PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-            EXPECT_TRUE(d.Text(kNew) == d.Text(kConfirm) ||
-                        Confirm(d, 0xFFFF) == TextOf(IDS_UNLOCK_PINS_DIFFER));
-            d.Settle();
+            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            const bool same = d.Text(kNew) == d.Text(kConfirm);
+            EXPECT_EQ(std::exchange(g_strBox, ""),
+                      same ? "" : "64Veskara!" + TextOf(IDS_UNLOCK_PINS_DIFFER));
         }
     };
     const auto edit = [&](Dialog& d) {
+        EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_HELP_DESK), TextOf(IDS_UNLOCK_HELP_DESK)) << "no key";
         expect(d, kNew, "5838", false);
         expect(d, kConfirm, "5838", false);
         for (const char* code : {"0123456789ABCDE", "0123456789ABCDEG", ""}) {
@@ -219,15 +196,11 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
     Card card;
     EXPECT_EQ(card.Ask(edit), IDCANCEL);
     EXPECT_EQ(card.strAttempts, "");
+    EXPECT_EQ(std::ranges::count(m_log.Texts(2), "Test m_pStaticPolicies"), 2) << "at no edit";
 }
 
 TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
-    WNDCLASSA info{};
-    info.lpfnWndProc = &DefWindowProcA;
-    info.lpszClassName = "VkTrayHandlerClass";
-    RegisterClassA(&info);
-    const HWND tray =
-        CreateWindowA(info.lpszClassName, "", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    const TrayWindow tray;
     constexpr char kNotice[] = "message: 78946, on reader Reader A to the Smart Card Agent";
     Card card{.results = {0, MVPINGUI_CARD_FAILED, 99, 7, 5}};
     const auto attempt = [&](Dialog& d) {
@@ -248,7 +221,6 @@ TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
     EXPECT_EQ(card.Ask(attempt), IDOK);
     EXPECT_EQ(card.strAttempts, kAttempt);
     EXPECT_TRUE(m_log.ContainsPart(kNotice)) << m_log.Dump();
-    DestroyWindow(tray);
 }
 
 // The card goes while the callback runs, or after it while its result is told.
@@ -311,9 +283,11 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
                   Filled(IDS_UNLOCK_FAILED_FORMAT, ErrorText(MVPINGUI_CARD_FAILED)));
         d.Escape();
     });
-    // 0, the whole module: nothing tells of the success.
-    for (const int missing : {IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
-        const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE;
+    // 0, the whole module: nothing tells of the success. -1: memory for the rules.
+    for (const int missing : {-1, IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
+        const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE && missing != -1;
+        using Shortage = NoMemoryFor<VKPoliciesDlg>;
+        const auto shortage = missing == -1 ? std::make_unique<Shortage>() : nullptr;
         const auto script = [&](Dialog& d) {
             Fill(d);
             PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
@@ -336,34 +310,32 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
     CUnlockSuccessDlg success(nullptr);
     CUnlockInitToolDlg unlockTool(nullptr, "Reader A", 0);
     CUnlockInitToolDlg otherTool(nullptr, "Reader A", 1);
-    // Title and heading are the strings of those numbers (0: the template's own), or they are not.
+    // What it says are the strings of a first PIN, or of the tool for it, or they are not.
     const struct {
         CDialog& dialog;
         bool bStrings;
-        UINT nTitle, nHeading, nSmallIcon, nIcon;
-    } cases[] = {{failed, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
-                 {initialize, true, 3036, 3037, IDI_CARD_INITIALIZE, IDI_CARD_INITIALIZE},
-                 {success, false, 3036, 3037, IDI_CARD_UNLOCK, IDI_CARD_UNLOCK},
-                 {unlockTool, true, 0, 3035, 0, IDI_CARD_PIN},
-                 {otherTool, false, 0, 3035, 0, IDI_CARD_PIN}};
+        UINT nIcon;
+    } cases[] = {{failed, false, IDI_CARD_UNLOCK},
+                 {initialize, true, IDI_CARD_INITIALIZE},
+                 {success, false, IDI_CARD_UNLOCK},
+                 {unlockTool, true, IDI_CARD_PIN},
+                 {otherTool, false, IDI_CARD_PIN}};
     for (const auto& c : cases) {
         const DialogDriver driver([&](Dialog& d) {
             d.Run([&] {
-                EXPECT_TRUE(c.nTitle == 0 || (d.Title() == TextOf(c.nTitle)) == c.bStrings);
-                EXPECT_EQ(d.Text(kHeading) == TextOf(c.nHeading), c.bStrings);
-                EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
-                const bool small = c.nSmallIcon != 0;
-                EXPECT_EQ(SmallIconOf(d), small ? LoadResourceIcon(c.nSmallIcon, 16) : nullptr);
-                const HWND icon = d.Control(IDC_UNLOCK_RESULT_ICON);
-                EXPECT_EQ(IconOf(icon), LoadResourceIcon(c.nIcon, 32));
-                EXPECT_EQ(IsBold(d, kHeading), small);
+                const bool tool = c.nIcon == IDI_CARD_PIN;
+                EXPECT_TRUE(tool || (d.Title() == TextOf(3036)) == c.bStrings);
+                EXPECT_EQ(d.Text(kHeading) == TextOf(tool ? 3035 : 3037), c.bStrings);
+                EXPECT_EQ(SmallIconOf(d.Handle()), tool ? nullptr : LoadResourceIcon(c.nIcon, 16));
+                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)), LoadResourceIcon(c.nIcon, 32));
+                EXPECT_NE(IsBold(d.Control(kHeading)), tool);
+                EXPECT_TRUE(IsTopMost(d.Handle()));
             });
             d.Enter();
         });
         EXPECT_EQ(c.dialog.DoModal(), IDOK);
     }
-    const DialogDriver driver([](Dialog&) { RemoveCard("Reader A"); });
-    EXPECT_EQ(otherTool.DoModal(), IDCANCEL);
+    EXPECT_EQ(Open(otherTool, {[](Dialog&) { RemoveCard("Reader A"); }}), IDCANCEL);
     FreeResourceModule();
     for (const auto& c : cases) {
         EXPECT_EQ(c.dialog.DoModal(), -1);

@@ -1,5 +1,4 @@
 // DisplayUnlockCode with its dialog, and the notice that the card manager is blocked.
-#include <memory>
 #include <stdexcept>
 
 #include <vkevtsub/vkevtsub.h>
@@ -7,10 +6,6 @@
 #include "mvpingui/card_manager_locked_dialog.h"
 #include "mvpingui/display_unlock_code.h"
 #include "services/error_text.h"
-#include "services/format_text.h"
-#include "services/help_topic.h"
-#include "support/dialog_driver.h"
-#include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -21,12 +16,6 @@ constexpr char kConsoleKey[] = R"(SOFTWARE\Quillon\Veskara\UserConsole)";
 constexpr char kPxrmKey[] = R"(SOFTWARE\Quillon\Veskara\PXRM)";
 constexpr int kThrows = 4711;
 using LockedNotice = LibraryTest;
-
-std::string g_strBox;
-int WINAPI TakeBox(HWND hOwner, LPCSTR pszText, LPCSTR pszCaption, UINT nType) {
-    g_strBox = std::to_string(nType) + pszCaption + (hOwner != nullptr ? "!" : "?") + pszText;
-    return IDOK;
-}
 
 class UnlockCode : public LibraryTest {
 protected:
@@ -56,6 +45,9 @@ TEST_F(UnlockCode, IsAcceptedByOkWithTheBoxTickedAlone) {
         const auto close = [&](Dialog& d) {
             EXPECT_EQ(d.Text(IDC_UNLOCK_CODE_CODE), "0123-4567-89AB-CDEF");
             EXPECT_EQ(Property(), d.Handle());
+            EXPECT_TRUE(IsTopMost(d.Handle()));
+            d.Run(
+                [&] { EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_UNLOCK, 16)); });
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(IDC_UNLOCK_CODE_CODE))),
                       RectIn(d.Handle(), d.Control(IDC_UNLOCK_CODE_PANEL_PLACE)));
             if (way != "ok") {
@@ -71,6 +63,7 @@ TEST_F(UnlockCode, IsAcceptedByOkWithTheBoxTickedAlone) {
         EXPECT_EQ(Show({close}, way == "tick ok null" ? nullptr : &Never), accepted) << way;
         EXPECT_EQ(m_nNever, accepted) << way << ": once in all";
         EXPECT_EQ(Property(), nullptr);
+        EXPECT_TRUE(m_log.Contains(2, "pGetUnlockCode returned VK_OBJ_API_OK"));
         EXPECT_EQ(m_log.Texts(16).back(), "DisplayUnlockCode (" + std::to_string(accepted) + ")");
     }
 }
@@ -92,9 +85,8 @@ TEST_F(UnlockCode, TellsWhyThereIsNone) {
         m_nResult = result;
         EXPECT_EQ(Show(), 0);
         const MessageBoxCall& box = m_boxes.Calls().back();
-        const char* const reason = ErrorText(result == kThrows ? 1 : result);
-        EXPECT_STREQ(FormatResourceText(IDS_UNLOCK_CODE_FAILED_FORMAT, reason),
-                     box.strText.c_str());
+        EXPECT_EQ(box.strText,
+                  Filled(IDS_UNLOCK_CODE_FAILED_FORMAT, ErrorText(result == kThrows ? 1 : result)));
         EXPECT_TRUE(box.nMessageType == -1 && box.nButtons + box.nIcon + box.nFlags == 0);
     }
     EXPECT_EQ(m_boxes.Calls().size(), 4U);
@@ -103,7 +95,7 @@ TEST_F(UnlockCode, TellsWhyThereIsNone) {
     m_nResult = MVPINGUI_CARD_OK;
     m_pszCode = "";
     EXPECT_EQ(Show(), 1);
-    EXPECT_EQ(g_strBox, "64Veskara!" + std::string(ResourceString(IDS_UNLOCK_CODE_NONE)));
+    EXPECT_EQ(g_strBox, "64Veskara!" + TextOf(IDS_UNLOCK_CODE_NONE));
     EXPECT_EQ(m_nNever, 0);
 }
 
@@ -115,26 +107,26 @@ public:
 };
 
 TEST_F(UnlockCode, LeavesItsParentAsItWas) {
-    auto outer = std::make_unique<Modeless>(m_parent);
-    auto inner = std::make_unique<Modeless>(m_parent);
-    EXPECT_EQ(Property(), inner->m_hWnd);
-    inner->DestroyWindow();
-    EXPECT_EQ(Property(), outer->m_hWnd);
-    inner = std::make_unique<Modeless>(m_parent);
-    outer->DestroyWindow();
-    EXPECT_EQ(Property(), inner->m_hWnd);
-    inner->DestroyWindow();
-    EXPECT_EQ(Property(), nullptr);
-    outer = std::make_unique<Modeless>(m_parent);
+    for (const bool isOuterFirst : {true, false}) {
+        Modeless outer(m_parent);
+        Modeless inner(m_parent);
+        EXPECT_EQ(Property(), inner.m_hWnd);
+        Modeless& last = isOuterFirst ? inner : outer;
+        (isOuterFirst ? outer : inner).DestroyWindow();
+        EXPECT_EQ(Property(), last.m_hWnd);
+        last.DestroyWindow();
+        EXPECT_EQ(Property(), nullptr);
+    }
+    const Modeless child(m_parent);
     m_parent.DestroyWindow();
-    EXPECT_EQ(outer->m_hWnd, nullptr) << "it goes with its parent";
+    EXPECT_EQ(child.m_hWnd, nullptr) << "it goes with its parent";
 }
 
 TEST_F(UnlockCode, WithoutItsPanelItIsAcceptedByOk) {
     for (const int missing : {IDC_UNLOCK_CODE_PANEL_PLACE, 0}) {
         Incomplete<CDisplayUnlockCodeDlg> dialog(missing, &m_parent, "A", "Reader A", 0);
-        const DialogDriver driver([](Dialog& d) { d.Click(IDOK); });
-        EXPECT_EQ(dialog.DoModal(), missing == 0 ? IDOK : IDCANCEL);
+        const INT_PTR result = Open(dialog, {[](Dialog& d) { d.Click(IDOK); }});
+        EXPECT_EQ(result, missing == 0 ? IDOK : IDCANCEL);
     }
     EXPECT_TRUE(m_log.Contains(1, "g_hResInstance is NULL"));
     EXPECT_TRUE(m_log.Contains(1, "LocCreate Failed"));
@@ -146,7 +138,6 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
     constexpr int kText = IDC_CARD_MANAGER_LOCKED_TEXT;
     CRect client;
     SIZE size{};
-    HELPINFO help{};
     RECT units = {7, 7, 236, 14};
     d.Run([&] {
         const WindowDc dc(d.Control(kText));
@@ -154,9 +145,10 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
         GetTextExtentPoint32A(dc.get(), strText.c_str(), static_cast<int>(strText.size()), &size);
         GetClientRect(d.Handle(), &client);
         MapDialogRect(d.Handle(), &units);
-        SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
+        SendMessageA(d.Handle(), WM_HELP, 0, 0);
     });
     EXPECT_EQ(d.Text(kText), strText);
+    EXPECT_TRUE(IsTopMost(d.Handle()));
     const CRect text = RectIn(d.Handle(), d.Control(kText));
     EXPECT_EQ(text, CRect(CPoint(units.left, units.top),
                           CSize(units.right, (1 + size.cx / units.right) * size.cy)));
@@ -166,13 +158,8 @@ void ExpectFitted(Dialog& d, const std::string& strText) {
 }
 
 TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
-    static std::string topics;
-    SetHelpViewer([](HWND, LPCSTR, UINT, DWORD_PTR dwTopic) -> HWND {
-        topics += std::to_string(dwTopic) + " ";
-        return nullptr;
-    });
-    m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "help.chm");
-    const std::string own(ResourceString(IDS_CARD_MANAGER_LOCKED));
+    RecordHelp();
+    const std::string own = TextOf(IDS_CARD_MANAGER_LOCKED);
     const std::string longest(259, 'W');
     for (const std::string& text : {std::string("Short & sweet"), std::string("One\nTwo\r\nThree"),
                                     longest, longest + "W", std::string()}) {
@@ -183,16 +170,14 @@ TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
         EXPECT_EQ(m_log.ContainsPart("calling LoadString"), isOwn);
         const DialogDriver driver([&](Dialog& d) {
             ExpectFitted(d, isOwn ? own : text);
+            EXPECT_EQ(std::exchange(s_strHelp, ""), "v.chm1014");
             VKRaiseEvent(VKEVENT_CARD_REMOVED, "reader A");
         });
         EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     }
-    EXPECT_EQ(topics, "1014 1014 1014 1014 1014 ");
-    SetHelpViewer(nullptr);
     m_hive.DeleteKey(kPxrmKey);
     Incomplete<CCMLockedDlg> withoutButton(IDOK, nullptr, nullptr);
-    const DialogDriver driver([](Dialog& d) { d.Cancel(); });
-    EXPECT_EQ(withoutButton.DoModal(), IDCANCEL);
+    EXPECT_EQ(Open(withoutButton, {[](Dialog& d) { d.Cancel(); }}), IDCANCEL);
     FreeResourceModule();
     EXPECT_EQ(CCMLockedDlg(nullptr, nullptr).DoModal(), -1);
     EXPECT_TRUE(m_log.ContainsPart("CCMLockedDlg::CCMLockedDlg: LoadString failed"));

@@ -11,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include "services/help_topic.h"
 #include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/dialogs/pin/pin_requests.h"
@@ -47,21 +46,11 @@ TEST_F(EnterPin, HandsOutExactlyWhatWasTyped) {
     EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: PIN empty"));
 }
 
-std::string g_strHelpFile;
-DWORD_PTR g_nTopic;
-
-HWND WINAPI RecordTopic(HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) {
-    g_strHelpFile = pszFile;
-    g_nTopic = nTopic;
-    return nullptr;
-}
-
 TEST_F(EnterPin, OpensOnTopAndHelps) {
-    m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
-    SetHelpViewer(RecordTopic);
+    RecordHelp();
     PinRequest().Ask([](Dialog& d) {
         EXPECT_EQ(d.FocusedId(), IDC_ENTER_PIN_EDIT);
-        EXPECT_NE(GetWindowLongA(d.Handle(), GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+        EXPECT_TRUE(IsTopMost(d.Handle()));
         HELPINFO info{};
         info.cbSize = sizeof info;
         d.Run([&] {
@@ -70,9 +59,7 @@ TEST_F(EnterPin, OpensOnTopAndHelps) {
         });
         d.Escape();
     });
-    SetHelpViewer(nullptr);
-    EXPECT_EQ(g_strHelpFile, "v.chm");
-    EXPECT_EQ(g_nTopic, 1015U);
+    EXPECT_EQ(s_strHelp, "v.chm1015");
 }
 
 TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
