@@ -99,18 +99,23 @@ void DrawShownSecret(HWND hEdit, char chMask, std::string_view secret) {
     TEXTMETRICA metrics{};
     GetTextMetricsA(device, &metrics);
     SetTextAlign(device, TA_CENTER | TA_TOP);
-    int cell = 0;
-    for (const char& character : secret) {
-        const LRESULT place = SendMessageA(hEdit, EM_POSFROMCHAR, static_cast<WPARAM>(cell), 0);
-        const int left = static_cast<short>(LOWORD(place));
-        const int top = static_cast<short>(HIWORD(place));
-        const RECT rect{left, top, left + width, top + static_cast<int>(metrics.tmHeight)};
-        const int saved = SaveDC(device);
-        SetColours(device, ColoursOf(state, cell));
-        ExtTextOutA(device, left + width / 2, top, ETO_OPAQUE | ETO_CLIPPED, &rect, &character, 1,
-                    nullptr);
-        RestoreDC(device, saved);
-        ++cell;
+    SetBkMode(device, TRANSPARENT);
+    // All the grounds first: what is wider than a digit reaches into the cells beside its own.
+    for (const bool ground : {true, false}) {
+        int index = 0;
+        for (const char& character : secret) {
+            const LRESULT place =
+                SendMessageA(hEdit, EM_POSFROMCHAR, static_cast<WPARAM>(index), 0);
+            const int left = static_cast<short>(LOWORD(place));
+            const int top = static_cast<short>(HIWORD(place));
+            const RECT cell{left, top, left + width, top + static_cast<int>(metrics.tmHeight)};
+            const int saved = SaveDC(device);
+            SetColours(device, ColoursOf(state, index));
+            ExtTextOutA(device, left + (width + 1) / 2, top, ground ? ETO_OPAQUE : 0, &cell,
+                        &character, ground ? 0 : 1, nullptr);
+            RestoreDC(device, saved);
+            ++index;
+        }
     }
 }
 
