@@ -25,6 +25,11 @@ public:
     // with CBaseDialog::HidePinFromMemory. False, and an empty text, when there is no memory.
     bool ReadSecret(CString& strSecret) const;
 
+    // Shows what the edit holds, which must have ES_PASSWORD and be bound: the system draws nothing
+    // but masks, and the control each character by itself over its own. For codes that are copied
+    // from paper or read out.
+    void ShowText();
+
     // true (the default): the warning speaks of the PIN; false: of the password.
     void SetMode(bool bPin) { m_bPinMode = bPin; }
 
@@ -41,6 +46,7 @@ protected:
     afx_msg void OnDestroy();
     afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
+    afx_msg void OnPaint();
     afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
     // FALSE when it fails.
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
@@ -58,6 +64,7 @@ private:
     void CreateBalloon();
     void AddTool();
     void PlaceOwnBalloon();
+    bool IsSystemWarning(const NMHDR& header) const;
     void AdoptSystemBalloon(const NMHDR& header);
     void GiveText(NMHDR& header);
     BOOL AnswerBalloon(WPARAM wParam, LPARAM lParam, LRESULT* pResult);
@@ -78,6 +85,9 @@ private:
     bool m_bScrubbing = false;
     // There is room for what is typed.
     bool m_bPrepared = false;
+    // What the system draws in the place of each character that the control shows; 0: it shows
+    // none.
+    char m_chShownMask = '\0';
     // What the system asks for in wide characters must outlive the answer.
     wchar_t m_szWideWarning[kTextSize]{};
 };

@@ -10,17 +10,21 @@
 
 #include "dialogs/base/caps_lock_balloon.h"
 #include "dialogs/base/edit_scrubber.h"
+#include "dialogs/base/shown_secret.h"
+#include "mvpingui/base_dialog.h"
 #include "platform/barrier.h"
 #include "platform/own_module.h"
 #include "resources/resource_numbers.h"
 #include "services/log.h"
 #include "services/resource_module.h"
+#include "services/text_view.h"
 
 BEGIN_MESSAGE_MAP(CCapsLockSensitiveEdit, CEdit)
     ON_WM_DESTROY()
     ON_WM_SETFOCUS()
     ON_WM_KILLFOCUS()
     ON_WM_KEYUP()
+    ON_WM_PAINT()
 END_MESSAGE_MAP()
 
 namespace {
@@ -97,6 +101,35 @@ bool DeletesSelection(UINT message, WPARAM wParam) {
     }
 }
 
+// Whether the control may look different afterwards. Systems draw what changes at once, without
+// WM_PAINT.
+bool ChangesLooks(UINT message, WPARAM wParam) {
+    switch (message) {
+        case WM_SETTEXT:
+        case WM_ENABLE:
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+        case WM_CLEAR:
+        case WM_PASTE:
+        case WM_UNDO:
+        case WM_TIMER:
+        case WM_HSCROLL:
+        case WM_IME_CHAR:
+        case WM_IME_COMPOSITION:
+        case EM_UNDO:
+        case EM_SETSEL:
+        case EM_REPLACESEL:
+        case EM_SCROLLCARET:
+        case EM_SETREADONLY:
+            return true;
+        case WM_MOUSEMOVE:
+            return (wParam & MK_LBUTTON) != 0;
+        default:
+            return (message >= WM_KEYFIRST && message <= WM_KEYLAST) ||
+                   (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST);
+    }
+}
+
 LRESULT Send(HWND hWnd, UINT message, WPARAM wParam, const void* pParameter) {
     return SendMessageA(hWnd, message, wParam, reinterpret_cast<LPARAM>(pParameter));
 }
@@ -134,6 +167,23 @@ bool CCapsLockSensitiveEdit::ReadSecret(CString& strSecret) const {
                         });
 }
 
+void CCapsLockSensitiveEdit::ShowText() {
+    if (m_hWnd != nullptr) {
+        m_chShownMask = mvp::MaskForDigits(m_hWnd);
+        SetPasswordChar(m_chShownMask);
+        Invalidate();
+    }
+}
+
+void CCapsLockSensitiveEdit::OnPaint() {
+    CEdit::OnPaint();
+    CString text;
+    if (m_chShownMask != '\0' && ReadSecret(text)) {
+        mvp::DrawShownSecret(m_hWnd, m_chShownMask, mvp::View(text));
+        CBaseDialog::HidePinFromMemory(text);
+    }
+}
+
 void CCapsLockSensitiveEdit::OnDestroy() {
     m_bScrubbing = true;
     mvp::ScrubEdit(m_hWnd);
@@ -162,9 +212,13 @@ LRESULT CCapsLockSensitiveEdit::DefWindowProc(UINT message, WPARAM wParam, LPARA
     }
     m_bScrubbing = false;
     const HWND window = m_hWnd;
+    const bool looks = m_chShownMask != '\0' && ChangesLooks(message, wParam);
     const LRESULT result = CEdit::DefWindowProc(message, wParam, lParam);
     if (scrubbed) {
         ::SendMessageA(window, EM_EMPTYUNDOBUFFER, 0, 0);
+    }
+    if (looks) {
+        ::InvalidateRect(window, nullptr, FALSE);
     }
     return result;
 }
@@ -308,25 +362,36 @@ void CCapsLockSensitiveEdit::PlaceOwnBalloon() {
                    SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+bool CCapsLockSensitiveEdit::IsSystemWarning(const NMHDR& header) const {
+    std::array<char, kToolTextCapacity> text{};
+    TOOLINFOA tool = ToolOf(m_hWnd, header.idFrom);
+    tool.lpszText = text.data();
+    Send(header.hwndFrom, TTM_GETTEXTA, text.size(), &tool);
+    text.back() = '\0';
+    const CString systemWording = mvp::ResourceString(IDS_CAPS_LOCK_SYSTEM_BEGIN);
+    return !systemWording.IsEmpty() &&
+           std::strncmp(text.data(), systemWording,
+                        static_cast<std::size_t>(systemWording.GetLength())) == 0;
+}
+
 void CCapsLockSensitiveEdit::AdoptSystemBalloon(const NMHDR& header) {
+    if (m_chShownMask != '\0') {
+        // It is meant for what cannot be seen. It cannot be kept from showing, just taken down.
+        if (IsSystemWarning(header)) {
+            PostMessage(EM_HIDEBALLOONTIP);
+        }
+        return;
+    }
     if (m_bSystemBalloonHooked && m_hSystemBalloon == header.hwndFrom) {
         return;
     }
     m_bSystemBalloonHooked = TRUE;
     m_hSystemBalloon = header.hwndFrom;
-    std::array<char, kToolTextCapacity> text{};
-    TOOLINFOA tool = ToolOf(m_hWnd, header.idFrom);
-    tool.lpszText = text.data();
-    Send(m_hSystemBalloon, TTM_GETTEXTA, text.size(), &tool);
-    text.back() = '\0';
-    const CString systemWording = mvp::ResourceString(IDS_CAPS_LOCK_SYSTEM_BEGIN);
-    if (systemWording.IsEmpty() ||
-        std::strncmp(text.data(), systemWording,
-                     static_cast<std::size_t>(systemWording.GetLength())) != 0) {
-        return;
+    if (IsSystemWarning(header)) {
+        TOOLINFOA tool = ToolOf(m_hWnd, header.idFrom);
+        tool.lpszText = LPSTR_TEXTCALLBACKA;
+        Send(m_hSystemBalloon, TTM_UPDATETIPTEXTA, 0, &tool);
     }
-    tool.lpszText = LPSTR_TEXTCALLBACKA;
-    Send(m_hSystemBalloon, TTM_UPDATETIPTEXTA, 0, &tool);
 }
 
 void CCapsLockSensitiveEdit::GiveText(NMHDR& header) {

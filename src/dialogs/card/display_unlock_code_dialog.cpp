@@ -45,6 +45,7 @@ void CDisplayUCChild::DoDataExchange(CDataExchange* pDX) {
     mvp::BindIfThere(pDX, IDC_UNLOCK_CODE_CODE, m_editCode);
     // The code is shown and never read back.
     if (!pDX->m_bSaveAndValidate) {
+        m_editCode.ShowText();
         DDX_Text(pDX, IDC_UNLOCK_CODE_CODE, m_strCode);
     }
 }

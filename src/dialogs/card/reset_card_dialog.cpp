@@ -81,6 +81,8 @@ BOOL CResetCardDialog::OnInitDialog() {
     // The exit's name is another panel's: log readers know it as it is.
     const mvp::LogScope scope("CResetCardDialog::OnInitDialog", "CChangePINDialog::OnInitDialog");
     const BOOL result = CBaseDialog::OnInitDialog();
+    m_editResponse.ShowText();
+    m_editUnlockCode.ShowText();
     m_editPin.SetWindowText("");
     m_editResponse.SetWindowText("");
     m_editUnlockCode.SetFocus();

@@ -95,6 +95,7 @@ BOOL CUnlockCardDlg::OnInitDialog() {
     ChooseMode();
     m_editNewPin.SetPasswordChar(kPasswordCharacter);
     m_editConfirmPin.SetPasswordChar(kPasswordCharacter);
+    m_editUnlockCode.ShowText();
     EnableOk(false);
     PostMessage(kDisplayPinPoliciesMessage);
     mvp::BringToFront(*this);

@@ -3,9 +3,11 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -30,6 +32,17 @@ public:
     }
     void LeaveIt() { m_host.m_ok.SetFocus(); }
     void Release(UINT nKey) { SendMessage(WM_KEYUP, nKey, 0); }
+    // Red, green and blue of every pixel of the cell of a character, the upper left one first.
+    std::vector<COLORREF> Cell(int nCell) {
+        UpdateWindow();
+        CClientDC device(this);
+        const auto at = static_cast<DWORD>(SendMessage(EM_POSFROMCHAR, static_cast<WPARAM>(nCell)));
+        std::vector<COLORREF> pixels;
+        for (int i = 0; i < 8 * 14; ++i) {
+            pixels.push_back(GetPixel(device, LOWORD(at) + i % 8, HIWORD(at) + i / 8));
+        }
+        return pixels;
+    }
     HWND Balloon() const {
         HWND balloon = nullptr;
         do {
@@ -206,6 +219,37 @@ TEST_F(SystemsBalloon, GetsTheLibrarysWordsForItsWarningOnly) {
     edit.Release(VK_CAPITAL);
     EXPECT_EQ(edit.Balloon(), nullptr);
     SetCapsLock(false);
+}
+
+TEST_F(SystemsBalloon, IsTakenDownWhereTheTextIsShown) {
+    for (const std::string& words :
+         {std::string(ResourceString(IDS_CAPS_LOCK_SYSTEM_BEGIN)), std::string(kOtherWords)}) {
+        TestEdit edit(false);
+        edit.ShowText();
+        EXPECT_EQ(WordsOfSystemBalloon(edit, words), words);
+        MSG message;
+        EXPECT_EQ(words != kOtherWords, PeekMessageA(&message, edit.m_hWnd, EM_HIDEBALLOONTIP,
+                                                     EM_HIDEBALLOONTIP, PM_REMOVE));
+    }
+}
+
+TEST_F(SystemsBalloon, ShowsEachCharacterInTheColoursOfItsState) {
+    for (const bool shown : {false, true}) {
+        TestEdit edit(false);
+        if (shown) {
+            edit.ShowText();
+        }
+        edit.SetWindowText("81118");
+        EXPECT_EQ(edit.Cell(0) != edit.Cell(1), shown);
+        edit.SetFocus();
+        edit.SetSel(1, 2);
+        EXPECT_EQ(edit.Cell(1).front(), GetSysColor(COLOR_HIGHLIGHT));
+        EXPECT_EQ(edit.Cell(3).front(), GetSysColor(COLOR_WINDOW));
+        edit.LeaveIt();
+        EXPECT_EQ(edit.Cell(1), edit.Cell(2));
+        edit.EnableWindow(FALSE);
+        EXPECT_NE(std::ranges::count(edit.Cell(1), GetSysColor(COLOR_GRAYTEXT)), 0);
+    }
 }
 
 // The answer to a balloon that asks for its text, which it keeps and takes from nowhere else.

@@ -1,0 +1,122 @@
+#include "dialogs/base/shown_secret.h"
+
+#include <algorithm>
+
+namespace mvp {
+
+namespace {
+
+// The edit's own context, with its font, drawing where the edit draws its text.
+class EditContext {
+public:
+    explicit EditContext(HWND hEdit)
+        : m_hEdit(hEdit), m_hDC(GetDC(hEdit)), m_nSaved(SaveDC(m_hDC)) {
+        auto* font = reinterpret_cast<HFONT>(SendMessageA(hEdit, WM_GETFONT, 0, 0));
+        if (font != nullptr) {
+            SelectObject(m_hDC, font);
+        }
+        RECT text{};
+        SendMessageA(hEdit, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));
+        IntersectClipRect(m_hDC, text.left, text.top, text.right, text.bottom);
+    }
+    EditContext(const EditContext&) = delete;
+    EditContext& operator=(const EditContext&) = delete;
+    ~EditContext() {
+        RestoreDC(m_hDC, m_nSaved);
+        ReleaseDC(m_hEdit, m_hDC);
+    }
+    HDC Get() const { return m_hDC; }
+    int WidthOf(char ch) const {
+        const UINT character = static_cast<unsigned char>(ch);
+        INT width = 0;
+        GetCharWidth32A(m_hDC, character, character, &width);
+        return width;
+    }
+
+private:
+    HWND m_hEdit;
+    HDC m_hDC;
+    int m_nSaved;
+};
+
+class HiddenCaret {
+public:
+    explicit HiddenCaret(HWND hEdit) : m_hEdit(HideCaret(hEdit) ? hEdit : nullptr) {}
+    HiddenCaret(const HiddenCaret&) = delete;
+    HiddenCaret& operator=(const HiddenCaret&) = delete;
+    ~HiddenCaret() {
+        if (m_hEdit != nullptr) {
+            ShowCaret(m_hEdit);
+        }
+    }
+
+private:
+    HWND m_hEdit;
+};
+
+CellState StateOf(HWND hEdit) {
+    DWORD begin = 0;
+    DWORD end = 0;
+    SendMessageA(hEdit, EM_GETSEL, reinterpret_cast<WPARAM>(&begin),
+                 reinterpret_cast<LPARAM>(&end));
+    return {IsWindowEnabled(hEdit) != FALSE, GetFocus() == hEdit, static_cast<int>(begin),
+            static_cast<int>(end)};
+}
+
+// The colours that the edit's parent gives its text, as the system asks for them.
+void AskForColours(HWND hEdit, HDC hDC) {
+    const bool fixed =
+        (GetWindowLongPtrA(hEdit, GWL_STYLE) & ES_READONLY) != 0 || !IsWindowEnabled(hEdit);
+    SendMessageA(GetParent(hEdit), fixed ? WM_CTLCOLORSTATIC : WM_CTLCOLOREDIT,
+                 reinterpret_cast<WPARAM>(hDC), reinterpret_cast<LPARAM>(hEdit));
+}
+
+void SetColours(HDC hDC, CellColours colours) {
+    if (colours == CellColours::Selected) {
+        SetTextColor(hDC, GetSysColor(COLOR_HIGHLIGHTTEXT));
+        SetBkColor(hDC, GetSysColor(COLOR_HIGHLIGHT));
+    } else if (colours == CellColours::Grey) {
+        SetTextColor(hDC, GetSysColor(COLOR_GRAYTEXT));
+    }
+}
+
+}  // namespace
+
+char MaskForDigits(HWND hEdit) {
+    const EditContext context(hEdit);
+    constexpr std::string_view kDigits = "0123456789ABCDEFabcdef";
+    return *std::ranges::max_element(kDigits, {},
+                                     [&](char digit) { return context.WidthOf(digit); });
+}
+
+void DrawShownSecret(HWND hEdit, char chMask, std::string_view secret) {
+    const HiddenCaret hidden(hEdit);
+    const EditContext context(hEdit);
+    HDC device = context.Get();
+    AskForColours(hEdit, device);
+    const CellState state = StateOf(hEdit);
+    const int width = context.WidthOf(chMask);
+    TEXTMETRICA metrics{};
+    GetTextMetricsA(device, &metrics);
+    SetTextAlign(device, TA_CENTER | TA_TOP);
+    SetBkMode(device, TRANSPARENT);
+    // All the grounds first: what is wider than a digit reaches into the cells beside its own.
+    for (const bool ground : {true, false}) {
+        int index = 0;
+        for (const char& character : secret) {
+            const LRESULT place =
+                SendMessageA(hEdit, EM_POSFROMCHAR, static_cast<WPARAM>(index), 0);
+            const int left = static_cast<short>(LOWORD(place));
+            const int top = static_cast<short>(HIWORD(place));
+            const RECT cell{left, top, left + width, top + static_cast<int>(metrics.tmHeight)};
+            const int saved = SaveDC(device);
+            SetColours(device, ColoursOf(state, index));
+            ExtTextOutA(device, left + (width + 1) / 2, top, ground ? ETO_OPAQUE : 0, &cell,
+                        &character, ground ? 0 : 1, nullptr);
+            RestoreDC(device, saved);
+            ++index;
+        }
+    }
+}
+
+}  // namespace mvp
