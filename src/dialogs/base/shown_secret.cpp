@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/handle.h"
+
 namespace mvp {
 
 namespace {
@@ -9,33 +11,29 @@ namespace {
 // The edit's own context, with its font, drawing where the edit draws its text.
 class EditContext {
 public:
-    explicit EditContext(HWND hEdit)
-        : m_hEdit(hEdit), m_hDC(GetDC(hEdit)), m_nSaved(SaveDC(m_hDC)) {
+    explicit EditContext(HWND hEdit) : m_dc(hEdit), m_nSaved(SaveDC(m_dc.get())) {
         auto* font = reinterpret_cast<HFONT>(SendMessageA(hEdit, WM_GETFONT, 0, 0));
         if (font != nullptr) {
-            SelectObject(m_hDC, font);
+            SelectObject(m_dc.get(), font);
         }
         RECT text{};
         SendMessageA(hEdit, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));
-        IntersectClipRect(m_hDC, text.left, text.top, text.right, text.bottom);
+        IntersectClipRect(m_dc.get(), text.left, text.top, text.right, text.bottom);
     }
     EditContext(const EditContext&) = delete;
     EditContext& operator=(const EditContext&) = delete;
-    ~EditContext() {
-        RestoreDC(m_hDC, m_nSaved);
-        ReleaseDC(m_hEdit, m_hDC);
-    }
-    HDC Get() const { return m_hDC; }
+    ~EditContext() { RestoreDC(m_dc.get(), m_nSaved); }
+
+    HDC Get() const { return m_dc.get(); }
     int WidthOf(char ch) const {
         const UINT character = static_cast<unsigned char>(ch);
         INT width = 0;
-        GetCharWidth32A(m_hDC, character, character, &width);
+        GetCharWidth32A(m_dc.get(), character, character, &width);
         return width;
     }
 
 private:
-    HWND m_hEdit;
-    HDC m_hDC;
+    WindowDc m_dc;
     int m_nSaved;
 };
 
