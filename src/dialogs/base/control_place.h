@@ -23,9 +23,9 @@ void MoveControl(const CWnd& dialog, int nId, int dx, int dy);
 // Moves the controls and redraws them, then makes the dialog as large as it must be.
 void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> controls);
 
-// Shows a panel of the dialog and paints it. It comes first in the tab order, before what the template
-// has: the system's choice of a first focus, made when the dialog's initialisation is over, is then
-// the panel's as well.
+// Shows a panel of the dialog and paints it. It comes first in the tab order, before what the
+// template has: the system's choice of a first focus, made when the dialog's initialisation is
+// over, is then the panel's as well.
 void ShowPanelFirst(CWnd& panel);
 
 // Shows or hides the window. One that is there already is left alone: the system does all the work

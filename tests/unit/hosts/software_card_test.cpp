@@ -78,13 +78,15 @@ TEST(SoftwareCard, AnUnlockedCardHasItsTriesAndAResetOneNoPin) {
     card.nTriesLeft = 0;
     card.policy.bForceChangePin = true;
     EXPECT_FALSE(card.Unlock({}));
+    EXPECT_FALSE(card.IsLastTry());
+    card.bUnlockCodeSeen = true;
     EXPECT_TRUE(card.IsBlocked());
     EXPECT_TRUE(card.Unlock(std::string_view("5678")));
     EXPECT_FALSE(card.policy.bForceChangePin);
     EXPECT_EQ(Try(card, "1234"), Verdict::Wrong);
     card.nUnlocksLeft = 0;
     card.Reset();
-    EXPECT_FALSE(card.IsInitialized());
+    EXPECT_FALSE(card.IsInitialized() || card.bUnlockCodeSeen);
     EXPECT_EQ(card.nTriesLeft + card.nUnlocksLeft, card.nMaxTries + card.nMaxUnlocks);
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 TEST(FormatCheck, TakesOneIntegerAndNothingElse) {
     for (const char* format : {"%d", "Minimum length: %d", "%u characters", "100%% of %d", "%-4d|",
-                               "%+03i", "%ld", "%x%%"}) {
+                               "%+03i", "%12d", "%X", "%o", "%ld", "%x%%"}) {
         EXPECT_TRUE(TakesOneInteger(format)) << format;
     }
     for (const char* format : {"",     "no number", "%%",  "%d and %d", "%s",      "%n",    "%",

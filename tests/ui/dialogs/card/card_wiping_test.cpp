@@ -118,6 +118,9 @@ TEST(CardWiping, AfterTheFirstPinAndTheUnlockCode) {
                     Dialog display = d.Next();
                     EXPECT_EQ(display.Send(IDC_UNLOCK_CODE_CODE, WM_GETTEXTLENGTH),
                               static_cast<LRESULT>(shown.size()));
+                    for (const MemoryHit& hit : ScanOwnMemory(pin)) {
+                        EXPECT_TRUE(hit.bWide) << "beside the edits, " << hit;
+                    }
                     display.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
                     display.Click(IDOK);
                     display.WaitGone();

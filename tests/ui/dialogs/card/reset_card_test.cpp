@@ -91,6 +91,7 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
                       byPin ? "1 1" : "1 12-3 ");
         }
     }
+    EXPECT_EQ(std::ranges::count(m_log.Texts(16), "CResetCardDialog::~CResetCardDialog"), 9);
     EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size());
     EXPECT_TRUE(m_log.Contains(16, "CChangePINDialog::OnInitDialog"));
     EXPECT_TRUE(m_log.Contains(0, "Loading icon..."));
@@ -167,6 +168,9 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
         };
         EXPECT_EQ(frame.Run([](auto&) {}, pull), "2 ");
     }
+    EXPECT_NE(
+        LogShape().find("OnDestroy{CResetCardDialogMain::StopDetectingRemoveEvent{VKDelegate"),
+        std::string::npos);
 }
 
 // By all of the panel, which stands at the top without its place.

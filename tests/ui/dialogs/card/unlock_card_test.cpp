@@ -151,6 +151,7 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
         {REG_SZ, full + "7", full + "7"},
         {REG_SZ, std::string(600, '7'), ""},
         {REG_SZ, "+33 %s 1", "+33 %s 1"},
+        {REG_EXPAND_SZ, std::string("12\0", 3), "12"},
         {REG_BINARY, "1234", ""}};
     for (const auto& [type, bytes, number] : cases) {
         m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
@@ -161,6 +162,8 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
             EXPECT_EQ(d.Text(IDC_UNLOCK_CARD_HELP_DESK), text);
             d.Escape();
         });
+        EXPECT_EQ(m_log.ContainsPart("ContactTel"), bytes.size() == 600 || type == REG_BINARY);
+        m_log.Clear();
     }
 }
 
@@ -185,8 +188,10 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
             expect(d, kCode, code, false);
         }
         expect(d, kCode, "0123456789ABCDEF", true);
-        expect(d, kConfirm, "583", false);
-        expect(d, kNew, "583", false);
+        for (const char* pin : {"1234", "58a8", "583858385", "583"}) {
+            expect(d, kConfirm, pin, false);
+            expect(d, kNew, pin, false);
+        }
         Fill(d);
         d.Run([&] {  // OK comes too late
             SendMessageA(d.Handle(), WM_COMMAND, IDCANCEL, 0);
@@ -227,6 +232,7 @@ TEST_F(UnlockCard, TriesUntilTheCardIsUnlocked) {
 void RemoveAround(bool bInCallback, int nCode) {
     Card card{.pszChallenge = nCode == 5 ? "A" : nullptr, .results = {0, nCode}};
     card.onAttempt = [&] {
+        EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_WAIT));
         bInCallback ? RemoveCard("Reader A") : void();
         // Not heard while the callback runs.
         PostMessageA(card.strAttempts == kAttempt ? GetActiveWindow() : nullptr, WM_COMMAND, IDOK,
@@ -261,8 +267,9 @@ TEST_F(UnlockCard, RemovalEndsItUnlessTheCardIsUnlocked) {
     const std::string shape = LogShape();
     for (const char* part :
          {"::CUnlockCardDlg{2 m_pStaticPolicies = NULL; } ", "Dlg::OnInitDialog{CBaseDialog::On",
-          "0 Unlock static; ", "2 WindowRect (left=", "2 SetWindowPos succeeded; ",
-          "0 Unlock challenge response; ", "Dlg::OnMove{", "Dlg::OnDestroy{",
+          "0 Unlock static; VKDelegateSubscriberCardRemoved Constructor{",
+          "2 WindowRect (left=", "2 SetWindowPos succeeded; ", "0 Unlock challenge response; ",
+          "Dlg::OnMove{", "Dlg::OnDestroy{VKDelegateSubscriberCardRemoved Destructor{",
           "PINPolicies{2 Test m_pStaticPolicies; 2 m_pStaticPolicies == NULL; 2 new m_pStatic",
           "2 Test m_pStaticPolicies; 2 m_pStaticPolicies != NULL; ", "Dlg::OnChangeEdit{",
           "Dlg::OnCardEvent(){CUnlockCardDlg::OnCancel{} } ",
