@@ -23,7 +23,7 @@
 #define IDD_UNLOCK_FAILED 3008
 #define IDD_UNLOCK_INIT_TOOL 3009
 #define IDD_UNLOCK_SUCCESS 3010
-#define IDD_POLICIES 3011           // child panel: one line for each PIN rule
+#define IDD_POLICIES 3011  // child panel: one line for each PIN rule
 #define IDD_CARD_MANAGER_LOCKED 3040
 #define IDD_ENTER_PIN 3073
 #define IDD_UNLOCK_CODE_PANEL 3077  // child panel: the unlock code, and whether to show it again
