@@ -44,6 +44,7 @@ public:
     void SetAnswer(int nAnswer) { m_nAnswer = nAnswer; }
 
     const std::vector<MessageBoxCall>& Calls() const { return m_calls; }
+    void Clear() { m_calls.clear(); }
 
 private:
     std::vector<MessageBoxCall> m_calls;
