@@ -37,9 +37,10 @@ public:
         UpdateWindow();
         CClientDC device(this);
         const auto at = static_cast<DWORD>(SendMessage(EM_POSFROMCHAR, static_cast<WPARAM>(nCell)));
-        std::vector<COLORREF> pixels;
-        for (int i = 0; i < 8 * 14; ++i) {
-            pixels.push_back(GetPixel(device, LOWORD(at) + i % 8, HIWORD(at) + i / 8));
+        std::vector<COLORREF> pixels(size_t{8} * 14);
+        for (int i = 0; COLORREF & pixel : pixels) {
+            pixel = GetPixel(device, LOWORD(at) + i % 8, HIWORD(at) + i / 8);
+            ++i;
         }
         return pixels;
     }
