@@ -232,7 +232,7 @@ TEST_F(CardOrders, WhatHasEndedADialogStands) {
         {&code, {}},
     };
     for (const auto& [dialog, edits] : dialogs) {
-        const DialogDriver driver([&](Dialog& d) {
+        const DialogDriver driver([&, &edits = edits](Dialog& d) {
             for (const int edit : edits) {
                 d.Type(edit, edit == IDC_UNLOCK_CARD_CODE_EDIT ? "0123456789ABCDEF" : "4711");
             }
