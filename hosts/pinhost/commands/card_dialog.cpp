@@ -28,7 +28,7 @@ Asked CardDialog::Run(const HostOptions& host, CardSide& side, const DialogFlow&
     plan.strNextScreenshot = AbsolutePath(plan.strNextScreenshot);
     const PinLibrary library(host);
     const FlowLibrary flows;
-    const Asked asked = AskUser(options, plan, [&] { return flow(flows, side.Functions()); });
+    Asked asked = AskUser(options, plan, [&] { return flow(flows, side.Functions()); });
     side.Finish();
     return asked;
 }
