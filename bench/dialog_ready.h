@@ -1,14 +1,13 @@
-// From a call until its modal dialog takes key strokes.
+// From a call until its modal dialog is painted and takes key strokes.
 //
-// A dialog is ready when it has been shown and its message loop takes a message that was posted
-// after that; it is cancelled at once. What it posts to itself while it opens comes before. The
+// A dialog is ready when it has been shown, its message loop takes a message that was posted after
+// that, and nothing of it is left to be painted; it is cancelled at once. What it posts to itself while it opens comes before. The
 // baseline is the system's modal call on the very same template, with its panel made from a posted
 // message as the library's dialogs do.
 #pragma once
 
 #include <windows.h>
 
-#include <algorithm>
 #include <chrono>
 #include <functional>
 
@@ -38,12 +37,8 @@ public:
 
     template <class Value, class Baseline>
     static Comparison Compare(const Value& value, const Baseline& baseline) {
-        Comparison result;
-        for (int round = 0; round < kRounds * 2; ++round) {
-            result.baseline = std::min(result.baseline, TimeToReady(baseline));
-            result.value = std::min(result.value, TimeToReady(value));
-        }
-        return result;
+        const auto time = [](const auto& call) { return TimeToReady(call); };
+        return TakeTurns(kRounds, time, value, baseline);
     }
 
     // The baseline: dialog `nTemplate` of the resource module with the template of a panel in it,
@@ -92,6 +87,7 @@ private:
     static LRESULT CALLBACK OnTaken(int nCode, WPARAM wParam, LPARAM lParam) {
         const auto& message = *reinterpret_cast<const MSG*>(lParam);
         if (nCode == HC_ACTION && wParam == PM_REMOVE && message.message == kReady) {
+            RedrawWindow(message.hwnd, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
             s_ready = Clock::now();
             if (whenReady) {
                 whenReady(message.hwnd);
