@@ -1,13 +1,29 @@
 // Before a card is reset its user proves the right to it, by its PIN or by an unlock code.
 //
-//     CResetCardDialogMain dialog(0, pParent, 0, 0, 0, "Reader A");
-//     if (dialog.DoModal() == IDOK)
-//         Reset(dialog.GetPin());
+//     class ResetDialog : public CResetCardDialogMain {
+//     public:
+//         using CResetCardDialogMain::CResetCardDialogMain;
 //
-// The panel comes to be with the dialog's window. A caller that has a challenge for the user, or a
-// card whose PIN cannot be used, derives a class and calls SetChallenge and DisablePIN from its
-// OnInitDialog, after the frame's, and returns what that returned. All calls are made on the thread
-// that created the objects.
+//     protected:
+//         BOOL OnInitDialog() override {
+//             const BOOL result = CResetCardDialogMain::OnInitDialog();
+//             if (Panel() != nullptr)
+//                 Panel()->SetChallenge("0123456789ABCDEF");  // "" for a fixed unlock code
+//             return result;
+//         }
+//     };
+//
+//     ResetDialog dialog(0, pParent, 0, 0, 0, "Reader A");
+//     if (dialog.DoModal() == IDOK) {
+//         CString proof = dialog.GetPin();
+//         Reset(proof);
+//         CBaseDialog::HidePinFromMemory(proof);
+//     }
+//
+// The panel comes to be with the dialog's window. A caller derives a class and calls SetChallenge,
+// and DisablePIN where the card's PIN cannot be used, from its OnInitDialog after the frame's, and
+// returns what that returned. Without SetChallenge the route of the unlock code has no field. All
+// calls are made on the thread that created the objects.
 //
 // No exception leaves a member but a constructor, which lets std::bad_alloc pass.
 #pragma once

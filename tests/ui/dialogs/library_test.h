@@ -3,6 +3,7 @@
 #pragma once
 
 #include <windows.h>
+#include <commctrl.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -181,6 +182,30 @@ inline void SetCapsLock(bool bToggled, bool bHeld = false) {
     BYTE keys[256] = {};
     keys[VK_CAPITAL] = static_cast<BYTE>((bToggled ? 0x01 : 0) | (bHeld ? 0x80 : 0));
     SetKeyboardState(keys);
+}
+
+// The system whose edits do not warn of Caps Lock, in the place of GetVersionExA.
+inline BOOL WINAPI TellOldSystem(OSVERSIONINFOA* pVersion) {
+    pVersion->dwPlatformId = VER_PLATFORM_WIN32_NT;
+    pVersion->dwMajorVersion = 5;
+    pVersion->dwMinorVersion = 0;
+    return TRUE;
+}
+
+// On that system: the balloon by which the edit that has the focus warns of Caps Lock.
+inline HWND WarnOfCapsLock(Dialog& d) {
+    d.Run([&] {
+        SetCapsLock(true);
+        d.Send(d.FocusedId(), WM_KEYUP, VK_CAPITAL);
+    });
+    HWND balloon = nullptr;
+    d.WaitUntil("the warning shows", [&] {
+        do {
+            balloon = FindWindowExA(nullptr, balloon, TOOLTIPS_CLASSA, nullptr);
+        } while (balloon != nullptr && IsWindowVisible(balloon) == FALSE);
+        return balloon != nullptr;
+    });
+    return balloon;
 }
 
 inline HICON IconOf(HWND hControl) {

@@ -16,56 +16,9 @@
 #include <vector>
 
 #include "resource_module.h"
+#include "support/control_layout.h"
 
-struct Control {
-    HWND hWnd;
-    int nNumber;
-    std::string strClass;  // in lower case
-    DWORD dwStyle;
-    RECT rect;  // in the client area of the dialog
-    std::string strText;
-
-    static Control Of(HWND hWnd) {
-        std::array<char, 64> className{};
-        std::array<char, 1024> text{};
-        GetClassNameA(hWnd, className.data(), static_cast<int>(className.size()));
-        GetWindowTextA(hWnd, text.data(), static_cast<int>(text.size()));
-        CharLowerA(className.data());
-        RECT rect{};
-        GetWindowRect(hWnd, &rect);
-        MapWindowPoints(nullptr, GetParent(hWnd), reinterpret_cast<POINT*>(&rect), 2);
-        return {hWnd,
-                GetDlgCtrlID(hWnd),
-                className.data(),
-                static_cast<DWORD>(GetWindowLongA(hWnd, GWL_STYLE)),
-                rect,
-                text.data()};
-    }
-
-    bool IsStatic() const { return strClass == "static"; }
-    bool IsEdit() const { return strClass == "edit"; }
-    bool IsButton() const { return strClass == "button"; }
-    bool IsGroupBox() const { return IsButton() && (dwStyle & BS_TYPEMASK) == BS_GROUPBOX; }
-    bool IsCheckButton() const {
-        const DWORD type = dwStyle & BS_TYPEMASK;
-        return IsButton() && (type == BS_AUTORADIOBUTTON || type == BS_AUTOCHECKBOX);
-    }
-    bool IsVisible() const { return (dwStyle & WS_VISIBLE) != 0; }
-    bool IsTabStop() const { return (dwStyle & WS_TABSTOP) != 0; }
-    // A static that breaks its text into lines, or any that shows text, and no picture or frame.
-    bool WrapsText() const {
-        const DWORD type = dwStyle & SS_TYPEMASK;
-        return IsStatic() && (type == SS_LEFT || type == SS_CENTER || type == SS_RIGHT);
-    }
-    bool IsTextStatic() const {
-        const DWORD type = dwStyle & SS_TYPEMASK;
-        return WrapsText() || (IsStatic() && (type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP));
-    }
-    // Whether an ampersand in the text marks a mnemonic.
-    bool HasPrefixText() const {
-        return IsButton() || (IsTextStatic() && (dwStyle & SS_NOPREFIX) == 0);
-    }
-};
+using mvp::test::Control;
 
 class TemplateWindow {
 public:
@@ -113,12 +66,9 @@ public:
     }
 
 private:
-    // The fixed part of an extended template, in 16-bit words. Behind it stand the menu and the
-    // class, the title, and the font's size in points.
-    static constexpr std::size_t kStyleWord = 6;
-    static constexpr std::size_t kMenuWord = 13;
+    static constexpr std::size_t kStyleWord = 6;  // in 16-bit words
 
-    // The template with its font enlarged. Ours have no menu, and the class of all dialogs.
+    // The template with its font enlarged.
     static std::vector<WORD> LoadTemplate(const ResourceModule& module, int dialog, int percent) {
         const HRSRC resource = FindResourceA(module.get(), MAKEINTRESOURCEA(dialog), RT_DIALOG);
         const DWORD size = SizeofResource(module.get(), resource);
@@ -127,46 +77,13 @@ private:
         if (resource != nullptr) {
             std::memcpy(words.data(), LockResource(LoadResource(module.get(), resource)), size);
         }
-        if (words.size() <= kMenuWord || words[0] != 1 || words[1] != 0xFFFF ||
-            words[kMenuWord] != 0 || words[kMenuWord + 1] != 0) {
-            throw std::runtime_error("no extended template: " + std::to_string(dialog));
-        }
-        WORD& points = *(std::find(words.begin() + kMenuWord + 2, words.end(), 0) + 1);
-        points = static_cast<WORD>(points * percent / 100);
+        mvp::test::EnlargeFont(words, percent);
         return words;
     }
 
     HWND m_hHost = nullptr;
     HWND m_hWnd = nullptr;
 };
-
-// Why the text of the control does not show wholly in it; empty when it does.
-inline std::string ClippedBecause(const Control& control) {
-    if (control.strText.empty() || (!control.IsTextStatic() && !control.IsButton())) {
-        return {};
-    }
-    // What a control keeps of its width and height for other things than its text.
-    const SIZE reserved = control.IsGroupBox()      ? SIZE{18, 0}  // the caption begins 9 pixels in
-                          : control.IsCheckButton() ? SIZE{20, 0}  // its mark
-                          : control.IsButton()      ? SIZE{12, 4}  // frame, focus, some air
-                                                    : SIZE{0, 0};
-    const LONG width = control.rect.right - control.rect.left - reserved.cx;
-    const LONG height = control.rect.bottom - control.rect.top - reserved.cy;
-    // The size that the text takes, drawn with the control's font and broken at that width.
-    RECT text{0, 0, width, 0};
-    const mvp::WindowDc dc(control.hWnd);
-    auto* const font = reinterpret_cast<HGDIOBJ>(SendMessageA(control.hWnd, WM_GETFONT, 0, 0));
-    const mvp::DcSelection selection(dc.get(), font);
-    DrawTextA(dc.get(), control.strText.c_str(), -1, &text,
-              DT_CALCRECT | DT_EXPANDTABS | (control.WrapsText() ? DT_WORDBREAK : DT_SINGLELINE) |
-                  (control.HasPrefixText() ? 0u : DT_NOPREFIX));
-    if (text.right <= width && text.bottom <= height) {
-        return {};
-    }
-    return "\"" + control.strText + "\" takes " + std::to_string(text.right) + " x " +
-           std::to_string(text.bottom) + " pixels of " + std::to_string(width) + " x " +
-           std::to_string(height);
-}
 
 // The mnemonic of the text in lower case, or 0.
 inline char MnemonicOf(const Control& control) {

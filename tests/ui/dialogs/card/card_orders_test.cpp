@@ -1,10 +1,13 @@
-// Every order of what user, card, callbacks and other programs do to the card dialogs: drawn by
-// chance from a fixed seed, inside the modal loops, without a thread switch.
+// What holds for the card dialogs alike, and every order of what user, card, callbacks and other
+// programs do to them: drawn by chance from a fixed seed, inside the modal loops, without a thread
+// switch.
 #include <array>
 #include <cstdlib>
+#include <future>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -38,27 +41,19 @@ void Remove() {
 // What every callback does: takes its time with messages, loses the card, calls the library,
 // throws, and gives one result or the other.
 int AnswerByChance(void* pContext) {
-    const std::array<int, 5> results{0, 0, 5, 7, -3};
-    switch (Draw(8)) {
-        case 0:
-            Remove();
-            break;
-        case 1: {
-            MSG message;
-            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-                DispatchMessageA(&message);
-            }
-            break;
+    const unsigned drawn = Draw(8);
+    if (drawn == 0) {
+        Remove();
+    } else if (drawn == 1) {
+        for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
+            DispatchMessageA(&message);
         }
-        case 2:
-            CUnlockFailedDlg(nullptr, "re-entered", 0).DoModal();
-            break;
-        case 3:
-            throw std::runtime_error("callback");
-        default:
-            break;
+    } else if (drawn == 2) {
+        CUnlockFailedDlg(nullptr, "re-entered", 0).DoModal();
+    } else if (drawn == 3) {
+        throw std::runtime_error("callback");
     }
-    const int result = results.at(Draw(results.size()));
+    const int result = std::array{0, 0, 5, 7, -3}.at(Draw(5));
     *static_cast<bool*>(pContext) = result == 0;
     return result;
 }
@@ -110,20 +105,13 @@ void CALLBACK ActByChance(HWND, UINT, UINT_PTR, DWORD) {
         return;
     }
     for (auto acts = Draw(3) + 1; acts > 0; --acts) {
-        switch (Draw(8)) {
-            case 0:
-                PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
-                break;
-            case 1:
-                Remove();
-                break;
-            case 2:
-            case 3:
-                PostMessageA(dialog, WM_COMMAND, IDOK, 0);
-                break;
-            default:
-                EnumChildWindows(dialog, FillByChance, 0);
-                break;
+        const unsigned drawn = Draw(8);
+        if (drawn == 1) {
+            Remove();
+        } else if (drawn < 4) {
+            PostMessageA(dialog, WM_COMMAND, drawn == 0 ? IDCANCEL : IDOK, 0);
+        } else {
+            EnumChildWindows(dialog, FillByChance, 0);
         }
     }
 }
@@ -141,46 +129,30 @@ LRESULT CALLBACK ActWhenIdle(int nCode, WPARAM wParam, LPARAM lParam) {
 
 using CardOrders = LibraryTest;
 
-std::array<int, 5> g_confirmed{};
-
-// One dialog of the five, from its constructor to its destructor.
-void RunOne(int nWhich) {
+// One dialog of the five, from its constructor to its destructor; whether it was confirmed.
+bool RunOne(int nWhich) {
     const PwdRuleArgs rules{0, 1, 1, 0, 4, 8, 0};
     bool done = false;
-    bool confirmed = false;
-    switch (nWhich) {
-        case 0: {
-            CUnlockCardDlg dialog(nullptr, &rules, &done, &Unlock, &GetChallenge, "Reader A");
-            confirmed = dialog.DoModal() == IDOK;
-            EXPECT_EQ(confirmed, done);
-            break;
-        }
-        case 1: {
-            CInitializePinDlg dialog(nullptr, nullptr, &done, &Initialize, &NeverDisplay,
-                                     &GetUnlockCode, "Reader A");
-            confirmed = dialog.DoModal() == IDOK;
-            EXPECT_EQ(confirmed, done);
-            EXPECT_TRUE(done || dialog.m_bUnlockCodePending == 0);
-            break;
-        }
-        case 2: {
-            CResetCardDialogMain dialog(0, nullptr, 0, 0, 0, "Reader A");
-            confirmed = dialog.DoModal() == IDOK;
-            EXPECT_NE(confirmed, dialog.GetPin().IsEmpty());
-            break;
-        }
-        case 3:
-            confirmed =
-                DisplayUnlockCode(nullptr, nullptr, &GetUnlockCode, &NeverDisplay, "Reader A") == 1;
-            break;
-        default: {
-            const INT_PTR result = CCMLockedDlg(nullptr, "Reader A").DoModal();
-            confirmed = result == IDOK;
-            EXPECT_TRUE(confirmed || result == IDCANCEL);
-            break;
-        }
+    if (nWhich == 0) {
+        CUnlockCardDlg dialog(nullptr, &rules, &done, &Unlock, &GetChallenge, "Reader A");
+        EXPECT_EQ(dialog.DoModal() == IDOK, done);
+    } else if (nWhich == 1) {
+        CInitializePinDlg dialog(nullptr, nullptr, &done, &Initialize, &NeverDisplay,
+                                 &GetUnlockCode, "Reader A");
+        EXPECT_EQ(dialog.DoModal() == IDOK, done);
+        EXPECT_TRUE(done || dialog.m_bUnlockCodePending == 0);
+    } else if (nWhich == 2) {
+        CResetCardDialogMain dialog(0, nullptr, 0, 0, 0, "Reader A");
+        done = dialog.DoModal() == IDOK;
+        EXPECT_NE(done, dialog.GetPin().IsEmpty());
+    } else if (nWhich == 3) {
+        done = DisplayUnlockCode(nullptr, nullptr, &GetUnlockCode, &NeverDisplay, "Reader A") == 1;
+    } else {
+        const INT_PTR result = CCMLockedDlg(nullptr, "Reader A").DoModal();
+        done = result == IDOK;
+        EXPECT_TRUE(done || result == IDCANCEL);
     }
-    g_confirmed.at(static_cast<std::size_t>(nWhich)) += confirmed ? 1 : 0;
+    return done;
 }
 
 TEST_F(CardOrders, EveryOneEndsWellAndKeepsNothing) {
@@ -188,9 +160,10 @@ TEST_F(CardOrders, EveryOneEndsWellAndKeepsNothing) {
     const char* wanted = std::getenv("MVP_SOAK_ROUNDS");
     const long rounds = wanted != nullptr ? std::strtol(wanted, nullptr, 10) : 600;
     HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROC, &ActWhenIdle, nullptr, GetCurrentThreadId());
+    std::array<int, 5> confirmed{};
     const auto round = [&](int i) {
         const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &ActByChance);
-        RunOne(i % 5);
+        confirmed.at(static_cast<std::size_t>(i % 5)) += RunOne(i % 5) ? 1 : 0;
         KillTimer(nullptr, timer);
         // At rest when things are counted.
         EXPECT_TRUE(i % 20 != 19 || VKWaitForIdle(10'000) == VKEVTSUB_OK);
@@ -204,51 +177,169 @@ TEST_F(CardOrders, EveryOneEndsWellAndKeepsNothing) {
         .objects = 100, .heapBlocks = 32, .heapBytes = 1 << 20, .privateBytes = 64 << 20};
     ExpectRoundsKeepNothing(100, static_cast<int>(rounds), round, allowance);
     UnhookWindowsHookEx(hook);
-    for (const int confirmed : g_confirmed) {
-        EXPECT_GT(confirmed, rounds / 100) << "chance never came this far";
+    for (const int times : confirmed) {
+        EXPECT_GT(times, rounds / 100) << "chance never came this far";
     }
 }
+
+// One of each over a card that agrees to everything, with the edits that are to be filled.
+struct OneOfEach {
+    struct Entry {
+        CDialog& dialog;
+        std::vector<int> edits;
+    };
+
+    template <class... Rest>
+    static int Agree(void* pCalled, CString, Rest...) {
+        ++*static_cast<int*>(pCalled);
+        return MVPINGUI_CARD_OK;
+    }
+    static void Fill(Dialog& d, const Entry& entry) {
+        for (const int edit : entry.edits) {
+            d.Type(edit, edit == IDC_UNLOCK_CARD_CODE_EDIT ? "0123456789ABCDEF" : "4711");
+        }
+        EXPECT_TRUE(d.IsEnabled(IDOK));
+    }
+
+    CWnd* pParent = nullptr;
+    int nCalled = 0;
+    PwdRuleArgs rules{0, 0, 0, 0, 4, 8, 0};
+    CUnlockCardDlg unlock{pParent, &rules, &nCalled, &Agree<CString>, nullptr, "Reader A"};
+    CInitializePinDlg initialize{pParent, nullptr, &nCalled,  &Agree<int, int, int, int, int, int>,
+                                 nullptr, nullptr, "Reader A"};
+    CResetCardDialogMain reset{0, pParent, 0, 0, 0, "Reader A"};
+    CDisplayUnlockCodeDlg code{pParent, "0123", "Reader A", 0};
+    CCMLockedDlg locked{pParent, "Reader A"};
+    std::vector<Entry> all{
+        {unlock,
+         {IDC_UNLOCK_CARD_CODE_EDIT, IDC_UNLOCK_CARD_NEW_EDIT, IDC_UNLOCK_CARD_CONFIRM_EDIT}},
+        {initialize, {IDC_INITIALIZE_PIN_NEW_EDIT, IDC_INITIALIZE_PIN_CONFIRM_EDIT}},
+        {reset, {IDC_RESET_CARD_PIN_EDIT}},
+        {code, {}},
+        {locked, {}}};
+};
 
 // Two commands in one go: the first has ended the dialog, and the second comes too late, callbacks
 // and all.
 TEST_F(CardOrders, WhatHasEndedADialogStands) {
-    const auto unlock = [](void* pCalled, CString, CString) {
-        return ++*static_cast<int*>(pCalled);
-    };
-    const auto initialize = [](void* pCalled, CString, int, int, int, int, int, int) {
-        return ++*static_cast<int*>(pCalled);
-    };
-    const PwdRuleArgs rules{0, 0, 0, 0, 4, 8, 0};
-    int called = 0;
-    CUnlockCardDlg unlockCard(nullptr, &rules, &called, unlock, nullptr, "Reader A");
-    CInitializePinDlg first(nullptr, nullptr, &called, initialize, nullptr, nullptr, "Reader A");
-    CResetCardDialogMain reset(0, nullptr, 0, 0, 0, "Reader A");
-    CDisplayUnlockCodeDlg code(nullptr, "0123", "Reader A", 0);
-    const std::pair<CDialog*, std::vector<int>> dialogs[] = {
-        {&unlockCard,
-         {IDC_UNLOCK_CARD_CODE_EDIT, IDC_UNLOCK_CARD_NEW_EDIT, IDC_UNLOCK_CARD_CONFIRM_EDIT}},
-        {&first, {IDC_INITIALIZE_PIN_NEW_EDIT, IDC_INITIALIZE_PIN_CONFIRM_EDIT}},
-        {&reset, {IDC_RESET_CARD_PIN_EDIT}},
-        {&code, {}},
-    };
-    for (const auto& [dialog, edits] : dialogs) {
-        const DialogDriver driver([&, &edits = edits](Dialog& d) {
-            for (const int edit : edits) {
-                d.Type(edit, edit == IDC_UNLOCK_CARD_CODE_EDIT ? "0123456789ABCDEF" : "4711");
-            }
-            if (edits.empty()) {
+    OneOfEach each;
+    each.all.pop_back();  // it asks nothing, and its last command counts
+    for (const OneOfEach::Entry& entry : each.all) {
+        const DialogDriver driver([&](Dialog& d) {
+            OneOfEach::Fill(d, entry);
+            if (&entry.dialog == &each.code) {
                 d.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
             }
-            EXPECT_TRUE(d.IsEnabled(IDOK));
             d.Run([&] {
                 SendMessageA(d.Handle(), WM_COMMAND, IDCANCEL, 0);
                 SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
             });
             d.WaitGone();
         });
+        EXPECT_EQ(entry.dialog.DoModal(), IDCANCEL);
+    }
+    EXPECT_EQ(each.nCalled, 0);
+}
+
+HWND g_hForeground = nullptr;
+BOOL WINAPI TakeForeground(HWND hWnd) {
+    g_hForeground = hWnd;
+    return SetForegroundWindow(hWnd);
+}
+
+int CountProperties(HWND hWnd) {
+    static int count;
+    count = 0;
+    EnumPropsA(hWnd, [](HWND, LPCSTR, HANDLE) -> BOOL { return ++count; });
+    return count;
+}
+
+// Whose thread may be the one in front: they must ask to come there, but for the one whose place is
+// left to its host.
+TEST_F(CardOrders, LeaveAParentOfAnotherThreadAsItWas) {
+    const PatchedImports system("dlgfw.dll", {{"SetForegroundWindow", Address(&TakeForeground)}});
+    std::promise<HWND> made;
+    const std::jthread thread([&] {
+        const HostWindow window;
+        made.set_value(window.m_hWnd);
+        for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
+            DispatchMessageA(&message);
+        }
+    });
+    const HWND other = made.get_future().get();
+    CWnd parent;
+    parent.Attach(other);
+    OneOfEach each{&parent};
+    const int properties = CountProperties(other);
+    for (const OneOfEach::Entry& entry : each.all) {
+        const bool isCode = &entry.dialog == &each.code;
+        const DialogDriver driver([&](Dialog& d) {
+            EXPECT_EQ(g_hForeground == d.Handle(), &entry.dialog != &each.reset);
+            EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), other);
+            EXPECT_FALSE(IsWindowEnabled(other));
+            EXPECT_EQ(CountProperties(other) - properties, isCode ? 1 : 0);
+            OneOfEach::Fill(d, entry);
+            d.Click(IDOK);
+            if (&entry.dialog == &each.unlock) {
+                d.Next().Enter();  // that it is unlocked
+            }
+        });
+        EXPECT_EQ(entry.dialog.DoModal(), isCode ? IDCANCEL : IDOK);
+        EXPECT_TRUE(IsWindowEnabled(other));
+        EXPECT_EQ(CountProperties(other), properties);
+    }
+    parent.Detach();
+    PostMessageA(other, WM_QUIT, 0, 0);
+}
+
+TEST_F(CardOrders, TakeTheWarningDownWhenTheyMove) {
+    const PatchedImports system(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
+    OneOfEach each;
+    for (const OneOfEach::Entry& entry : each.all) {
+        const DialogDriver driver([&](Dialog& d) {
+            for (const int edit : entry.edits) {
+                if (edit != IDC_UNLOCK_CARD_CODE_EDIT) {
+                    d.Focus(edit);
+                    const HWND balloon = WarnOfCapsLock(d);
+                    SetWindowPos(d.Handle(), nullptr, edit % 99, 3, 0, 0,
+                                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+                    EXPECT_FALSE(IsWindowVisible(balloon)) << edit;
+                }
+            }
+            d.Cancel();
+        });
+        EXPECT_EQ(entry.dialog.DoModal(), IDCANCEL);
+    }
+    SetCapsLock(false);
+}
+
+// Of a host that knows where it wants the dialog, and shows it there at once.
+template <class Base>
+class Placed : public Base {
+public:
+    using Base::Base;
+
+protected:
+    BOOL OnInitDialog() override {
+        const BOOL result = Base::OnInitDialog();
+        this->SetWindowPos(nullptr, 11, 22, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_SHOWWINDOW);
+        return result;
+    }
+};
+
+TEST_F(CardOrders, GrowWhereTheirHostHasShownThem) {
+    Placed<CUnlockCardDlg> unlock(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    Placed<CInitializePinDlg> initialize(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                         nullptr);
+    for (CDialog* dialog : std::initializer_list<CDialog*>{&unlock, &initialize}) {
+        const DialogDriver driver([&](Dialog& d) {
+            d.Settle();
+            EXPECT_TRUE(d.IsVisible(IDC_POLICIES_BOX)) << "it has grown";
+            EXPECT_EQ(RectIn(nullptr, d.Handle()).TopLeft(), CPoint(11, 22));
+            d.Cancel();
+        });
         EXPECT_EQ(dialog->DoModal(), IDCANCEL);
     }
-    EXPECT_EQ(called, 0);
 }
 
 }  // namespace

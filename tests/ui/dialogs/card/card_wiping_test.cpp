@@ -1,5 +1,7 @@
 // That nothing of a PIN, an unlock code or a response is left in the memory of the process after
 // every ending of a card dialog, be it the library's or the system's.
+#include <functional>
+#include <string>
 #include <utility>
 
 #include <dlgfw/dlgfw.h>
@@ -17,27 +19,25 @@
 namespace mvp::test {
 namespace {
 
-enum class End { Ok, Cancel, Removal };
-constexpr End kEnds[] = {End::Ok, End::Cancel, End::Removal};
-constexpr const char* kWhen[] = {"OK", "Cancel", "removal"};
-
-void EndBy(Dialog& d, End end) {
-    if (end == End::Ok) {
-        d.Click(IDOK);
-    } else if (end == End::Cancel) {
-        d.Escape();
-    } else {
-        VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
-        d.WaitGone();
-    }
-}
-
-// A card whose callbacks accept what they get when it is the secret.
-struct Card {
-    const Secret& pin;
-    const Secret& code;
-    int nResult = 0;
+// A card whose callbacks accept what they get when it is the secret, and how its dialog ends.
+struct Round {
+    const std::string strEnd;
+    const Secret pin{};
+    const Secret code = Secret::UnlockCode();
+    const Secret shown = code.Grouped();
+    int nResult = 0;  // of the next call
     bool bRight = false;
+
+    bool IsOk() const { return strEnd == "OK"; }
+    INT_PTR Result() const { return IsOk() ? IDOK : IDCANCEL; }
+    void End(Dialog& d) const {
+        if (strEnd == "removal") {
+            VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
+            d.WaitGone();
+        } else {
+            IsOk() ? d.Click(IDOK) : d.Escape();
+        }
+    }
 
     static bool Is(const CString& str, const Secret& secret) {
         bool same = static_cast<size_t>(str.GetLength()) == secret.size();
@@ -47,142 +47,112 @@ struct Card {
         return same;
     }
     static int Unlock(void* pContext, CString strCode, CString strNewPin) {
-        Card& card = *static_cast<Card*>(pContext);
-        card.bRight = Is(strCode, card.code) && Is(strNewPin, card.pin);
-        return std::exchange(card.nResult, 0);
+        auto& round = *static_cast<Round*>(pContext);
+        round.bRight = Is(strCode, round.code) && Is(strNewPin, round.pin);
+        return std::exchange(round.nResult, 0);
     }
     static int Initialize(void* pContext, CString strNewPin, int, int, int, int, int, int) {
-        Card& card = *static_cast<Card*>(pContext);
-        card.bRight = Is(strNewPin, card.pin);
-        return std::exchange(card.nResult, 0);
+        auto& round = *static_cast<Round*>(pContext);
+        round.bRight = Is(strNewPin, round.pin);
+        return 0;
     }
     static int GetUnlockCode(void* pContext, CString& strCode) {
-        const Card& card = *static_cast<Card*>(pContext);
-        for (size_t i = 0; i < card.code.size(); ++i) {
-            strCode += card.code[i];
+        const auto& code = static_cast<Round*>(pContext)->code;
+        for (size_t i = 0; i < code.size(); ++i) {
+            strCode += code[i];
         }
         return 0;
     }
 };
 
+// Nothing is left of the secrets when `work` has opened and destroyed a dialog, however it ended.
+void ExpectNothingLeft(const std::function<void(Round&)>& work) {
+    for (const char* end : {"OK", "Cancel", "removal"}) {
+        Round round{end};
+        const SecretWatch watch({&round.pin, &round.code, &round.shown});
+        work(round);
+        watch.ExpectNothingLeft(end);
+    }
+}
+
+void Confirm(Dialog told) {
+    told.Click(IDOK);
+    told.WaitGone();
+}
+
 constexpr PwdRuleArgs kLongPins = {0, 0, 1, 1, 4, 64, 0};
 
 TEST(CardWiping, AfterUnlocking) {
-    for (const End end : kEnds) {
-        const Secret pin;
-        const Secret code = Secret::UnlockCode();
-        const SecretWatch watch({&pin, &code});
-        Card card{pin, code, 5};
-        {
-            CUnlockCardDlg dialog(nullptr, &kLongPins, &card, &Card::Unlock, nullptr, "Reader A");
-            const DialogDriver driver([&](Dialog& d) {
-                d.Type(IDC_UNLOCK_CARD_CODE_EDIT, code);
-                d.Type(IDC_UNLOCK_CARD_NEW_EDIT, pin);
-                d.Type(IDC_UNLOCK_CARD_CONFIRM_EDIT, pin);
-                // Refused first: both stay in the edits.
-                d.Click(IDOK);
-                Dialog failed = d.Next();
-                failed.Click(IDOK);
-                failed.WaitGone();
-                EXPECT_TRUE(card.bRight);
-                EndBy(d, end);
-                if (end == End::Ok) {
-                    Dialog success = d.Next();
-                    success.Click(IDOK);
-                    success.WaitGone();
-                }
-                d.WaitGone();
-            });
-            EXPECT_EQ(dialog.DoModal(), end == End::Ok ? IDOK : IDCANCEL);
-        }
-        watch.ExpectNothingLeft(kWhen[static_cast<int>(end)]);
-    }
+    ExpectNothingLeft([](Round& round) {
+        round.nResult = 5;
+        CUnlockCardDlg dialog(nullptr, &kLongPins, &round, &Round::Unlock, nullptr, "Reader A");
+        const DialogDriver driver([&](Dialog& d) {
+            d.Type(IDC_UNLOCK_CARD_CODE_EDIT, round.code);
+            d.Type(IDC_UNLOCK_CARD_NEW_EDIT, round.pin);
+            d.Type(IDC_UNLOCK_CARD_CONFIRM_EDIT, round.pin);
+            // Refused first: both stay in the edits.
+            d.Click(IDOK);
+            Confirm(d.Next());
+            EXPECT_TRUE(round.bRight);
+            round.End(d);
+            if (round.IsOk()) {
+                Confirm(d.Next());
+            }
+            d.WaitGone();
+        });
+        EXPECT_EQ(dialog.DoModal(), round.Result());
+    });
 }
 
 TEST(CardWiping, AfterTheFirstPinAndTheUnlockCode) {
-    for (const End end : kEnds) {
-        const Secret pin;
-        const Secret code = Secret::UnlockCode();
-        const Secret shown = code.Grouped();
-        const SecretWatch watch({&pin, &code, &shown});
-        Card card{pin, code};
+    ExpectNothingLeft([](Round& round) {
         PINPolicies policies{4, 64, 3, 0, 3, 0, 0, 0, 1};
-        {
-            CInitializePinDlg dialog(nullptr, &policies, &card, &Card::Initialize, nullptr,
-                                     &Card::GetUnlockCode, "Reader A");
-            const DialogDriver driver([&](Dialog& d) {
-                d.Type(IDC_INITIALIZE_PIN_NEW_EDIT, pin);
-                d.Type(IDC_INITIALIZE_PIN_CONFIRM_EDIT, pin);
-                EndBy(d, end);
-                if (end == End::Ok) {
-                    Dialog display = d.Next();
-                    EXPECT_EQ(display.Send(IDC_UNLOCK_CODE_CODE, WM_GETTEXTLENGTH),
-                              static_cast<LRESULT>(shown.size()));
-                    for (const MemoryHit& hit : ScanOwnMemory(pin)) {
-                        EXPECT_TRUE(hit.bWide) << "beside the edits, " << hit;
-                    }
-                    display.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
-                    display.Click(IDOK);
-                    display.WaitGone();
+        CInitializePinDlg dialog(nullptr, &policies, &round, &Round::Initialize, nullptr,
+                                 &Round::GetUnlockCode, "Reader A");
+        const DialogDriver driver([&](Dialog& d) {
+            d.Type(IDC_INITIALIZE_PIN_NEW_EDIT, round.pin);
+            d.Type(IDC_INITIALIZE_PIN_CONFIRM_EDIT, round.pin);
+            round.End(d);
+            if (round.IsOk()) {
+                Dialog display = d.Next();
+                EXPECT_EQ(display.Send(IDC_UNLOCK_CODE_CODE, WM_GETTEXTLENGTH),
+                          static_cast<LRESULT>(round.shown.size()));
+                for (const MemoryHit& hit : ScanOwnMemory(round.pin)) {
+                    EXPECT_TRUE(hit.bWide) << "beside the edits, " << hit;
                 }
-                d.WaitGone();
-            });
-            EXPECT_EQ(dialog.DoModal(), end == End::Ok ? IDOK : IDCANCEL);
-            EXPECT_EQ(card.bRight, end == End::Ok);
-        }
-        watch.ExpectNothingLeft(kWhen[static_cast<int>(end)]);
-    }
+                display.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
+                Confirm(display);
+            }
+            d.WaitGone();
+        });
+        EXPECT_EQ(dialog.DoModal(), round.Result());
+        EXPECT_EQ(round.bRight, round.IsOk());
+    });
 }
 
 TEST(CardWiping, AfterTheUnlockCodeWasShown) {
-    for (const End end : kEnds) {
-        const Secret code = Secret::UnlockCode();
-        const Secret shown = code.Grouped();
-        const SecretWatch watch({&code, &shown});
-        Card card{code, code};
-        const DialogDriver driver([&](Dialog& d) { EndBy(d, end); });
-        EXPECT_EQ(DisplayUnlockCode(nullptr, &card, &Card::GetUnlockCode, nullptr, "Reader A"), 0);
-        watch.ExpectNothingLeft(kWhen[static_cast<int>(end)]);
-    }
+    ExpectNothingLeft([](Round& round) {
+        const DialogDriver driver([&](Dialog& d) { round.End(d); });
+        EXPECT_EQ(DisplayUnlockCode(nullptr, &round, &Round::GetUnlockCode, nullptr, "Reader A"),
+                  0);
+    });
 }
 
 TEST(CardWiping, AfterAReset) {
     for (const bool byPin : {true, false}) {
-        for (const End end : kEnds) {
-            const Secret secret;
-            const SecretWatch watch({&secret});
-            {
-                CResetCardDialogMain dialog(0, nullptr, 0, 0, 0, "Reader A");
-                const DialogDriver driver([&](Dialog& d) {
-                    if (!byPin) {
-                        d.Click(IDC_RESET_CARD_CODE_ROUTE);
-                    }
-                    d.Type(byPin ? IDC_RESET_CARD_PIN_EDIT : IDC_RESET_CARD_RESPONSE_EDIT, secret);
-                    EndBy(d, end);
-                });
-                EXPECT_EQ(dialog.DoModal(), end == End::Ok ? IDOK : IDCANCEL);
-                EXPECT_EQ(Card::Is(dialog.GetPin(), secret), end == End::Ok);
-            }
-            watch.ExpectNothingLeft(kWhen[static_cast<int>(end)]);
-        }
+        ExpectNothingLeft([&](Round& round) {
+            CResetCardDialogMain dialog(0, nullptr, 0, 0, 0, "Reader A");
+            const DialogDriver driver([&](Dialog& d) {
+                if (!byPin) {
+                    d.Click(IDC_RESET_CARD_CODE_ROUTE);
+                }
+                d.Type(byPin ? IDC_RESET_CARD_PIN_EDIT : IDC_RESET_CARD_RESPONSE_EDIT, round.pin);
+                round.End(d);
+            });
+            EXPECT_EQ(dialog.DoModal(), round.Result());
+            EXPECT_EQ(Round::Is(dialog.GetPin(), round.pin), round.IsOk());
+        });
     }
-}
-
-// What the scan would say of a code that is left behind.
-TEST(CardWiping, FindsWhatIsLeft) {
-    const Secret code = Secret::UnlockCode();
-    const Secret shown = code.Grouped();
-    CDisplayUnlockCodeDlg* dialog = nullptr;
-    {
-        Card card{code, code};
-        CString text;
-        Card::GetUnlockCode(&card, text);
-        dialog = new CDisplayUnlockCodeDlg(nullptr, text, "Reader A", 0);
-    }
-    EXPECT_FALSE(ScanOwnMemory(code).empty());
-    EXPECT_TRUE(ScanOwnMemory(shown).empty());
-    delete dialog;
-    EXPECT_TRUE(ScanOwnMemory(code).empty());
 }
 
 }  // namespace

@@ -19,9 +19,10 @@ using Prepare = std::function<void(CResetCardDialog&)>;
 
 class Frame : public CResetCardDialogMain {
 public:
-    Frame() : CResetCardDialogMain(0, nullptr, 1, 2, 3, "Reader A") {}
+    explicit Frame(int nMode = 0)
+        : CResetCardDialogMain(nMode, nullptr, 1 - nMode, 1 - nMode, 1 - nMode, "Reader A") {}
     // What DoModal and GetPin return.
-    std::string Run(const Prepare& prepare, const Script& script) {
+    std::string Run(const Script& script, const Prepare& prepare = {}) {
         m_prepare = prepare;
         const INT_PTR result = Open(*this, {script});
         return std::to_string(result) + " " + GetPin().GetString();
@@ -30,7 +31,7 @@ public:
 protected:
     BOOL OnInitDialog() override {
         const BOOL result = CResetCardDialogMain::OnInitDialog();
-        m_prepare(*Panel());
+        m_prepare ? m_prepare(*Panel()) : void();
         return result;
     }
 
@@ -87,8 +88,8 @@ TEST_F(ResetCard, GoesBothRoutesWithAChallengeAndWithout) {
                 d.Run([&] { EXPECT_STREQ(frame.GetPin(), byPin ? "1" : "12-3 "); });
                 d.Enter();
             };
-            EXPECT_EQ(frame.Run([psz = challenge](auto& panel) { panel.SetChallenge(psz); }, enter),
-                      byPin ? "1 1" : "1 12-3 ");
+            const auto give = [psz = challenge](auto& panel) { panel.SetChallenge(psz); };
+            EXPECT_EQ(frame.Run(enter, give), byPin ? "1 1" : "1 12-3 ");
         }
     }
     EXPECT_EQ(std::ranges::count(m_log.Texts(16), "CResetCardDialog::~CResetCardDialog"), 9);
@@ -120,7 +121,7 @@ TEST_F(ResetCard, CheckWindowClearsWhatIsNotActive) {
         }
         d.Escape();
     };
-    EXPECT_EQ(frame.Run([](auto&) {}, checkAll), "2 ");
+    EXPECT_EQ(frame.Run(checkAll), "2 ");
 }
 
 TEST_F(ResetCard, HoldsTheUserOnTheRouteOfTheCodeUntilTheNextChallenge) {
@@ -142,20 +143,28 @@ TEST_F(ResetCard, HoldsTheUserOnTheRouteOfTheCodeUntilTheNextChallenge) {
         d.Type(kCode, "A");
         d.Click(IDOK);
     };
-    EXPECT_EQ(frame.Run(hold, enter), "1 A");
+    EXPECT_EQ(frame.Run(enter, hold), "1 A");
 }
 
 TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
-    for (const bool isWatched : {true, false}) {
-        Frame frame;
+    for (const int mode : {0, 1}) {
+        Frame frame(mode);
         const auto pull = [&](Dialog& d) {
             EXPECT_EQ(d.Title(), TextOf(IDS_CARD_PIN_TITLE));
-            d.Run([&] { EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_PIN, 16)); });
+            d.Run([&] {
+                EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_PIN, 16));
+                // The colours are those of the mode, whatever the other numbers.
+                const WindowDc dc(d.Handle());
+                SetBkMode(dc.get(), OPAQUE);
+                SendMessageA(*frame.Panel(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc.get()),
+                             reinterpret_cast<LPARAM>(d.Control(kPinRoute)));
+                EXPECT_EQ(GetBkMode(dc.get()), mode == 0 ? OPAQUE : TRANSPARENT);
+            });
             EXPECT_EQ(RectIn(d.Handle(), GetParent(d.Control(kPin))),
                       RectIn(d.Handle(), d.Control(IDC_RESET_CARD_PANEL_PLACE)));
             EXPECT_EQ(d.FocusedId(), kPin) << "also before there is a challenge";
             d.Type(kPin, "1234");
-            if (isWatched) {
+            if (mode == 0) {
                 VKRaiseEvent(VKEVENT_CARD_REMOVED, "reader a");
                 return;
             }
@@ -166,7 +175,7 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
             EXPECT_TRUE(d.IsOpen()) << "the message was on its way";
             d.Cancel();
         };
-        EXPECT_EQ(frame.Run([](auto&) {}, pull), "2 ");
+        EXPECT_EQ(frame.Run(pull), "2 ");
     }
     EXPECT_NE(
         LogShape().find("OnDestroy{CResetCardDialogMain::StopDetectingRemoveEvent{VKDelegate"),
@@ -175,16 +184,16 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
 
 // By all of the panel, which stands at the top without its place.
 void ExpectGrown(Dialog& d) {
-    const CRect panel = RectIn(d.Handle(), GetParent(d.Control(kPin)));
+    CRect panel = RectIn(d.Handle(), GetParent(d.Control(kPin)));
     EXPECT_EQ(panel.TopLeft(), CPoint(0, 0));
     RECT buttons = {139, 151, 193, 172};  // OK's left, both tops, Cancel's left, the height
-    CRect client;
-    GetClientRect(d.Handle(), &client);
     d.Run([&] { MapDialogRect(d.Handle(), &buttons); });
-    const int top = buttons.top + panel.Height();
-    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).TopLeft(), CPoint(buttons.left, top));
-    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDCANCEL)).TopLeft(), CPoint(buttons.right, top));
-    EXPECT_EQ(client.bottom, buttons.bottom + panel.Height());
+    OffsetRect(&buttons, 0, panel.Height());
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).TopLeft(), CPoint(buttons.left, buttons.top));
+    EXPECT_EQ(RectIn(d.Handle(), d.Control(IDCANCEL)).TopLeft(),
+              CPoint(buttons.right, buttons.top));
+    GetClientRect(d.Handle(), &panel);
+    EXPECT_EQ(panel.bottom, buttons.bottom);
 }
 
 TEST_F(ResetCard, StandsWithoutItsPanelAndThePanelWithoutItsWindow) {

@@ -1,10 +1,10 @@
 // Unlocking a card: the dialog from its callbacks to its result, and the small ones that tell of
 // it.
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -17,7 +17,9 @@
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
+#include "support/control_layout.h"
 #include "support/resource_counts.h"
+#include "ui/dialogs/enlarged_dialogs.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -90,15 +92,15 @@ void ExpectPlaces(const Dialog& d, int nUp) {
     const HWND plain = CreateDialogParamA(
         ResourceModule(), MAKEINTRESOURCEA(IDD_UNLOCK_CARD), nullptr,
         [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
-    const auto placeOf = [&](int nId) { return RectIn(plain, GetDlgItem(plain, nId)); };
     const CRect list = RectIn(d.Handle(), d.Control(IDC_POLICIES_BOX));
-    EXPECT_EQ(list.TopLeft(), RectIn(d.Handle(), d.Control(3040)).TopLeft());
-    EXPECT_EQ(list.Width(), placeOf(IDC_UNLOCK_CARD_PIN_BOX).Width());
+    const CRect box = RectIn(plain, GetDlgItem(plain, IDC_UNLOCK_CARD_PIN_BOX));
+    EXPECT_EQ(list, CRect(RectIn(d.Handle(), d.Control(3040)).TopLeft(),
+                          CSize(box.Width(), list.Height())));
     EXPECT_EQ(list, RectIn(d.Handle(), GetParent(d.Control(IDC_POLICIES_BOX))));
     for (HWND h = GetWindow(plain, GW_CHILD); h != nullptr; h = GetWindow(h, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(h);
         const bool upper = id == 3033 || id == 3035 || id == 3034 || id == 3026;
-        CRect rect = placeOf(id);
+        CRect rect = RectIn(plain, h);
         rect.OffsetRect(0, (upper || id == 3032 ? 0 : -nUp) + (id < 3 ? list.Height() : 0));
         EXPECT_EQ(RectIn(d.Handle(), d.Control(id)), rect) << id;
         EXPECT_EQ(d.IsVisible(id), id != 3040 && (nUp == 0 || !upper)) << id;
@@ -139,20 +141,52 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
     }
 }
 
+TEST_F(UnlockCard, NothingOverlapsOrIsCutAtAnyResolution) {
+    for (int percent = 100; percent <= 200; percent += 50) {
+        const EnlargedDialogs at(percent);
+        const auto look = [=](Dialog& d) {
+            ExpectAllInPlace(d, std::to_string(percent));
+            const auto controls = ShownControls(d.Handle());
+            EXPECT_GT(std::ranges::count(controls, true, &Control::IsTextStatic), 6)
+                << "with rules";
+            d.Escape();
+        };
+        for (const char* challenge : {static_cast<const char*>(nullptr), "0123456789ABCDEF"}) {
+            EXPECT_EQ(Card{.pszChallenge = challenge}.Ask(look), IDCANCEL);
+        }
+    }
+}
+
+TEST_F(UnlockCard, TellsWhetherItCouldBeMadeShorter) {
+    const auto refuse =
+        +[](HWND hWnd, HWND hAfter, int x, int y, int cx, int cy, UINT nFlags) WINAPI -> BOOL {
+        if (nFlags != (SWP_NOMOVE | SWP_NOZORDER)) {
+            return SetWindowPos(hWnd, hAfter, x, y, cx, cy, nFlags);
+        }
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        return FALSE;
+    };
+    const PatchedImports system("dlgfw.dll", {{"SetWindowPos", Address(refuse)}});
+    Card().Ask([](Dialog& d) { d.Escape(); });
+    EXPECT_TRUE(m_log.Contains(2, "SetWindowPos failed (GetLastError=1400)"));
+    EXPECT_FALSE(m_log.Contains(2, "SetWindowPos succeeded"));
+}
+
 TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
     const std::string full(511, '7');
+    const std::string terminated("12\0", 3);
     const std::tuple<DWORD, std::string, std::string> cases[] = {
         {REG_SZ, "", ""},
         {REG_SZ, "1", ""},
-        {REG_SZ, std::string("1\0", 2), ""},
-        {REG_SZ, std::string("12\0", 3), "12"},
+        {REG_SZ, terminated.substr(1), ""},
+        {REG_SZ, terminated, "12"},
+        {REG_EXPAND_SZ, terminated, "12"},
+        {REG_BINARY, "1234", ""},
         {REG_SZ, full, full},
         {REG_SZ, full + '\0', full},
         {REG_SZ, full + "7", full + "7"},
         {REG_SZ, std::string(600, '7'), ""},
-        {REG_SZ, "+33 %s 1", "+33 %s 1"},
-        {REG_EXPAND_SZ, std::string("12\0", 3), "12"},
-        {REG_BINARY, "1234", ""}};
+        {REG_SZ, "+33 %s 1", "+33 %s 1"}};
     for (const auto& [type, bytes, number] : cases) {
         m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
         const std::string text = number.empty()
@@ -174,9 +208,8 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
         EXPECT_EQ(d.IsEnabled(IDOK), bAllowed) << pszText;
         if (!bAllowed) {  // the command comes without the button, too
             SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-            const bool same = d.Text(kNew) == d.Text(kConfirm);
-            EXPECT_EQ(std::exchange(g_strBox, ""),
-                      same ? "" : "64Veskara!" + TextOf(IDS_UNLOCK_PINS_DIFFER));
+            const std::string differ = "64Veskara!" + TextOf(IDS_UNLOCK_PINS_DIFFER);
+            EXPECT_EQ(std::exchange(g_strBox, ""), d.Text(kNew) == d.Text(kConfirm) ? "" : differ);
         }
     };
     const auto edit = [&](Dialog& d) {
@@ -192,11 +225,7 @@ TEST_F(UnlockCard, OkFollowsEveryEdit) {
             expect(d, kConfirm, pin, false);
             expect(d, kNew, pin, false);
         }
-        Fill(d);
-        d.Run([&] {  // OK comes too late
-            SendMessageA(d.Handle(), WM_COMMAND, IDCANCEL, 0);
-            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-        });
+        d.Escape();
     };
     Card card;
     EXPECT_EQ(card.Ask(edit), IDCANCEL);
@@ -235,8 +264,8 @@ void RemoveAround(bool bInCallback, int nCode) {
         EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_WAIT));
         bInCallback ? RemoveCard("Reader A") : void();
         // Not heard while the callback runs.
-        PostMessageA(card.strAttempts == kAttempt ? GetActiveWindow() : nullptr, WM_COMMAND, IDOK,
-                     0);
+        const HWND first = card.strAttempts == kAttempt ? GetActiveWindow() : nullptr;
+        PostMessageA(first, WM_COMMAND, IDOK, 0);
         for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
             DispatchMessageA(&message);
         }
@@ -291,8 +320,8 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
         d.Escape();
     });
     // 0, the whole module: nothing tells of the success. -1: memory for the rules.
-    for (const int missing : {-1, IDOK, IDC_UNLOCK_CARD_POLICIES_PLACE, kHeading, 0}) {
-        const bool judged = missing != IDC_UNLOCK_CARD_POLICIES_PLACE && missing != -1;
+    for (const int missing : {-1, IDOK, 3040, kHeading, 0}) {
+        const bool judged = missing != 3040 && missing != -1;
         using Shortage = NoMemoryFor<VKPoliciesDlg>;
         const auto shortage = missing == -1 ? std::make_unique<Shortage>() : nullptr;
         const auto script = [&](Dialog& d) {
@@ -318,34 +347,30 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
     CUnlockInitToolDlg unlockTool(nullptr, "Reader A", 0);
     CUnlockInitToolDlg otherTool(nullptr, "Reader A", 1);
     // What it says are the strings of a first PIN, or of the tool for it, or they are not.
-    const struct {
-        CDialog& dialog;
-        bool bStrings;
-        UINT nIcon;
-    } cases[] = {{failed, false, IDI_CARD_UNLOCK},
-                 {initialize, true, IDI_CARD_INITIALIZE},
-                 {success, false, IDI_CARD_UNLOCK},
-                 {unlockTool, true, IDI_CARD_PIN},
-                 {otherTool, false, IDI_CARD_PIN}};
-    for (const auto& c : cases) {
-        const DialogDriver driver([&](Dialog& d) {
+    const std::tuple<CDialog*, bool, UINT> cases[] = {{&failed, false, IDI_CARD_UNLOCK},
+                                                      {&initialize, true, IDI_CARD_INITIALIZE},
+                                                      {&success, false, IDI_CARD_UNLOCK},
+                                                      {&unlockTool, true, IDI_CARD_PIN},
+                                                      {&otherTool, false, IDI_CARD_PIN}};
+    for (const auto& [dialog, strings, icon] : cases) {
+        const auto look = [isFirst = strings, picture = icon](Dialog& d) {
             d.Run([&] {
-                const bool tool = c.nIcon == IDI_CARD_PIN;
-                EXPECT_TRUE(tool || (d.Title() == TextOf(3036)) == c.bStrings);
-                EXPECT_EQ(d.Text(kHeading) == TextOf(tool ? 3035 : 3037), c.bStrings);
-                EXPECT_EQ(SmallIconOf(d.Handle()), tool ? nullptr : LoadResourceIcon(c.nIcon, 16));
-                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)), LoadResourceIcon(c.nIcon, 32));
+                const bool tool = picture == IDI_CARD_PIN;
+                EXPECT_TRUE(tool || (d.Title() == TextOf(3036)) == isFirst);
+                EXPECT_EQ(d.Text(kHeading) == TextOf(tool ? 3035 : 3037), isFirst);
+                EXPECT_EQ(SmallIconOf(d.Handle()), tool ? nullptr : LoadResourceIcon(picture, 16));
+                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)), LoadResourceIcon(picture, 32));
                 EXPECT_NE(IsBold(d.Control(kHeading)), tool);
                 EXPECT_TRUE(IsTopMost(d.Handle()));
             });
             d.Enter();
-        });
-        EXPECT_EQ(c.dialog.DoModal(), IDOK);
+        };
+        EXPECT_EQ(Open(*dialog, {look}), IDOK);
     }
     EXPECT_EQ(Open(otherTool, {[](Dialog&) { RemoveCard("Reader A"); }}), IDCANCEL);
     FreeResourceModule();
     for (const auto& c : cases) {
-        EXPECT_EQ(c.dialog.DoModal(), -1);
+        EXPECT_EQ(std::get<0>(c)->DoModal(), -1);
     }
     EXPECT_EQ(Card().Ask(), -1);
 }

@@ -186,5 +186,18 @@ TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
     }));
 }
 
+TEST_F(LockedNotice, HasAHeightOfItsOwnWhereNothingCanBeMeasured) {
+    const auto noDevice = +[](HWND) WINAPI -> HDC { return nullptr; };
+    const PatchedImports system(nullptr, {{"GetDC", Address(noDevice)}});
+    CCMLockedDlg dialog(nullptr, nullptr);
+    const auto look = [](Dialog& d) {
+        const CRect text = RectIn(d.Handle(), d.Control(IDC_CARD_MANAGER_LOCKED_TEXT));
+        EXPECT_EQ(text.Height(), 64);
+        EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).top, text.bottom);
+        d.Enter();
+    };
+    EXPECT_EQ(Open(dialog, {look}), IDOK);
+}
+
 }  // namespace
 }  // namespace mvp::test

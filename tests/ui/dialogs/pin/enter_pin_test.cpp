@@ -1,6 +1,5 @@
 // GetPINFromUser from the call to its result, the dialog in between, and the window it stands over.
 #include <windows.h>
-#include <commctrl.h>
 
 #include <algorithm>
 #include <functional>
@@ -109,28 +108,12 @@ TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
     }
 }
 
-// The system whose edits do not warn of Caps Lock.
-BOOL WINAPI TellOldSystem(OSVERSIONINFOA* pVersion) {
-    pVersion->dwPlatformId = VER_PLATFORM_WIN32_NT;
-    pVersion->dwMajorVersion = 5;
-    pVersion->dwMinorVersion = 0;
-    return TRUE;
-}
-
 TEST_F(EnterPin, WhatMovesTakesItsWarningDown) {
     const PatchedImports oldSystem(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
     const std::string classes[] = {"CEnterPinDlg", "CChangePINDialogMain", "CChangePINDialog"};
     for (const std::string& moved : classes) {
         const auto move = [&](Dialog& d) {
-            d.Run([&] {
-                SetCapsLock(true);
-                d.Send(d.FocusedId(), WM_KEYUP, VK_CAPITAL);
-            });
-            HWND balloon = nullptr;
-            d.WaitUntil("the warning shows", [&] {
-                balloon = FindWindowA(TOOLTIPS_CLASSA, nullptr);
-                return balloon != nullptr && IsWindowVisible(balloon) != FALSE;
-            });
+            const HWND balloon = WarnOfCapsLock(d);
             m_log.Clear();
             const bool panel = moved == "CChangePINDialog";
             SetWindowPos(panel ? GetParent(d.Control(kCurrent)) : d.Handle(), nullptr, 3, 3, 0, 0,
