@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "platform/barrier.h"
+#include "platform/bitmap_file.h"
 #include "platform/critical_section.h"
 #include "platform/handle.h"
 #include "services/log.h"
@@ -142,6 +145,26 @@ HICON LoadResourceIcon(UINT nId, int nSize) noexcept {
     }
     return Guarded<HICON>(
         nullptr, [=] { return ShareIcon(nId, nSize); }, LogException("LoadResourceIcon"));
+}
+
+Bitmap LoadResourceBitmap(UINT nId) noexcept {
+    const HINSTANCE module = g_resourceModule.get();
+    if (module == nullptr) {
+        return {};
+    }
+    HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(nId), RT_BITMAP);
+    HGLOBAL loaded = resource != nullptr ? LoadResource(module, resource) : nullptr;
+    const void* bytes = loaded != nullptr ? LockResource(loaded) : nullptr;
+    std::optional<BitmapImage> image;
+    if (bytes != nullptr) {
+        image = ReadBitmapResource(
+            {static_cast<const std::uint8_t*>(bytes), SizeofResource(module, resource)});
+    }
+    if (!image) {
+        vklogLog(g_szLogTag, kLogError, "Bitmap %u is missing from the resource module", nId);
+        return {};
+    }
+    return MakeBitmap(*image);
 }
 
 }  // namespace mvp

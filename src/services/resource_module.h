@@ -15,6 +15,8 @@
 
 #include <dlgfw/string.h>
 
+#include "platform/handle.h"
+
 namespace mvp {
 
 // Null while no module is loaded.
@@ -42,5 +44,9 @@ HINSTANCE ModuleOfDialog(UINT nId) noexcept;
 // same one each time, never to be destroyed. Null when missing. `nSize` is its width and height in
 // pixels. May be called from any thread.
 HICON LoadResourceIcon(UINT nId, int nSize) noexcept;
+
+// A copy of a bitmap of the module, checked before the system is given it, 32 bits a pixel. Empty
+// when it is missing or not what its headers say.
+Bitmap LoadResourceBitmap(UINT nId) noexcept;
 
 }  // namespace mvp

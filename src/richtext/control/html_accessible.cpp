@@ -4,60 +4,9 @@
 #include <new>
 
 #include "platform/barrier.h"
-#include "platform/system_library.h"
 #include "services/log.h"
 
 namespace mvp::richtext {
-namespace {
-
-// Loaded when somebody asks for the first time: without a screen reader nobody does. Given up to
-// the process, which may hold objects of theirs until its end.
-struct Functions {
-    decltype(&LresultFromObject) pfnLresultFromObject = nullptr;
-    decltype(&AccessibleObjectFromWindow) pfnObjectFromWindow = nullptr;
-    decltype(&SysAllocStringLen) pfnAllocString = nullptr;
-};
-
-const Functions& System() noexcept {
-    static const Functions functions = [] {
-        const HMODULE access = LoadSystemLibrary("oleacc.dll").release();
-        const HMODULE automation = LoadSystemLibrary("oleaut32.dll").release();
-        return Functions{
-            FindFunction<decltype(&LresultFromObject)>(access, "LresultFromObject"),
-            FindFunction<decltype(&AccessibleObjectFromWindow)>(access,
-                                                                "AccessibleObjectFromWindow"),
-            FindFunction<decltype(&SysAllocStringLen)>(automation, "SysAllocStringLen")};
-    }();
-    return functions;
-}
-
-HRESULT MakeString(const std::string& strText, BSTR* pstrResult) {
-    *pstrResult = nullptr;
-    if (strText.empty()) {
-        return S_FALSE;
-    }
-    const auto bytes = static_cast<int>(std::min<std::size_t>(strText.size(), 1 << 20));
-    std::wstring wide(static_cast<std::size_t>(bytes), L'\0');
-    const int length = MultiByteToWideChar(CP_ACP, 0, strText.data(), bytes, wide.data(), bytes);
-    if (System().pfnAllocString == nullptr || length <= 0) {
-        return E_FAIL;
-    }
-    *pstrResult = System().pfnAllocString(wide.data(), static_cast<UINT>(length));
-    return *pstrResult != nullptr ? S_OK : E_OUTOFMEMORY;
-}
-
-void SetNumber(VARIANT& variant, long nValue) noexcept {
-    variant.vt = VT_I4;
-    variant.lVal = nValue;
-}
-
-}  // namespace
-
-LRESULT AnswerGetObject(WPARAM wParam, IAccessible* pAccessible) noexcept {
-    return System().pfnLresultFromObject != nullptr
-               ? System().pfnLresultFromObject(__uuidof(IAccessible), wParam, pAccessible)
-               : 0;
-}
 
 HtmlAccessible* HtmlAccessible::Create(HWND hWnd, CHtmlDrawer& drawer,
                                        UINT nFollowMessage) noexcept {
@@ -84,51 +33,6 @@ bool HtmlAccessible::IsFocusable() const noexcept {
     return (GetWindowLongPtrA(m_hWnd, GWL_STYLE) & WS_TABSTOP) != 0;
 }
 
-STDMETHODIMP HtmlAccessible::QueryInterface(REFIID riid, void** ppObject) {
-    if (ppObject == nullptr) {
-        return E_POINTER;
-    }
-    *ppObject = nullptr;
-    if (riid != __uuidof(IUnknown) && riid != __uuidof(IDispatch) &&
-        riid != __uuidof(IAccessible)) {
-        return E_NOINTERFACE;
-    }
-    *ppObject = static_cast<IAccessible*>(this);
-    AddRef();
-    return S_OK;
-}
-
-STDMETHODIMP_(ULONG) HtmlAccessible::AddRef() {
-    return static_cast<ULONG>(InterlockedIncrement(&m_nReferences));
-}
-
-STDMETHODIMP_(ULONG) HtmlAccessible::Release() {
-    const LONG left = InterlockedDecrement(&m_nReferences);
-    if (left == 0) {
-        delete this;
-    }
-    return static_cast<ULONG>(left);
-}
-
-// Scripts are not served: readers use the interface itself.
-STDMETHODIMP HtmlAccessible::GetTypeInfoCount(UINT* pnCount) {
-    if (pnCount == nullptr) {
-        return E_POINTER;
-    }
-    *pnCount = 0;
-    return S_OK;
-}
-STDMETHODIMP HtmlAccessible::GetTypeInfo(UINT, LCID, ITypeInfo**) {
-    return E_NOTIMPL;
-}
-STDMETHODIMP HtmlAccessible::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
-    return E_NOTIMPL;
-}
-STDMETHODIMP HtmlAccessible::Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                    UINT*) {
-    return E_NOTIMPL;
-}
-
 STDMETHODIMP HtmlAccessible::get_accParent(IDispatch** ppParent) {
     if (ppParent == nullptr) {
         return E_POINTER;
@@ -137,11 +41,7 @@ STDMETHODIMP HtmlAccessible::get_accParent(IDispatch** ppParent) {
     if (m_pDrawer == nullptr) {
         return CO_E_OBJNOTCONNECTED;
     }
-    if (System().pfnObjectFromWindow == nullptr) {
-        return S_FALSE;
-    }
-    return System().pfnObjectFromWindow(m_hWnd, static_cast<DWORD>(OBJID_WINDOW),
-                                        __uuidof(IDispatch), reinterpret_cast<void**>(ppParent));
+    return ObjectOfWindow(m_hWnd, ppParent);
 }
 
 STDMETHODIMP HtmlAccessible::get_accChildCount(long* pnCount) {
@@ -176,11 +76,12 @@ STDMETHODIMP HtmlAccessible::get_accName(VARIANT child, BSTR* pstrName) {
                 return hr;
             }
             if (link == kNoLink) {
-                return MakeString(m_pDrawer->PlainText(), pstrName);
+                return MakeAccessibleString(m_pDrawer->PlainText(), pstrName);
             }
             // A link that is only an image says at least where it leads.
             const std::string text = m_pDrawer->LinkText(link);
-            return MakeString(text.empty() ? m_pDrawer->LinkTarget(link) : text, pstrName);
+            return MakeAccessibleString(text.empty() ? m_pDrawer->LinkTarget(link) : text,
+                                        pstrName);
         },
         LogException("HtmlAccessible::get_accName"));
 }
@@ -195,7 +96,7 @@ STDMETHODIMP HtmlAccessible::get_accValue(VARIANT child, BSTR* pstrValue) {
         [&]() -> HRESULT {
             int link = kNoLink;
             const HRESULT hr = FindLink(child, link);
-            return hr == S_OK ? MakeString(m_pDrawer->LinkTarget(link), pstrValue) : hr;
+            return hr == S_OK ? MakeAccessibleString(m_pDrawer->LinkTarget(link), pstrValue) : hr;
         },
         LogException("HtmlAccessible::get_accValue"));
 }
@@ -296,7 +197,7 @@ STDMETHODIMP HtmlAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrActio
         [&]() -> HRESULT {
             int link = kNoLink;
             const HRESULT hr = FindLink(child, link);
-            return hr == S_OK ? MakeString("Jump", pstrAction) : hr;
+            return hr == S_OK ? MakeAccessibleString("Jump", pstrAction) : hr;
         },
         LogException("HtmlAccessible::get_accDefaultAction"));
 }

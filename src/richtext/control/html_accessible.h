@@ -6,36 +6,18 @@
 // CO_E_OBJNOTCONNECTED.
 #pragma once
 
-#include <windows.h>
-#include <oleacc.h>
-
-#include <string>
-
 #include "richtext/control/html_drawer.h"
+#include "services/accessible_object.h"
 
 namespace mvp::richtext {
 
-class HtmlAccessible final : public IAccessible {
+class HtmlAccessible final : public AccessibleObject {
 public:
     // An action on a link is posted to the window as `nFollowMessage` with the link's number as
     // wParam. The caller holds the first reference. Null when there is no memory.
     static HtmlAccessible* Create(HWND hWnd, CHtmlDrawer& drawer, UINT nFollowMessage) noexcept;
-    HtmlAccessible(const HtmlAccessible&) = delete;
-    HtmlAccessible& operator=(const HtmlAccessible&) = delete;
 
     void Disconnect() noexcept { m_pDrawer = nullptr; }
-
-    STDMETHOD(QueryInterface)(REFIID riid, void** ppObject) override;
-    STDMETHOD_(ULONG, AddRef)() override;
-    STDMETHOD_(ULONG, Release)() override;
-
-    STDMETHOD(GetTypeInfoCount)(UINT* pnCount) override;
-    STDMETHOD(GetTypeInfo)(UINT nInfo, LCID lcid, ITypeInfo** ppInfo) override;
-    STDMETHOD(GetIDsOfNames)
-    (REFIID riid, LPOLESTR* ppNames, UINT nNames, LCID lcid, DISPID* pIds) override;
-    STDMETHOD(Invoke)
-    (DISPID id, REFIID riid, LCID lcid, WORD wFlags, DISPPARAMS* pParams, VARIANT* pResult,
-     EXCEPINFO* pException, UINT* pnArgument) override;
 
     STDMETHOD(get_accParent)(IDispatch** ppParent) override;
     STDMETHOD(get_accChildCount)(long* pnCount) override;
@@ -63,7 +45,7 @@ public:
 private:
     HtmlAccessible(HWND hWnd, CHtmlDrawer& drawer, UINT nFollowMessage) noexcept
         : m_hWnd(hWnd), m_pDrawer(&drawer), m_nFollowMessage(nFollowMessage) {}
-    ~HtmlAccessible() = default;
+    ~HtmlAccessible() override = default;
 
     // S_OK with the link's number, or kNoLink for the text itself.
     HRESULT Find(const VARIANT& child, int& nLink) const noexcept;
@@ -74,10 +56,6 @@ private:
     HWND m_hWnd;
     CHtmlDrawer* m_pDrawer;
     UINT m_nFollowMessage;
-    LONG m_nReferences = 1;
 };
-
-// The answer to WM_GETOBJECT; 0 when the system cannot give one.
-LRESULT AnswerGetObject(WPARAM wParam, IAccessible* pAccessible) noexcept;
 
 }  // namespace mvp::richtext

@@ -447,5 +447,5 @@ LRESULT CHtmlStatic::OnGetObject(WPARAM wParam, LPARAM lParam) {
     if (!m_pAccessible) {
         m_pAccessible.reset(HtmlAccessible::Create(m_hWnd, m_drawer, kFollowMessage));
     }
-    return m_pAccessible ? mvp::richtext::AnswerGetObject(wParam, m_pAccessible.get()) : Default();
+    return m_pAccessible ? mvp::AnswerGetObject(wParam, m_pAccessible.get()) : Default();
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <vector>
 
+#include "platform/bitmap_pixels.h"
 #include "richtext/paint/background_effects.h"
 #include "richtext/paint/border_painter.h"
 
@@ -74,11 +75,6 @@ void DrawPixels(HDC hDC, const Decoration& decoration, const RECT& block, const 
     constexpr LONG kRows = 64;
     const std::size_t stride = static_cast<std::size_t>(width) * 4;
     std::vector<std::uint8_t> pixels(stride * kRows);
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
     for (LONG y = area.top; y < area.bottom; y += kRows) {
         const LONG rows = std::min(kRows, area.bottom - y);
         PaintEffect(effect,
@@ -86,7 +82,7 @@ void DrawPixels(HDC hDC, const Decoration& decoration, const RECT& block, const 
                      static_cast<std::int32_t>(y - block.top), static_cast<std::int32_t>(width),
                      static_cast<std::int32_t>(rows)},
                     pixels.data(), stride);
-        info.bmiHeader.biHeight = -rows;
+        const BITMAPINFO info = TopDownPixels(width, rows, 32);
         SetDIBitsToDevice(hDC, area.left, y, static_cast<DWORD>(width), static_cast<DWORD>(rows), 0,
                           0, 0, static_cast<UINT>(rows), pixels.data(), &info, DIB_RGB_COLORS);
     }

@@ -2,22 +2,14 @@
 
 #include <algorithm>
 
+#include "platform/bitmap_pixels.h"
+
 namespace mvp::richtext {
 namespace {
 
+constexpr WORD kBits = 32;
 constexpr std::uint32_t kAlpha = 0xFF000000;
 constexpr std::uint32_t kColours = 0x00FFFFFF;
-
-BITMAPINFO InfoOf(std::int32_t nWidth, std::int32_t nHeight) {
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = nWidth;
-    info.bmiHeader.biHeight = -nHeight;  // from the top
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    return info;
-}
 
 std::uint32_t Channel(std::uint32_t nPixel, unsigned nShift) {
     return nPixel >> nShift & 0xFF;
@@ -68,7 +60,7 @@ Picture::Picture(std::int32_t nWidth, std::int32_t nHeight) {
     if (!IsPictureSize(nWidth, nHeight)) {
         return;
     }
-    const BITMAPINFO info = InfoOf(nWidth, nHeight);
+    const BITMAPINFO info = TopDownPixels(nWidth, nHeight, kBits);
     void* pixels = nullptr;
     m_bitmap.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
     if (m_bitmap) {
@@ -84,13 +76,9 @@ Picture Picture::FromBitmap(HBITMAP hBitmap, Colour mask) {
         return {};
     }
     Picture picture(source.bmWidth, source.bmHeight);
-    const MemoryDc dc(CreateCompatibleDC(nullptr));
-    if (!picture || !dc) {
-        return {};
-    }
-    BITMAPINFO info = InfoOf(picture.m_nWidth, picture.m_nHeight);
-    if (GetDIBits(dc.get(), hBitmap, 0, static_cast<UINT>(picture.m_nHeight), picture.m_pPixels,
-                  &info, DIB_RGB_COLORS) != picture.m_nHeight) {
+    if (!picture ||
+        !ReadBitmapPixels(hBitmap, TopDownPixels(picture.m_nWidth, picture.m_nHeight, kBits),
+                          picture.m_pPixels)) {
         return {};
     }
     const auto pixels = picture.Pixels();
