@@ -29,6 +29,8 @@
 #define IDD_UNLOCK_CODE_PANEL 3077  // child panel: the unlock code, and whether to show it again
 #define IDD_RESET_CARD_PANEL 3079   // child panel: the PIN or the unlock code
 #define IDD_RESET_CARD_MAIN 3081    // frame of that panel, with OK and Cancel
+#define IDD_CARD_EXPIRY 3082
+#define IDD_ABOUT 3104
 
 // --- Controls of IDD_CHANGE_PIN_PANEL --------------------------------------------------------
 
@@ -126,6 +128,29 @@
 #define IDC_RESET_CARD_CHALLENGE_NOTE 3059
 #define IDC_RESET_CARD_RESPONSE_NOTE 3060
 
+// --- Controls of IDD_CARD_EXPIRY -------------------------------------------------------------
+
+#define IDC_CARD_EXPIRY_HEADING 3022  // what is added at run time takes its font
+#define IDC_CARD_EXPIRY_DAYS 3049
+#define IDC_CARD_EXPIRY_SPIN 3064
+#define IDC_CARD_EXPIRY_REMIND 3065  // enables the days
+#define IDC_CARD_EXPIRY_LIST 3066
+#define IDC_CARD_EXPIRY_LIST_LABEL 3067
+#define IDC_CARD_EXPIRY_SEPARATOR 3068  // above the buttons
+#define IDC_CARD_EXPIRY_DAYS_LABEL 3069
+#define IDC_CARD_EXPIRY_NEVER_AGAIN 3071
+#define IDC_CARD_EXPIRY_SENTENCE 3073  // the configuration may give another
+
+// --- Controls of IDD_ABOUT -------------------------------------------------------------------
+
+#define IDC_ABOUT_CAPTION 1000  // what the host says
+#define IDC_ABOUT_CREDITS_NOTE 1001
+#define IDC_ABOUT_NAME 1005
+#define IDC_ABOUT_VERSION 1006
+#define IDC_ABOUT_NOTICE 1007
+#define IDC_ABOUT_CREDITS 1008
+#define IDC_ABOUT_MARK 1009
+
 // --- Strings ---------------------------------------------------------------------------------
 
 // The lines of the rule panel. The two formats take one integer.
@@ -184,6 +209,27 @@
 
 #define IDS_LAST_PIN_TRY 3073
 
+// The expiry notice: its line about the card, which takes the date in the format, and its list.
+#define IDS_CARD_EXPIRY_EXPIRED 3093
+#define IDS_CARD_EXPIRY_NAME_COLUMN 3094
+#define IDS_CARD_EXPIRY_DATE_COLUMN 3095
+#define IDS_CARD_EXPIRY_DATE_EXPIRED 3096  // stands behind the date of what has expired
+#define IDS_CARD_EXPIRY_EXPIRES_FORMAT 3116
+#define IDS_CARD_EXPIRY_CLOSE 3117  // the one button of a notice of what has expired
+
+// The popup. The machine's configuration may give other messages; the links and the title stay.
+#define IDS_POPUP_NO_READER 3038
+#define IDS_POPUP_CARD_ALERT 3039
+#define IDS_POPUP_CLOSE_LINK 3102
+#define IDS_POPUP_HELP_LINK 3115
+#define IDS_POPUP_TITLE 3127  // who speaks; an assistive program reads it before the message
+
+// The about box. The format takes the version.
+#define IDS_ABOUT_VERSION_FORMAT 3104
+#define IDS_ABOUT_CREDITS_NOTE 3106
+#define IDS_ABOUT_TITLE 3107
+#define IDS_ABOUT_NOTICE 3109
+
 // --- Icons -----------------------------------------------------------------------------------
 
 #define IDI_CARD_PIN 3012  // small window icon of the change-PIN and reset-card frames
@@ -191,8 +237,17 @@
 #define IDI_RULE_VIOLATED 3014
 #define IDI_RULE_SATISFIED 3016
 #define IDI_CARD_UNLOCK 3018
+#define IDI_CERTIFICATE_VALID 3083
+#define IDI_CERTIFICATE_EXPIRED 3084
+#define IDI_ABOUT 3104  // the product's mark
+#define IDI_POPUP_OTP 3128
+#define IDI_POPUP_CARD_ALERT 3129
+#define IDI_POPUP_NO_READER 3130
 
 // --- Bitmaps ---------------------------------------------------------------------------------
 
+#define IDB_POPUP_SKIN 3102
+#define IDB_POPUP_LINK_BULLET 3125  // laid onto the skin, beside the link that closes
+#define IDB_POPUP_HELP_BULLET 3126  // likewise, beside the link to the help
 #define IDB_ENTER_PIN_BANNER 3201
 #define IDB_ENTER_PIN_PROGRESS 3202
