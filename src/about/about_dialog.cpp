@@ -1,0 +1,129 @@
+#include "mvpingui/about_dialog.h"
+
+#include <windows.h>
+#include <shellapi.h>
+
+#include <algorithm>
+
+#include <dlgfw/dc.h>
+#include <dlgfw/message_map.h>
+
+#include "about/installer_library.h"
+#include "about/product_information.h"
+#include "dialogs/base/control_place.h"
+#include "dialogs/base/dialog_looks.h"
+#include "dialogs/base/resource_dialog.h"
+#include "platform/system_library.h"
+#include "resources/resource_numbers.h"
+#include "services/format_text.h"
+#include "services/registry_readers.h"
+
+BEGIN_MESSAGE_MAP(CAboutDlg, CDialog)
+    ON_WM_CTLCOLOR()
+    ON_BN_CLICKED(IDC_ABOUT_CREDITS, &CAboutDlg::OnBnClickedCredits)
+END_MESSAGE_MAP()
+
+namespace {
+
+constexpr char kProductKey[] = R"(SOFTWARE\Quillon\Veskara)";
+constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
+constexpr char kDefaultProductCode[] = "{5B21C0D4-7A93-4E6F-B812-3C9D0E4F6A17}";
+// Of the version's line, without the terminator.
+constexpr int kLongestVersionLine = 255;
+// What the shell returns at most when it has not opened a document.
+constexpr INT_PTR kLastShellError = 32;
+
+mvp::ProductInformation InstalledProduct() {
+    const mvp::InstallerLibrary installer;
+    if (!installer) {
+        vklogLog(g_szLogTag, kLogError, "LoadLibrary msi.dll failed!");
+        return {};
+    }
+    CString code;
+    if (readStringFromRegistry_sz(kProductKey, "ProductCode", &code) != 0) {
+        code = kDefaultProductCode;
+        vklogLog(g_szLogTag, kLogError, "Using default product code!");
+    }
+    return mvp::ReadProductInformation(installer.Functions(), code);
+}
+
+// The shell's answer: more than kLastShellError when it has opened the document.
+INT_PTR OpenDocument(const char* pszPath) {
+    // Loaded when credits are first asked for. Given up to the process, as the shell may go on
+    // working after the call.
+    static const HMODULE shell = mvp::LoadSystemLibrary("shell32.dll").release();
+    const auto execute = mvp::FindFunction<decltype(&ShellExecuteA)>(shell, "ShellExecuteA");
+    if (execute == nullptr) {
+        return 0;
+    }
+    return reinterpret_cast<INT_PTR>(
+        execute(nullptr, nullptr, pszPath, nullptr, nullptr, SW_SHOWNORMAL));
+}
+
+}  // namespace
+
+CAboutDlg::CAboutDlg(int nColorMode, CWnd* pParent, const char* pszCaption)
+    : CDialog(IDD_ABOUT, pParent), m_strCaption(pszCaption), m_nColorMode(nColorMode) {
+    m_brBackground.CreateSolidBrush(GetSysColor(COLOR_WINDOW));
+}
+
+INT_PTR CAboutDlg::DoModal() {
+    return mvp::RunFromResourceModule(IDD_ABOUT, "CAboutDlg::DoModal",
+                                      [this](HINSTANCE hModule) { return RunModalFrom(hModule); });
+}
+
+BOOL CAboutDlg::OnInitDialog() {
+    const mvp::LogScope scope("CAboutDlg::OnInitDialog");
+    const BOOL result = CDialog::OnInitDialog();
+    SetWindowText(mvp::ResourceString(IDS_ABOUT_TITLE));
+    // The box opens whatever becomes of this.
+    const mvp::ProductInformation product = mvp::Guarded(
+        mvp::ProductInformation(), [] { return InstalledProduct(); },
+        mvp::LogException("CAboutDlg::OnInitDialog"));
+    SetDlgItemText(IDC_ABOUT_NAME, product.strName.c_str());
+    SetDlgItemText(IDC_ABOUT_VERSION,
+                   mvp::FormatResourceText(IDS_ABOUT_VERSION_FORMAT, product.strVersion.c_str())
+                       .Left(kLongestVersionLine));
+    SetDlgItemText(IDC_ABOUT_NOTICE, mvp::ResourceString(IDS_ABOUT_NOTICE));
+    SetDlgItemText(IDC_ABOUT_CREDITS_NOTE, mvp::ResourceString(IDS_ABOUT_CREDITS_NOTE));
+    SetDlgItemText(IDC_ABOUT_CAPTION, m_strCaption);
+    m_boldFont.Attach(mvp::MakeHeadingBold(*this, IDC_ABOUT_NAME).release());
+    ShowMark();
+    RedrawWindow();
+    return result;
+}
+
+// As large as its place, which grows with the resolution.
+void CAboutDlg::ShowMark() {
+    const CRect place = mvp::PlaceOf(*this, IDC_ABOUT_MARK);
+    if (HICON icon = mvp::LoadResourceIcon(IDI_ABOUT, std::min(place.Width(), place.Height()))) {
+        SendDlgItemMessage(IDC_ABOUT_MARK, STM_SETICON, reinterpret_cast<WPARAM>(icon));
+    }
+}
+
+HBRUSH CAboutDlg::OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor) {
+    if (m_nColorMode == 0) {
+        return mvp::Guarded(
+            HBRUSH{nullptr}, [=, this] { return CDialog::OnCtlColor(pDC, pWnd, nCtlColor); },
+            mvp::LogException("CAboutDlg::OnCtlColor"));
+    }
+    // The texts keep the opaque background they have: it is the dialog's own colour.
+    pDC->SetBkColor(GetSysColor(COLOR_WINDOW));
+    pDC->SetTextColor(GetSysColor(COLOR_WINDOWTEXT));
+    return m_brBackground;
+}
+
+void CAboutDlg::OnBnClickedCredits() {
+    const mvp::LogScope scope("CAboutDlg::OnBnClickedCredits");
+    CString path;
+    readStringFromRegistry_sz(kConfigKey, "ThirdPartyLicenseFile", &path);
+    if (path.IsEmpty()) {
+        vklogLog(g_szLogTag, kLogError, "readStringFromRegistry_sz S_REG_KEY_LICENCE_FILE failed");
+        return;
+    }
+    const INT_PTR opened = OpenDocument(path);
+    if (opened <= kLastShellError) {
+        vklogLog(g_szLogTag, kLogError, "ShellExecute %s failed (%d)", path.GetString(),
+                 static_cast<int>(opened));
+    }
+}
