@@ -1,0 +1,267 @@
+// What the expiry notice shows, and where.
+#include <array>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "ui/dialogs/enlarged_dialogs.h"
+#include "ui/notify/card_expiry_fixture.h"
+
+namespace mvp::test {
+namespace {
+
+constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
+constexpr int kControls[] = {IDC_CARD_EXPIRY_HEADING,
+                             IDC_CARD_EXPIRY_SENTENCE,
+                             IDC_CARD_EXPIRY_LIST_LABEL,
+                             IDC_CARD_EXPIRY_LIST,
+                             IDC_CARD_EXPIRY_REMIND,
+                             IDC_CARD_EXPIRY_DAYS,
+                             IDC_CARD_EXPIRY_SPIN,
+                             IDC_CARD_EXPIRY_DAYS_LABEL,
+                             IDC_CARD_EXPIRY_NEVER_AGAIN,
+                             IDC_CARD_EXPIRY_SEPARATOR,
+                             IDOK,
+                             IDCANCEL};
+const std::set<int> kListPart = {IDC_CARD_EXPIRY_LIST_LABEL, IDC_CARD_EXPIRY_LIST};
+const std::set<int> kReminderPart = {IDC_CARD_EXPIRY_REMIND,      IDC_CARD_EXPIRY_DAYS,
+                                     IDC_CARD_EXPIRY_SPIN,        IDC_CARD_EXPIRY_DAYS_LABEL,
+                                     IDC_CARD_EXPIRY_NEVER_AGAIN, IDOK};
+
+using CardExpiryForm = LibraryTest;
+
+constexpr __time64_t kSoon = kNow + kDay;
+constexpr __time64_t kPast = kNow - kDay;
+
+// The line about the card: the static without a number.
+HWND CardLineOf(HWND hDialog) {
+    HWND line = nullptr;
+    do {
+        line = FindWindowExA(hDialog, line, "Static", nullptr);
+    } while (line != nullptr && GetDlgCtrlID(line) != 0xFFFF);
+    return line;
+}
+
+// Every control's place in the client area, and under 0 the size of the dialog.
+std::map<int, CRect> PlacesOf(HWND hDialog) {
+    std::map<int, CRect> places;
+    for (const int id : kControls) {
+        places[id] = RectIn(hDialog, GetDlgItem(hDialog, id));
+    }
+    GetClientRect(hDialog, &places[0]);
+    return places;
+}
+
+TEST_F(CardExpiryForm, FitsWhatItTells) {
+    struct Case {
+        Told told;
+        bool bHasExpired;
+        std::string strLine;  // about the card; empty: none
+    };
+    const std::string expires = Filled(IDS_CARD_EXPIRY_EXPIRES_FORMAT, "05/18/31");
+    const std::string expired = TextOf(IDS_CARD_EXPIRY_EXPIRED);
+    std::map<int, CRect> plain;
+    const auto look = [&](Dialog& d, const Case& expected) {
+        std::map<int, CRect> places = PlacesOf(d.Handle());
+        if (plain.empty()) {
+            plain = places;
+        }
+        const bool isCardTold = expected.told.card != 0;
+        const bool isListed = !expected.told.certificates.empty();
+        const int list = plain[IDC_CARD_EXPIRY_LIST].Height();
+        const int reminder =
+            plain[IDC_CARD_EXPIRY_NEVER_AGAIN].bottom - plain[IDC_CARD_EXPIRY_DAYS].top;
+        for (const int id : kControls) {
+            const bool isUpper = id == IDC_CARD_EXPIRY_HEADING || id == IDC_CARD_EXPIRY_SENTENCE;
+            const bool isBelow = id == IDCANCEL || id == IDC_CARD_EXPIRY_SEPARATOR || id == IDOK;
+            const int dy = (isCardTold && !isUpper ? 30 : 0) -
+                           (!isListed && !isUpper && !kListPart.contains(id) ? list + 20 : 0) -
+                           (expected.bHasExpired && isBelow ? reminder : 0);
+            CRect place = plain[id];
+            place.OffsetRect(0, dy);
+            EXPECT_EQ(places[id], place) << id << " moves by " << dy;
+            const bool isHidden = (!isListed && kListPart.contains(id)) ||
+                                  (expected.bHasExpired && kReminderPart.contains(id));
+            EXPECT_NE(d.IsVisible(id), isHidden) << id;
+        }
+        EXPECT_EQ(places[0].Height() - plain[0].Height(),
+                  (isCardTold ? 30 : 0) - (isListed ? 0 : list + 20) -
+                      (expected.bHasExpired ? reminder : 0));
+        const HWND line = CardLineOf(d.Handle());
+        EXPECT_EQ(line != nullptr, isCardTold);
+        d.Run([&] {
+            if (line != nullptr) {
+                EXPECT_EQ(RectIn(d.Handle(), line), CRect(12, 80, 362, 100));
+                EXPECT_EQ(Control::Of(line).strText, expected.strLine);
+                EXPECT_EQ(SendMessageA(line, WM_GETFONT, 0, 0),
+                          d.Send(IDC_CARD_EXPIRY_HEADING, WM_GETFONT));
+            }
+        });
+        EXPECT_EQ(d.Text(IDCANCEL),
+                  expected.bHasExpired ? TextOf(IDS_CARD_EXPIRY_CLOSE) : "Cancel");
+        EXPECT_EQ(d.FocusedId(), expected.bHasExpired ? IDCANCEL
+                                 : isListed           ? IDC_CARD_EXPIRY_LIST
+                                                      : IDC_CARD_EXPIRY_REMIND);
+        d.Enter();
+    };
+    const std::vector<Certificate> valid = {{"a", kSoon}, {"b", kNow}};
+    const std::vector<Certificate> mixed = {{"a", kSoon}, {"b", kNow - 1}};
+    const Case cases[] = {
+        {{.certificates = valid}, false, ""},  // first: the others are compared with it
+        {{.certificates = mixed}, true, ""},
+        {{.card = kSoon}, false, expires},
+        {{.card = kSoon, .certificates = valid}, false, expires},
+        {{.card = kSoon, .certificates = mixed}, true, expires},
+        {{.card = kNow}, true, expired},
+        {{.card = kPast, .certificates = valid}, true, expired},
+        {{.card = kPast, .certificates = mixed}, true, expired},
+    };
+    for (const Case& expected : cases) {
+        const auto script = [&](Dialog& d) { look(d, expected); };
+        EXPECT_EQ(expected.told.ShowAtNow({script}), expected.bHasExpired ? IDCANCEL : IDOK);
+    }
+}
+
+TEST_F(CardExpiryForm, ListsWhatExpiresFirstFirst) {
+    const std::string longName(1000, 'n');
+    const Told told{.certificates = {{"later", kNow + 40 * kDay},
+                                     {"\xC9t\xE9", kSoon},
+                                     {longName.c_str(), kSoon},
+                                     {"", kNow},
+                                     {"gone", kPast},
+                                     {"old", -kDay},
+                                     {"never", 4'102'488'000},
+                                     {"no date", 9'000'000'000'000'000'000}}};
+    // The runtime knows no date before 1970, nor behind the year 3000.
+    const std::string suffix = TextOf(IDS_CARD_EXPIRY_DATE_EXPIRED);
+    const std::tuple<std::string, std::string, int> rows[] = {
+        {"old", suffix, 1},           {"gone", "05/16/31" + suffix, 1},
+        {"", "05/17/31", 0},          {longName, "05/18/31", 0},
+        {"\xC9t\xE9", "05/18/31", 0}, {"later", "06/26/31", 0},
+        {"never", "01/01/00", 0},     {"no date", "", 0}};
+    const auto look = [&](Dialog& d) {
+        constexpr int kList = IDC_CARD_EXPIRY_LIST;
+        EXPECT_EQ(d.Send(kList, LVM_GETITEMCOUNT), std::ssize(rows));
+        int row = 0;
+        for (const auto& [name, date, image] : rows) {
+            // A list shows, and gives out, no more than it was made for of a very long name.
+            const std::string cell = CellOf(d, row, 0);
+            EXPECT_TRUE(name.starts_with(cell) && (cell == name || cell.size() >= 259)) << cell;
+            EXPECT_EQ(CellOf(d, row, 1), date) << name;
+            LVITEMA item{};
+            item.mask = LVIF_IMAGE;
+            item.iItem = row++;
+            d.Run([&] {
+                SendMessageA(d.Control(kList), LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
+            });
+            EXPECT_EQ(item.iImage, image) << name;
+        }
+        d.Run([&] {
+            const HWND list = d.Control(kList);
+            auto* const images =
+                reinterpret_cast<HIMAGELIST>(SendMessageA(list, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
+            int width = 0;
+            int height = 0;
+            ImageList_GetIconSize(images, &width, &height);
+            EXPECT_EQ(std::tuple(width, height, ImageList_GetImageCount(images)),
+                      std::tuple(16, 16, 2));
+            EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0), 192);
+            EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0), 150);
+            for (const auto& [column, title] :
+                 {std::pair<WPARAM, UINT>{0, IDS_CARD_EXPIRY_NAME_COLUMN},
+                  {1, IDS_CARD_EXPIRY_DATE_COLUMN}}) {
+                std::array<char, 100> text{};
+                LVCOLUMNA info{};
+                info.mask = LVCF_TEXT;
+                info.pszText = text.data();
+                info.cchTextMax = static_cast<int>(text.size());
+                SendMessageA(list, LVM_GETCOLUMNA, column, reinterpret_cast<LPARAM>(&info));
+                EXPECT_EQ(text.data(), TextOf(title));
+            }
+        });
+        d.Escape();
+    };
+    EXPECT_EQ(told.ShowAtNow({look}), IDCANCEL);
+}
+
+TEST_F(CardExpiryForm, ListsAThousandCertificates) {
+    Told told;
+    for (int i = 0; i < 1000; ++i) {
+        told.certificates.push_back({i % 2 == 0 ? "even" : "odd", kSoon + i % 7});
+    }
+    const auto look = [](Dialog& d) {
+        EXPECT_EQ(d.Send(IDC_CARD_EXPIRY_LIST, LVM_GETITEMCOUNT), 1000);
+        d.Escape();
+    };
+    EXPECT_EQ(told.ShowAtNow({look}), IDCANCEL);
+}
+
+TEST_F(CardExpiryForm, TakesTheAdministratorsSentence) {
+    std::string own;
+    const auto read = [&](Dialog& d) {
+        own = d.Text(IDC_CARD_EXPIRY_SENTENCE);
+        d.Escape();
+    };
+    const Told told{.card = kSoon};
+    told.ShowAtNow({read});
+    const std::string templateOwn = own;
+    EXPECT_FALSE(templateOwn.empty());
+    const std::pair<std::string, std::string> cases[] = {
+        {"Call & ask.", "Call & ask."}, {"", templateOwn}, {std::string(260, 's'), templateOwn}};
+    for (const auto& [value, shown] : cases) {
+        m_hive.SetString(kConfigKey, "ValidityCheckSentence", value);
+        told.ShowAtNow({read});
+        EXPECT_EQ(own, shown);
+    }
+    m_hive.SetDword(kConfigKey, "ValidityCheckSentence", 7);
+    told.ShowAtNow({read});
+    EXPECT_EQ(own, templateOwn);
+}
+
+TEST_F(CardExpiryForm, DoesWithoutAnyOneControl) {
+    for (const bool isExpired : {false, true}) {
+        for (const int missing : kControls) {
+            VKExpiryNotificationInfo info("Reader A", nullptr);
+            Told{.card = isExpired ? kPast : kSoon, .certificates = {{"a", kSoon}}}.FillIn(info);
+            Incomplete<NoticeAtNow> notice(missing, std::cref(info));
+            EXPECT_EQ(Open(notice, {[](Dialog& d) { d.Cancel(); }}), IDCANCEL) << missing;
+        }
+    }
+    VKExpiryNotificationInfo info("Reader A", nullptr);
+    Told{.card = kSoon, .certificates = {{"a", kPast}}}.FillIn(info);
+    Incomplete<NoticeAtNow> notice(0, std::cref(info));
+    const auto look = [](Dialog& d) {
+        EXPECT_EQ(d.Text(IDCANCEL), "Cancel") << "the module has gone";
+        EXPECT_EQ(Control::Of(CardLineOf(d.Handle())).strText, "");
+        EXPECT_EQ(CellOf(d, 0, 1), "05/16/31") << "and no word behind it";
+        d.Cancel();
+    };
+    EXPECT_EQ(Open(notice, {look}), IDCANCEL);
+}
+
+TEST_F(CardExpiryForm, NothingOverlapsOrIsCutAtAnyResolution) {
+    const std::vector<Certificate> valid = {{"a", kSoon}};
+    const Told states[] = {{.certificates = valid},
+                           {.card = kSoon, .certificates = valid},
+                           {.card = kSoon},
+                           {.card = kPast},
+                           {.card = kPast, .certificates = valid}};
+    for (int percent = 100; percent <= 200; percent += 50) {
+        const EnlargedDialogs at(percent);
+        for (const Told& told : states) {
+            const auto look = [&](Dialog& d) {
+                ExpectAllInPlace(d, std::to_string(percent));
+                const auto width = d.Send(IDC_CARD_EXPIRY_LIST, LVM_GETCOLUMNWIDTH, 0);
+                EXPECT_EQ(width, told.certificates.empty() ? width : 192 * percent / 100);
+                d.Escape();
+            };
+            EXPECT_EQ(told.ShowAtNow({look}), IDCANCEL);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace mvp::test

@@ -1,0 +1,153 @@
+#include "notify/card_expiry_rules.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "resources/resource_numbers.h"
+
+namespace mvp {
+namespace {
+
+constexpr Seconds kFirst = std::numeric_limits<Seconds>::min();
+constexpr Seconds kLast = std::numeric_limits<Seconds>::max();
+constexpr int kOk = 1;
+constexpr int kCancel = 2;
+
+using Ids = std::vector<int>;
+Ids Sorted(std::span<const int> ids) {
+    Ids sorted(ids.begin(), ids.end());
+    std::sort(sorted.begin(), sorted.end());
+    return sorted;
+}
+
+TEST(ExpiryOrder, PutsANewOneBehindTheEarlierAndBeforeItsEquals) {
+    struct Case {
+        std::vector<Seconds> added;
+        std::vector<int> order;  // of the added ones
+    };
+    for (const auto& [added, order] : {Case{{}, {}},
+                                       {{5}, {0}},
+                                       {{5, 3, 3}, {2, 1, 0}},
+                                       {{3, 3, 5}, {1, 0, 2}},
+                                       {{1, 2, 3}, {0, 1, 2}},
+                                       {{7, 7, 7}, {2, 1, 0}},
+                                       {{0, kLast, -1, kFirst, 4'000'000'000}, {3, 2, 0, 4, 1}}}) {
+        std::vector<int> sorted;
+        for (std::size_t i = 0; i < added.size(); ++i) {
+            const int place =
+                PlaceOfExpiry(static_cast<int>(i), added[i], [&, &all = added](int nIndex) {
+                    return all[static_cast<std::size_t>(sorted[static_cast<std::size_t>(nIndex)])];
+                });
+            sorted.insert(sorted.begin() + place, static_cast<int>(i));
+        }
+        EXPECT_EQ(sorted, order);
+    }
+}
+
+TEST(Expiry, IsOfACardAtItsMomentAndOfACertificateAfterIt) {
+    for (const Seconds now : {Seconds{0}, Seconds{-1}, Seconds{4'000'000'000}}) {
+        EXPECT_TRUE(HasCardExpired(now - 1, now) && HasCertificateExpired(now - 1, now));
+        EXPECT_TRUE(HasCardExpired(now, now) && !HasCertificateExpired(now, now));
+        EXPECT_FALSE(HasCardExpired(now + 1, now) || HasCertificateExpired(now + 1, now));
+        EXPECT_TRUE(HasCardExpired(kFirst, now) && !HasCardExpired(kLast, now));
+    }
+}
+
+TEST(Expiry, IsToldOfACardOrACertificate) {
+    EXPECT_FALSE(IsSomethingToTell(false, 0));
+    EXPECT_TRUE(IsSomethingToTell(true, 0));
+    EXPECT_TRUE(IsSomethingToTell(false, 1));
+}
+
+TEST(ExpiryForm, HidesAndMovesWhatItMustByWhatItMust) {
+    const Ids below{kOk,
+                    kCancel,
+                    IDC_CARD_EXPIRY_DAYS,
+                    IDC_CARD_EXPIRY_SPIN,
+                    IDC_CARD_EXPIRY_REMIND,
+                    IDC_CARD_EXPIRY_SEPARATOR,
+                    IDC_CARD_EXPIRY_DAYS_LABEL,
+                    IDC_CARD_EXPIRY_NEVER_AGAIN};
+    Ids all = below;
+    all.insert(all.end(), {IDC_CARD_EXPIRY_LIST, IDC_CARD_EXPIRY_LIST_LABEL});
+    const Ids reminder{kOk,
+                       IDC_CARD_EXPIRY_DAYS,
+                       IDC_CARD_EXPIRY_SPIN,
+                       IDC_CARD_EXPIRY_REMIND,
+                       IDC_CARD_EXPIRY_DAYS_LABEL,
+                       IDC_CARD_EXPIRY_NEVER_AGAIN};
+    struct Case {
+        FormStep step;
+        Ids hidden;
+        Ids moved;
+        int dy;
+    };
+    for (const auto& [step, hidden, moved, dy] :
+         {Case{WithCardLine(96), {}, Sorted(all), 30}, Case{WithCardLine(144), {}, Sorted(all), 45},
+          Case{WithCardLine(192), {}, Sorted(all), 60},
+          Case{WithoutCertificates(127, 96),
+               {IDC_CARD_EXPIRY_LIST, IDC_CARD_EXPIRY_LIST_LABEL},
+               below,
+               -147},
+          Case{WithoutCertificates(250, 192),
+               {IDC_CARD_EXPIRY_LIST, IDC_CARD_EXPIRY_LIST_LABEL},
+               below,
+               -290},
+          Case{WithoutReminder(232, 278),
+               reminder,
+               {kOk, kCancel, IDC_CARD_EXPIRY_SEPARATOR},
+               -46}}) {
+        EXPECT_EQ(Sorted(step.hidden), hidden);
+        EXPECT_EQ(Sorted(step.moved), moved);
+        EXPECT_EQ(step.dy, dy);
+    }
+}
+
+TEST(ExpiryForm, PutsTheCardLineWhereItIsPromised) {
+    for (const auto& [dpi, place] : {std::pair{96, std::array{12, 80, 350, 20}},
+                                     {120, {15, 100, 438, 25}},
+                                     {144, {18, 120, 525, 30}},
+                                     {192, {24, 160, 700, 40}}}) {
+        const LinePlace line = CardLinePlace(dpi);
+        EXPECT_EQ((std::array{line.nLeft, line.nTop, line.nWidth, line.nHeight}), place) << dpi;
+    }
+}
+
+TEST(ExpiryAnswer, IsTheNumberOfDaysWhenItIsAnotherOne) {
+    constexpr int kMost = std::numeric_limits<int>::max();
+    struct Case {
+        int nCurrent;
+        const char* pszText;
+        int nResult;
+    };
+    for (const auto& [current, text, result] :
+         {Case{14, "14", -1},
+          {14, "7", 7},
+          {14, "0", 0},
+          {0, "0", -1},
+          {14, "", 0},
+          {0, "", -1},
+          {14, "letters", 0},
+          {14, "12 days", 12},
+          {14, " 9", 9},
+          {14, "99", 99},
+          {14, "-5", -5},
+          {14, "-1", -1},
+          {-1, "-1", -1},
+          {-1, "3", 3},
+          {1, "1,000", -1},
+          {kMost, "2147483647", -1},
+          {14, "2147483648", kMost},
+          {14, "99999999999999999999", kMost},
+          {14, "-99999999999999999999", std::numeric_limits<int>::min()}}) {
+        EXPECT_EQ(NewDelay(current, text), result) << current << " \"" << text << "\"";
+    }
+}
+
+}  // namespace
+}  // namespace mvp
