@@ -26,6 +26,13 @@
 /* The user cancelled, the card was removed, or the request was refused or failed. */
 #define MVPINGUI_REFUSED 0xFFFFFFFFu
 
+/* What expires: card_expiry.h, for hosts in C++. */
+#ifdef __cplusplus
+class VKExpiryNotificationInfo;
+#else
+typedef struct VKExpiryNotificationInfo VKExpiryNotificationInfo;
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -75,6 +82,18 @@ MVPINGUI_API uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_
  * Returns MVPINGUI_OK when the user accepted the warning, MVPINGUI_REFUSED otherwise. */
 MVPINGUI_API uint32_t DisplayLastPINTry(const char* pszReader);
 
+/* Shows the about box: the installed product's name and version, as the Windows Installer tells
+ * them, and a button for the credits document that the configuration names. It opens whatever of
+ * that is missing.
+ *
+ * nColorMode  0: the system's dialog colours; otherwise a background in its window colour
+ * pIgnored    whatever it holds
+ * pszCaption  shown below the version, copied; may be null or empty.
+ *
+ * Returns IDOK (1), IDCANCEL (2) when the user closed it otherwise, or MVPINGUI_REFUSED when it
+ * could not be shown. */
+MVPINGUI_API uint32_t ShowAbout(int32_t nColorMode, const void* pIgnored, const char* pszCaption);
+
 /* Sets the text that every later enter-PIN dialog shows above its edit, until it is set again.
  *
  * pszPrompt  the text, copied; null or empty restores the dialog's own text. */
@@ -115,6 +134,22 @@ MVPINGUI_API uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_
  * pBuffer  the buffer that GetPINFromUser stored, or null when it stored none;
  * cbPin    the length in bytes that came with it, which must not be larger than the buffer. */
 MVPINGUI_API void FreeGetPinBuffer(char* pBuffer, size_t cbPin);
+
+/* Tells the user that the card, or certificates on it, expire soon or have expired, and asks how
+ * many days before an expiry to remind him. Nothing is asked when something has expired already.
+ *
+ * hParent  parent window; may be null. It is disabled while the notice is up
+ * pInfo    what is told, and how it is closed from outside; stays the caller's, unchanged. Null is
+ *          refused
+ *
+ * The spin button of the notice goes from 0 to the current number of days. What is typed is not
+ * held to that: the result is the decimal number that the typed text begins with, 0 for a text
+ * without one.
+ *
+ * Returns the new number of days, 0 when the user wants no more reminders. -1 when nothing changes:
+ * there was nothing to tell, the number stayed the same, the user closed the notice or the info's
+ * event did, or the notice could not be shown. */
+MVPINGUI_API int32_t DisplayCardExpiryNotification(HWND hParent, VKExpiryNotificationInfo* pInfo);
 
 #ifdef __cplusplus
 }

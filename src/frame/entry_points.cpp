@@ -3,6 +3,7 @@
 #include <vkerrmes/vkerrmes.h>
 
 #include "frame/module.h"
+#include "mvpingui/about_dialog.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/barrier.h"
 #include "resources/resource_numbers.h"
@@ -33,6 +34,14 @@ extern "C" uint32_t DisplayLastPINTry(const char* pszReader) {
             return answer == kAccepted ? MVPINGUI_OK : MVPINGUI_REFUSED;
         },
         mvp::LogException("DisplayLastPINTry"));
+}
+
+extern "C" uint32_t ShowAbout(int32_t nColorMode, const void* /*pIgnored*/,
+                              const char* pszCaption) {
+    return mvp::Guarded(
+        MVPINGUI_REFUSED,
+        [=] { return static_cast<uint32_t>(CAboutDlg(nColorMode, nullptr, pszCaption).DoModal()); },
+        mvp::LogException("ShowAbout"));
 }
 
 extern "C" void SetPinPromptString(const char* pszPrompt) {

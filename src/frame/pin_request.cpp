@@ -3,27 +3,13 @@
 
 #include "dialogs/pin/enter_pin_dialog.h"
 #include "frame/module.h"
+#include "frame/parent_window.h"
 #include "mvpingui/mvpingui.h"
 #include "platform/barrier.h"
 #include "services/log.h"
 #include "services/wipe.h"
 
 namespace {
-
-// The host's window as an object, for the time of the dialog. The framework's own temporary objects
-// live until its next idle moment, which a host without its message loop does not have.
-class ParentWindow {
-public:
-    explicit ParentWindow(HWND hWnd) noexcept { m_window.m_hWnd = hWnd; }
-    ParentWindow(const ParentWindow&) = delete;
-    ParentWindow& operator=(const ParentWindow&) = delete;
-    ~ParentWindow() { m_window.m_hWnd = nullptr; }  // the window is the host's
-
-    CWnd* get() const noexcept { return m_window.m_hWnd != nullptr ? &m_window : nullptr; }
-
-private:
-    mutable CWnd m_window;
-};
 
 // Hands the PIN out in a buffer of exactly its length. Returns false when there is no memory.
 bool HandOut(const CEnterPinDlg& dialog, char** ppPin, std::uint32_t* pcbPin) {
@@ -68,7 +54,7 @@ std::uint32_t AskForPin(HWND hParent, const char* pszReader, std::uint32_t dwMin
                  dwMinLength, dwMaxLength);
     }
     mvp::Module().nPinDialogInProgress = 1;
-    const ParentWindow parent(hParent);
+    const mvp::ParentWindow parent(hParent);
     CEnterPinDlg dialog(parent.get(), pszReader, dwMinLength, dwMaxLength, mvp::Module().strPrompt);
     if (dialog.DoModal() != IDOK) {
         vklogLog(g_szLogTag, kLogInfo, "GetPINFromUser: Enter PIN action cancelled");

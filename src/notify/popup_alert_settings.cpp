@@ -1,0 +1,98 @@
+// CPopupAlert: what the administrator says of it.
+#include <array>
+#include <string_view>
+
+#include "mvpingui/popup_alert.h"
+#include "notify/href_pattern.h"
+#include "notify/notice_text.h"
+#include "resources/resource_numbers.h"
+#include "services/log.h"
+#include "services/registry_value.h"
+#include "services/resource_module.h"
+
+namespace {
+
+constexpr char kNoReaderKey[] = R"(SOFTWARE\Quillon\Veskara\Notification\NoReaderWarning)";
+constexpr char kCardAlertKey[] =
+    R"(SOFTWARE\Quillon\Veskara\Notification\SmartCardPresenceWarning)";
+constexpr char kAgentKey[] = R"(SOFTWARE\Quillon\Veskara\SmartCardAgent)";
+
+// Tells of a value that is there and cannot be used.
+bool IsUsable(const mvp::RegistryRead& read, const char* pszKey, const char* pszName) {
+    if (read.failed == mvp::RegistryStep::CheckType) {
+        mvp::LogIgnoredSetting(pszKey, pszName, "of another type");
+    } else if (read.error == ERROR_MORE_DATA) {
+        mvp::LogIgnoredSetting(pszKey, pszName, "too long");
+    }
+    return static_cast<bool>(read);
+}
+
+std::optional<std::uint32_t> ReadNumber(const char* pszKey, const char* pszName) {
+    DWORD value = 0;
+    const mvp::RegistryRead read =
+        mvp::ReadRegistry({pszKey, pszName}, &value, sizeof value, REG_DWORD);
+    return IsUsable(read, pszKey, pszName) ? std::optional<std::uint32_t>(value) : std::nullopt;
+}
+
+using MessageBuffer = std::array<char, mvp::kNoticeMessageMax>;
+
+std::optional<std::string_view> ReadMessage(const char* pszKey, MessageBuffer& buffer) {
+    constexpr char kName[] = "Message";
+    const mvp::RegistryRead read =
+        mvp::ReadRegistry({pszKey, kName}, buffer.data(), mvp::kNoticeMessageMax, REG_SZ);
+    return IsUsable(read, pszKey, kName)
+               ? std::optional<std::string_view>(std::in_place, buffer.data(), read.size)
+               : std::nullopt;
+}
+
+}  // namespace
+
+bool CPopupAlert::GetRegistryParameters(CString& csText, DWORD* pdwDuration, int iWndType) {
+    const mvp::LogScope scope("CPopupAlert::GetRegistryParameters");
+    if (iWndType == DIALOG_POPUP_CARD_OTP) {
+        if (pdwDuration == nullptr) {
+            return false;
+        }
+        const mvp::NoticeSettings settings{.passwordTimeout =
+                                               ReadNumber(kAgentKey, "OTPWindowTimeout")};
+        *pdwDuration = mvp::ReadNotice(iWndType, settings, mvp::MatchesHref).nStay;
+        return true;
+    }
+
+    const char* key = iWndType == DIALOG_POPUP_CARD_ALERT ? kCardAlertKey : kNoReaderKey;
+    MessageBuffer buffer{};
+    mvp::NoticeSettings settings{.enable = ReadNumber(key, "Enable")};
+    if (settings.enable.value_or(0) != 0) {
+        settings.duration = ReadNumber(key, "Duration");
+        settings.message = ReadMessage(key, buffer);
+    }
+    const mvp::NoticeParameters notice = mvp::ReadNotice(iWndType, settings, mvp::MatchesHref);
+    if (settings.duration && pdwDuration != nullptr) {
+        *pdwDuration = notice.nStay;
+    }
+    if (notice.text == mvp::NoticeParameters::Text::Message) {
+        csText = notice.strMessage.c_str();
+    } else if (notice.text == mvp::NoticeParameters::Text::Default) {
+        TakeDefaultMessage(csText, iWndType);
+    }
+    vklogLog(g_szLogTag, kLogInfo, "CPopupAlert::GetRegistryParameters: returning csText = %s",
+             static_cast<LPCSTR>(csText));
+    return notice.bShown;
+}
+
+void CPopupAlert::TakeDefaultMessage(CString& csText, int iWndType) {
+    vklogLog(g_szLogTag, kLogInfo,
+             "CPopupAlert::GetRegistryParameters: Security pattern matched !");
+    csText.Empty();
+    if (iWndType == DIALOG_POPUP_CARD_ALERT) {
+        vklogLog(g_szLogTag, kLogInfo,
+                 "CPopupAlert::GetRegistryParameters: Displaying default message "
+                 "DIALOG_POPUP_CARD_ALERT");
+        mvp::LoadResourceString(IDS_POPUP_CARD_ALERT, csText);
+    } else {
+        vklogLog(g_szLogTag, kLogInfo,
+                 "CPopupAlert::GetRegistryParameters: Displaying default message "
+                 "DIALOG_POPUP_NO_READER");
+        mvp::LoadResourceString(IDS_POPUP_NO_READER, csText);
+    }
+}

@@ -1,0 +1,201 @@
+// Where the popup comes and goes on the screen, and in what skin.
+#include <array>
+#include <filesystem>
+#include <fstream>
+
+#include "support/bitmap_header.h"
+#include "support/waiting.h"
+#include "ui/notify/popup_probe.h"
+
+namespace mvp::test {
+namespace {
+
+constexpr int kWidth = 340;
+constexpr int kHeight = 230;
+
+class PopupSkinTest : public PopupTest {
+protected:
+    // The pointer, beside the popup at first.
+    PopupSkinTest() { PointAt(m_beside); }
+    ~PopupSkinTest() override { SetCursorPos(0, 0); }
+
+    static void PointAt(POINT point) { SetCursorPos(point.x, point.y); }
+    CRect At(CPoint p) const {
+        return {p.x, p.y, p.x + kWidth + m_nFrameX, p.y + kHeight + m_nFrameY};
+    }
+    // "12,15,40,60"
+    static std::string Text(const RECT& r) {
+        return std::to_string(r.left) + "," + std::to_string(r.top) + "," +
+               std::to_string(r.right) + "," + std::to_string(r.bottom);
+    }
+
+    const int m_nRight = GetSystemMetrics(SM_CXSCREEN);
+    const int m_nBottom = GetSystemMetrics(SM_CYSCREEN);
+    const int m_nFrameX = 2 * GetSystemMetrics(SM_CYDLGFRAME);
+    const int m_nFrameY = 2 * GetSystemMetrics(SM_CXDLGFRAME);
+    const POINT m_beside{m_nRight / 2, m_nBottom / 2};
+};
+
+TEST_F(PopupSkinTest, ComesAndGoesBesideTheTaskbar) {
+    struct Side {
+        RECT work;
+        CPoint start, shown;
+        int nSteps;
+    };
+    const int w = m_nRight;
+    const int h = m_nBottom;
+    const Side sides[] = {
+        {{0, 40, w, h}, {w - 340, -190}, {w - 340, 40}, 115},
+        {{60, 0, w, h}, {-280, h - 230}, {60, h - 230}, 170},
+        {{0, 0, w - 60, h}, {w - 60, h - 230}, {w - 400, h - 230}, 170},
+        {{0, 0, w, h - 40}, {w - 347, h - 46}, {w - 347, h - 276}, 115},
+    };
+    for (const auto& [work, start, shown, steps] : sides) {
+        SCOPED_TRACE(Text(work));
+        const WorkArea area(work);
+        const bool bottom = work.bottom < m_nBottom;
+        const std::string pace = ":" + std::to_string(500 / steps);
+        Init(0);
+        s_announced.clear();
+        m_popup->Show();
+        EXPECT_EQ(Timers(), "1" + pace);
+        EXPECT_EQ(TickAway(), steps + 1);
+        EXPECT_EQ(Text(Place()), Text(At(shown)));
+        EXPECT_EQ(Alpha(), 229);
+        EXPECT_EQ(Timers(), "2:3000");
+
+        // It stays under the pointer, which must be within it.
+        for (const POINT at : {POINT{0, 9}, POINT{1, 9}, POINT{9, 0}, POINT{9, 1}}) {
+            PointAt({shown.x + at.x, shown.y + at.y});
+            Tick();
+            EXPECT_EQ(Timers(), at.x != 0 && at.y != 0 ? "2:10" : "3" + pace) << at.x << at.y;
+            m_popup->Show();
+            EXPECT_EQ(Timers(), "2:3000") << "the stay anew";
+        }
+        EXPECT_EQ(s_announced, std::vector<HWND>{*m_popup});
+
+        PointAt(m_beside);
+        Tick();
+        Tick();
+        EXPECT_EQ(Alpha(), bottom ? 89 * 255 / 100 : 229);
+        EXPECT_EQ(TickAway(), bottom ? 90 : steps);
+        EXPECT_EQ(Timers(), "-");
+        EXPECT_FALSE(m_popup->IsWindowVisible());
+        EXPECT_EQ(Closed(), "1 1");
+        EXPECT_EQ(Text(Place()), Text(At(bottom ? shown : start)));
+    }
+}
+
+TEST_F(PopupSkinTest, StandsAtOnceWhereNothingMoves) {
+    const Animation none(false);
+    Init(0);
+    m_popup->Show();
+    const RECT shown = At({m_nRight - 347, m_nBottom - 236});
+    EXPECT_EQ(Text(Place()), Text(shown));
+    EXPECT_EQ(Alpha(), 229);
+    EXPECT_EQ(Timers(), "2:3000");
+    // It goes with the work area, and knows when it does.
+    {
+        const WorkArea area({0, 0, m_nRight, m_nBottom - 40});
+        Send(WM_SETTINGCHANGE, SPI_SETWORKAREA);
+        EXPECT_EQ(Place().top, shown.top - 40);
+    }
+    Send(WM_DISPLAYCHANGE);
+    EXPECT_EQ(Text(Place()), Text(shown));
+    Tick();
+    EXPECT_FALSE(m_popup->IsWindowVisible());
+    EXPECT_EQ(Closed(), "1 1");
+    Send(WM_SETTINGCHANGE, SPI_SETWORKAREA);
+    EXPECT_FALSE(m_popup->IsWindowVisible());
+}
+
+// With the system's own timers; a stay of a second is the shortest there is.
+TEST(PopupOnTheClock, ComesAndGoes) {
+    const AttachedLibrary library;
+    RegistryHive hive;
+    hive.SetDword(kNoReader, "Enable", 1);
+    Popup popup;
+    ASSERT_NE(popup.Create(nullptr), 0);
+    ASSERT_TRUE(popup.InitWindow(nullptr, DIALOG_POPUP_NO_READER, 0));
+    popup.Show();
+    LONG highest = GetSystemMetrics(SM_CYSCREEN);
+    bool faded = false;
+    EXPECT_TRUE(WaitFor(std::chrono::seconds(60), [&] {
+        MSG message{};
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageA(&message);
+            CRect place;
+            popup.GetWindowRect(&place);
+            highest = place.top != 0 ? std::min(highest, place.top) : highest;
+            BYTE alpha = 0;
+            GetLayeredWindowAttributes(popup, nullptr, &alpha, nullptr);
+            faded |= alpha > 0 && alpha < 50;
+        }
+        return popup.IsWindowVisible() == FALSE;
+    }));
+    EXPECT_EQ(highest, GetSystemMetrics(SM_CYSCREEN) - 6 - kHeight);
+    EXPECT_TRUE(faded);
+}
+
+TEST_F(PopupSkinTest, WearsAFile) {
+    // Black, but for the pixel in the middle of its last row.
+    constexpr char kFile[] = "popup_skin.bmp";
+    const BITMAPINFOHEADER info = TrueColorHeader(101, 101);
+    const BITMAPFILEHEADER file{0x4D42, 0, 0, 0, sizeof file + sizeof info};
+    std::string pixels(101 * 304, '\0');
+    pixels.replace(3 * 50, 3, "\xFF\xFF\xFF");
+    std::ofstream(kFile, std::ios::binary)
+        .write(reinterpret_cast<const char*>(&file), sizeof file)
+        .write(reinterpret_cast<const char*>(&info), sizeof info)
+        .write(pixels.data(), static_cast<std::streamsize>(pixels.size()));
+    const Animation none(false);
+    Init(DIALOG_POPUP_CARD_OTP);
+    m_popup->Show();
+    EXPECT_EQ(m_popup->SetSkin(nullptr, -1, -1, -1), 0);
+    EXPECT_EQ(m_popup->SetSkin("popup_none.bmp", -1, -1, -1), 0);
+    for (const auto& [red, green, blue] :
+         {std::array<short, 3>{-1, 0, 0}, {0, -1, 0}, {0, 0, -1}}) {
+        EXPECT_EQ(m_popup->SetSkin(kFile, red, green, blue), 1);
+        RECT box{};
+        EXPECT_EQ(GetWindowRgnBox(*m_popup, &box), ERROR);
+    }
+    EXPECT_EQ(m_popup->SetSkin(kFile, 0, 0, 0), 1);
+    RECT box{};
+    GetWindowRgnBox(*m_popup, &box);
+    EXPECT_EQ(Text(box), "50,100,51,101");
+    Send(WM_DISPLAYCHANGE);
+    EXPECT_EQ(Place().Size(), CSize(101 + m_nFrameX, 101 + m_nFrameY));
+    Send(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(NewPopupText("x")));
+    EXPECT_TRUE(Describe(Controls()[0]).starts_with("789 40,13,96,"));
+    std::filesystem::remove(kFile);
+}
+
+TEST_F(PopupSkinTest, WearsTheLibrarysOwnWithoutAColour) {
+    Init(0);
+    const Bitmap skin = LoadResourceBitmap(3102);
+    WORD width = 0;
+    WORD height = 0;
+    BYTE* pixels = Popup::Get24BitPixels(skin.get(), &width, &height);
+    EXPECT_EQ(std::pair(width, height), std::pair(WORD{340}, WORD{230}));
+    const BYTE blue = pixels[0];
+    const BYTE green = pixels[1];
+    const BYTE red = pixels[2];
+    EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, pixels));
+    EXPECT_EQ(m_popup->SetSkin(3102, false, false, red, green, blue), 1);
+    const Region expected(Popup::GenerateRegion(skin.get(), red, green, blue));
+    const Region worn(CreateRectRgn(0, 0, 0, 0));
+    GetWindowRgn(*m_popup, worn.get());
+    EXPECT_TRUE(EqualRgn(worn.get(), expected.get()));
+    EXPECT_FALSE(PtInRegion(worn.get(), 0, 0));
+}
+
+TEST_F(PopupSkinTest, PutsTheMessageWhereItIsTold) {
+    Init(DIALOG_POPUP_CARD_OTP);
+    m_popup->SetTextRect({1, 2, 203, 104});
+    BringTo(3);
+    Send(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(NewPopupText("x")));
+    EXPECT_EQ(Describe(Controls()[0]), "789 1,2,203,84 + x");
+}
+
+}  // namespace
+}  // namespace mvp::test
