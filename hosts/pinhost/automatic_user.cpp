@@ -62,9 +62,10 @@ bool IsEdit(HWND hWnd) {
     return HasClass(hWnd, "EDIT") && (GetWindowLongA(hWnd, GWL_STYLE) & ES_READONLY) == 0;
 }
 
-bool IsCheckBox(HWND hWnd) {
+bool IsUntickedBox(HWND hWnd) {
     return HasClass(hWnd, "BUTTON") &&
-           (GetWindowLongA(hWnd, GWL_STYLE) & BS_TYPEMASK) == BS_AUTOCHECKBOX;
+           (GetWindowLongA(hWnd, GWL_STYLE) & BS_TYPEMASK) == BS_AUTOCHECKBOX &&
+           SendMessageA(hWnd, BM_GETCHECK, 0, 0) == BST_UNCHECKED;
 }
 
 struct Search {
@@ -227,6 +228,9 @@ HWND AutomaticUser::WaitForDialog(const std::stop_token& stop, HWND hAfter) cons
 
 void AutomaticUser::Type(HWND hDialog) const {
     AwaitForeground(hDialog);
+    if (m_plan.bSeeksEdit) {
+        MoveFocusTo(hDialog, FindEdit(hDialog));
+    }
     HWND before = nullptr;
     for (const std::string& text : m_plan.typed) {
         if (before != nullptr) {
@@ -264,7 +268,7 @@ void AutomaticUser::ChooseSecond(HWND hDialog) const {
 }
 
 void AutomaticUser::Tick(HWND hDialog) const {
-    const HWND box = FindControl(hDialog, IsCheckBox);
+    const HWND box = FindControl(hDialog, IsUntickedBox);
     if (box == nullptr) {
         return;
     }
@@ -311,6 +315,9 @@ void AutomaticUser::Serve(HWND hDialog) {
     if (m_plan.bTick) {
         Tick(hDialog);
     }
+    if (m_plan.look) {
+        m_plan.look(hDialog);
+    }
     TakePicture(hDialog, m_plan.strScreenshot);
     Press press = m_plan.press;
     const auto isOkEnabled = [hDialog] {
@@ -347,7 +354,7 @@ void AutomaticUser::ServeOther(HWND hDialog) {
 void AutomaticUser::Answer(HWND hDialog, Press press) const {
     AwaitForeground(hDialog);
     const HWND ok = GetDlgItem(hDialog, IDOK);
-    if (press == Press::Ok && ok != nullptr && FindEdit(hDialog) == nullptr) {
+    if (press == Press::Ok && ok != nullptr && IsUsable(ok) && FindEdit(hDialog) == nullptr) {
         // Of a dialog's buttons Enter presses the one with the focus, wherever it begins.
         MoveFocusTo(hDialog, ok);
     }

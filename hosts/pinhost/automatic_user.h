@@ -15,6 +15,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -35,7 +36,9 @@ struct UserPlan {
     // accepted.
     bool bNeedsEdit = false;
     bool bSecondChoice = false;  // before typing, chooses the second of two radio buttons
-    bool bTick = false;          // ticks the box of a dialog that has one
+    bool bSeeksEdit = false;     // before typing, goes to the first edit: the focus is elsewhere
+    bool bTick = false;          // ticks the first box of a dialog that is not ticked yet
+    std::function<void(HWND)> look;  // before the picture, on the user's thread; empty: none
 
     bool IsEmpty() const {
         return typed.empty() && press == Press::Nothing && strScreenshot.empty();

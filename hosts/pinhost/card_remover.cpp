@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "common/wait_for.h"
-#include "pinhost/automatic_user.h"
 #include "pinhost/ending.h"
 #include "pinhost/pin_library.h"
 #include "platform/barrier.h"
@@ -18,13 +17,12 @@ constexpr auto kForever = std::chrono::hours(24);
 
 }  // namespace
 
-CardRemover::CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId,
-                         bool bNeedsEdit)
+CardRemover::CardRemover(std::string strReader, std::chrono::milliseconds delay,
+                         std::function<bool()> isOpen)
     : m_events(LoadOwnModule("vkevtsub.dll")),
       m_strReader(std::move(strReader)),
       m_delay(delay),
-      m_dwUiThreadId(dwUiThreadId),
-      m_bNeedsEdit(bNeedsEdit) {
+      m_isOpen(std::move(isOpen)) {
     Find(m_events, "VKRaiseEvent", m_pRaiseEvent);
     m_thread = std::jthread([this](const std::stop_token& stop) { Main(stop); });
 }
@@ -40,9 +38,7 @@ void CardRemover::Main(const std::stop_token& stop) noexcept {
 }
 
 void CardRemover::PullCard(const std::stop_token& stop) {
-    mvp::WaitFor(kForever, [&] {
-        return stop.stop_requested() || IsDialogOpen(m_dwUiThreadId, m_bNeedsEdit);
-    });
+    mvp::WaitFor(kForever, [&] { return stop.stop_requested() || m_isOpen(); });
     mvp::WaitFor(m_delay, [&] { return stop.stop_requested(); });
     if (stop.stop_requested()) {
         return;

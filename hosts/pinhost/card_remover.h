@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <thread>
 
@@ -14,10 +15,10 @@ namespace pinhost {
 
 class CardRemover {
 public:
-    // Waits for a dialog that can be typed into when `bNeedsEdit`, else for any. Throws
+    // The delay begins when `isOpen`, asked on a thread of the remover's, says so. Throws
     // EnvironmentError when the suite's event module is missing.
-    CardRemover(std::string strReader, std::chrono::milliseconds delay, DWORD dwUiThreadId,
-                bool bNeedsEdit);
+    CardRemover(std::string strReader, std::chrono::milliseconds delay,
+                std::function<bool()> isOpen);
     CardRemover(const CardRemover&) = delete;
     CardRemover& operator=(const CardRemover&) = delete;
     ~CardRemover() = default;
@@ -33,8 +34,7 @@ private:
     int (*m_pRaiseEvent)(int, const char*) = nullptr;
     std::string m_strReader;
     std::chrono::milliseconds m_delay;
-    DWORD m_dwUiThreadId;
-    bool m_bNeedsEdit;
+    std::function<bool()> m_isOpen;
     bool m_bRemoved = false;
     std::jthread m_thread;  // last: it uses the others
 };

@@ -20,6 +20,8 @@ public:
         Find(m_module, "PinHostCardManagerLocked", CardManagerLocked);
         Find(m_module, "PinHostToolAtWork", ToolAtWork);
         Find(m_module, "PinHostResetCard", ResetCard);
+        Find(m_module, "PinHostShowPopup", ShowPopup);
+        Find(m_module, "PinHostTellExpiry", TellExpiry);
     }
 
 private:
@@ -33,6 +35,8 @@ public:
     decltype(&::PinHostCardManagerLocked) CardManagerLocked = nullptr;
     decltype(&::PinHostToolAtWork) ToolAtWork = nullptr;
     decltype(&::PinHostResetCard) ResetCard = nullptr;
+    decltype(&::PinHostShowPopup) ShowPopup = nullptr;
+    decltype(&::PinHostTellExpiry) TellExpiry = nullptr;
 };
 
 }  // namespace pinhost

@@ -58,7 +58,8 @@ Commands AddCommands(CLI::App& app) {
     for (auto* make :
          {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand, MakeChangePinCommand,
           MakeUnlockCommand, MakeHelpDeskCommand, MakeInitPinCommand, MakeResetCommand,
-          MakeShowCodeCommand, MakeCardLockedCommand, MakeCardToolCommand, MakeRichTextCommand}) {
+          MakeShowCodeCommand, MakeCardLockedCommand, MakeCardToolCommand, MakeExpiryCommand,
+          MakePopupCommand, MakeAboutCommand, MakeRichTextCommand}) {
         auto command = make();
         CLI::App* added = command->AddTo(app);
         commands.emplace_back(added, std::move(command));

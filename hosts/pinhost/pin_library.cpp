@@ -97,6 +97,7 @@ PinLibrary::PinLibrary(const HostOptions& options) {
     Find(m_library, "GetPINFromUser", GetPINFromUser);
     Find(m_library, "GetChangePINInfoFromUser", GetChangePINInfoFromUser);
     Find(m_library, "FreeGetPinBuffer", FreeGetPinBuffer);
+    Find(m_library, "ShowAbout", ShowAbout);
     decltype(&::InitGUIDll) initialize = nullptr;
     Find(m_library, "InitGUIDll", initialize);
     initialize();

@@ -33,6 +33,7 @@ public:
     decltype(&::GetPINFromUser) GetPINFromUser = nullptr;
     decltype(&::GetChangePINInfoFromUser) GetChangePINInfoFromUser = nullptr;
     decltype(&::FreeGetPinBuffer) FreeGetPinBuffer = nullptr;
+    decltype(&::ShowAbout) ShowAbout = nullptr;
 };
 
 // Turns the suite's log on if it is asked for; it writes while the module is held. Throws

@@ -22,7 +22,7 @@ run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${installed})
 
 # The guide's host, as it stands there: it is built, not run, for it waits for its user.
 file(READ ${SOURCE_DIR}/../../docs/integration.md guide)
-foreach(file host.rc host.cpp)
+foreach(file host.rc host.cpp popup.cpp)
   if(NOT guide MATCHES "`${file}`:\n\n```[a-z]+\n(([^`]|`[^`])*)```")
     message(FATAL_ERROR "the guide has no ${file}")
   endif()
@@ -53,6 +53,7 @@ file(WRITE ${WORK_DIR}/all_headers.h ${includes})
 ask_pkg_config(mvpingui dlgfw vkevtsub)
 run(${CXX_COMPILER} -std=c++17 ${strict} -include ${WORK_DIR}/all_headers.h
     ${SOURCE_DIR}/project/consumer.cpp -o plain_cpp.exe ${flags} -static)
+run(${CXX_COMPILER} -std=c++17 ${strict} -c ${WORK_DIR}/guide/popup.cpp -o popup.o ${flags})
 
 foreach(program consumer_c consumer_cpp plain_c plain_cpp)
   run(${RUNNER} ./${program}.exe)

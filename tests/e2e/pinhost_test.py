@@ -166,6 +166,32 @@ class PinHostTest(unittest.TestCase):
         self.expect(1, {"reader": "Reader A", "result": "declined"}, "last-try", "--reader",
                     "Reader A", "--press", "cancel")
 
+    @unittest.skipUnless(os.name == "posix", "would install a product on this machine")
+    def test_about(self):
+        shown = {"result": "shown", "closedBy": "ok"}
+        picture = ("--press", "ok", "--screenshot", "about.png")
+        binaries = pathlib.Path(PROGRAM[-1]).parent
+        demo = [*PROGRAM[:-1], str(binaries / "demoproduct.exe")]
+        package = str(binaries / "demo_product.msi")
+        name = "Veskara Smart Card Suite"
+        try:
+            for versions, version in (((), "4.2.0.1180"), (("4.2.1", "4.2.2"), "4.2.2")):
+                run = self.run_host("install", package, *versions, program=demo)
+                self.assertEqual(run.returncode, 0, run)
+                self.expect(0, {**shown, "name": name, "version": f"Version {version}"}, "about",
+                            *picture)
+                self.check_picture("about.png")
+            unknown = {"name": "", "version": "Version "}
+            self.expect(0, {**shown, **unknown, "closedBy": "cancel"}, "about", "--press",
+                        "cancel", "--window-color", "--product-code",
+                        "{00000000-0000-0000-0000-000000000001}", "--language", "fr")
+            # What was set for the run is gone.
+            self.expect(0, {**shown, "name": name, "version": "Version 4.2.2"}, "about", *picture)
+        finally:
+            run = self.run_host("remove", program=demo)
+        self.assertEqual(run.returncode, 0, run)
+        self.expect(0, {**shown, **unknown}, "about", "--credits", "credits.txt", *picture)
+
     def get_pin(self, code, result, *options):
         self.expect(code, {"reader": "Lecteur é", "lastTry": False, **result}, "get-pin", "--card",
                     "card.json", *options)
@@ -341,6 +367,91 @@ class PinHostTest(unittest.TestCase):
             with self.subTest(arguments):
                 self.make_card(**{"unlockCode": CODE, **card})
                 self.on_card(code, result, *arguments)
+
+    def popup(self, *arguments):
+        """A run's exit code and object; the messages apart, without their times."""
+        run = self.run_host("popup", *arguments, "--json")
+        told = json.loads(run.stdout)
+        self.assertIn(f"`{told['result']}`", WORDS)
+        messages = told.pop("messages", [])
+        return run.returncode, told, messages, [(message["message"], message["to"],
+                                                 message.get("topic")) for message in messages]
+
+    def test_notices(self):
+        closed = [(1225, "window", None), (1225, "thread", None)]
+        helped = [(1227, "vkcrdsub", 1017), *closed]
+        for code, result, heard, most, *arguments in (
+                (0, "shown", closed, 20000, "card-alert", "--stay", "1", "--screenshot", "a.png",
+                 "--film", "film"),
+                (0, "shown", helped, 20000, "no-reader", "--stay", "1", "--click", "help"),
+                (3, "failed", [], 0, "no-reader", "--no-help", "--stay", "1", "--click", "help"),
+                (1, "disabled", [], 0, "no-reader", "--disabled"),
+                (2, "usage", [], 0, "otp", "--disabled"),
+                (1, "removed", closed, 20000, "card-alert", "--stay", "60",
+                 "--remove-card-after", "50"),
+                (1, "removed", closed, 20000, "otp", "--otp-after", "60000",
+                 "--remove-card-after", "50")):
+            with self.subTest(arguments):
+                actual, told, messages, hears = self.popup(*arguments)
+                self.assertEqual((actual, told["result"], hears), (code, result, heard), told)
+                # Closed by what the case does, not by the end of a minute.
+                self.assertTrue(all(message["after"] < most for message in messages), messages)
+        self.check_picture("a.png")
+        self.check_picture("film/strip.png")
+        self.check_picture("film/05.png")
+
+    def test_a_one_time_password_is_shown_for_its_time(self):
+        code, told, messages, _ = self.popup("otp", "--otp", "<b>740 291</b>", "--otp-after", "500",
+                                             "--stay", "1", "--next-screenshot", "otp.png")
+        self.assertEqual((code, told["result"], told["text"]), (0, "shown", "<b>740 291</b>"))
+        self.assertGreaterEqual(told["passwordAfter"], 500)
+        # Windows' clock ticks every 16 ms.
+        self.assertGreaterEqual(messages[0]["after"] - told["passwordAfter"], 900)
+        self.check_picture("otp.png")
+
+    def test_a_notice_comes_to_stand_beside_the_taskbar(self):
+        width, height, thickness = 340, 230, 40
+        for side, taken, place in (
+                ("top", (0, thickness, 0, 0), lambda a: (a[2] - width, a[1])),
+                ("left", (thickness, 0, 0, 0), lambda a: (a[0], a[3] - height)),
+                ("right", (0, 0, -thickness, 0), lambda a: (a[2] - width, a[3] - height)),
+                ("bottom", (0, 0, 0, -thickness),
+                 lambda a: (a[2] - width - 7, a[3] - height - 6)),
+                # The screen is whole again.
+                (None, (0, 0, 0, 0), lambda a: (a[2] - width - 7, a[3] - height - 6))):
+            with self.subTest(side):
+                options = ("--taskbar", side) if side else ()
+                code, told, _, _ = self.popup("card-alert", "--click", "close", "--stay", "60",
+                                              *options)
+                area = told["workArea"]
+                self.assertEqual((code, told["result"]), (0, "shown"), told)
+                if side == "top":
+                    screen = (0, 0, area[2], area[3])
+                self.assertEqual(area, [edge + by for edge, by in zip(screen, taken)])
+                self.assertEqual(tuple(told["place"][:2]), place(area))
+
+    def test_what_expires_is_told(self):
+        future = ("--cert", "a=2039-05-17", "--cert", "b=+400")
+        ok = ("--press", "ok")
+        for code, result, days, *arguments in (
+                (1, "unchanged", -1, *future, *ok),
+                (1, "unchanged", -1, *future, "--press", "cancel"),
+                (0, "changed", 7, *future, "--type", "7", *ok),
+                (0, "changed", 0, *future, "--tick", *ok),
+                (1, "unchanged", -1, *future, "--days", "0", "--tick", *ok),
+                (1, "unchanged", -1, "--card=-1", *future, *ok),
+                (1, "unchanged", -1, "--cert", "a=1969-07-20", "--cert", "=2038-01-20", *ok),
+                (0, "changed", 3, "--card", "2038-01-20", "--type", "3", "--language", "fr", *ok),
+                (1, "cancelled", -1, *future, "--cancel-after", "0"),
+                (1, "cancelled", -1, "--card", "+1", "--cancel-after", "50"),
+                (1, "none", -1, *ok)):
+            with self.subTest(arguments):
+                self.expect(code, {"reader": "Reader A", "days": days, "result": result}, "expiry",
+                            "--reader", "Reader A", *arguments)
+        for wrong in (("--card", "tomorrow"), ("--cert", "a"), ("--cert", "a=2031-02-30")):
+            self.expect(2, {"result": "usage", "message": wrong[1].split("=")[-1]}, "expiry", *wrong)
+        self.run_host("expiry", *future, "--screenshot", "notice.png", *ok)
+        self.check_picture("notice.png")
 
     def test_a_card_pulled_at_any_moment_ends_the_request(self):
         for delay in ("0", "15", "30", "45", "60"):

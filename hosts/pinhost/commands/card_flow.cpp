@@ -126,7 +126,9 @@ Asked AskUser(const CardOptions& options, const UserPlan& plan, const std::funct
     std::optional<CardRemover> remover;
     if (options.dwRemoveAfter) {
         remover.emplace(options.strReader, std::chrono::milliseconds(*options.dwRemoveAfter),
-                        GetCurrentThreadId(), plan.bNeedsEdit);
+                        [thread = GetCurrentThreadId(), edit = plan.bNeedsEdit] {
+                            return IsDialogOpen(thread, edit);
+                        });
     }
     AutomaticUser user(plan, GetCurrentThreadId());
     asked.bConfirmed = ask();

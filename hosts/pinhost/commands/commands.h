@@ -18,6 +18,9 @@ std::unique_ptr<Command> MakeResetCommand();
 std::unique_ptr<Command> MakeShowCodeCommand();
 std::unique_ptr<Command> MakeCardLockedCommand();
 std::unique_ptr<Command> MakeCardToolCommand();
+std::unique_ptr<Command> MakePopupCommand();
+std::unique_ptr<Command> MakeExpiryCommand();
+std::unique_ptr<Command> MakeAboutCommand();
 std::unique_ptr<Command> MakeRichTextCommand();
 
 }  // namespace pinhost

@@ -6,6 +6,8 @@
 
 #include "pinhost/flows/card_flows.h"
 #include "pinhost/flows/change_pin_window.h"
+#include "pinhost/flows/expiry_flow.h"
+#include "pinhost/flows/popup_flow.h"
 #include "platform/barrier.h"
 
 namespace {
@@ -48,4 +50,12 @@ extern "C" std::uint32_t PinHostToolAtWork(const PinHostCard* pCard, bool bUnloc
 
 extern "C" std::uint32_t PinHostResetCard(const PinHostCard* pCard, PinHostReset* pReset) {
     return RunFlow("resetting the card", [=] { return pinhost::ResetCard(*pCard, *pReset); });
+}
+
+extern "C" std::uint32_t PinHostShowPopup(PinHostPopup* pRequest) {
+    return RunFlow("the notice", [=] { return pinhost::ShowPopup(*pRequest); });
+}
+
+extern "C" std::uint32_t PinHostTellExpiry(PinHostExpiry* pExpiry) {
+    return RunFlow("the expiry notice", [=] { return pinhost::TellExpiry(*pExpiry); });
 }

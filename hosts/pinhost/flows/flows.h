@@ -8,6 +8,8 @@
 // the host's user interface, and they call the card's functions there.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
 
 #include <mvpingui/pin_policies.h>
@@ -90,3 +92,40 @@ struct PinHostReset {
 // entered does not fit.
 extern "C" PINHOST_FLOWS_API std::uint32_t PinHostResetCard(const PinHostCard* pCard,
                                                             PinHostReset* pReset);
+
+struct PinHostPopup {
+    HWND hParent;            // is told that the notice has closed
+    int nType;               // DIALOG_POPUP_NO_READER, ..._CARD_ALERT or ..._CARD_OTP
+    const char* pszReader;   // the card whose removal closes the one-time password; may be empty
+    const char* pszMessage;  // what stands over its busy bar
+    // Fetches the one-time password on a thread of its own; null for the other types.
+    LPTHREAD_START_ROUTINE pfnFetchPassword;
+    void* pContext;
+    void (*pfnShow)(void* pContext, HWND hPopup);  // right before it is shown
+    void (*pfnClosed)(void* pContext);             // the thread has been told that it has closed
+    bool bCreated;                                 // comes back: there was a window at least
+};
+
+// Shows a notice by CPopupAlert and runs the thread's messages until it has closed. Refused: it
+// could not be created, or the configuration does not ask for it.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostShowPopup(PinHostPopup* pRequest);
+
+struct PinHostCertificate {
+    const char* pszName;
+    std::int64_t nExpiry;  // seconds since 1970-01-01 00:00 UTC
+};
+
+struct PinHostExpiry {
+    const char* pszReader;
+    void* hCancel;       // closes the notice when it is signalled, a HANDLE; null: none
+    std::int32_t nDays;  // as the reminder is now
+    bool bCard;          // tell of the card, too
+    std::int64_t nCardExpiry;
+    const PinHostCertificate* pCertificates;
+    std::uint32_t nCertificates;
+    // What comes back: DisplayCardExpiryNotification's result.
+    std::int32_t nNewDays;
+};
+
+// Tells what expires by DisplayCardExpiryNotification. Confirmed: the number of days is a new one.
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostTellExpiry(PinHostExpiry* pExpiry);

@@ -1,14 +1,17 @@
-// Uses the exported classes from C++: a dialog of the host's own on the library's base, and one of
-// each of the card dialogs, with callbacks of a module that has a runtime of its own. Raises a
-// card's removal by hand.
+// Uses the exported classes from C++: a dialog of the host's own on the library's base, one of each
+// of the card dialogs, with callbacks of a module that has a runtime of its own, a popup, and the
+// notice of what expires. Raises a card's removal by hand.
 #include <cstdio>
 
 #include <dlgfw/dlgfw.h>
+#include <mvpingui/about_dialog.h>
 #include <mvpingui/base_dialog.h>
+#include <mvpingui/card_expiry.h>
 #include <mvpingui/card_manager_locked_dialog.h>
 #include <mvpingui/display_unlock_code.h>
 #include <mvpingui/initialize_pin_dialog.h>
 #include <mvpingui/mvpingui.h>
+#include <mvpingui/popup_alert.h>
 #include <mvpingui/reset_card_dialog.h>
 #include <mvpingui/unlock_card_dialog.h>
 #include <mvpingui/unlock_result_dialogs.h>
@@ -62,8 +65,62 @@ bool MakesOneOfEach() {
     CResetCardDialogMain reset(0, nullptr, 0, 0, 0, "Reader A");
     const CDisplayUnlockCodeDlg code(nullptr, "0123", "Reader A", 0);
     const CCMLockedDlg locked(nullptr, "Reader A");
+    const CAboutDlg about(1, nullptr, "Consumer");
     return initialize.m_bUnlockCodePending == 0 && reset.GetPin().IsEmpty() &&
            reset.Panel() == nullptr;
+}
+
+DWORD WINAPI FetchPassword(void* pWindow) {
+    char* text = NewPopupText("740 291");
+    if (!PostMessageA(static_cast<HWND>(pWindow), WM_POPUP_OTP_READY, 0,
+                      reinterpret_cast<LPARAM>(text))) {
+        HeapFree(GetProcessHeap(), 0, text);
+    }
+    return 0;
+}
+
+// Slides in with its bar, and is closed by its removed card once it shows the password.
+bool RunsPopup() {
+    struct Popup : CPopupAlert {
+        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+            const LRESULT result = CPopupAlert::WindowProc(message, wParam, lParam);
+            if (message == WM_TIMER && ::FindWindowExA(m_hWnd, nullptr, nullptr, "740 291")) {
+                VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
+            }
+            return result;
+        }
+    } popup;
+    popup.SetMessage("Wait.");
+    popup.SetReader("Reader A");
+    if (popup.Create(nullptr) == 0 || !popup.InitWindow(nullptr, DIALOG_POPUP_CARD_OTP, 0)) {
+        return false;
+    }
+    popup.SetThreadRoutine(&FetchPassword);
+    popup.Show();
+    MSG msg{};
+    while (GetMessageA(&msg, nullptr, 0, 0) > 0 && msg.message != WM_POPUP_CLOSED) {
+        DispatchMessageA(&msg);
+    }
+    return msg.message == WM_POPUP_CLOSED;
+}
+
+// The notice is called off as soon as it opens.
+bool TellsWhatExpires() {
+    const HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+    bool right = false;
+    {
+        VKExpiryNotificationInfo info("Reader A", event);
+        info.SetNbDaysForNotificationDelay(14);
+        info.AddCertificateExpiryNotificationInfo("later", 4000000000);
+        info.AddCertificateExpiryNotificationInfo("sooner", 3000000000);
+        const VKCertificateExpiryNotificationInfo first =
+            *info.GetCertificateExpiryNotificationInfo(0);
+        right = first.GetFriendlyName() == "sooner" &&
+                first.GetCertificateExpiryDate() == CTime(3000000000) &&
+                DisplayCardExpiryNotification(nullptr, &info) == -1;
+    }
+    CloseHandle(event);
+    return right;
 }
 
 }  // namespace
@@ -74,7 +131,7 @@ int main() {
     CBaseDialog::HidePinFromMemory(secret);
     HostDialog dialog;
     const bool right = secret.IsEmpty() && dialog.DoModal() == -1 && RunsUnlockDialog() &&
-                       MakesOneOfEach() &&
+                       RunsPopup() && MakesOneOfEach() && TellsWhatExpires() &&
                        VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A") == VKEVTSUB_OK;
     std::puts(right ? "ok" : "wrong");
     return right ? 0 : 1;
