@@ -12,6 +12,7 @@
 
 #include "dialog_ready.h"
 #include "mvpingui/mvpingui.h"
+#include "private_bytes.h"
 #include "resources/resource_numbers.h"
 
 namespace {
@@ -68,21 +69,11 @@ void AskCredentials() {
                                     CREDUI_FLAGS_DO_NOT_PERSIST);
 }
 
-std::size_t PrivateBytes() {
-    std::size_t bytes = 0;
-    MEMORY_BASIC_INFORMATION info{};
-    for (const char* p = nullptr; VirtualQuery(p, &info, sizeof info) != 0;
-         p = static_cast<const char*>(info.BaseAddress) + info.RegionSize) {
-        bytes += info.State == MEM_COMMIT && info.Type == MEM_PRIVATE ? info.RegionSize : 0;
-    }
-    return bytes;
-}
-
 void PrintCounts(const char* pszWhen) {
     DWORD handles = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handles);
     std::printf("%-44s %6lu kernel handles, %8zu KB private\n", pszWhen, handles,
-                PrivateBytes() / 1024);
+                mvp::bench::PrivateBytes() / 1024);
 }
 
 }  // namespace

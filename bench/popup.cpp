@@ -14,6 +14,7 @@
 #include "mvpingui/mvpingui.h"
 #include "mvpingui/popup_alert.h"
 #include "platform/handle.h"
+#include "private_bytes.h"
 
 namespace {
 
@@ -152,16 +153,6 @@ unsigned CountHeapBlocks() {
     return count;
 }
 
-std::size_t PrivateKilobytes() {
-    std::size_t bytes = 0;
-    MEMORY_BASIC_INFORMATION info{};
-    for (const char* p = nullptr; VirtualQuery(p, &info, sizeof info) != 0;
-         p = static_cast<const char*>(info.BaseAddress) + info.RegionSize) {
-        bytes += info.State == MEM_COMMIT && info.Type == MEM_PRIVATE ? info.RegionSize : 0;
-    }
-    return bytes / 1024;
-}
-
 // What may not grow: heap blocks, GDI objects, windows, icons and menus, threads.
 using Counts = std::array<unsigned, 5>;
 
@@ -187,7 +178,8 @@ Counts CountAfter(long nPopups) {
     std::printf(
         "after %6ld popups: %u heap blocks, %u GDI objects, %u windows, %u icons and menus, %u "
         "threads, %zu KB private\n",
-        nPopups, counts[0], counts[1], counts[2], counts[3], counts[4], PrivateKilobytes());
+        nPopups, counts[0], counts[1], counts[2], counts[3], counts[4],
+        mvp::bench::PrivateBytes() / 1024);
     return counts;
 }
 
