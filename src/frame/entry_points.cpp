@@ -38,6 +38,7 @@ extern "C" uint32_t DisplayLastPINTry(const char* pszReader) {
 
 extern "C" uint32_t ShowAbout(int32_t nColorMode, const void* /*pIgnored*/,
                               const char* pszCaption) {
+    const mvp::LogScope scope("ShowAbout");
     return mvp::Guarded(
         MVPINGUI_REFUSED,
         [=] { return static_cast<uint32_t>(CAboutDlg(nColorMode, nullptr, pszCaption).DoModal()); },

@@ -131,8 +131,10 @@ TEST_F(AboutBox, ShowsItsTextsAndNothingOfAnUnknownProduct) {
             caption.c_str());
         EXPECT_EQ(errors, (Lines{"RegOpenKeyEx returns the error 2", "Using default product code!",
                                  "Unable to retreive information from installed product!"}));
-        EXPECT_EQ(m_log.Lines().front(), (RecordedLine{"MVPINGUI", 8, "CAboutDlg::OnInitDialog"}));
-        EXPECT_EQ(m_log.Lines().back(), (RecordedLine{"MVPINGUI", 16, "CAboutDlg::OnInitDialog"}));
+        EXPECT_EQ(m_log.Texts(8),
+                  (Lines{"ShowAbout", "CAboutDlg::OnInitDialog", "readStringFromRegistry_sz"}));
+        EXPECT_EQ(m_log.Texts(16), (Lines{"readStringFromRegistry_sz ! -1",
+                                          "CAboutDlg::OnInitDialog", "ShowAbout"}));
     }
 }
 
@@ -186,6 +188,15 @@ TEST_F(AboutBox, HasTheColoursOfItsMode) {
         };
         EXPECT_EQ(Open(dialog, {look}), IDCANCEL);
     }
+    struct Throwing : CStatic {
+        BOOL OnChildNotify(UINT, WPARAM, LPARAM, LRESULT*) override { throw 1; }
+    } control;
+    struct Box : CAboutDlg {
+        using CAboutDlg::CAboutDlg;
+        using CAboutDlg::OnCtlColor;
+    } box(0, nullptr, "Caption");
+    EXPECT_EQ(box.OnCtlColor(nullptr, &control, CTLCOLOR_STATIC), nullptr);
+    EXPECT_TRUE(m_log.Contains(1, "CAboutDlg::OnCtlColor: exception"));
 }
 
 TEST_F(AboutBoxOverInstaller, AsksForTheConfiguredProductOrItsOwn) {
@@ -250,8 +261,8 @@ TEST_F(AboutBoxOverInstaller, HandsTheCreditsToTheShell) {
         {"", 33, "readStringFromRegistry_sz S_REG_KEY_LICENCE_FILE failed"},
         {R"(C:\credits & terms.txt)", 33, ""},
         {R"(C:\credits.txt)", 32, R"(ShellExecute C:\credits.txt failed (32))"},
+        {R"(C:\windows\)", 33, ""},  // a folder
         {R"(C:\100%s.txt)", 2, R"(ShellExecute C:\100%s.txt failed (2))"},
-        {R"(C:\credits.txt)", 0, R"(ShellExecute C:\credits.txt failed (0))"},
     };
     for (const Case& credits : cases) {
         const std::string& file = credits.strFile;

@@ -112,10 +112,13 @@ TEST(Operations, StopAndTellWhenMemoryIsShort) {
         SetPinPromptString("a prompt that needs memory of its own");
         heap.FailAt(0);
         EXPECT_EQ(DisplayLastPINTry("Reader A"), MVPINGUI_REFUSED);
+        heap.FailAt(0);
+        EXPECT_EQ(ShowAbout(0, nullptr, "Caption"), MVPINGUI_REFUSED);
     }
-    EXPECT_EQ(log.Texts(1), (std::vector<std::string>{"SetPinPromptString: exception",
-                                                      "DisplayLastPINTry: exception"}));
-    EXPECT_EQ(log.Texts(16).size(), 2U) << log.Dump();
+    EXPECT_EQ(log.Texts(1),
+              (std::vector<std::string>{"SetPinPromptString: exception",
+                                        "DisplayLastPINTry: exception", "ShowAbout: exception"}));
+    EXPECT_EQ(log.Texts(16).size(), 3U) << log.Dump();
 }
 
 }  // namespace
