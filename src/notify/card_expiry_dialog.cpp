@@ -23,11 +23,9 @@ constexpr int kHelpTopic = 1012;
 constexpr int kIconSize = 16;
 constexpr int kNameWidth = 192;
 constexpr int kDateWidth = 150;
-// Columns of the list, and images of its rows in the order in which they are added.
+// Columns of the list.
 constexpr int kNameColumn = 0;
 constexpr int kDateColumn = 1;
-constexpr int kValidImage = 0;
-constexpr int kExpiredImage = 1;
 
 }  // namespace
 
@@ -143,10 +141,9 @@ bool CCardExpiryNotifyDlg::ShowCertificates(CTime now) {
 
 void CCardExpiryNotifyDlg::MakeColumns() {
     const int size = mvp::PixelsAt(Dpi(), kIconSize);
-    m_images.DeleteImageList();  // of a former DoModal
     m_images.Create(size, size, ILC_COLOR24 | ILC_MASK, 2, 1);
-    m_images.Add(mvp::LoadResourceIcon(IDI_CERTIFICATE_VALID, size));
-    m_images.Add(mvp::LoadResourceIcon(IDI_CERTIFICATE_EXPIRED, size));
+    m_nValidImage = AddImage(IDI_CERTIFICATE_VALID);
+    m_nExpiredImage = AddImage(IDI_CERTIFICATE_EXPIRED);
     m_list.SetImageList(&m_images, LVSIL_SMALL);
     m_list.InsertColumn(kNameColumn, mvp::ResourceString(IDS_CARD_EXPIRY_NAME_COLUMN), LVCFMT_LEFT,
                         mvp::PixelsAt(Dpi(), kNameWidth));
@@ -154,6 +151,12 @@ void CCardExpiryNotifyDlg::MakeColumns() {
                         mvp::PixelsAt(Dpi(), kDateWidth));
     // A name that is cut shows whole in a tip.
     m_list.SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_LABELTIP | LVS_EX_FULLROWSELECT);
+}
+
+// Returns the image's index. A missing icon leaves its rows without one, and not with the next.
+int CCardExpiryNotifyDlg::AddImage(UINT nIcon) {
+    const int image = m_images.Add(mvp::LoadResourceIcon(nIcon, mvp::PixelsAt(Dpi(), kIconSize)));
+    return image >= 0 ? image : I_IMAGENONE;
 }
 
 // Returns whether the certificate has expired.
@@ -166,7 +169,8 @@ bool CCardExpiryNotifyDlg::AddRow(int nRow, CTime now) {
     if (expired) {
         date += mvp::ResourceString(IDS_CARD_EXPIRY_DATE_EXPIRED);
     }
-    m_list.InsertItem(nRow, certificate->GetFriendlyName(), expired ? kExpiredImage : kValidImage);
+    m_list.InsertItem(nRow, certificate->GetFriendlyName(),
+                      expired ? m_nExpiredImage : m_nValidImage);
     m_list.SetItemText(nRow, kDateColumn, date);
     return expired;
 }
@@ -182,7 +186,8 @@ void CCardExpiryNotifyDlg::ShowExpired() {
     if (mvp::LoadResourceString(IDS_CARD_EXPIRY_CLOSE, close)) {
         SetDlgItemText(IDCANCEL, close);
     }
-    // As the dialog's own default button, so that Enter presses it, too.
+    // Enter presses it from wherever the focus is: the hidden OK is the default no more.
+    SendMessage(DM_SETDEFID, IDCANCEL);
     SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(::GetDlgItem(m_hWnd, IDCANCEL)), TRUE);
 }
 

@@ -44,6 +44,7 @@ private:
     void ShowSentence();
     bool ShowCertificates(CTime now);
     void MakeColumns();
+    int AddImage(UINT nIcon);
     bool AddRow(int nRow, CTime now);
     void ShowExpired();
     void Take(const mvp::FormStep& step);
@@ -56,5 +57,7 @@ private:
     CListCtrl m_list;
     CSpinButtonCtrl m_spin;
     CImageList m_images;  // outlives the list, which only borrows it
+    int m_nValidImage = I_IMAGENONE;
+    int m_nExpiredImage = I_IMAGENONE;
     mvp::CancelWatch m_cancelWatch;
 };

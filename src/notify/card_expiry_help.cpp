@@ -1,5 +1,8 @@
 #include "notify/card_expiry_help.h"
 
+#include <windows.h>
+#include <shellapi.h>
+
 #include <array>
 
 #include "platform/system_library.h"
@@ -14,8 +17,6 @@ constexpr char kHelpValue[] = "ValidityCheckHelp";
 constexpr DWORD kHelpCapacity = 260;
 // One byte more than is offered: a value that fills the buffer may come without a terminator.
 using HelpPath = std::array<char, kHelpCapacity + 1>;
-
-ShellOpener g_pOpener = nullptr;
 
 bool ReadPath(HelpPath& path) {
     const RegistryRead read = ReadRegistry({kConfigKey, kHelpValue}, path.data(), kHelpCapacity);
@@ -35,9 +36,9 @@ bool ReadPath(HelpPath& path) {
 }
 
 // Given up to the process, as the shell may go on working after the call.
-ShellOpener SystemOpener() {
+auto FindShellExecute() {
     static const HMODULE shell = LoadSystemLibrary("shell32.dll").release();
-    return FindFunction<ShellOpener>(shell, "ShellExecuteA");
+    return FindFunction<decltype(&ShellExecuteA)>(shell, "ShellExecuteA");
 }
 
 }  // namespace
@@ -48,18 +49,14 @@ bool OpenValidityHelp() {
     if (!ReadPath(path) || path.front() == '\0') {
         return false;
     }
-    const ShellOpener opener = g_pOpener != nullptr ? g_pOpener : SystemOpener();
-    if (opener != nullptr &&
-        reinterpret_cast<INT_PTR>(opener(nullptr, "open", path.data(), nullptr, nullptr,
-                                         SW_SHOWNORMAL)) > kLastShellError) {
+    const auto execute = FindShellExecute();
+    if (execute != nullptr &&
+        reinterpret_cast<INT_PTR>(execute(nullptr, "open", path.data(), nullptr, nullptr,
+                                          SW_SHOWNORMAL)) > kLastShellError) {
         return true;
     }
     vklogLog(g_szLogTag, kLogError, "ShellExecute with \"%s\" failed", path.data());
     return false;
-}
-
-void SetShellOpener(ShellOpener pOpener) noexcept {
-    g_pOpener = pOpener;
 }
 
 }  // namespace mvp

@@ -16,14 +16,17 @@ namespace mvp::test {
 inline constexpr __time64_t kNow = 1'936'785'600;
 inline constexpr __time64_t kDay = 86'400;
 
-// A notice that opens at kNow.
+// A notice that opens at kNow, on a clock that runs fast.
 class NoticeAtNow : public CCardExpiryNotifyDlg {
 public:
     explicit NoticeAtNow(const VKExpiryNotificationInfo& info)
         : CCardExpiryNotifyDlg(nullptr, info.GetReaderName(), info) {}
 
 protected:
-    CTime Now() const override { return kNow; }
+    CTime Now() const override { return kNow + 1000 * kDay * m_nAsked++; }
+
+private:
+    mutable int m_nAsked = 0;
 };
 
 struct Certificate {
@@ -40,7 +43,7 @@ struct Told {
 
     void FillIn(VKExpiryNotificationInfo& info) const {
         info.SetNbDaysForNotificationDelay(nDays);
-        info.SetMustDisplayCardExpiry(card != 0 ? 1 : 0, card);
+        info.SetMustDisplayCardExpiry(card != 0 ? -1 : 0, card);
         for (const auto& [name, expiry] : certificates) {
             info.AddCertificateExpiryNotificationInfo(name, expiry);
         }

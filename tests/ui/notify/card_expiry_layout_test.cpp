@@ -35,6 +35,8 @@ using CardExpiryForm = LibraryTest;
 
 constexpr __time64_t kSoon = kNow + kDay;
 constexpr __time64_t kPast = kNow - kDay;
+// The runtime knows no date before 1970, nor behind the year 3000.
+constexpr __time64_t kDateless = 9'000'000'000'000'000'000;
 
 // The line about the card: the static without a number.
 HWND CardLineOf(HWND hDialog) {
@@ -105,6 +107,11 @@ TEST_F(CardExpiryForm, FitsWhatItTells) {
         EXPECT_EQ(d.FocusedId(), expected.bHasExpired ? IDCANCEL
                                  : isListed           ? IDC_CARD_EXPIRY_LIST
                                                       : IDC_CARD_EXPIRY_REMIND);
+        EXPECT_EQ(d.Send(IDC_CARD_EXPIRY_LIST, LVM_GETITEMCOUNT),
+                  std::ssize(expected.told.certificates));
+        if (isListed) {
+            d.Focus(IDC_CARD_EXPIRY_LIST);
+        }
         d.Enter();
     };
     const std::vector<Certificate> valid = {{"a", kSoon}, {"b", kNow}};
@@ -113,7 +120,9 @@ TEST_F(CardExpiryForm, FitsWhatItTells) {
         {{.certificates = valid}, false, ""},  // first: the others are compared with it
         {{.certificates = mixed}, true, ""},
         {{.card = kSoon}, false, expires},
+        {{.card = kDateless}, false, Filled(IDS_CARD_EXPIRY_EXPIRES_FORMAT, "")},
         {{.card = kSoon, .certificates = valid}, false, expires},
+        {{.card = kSoon, .certificates = {1000, {"a", kSoon}}}, false, expires},
         {{.card = kSoon, .certificates = mixed}, true, expires},
         {{.card = kNow}, true, expired},
         {{.card = kPast, .certificates = valid}, true, expired},
@@ -125,6 +134,36 @@ TEST_F(CardExpiryForm, FitsWhatItTells) {
     }
 }
 
+HIMAGELIST ImagesOf(HWND hList) {
+    return reinterpret_cast<HIMAGELIST>(SendMessageA(hList, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
+}
+
+// Of the images and of their masks, with the number of bits that each takes.
+std::string PixelsOf(HIMAGELIST hImages) {
+    IMAGEINFO info{};
+    ImageList_GetImageInfo(hImages, 0, &info);
+    std::string all = std::to_string(ImageList_GetImageCount(hImages));
+    for (HBITMAP bitmap : {info.hbmImage, info.hbmMask}) {
+        BITMAP form{};
+        GetObjectA(bitmap, sizeof form, &form);
+        std::string pixels(static_cast<std::size_t>(form.bmWidthBytes * form.bmHeight), '\0');
+        GetBitmapBits(bitmap, static_cast<LONG>(pixels.size()), pixels.data());
+        all += " " + std::to_string(form.bmBitsPixel) + ":" + pixels;
+    }
+    return all;
+}
+
+int ImageOf(Dialog& d, int nRow) {
+    LVITEMA item{};
+    item.mask = LVIF_IMAGE;
+    item.iItem = nRow;
+    d.Run([&] {
+        SendMessageA(d.Control(IDC_CARD_EXPIRY_LIST), LVM_GETITEMA, 0,
+                     reinterpret_cast<LPARAM>(&item));
+    });
+    return item.iImage;
+}
+
 TEST_F(CardExpiryForm, ListsWhatExpiresFirstFirst) {
     const std::string longName(1000, 'n');
     const Told told{.certificates = {{"later", kNow + 40 * kDay},
@@ -134,8 +173,7 @@ TEST_F(CardExpiryForm, ListsWhatExpiresFirstFirst) {
                                      {"gone", kPast},
                                      {"old", -kDay},
                                      {"never", 4'102'488'000},
-                                     {"no date", 9'000'000'000'000'000'000}}};
-    // The runtime knows no date before 1970, nor behind the year 3000.
+                                     {"no date", kDateless}}};
     const std::string suffix = TextOf(IDS_CARD_EXPIRY_DATE_EXPIRED);
     const std::tuple<std::string, std::string, int> rows[] = {
         {"old", suffix, 1},           {"gone", "05/16/31" + suffix, 1},
@@ -144,32 +182,22 @@ TEST_F(CardExpiryForm, ListsWhatExpiresFirstFirst) {
         {"never", "01/01/00", 0},     {"no date", "", 0}};
     const auto look = [&](Dialog& d) {
         constexpr int kList = IDC_CARD_EXPIRY_LIST;
-        EXPECT_EQ(d.Send(kList, LVM_GETITEMCOUNT), std::ssize(rows));
         int row = 0;
         for (const auto& [name, date, image] : rows) {
             // A list shows, and gives out, no more than it was made for of a very long name.
             const std::string cell = CellOf(d, row, 0);
             EXPECT_TRUE(name.starts_with(cell) && (cell == name || cell.size() >= 259)) << cell;
             EXPECT_EQ(CellOf(d, row, 1), date) << name;
-            LVITEMA item{};
-            item.mask = LVIF_IMAGE;
-            item.iItem = row++;
-            d.Run([&] {
-                SendMessageA(d.Control(kList), LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
-            });
-            EXPECT_EQ(item.iImage, image) << name;
+            EXPECT_EQ(ImageOf(d, row++), image) << name;
         }
+        EXPECT_EQ(d.Send(kList, LVM_GETEXTENDEDLISTVIEWSTYLE) & LVS_EX_LABELTIP, LVS_EX_LABELTIP);
         d.Run([&] {
             const HWND list = d.Control(kList);
-            auto* const images =
-                reinterpret_cast<HIMAGELIST>(SendMessageA(list, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
-            int width = 0;
-            int height = 0;
-            ImageList_GetIconSize(images, &width, &height);
-            EXPECT_EQ(std::tuple(width, height, ImageList_GetImageCount(images)),
-                      std::tuple(16, 16, 2));
-            EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0), 192);
-            EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0), 150);
+            CImageList images;
+            images.Create(16, 16, ILC_COLOR24 | ILC_MASK, 2, 1);
+            images.Add(LoadResourceIcon(IDI_CERTIFICATE_VALID, 16));
+            images.Add(LoadResourceIcon(IDI_CERTIFICATE_EXPIRED, 16));
+            EXPECT_TRUE(PixelsOf(ImagesOf(list)) == PixelsOf(images));
             for (const auto& [column, title] :
                  {std::pair<WPARAM, UINT>{0, IDS_CARD_EXPIRY_NAME_COLUMN},
                   {1, IDS_CARD_EXPIRY_DATE_COLUMN}}) {
@@ -187,16 +215,19 @@ TEST_F(CardExpiryForm, ListsWhatExpiresFirstFirst) {
     EXPECT_EQ(told.ShowAtNow({look}), IDCANCEL);
 }
 
-TEST_F(CardExpiryForm, ListsAThousandCertificates) {
-    Told told;
-    for (int i = 0; i < 1000; ++i) {
-        told.certificates.push_back({i % 2 == 0 ? "even" : "odd", kSoon + i % 7});
-    }
+int WINAPI TakeNoTick(HIMAGELIST hImages, int nImage, HICON hIcon) {
+    const bool isTick = hIcon == LoadResourceIcon(IDI_CERTIFICATE_VALID, 16);
+    return isTick ? -1 : ImageList_ReplaceIcon(hImages, nImage, hIcon);
+}
+
+TEST_F(CardExpiryForm, CrossesOutNothingValidWhenTheTickIsMissing) {
+    const PatchedImports lists("dlgfw.dll", {{"ImageList_ReplaceIcon", Address(&TakeNoTick)}});
     const auto look = [](Dialog& d) {
-        EXPECT_EQ(d.Send(IDC_CARD_EXPIRY_LIST, LVM_GETITEMCOUNT), 1000);
+        EXPECT_EQ(ImageOf(d, 0), 0);
+        EXPECT_EQ(ImageOf(d, 1), I_IMAGENONE);
         d.Escape();
     };
-    EXPECT_EQ(told.ShowAtNow({look}), IDCANCEL);
+    EXPECT_EQ((Told{.certificates = {{"a", kPast}, {"b", kSoon}}}.ShowAtNow({look})), IDCANCEL);
 }
 
 TEST_F(CardExpiryForm, TakesTheAdministratorsSentence) {
@@ -222,12 +253,21 @@ TEST_F(CardExpiryForm, TakesTheAdministratorsSentence) {
 }
 
 TEST_F(CardExpiryForm, DoesWithoutAnyOneControl) {
+    std::map<int, int> heights;  // of the dialogs that tell of nothing expired
     for (const bool isExpired : {false, true}) {
         for (const int missing : kControls) {
             VKExpiryNotificationInfo info("Reader A", nullptr);
             Told{.card = isExpired ? kPast : kSoon, .certificates = {{"a", kSoon}}}.FillIn(info);
             Incomplete<NoticeAtNow> notice(missing, std::cref(info));
-            EXPECT_EQ(Open(notice, {[](Dialog& d) { d.Cancel(); }}), IDCANCEL) << missing;
+            const bool isMeasurable =
+                missing != IDC_CARD_EXPIRY_DAYS && missing != IDC_CARD_EXPIRY_NEVER_AGAIN;
+            const auto look = [&](Dialog& d) {
+                const int height = PlacesOf(d.Handle())[0].Height();
+                const int former = heights.emplace(missing, height).first->second;
+                EXPECT_EQ(height != former, isExpired && isMeasurable) << missing;
+                d.Cancel();
+            };
+            EXPECT_EQ(Open(notice, {look}), IDCANCEL) << missing;
         }
     }
     VKExpiryNotificationInfo info("Reader A", nullptr);
@@ -254,8 +294,11 @@ TEST_F(CardExpiryForm, NothingOverlapsOrIsCutAtAnyResolution) {
         for (const Told& told : states) {
             const auto look = [&](Dialog& d) {
                 ExpectAllInPlace(d, std::to_string(percent));
-                const auto width = d.Send(IDC_CARD_EXPIRY_LIST, LVM_GETCOLUMNWIDTH, 0);
-                EXPECT_EQ(width, told.certificates.empty() ? width : 192 * percent / 100);
+                for (const int width : {192, 150}) {
+                    const auto shown =
+                        d.Send(IDC_CARD_EXPIRY_LIST, LVM_GETCOLUMNWIDTH, width == 150);
+                    EXPECT_EQ(shown, told.certificates.empty() ? shown : width * percent / 100);
+                }
                 d.Escape();
             };
             EXPECT_EQ(told.ShowAtNow({look}), IDCANCEL);
