@@ -32,7 +32,7 @@ struct MadeUpInstaller {
     std::map<std::string, Properties> packages;        // path -> table -> value
     std::set<std::string> failing;                     // functions that answer with an error
     std::uint32_t nEnumError = kInstallerNoMoreItems;  // behind the last patch
-    int nGrowth = 0;                                   // of a text with each call for it
+    int nGrowth = 0;  // how many further calls find a text longer by one than the last did
 
     std::map<std::uint32_t, char> open;  // handles: 'd'atabase, 'v'iew, 'r'ecord
     std::vector<std::pair<std::string, std::uintptr_t>> opened;  // databases with their modes
@@ -71,7 +71,8 @@ private:
     static bool Fails(const char* pszFunction) { return s_pThis->failing.contains(pszFunction); }
 
     static std::uint32_t Give(std::string text, char* pszBuffer, std::uint32_t* pSize) {
-        text.append(static_cast<std::size_t>(s_pThis->nGrowth) * ++s_nCalls, '+');
+        s_pThis->m_nGrown += s_pThis->nGrowth-- > 0 ? 1U : 0U;
+        text.append(s_pThis->m_nGrown, '+');
         const std::uint32_t room = std::exchange(*pSize, static_cast<std::uint32_t>(text.size()));
         if (room > 0) {
             std::memset(pszBuffer, '#', room);
@@ -166,10 +167,11 @@ private:
         return kInstallerSuccess;
     }
 
+    std::size_t m_nGrown = 0;
+
     static inline MadeUpInstaller* s_pThis = nullptr;
     static inline Properties s_tables;     // of the database opened last
     static inline std::string s_strValue;  // of the view opened last
-    static inline std::size_t s_nCalls = 0;
 };
 
 }  // namespace mvp::test

@@ -3,27 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "resources/resource_numbers.h"
 
 namespace mvp {
 namespace {
 
 constexpr Seconds kFirst = std::numeric_limits<Seconds>::min();
 constexpr Seconds kLast = std::numeric_limits<Seconds>::max();
-constexpr int kOk = 1;
-constexpr int kCancel = 2;
-
-using Ids = std::vector<int>;
-Ids Sorted(std::span<const int> ids) {
-    Ids sorted(ids.begin(), ids.end());
-    std::sort(sorted.begin(), sorted.end());
-    return sorted;
-}
 
 TEST(ExpiryOrder, PutsANewOneBehindTheEarlierAndBeforeItsEquals) {
     struct Case {
@@ -64,46 +53,12 @@ TEST(Expiry, IsToldOfACardOrACertificate) {
     EXPECT_TRUE(IsSomethingToTell(false, 1));
 }
 
-TEST(ExpiryForm, HidesAndMovesWhatItMustByWhatItMust) {
-    const Ids below{kOk,
-                    kCancel,
-                    IDC_CARD_EXPIRY_DAYS,
-                    IDC_CARD_EXPIRY_SPIN,
-                    IDC_CARD_EXPIRY_REMIND,
-                    IDC_CARD_EXPIRY_SEPARATOR,
-                    IDC_CARD_EXPIRY_DAYS_LABEL,
-                    IDC_CARD_EXPIRY_NEVER_AGAIN};
-    Ids all = below;
-    all.insert(all.end(), {IDC_CARD_EXPIRY_LIST, IDC_CARD_EXPIRY_LIST_LABEL});
-    const Ids reminder{kOk,
-                       IDC_CARD_EXPIRY_DAYS,
-                       IDC_CARD_EXPIRY_SPIN,
-                       IDC_CARD_EXPIRY_REMIND,
-                       IDC_CARD_EXPIRY_DAYS_LABEL,
-                       IDC_CARD_EXPIRY_NEVER_AGAIN};
-    struct Case {
-        FormStep step;
-        Ids hidden;
-        Ids moved;
-        int dy;
-    };
-    for (const auto& [step, hidden, moved, dy] :
-         {Case{WithCardLine(96), {}, Sorted(all), 30}, Case{WithCardLine(144), {}, Sorted(all), 45},
-          Case{WithCardLine(192), {}, Sorted(all), 60},
-          Case{WithoutCertificates(127, 96),
-               {IDC_CARD_EXPIRY_LIST, IDC_CARD_EXPIRY_LIST_LABEL},
-               below,
-               -147},
-          Case{WithoutCertificates(250, 192),
-               {IDC_CARD_EXPIRY_LIST, IDC_CARD_EXPIRY_LIST_LABEL},
-               below,
-               -290},
-          Case{WithoutReminder(232, 278),
-               reminder,
-               {kOk, kCancel, IDC_CARD_EXPIRY_SEPARATOR},
-               -46}}) {
-        EXPECT_EQ(Sorted(step.hidden), hidden);
-        EXPECT_EQ(Sorted(step.moved), moved);
+TEST(ExpiryForm, GrowsAndShrinksByWhatItMust) {
+    for (const auto& [step, dy] : {std::pair{WithCardLine(96), 30},
+                                   {WithCardLine(144), 45},
+                                   {WithoutCertificates(127, 96), -147},
+                                   {WithoutCertificates(250, 192), -290},
+                                   {WithoutReminder(232, 278), -46}}) {
         EXPECT_EQ(step.dy, dy);
     }
 }
@@ -129,17 +84,13 @@ TEST(ExpiryAnswer, IsTheNumberOfDaysWhenItIsAnotherOne) {
          {Case{14, "14", -1},
           {14, "7", 7},
           {14, "0", 0},
-          {0, "0", -1},
           {14, "", 0},
-          {0, "", -1},
           {14, "letters", 0},
           {14, "12 days", 12},
           {14, " 9", 9},
-          {14, "99", 99},
           {14, "-5", -5},
           {14, "-1", -1},
           {-1, "-1", -1},
-          {-1, "3", 3},
           {1, "1,000", -1},
           {kMost, "2147483647", -1},
           {14, "2147483648", kMost},
