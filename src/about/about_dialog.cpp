@@ -1,8 +1,5 @@
 #include "mvpingui/about_dialog.h"
 
-#include <windows.h>
-#include <shellapi.h>
-
 #include <algorithm>
 
 #include <dlgfw/dc.h>
@@ -13,7 +10,7 @@
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/dialog_looks.h"
 #include "dialogs/base/resource_dialog.h"
-#include "platform/system_library.h"
+#include "platform/shell_document.h"
 #include "resources/resource_numbers.h"
 #include "services/format_text.h"
 #include "services/registry_readers.h"
@@ -30,8 +27,6 @@ constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
 constexpr char kDefaultProductCode[] = "{5B21C0D4-7A93-4E6F-B812-3C9D0E4F6A17}";
 // Of the version's line, without the terminator.
 constexpr int kLongestVersionLine = 255;
-// What the shell returns at most when it has not opened a document.
-constexpr INT_PTR kLastShellError = 32;
 
 mvp::ProductInformation InstalledProduct() {
     const mvp::InstallerLibrary installer;
@@ -45,19 +40,6 @@ mvp::ProductInformation InstalledProduct() {
         vklogLog(g_szLogTag, kLogError, "Using default product code!");
     }
     return mvp::ReadProductInformation(installer.Functions(), code);
-}
-
-// The shell's answer: more than kLastShellError when it has opened the document.
-INT_PTR OpenDocument(const char* pszPath) {
-    // Loaded when credits are first asked for. Given up to the process, as the shell may go on
-    // working after the call.
-    static const HMODULE shell = mvp::LoadSystemLibrary("shell32.dll").release();
-    const auto execute = mvp::FindFunction<decltype(&ShellExecuteA)>(shell, "ShellExecuteA");
-    if (execute == nullptr) {
-        return 0;
-    }
-    return reinterpret_cast<INT_PTR>(
-        execute(nullptr, nullptr, pszPath, nullptr, nullptr, SW_SHOWNORMAL));
 }
 
 }  // namespace
@@ -121,8 +103,8 @@ void CAboutDlg::OnBnClickedCredits() {
         vklogLog(g_szLogTag, kLogError, "readStringFromRegistry_sz S_REG_KEY_LICENCE_FILE failed");
         return;
     }
-    const INT_PTR opened = OpenDocument(path);
-    if (opened <= kLastShellError) {
+    const INT_PTR opened = mvp::OpenDocument(nullptr, path);
+    if (opened <= mvp::kLastShellError) {
         vklogLog(g_szLogTag, kLogError, "ShellExecute %s failed (%d)", path.GetString(),
                  static_cast<int>(opened));
     }

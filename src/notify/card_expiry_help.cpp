@@ -1,11 +1,8 @@
 #include "notify/card_expiry_help.h"
 
-#include <windows.h>
-#include <shellapi.h>
-
 #include <array>
 
-#include "platform/system_library.h"
+#include "platform/shell_document.h"
 #include "services/log.h"
 #include "services/registry_value.h"
 
@@ -35,24 +32,14 @@ bool ReadPath(HelpPath& path) {
     return false;
 }
 
-// Given up to the process, as the shell may go on working after the call.
-auto FindShellExecute() {
-    static const HMODULE shell = LoadSystemLibrary("shell32.dll").release();
-    return FindFunction<decltype(&ShellExecuteA)>(shell, "ShellExecuteA");
-}
-
 }  // namespace
 
 bool OpenValidityHelp() {
-    constexpr INT_PTR kLastShellError = 32;
     HelpPath path{};
     if (!ReadPath(path) || path.front() == '\0') {
         return false;
     }
-    const auto execute = FindShellExecute();
-    if (execute != nullptr &&
-        reinterpret_cast<INT_PTR>(execute(nullptr, "open", path.data(), nullptr, nullptr,
-                                          SW_SHOWNORMAL)) > kLastShellError) {
+    if (OpenDocument("open", path.data()) > kLastShellError) {
         return true;
     }
     vklogLog(g_szLogTag, kLogError, "ShellExecute with \"%s\" failed", path.data());

@@ -200,17 +200,18 @@ TEST_F(AboutBox, HasTheColoursOfItsMode) {
 }
 
 TEST_F(AboutBoxOverInstaller, AsksForTheConfiguredProductOrItsOwn) {
-    g_found.strValue = "Suite";
     const Lines unread = {"Unable to retreive information from installed product database!",
                           "No patch found!",
                           "Unable to retreive information from installed patches databases!. No "
                           "patch?"};
-    for (const std::string code : {kOwnCode, ""}) {
+    for (const auto& [code, length] :
+         {std::pair{kOwnCode, 0U}, {kOwnCode, 247U}, {"", 248U}, {"", 1000U}}) {
         m_hive.SetString(kProductKey, "ProductCode", code);
+        g_found.strValue = std::string(length, 'v');
         EXPECT_EQ(Show([](Dialog& d) {
-                      EXPECT_EQ(d.Text(IDC_ABOUT_NAME), "Suite");
+                      EXPECT_EQ(d.Text(IDC_ABOUT_NAME), g_found.strValue);
                       EXPECT_EQ(d.Text(IDC_ABOUT_VERSION),
-                                Filled(IDS_ABOUT_VERSION_FORMAT, "Suite"));
+                                ("Version " + g_found.strValue).substr(0, 255));
                       d.Enter();
                   }),
                   unread);
@@ -220,17 +221,6 @@ TEST_F(AboutBoxOverInstaller, AsksForTheConfiguredProductOrItsOwn) {
     Show(&Leave);
     EXPECT_EQ(g_found.strProduct, kDefaultCode);
     EXPECT_TRUE(m_log.Contains(1, "Using default product code!"));
-}
-
-TEST_F(AboutBoxOverInstaller, CutsTheVersionLineToItsBuffer) {
-    for (const std::size_t length : {0U, 247U, 248U, 1000U}) {
-        g_found.strValue = std::string(length, 'v');
-        Show([&](Dialog& d) {
-            EXPECT_EQ(d.Text(IDC_ABOUT_NAME), g_found.strValue);
-            EXPECT_EQ(d.Text(IDC_ABOUT_VERSION), ("Version " + g_found.strValue).substr(0, 255));
-            d.Enter();
-        });
-    }
 }
 
 TEST_F(AboutBoxOverInstaller, OpensWithoutTheInstaller) {
