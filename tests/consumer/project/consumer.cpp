@@ -56,6 +56,17 @@ bool RunsUnlockDialog() {
     return dialog.DoModal() == IDCANCEL && calls == 1;
 }
 
+// The code is fetched, shown, and closed by a timer.
+bool DisplaysUnlockCode() {
+    const UINT_PTR timer = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) {
+        PostMessageA(GetActiveWindow(), WM_COMMAND, IDCANCEL, 0);
+    });
+    const bool right =
+        DisplayUnlockCode(nullptr, nullptr, &GetUnlockCode, nullptr, "Reader A") == 0;
+    KillTimer(nullptr, timer);
+    return right;
+}
+
 bool MakesOneOfEach() {
     const CUnlockFailedDlg failed(nullptr, "It failed", 0);
     const CUnlockSuccessDlg success(nullptr);
@@ -131,7 +142,8 @@ int main() {
     CBaseDialog::HidePinFromMemory(secret);
     HostDialog dialog;
     const bool right = secret.IsEmpty() && dialog.DoModal() == -1 && RunsUnlockDialog() &&
-                       RunsPopup() && MakesOneOfEach() && TellsWhatExpires() &&
+                       DisplaysUnlockCode() && RunsPopup() && MakesOneOfEach() &&
+                       TellsWhatExpires() &&
                        VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A") == VKEVTSUB_OK;
     std::puts(right ? "ok" : "wrong");
     return right ? 0 : 1;
