@@ -101,15 +101,11 @@ TEST_F(InstalledProduct, IsReadOnlyAsFarAsItsPackageGoes) {
     EXPECT_EQ(QueryDatabase(installer, {"Property", "NoColumn", "InternalVersion"}, package), none);
     EXPECT_FALSE(m_log.Contains(1, "Unable to open database!"));
 
-    // Damaged, then gone.
     std::ofstream(package, std::ios::trunc) << "no package";
-    EXPECT_EQ(Shown(), Expected("4.2.0"));
-    EXPECT_TRUE(m_log.Contains(1, "Unable to open database!"));
-    std::filesystem::remove(package);
-    EXPECT_EQ(Shown(), Expected("4.2.0"));
-    EXPECT_TRUE(m_log.Contains(1, "Unable to open database!"));
-    EXPECT_TRUE(
-        m_log.Contains(1, "Unable to retreive information from installed product database!"));
+    do {  // damaged, then gone
+        EXPECT_EQ(Shown(), Expected("4.2.0"));
+        EXPECT_TRUE(m_log.Contains(1, "Unable to open database!"));
+    } while (std::filesystem::remove(package));
 }
 
 }  // namespace
