@@ -43,14 +43,12 @@ int EventDispatcher::Subscribe(VKDelegateSubscriber& subscriber, int nKind) {
 int EventDispatcher::UnSubscribe(VKDelegateSubscriber& subscriber) noexcept {
     SubscriptionPtr called;
     ThreadPtr thread;
-    std::shared_ptr<CardWatch> watch;
     std::size_t erased = 0;
     {
         const ScopedLock lock(m_lock);
         erased = std::erase_if(m_subscriptions, [&](const SubscriptionPtr& each) {
             return each->pSubscriber == &subscriber;
         });
-        watch = TakeWatchNobodyNeeds();
         if (m_subscriptions.empty()) {
             WakeConditionVariable(&m_wake);
         }
@@ -59,10 +57,6 @@ int EventDispatcher::UnSubscribe(VKDelegateSubscriber& subscriber) noexcept {
             called = m_called;
             thread = m_thread;
         }
-    }
-    // Outside of the lock: the service's part in it may take long.
-    if (watch) {
-        watch->End();
     }
     if (called) {
         WaitForEndOfCall(called, thread);
@@ -116,13 +110,6 @@ bool EventDispatcher::StartThreads(int nKind) {
     return nKind != VKEVENT_CARD_REMOVED || m_watch;
 }
 
-std::shared_ptr<CardWatch> EventDispatcher::TakeWatchNobodyNeeds() noexcept {
-    const bool needed = std::ranges::any_of(m_subscriptions, [](const SubscriptionPtr& each) {
-        return each->nKind == VKEVENT_CARD_REMOVED;
-    });
-    return needed ? nullptr : std::exchange(m_watch, nullptr);
-}
-
 int EventDispatcher::Enqueue(int nKind, std::string strReader) {
     if (m_subscriptions.empty()) {
         return VKEVTSUB_OK;
@@ -171,29 +158,33 @@ bool EventDispatcher::IsBeingCalled(const SubscriptionPtr& subscription) noexcep
 }
 
 void EventDispatcher::Run() noexcept {
-    Event event;
-    while (TakeEvent(event)) {
+    std::shared_ptr<CardWatch> watch;
+    for (Event event; TakeEvent(event, watch);) {
         Deliver(event);
+    }
+    // Outside of the lock: the service's part in it may take long.
+    if (watch) {
+        watch->End();
     }
 }
 
-// Waits for the next event. False when nobody subscribes any more; the delivery thread is forgotten
-// then, and the next subscription starts another one.
-bool EventDispatcher::TakeEvent(Event& event) noexcept {
+// Waits for the next event. False when nobody has subscribed for kLingerMs; both threads are
+// forgotten then, `watch` is the one to end, and the next subscription starts others.
+bool EventDispatcher::TakeEvent(Event& event, std::shared_ptr<CardWatch>& watch) noexcept {
     const ScopedLock lock(m_lock);
     m_nThreadId = GetCurrentThreadId();
     if (m_queue.empty()) {
         SetEvent(m_idle.get());
     }
-    while (m_queue.empty() && !m_subscriptions.empty()) {
-        SleepConditionVariableCS(&m_wake, m_lock.get(), INFINITE);
-    }
-    if (m_subscriptions.empty()) {
-        m_queue.clear();
-        SetEvent(m_idle.get());
-        m_thread = nullptr;
-        m_nThreadId = 0;
-        return false;
+    while (m_queue.empty()) {
+        const bool lingers = m_subscriptions.empty();
+        if (!SleepConditionVariableCS(&m_wake, m_lock.get(), lingers ? kLingerMs : INFINITE) &&
+            lingers && m_subscriptions.empty()) {
+            m_thread = nullptr;
+            m_nThreadId = 0;
+            watch = std::exchange(m_watch, nullptr);
+            return false;
+        }
     }
     event = std::move(m_queue.front());
     m_queue.pop_front();

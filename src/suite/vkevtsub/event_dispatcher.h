@@ -58,11 +58,14 @@ private:
 
     // How long an UnSubscribe waits before it answers the sent message that it was called from.
     static constexpr DWORD kReplyAfterMs = 100;
+    // How long the threads stay when nobody subscribes any more. Windows that watch a card follow
+    // one another, and two threads and the service's library anew are a third of what the smallest
+    // of them takes to open.
+    static constexpr DWORD kLingerMs = 1000;
 
     // Under the lock.
     bool IsSubscribed(const VKDelegateSubscriber& subscriber) const noexcept;
     bool StartThreads(int nKind);
-    std::shared_ptr<CardWatch> TakeWatchNobodyNeeds() noexcept;
     int Enqueue(int nKind, std::string strReader);
     SubscriptionPtr NextFor(const Event& event, std::uint64_t nAfter) const noexcept;
     bool IsOnDeliveryThread() const noexcept;
@@ -74,7 +77,7 @@ private:
 
     // On the delivery thread.
     void Run() noexcept;
-    bool TakeEvent(Event& event) noexcept;
+    bool TakeEvent(Event& event, std::shared_ptr<CardWatch>& watch) noexcept;
     void Deliver(const Event& event) noexcept;
 
     CriticalSection m_lock;
