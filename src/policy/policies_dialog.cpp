@@ -28,20 +28,11 @@ constexpr int kIconSize = 16;
 // What a length updater is given for a line that is not shown.
 constexpr int kNoLength = -1;
 
-struct LineControls {
-    int nText;
-    int nIcon;
-};
-
 // By mvp::IndexOf(rule).
-constexpr std::array<LineControls, mvp::kPinRuleCount> kLines = {{
-    {IDC_POLICIES_MIN_TEXT, IDC_POLICIES_MIN_ICON},
-    {IDC_POLICIES_MAX_TEXT, IDC_POLICIES_MAX_ICON},
-    {IDC_POLICIES_WEAK_TEXT, IDC_POLICIES_WEAK_ICON},
-    {IDC_POLICIES_SAME_TEXT, IDC_POLICIES_SAME_ICON},
-    {IDC_POLICIES_ALPHA_TEXT, IDC_POLICIES_ALPHA_ICON},
-    {IDC_POLICIES_CONFIRM_TEXT, IDC_POLICIES_CONFIRM_ICON},
-}};
+constexpr std::array<int, mvp::kPinRuleCount> kIcons = {
+    IDC_POLICIES_MIN_ICON,  IDC_POLICIES_MAX_ICON,   IDC_POLICIES_WEAK_ICON,
+    IDC_POLICIES_SAME_ICON, IDC_POLICIES_ALPHA_ICON, IDC_POLICIES_CONFIRM_ICON,
+};
 
 constexpr unsigned TextBit(mvp::PinRule rule) {
     return 1U << mvp::IndexOf(rule);
@@ -94,8 +85,8 @@ void VKPoliciesDlg::DoDataExchange(CDataExchange* pDX) {
     mvp::BindIfThere(pDX, IDC_POLICIES_ALPHA_TEXT, m_alphaText);
     mvp::BindIfThere(pDX, IDC_POLICIES_CONFIRM_TEXT, m_confirmText);
     static_assert(std::extent_v<decltype(m_icons)> == mvp::kPinRuleCount);
-    for (std::size_t i = 0; i < kLines.size(); ++i) {
-        mvp::BindIfThere(pDX, kLines.at(i).nIcon, m_icons[i]);
+    for (std::size_t i = 0; i < kIcons.size(); ++i) {
+        mvp::BindIfThere(pDX, kIcons.at(i), m_icons[i]);
     }
 }
 
@@ -281,30 +272,28 @@ void VKPoliciesDlg::SetPolicyIcon(CWnd* pIconControl, HICON hIcon) {
 
 void VKPoliciesDlg::PutPoliciesInBox() {
     vklogLog(g_szLogTag, kLogEntry, "VKPoliciesDlg::PutPoliciesInBox");
-    const CWnd* boxControl = GetDlgItem(IDC_POLICIES_BOX);
-    if (boxControl == nullptr) {
+    if (m_groupBox.m_hWnd == nullptr) {
         return;
     }
-    const CRect group = mvp::ClientRectOf(*this, *boxControl);
+    // By IndexOf, as the icons. The bound controls: every search for one by its number costs.
+    const std::array<CStatic*, mvp::kPinRuleCount> texts = {
+        &m_minText, &m_maxText, &m_weakText, &m_sameText, &m_alphaText, &m_confirmText};
+    const CRect group = mvp::ClientRectOf(*this, m_groupBox);
     mvp::PolicyBox box{group.top, group.Height(), {}};
-    for (std::size_t i = 0; i < kLines.size(); ++i) {
-        const CWnd* textControl = GetDlgItem(kLines.at(i).nText);
-        const CWnd* icon = GetDlgItem(kLines.at(i).nIcon);
-        if (textControl == nullptr || icon == nullptr) {
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (texts.at(i)->m_hWnd == nullptr || m_icons[i].m_hWnd == nullptr) {
             return;
         }
-        const CRect text = mvp::ClientRectOf(*this, *textControl);
-        box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, *icon).left};
+        const CRect text = mvp::ClientRectOf(*this, *texts.at(i));
+        box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, m_icons[i]).left};
     }
     const mvp::PolicyLayout layout =
         mvp::LayOutPolicies(box, Rules(), {m_nTopMargin, m_nLeftIndent, m_nLineSpacing});
     constexpr UINT kMoveOnly = SWP_NOSIZE | SWP_NOZORDER;
     for (const mvp::PlacedPolicyLine& line : layout.Lines()) {
-        const LineControls& controls = kLines.at(mvp::IndexOf(line.rule));
-        GetDlgItem(controls.nText)
-            ->SetWindowPos(nullptr, line.nTextX, line.nTextY, 0, 0, kMoveOnly);
-        GetDlgItem(controls.nIcon)
-            ->SetWindowPos(nullptr, line.nIconX, line.nIconY, 0, 0, kMoveOnly);
+        const std::size_t index = mvp::IndexOf(line.rule);
+        texts.at(index)->SetWindowPos(nullptr, line.nTextX, line.nTextY, 0, 0, kMoveOnly);
+        m_icons[index].SetWindowPos(nullptr, line.nIconX, line.nIconY, 0, 0, kMoveOnly);
     }
     ResizeDlg(0, 0, layout.Spare());
     ResizeDlg(IDC_POLICIES_BOX, 0, layout.Spare());

@@ -178,7 +178,7 @@ void CCapsLockSensitiveEdit::ShowText() {
 void CCapsLockSensitiveEdit::OnPaint() {
     CEdit::OnPaint();
     CString text;
-    if (m_chShownMask != '\0' && ReadSecret(text)) {
+    if (m_chShownMask != '\0' && ReadSecret(text) && !text.IsEmpty()) {
         mvp::DrawShownSecret(m_hWnd, m_chShownMask, mvp::View(text));
         CBaseDialog::HidePinFromMemory(text);
     }

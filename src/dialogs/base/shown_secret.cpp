@@ -1,6 +1,7 @@
 #include "dialogs/base/shown_secret.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/handle.h"
 
@@ -82,9 +83,11 @@ void SetColours(HDC hDC, CellColours colours) {
 
 char MaskForDigits(HWND hEdit) {
     const EditContext context(hEdit);
+    std::array<INT, 128> widths{};
+    GetCharWidth32A(context.Get(), 0, static_cast<UINT>(widths.size()) - 1, widths.data());
     constexpr std::string_view kDigits = "0123456789ABCDEFabcdef";
-    return *std::ranges::max_element(kDigits, {},
-                                     [&](char digit) { return context.WidthOf(digit); });
+    return *std::ranges::max_element(
+        kDigits, {}, [&](char digit) { return widths.at(static_cast<std::size_t>(digit)); });
 }
 
 void DrawShownSecret(HWND hEdit, char chMask, std::string_view secret) {
