@@ -2,7 +2,8 @@
 //
 // A dialog is ready when it has been shown, its message loop takes a message that was posted after
 // that, and nothing of it is left to be painted; it is cancelled at once. What it posts to itself
-// while it opens comes before. The baseline is the system's modal call on the very same template,
+// while it opens comes before. Only what the loop takes is watched: a watch over messages that are
+// sent would cost both sides as much as the dialog itself. The baseline is the system's modal call on the very same template,
 // with its panel made from a posted message as the library's dialogs do.
 #pragma once
 
@@ -19,18 +20,13 @@ namespace mvp::bench {
 class DialogReady {
 public:
     DialogReady() {
-        const DWORD thread = GetCurrentThreadId();
-        m_sent = SetWindowsHookExA(WH_CALLWNDPROCRET, OnSent, nullptr, thread);
-        m_taken = SetWindowsHookExA(WH_GETMESSAGE, OnTaken, nullptr, thread);
+        m_taken = SetWindowsHookExA(WH_GETMESSAGE, OnTaken, nullptr, GetCurrentThreadId());
     }
     DialogReady(const DialogReady&) = delete;
     DialogReady& operator=(const DialogReady&) = delete;
-    ~DialogReady() {
-        UnhookWindowsHookEx(m_taken);
-        UnhookWindowsHookEx(m_sent);
-    }
+    ~DialogReady() { UnhookWindowsHookEx(m_taken); }
 
-    bool IsWatching() const { return m_sent != nullptr && m_taken != nullptr; }
+    bool IsWatching() const { return m_taken != nullptr; }
 
     // What is done with the ready dialog before it is cancelled; empty: nothing.
     static inline std::function<void(HWND)> whenReady;
@@ -65,29 +61,26 @@ private:
     // Nanoseconds.
     template <class Call>
     static double TimeToReady(const Call& call) {
+        s_bAsked = false;
         const Clock::time_point start = Clock::now();
         call();
         return std::chrono::duration<double, std::nano>(s_ready - start).count();
     }
 
-    static bool IsDialog(HWND hWnd) {
+    static bool IsOpenDialog(HWND hWnd) {
         char className[8] = "";
         return GetClassNameA(hWnd, className, sizeof className) != 0 && className[0] == '#' &&
-               (GetWindowLongPtrA(hWnd, GWL_STYLE) & WS_CHILD) == 0;
-    }
-
-    static LRESULT CALLBACK OnSent(int nCode, WPARAM wParam, LPARAM lParam) {
-        const auto& message = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-        if (nCode == HC_ACTION && message.message == WM_SHOWWINDOW && message.wParam != 0 &&
-            IsDialog(message.hwnd)) {
-            PostMessageA(message.hwnd, kReady, 0, 0);
-        }
-        return CallNextHookEx(nullptr, nCode, wParam, lParam);
+               IsWindowVisible(hWnd);
     }
 
     static LRESULT CALLBACK OnTaken(int nCode, WPARAM wParam, LPARAM lParam) {
         const auto& message = *reinterpret_cast<const MSG*>(lParam);
-        if (nCode == HC_ACTION && wParam == PM_REMOVE && message.message == kReady) {
+        if (nCode != HC_ACTION || wParam != PM_REMOVE) {
+            return CallNextHookEx(nullptr, nCode, wParam, lParam);
+        }
+        if (!s_bAsked && IsOpenDialog(GetActiveWindow())) {
+            s_bAsked = PostMessageA(GetActiveWindow(), kReady, 0, 0) != FALSE;
+        } else if (message.message == kReady) {
             RedrawWindow(message.hwnd, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
             s_ready = Clock::now();
             if (whenReady) {
@@ -116,9 +109,9 @@ private:
         return message == WM_INITDIALOG ? TRUE : FALSE;
     }
 
+    static inline bool s_bAsked;  // of the dialog that opens: the message is on its way
     static inline Clock::time_point s_ready;
     static inline Bare s_bare{};
-    HHOOK m_sent;
     HHOOK m_taken;
 };
 
