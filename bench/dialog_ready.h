@@ -61,7 +61,6 @@ private:
     // Nanoseconds.
     template <class Call>
     static double TimeToReady(const Call& call) {
-        s_bAsked = false;
         const Clock::time_point start = Clock::now();
         call();
         return std::chrono::duration<double, std::nano>(s_ready - start).count();
@@ -78,8 +77,10 @@ private:
         if (nCode != HC_ACTION || wParam != PM_REMOVE) {
             return CallNextHookEx(nullptr, nCode, wParam, lParam);
         }
-        if (!s_bAsked && IsOpenDialog(GetActiveWindow())) {
-            s_bAsked = PostMessageA(GetActiveWindow(), kReady, 0, 0) != FALSE;
+        HWND dialog = GetActiveWindow();
+        if (dialog != s_hAsked && IsOpenDialog(dialog)) {
+            s_hAsked = dialog;
+            PostMessageA(dialog, kReady, 0, 0);
         } else if (message.message == kReady) {
             RedrawWindow(message.hwnd, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
             s_ready = Clock::now();
@@ -109,7 +110,7 @@ private:
         return message == WM_INITDIALOG ? TRUE : FALSE;
     }
 
-    static inline bool s_bAsked;  // of the dialog that opens: the message is on its way
+    static inline HWND s_hAsked;  // the dialog that the message was posted to last
     static inline Clock::time_point s_ready;
     static inline Bare s_bare{};
     HHOOK m_taken;
