@@ -1,13 +1,8 @@
 // What a screen reader is told, through the system's own way to it.
-#include <windows.h>
-#include <oleacc.h>
-
-#include <string>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/handle.h"
+#include "support/accessible.h"
 #include "ui/richtext/control/html_host.h"
 
 namespace mvp::test {
@@ -16,19 +11,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct AccessibleTraits {
-    using Handle = IAccessible*;
-    static Handle None() noexcept { return nullptr; }
-    static void Close(Handle handle) noexcept { handle->Release(); }
-};
-
-VARIANT Child(long nChild) {
-    VARIANT child{};
-    child.vt = VT_I4;
-    child.lVal = nChild;
-    return child;
-}
-
 class HtmlAccessible : public testing::Test {
 protected:
     void SetUp() override {
@@ -36,10 +18,8 @@ protected:
         m_host.Add(
             "Your <b>card</b>:<br><a msg=m>details</a> or <a href=http://d.example/>help</a>",
             WS_TABSTOP);
-        ASSERT_EQ(AccessibleObjectFromWindow(*m_host.m_pStatic, static_cast<DWORD>(OBJID_CLIENT),
-                                             __uuidof(IAccessible),
-                                             reinterpret_cast<void**>(m_object.put())),
-                  S_OK);
+        m_object = Accessible::Of(*m_host.m_pStatic);
+        ASSERT_TRUE(m_object);
     }
     void TearDown() override {
         m_object.reset();
@@ -47,25 +27,6 @@ protected:
         CoUninitialize();
     }
 
-    using TextGetter = HRESULT (STDMETHODCALLTYPE IAccessible::*)(VARIANT, BSTR*);
-    std::string Text(TextGetter get, long nChild) {
-        BSTR str = nullptr;
-        if ((m_object.get()->*get)(Child(nChild), &str) != S_OK) {
-            return "none";
-        }
-        char text[200] = "";
-        WideCharToMultiByte(CP_ACP, 0, str, -1, text, sizeof text, nullptr, nullptr);
-        SysFreeString(str);
-        return text;
-    }
-    // -1 when there is none.
-    template <class... Arguments, class... Values>
-    long Number(HRESULT (STDMETHODCALLTYPE IAccessible::*get)(Arguments...), Values... values) {
-        VARIANT number{};
-        return (m_object.get()->*get)(values..., &number) == S_OK && number.vt == VT_I4
-                   ? number.lVal
-                   : -1;
-    }
     HRESULT NameResult(const VARIANT& child) {
         BSTR str = nullptr;
         return m_object.get()->get_accName(child, &str);
@@ -73,28 +34,29 @@ protected:
     HRESULT Act(long nChild) { return m_object.get()->accDoDefaultAction(Child(nChild)); }
 
     HtmlHost m_host;
-    UniqueHandle<AccessibleTraits> m_object;
+    Accessible m_object;
 };
 
 TEST_F(HtmlAccessible, TellsTextAndLinks) {
     long children = 0;
     ASSERT_EQ(m_object.get()->get_accChildCount(&children), S_OK);
     EXPECT_EQ(children, 2);
-    EXPECT_EQ(Text(&IAccessible::get_accName, CHILDID_SELF), "Your card:\ndetails or help");
-    EXPECT_EQ(Text(&IAccessible::get_accName, 1), "details");
-    EXPECT_EQ(Text(&IAccessible::get_accName, 2), "help");
-    EXPECT_EQ(Text(&IAccessible::get_accValue, 2), "http://d.example/");
-    EXPECT_EQ(Text(&IAccessible::get_accValue, 1), "none");
-    EXPECT_EQ(Text(&IAccessible::get_accDefaultAction, 1), "Jump");
+    EXPECT_EQ(m_object.Text(&IAccessible::get_accName, CHILDID_SELF),
+              "Your card:\ndetails or help");
+    EXPECT_EQ(m_object.Text(&IAccessible::get_accName, 1), "details");
+    EXPECT_EQ(m_object.Text(&IAccessible::get_accName, 2), "help");
+    EXPECT_EQ(m_object.Text(&IAccessible::get_accValue, 2), "http://d.example/");
+    EXPECT_EQ(m_object.Text(&IAccessible::get_accValue, 1), "none");
+    EXPECT_EQ(m_object.Text(&IAccessible::get_accDefaultAction, 1), "Jump");
     const auto role = &IAccessible::get_accRole;
     const auto state = &IAccessible::get_accState;
-    EXPECT_EQ(Number(role, Child(CHILDID_SELF)), ROLE_SYSTEM_GROUPING);
-    EXPECT_EQ(Number(role, Child(1)), ROLE_SYSTEM_LINK);
-    EXPECT_EQ(Number(state, Child(1)), STATE_SYSTEM_LINKED | STATE_SYSTEM_FOCUSABLE);
-    EXPECT_NE(Number(state, Child(0)) & STATE_SYSTEM_READONLY, 0);
+    EXPECT_EQ(m_object.Number(role, Child(CHILDID_SELF)), ROLE_SYSTEM_GROUPING);
+    EXPECT_EQ(m_object.Number(role, Child(1)), ROLE_SYSTEM_LINK);
+    EXPECT_EQ(m_object.Number(state, Child(1)), STATE_SYSTEM_LINKED | STATE_SYSTEM_FOCUSABLE);
+    EXPECT_NE(m_object.Number(state, Child(0)) & STATE_SYSTEM_READONLY, 0);
 
     m_host.m_pStatic->SetWindowText("no links");
-    EXPECT_EQ(Number(role, Child(CHILDID_SELF)), ROLE_SYSTEM_STATICTEXT);
+    EXPECT_EQ(m_object.Number(role, Child(CHILDID_SELF)), ROLE_SYSTEM_STATICTEXT);
 }
 
 TEST_F(HtmlAccessible, PlacesAreWhereTheyAreSeen) {
@@ -109,14 +71,14 @@ TEST_F(HtmlAccessible, PlacesAreWhereTheyAreSeen) {
     EXPECT_TRUE(EqualRect(&told, &link));
 
     const auto hit = &IAccessible::accHitTest;
-    EXPECT_EQ(Number(hit, link.left + 1, link.top + 1), 2);
-    EXPECT_EQ(Number(hit, link.right + 40, link.top + 1), CHILDID_SELF);
-    EXPECT_EQ(Number(hit, 0, 0), -1);
+    EXPECT_EQ(m_object.Number(hit, link.left + 1, link.top + 1), 2);
+    EXPECT_EQ(m_object.Number(hit, link.right + 40, link.top + 1), CHILDID_SELF);
+    EXPECT_EQ(m_object.Number(hit, 0, 0), -1);
 
     const auto navigate = &IAccessible::accNavigate;
-    EXPECT_EQ(Number(navigate, NAVDIR_FIRSTCHILD, Child(CHILDID_SELF)), 1);
-    EXPECT_EQ(Number(navigate, NAVDIR_NEXT, Child(1)), 2);
-    EXPECT_EQ(Number(navigate, NAVDIR_NEXT, Child(2)), -1);
+    EXPECT_EQ(m_object.Number(navigate, NAVDIR_FIRSTCHILD, Child(CHILDID_SELF)), 1);
+    EXPECT_EQ(m_object.Number(navigate, NAVDIR_NEXT, Child(1)), 2);
+    EXPECT_EQ(m_object.Number(navigate, NAVDIR_NEXT, Child(2)), -1);
 }
 
 TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
@@ -135,9 +97,9 @@ TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
 
     m_host.SetForegroundWindow();
     ASSERT_EQ(m_object.get()->accSelect(SELFLAG_TAKEFOCUS, Child(2)), S_OK);
-    EXPECT_EQ(Number(&IAccessible::get_accFocus), 2);
-    EXPECT_NE(Number(&IAccessible::get_accState, Child(2)) & STATE_SYSTEM_FOCUSED, 0);
-    EXPECT_EQ(Number(&IAccessible::get_accState, Child(1)) & STATE_SYSTEM_FOCUSED, 0);
+    EXPECT_EQ(m_object.Number(&IAccessible::get_accFocus), 2);
+    EXPECT_NE(m_object.Number(&IAccessible::get_accState, Child(2)) & STATE_SYSTEM_FOCUSED, 0);
+    EXPECT_EQ(m_object.Number(&IAccessible::get_accState, Child(1)) & STATE_SYSTEM_FOCUSED, 0);
 }
 
 TEST_F(HtmlAccessible, RefusesWhatIsNotThere) {
