@@ -28,7 +28,7 @@ std::vector<Setting> Settings() {
         {"Enable", REG_QWORD, Bytes(1) + Bytes(0), "2:0", "", false},
         {"Duration", REG_NONE, "", "2:0"},
         {"Duration", REG_DWORD, Bytes(0), "2:1000"},
-        {"Duration", REG_DWORD, Bytes(0xFFFFFFFF), "2:2147483647"},
+        {"Duration", REG_DWORD, Bytes(4294968), "2:2147483647"},
         {"Duration", REG_SZ, "9", "2:0"},
         {"Message", REG_NONE, "", "2:3000", ""},
         {"Message", REG_DWORD, Bytes(65), "2:3000", ""},
@@ -78,7 +78,7 @@ TEST_F(PopupTest, FollowsTheTimeoutOfPasswords) {
     const Animation none(false);
     for (const Setting& setting : {Setting{"", REG_DWORD, Bytes(0), "2:0"},
                                    {"", REG_DWORD, Bytes(4), "2:4000"},
-                                   {"", REG_DWORD, Bytes(0xFFFFFFFF), "2:2147483647"},
+                                   {"", REG_DWORD, Bytes(4294968), "2:2147483647"},
                                    {"", REG_SZ, "4", "2:15000"}}) {
         m_hive.SetRaw(kAgent, "OTPWindowTimeout", setting.dwType, setting.bytes);
         EXPECT_TRUE(Init(DIALOG_POPUP_CARD_OTP));

@@ -60,30 +60,5 @@ TEST(NoticeText, RefusesWhatLeadsOut) {
     }
 }
 
-TEST(Notice, FollowsTheRegistry) {
-    using Text = NoticeParameters::Text;
-    const NoticeSettings all = {.enable = 1, .duration = 7, .message = "m", .passwordTimeout = 9};
-    const auto expect = [](int nType, const NoticeSettings& settings, bool bShown,
-                           std::uint32_t nStay, Text text = Text::Unchanged) {
-        const NoticeParameters notice = ReadNotice(nType, settings, MatchesHref);
-        EXPECT_EQ(notice.bShown, bShown);
-        EXPECT_EQ(notice.nStay, nStay);
-        EXPECT_EQ(notice.text, text);
-        EXPECT_EQ(notice.strMessage, text == Text::Message ? "m" : "");
-    };
-    expect(kNoReaderNotice, {}, false, 0);
-    expect(kNoReaderNotice, {.enable = 0, .duration = 7, .message = "m"}, false, 0);
-    expect(kNoReaderNotice, all, true, 7000, Text::Message);
-    expect(kCardAlertNotice, all, true, 7000, Text::Message);
-    expect(kCardAlertNotice, {.enable = 2, .duration = 0}, true, 1000);
-    expect(kCardAlertNotice, {.enable = 1, .message = "<a href=x>"}, true, 0, Text::Default);
-    expect(kCardAlertNotice, {.enable = 1, .duration = 4294967}, true, 4294967000);
-    expect(kCardAlertNotice, {.enable = 1, .duration = 4294968}, true, ~0U);
-    expect(kPasswordNotice, {}, true, 15000);
-    expect(kPasswordNotice, all, true, 9000);
-    expect(kPasswordNotice, {.passwordTimeout = 0}, true, 0);
-    expect(kPasswordNotice, {.passwordTimeout = ~0U}, true, ~0U);
-}
-
 }  // namespace
 }  // namespace mvp
