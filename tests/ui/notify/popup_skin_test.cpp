@@ -1,10 +1,7 @@
 // Where the popup comes and goes on the screen, and in what skin.
 #include <array>
-#include <filesystem>
-#include <fstream>
 
 #include "support/bitmap_header.h"
-#include "support/waiting.h"
 #include "ui/notify/popup_probe.h"
 
 namespace mvp::test {
@@ -109,45 +106,12 @@ TEST_F(PopupSkinTest, StandsAtOnceWhereNothingMoves) {
     EXPECT_FALSE(m_popup->IsWindowVisible());
 }
 
-// With the system's own timers; a stay of a second is the shortest there is.
-TEST(PopupOnTheClock, ComesAndGoes) {
-    const AttachedLibrary library;
-    RegistryHive hive;
-    hive.SetDword(kNoReader, "Enable", 1);
-    Popup popup;
-    ASSERT_NE(popup.Create(nullptr), 0);
-    ASSERT_TRUE(popup.InitWindow(nullptr, DIALOG_POPUP_NO_READER, 0));
-    popup.Show();
-    LONG highest = GetSystemMetrics(SM_CYSCREEN);
-    bool faded = false;
-    EXPECT_TRUE(WaitFor(std::chrono::seconds(60), [&] {
-        MSG message{};
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageA(&message);
-            CRect place;
-            popup.GetWindowRect(&place);
-            highest = place.top != 0 ? std::min(highest, place.top) : highest;
-            BYTE alpha = 0;
-            GetLayeredWindowAttributes(popup, nullptr, &alpha, nullptr);
-            faded |= alpha > 0 && alpha < 50;
-        }
-        return popup.IsWindowVisible() == FALSE;
-    }));
-    EXPECT_EQ(highest, GetSystemMetrics(SM_CYSCREEN) - 6 - kHeight);
-    EXPECT_TRUE(faded);
-}
-
 TEST_F(PopupSkinTest, WearsAFile) {
     // Black, but for the pixel in the middle of its last row.
-    constexpr char kFile[] = "popup_skin.bmp";
-    const BITMAPINFOHEADER info = TrueColorHeader(101, 101);
-    const BITMAPFILEHEADER file{0x4D42, 0, 0, 0, sizeof file + sizeof info};
     std::string pixels(101 * 304, '\0');
     pixels.replace(3 * 50, 3, "\xFF\xFF\xFF");
-    std::ofstream(kFile, std::ios::binary)
-        .write(reinterpret_cast<const char*>(&file), sizeof file)
-        .write(reinterpret_cast<const char*>(&info), sizeof info)
-        .write(pixels.data(), static_cast<std::streamsize>(pixels.size()));
+    const WrittenBitmap file({101, 101}, pixels);
+    const char* const name = file.Name().c_str();
     const Animation none(false);
     Init(DIALOG_POPUP_CARD_OTP);
     m_popup->Show();
@@ -155,11 +119,11 @@ TEST_F(PopupSkinTest, WearsAFile) {
     EXPECT_EQ(m_popup->SetSkin("popup_none.bmp", -1, -1, -1), 0);
     for (const auto& [red, green, blue] :
          {std::array<short, 3>{-1, 0, 0}, {0, -1, 0}, {0, 0, -1}}) {
-        EXPECT_EQ(m_popup->SetSkin(kFile, red, green, blue), 1);
+        EXPECT_EQ(m_popup->SetSkin(name, red, green, blue), 1);
         RECT box{};
         EXPECT_EQ(GetWindowRgnBox(*m_popup, &box), ERROR);
     }
-    EXPECT_EQ(m_popup->SetSkin(kFile, 0, 0, 0), 1);
+    EXPECT_EQ(m_popup->SetSkin(name, 0, 0, 0), 1);
     RECT box{};
     GetWindowRgnBox(*m_popup, &box);
     EXPECT_EQ(Text(box), "50,100,51,101");
@@ -167,7 +131,6 @@ TEST_F(PopupSkinTest, WearsAFile) {
     EXPECT_EQ(Place().Size(), CSize(101 + m_nFrameX, 101 + m_nFrameY));
     Send(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(NewPopupText("x")));
     EXPECT_TRUE(Describe(Controls()[0]).starts_with("789 40,13,96,"));
-    std::filesystem::remove(kFile);
 }
 
 TEST_F(PopupSkinTest, WearsTheLibrarysOwnWithoutAColour) {

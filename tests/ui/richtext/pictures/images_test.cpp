@@ -3,8 +3,6 @@
 #include <commctrl.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <utility>
 
@@ -16,42 +14,6 @@
 
 namespace mvp::test {
 namespace {
-
-// What the headers of a bitmap file say, true or not.
-struct Headers {
-    LONG nWidth, nHeight;
-    WORD nBits = 24;
-    DWORD dwPacking = BI_RGB;
-    DWORD dwColours = 0;
-    DWORD dwOffset = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
-};
-
-class BitmapFile {
-public:
-    BitmapFile(const Headers& headers, const std::string& strRest)
-        : m_strName((std::filesystem::temp_directory_path() / "richtext_test.bmp").string()) {
-        BITMAPFILEHEADER file{};
-        file.bfType = 0x4D42;
-        file.bfOffBits = headers.dwOffset;
-        BITMAPINFOHEADER info = TrueColorHeader(headers.nWidth, headers.nHeight);
-        info.biBitCount = headers.nBits;
-        info.biCompression = headers.dwPacking;
-        info.biClrUsed = headers.dwColours;
-        std::ofstream stream(m_strName, std::ios::binary);
-        stream.write(reinterpret_cast<const char*>(&file), sizeof file);
-        stream.write(reinterpret_cast<const char*>(&info), sizeof info);
-        stream << strRest;
-    }
-    BitmapFile(const BitmapFile&) = delete;
-    BitmapFile& operator=(const BitmapFile&) = delete;
-    ~BitmapFile() { DeleteFileA(m_strName.c_str()); }
-
-    const std::string& Name() const { return m_strName; }
-    std::string Attribute() const { return "file=\"" + m_strName + "\""; }
-
-private:
-    std::string m_strName;
-};
 
 // The pixels of a picture of three squares of 8 pixels: red, green, blue.
 std::string StripPixels() {
@@ -77,7 +39,8 @@ std::string HexOf(const void* handle) {
 }
 
 TEST(Images, ComeFromFiles) {
-    const BitmapFile file({24, 8}, StripPixels());
+    const WrittenBitmap file({24, 8}, StripPixels());
+    const std::string from = " file=\"" + file.Name() + "\">";
     const std::pair<std::string, const char*> kCases[] = {
         {"bmp", "8r 8g 8b 8."},
         {"bmp width=12 height=4", "4r 4g 4b 20."},
@@ -91,17 +54,17 @@ TEST(Images, ComeFromFiles) {
         {"ilst index=2147483647", ""},
     };
     for (const auto& [tag, row] : kCases) {
-        EXPECT_EQ(FirstRow("<" + tag + " " + file.Attribute() + ">"), row) << tag;
+        EXPECT_EQ(FirstRow("<" + tag + from), row) << tag;
     }
 
-    const Canvas disabled(32, 40, "<bmp style=disabled " + file.Attribute() + ">");
+    const Canvas disabled(32, 40, "<bmp style=disabled" + from);
     EXPECT_EQ(disabled.Ink().right, 24);
     EXPECT_NE(disabled.At(2, disabled.Ink().top), kRed);
 }
 
 // Pictures are bounded, not what they tile: the area of this one is larger than any picture.
 TEST(Images, TileAnyArea) {
-    const BitmapFile file({24, 8}, StripPixels());
+    const WrittenBitmap file({24, 8}, StripPixels());
     TestDrawer drawer("<table cellspacing=0 width=9000 height=2100 background=\"" + file.Name() +
                       "\"><tr><td></td></tr></table>");
     const RECT whole = {0, 0, 9000, 2100};
@@ -149,7 +112,7 @@ TEST(Images, AreReadFromEveryKindOfBitmap) {
     using namespace std::string_literals;
     const std::string palette = "\0\0\xFF\0\xFF\0\0\0"s;
     // Masks or colours stand before the pixels.
-    const std::pair<Headers, std::string> kKinds[] = {
+    const std::pair<BitmapHeaders, std::string> kKinds[] = {
         {{2, 1, 1, BI_RGB, 2, 62}, palette + "\x40\0\0\0"s},
         {{2, 1, 4, BI_RGB, 2, 62}, palette + "\x01\0\0\0"s},
         {{2, 1, 8, BI_RGB, 2, 62}, palette + "\0\x01\0\0"s},
@@ -161,7 +124,7 @@ TEST(Images, AreReadFromEveryKindOfBitmap) {
     };
     for (const auto& [headers, rest] : kKinds) {
         SCOPED_TRACE(std::to_string(headers.nBits) + " bits");
-        const BitmapFile file(headers, rest);
+        const WrittenBitmap file(headers, rest);
         const Bitmap loaded = LoadBitmapFile(file.Name().c_str());
         const auto picture = richtext::Picture::FromBitmap(loaded.get(), richtext::kNoColour);
         ASSERT_EQ(picture.Pixels().size(), 2u);
@@ -176,13 +139,14 @@ TEST(Images, WrongOnesAreNotThere) {
             EXPECT_EQ(FirstRow(tag + strFrom + ">"), "") << tag << strFrom;
         }
     };
-    const Headers kFiles[] = {
+    const BitmapHeaders kFiles[] = {
         {8, 4000},                  // higher than the file has rows
         {8, 8, 8, BI_RLE8, 2, 62},  // run lengths
     };
-    for (const Headers& headers : kFiles) {
+    for (const BitmapHeaders& headers : kFiles) {
         SCOPED_TRACE(&headers - kFiles);
-        expectNone(BitmapFile(headers, StripPixels().substr(0, std::size_t{8} * 24)).Attribute());
+        const WrittenBitmap file(headers, StripPixels().substr(0, std::size_t{8} * 24));
+        expectNone("file=\"" + file.Name() + '"');
     }
     for (const char* from :
          {"file=missing.bmp", R"(file=\\machine\share\a.bmp)", "file=//machine/share/a.bmp",
