@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "richtext/paint/background_effects.h"
+#include "support/patched_imports.h"
 #include "ui/richtext/canvas.h"
 
 namespace mvp::test {
@@ -251,6 +252,40 @@ TEST(EffectPainting, PlainOnesAndHugeOnes) {
                       "bgeffect=hgradient><tr><td></td></tr></table>");
     EXPECT_EQ(part.At(0, 63), kRed);
     EXPECT_GE(GetRValue(part.At(95, 0)), 250) << "the beginning of a very long one";
+}
+
+// Lengths on a real device: its dots per inch and its fonts decide what a unit comes to.
+constexpr int kFontHeight = 30;
+
+int HeightOfX() {
+    const Canvas canvas(60, 60);
+    const Font font(CreateFontA(-kFontHeight, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
+                                DEFAULT_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0, "Tahoma"));
+    const DcSelection selection(canvas.Dc(), font.get());
+    SetBkMode(canvas.Dc(), TRANSPARENT);
+    ExtTextOutA(canvas.Dc(), 5, 5, 0, nullptr, "x", 1, nullptr);
+    return static_cast<int>(canvas.Ink().bottom - canvas.Ink().top);
+}
+
+void ExpectUnits(int nDots) {
+    const std::pair<const char*, int> kCases[] = {
+        {"3em", 3 * kFontHeight},
+        {"5ex", 5 * HeightOfX()},
+        {"2in", 2 * nDots},
+        {"31pt", 31 * nDots / 72},
+    };
+    for (const auto& [length, pixels] : kCases) {
+        TestDrawer drawer(std::string("<font size=30px><hr width=") + length + "></font>");
+        drawer.Measure(2000);
+        EXPECT_EQ(drawer.RichText().Boxes().aFragments.at(0).nWidth, pixels) << length;
+    }
+}
+
+TEST(DeviceUnits, AreThoseOfTheScreen) {
+    ExpectUnits(GetDeviceCaps(WindowDc(nullptr).get(), LOGPIXELSY));
+    const auto dots = +[](HDC, int) WINAPI { return 144; };
+    const PatchedImports dense(nullptr, {{"GetDeviceCaps", Address(dots)}});
+    ExpectUnits(144);
 }
 
 }  // namespace
