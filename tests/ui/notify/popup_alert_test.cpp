@@ -5,8 +5,6 @@
 #include <thread>
 #include <tuple>
 
-#include <vkevtsub/vkevtsub.h>
-
 #include "support/resource_counts.h"
 #include "ui/notify/popup_probe.h"
 
@@ -152,11 +150,7 @@ TEST_F(PopupTest, HidesInEveryStateAndTellsOnce) {
         {"Hide", [&] { m_popup->Hide(); }},
         {"its link", [&] { Click(Controls()[2]); }},
         {"the card's message", [&] { Send(RegisterWindowMessageA("VKCardRemovedEvent"), 1); }},
-        {"a removed card",
-         [] {
-             VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
-             VKWaitForIdle(10'000);
-         }},
+        {"a removed card", [] { RemoveCard(); }},
         {"Hide on another thread", [&] { std::thread([&] { m_popup->Hide(); }).join(); }},
     };
     for (const auto& [name, hide] : ways) {
@@ -180,8 +174,11 @@ TEST_F(PopupTest, HidesInEveryStateAndTellsOnce) {
     }
     // A popup that came to be about something else is not taken down by a card.
     EXPECT_TRUE(m_popup->InitWindow(m_host, DIALOG_POPUP_NO_READER, 0));
-    VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
-    VKWaitForIdle(10'000);
+    RemoveCard();
+    // Nor does one without its window hear of it.
+    EXPECT_TRUE(Init(DIALOG_POPUP_CARD_ALERT));
+    m_popup->DestroyWindow();
+    RemoveCard();
     EXPECT_EQ(Closed(), "0 0");
 }
 

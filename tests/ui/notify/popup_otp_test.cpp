@@ -5,8 +5,6 @@
 #include <optional>
 #include <thread>
 
-#include <vkevtsub/vkevtsub.h>
-
 #include "support/freed_blocks.h"
 #include "support/waiting.h"
 #include "ui/notify/popup_probe.h"
@@ -214,20 +212,18 @@ TEST_F(PopupOtpTest, TakesNoTextThatIsNoBlockAndNoRoutine) {
 }
 
 TEST_F(PopupOtpTest, HearsOfItsReaderAndPostsNothingToADeadWindow) {
-    const auto remove = [&](const char* pszReader) {
-        VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader);
-        VKWaitForIdle(10'000);
-        return Closed();
-    };
     Fetch("Reader A");
     EXPECT_TRUE(m_log.Contains(2, "Reader name (Reader A) => register to vkevent"));
     BringTo(3);
-    EXPECT_EQ(remove("Reader B"), "0 0");
-    EXPECT_EQ(remove("Reader A"), "1 1");
+    RemoveCard("Reader B");
+    EXPECT_EQ(Closed(), "0 0");
+    RemoveCard();
+    EXPECT_EQ(Closed(), "1 1");
     m_popup = std::make_unique<Popup>();
-    EXPECT_EQ(remove("Reader A"), "0 0");
+    RemoveCard();
     Fetch(nullptr);
-    EXPECT_EQ(remove("Reader A"), "0 0");
+    RemoveCard();
+    EXPECT_EQ(Closed(), "0 0");
 }
 
 TEST_F(PopupOtpTest, EndsWhatWasBegunForItWithItsNotice) {
@@ -258,15 +254,6 @@ TEST_F(PopupOtpTest, EndsWhatWasBegunForItWithItsNotice) {
     }
     EXPECT_EQ(message.message, UINT{WM_QUIT});
     EXPECT_EQ(message.wParam, 7U);
-}
-
-TEST_F(PopupTest, HearsOfNoCardWithoutItsWindow) {
-    EXPECT_TRUE(Init(DIALOG_POPUP_CARD_ALERT));
-    BringTo(3);
-    m_popup->DestroyWindow();
-    VKRaiseEvent(VKEVENT_CARD_REMOVED, "Reader A");
-    VKWaitForIdle(10'000);
-    EXPECT_EQ(Closed(), "0 0");
 }
 
 }  // namespace

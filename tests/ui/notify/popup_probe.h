@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include <vkevtsub/vkevtsub.h>
+
 #include "mvpingui/popup_alert.h"
 #include "richtext/control/html_static.h"
 #include "services/card_removed_message.h"
@@ -173,6 +175,11 @@ protected:
             }
         }
         return std::to_string(window) + " " + std::to_string(thread);
+    }
+
+    static void RemoveCard(const char* pszReader = "Reader A") {
+        VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader);
+        VKWaitForIdle(10'000);
     }
 
     // From top to bottom.
