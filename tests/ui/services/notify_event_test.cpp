@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 
 #include "platform/handle.h"
@@ -21,43 +22,35 @@ namespace {
 
 constexpr char kTray[] = "VkTrayHandlerClass";
 constexpr char kConsole[] = "VKUserConsoleCL";
+constexpr char kClassVariable[] = "MVP_NOTICE_CLASS";
 constexpr std::chrono::seconds kDeadline{30};
-
-HWND Sender() {
-    return reinterpret_cast<HWND>(UINT_PTR{4711});
-}
+const HWND kSender = reinterpret_cast<HWND>(UINT_PTR{4711});
 
 // A window that takes notices.
-class NoticeWindow {
+class NoticeWindow : public CWnd {
 public:
     explicit NoticeWindow(const char* pszClass) {
         WNDCLASSA info{};
-        info.lpfnWndProc = Proc;
-        info.hInstance = GetModuleHandleA(nullptr);
+        info.lpfnWndProc = &::DefWindowProcA;
         info.lpszClassName = pszClass;
         RegisterClassA(&info);  // kept; a repetition is refused
-        m_hWnd = CreateWindowA(pszClass, "", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
-                               info.hInstance, nullptr);
+        CreateEx(0, pszClass, "", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr);
         EXPECT_NE(m_hWnd, nullptr);
     }
-    NoticeWindow(const NoticeWindow&) = delete;
-    NoticeWindow& operator=(const NoticeWindow&) = delete;
-    ~NoticeWindow() { DestroyWindow(m_hWnd); }
+    ~NoticeWindow() override { DestroyWindow(); }
     // The last one, as "code sender size reader".
     static inline std::string s_strNotice;
 
-private:
-    static LRESULT CALLBACK Proc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
         if (message != WM_COPYDATA) {
-            return DefWindowProcA(hWnd, message, wParam, lParam);
+            return CWnd::WindowProc(message, wParam, lParam);
         }
         const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
         s_strNotice = std::to_string(record.dwData) + " " + std::to_string(wParam) + " " +
                       std::to_string(record.cbData) + " " + static_cast<const char*>(record.lpData);
         return TRUE;
     }
-
-    HWND m_hWnd;
 };
 
 void ExpectNotice() {
@@ -68,50 +61,45 @@ void ExpectNotice() {
     }));
 }
 
-// Runs in a process of its own: takes no message before its event is set, then one notice.
-void TakeOneNotice(const char* pszClass) {
-    const KernelHandle go(OpenEventA(SYNCHRONIZE, FALSE, (std::string("Go") + pszClass).c_str()));
-    const NoticeWindow window(pszClass);
+// Takes no message before its event is set, then one notice.
+TEST(NotifyEventTest, DISABLED_TakesOneNotice) {
+    char name[100] = "";
+    GetEnvironmentVariableA(kClassVariable, name, sizeof name);
+    const KernelHandle go(OpenEventA(SYNCHRONIZE, FALSE, (std::string("Go") + name).c_str()));
+    const NoticeWindow window(name);
     WaitForSingleObject(go.get(), INFINITE);
     ExpectNotice();
     std::printf("[%s]\n", NoticeWindow::s_strNotice.c_str());
-}
-
-TEST(NotifyEventTest, DISABLED_VkTrayHandlerClass) {
-    TakeOneNotice(kTray);
-}
-
-TEST(NotifyEventTest, DISABLED_VKUserConsoleCL) {
-    TakeOneNotice(kConsole);
 }
 
 // A receiver in another process.
 class Receiver {
 public:
     explicit Receiver(const char* pszClass, bool bGo = true)
-        : m_go(CreateEventA(nullptr, TRUE, bGo, (std::string("Go") + pszClass).c_str())),
-          m_child(std::string("NotifyEventTest.DISABLED_") + pszClass) {
+        : m_go(CreateEventA(nullptr, TRUE, bGo, (std::string("Go") + pszClass).c_str())) {
+        SetEnvironmentVariableA(kClassVariable, pszClass);
+        m_child = std::make_unique<DisabledTest>("NotifyEventTest.DISABLED_TakesOneNotice");
         EXPECT_TRUE(WaitFor(kDeadline, [=] { return FindWindowA(pszClass, nullptr) != nullptr; }));
     }
     ~Receiver() {
-        TerminateProcess(m_child.Process(), 1);
-        WaitForSingleObject(m_child.Process(), 10'000);
+        TerminateProcess(m_child->Process(), 1);
+        WaitForSingleObject(m_child->Process(), 10'000);
     }
     void Go() const { SetEvent(m_go.get()); }
     std::string Notice() {
-        const std::string output = m_child.Wait().strOutput;
+        const std::string output = m_child->Wait().strOutput;
         const std::size_t start = output.rfind("\n[7") + 2;
         return output.substr(start, output.find(']', start) - start);
     }
 
 private:
     KernelHandle m_go;
-    DisabledTest m_child;
+    std::unique_ptr<DisabledTest> m_child;
 };
 
 TEST(NotifyEventTest, WithoutReceiversOnlyLogs) {
     LogRecorder log;
-    NotifyEvent(kEventUnlockCodeShown, "Reader A", Sender());
+    NotifyEvent(kEventUnlockCodeShown, "Reader A", kSender);
     ASSERT_EQ(log.Lines().size(), 2U) << log.Dump();
     EXPECT_TRUE(log.Contains(8, "NotifyEvent"));
     EXPECT_TRUE(log.Contains(16, "NotifyEvent"));
@@ -121,7 +109,7 @@ TEST(NotifyEventTest, ReachesBothReceiversWithEverything) {
     Receiver tray(kTray);
     Receiver console(kConsole);
     LogRecorder log;
-    NotifyEvent(kEventCardUnlocked, "Reader \xE9", Sender());
+    NotifyEvent(kEventCardUnlocked, "Reader \xE9", kSender);
     EXPECT_EQ(tray.Notice(), "78946 4711 9 Reader \xE9");
     EXPECT_EQ(console.Notice(), "78946 4711 9 Reader \xE9");
     const std::string posting =
@@ -177,7 +165,7 @@ TEST(NotifyEventTest, HangingReceiverDelaysNobody) {
     {
         const PatchedImports seen(nullptr, {{"SendMessageTimeoutA", Address(&Send)},
                                             {"WaitForSingleObject", Address(&Wait)}});
-        NotifyEvent(kEventUnlockCodeShown, "Reader C", Sender());
+        NotifyEvent(kEventUnlockCodeShown, "Reader C", kSender);
         SetEvent(g_returned.get());
         EXPECT_EQ(g_nTimeouts, 0);
         EXPECT_EQ(g_nEarlyReturns, 0);
@@ -199,7 +187,7 @@ TEST(NotifyEventTest, ReachesAWindowOfTheCallersOwnThread) {
                                                          {nullptr, "78945 4711 1 "}};
     for (const auto& [reader, notice] : cases) {
         NoticeWindow::s_strNotice.clear();
-        NotifyEvent(kEventUnlockCodeShown, reader, Sender());
+        NotifyEvent(kEventUnlockCodeShown, reader, kSender);
         EXPECT_EQ(NoticeWindow::s_strNotice, "");
         ExpectNotice();
         EXPECT_EQ(NoticeWindow::s_strNotice, notice);
