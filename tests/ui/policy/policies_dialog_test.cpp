@@ -72,28 +72,21 @@ TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
 
 // What each rule looks at; what it makes of it, the checker's own tests hold.
 TEST_F(PoliciesDialog, EachRuleLooksAtItsOwnText) {
-    const PwdRuleArgs unsignedBounds = {0, 0, 0, 0, 0x80000000, 0xFFFFFFFE, 0};
-    const PwdRuleArgs noMaximum = {0, 1, 1, 1, 4, kNone, 0};
-    const CString huge('7', 100'000);
     const struct {
         const PwdRuleArgs* pRules;
-        CString strOld, strValue, strNew, strConfirm;
+        const char *pszOld, *pszValue, *pszNew, *pszConfirm;
         std::string strLines;
     } cases[] = {
         {&kAllRules, "1", "9", "5838x5838", "5838x5838", "vsvsss"},
         {&kAllRules, "1", "5838x5838", "9", "9", "svssvs"},
         {&kAllRules, "new", "5838", "new", "5838", "sssvsv"},
         {&kAllRules, "1", "58385838", "2", "2", "ssssss"},
-        {&kAllRules, "", "", "", "", "vsvvss"},
-        {&kAllRules, "1", "\xFE\xFF\x01\x80", "2", "2", "ssssvs"},
-        {&unsignedBounds, "", "1", "", "", "vs---s"},
-        {&noMaximum, "1", huge, huge, huge, "s-vsss"},
         {nullptr, "1", "1", "1", "1", "-----s"},
         {nullptr, "1", "1", "1", "2", "-----v"},
     };
     for (const auto& c : cases) {
         HostedPanel panel(c.pRules);
-        const bool verdict = panel.Check(c.strOld, c.strValue, c.strNew, c.strConfirm);
+        const bool verdict = panel.Check(c.pszOld, c.pszValue, c.pszNew, c.pszConfirm);
         EXPECT_EQ(panel.Lines(), c.strLines);
         EXPECT_EQ(verdict, c.strLines.find('v') == std::string::npos) << c.strLines;
     }
