@@ -1,7 +1,6 @@
 // The two subscribers to card removal, on real events of the suite's event module.
 #include "services/card_removed_subscriber.h"
 
-#include <algorithm>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -9,18 +8,14 @@
 #include <thread>
 #include <vector>
 
-#include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 
-#include "platform/handle.h"
 #include "support/failing_heap.h"
-#include "support/log_recorder.h"
 #include "support/waiting.h"
+#include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 constexpr UINT kRemoved = WM_APP + 7;
 constexpr unsigned kIdleTimeout = 10'000;
@@ -40,14 +35,6 @@ int TakePosted() {
     return count;
 }
 
-Texts Lines(const LogRecorder& log) {
-    Texts lines;
-    for (const RecordedLine& line : log.Lines()) {
-        lines.push_back(std::to_string(line.nLevel) + " " + line.strText);
-    }
-    return lines;
-}
-
 class Popup final : public CHideable {
 public:
     explicit Popup(std::function<void()> onHide) : m_onHide(std::move(onHide)) {}
@@ -57,13 +44,11 @@ private:
     std::function<void()> m_onHide;
 };
 
-class Window : public CWnd {
-public:
-    Window() { CreateEx(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr); }
-};
+using CardRemovedOfAPopup = LibraryTest;
+using CardRemovedOfAWindow = LibraryTest;
 
-TEST(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
-    LogRecorder log;
+TEST_F(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
+    m_log.Clear();
     std::vector<DWORD> threads;
     bool throws = false;
     Popup popup([&] {
@@ -83,47 +68,38 @@ TEST(CardRemovedOfAPopup, HidesItOnTheEventThreadWhateverTheReader) {
     Remove("Reader A");
     ASSERT_EQ(threads.size(), 3U) << "none after the end";
     EXPECT_NE(threads[0], GetCurrentThreadId());
-    Texts expected = {"8 CCardRemoved::CCardRemoved() - contructor",
-                      "16 CCardRemoved::CCardRemoved() - contructor"};
-    for (const bool threw : {false, true, false}) {
-        expected.insert(expected.end(), {"8 CCardRemoved::HandleEvent",
-                                         "2 CCardRemoved::HandleEvent: m_pPopupAlert->Hide "});
-        if (threw) {
-            expected.emplace_back("1 CCardRemoved::HandleEvent: exception");
-        }
-        expected.emplace_back("16 CCardRemoved::HandleEvent");
-    }
-    expected.insert(expected.end(), {"8 CCardRemoved::~CCardRemoved() - destructor",
-                                     "16 CCardRemoved::~CCardRemoved() - destructor"});
-    EXPECT_EQ(Lines(log), expected);
+    const std::string handled =
+        "CCardRemoved::HandleEvent{2 CCardRemoved::HandleEvent: m_pPopupAlert->Hide ; ";
+    EXPECT_EQ(LogShape(), "CCardRemoved::CCardRemoved() - contructor{} " + handled + "} " +
+                              handled + "1 CCardRemoved::HandleEvent: exception; } " + handled +
+                              "} CCardRemoved::~CCardRemoved() - destructor{} ");
 
     const CCardRemoved subscriber(nullptr);
-    log.Clear();
+    m_log.Clear();
     Remove("Reader A");
-    EXPECT_EQ(Lines(log), (Texts{"8 CCardRemoved::HandleEvent",
-                                 "1 CCardRemoved::HandleEvent: m_pPopupAlert = NULL",
-                                 "16 CCardRemoved::HandleEvent"}));
+    EXPECT_EQ(LogShape(),
+              "CCardRemoved::HandleEvent{1 CCardRemoved::HandleEvent: m_pPopupAlert = "
+              "NULL; } ");
 }
 
-TEST(CardRemovedOfAPopup, UnsubscribesFirst) {
-    LogRecorder log;
+TEST_F(CardRemovedOfAPopup, UnsubscribesFirst) {
     const auto waitFor = [&](const char* pszEntry) {
-        EXPECT_TRUE(WaitFor(std::chrono::seconds(10), [&] { return log.Contains(8, pszEntry); }));
+        EXPECT_TRUE(WaitFor(std::chrono::seconds(10), [&] { return m_log.Contains(8, pszEntry); }));
     };
     // Goes on only once the destructor waits for it.
     Popup popup([&] { waitFor("CCardRemoved::~CCardRemoved() - destructor"); });
     auto subscriber = std::make_unique<CCardRemoved>(&popup);
+    m_log.Clear();
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, ""), VKEVTSUB_OK);
     waitFor("CCardRemoved::HandleEvent");
     subscriber.reset();
-    EXPECT_EQ(log.Texts(16),
-              (Texts{"CCardRemoved::CCardRemoved() - contructor", "CCardRemoved::HandleEvent",
-                     "CCardRemoved::~CCardRemoved() - destructor"}));
+    EXPECT_EQ(m_log.Texts(16),
+              (std::vector<std::string>{"CCardRemoved::HandleEvent",
+                                        "CCardRemoved::~CCardRemoved() - destructor"}));
 }
 
-TEST(CardRemovedOfAWindow, IsPostedWhileTheWindowIsThere) {
-    LogRecorder log;
-    auto window = std::make_unique<Window>();
+TEST_F(CardRemovedOfAWindow, IsPostedWhileTheWindowIsThere) {
+    auto window = std::make_unique<HostWindow>();
     VKDelegateSubscriberCardRemoved subscriber(window.get(), kRemoved, "reader a");
     Remove("READER A");
     EXPECT_EQ(TakePosted(), 1);
@@ -132,19 +108,18 @@ TEST(CardRemovedOfAWindow, IsPostedWhileTheWindowIsThere) {
     // The object goes, and its window with it; what stood there may be anything.
     CWnd* const storage = window.get();
     window->DestroyWindow();
-    window.release()->~Window();
-    memset(static_cast<void*>(storage), 0x5A, sizeof(Window));
-    log.Clear();
+    window.release()->~HostWindow();
+    memset(static_cast<void*>(storage), 0x5A, sizeof(HostWindow));
+    m_log.Clear();
     Remove("Reader A");
     EXPECT_EQ(TakePosted(), 0);
-    const char kHandled[] = "VKDelegateSubscriberCardRemoved::HandleEvent";
-    EXPECT_EQ(Lines(log), (Texts{std::string("8 ") + kHandled, std::string("16 ") + kHandled}));
+    EXPECT_EQ(LogShape(), "VKDelegateSubscriberCardRemoved::HandleEvent{} ");
     ::operator delete(storage);
 }
 
-TEST(CardRemovedOfAWindow, IsNotPostedWithoutATargetOrToAWindowOfAnotherThread) {
+TEST_F(CardRemovedOfAWindow, IsNotPostedWithoutATargetOrToAWindowOfAnotherThread) {
     // As when the target's thread has ended and its handle serves another thread's window.
-    Window window;
+    HostWindow window;
     std::unique_ptr<VKDelegateSubscriberCardRemoved> subscriber;
     std::thread([&] {
         subscriber = std::make_unique<VKDelegateSubscriberCardRemoved>(&window, kRemoved, "");
@@ -154,14 +129,13 @@ TEST(CardRemovedOfAWindow, IsNotPostedWithoutATargetOrToAWindowOfAnotherThread) 
     EXPECT_EQ(TakePosted(), 0);
 }
 
-TEST(CardRemovedOfAWindow, IsNotHeardOfWhenTheSubscriptionFails) {
-    LogRecorder log;
-    Window window;
+TEST_F(CardRemovedOfAWindow, IsNotHeardOfWhenTheSubscriptionFails) {
+    HostWindow window;
     FailingHeap heap("vkevtsub.dll");
     heap.FailAt(0);
     const VKDelegateSubscriberCardRemoved subscriber(&window, kRemoved, "");
     EXPECT_TRUE(heap.Stop());
-    EXPECT_TRUE(log.Contains(1, "Subscribe failed (4)")) << log.Dump();
+    EXPECT_TRUE(m_log.Contains(1, "Subscribe failed (4)")) << m_log.Dump();
     Remove("Reader A");
     EXPECT_EQ(TakePosted(), 0);
 }

@@ -156,43 +156,42 @@ TEST_F(RegistryReaders, AnswerWithoutMemory) {
 }
 
 TEST_F(RegistryReaders, InstallPathFillsItsBufferAndNoMore) {
+    const std::string ignored =
+        R"(|Setting ignored: Software\Quillon\Veskara\VeskaraInstallPath: )";
+    const struct {
+        DWORD dwType;
+        std::string strBytes;
+        DWORD nSize;  // that is told
+        std::string strErrors;
+    } cases[] = {
+        {REG_SZ, std::string("C:\\veskara\\\0", 12), 12, ""},
+        {REG_SZ, std::string(511, 'p') + '\0', 512, ""},
+        {REG_SZ, std::string(599, 'p') + '\0', 0, "size (600) > 512 " + ignored + "too long"},
+        {REG_DWORD, std::string(4, '\1'), 0,
+         "dwType(4) <> REG_SZ" + ignored + "the type is not REG_SZ"},
+    };
     std::array<char, 1024> buffer{};
-    // The size that is told; what lies behind it must not be touched.
-    const auto read = [&] {
+    const auto expect = [&](DWORD nSize) {
         buffer.fill('#');
         DWORD capacity = 512;
         EXPECT_EQ(ReadInstallPath(buffer.data(), &capacity), 0);
-        EXPECT_TRUE(
-            std::all_of(buffer.data() + capacity, &buffer.back(), [](char c) { return c == '#'; }));
-        return capacity;
+        EXPECT_EQ(capacity, nSize);
+        // What lies behind it must not be touched.
+        EXPECT_EQ(std::count(buffer.data() + capacity, buffer.end(), '#'), 1024 - capacity);
     };
-    const auto set = [&](const std::string& text) {
-        m_hive.SetString(kInstallKey, "VeskaraInstallPath", text);
-    };
+    for (const auto& c : cases) {
+        m_hive.SetRaw(kInstallKey, "VeskaraInstallPath", c.dwType, c.strBytes);
+        expect(c.nSize);
+        EXPECT_EQ(std::string(buffer.data(), c.nSize), c.strBytes.substr(0, c.nSize));
+        EXPECT_EQ(m_log.Texts(0), (Texts{"ReadInstallPath begins", "ReadInstallPath ends"}));
+        EXPECT_EQ(Errors(), c.strErrors);
+    }
     m_hive.DeleteKey(kInstallKey);
-    EXPECT_EQ(read(), 0U);
+    expect(0);
     m_hive.CreateKey(kInstallKey);
-    EXPECT_EQ(read(), 0U);
+    expect(0);
     EXPECT_EQ(m_log.Texts(2),
               (Texts{"Warning : RegOpenKeyEx returns 2", "Warning : RegQueryValueEx returns 2"}));
-    m_hive.SetDword(kInstallKey, "VeskaraInstallPath", 1);
-    EXPECT_EQ(read(), 0U);
-    EXPECT_EQ(Errors(),
-              "dwType(4) <> REG_SZ|Setting ignored: Software\\Quillon\\Veskara"
-              "\\VeskaraInstallPath: the type is not REG_SZ");
-    set(std::string(599, 'p'));
-    EXPECT_EQ(read(), 0U);
-    EXPECT_EQ(Errors(),
-              "size (600) > 512 |Setting ignored: Software\\Quillon\\Veskara"
-              "\\VeskaraInstallPath: too long");
-    set(std::string(511, 'p'));
-    EXPECT_EQ(read(), 512U);
-    EXPECT_EQ(buffer.data(), std::string(511, 'p'));
-    m_log.Clear();
-    set("C:\\veskara\\");
-    EXPECT_EQ(read(), 12U);
-    EXPECT_STREQ(buffer.data(), "C:\\veskara\\");
-    EXPECT_EQ(m_log.Texts(0), (Texts{"ReadInstallPath begins", "ReadInstallPath ends"}));
 }
 
 }  // namespace
