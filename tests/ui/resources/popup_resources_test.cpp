@@ -28,46 +28,8 @@ constexpr int kMessageLeft = 40;      // of its window, which may have a ground 
 constexpr SIZE kMessage = {275, 98};  // as far as the title
 constexpr SIZE kLine = {280, 15};
 
-// A bitmap's pixels from the top, each 0xAARRGGBB.
-struct Pixels {
-    explicit Pixels(HBITMAP bitmap) {
-        BITMAP size{};
-        GetObjectA(bitmap, sizeof(size), &size);
-        nWidth = size.bmWidth;
-        nHeight = size.bmHeight;
-        words.resize(static_cast<std::size_t>(nWidth) * static_cast<std::size_t>(nHeight));
-        BITMAPINFO info{};
-        info.bmiHeader = {sizeof(BITMAPINFOHEADER), nWidth, -nHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-        const mvp::MemoryDc dc(CreateCompatibleDC(nullptr));
-        GetDIBits(dc.get(), bitmap, 0, static_cast<UINT>(nHeight), words.data(), &info,
-                  DIB_RGB_COLORS);
-    }
-    DWORD At(int x, int y) const {
-        return words.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(nWidth) +
-                        static_cast<std::size_t>(x));
-    }
-
-    int nWidth = 0;
-    int nHeight = 0;
-    std::vector<DWORD> words;
-};
-
-class PopupResources : public ::testing::TestWithParam<std::string> {
+class PopupResources : public EachLanguage {
 protected:
-    Pixels BitmapPixels(int number) const {
-        const mvp::Bitmap bitmap(static_cast<HBITMAP>(LoadImageA(
-            m_module.get(), MAKEINTRESOURCEA(number), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
-        return Pixels(bitmap.get());
-    }
-    // The colours of the icon at its ordinary size.
-    Pixels IconPixels(int number) const {
-        const mvp::Icon icon(static_cast<HICON>(
-            LoadImageA(m_module.get(), MAKEINTRESOURCEA(number), IMAGE_ICON, 32, 32, 0)));
-        ICONINFO info{};
-        GetIconInfo(icon.get(), &info);
-        const mvp::Bitmap mask(info.hbmMask);
-        return Pixels(mvp::Bitmap(info.hbmColor).get());
-    }
     // The widths of the images of an icon: a group has a head of 6 bytes, and 14 for each image,
     // which begin with its width.
     std::set<int> IconSizes(int number) const {
@@ -80,8 +42,6 @@ protected:
         }
         return sizes;
     }
-
-    const ResourceModule m_module{GetParam()};
 };
 
 }  // namespace
@@ -90,12 +50,12 @@ INSTANTIATE_TEST_SUITE_P(Resources, PopupResources, ::testing::ValuesIn(Language
                          [](const auto& test) { return test.param; });
 
 TEST_P(PopupResources, CanBeReadOnTheSkin) {
-    const Pixels skin = BitmapPixels(IDB_POPUP_SKIN);
-    ASSERT_EQ(skin.nWidth, 340);
-    ASSERT_EQ(skin.nHeight, 230);
+    const Pixels skin = m_module.BitmapPixels(IDB_POPUP_SKIN);
+    ASSERT_EQ(skin.size.bmWidth, 340);
+    ASSERT_EQ(skin.size.bmHeight, 230);
     // On such a grey or lighter, the pure blue of the links has a contrast of 5, and black more.
     int dark = 0;
-    for (int i = 0; i < kWrittenHeight * skin.nWidth; ++i) {
+    for (int i = 0; i < kWrittenHeight * skin.size.bmWidth; ++i) {
         const DWORD word = skin.words[static_cast<std::size_t>(i)];
         dark += std::min({GetRValue(word), GetGValue(word), GetBValue(word)}) < 0xC8;
     }
@@ -103,11 +63,11 @@ TEST_P(PopupResources, CanBeReadOnTheSkin) {
 }
 
 TEST_P(PopupResources, LaysBulletsWithoutAnEdgeOnTheSkin) {
-    const Pixels skin = BitmapPixels(IDB_POPUP_SKIN);
+    const Pixels skin = m_module.BitmapPixels(IDB_POPUP_SKIN);
     for (const int number : {IDB_POPUP_LINK_BULLET, IDB_POPUP_HELP_BULLET}) {
-        const Pixels bullet = BitmapPixels(number);
-        ASSERT_EQ(bullet.nWidth, kBulletSize);
-        ASSERT_EQ(bullet.nHeight, kBulletSize);
+        const Pixels bullet = m_module.BitmapPixels(number);
+        ASSERT_EQ(bullet.size.bmWidth, kBulletSize);
+        ASSERT_EQ(bullet.size.bmHeight, kBulletSize);
         int different = 0;
         for (int i = 0; i < kBulletSize; ++i) {
             constexpr int kLast = kBulletSize - 1;
@@ -130,10 +90,11 @@ TEST_P(PopupResources, DrawsIconsForEveryResolutionClearOfTheText) {
         const RECT room = number == IDI_POPUP_OTP ? RECT{kProgressBar.left, kProgressBar.top,
                                                          kMessageLeft, kProgressBar.bottom}
                                                   : RECT{0, 0, kMessageLeft + 3, kWrittenHeight};
-        const Pixels icon = IconPixels(number);
+        const Pixels icon = m_module.IconPixels(number, 32);
         int outside = 0;
-        for (int i = 0; i < icon.nWidth * icon.nHeight; ++i) {
-            const POINT point = {kIconLeft + i % icon.nWidth, kIconTop + i / icon.nWidth};
+        for (int i = 0; i < icon.size.bmWidth * icon.size.bmHeight; ++i) {
+            const POINT point = {kIconLeft + i % icon.size.bmWidth,
+                                 kIconTop + i / icon.size.bmWidth};
             const bool isDrawn = icon.words[static_cast<std::size_t>(i)] >> 24 != 0;
             outside += isDrawn && !PtInRect(&room, point);
         }

@@ -38,6 +38,21 @@ inline std::vector<NamedNumber> NamedNumbers(std::string_view prefix) {
     return numbers;
 }
 
+// A bitmap's pixels from the top, each 0xAARRGGBB where it has 32 bits of its own.
+struct Pixels {
+    explicit Pixels(const mvp::Bitmap& bitmap) {
+        GetObjectA(bitmap.get(), sizeof size, &size);
+        words.resize(static_cast<std::size_t>(size.bmWidth * size.bmHeight));
+        GetBitmapBits(bitmap.get(), static_cast<LONG>(4 * words.size()), words.data());
+    }
+    DWORD At(int x, int y) const {
+        return words.at(static_cast<std::size_t>(y * size.bmWidth + x));
+    }
+
+    BITMAP size{};
+    std::vector<DWORD> words;
+};
+
 class ResourceModule {
 public:
     explicit ResourceModule(const std::string& language) {
@@ -75,6 +90,19 @@ public:
         return text.data();
     }
 
+    Pixels BitmapPixels(int number) const {
+        return Pixels(mvp::Bitmap(LoadBitmapA(get(), MAKEINTRESOURCEA(number))));
+    }
+    // The colours of an icon at one of its sizes.
+    Pixels IconPixels(int number, int size) const {
+        const mvp::Icon icon(static_cast<HICON>(
+            LoadImageA(get(), MAKEINTRESOURCEA(number), IMAGE_ICON, size, size, 0)));
+        ICONINFO info{};
+        EXPECT_TRUE(GetIconInfo(icon.get(), &info)) << "icon " << number;
+        const mvp::Bitmap mask(info.hbmMask);
+        return Pixels(mvp::Bitmap(info.hbmColor));
+    }
+
 private:
     static BOOL CALLBACK CollectName(HMODULE, LPCSTR, LPSTR name, LONG_PTR context) {
         EXPECT_TRUE(IS_INTRESOURCE(name)) << "a resource without a number";
@@ -84,4 +112,9 @@ private:
     }
 
     mvp::ModuleHandle m_module;
+};
+
+class EachLanguage : public ::testing::TestWithParam<std::string> {
+protected:
+    const ResourceModule m_module{GetParam()};
 };

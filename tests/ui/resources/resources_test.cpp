@@ -188,11 +188,6 @@ protected:
     const std::vector<Control> m_controls = m_window.Controls();
 };
 
-class EachLanguage : public ::testing::TestWithParam<std::string> {
-protected:
-    const ResourceModule m_module{GetParam()};
-};
-
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Resources, EachDialog,
@@ -292,9 +287,7 @@ TEST_P(EachLanguage, PicturesHaveTheSizeOfTheirControls) {
     const std::pair<int, int> pictures[] = {{IDC_ENTER_PIN_BANNER, IDB_ENTER_PIN_BANNER},
                                             {IDC_ENTER_PIN_PROGRESS, IDB_ENTER_PIN_PROGRESS}};
     for (const auto& [control, picture] : pictures) {
-        const mvp::Bitmap bitmap(LoadBitmapA(m_module.get(), MAKEINTRESOURCEA(picture)));
-        BITMAP size{};
-        GetObjectA(bitmap.get(), sizeof(size), &size);
+        const BITMAP size = m_module.BitmapPixels(picture).size;
         RECT rect{};
         GetClientRect(GetDlgItem(window.get(), control), &rect);
         EXPECT_EQ(size.bmWidth, rect.right) << "picture " << picture;
@@ -355,16 +348,8 @@ TEST_P(EachLanguage, FitsTheBuffersOfTheCapsLockBalloon) {
 
 TEST_P(EachLanguage, DrawsEveryIconAtSixteenPixels) {
     for (const int number : m_module.Numbers(RT_GROUP_ICON)) {
-        const mvp::Icon icon(static_cast<HICON>(
-            LoadImageA(m_module.get(), MAKEINTRESOURCEA(number), IMAGE_ICON, 16, 16, 0)));
-        ASSERT_TRUE(icon) << "icon " << number;
-        ICONINFO info{};
-        ASSERT_TRUE(GetIconInfo(icon.get(), &info));
-        const mvp::Bitmap colour(info.hbmColor);
-        const mvp::Bitmap mask(info.hbmMask);
-        BITMAP bitmap{};
-        GetObjectA(colour.get(), sizeof(bitmap), &bitmap);
-        EXPECT_EQ(bitmap.bmWidth, 16) << "icon " << number;
-        EXPECT_EQ(bitmap.bmBitsPixel, 32) << "icon " << number;
+        const BITMAP size = m_module.IconPixels(number, 16).size;
+        EXPECT_EQ(size.bmWidth, 16) << "icon " << number;
+        EXPECT_EQ(size.bmBitsPixel, 32) << "icon " << number;
     }
 }

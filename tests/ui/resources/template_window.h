@@ -23,16 +23,9 @@ using mvp::test::Control;
 class TemplateWindow {
 public:
     // `percent` is the resolution, 100 for 96 dpi: the template's font, and with it every dialog
-    // unit, grows as it does on such a screen. A child template gets a host window. Throws when the
-    // window cannot be made.
+    // unit, grows as it does on such a screen. Throws when the window cannot be made.
     TemplateWindow(const ResourceModule& module, int dialog, int percent = 100) {
         const std::vector<WORD> words = LoadTemplate(module, dialog, percent);
-        DWORD style = 0;
-        std::memcpy(&style, &words.at(kStyleWord), sizeof(style));
-        if ((style & WS_CHILD) != 0) {
-            m_hHost = CreateWindowExA(0, "STATIC", "host", WS_POPUP, 0, 0, 2000, 2000, nullptr,
-                                      nullptr, nullptr, nullptr);
-        }
         m_hWnd = CreateDialogIndirectParamA(
             module.get(), reinterpret_cast<LPCDLGTEMPLATEA>(words.data()), m_hHost,
             [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
@@ -42,9 +35,7 @@ public:
     }
     ~TemplateWindow() {
         DestroyWindow(m_hWnd);
-        if (m_hHost != nullptr) {
-            DestroyWindow(m_hHost);
-        }
+        DestroyWindow(m_hHost);
     }
     TemplateWindow(const TemplateWindow&) = delete;
     TemplateWindow& operator=(const TemplateWindow&) = delete;
@@ -66,8 +57,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kStyleWord = 6;  // in 16-bit words
-
     // The template with its font enlarged.
     static std::vector<WORD> LoadTemplate(const ResourceModule& module, int dialog, int percent) {
         const HRSRC resource = FindResourceA(module.get(), MAKEINTRESOURCEA(dialog), RT_DIALOG);
@@ -81,7 +70,8 @@ private:
         return words;
     }
 
-    HWND m_hHost = nullptr;
+    HWND m_hHost = CreateWindowExA(0, "STATIC", "host", WS_POPUP, 0, 0, 2000, 2000, nullptr,
+                                   nullptr, nullptr, nullptr);
     HWND m_hWnd = nullptr;
 };
 

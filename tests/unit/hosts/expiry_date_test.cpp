@@ -8,10 +8,7 @@ namespace {
 TEST(ExpiryDate, IsADayOrSoManyDaysFromNow) {
     constexpr std::int64_t kNow = 1'000'000;
     constexpr std::int64_t kDay = 86'400;
-    struct Case {
-        const char* pszText;
-        std::optional<std::int64_t> nMoment;
-    };
+    using Case = std::pair<const char*, std::optional<std::int64_t>>;
     for (const auto& [text, moment] : {Case{"1970-01-01", kDay / 2},
                                        {"1969-12-31", -kDay / 2},
                                        {"2024-02-29", 1'709'208'000},

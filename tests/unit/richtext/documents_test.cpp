@@ -88,12 +88,6 @@ std::vector<std::string> Squeezed(std::vector<std::string> aLines) {
     return aLines;
 }
 
-bool Agree(const Rect& a, const Rect& b, double tolerance) {
-    const auto differ = [=](double nA, double nB) { return std::abs(nA - nB) > tolerance; };
-    return !differ(a[0], b[0]) && !differ(a[1], b[1]) && !differ(a[0] + a[2], b[0] + b[2]) &&
-           !differ(a[1] + a[3], b[1] + b[3]);
-}
-
 bool Agree(const RichText& text, bool bCells, const std::vector<Rect>& expected, double tolerance) {
     std::vector<Rect> rects;
     for (const BlockBox& block : text.Boxes().aBlocks) {
@@ -102,8 +96,11 @@ bool Agree(const RichText& text, bool bCells, const std::vector<Rect>& expected,
                 {double(block.nX), double(block.nY), double(block.nWidth), double(block.nHeight)});
         }
     }
-    return std::equal(rects.begin(), rects.end(), expected.begin(), expected.end(),
-                      [&](const Rect& a, const Rect& b) { return Agree(a, b, tolerance); });
+    return std::ranges::equal(rects, expected, [=](const Rect& a, const Rect& b) {
+        const double off[] = {a[0] - b[0], a[1] - b[1], a[0] + a[2] - b[0] - b[2],
+                              a[1] + a[3] - b[1] - b[3]};
+        return std::ranges::all_of(off, [=](double n) { return std::abs(n) <= tolerance; });
+    });
 }
 
 // Line texts are equal but for white space, and every edge of a rectangle is within a pixel.

@@ -139,15 +139,8 @@ TEST(Images, WrongOnesAreNotThere) {
             EXPECT_EQ(FirstRow(tag + strFrom + ">"), "") << tag << strFrom;
         }
     };
-    const BitmapHeaders kFiles[] = {
-        {8, 4000},                  // higher than the file has rows
-        {8, 8, 8, BI_RLE8, 2, 62},  // run lengths
-    };
-    for (const BitmapHeaders& headers : kFiles) {
-        SCOPED_TRACE(&headers - kFiles);
-        const WrittenBitmap file(headers, StripPixels().substr(0, std::size_t{8} * 24));
-        expectNone("file=\"" + file.Name() + '"');
-    }
+    const WrittenBitmap lie({8, 4000}, StripPixels());  // higher than the file has rows
+    expectNone("file=\"" + lie.Name() + '"');
     for (const char* from :
          {"file=missing.bmp", R"(file=\\machine\share\a.bmp)", "file=//machine/share/a.bmp",
           R"(file=\\.\COM1)", "file=NUL", "file=C:\\", "idres=99 iddll=missing.dll",

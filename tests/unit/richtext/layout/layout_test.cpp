@@ -1,5 +1,7 @@
 // What the golden dumps do not say: questions asked of a layout, and layouts that must not depend
 // on something.
+#include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -172,7 +174,7 @@ TEST(TableColumns, ShareTheWidth) {
     const struct {
         std::vector<Column> columns;
         int nWidth;
-        std::vector<int> widths;
+        std::vector<Fixed> widths;
     } kCases[] = {
         // Never below the least.
         {{Auto(30, 50), Auto(20, 90)}, 10, {30, 20}},
@@ -193,12 +195,8 @@ TEST(TableColumns, ShareTheWidth) {
     for (const auto& c : kCases) {
         std::vector<Fixed> widths(c.columns.size());
         ShareWidth(c.columns, ToFixed(c.nWidth), widths);
-        std::vector<int> pixels;
-        pixels.reserve(widths.size());
-        for (const Fixed width : widths) {
-            pixels.push_back(static_cast<int>(RoundPixels(width)));
-        }
-        EXPECT_EQ(pixels, c.widths) << c.nWidth;
+        std::ranges::transform(widths, widths.begin(), RoundPixels);
+        EXPECT_EQ(widths, c.widths) << c.nWidth;
     }
 }
 
@@ -233,7 +231,7 @@ TEST(TableRows, HoldTheirCells) {
     const struct {
         std::vector<RowCell> cells;
         int nTableHeight;
-        std::vector<int> heights;
+        std::array<std::int64_t, 3> heights;
     } kCases[] = {
         {{{0, 1, 10, -1, false}, {1, 1, 20, -1, false}}, 0, {10, 20, 0}},
         // A cell over rows: in proportion, but not to a row with a height of its own.
@@ -247,12 +245,7 @@ TEST(TableRows, HoldTheirCells) {
     for (const auto& c : kCases) {
         std::vector<Row> rows(3);
         MeasureRows(c.cells, 0, c.nTableHeight, rows);
-        std::vector<int> heights;
-        heights.reserve(rows.size());
-        for (const Row& row : rows) {
-            heights.push_back(static_cast<int>(row.nHeight));
-        }
-        EXPECT_EQ(heights, c.heights);
+        EXPECT_EQ((std::array{rows[0].nHeight, rows[1].nHeight, rows[2].nHeight}), c.heights);
     }
 }
 
