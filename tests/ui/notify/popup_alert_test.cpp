@@ -1,4 +1,5 @@
-// The popup's life: how it is made, what stands in it, and how it ends.
+// The popup's life: how it is made, what stands in it, what the administrator says of it, and how
+// it ends.
 #include "mvpingui/popup_alert.h"
 
 #include <functional>
@@ -61,21 +62,23 @@ TEST_F(PopupTest, HoldsTheControlsOfItsType) {
     const PatchedImports fonts("dlgfw.dll", {{"CreateFontIndirectA", Address(makeFont)}});
     const std::string close = "<a msg=\"msg\">" + TextOf(3102) + "</a>";
     const std::string help = "<a msg=\"msg\">" + TextOf(3115) + "</a>";
+    const std::string kInit = "CPopupAlert::InitWindow: ";
     const struct {
         int type;
         bool bHelp;  // configured
-        std::string strText;
-        std::string strLog;
+        std::string strText, strScope, strLog;
         std::string strLinks;  // close and help: + for those that are to be seen
-        int nDown = 20;        // 0 with the help link below
+        WPARAM nTopic;
+        int nDown = 20;  // 0 with the help link below
     } cases[] = {
-        {0, true, "Said.", "CPopupAlert::InitWindow: iWndType = DIALOG_POPUP_NO_READER", "++", 0},
-        {0, false, "Said.", "CPopupAlert::InitWindow: iWndType = DIALOG_POPUP_NO_READER", "+-"},
-        {1, true, "Said.", "CPopupAlert::InitWindow: iWndType = DIALOG_POPUP_CARD_ALERT", "+-"},
-        {2, true, "Wait.", "iWndType = DIALOG_POPUP_CARD_OTP", "++", 0},
-        {2, false, "", "iWndType = DIALOG_POPUP_CARD_OTP", "+-"},  // told once, shown once
-        {3, true, "", "CPopupAlert::InitWindow: iWndType = 3", "--"},
-        {-1, true, "", "CPopupAlert::InitWindow: iWndType = -1", "--"},
+        {0, true, "Said.", kInit, "iWndType = DIALOG_POPUP_NO_READER", "++", 1017, 0},
+        {0, false, "Said.", kInit, "iWndType = DIALOG_POPUP_NO_READER", "+-", 1017},
+        {1, true, "Said.", kInit, "iWndType = DIALOG_POPUP_CARD_ALERT", "+-", 1016},
+        {2, true, "Wait.", "", "iWndType = DIALOG_POPUP_CARD_OTP", "++", 1025, 0},
+        // Told once, shown once.
+        {2, false, "", "", "iWndType = DIALOG_POPUP_CARD_OTP", "+-", 1025},
+        {3, true, "", kInit, "iWndType = 3", "--", 0},
+        {-1, true, "", kInit, "iWndType = -1", "--", 0},
     };
     m_popup->SetMessage("Wait.");
     for (const auto& c : cases) {
@@ -86,7 +89,7 @@ TEST_F(PopupTest, HoldsTheControlsOfItsType) {
         }
         m_log.Clear();
         EXPECT_TRUE(Init(c.type));
-        EXPECT_TRUE(m_log.Contains(2, c.strLog)) << m_log.Dump();
+        EXPECT_TRUE(m_log.Contains(2, c.strScope + c.strLog)) << m_log.Dump();
         EXPECT_TRUE(
             m_log.Contains(2, c.bHelp ? "GetDisplayHelpValue (1)" : "GetDisplayHelpValue (0)"));
         const auto line = [&](int nId, int nTop, char seen, const std::string& text) {
@@ -110,7 +113,21 @@ TEST_F(PopupTest, HoldsTheControlsOfItsType) {
         const Canvas skin(3102);
         const WindowDc text(Controls()[0]);
         EXPECT_EQ(GetPixel(text.get(), 200, 2), GetPixel(skin.dc.get(), 240, 15)) << "behind it";
+        for (const bool there : {false, true}) {
+            CWnd service;  // that shows help
+            service.CreateEx(0, "STATIC", there ? "vkcrdsub" : "", WS_POPUP, 0, 0, 9, 9, nullptr,
+                             nullptr);
+            m_log.Clear();
+            Click(Controls()[3]);
+            MSG asked{};
+            PeekMessageA(&asked, service, WM_USER + 203, WM_USER + 203, PM_REMOVE);
+            EXPECT_EQ(asked.wParam, there ? c.nTopic : 0);
+            EXPECT_EQ(m_log.Contains(2, (c.nTopic != 0 ? "" : "m_") + c.strLog), there);
+            service.DestroyWindow();
+        }
+        EXPECT_EQ(Closed(), "0 0");
         m_popup->Hide();
+        Closed();
         m_hive.DeleteKey(kGlobal);
     }
 }
@@ -215,31 +232,6 @@ TEST_F(PopupTest, TellsWhomItCanReach) {
     }
 }
 
-TEST_F(PopupTest, AsksTheServiceForHelp) {
-    Init(0);
-    Click(Controls()[3]);
-    EXPECT_FALSE(m_log.Contains(2, "iWndType = DIALOG_POPUP_NO_READER")) << "nobody to ask";
-    CWnd service;
-    service.CreateEx(0, "STATIC", "vkcrdsub", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr);
-    for (const auto& [type, topic, log] :
-         std::initializer_list<std::tuple<int, WPARAM, std::string>>{
-             {0, 1017, "iWndType = DIALOG_POPUP_NO_READER"},
-             {1, 1016, "iWndType = DIALOG_POPUP_CARD_ALERT"},
-             {2, 1025, "iWndType = DIALOG_POPUP_CARD_OTP"},
-             {3, 0, "m_iWndType = 3"}}) {
-        Init(type);
-        m_log.Clear();
-        Click(Controls()[3]);
-        MSG message{};
-        PeekMessageA(&message, service, 0, 0, PM_REMOVE);
-        EXPECT_EQ(message.message, topic != 0 ? WM_USER + 203 : 0U);
-        EXPECT_EQ(message.wParam, topic);
-        EXPECT_TRUE(m_log.Contains(2, log)) << m_log.Dump();
-    }
-    EXPECT_EQ(Closed(), "0 0");
-    service.DestroyWindow();
-}
-
 TEST_F(PopupTest, TakesTheForegroundFromNobody) {
     m_host.SetForegroundWindow();
     m_host.m_ok.SetFocus();
@@ -281,7 +273,7 @@ TEST_F(PopupTest, MayGoInEveryStateAndKeepsNothing) {
             m_popup->SetThreadRoutine([](void* p) -> DWORD { return p == nullptr; });
         }
         BringTo(round % kStates);
-        Send(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(NewPopupText("740291")));
+        SendPassword("740291");
         m_popup->SetSkin(3102, true, true, 0, 0, 0);
         m_popup->InitWindow(*parent, (round + 1) % 3, 0);
         const HWND window = *m_popup;
@@ -303,6 +295,91 @@ TEST_F(PopupTest, MayGoInEveryStateAndKeepsNothing) {
     // Twenty rounds bring each type to each state. The system keeps some memory for the regions of
     // windows and for threads that just ended, and as many device contexts as were ever in use.
     ExpectRoundsKeepNothing(20, 60, live, {.objects = 4, .threads = 2, .privateBytes = 4 << 20});
+}
+
+// --- what the administrator says, from the registry to what is seen ---
+
+// One value in the place of what a popup is set up with.
+struct Setting {
+    const char* pszName;
+    DWORD dwType;  // REG_NONE: it is not there
+    std::string bytes;
+    const char* pszStay = "2:3000";
+    std::string strText = "Said.";  // "default": the library's own
+    bool bShown = true;
+};
+
+std::string Bytes(DWORD dwValue) {
+    return {reinterpret_cast<const char*>(&dwValue), sizeof dwValue};
+}
+
+std::vector<Setting> Settings() {
+    const std::string most(259, 'm');
+    return {
+        {"Enable", REG_NONE, "", "2:0", "", false},
+        {"Enable", REG_DWORD, Bytes(0), "2:0", "", false},
+        {"Enable", REG_DWORD, Bytes(0x80000000)},
+        {"Enable", REG_SZ, "1", "2:0", "", false},
+        {"Enable", REG_QWORD, Bytes(1) + Bytes(0), "2:0", "", false},
+        {"Duration", REG_NONE, "", "2:0"},
+        {"Duration", REG_DWORD, Bytes(0), "2:1000"},
+        {"Duration", REG_DWORD, Bytes(4294968), "2:2147483647"},
+        {"Duration", REG_SZ, "9", "2:0"},
+        {"Message", REG_NONE, "", "2:3000", ""},
+        {"Message", REG_DWORD, Bytes(65), "2:3000", ""},
+        {"Message", REG_SZ, std::string(1, '\0'), "2:3000", ""},
+        {"Message", REG_SZ, {most.c_str(), 260}, "2:3000", most},
+        {"Message", REG_SZ, most + std::string("m\0", 2), "2:3000", ""},
+        {"Message", REG_SZ, most + "m", "2:3000", most + "m"},  // without its terminator
+        {"Message", REG_SZ, "caf\xE9 \x80", "2:3000", "caf\xE9 \x80"},
+        {"Message", REG_SZ, R"(<b>\na\n)", "2:3000", "<b>\na\n"},
+        {"Message", REG_SZ, R"(<a href\n="http://x.example/">go</a>)", "2:3000", "default"},
+    };
+}
+
+TEST_F(PopupTest, FollowsTheRegistry) {
+    const Animation none(false);
+    for (const bool card : {false, true}) {
+        const char* key = card ? kCardAlert : kNoReader;
+        const std::string name = card ? "DIALOG_POPUP_CARD_ALERT" : "DIALOG_POPUP_NO_READER";
+        for (const Setting& setting : Settings()) {
+            SCOPED_TRACE(key + (": " + setting.bytes));
+            Configure(key);
+            if (setting.dwType == REG_NONE) {
+                m_hive.DeleteValue(key, setting.pszName);
+            } else {
+                m_hive.SetRaw(key, setting.pszName, setting.dwType, setting.bytes);
+            }
+            m_log.Clear();
+            EXPECT_EQ(Init(card ? 1 : 0), setting.bShown);
+            const bool isDefault = setting.strText == "default";
+            const std::string text = isDefault ? TextOf(card ? 3039 : 3038) : setting.strText;
+            EXPECT_EQ(TextIn(Controls()[0]), text);
+            m_popup->Show();
+            EXPECT_EQ(Timers(), setting.pszStay);
+            const auto logged = [&](const std::string& line) {
+                return m_log.Contains(2, "CPopupAlert::GetRegistryParameters: " + line);
+            };
+            EXPECT_TRUE(logged("returning csText = " + text)) << m_log.Dump();
+            EXPECT_EQ(logged("Security pattern matched !"), isDefault);
+            EXPECT_EQ(logged("Displaying default message " + name), isDefault);
+        }
+        m_hive.DeleteKey(key);
+        EXPECT_FALSE(Init(card ? 1 : 0));
+    }
+}
+
+TEST_F(PopupTest, FollowsTheTimeoutOfPasswords) {
+    const Animation none(false);
+    for (const Setting& setting : {Setting{"", REG_DWORD, Bytes(0), "2:0"},
+                                   {"", REG_DWORD, Bytes(4), "2:4000"},
+                                   {"", REG_DWORD, Bytes(4294968), "2:2147483647"},
+                                   {"", REG_SZ, "4", "2:15000"}}) {
+        m_hive.SetRaw(kAgent, "OTPWindowTimeout", setting.dwType, setting.bytes);
+        EXPECT_TRUE(Init(DIALOG_POPUP_CARD_OTP));
+        m_popup->Show();
+        EXPECT_EQ(Timers(), setting.pszStay) << setting.dwType;
+    }
 }
 
 }  // namespace

@@ -134,12 +134,13 @@ TEST_F(PopupManners, NoKeyIsLost) {
     const POINT edge = EdgeOfPopup();
     SetCursorPos(edge.x, edge.y);
     m_owner.RunSeries();
-    std::array<int, PopupOwner::Phases> typed{};
+    std::array<int, 3> typed{};  // while popups slide in, stay and leave
     int under = 0;
     const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(8);
     while ((m_owner.Number("shown") <= kPopups || m_nTyped < kKeys) &&
            std::chrono::steady_clock::now() < end) {
-        ++typed.at(static_cast<std::size_t>(m_owner.Number("phase")));
+        const int steps = m_owner.Number("steps");
+        ++typed.at(steps < PopupOwner::kArrived ? 0 : steps < PopupOwner::kLeaving ? 1 : 2);
         under += IsTopMost(WindowFromPoint(edge)) ? 1 : 0;
         if (!TypeAndWait(kAtOnce)) {
             break;

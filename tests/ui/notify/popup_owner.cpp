@@ -16,7 +16,6 @@ constexpr char kTitle[] = "owner of popups";
 // Most popups of a series are hidden soon after they have begun to slide.
 constexpr int kStepsOfMost = 5;
 constexpr int kWholeLives = 20;
-constexpr int kStepsOfStay = 200;
 
 CRect PlaceOf(HWND hWnd) {
     CRect place;
@@ -47,7 +46,7 @@ public:
             } else {
                 WaitMessage();
             }
-            Tell("phase", m_phase);
+            Tell("steps", m_nSteps);
             Tell("shown", m_nShown);
         }
     }
@@ -108,35 +107,20 @@ private:
         char* text = NewPopupText("Your password: <b>740 291</b>");
         m_popup->SendMessage(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(text));
     }
-    void Tick(UINT_PTR nTimer) { m_popup->SendMessage(WM_TIMER, nTimer); }
-    void Begin(PopupOwner::Phase phase) {
-        m_phase = phase;
-        m_nSteps = 0;
-    }
     void Step() {
         ++m_nSteps;
-        if (m_phase == PopupOwner::Making) {
+        if (m_popup == nullptr || m_popup->IsWindowVisible() == FALSE) {
             Show(m_nShown % 3);
-            Begin(PopupOwner::Sliding);
-        } else if (m_phase == PopupOwner::Sliding) {
-            CRect before = PlaceOf(*m_popup);
-            Tick(1);
-            const CRect after = PlaceOf(*m_popup);
-            if (EqualRect(&before, &after)) {
-                if (m_nType == DIALOG_POPUP_CARD_OTP) {
-                    BringPassword();
-                }
-                Begin(PopupOwner::Staying);
-            } else if (m_nSteps == kStepsOfMost && m_nShown % kWholeLives != 0) {
-                m_popup->Hide();
-                Begin(PopupOwner::Making);
-            }
-        } else if (m_phase == PopupOwner::Staying && m_nSteps == kStepsOfStay) {
-            Tick(2);
-            Begin(PopupOwner::Leaving);
-        } else if (m_phase == PopupOwner::Leaving) {
-            Tick(3);
-            m_phase = m_popup->IsWindowVisible() ? m_phase : PopupOwner::Making;
+            m_nSteps = 0;
+        } else if (m_nSteps == kStepsOfMost && m_nShown % kWholeLives != 0) {
+            m_popup->Hide();
+        } else if (m_nSteps == PopupOwner::kArrived && m_nType == DIALOG_POPUP_CARD_OTP) {
+            BringPassword();
+        } else if (m_nSteps < PopupOwner::kLeaving) {
+            m_popup->SendMessage(WM_TIMER, 1);
+        } else {
+            m_popup->SendMessage(WM_TIMER, 2);
+            m_popup->SendMessage(WM_TIMER, 3);
         }
     }
 
@@ -145,10 +129,9 @@ private:
     std::unique_ptr<CPopupAlert> m_popup;
     CWnd m_ordinary;
     bool m_bRunning = false;
-    PopupOwner::Phase m_phase = PopupOwner::Making;
     int m_nType = 0;
     int m_nShown = 0;
-    int m_nSteps = 0;  // in this phase
+    int m_nSteps = 0;  // of this popup
     int m_nClosed = 0;
 };
 

@@ -33,7 +33,9 @@ bool BringIn(HWND hPopup);
 class PopupOwner {
 public:
     enum Request : UINT { AskShow = WM_APP + 1, AskPassword, AskSeries };
-    enum Phase { Making, Sliding, Staying, Leaving, Phases };
+    // Steps of a series: a popup has come to stand, and leaves.
+    static constexpr int kArrived = 200;
+    static constexpr int kLeaving = 400;
     static constexpr int kOrdinary = -1;
 
     PopupOwner();
@@ -49,7 +51,8 @@ public:
     // short one for most, one in twenty slides in, stays and goes.
     void RunSeries() const { Ask(AskSeries, 0); }
 
-    // What has happened there so far: "shown", "closed", "phase".
+    // What has happened there so far: "shown", "closed", "steps" of a series
+    // that the popup has made.
     int Number(const char* pszName) const {
         return static_cast<int>(reinterpret_cast<INT_PTR>(GetPropA(m_hWnd, pszName)));
     }

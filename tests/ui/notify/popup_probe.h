@@ -126,6 +126,9 @@ protected:
     void Send(UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0) {
         m_popup->SendMessage(nMessage, wParam, lParam);
     }
+    void SendPassword(const char* pszText) {
+        Send(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(NewPopupText(pszText)));
+    }
     std::string Timers() const { return MadeTimers::Of(*m_popup); }
     void Tick() { Send(WM_TIMER, static_cast<WPARAM>(Timers()[0] - '0')); }
     // The ticks until another timer runs, or none.
@@ -200,14 +203,15 @@ protected:
         GetWindowTextA(hControl, text, sizeof text);
         return text;
     }
+    // "12,15,40,60"
+    static std::string Text(const RECT& r) {
+        return std::to_string(r.left) + "," + std::to_string(r.top) + "," +
+               std::to_string(r.right) + "," + std::to_string(r.bottom);
+    }
     // "789 40,13,335,137 + Said.": identifier, place, whether it is to be seen, text.
     std::string Describe(HWND hControl) const {
-        const CRect r = RectIn(*m_popup, hControl);
-        std::string text = std::to_string(GetDlgCtrlID(hControl));
-        for (const char* separator = " "; const LONG n : {r.left, r.top, r.right, r.bottom}) {
-            text += std::exchange(separator, ",") + std::to_string(n);
-        }
-        return text + " " + IsSeen(hControl) + " " + TextIn(hControl);
+        return std::to_string(GetDlgCtrlID(hControl)) + " " + Text(RectIn(*m_popup, hControl)) +
+               " " + IsSeen(hControl) + " " + TextIn(hControl);
     }
     std::vector<std::string> Described() const {
         std::vector<std::string> all;

@@ -20,11 +20,6 @@ protected:
     CRect At(CPoint p) const {
         return {p.x, p.y, p.x + kWidth + m_nFrameX, p.y + kHeight + m_nFrameY};
     }
-    // "12,15,40,60"
-    static std::string Text(const RECT& r) {
-        return std::to_string(r.left) + "," + std::to_string(r.top) + "," +
-               std::to_string(r.right) + "," + std::to_string(r.bottom);
-    }
 
     const int m_nRight = GetSystemMetrics(SM_CXSCREEN);
     const int m_nBottom = GetSystemMetrics(SM_CYSCREEN);
@@ -33,24 +28,15 @@ protected:
     const POINT m_beside{m_nRight / 2, m_nBottom / 2};
 };
 
-TEST_F(PopupSkinTest, ComesAndGoesBesideTheTaskbar) {
-    struct Side {
-        RECT work;
-        CPoint start, shown;
-        int nSteps;
-    };
-    const int w = m_nRight;
-    const int h = m_nBottom;
-    const Side sides[] = {
-        {{0, 40, w, h}, {w - 340, -190}, {w - 340, 40}, 115},
-        {{60, 0, w, h}, {-280, h - 230}, {60, h - 230}, 170},
-        {{0, 0, w - 60, h}, {w - 60, h - 230}, {w - 400, h - 230}, 170},
-        {{0, 0, w, h - 40}, {w - 347, h - 46}, {w - 347, h - 276}, 115},
-    };
-    for (const auto& [work, start, shown, steps] : sides) {
-        SCOPED_TRACE(Text(work));
-        const WorkArea area(work);
-        const bool bottom = work.bottom < m_nBottom;
+// Beside the taskbar at the left it slides, at the bottom it fades; of the others the motion's own
+// tests know.
+TEST_F(PopupSkinTest, ComesStaysUnderThePointerAndGoes) {
+    for (const bool bottom : {false, true}) {
+        SCOPED_TRACE(bottom);
+        const WorkArea area({bottom ? 0 : 60, 0, m_nRight, m_nBottom - (bottom ? 40 : 0)});
+        const CPoint shown =
+            bottom ? CPoint(m_nRight - 347, m_nBottom - 276) : CPoint(60, m_nBottom - 230);
+        const int steps = bottom ? 115 : 170;
         const std::string pace = ":" + std::to_string(500 / steps);
         Init(0);
         s_announced.clear();
@@ -79,7 +65,7 @@ TEST_F(PopupSkinTest, ComesAndGoesBesideTheTaskbar) {
         EXPECT_EQ(Timers(), "-");
         EXPECT_FALSE(m_popup->IsWindowVisible());
         EXPECT_EQ(Closed(), "1 1");
-        EXPECT_EQ(Text(Place()), Text(At(bottom ? shown : start)));
+        EXPECT_EQ(Text(Place()), Text(At(bottom ? shown : CPoint(-280, shown.y))));
     }
 }
 
@@ -129,7 +115,7 @@ TEST_F(PopupSkinTest, WearsAFile) {
     EXPECT_EQ(Text(box), "50,100,51,101");
     Send(WM_DISPLAYCHANGE);
     EXPECT_EQ(Place().Size(), CSize(101 + m_nFrameX, 101 + m_nFrameY));
-    Send(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(NewPopupText("x")));
+    SendPassword("x");
     EXPECT_TRUE(Describe(Controls()[0]).starts_with("789 40,13,96,"));
 }
 
@@ -156,7 +142,7 @@ TEST_F(PopupSkinTest, PutsTheMessageWhereItIsTold) {
     Init(DIALOG_POPUP_CARD_OTP);
     m_popup->SetTextRect({1, 2, 203, 104});
     BringTo(3);
-    Send(WM_POPUP_OTP_READY, 0, reinterpret_cast<LPARAM>(NewPopupText("x")));
+    SendPassword("x");
     EXPECT_EQ(Describe(Controls()[0]), "789 1,2,203,84 + x");
 }
 
