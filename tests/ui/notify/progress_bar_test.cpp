@@ -24,22 +24,17 @@ class ProgressBarTest : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(RegisterProgressBarClass(GetModuleHandleA(nullptr))); }
     void TearDown() override {
-        if (m_hBar != nullptr) {
-            DestroyWindow(m_hBar);
-        }
+        DestroyWindow(m_hBar);
         UnregisterProgressBarClass(GetModuleHandleA(nullptr));
     }
 
-    HWND Create(DWORD style, int width = 204, int height = 15) {
+    // In the place of the one before.
+    void Create(DWORD style, int width = 204, int height = 15) {
+        DestroyWindow(m_hBar);
         m_hBar = CreateWindowExA(0, kProgressBarClass, "", style, 20, 20, width, height, nullptr,
                                  nullptr, GetModuleHandleA(nullptr), nullptr);
         EXPECT_NE(m_hBar, nullptr);
         UpdateWindow(m_hBar);
-        return m_hBar;
-    }
-    void Destroy() {
-        EXPECT_TRUE(DestroyWindow(m_hBar));
-        m_hBar = nullptr;
     }
 
     // The test serves no queue, so the bar's own timer never comes between.
@@ -124,7 +119,6 @@ TEST_F(ProgressBarTest, HasATimerWhileItIsEnabled) {
     EXPECT_FALSE(HadTimer());
     EnableWindow(m_hBar, TRUE);
     EXPECT_TRUE(HadTimer());
-    Destroy();
 
     Create(kVisible | WS_DISABLED);
     EXPECT_EQ(Send(WM_USER), 18);
@@ -219,8 +213,6 @@ std::optional<std::pair<RECT, SIZE>> AskTheme(HWND hBar) {
 TEST_F(ProgressBarTest, FollowsTheThemeWhereThereIsOne) {
     Create(kVisible | kProgressClassicLook);
     const std::vector<COLORREF> classic = MiddleLine();
-    Destroy();
-
     Create(kVisible);
     const auto facts = AskTheme(m_hBar);
     const std::vector<COLORREF> atStart = MiddleLine();
@@ -249,7 +241,6 @@ TEST_F(ProgressBarTest, TakesAnySizeAndKeepsNothing) {
                 for (const int height : {0, 1, 4, 5, 6, 15, 300}) {
                     Create(kVisible | look, width, height);
                     Tick(3);
-                    Destroy();
                 }
             }
         }
