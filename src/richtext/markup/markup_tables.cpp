@@ -108,7 +108,6 @@ constexpr EntityInfo kEntities[] = {{"&amp;", "&"},
                                     {"&quot;", "\""},
                                     {"&reg;", "\xAE"},
                                     {"&trade;", "\x99"}};
-static_assert(std::size(kEntities) == kEntityCount);
 
 // An open-addressing table over one of the name lists, made at compile time; a slot holds the
 // name's place + 1.
@@ -186,10 +185,6 @@ std::optional<AttributeId> FindAttribute(std::string_view name) {
         return std::nullopt;
     }
     return attribute;
-}
-
-const EntityInfo& EntityAt(int nIndex) {
-    return kEntities[static_cast<std::size_t>(nIndex) % std::size(kEntities)];
 }
 
 const EntityInfo* MatchEntity(std::string_view text) {

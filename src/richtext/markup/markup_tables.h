@@ -142,8 +142,6 @@ struct EntityInfo {
     std::string_view replacement;  // bytes of Windows-1252
 };
 
-constexpr int kEntityCount = 13;
-const EntityInfo& EntityAt(int nIndex);
 // The entity that text begins with, or null. Names match with their letter case.
 const EntityInfo* MatchEntity(std::string_view text);
 

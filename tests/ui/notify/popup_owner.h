@@ -18,11 +18,7 @@ namespace mvp::test {
 template <class Condition>
 bool PumpUntil(Condition&& condition) {
     return WaitFor(std::chrono::seconds(30), [&] {
-        MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&message);
-            DispatchMessageA(&message);
-        }
+        DispatchAll();
         return condition();
     });
 }

@@ -16,6 +16,7 @@
 #include "mvpingui/popup_alert.h"
 #include "richtext/control/html_static.h"
 #include "services/card_removed_message.h"
+#include "support/control_layout.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -198,11 +199,7 @@ protected:
     static char IsSeen(HWND hControl) {
         return (GetWindowLongA(hControl, GWL_STYLE) & WS_VISIBLE) != 0 ? '+' : '-';
     }
-    static std::string TextIn(HWND hControl) {
-        char text[1000] = "";
-        GetWindowTextA(hControl, text, sizeof text);
-        return text;
-    }
+    static std::string TextIn(HWND hControl) { return Control::Of(hControl).strText; }
     // "12,15,40,60"
     static std::string Text(const RECT& r) {
         return std::to_string(r.left) + "," + std::to_string(r.top) + "," +

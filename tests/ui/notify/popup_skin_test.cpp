@@ -92,7 +92,7 @@ TEST_F(PopupSkinTest, StandsAtOnceWhereNothingMoves) {
     EXPECT_FALSE(m_popup->IsWindowVisible());
 }
 
-TEST_F(PopupSkinTest, WearsAFile) {
+TEST_F(PopupSkinTest, WearsAFileAndPutsTheTextWhereItIsTold) {
     // Black, but for the pixel in the middle of its last row.
     std::string pixels(101 * 304, '\0');
     pixels.replace(3 * 50, 3, "\xFF\xFF\xFF");
@@ -117,6 +117,9 @@ TEST_F(PopupSkinTest, WearsAFile) {
     EXPECT_EQ(Place().Size(), CSize(101 + m_nFrameX, 101 + m_nFrameY));
     SendPassword("x");
     EXPECT_TRUE(Describe(Controls()[0]).starts_with("789 40,13,96,"));
+    m_popup->SetTextRect({1, 2, 203, 104});
+    SendPassword("y");
+    EXPECT_EQ(Describe(Controls()[0]), "789 1,2,203,84 + y");
 }
 
 TEST_F(PopupSkinTest, WearsTheLibrarysOwnWithoutAColour) {
@@ -126,24 +129,13 @@ TEST_F(PopupSkinTest, WearsTheLibrarysOwnWithoutAColour) {
     WORD height = 0;
     BYTE* pixels = Popup::Get24BitPixels(skin.get(), &width, &height);
     EXPECT_EQ(std::pair(width, height), std::pair(WORD{340}, WORD{230}));
-    const BYTE blue = pixels[0];
-    const BYTE green = pixels[1];
-    const BYTE red = pixels[2];
+    EXPECT_EQ(m_popup->SetSkin(3102, false, false, pixels[2], pixels[1], pixels[0]), 1);
+    const Region expected(Popup::GenerateRegion(skin.get(), pixels[2], pixels[1], pixels[0]));
     EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, pixels));
-    EXPECT_EQ(m_popup->SetSkin(3102, false, false, red, green, blue), 1);
-    const Region expected(Popup::GenerateRegion(skin.get(), red, green, blue));
     const Region worn(CreateRectRgn(0, 0, 0, 0));
     GetWindowRgn(*m_popup, worn.get());
     EXPECT_TRUE(EqualRgn(worn.get(), expected.get()));
     EXPECT_FALSE(PtInRegion(worn.get(), 0, 0));
-}
-
-TEST_F(PopupSkinTest, PutsTheMessageWhereItIsTold) {
-    Init(DIALOG_POPUP_CARD_OTP);
-    m_popup->SetTextRect({1, 2, 203, 104});
-    BringTo(3);
-    SendPassword("x");
-    EXPECT_EQ(Describe(Controls()[0]), "789 1,2,203,84 + x");
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "support/failing_heap.h"
+#include "support/waiting.h"
 #include "ui/policy/rule_panel.h"
 
 namespace mvp::test {
@@ -35,13 +36,6 @@ std::ptrdiff_t Seen(UINT nMessage, HWND hWnd = nullptr) {
     return std::ranges::count_if(g_seen, [=](const std::pair<HWND, UINT>& seen) {
         return seen.second == nMessage && (hWnd == nullptr || seen.first == hWnd);
     });
-}
-
-void DispatchAll() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        DispatchMessageA(&message);
-    }
 }
 
 TEST_F(PoliciesDialog, LogTellsTheCheckingOrder) {
@@ -235,14 +229,13 @@ TEST_F(PoliciesDialog, WithoutMemoryNoPinIsGood) {
     EXPECT_GT(stops, 6) << "a text for each line, and more";
 }
 
-// The lefts of the controls as the template has them: the width of dialog units at hand.
-int TemplateLeft(HWND hPanel, int nUnits) {
-    RECT rect = {nUnits, 0, 0, 0};
-    MapDialogRect(hPanel, &rect);
-    return rect.left;
-}
-
 void ExpectPacked(const HostedPanel& panel, unsigned nSubset, const PanelMargins& margins) {
+    // Of the controls as the template has them.
+    const auto left = [&](LONG nUnits) {
+        CRect rect(nUnits, 0, 0, 0);
+        MapDialogRect(panel.Handle(), &rect);
+        return rect.left + margins.nIndent;
+    };
     const CRect box = panel.RectOf(IDC_POLICIES_BOX);
     LONG y = box.top + margins.nTop + margins.nSpacing;
     for (std::size_t i = 0; i < kRuleLines.size(); ++i) {
@@ -251,8 +244,8 @@ void ExpectPacked(const HostedPanel& panel, unsigned nSubset, const PanelMargins
         }
         const CRect text = panel.RectOf(kRuleLines[i].nText);
         const CRect icon = panel.RectOf(kRuleLines[i].nIcon);
-        EXPECT_EQ(text.TopLeft(), CPoint(TemplateLeft(panel.Handle(), 22) + margins.nIndent, y));
-        EXPECT_EQ(icon.TopLeft(), CPoint(TemplateLeft(panel.Handle(), 7) + margins.nIndent, y - 1));
+        EXPECT_EQ(text.TopLeft(), CPoint(left(22), y));
+        EXPECT_EQ(icon.TopLeft(), CPoint(left(7), y - 1));
         y = text.bottom + margins.nSpacing;
     }
     EXPECT_EQ(box.bottom, y) << "one spacing below the last line";

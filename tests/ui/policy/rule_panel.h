@@ -12,6 +12,7 @@
 
 #include "mvpingui/policies_dialog.h"
 #include "resources/resource_numbers.h"
+#include "support/control_layout.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -94,11 +95,7 @@ public:
         return lines;
     }
 
-    std::string Text(int nId) const {
-        char text[256] = "";
-        GetWindowTextA(Control(nId), text, sizeof text);
-        return text;
-    }
+    std::string Text(int nId) const { return test::Control::Of(Control(nId)).strText; }
 
 private:
     HostWindow m_host;

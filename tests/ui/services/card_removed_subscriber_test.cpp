@@ -18,11 +18,10 @@ namespace mvp::test {
 namespace {
 
 constexpr UINT kRemoved = WM_APP + 7;
-constexpr unsigned kIdleTimeout = 10'000;
 
 void Remove(const char* pszReader) {
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
-    EXPECT_EQ(VKWaitForIdle(kIdleTimeout), VKEVTSUB_OK);
+    EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
 }
 
 // How many removals have been posted to windows of this thread.
@@ -35,13 +34,10 @@ int TakePosted() {
     return count;
 }
 
-class Popup final : public CHideable {
-public:
-    explicit Popup(std::function<void()> onHide) : m_onHide(std::move(onHide)) {}
-    void Hide() override { m_onHide(); }
-
-private:
-    std::function<void()> m_onHide;
+struct Popup final : CHideable {
+    explicit Popup(std::function<void()> hide) : onHide(std::move(hide)) {}
+    void Hide() override { onHide(); }
+    const std::function<void()> onHide;
 };
 
 using CardRemovedOfAPopup = LibraryTest;

@@ -19,23 +19,6 @@
 namespace mvp::test {
 namespace {
 
-uint32_t AskForPin(HMODULE library) {
-    char* pin = nullptr;
-    uint32_t pinSize = 0;
-    return FindFunction<decltype(&GetPINFromUser)>(library, "GetPINFromUser")(
-        nullptr, "Reader A", 0, 4, 8, &pin, &pinSize);
-}
-
-uint32_t AskForNewPin(HMODULE library) {
-    std::array<char, 64> newPin{};
-    std::array<char, 64> oldPin{};
-    uint32_t newSize = 0;
-    uint32_t oldSize = 0;
-    const PwdRuleArgs rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
-    return FindFunction<decltype(&GetChangePINInfoFromUser)>(library, "GetChangePINInfoFromUser")(
-        &rules, 0, newPin.data(), &newSize, oldPin.data(), &oldSize, "Reader A", nullptr, false);
-}
-
 // Ends the thread as soon as its dialog shows.
 void CALLBACK EndThread(HWND, UINT, UINT_PTR, DWORD) {
     for (HWND window : VisibleWindows(GetCurrentThreadId())) {
@@ -69,16 +52,30 @@ void RemoveCard() {
 TEST(EndedThread, LeavesNothingThatTouchesItsStack) {
     LogRecorder log;
     ModuleHandle library(LoadLibraryA("mvpingui.dll"));
-    EndUnderDialog([&] { return AskForPin(library.get()); });
+    EndUnderDialog([&] {
+        char* pin = nullptr;
+        uint32_t size = 0;
+        return FindFunction<decltype(&GetPINFromUser)>(library.get(), "GetPINFromUser")(
+            nullptr, "Reader A", 0, 4, 8, &pin, &size);
+    });
     RemoveCard();
-    EndUnderDialog([&] { return AskForNewPin(library.get()); });
+    const auto askForNewPin = [&] {
+        std::array<char, 64> pins[2] = {};
+        uint32_t sizes[2] = {};
+        const PwdRuleArgs rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
+        return FindFunction<decltype(&GetChangePINInfoFromUser)>(
+            library.get(), "GetChangePINInfoFromUser")(&rules, 0, pins[0].data(), &sizes[0],
+                                                       pins[1].data(), &sizes[1], "Reader A",
+                                                       nullptr, false);
+    };
+    EndUnderDialog(askForNewPin);
     log.Clear();
     RemoveCard();
     EXPECT_EQ(std::ssize(log.Texts(16)), 2) << "both still hear of it: " << log.Dump();
     {
         // The panel that was left behind is nobody's answer.
         DialogDriver driver([](Dialog& d) { d.Escape(); });
-        EXPECT_EQ(AskForNewPin(library.get()), MVPINGUI_REFUSED);
+        EXPECT_EQ(askForNewPin(), MVPINGUI_REFUSED);
     }
     library.reset();
     RemoveCard();

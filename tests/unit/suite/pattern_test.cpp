@@ -62,6 +62,7 @@ bool Matches(const std::string& pattern, const std::string& text, bool bIgnoreCa
     return program && program->Matches(text);
 }
 
+// What repeats, chooses and anchors, the random expressions below hold.
 TEST(Pattern, MatchesTheWholeText) {
     const struct {
         const char* pszPattern;
@@ -74,15 +75,12 @@ TEST(Pattern, MatchesTheWholeText) {
          {"<a href=x>", "one\n<a\nhref \t\r\n = \"x\"\n>two\n", "<<href=>>", "<p href= <>"},
          {"href=x", "<a href x>", "<a HREF=x>", ">href=<", "<a href=x", ""}},
         {"a|bc|", {"a", "bc", ""}, {"ac", "abc", "b"}},
-        {"(ab)*c?", {"", "c", "ababc"}, {"aba", "cc"}},
         {"(?:x|y)+z", {"xyxz"}, {"z"}},
-        {"a*?b+?c??", {"aabb", "bc"}, {"aac"}},
         {"[a-cx-]+", {"abcx-"}, {"d", "y"}},
         {"[^a-c\\]]+", {"xyz\n"}, {"xa", "x]"}},
         {"[^\\s\\d]+", {"a_"}, {"a ", "1"}},
         {R"([\x41\t]+\.\\\x7a)", {"A\t.\\z"}, {"AB.\\z", "A,\\z"}},
         {R"(\d\D\w\W\s\S)", {"1x_- x"}, {"1x_-xx"}},
-        {"^a$|b^c|d$e|^$", {"a", ""}, {"bc", "de"}},
         {"\xe9.\xff", {"\xe9\x80\xff"}, {"\xe8\x80\xff"}},
         {"]-&", {"]-&"}, {}},
     };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/accessible.h"
+#include "support/waiting.h"
 #include "ui/richtext/control/html_host.h"
 
 namespace mvp::test {
@@ -86,10 +87,7 @@ TEST_F(HtmlAccessible, ActsLaterAndOnlyWhenEnabled) {
         m_host.m_pStatic->EnableWindow(enabled);
         ASSERT_EQ(Act(1), S_OK);
         EXPECT_THAT(m_host.m_aMessages, IsEmpty()) << "not while the reader waits";
-        MSG message{};
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageA(&message);
-        }
+        DispatchAll();
         EXPECT_EQ(m_host.m_aMessages.size(), enabled ? 1U : 0U);
     }
     EXPECT_THAT(m_host.m_aMessages, ElementsAre("m"));

@@ -3,6 +3,7 @@
 #include "richtext/control/link_opener.h"
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -25,22 +26,16 @@ protected:
         m_classes.SetRaw(strClass + R"(\shell\open\command)", "", dwType, strCommand + '\0');
     }
 
-    // What the program has written when it has ended, which is when the file can be had alone.
+    // What the program has written when it has ended, which is when the file can be deleted.
     std::string Written() {
         std::string line;
         WaitFor(std::chrono::seconds(30), [&] {
-            const FileHandle file(CreateFileA(m_strFile.c_str(), GENERIC_READ, 0, nullptr,
-                                              OPEN_EXISTING, 0, nullptr));
-            char text[256] = "";
-            DWORD read = 0;
-            if (!file || !ReadFile(file.get(), text, sizeof text, &read, nullptr)) {
-                return false;
-            }
-            line.assign(text, read);
-            return line.ends_with('\n');
+            std::ifstream file(m_strFile);
+            return std::getline(file, line) && !file.eof();
         });
+        EXPECT_TRUE(WaitFor(std::chrono::seconds(30),
+                            [&] { return DeleteFileA(m_strFile.c_str()) != FALSE; }));
         line.resize(line.find_last_not_of(" \r\n") + 1);
-        DeleteFileA(m_strFile.c_str());
         return line;
     }
 

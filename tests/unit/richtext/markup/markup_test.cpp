@@ -25,8 +25,8 @@ TEST(MarkupReader, CutsTextIntoEvents) {
             {"a < b <4 <",
              "text \"a \"\ntext \"<\"\ntext \" b \"\ntext \"<\"\ntext \"4 \"\n"
              "text \"<\"\n"},
-            {"&euro;&nbsp;&foo;&amp",
-             "text \"\\x88\"\ntext \" \"\ntext \"&foo;\"\ntext \"&amp\"\n"},
+            {"&euro;&nbsp;&apos;&AMP;&amp",
+             "text \"\\x88\"\ntext \" \"\ntext \"&apos;\"\ntext \"&AMP;\"\ntext \"&amp\"\n"},
             {"x<!-- <b> -->y<!doctype>z<?p?></>w</ >",
              "text \"x\"\ntext \"y\"\ntext \"z\"\ntext \"w\"\n"},
             {"x<!-->y", "text \"x\"\ntext \"y\"\n"},

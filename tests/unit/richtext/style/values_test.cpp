@@ -182,17 +182,6 @@ TEST(Tables, FindEveryAttribute) {
     EXPECT_EQ(FindAttribute("onclick"), std::nullopt);
 }
 
-TEST(Tables, HoldTheLanguagesEntities) {
-    // What each shows is in golden/entities.txt.
-    for (int i = 0; i < kEntityCount; ++i) {
-        EXPECT_EQ(MatchEntity(EntityAt(i).name), &EntityAt(i)) << EntityAt(i).name;
-    }
-    EXPECT_EQ(kEntityCount, 13);
-    for (const char* other : {"&AMP;", "&amp", "&apos;"}) {
-        EXPECT_EQ(MatchEntity(other), nullptr) << other;
-    }
-}
-
 TEST(BrowserCommand, CutsTheCommandAtItsPlaceholder) {
     ExpectTexts([](const char* psz) { return BrowserCommandLine(psz, "T"); },
                 {
