@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -123,13 +124,9 @@ constexpr int kLargestIndent = 20;
 
 // The text with a long number or `inserted` in place of its conversion, if it has one. The text is
 // no format here: one with other conversions is to fail its test, and not to break this one.
-std::string Filled(std::string text, const std::string& inserted) {
-    for (const std::string conversion : {"%d", "%s"}) {
-        if (const std::size_t at = text.find(conversion); at != std::string::npos) {
-            text.replace(at, 2, conversion == "%d" ? "999" : inserted);
-        }
-    }
-    return text;
+std::string Filled(const std::string& text, const std::string& inserted) {
+    const std::string numbered = std::regex_replace(text, std::regex("%d"), "999");
+    return std::regex_replace(numbered, std::regex("%s"), inserted);
 }
 
 // What is put into the texts of the dialog: a long telephone number, or the longest failure.
