@@ -54,7 +54,8 @@ TEST(Images, ComeFromFiles) {
         {"ilst index=2147483647", ""},
     };
     for (const auto& [tag, row] : kCases) {
-        EXPECT_EQ(FirstRow("<" + tag + from), row) << tag;
+        const std::string markup = std::string("<").append(tag).append(from);
+        EXPECT_EQ(FirstRow(markup), row) << tag;
     }
 
     const Canvas disabled(32, 40, "<bmp style=disabled" + from);
