@@ -225,6 +225,11 @@ TEST(TableColumns, TakeFromCellsOfOneColumnFirst) {
                    columns);
     EXPECT_EQ(columns[0].nPercent, 80);
     EXPECT_EQ(columns[1].nPercent, 20);
+    // Of a share over both the one without its own gets the rest.
+    columns.assign(2, {});
+    MeasureColumns(std::vector<ColumnCell>{{0, 1, 0, 0, 20, false}, {0, 2, 0, 0, 50, false}}, 0,
+                   columns);
+    EXPECT_EQ(columns[1].nPercent, 30);
 }
 
 TEST(TableRows, HoldTheirCells) {
