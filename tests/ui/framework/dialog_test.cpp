@@ -5,108 +5,177 @@
 #include <memory>
 
 #include <dlgfw/controls.h>
+#include <dlgfw/data_exchange.h>
+#include <dlgfw/dialog.h>
+#include <dlgfw/message_map.h>
 #include <gtest/gtest.h>
 
 #include "support/dialog_driver.h"
-#include "ui/framework/form.h"
+#include "support/dialog_template.h"
 
 namespace mvp::test {
 namespace {
 
-const Script kPressOk = [](Dialog& dialog) { dialog.Click(IDOK); };
+constexpr int kFormEdit = 1001;
+constexpr int kFormButton = 1002;
 
-// A window that is owned by another one, as a dialog is.
-struct Popup : CWnd {
-    explicit Popup(CWnd* pOwner) {
-        EXPECT_TRUE(
-            CreateEx(0, nullptr, "popup", WS_POPUP | WS_VISIBLE, CRect(0, 0, 50, 50), pOwner, 0));
+// The dialog that these tests open, and what each test does in its handlers.
+class FormDlg : public CDialog {
+public:
+    explicit FormDlg(CWnd* pParent = nullptr, DWORD dwStyle = DialogTemplate::kPopup)
+        : m_template("Form", {0, 0, 180, 60}, dwStyle) {
+        m_template.Add("EDIT", kFormEdit, "", {7, 7, 100, 14}, WS_BORDER | WS_TABSTOP)
+            .Add("BUTTON", kFormButton, "&Go", {120, 7, 50, 14}, WS_TABSTOP)
+            .Add("BUTTON", IDOK, "OK", {7, 40, 50, 14}, BS_DEFPUSHBUTTON | WS_TABSTOP)
+            .Add("BUTTON", IDCANCEL, "Cancel", {67, 40, 50, 14}, WS_TABSTOP);
+        InitModalIndirect(m_template.Get(), pParent);
     }
+    BOOL Open(CWnd* pParent) { return CreateIndirect(m_template.Get(), pParent); }  // modeless
+
+    std::function<void()> m_onInit = [] {};
+    std::function<void()> m_onButton;
+    std::function<void()> m_onDestroy = [] {};
+    std::function<void(CDataExchange*)> m_onExchange = [](CDataExchange*) {};
+    bool m_bLoopThrows = false;
+    int m_nChanges = 0;
+    std::atomic<int> m_nIdle = 0;
+
+    BOOL PreTranslateMessage(MSG* pMsg) override {
+        return m_bLoopThrows && pMsg->message == WM_CHAR ? throw 2
+                                                         : CDialog::PreTranslateMessage(pMsg);
+    }
+
+protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        m_nIdle += message == WM_KICKIDLE ? 1 : 0;
+        message == WM_DESTROY ? m_onDestroy() : void();
+        return CDialog::WindowProc(message, wParam, lParam);
+    }
+    BOOL OnInitDialog() override {
+        const BOOL setFocus = CDialog::OnInitDialog();
+        m_onInit();
+        return setFocus;
+    }
+    void DoDataExchange(CDataExchange* pDX) override { m_onExchange(pDX); }
+    afx_msg void OnButton() {
+        const auto onButton = m_onButton;  // the dialog may go meanwhile, and its function with it
+        onButton();
+    }
+    afx_msg void OnChange() { ++m_nChanges; }
+    DECLARE_MESSAGE_MAP()
+
+private:
+    DialogTemplate m_template;
+};
+
+BEGIN_MESSAGE_MAP(FormDlg, CDialog)
+    ON_BN_CLICKED(kFormButton, &FormDlg::OnButton)
+    ON_EN_CHANGE(kFormEdit, &FormDlg::OnChange)
+END_MESSAGE_MAP()
+
+// A visible window to be a parent, or one that has an owner itself.
+struct HostWnd : CWnd {
+    explicit HostWnd(CWnd* pOwner = nullptr) {
+        EXPECT_TRUE(CreateEx(0, nullptr, "host", WS_POPUP | WS_CAPTION | WS_VISIBLE,
+                             CRect(100, 100, 800, 700), pOwner, 0));
+    }
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        m_nIdle += message == WM_ENTERIDLE ? 1 : 0;
+        return CWnd::WindowProc(message, wParam, lParam);
+    }
+    std::atomic<int> m_nIdle = 0;
 };
 
 class DialogTest : public testing::Test {
 protected:
-    // What the dialog, which the script serves, ends with. Its window goes, and the host is given
-    // back.
-    INT_PTR RunModal(CDialog& dlg, const Script& script = kPressOk) {
-        DialogDriver driver(script);
-        return ExpectEnd(dlg);
-    }
-    // The same without being seen.
-    INT_PTR RunUnseen(CDialog& dlg) {
-        DialogDriver noDialog;
-        return ExpectEnd(dlg);
-    }
-
-    HostWnd m_host;
-
-private:
-    INT_PTR ExpectEnd(CDialog& dlg) {
+    // What the dialog, which the script serves, ends with; without one it is not seen. Its window
+    // goes, and the host is given back.
+    template <class... Scripts>
+    INT_PTR Run(CDialog& dlg, const Scripts&... script) {
+        const DialogDriver driver(script...);
         const INT_PTR result = dlg.DoModal();
         EXPECT_EQ(dlg.m_hWnd, nullptr);
         EXPECT_TRUE(m_host.IsWindowEnabled());
         return result;
     }
+
+    HostWnd m_host;
 };
 
-TEST_F(DialogTest, ModalDialogReturnsItsResultAndGivesTheParentBack) {
-    m_host.SetForegroundWindow();
-    for (const int button : {IDOK, IDCANCEL}) {
-        FormDlg dlg(&m_host);
-        HWND window = nullptr;
-        dlg.m_onInit = [&] {
-            window = dlg.m_hWnd;
-            EXPECT_FALSE(dlg.IsWindowVisible());
-            EXPECT_FALSE(m_host.IsWindowEnabled());
-        };
-        dlg.m_onDestroy = [&] {
-            EXPECT_TRUE(m_host.IsWindowEnabled());
-            EXPECT_FALSE(dlg.IsWindowVisible());
-        };
-        const INT_PTR result = RunModal(dlg, [&](Dialog& dialog) {
-            EXPECT_EQ(dialog.FocusedId(), kFormEdit);
-            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), m_host.m_hWnd);
-            dialog.Click(button);
-        });
-        EXPECT_EQ(result, button);
-        EXPECT_FALSE(IsWindow(window));
-        EXPECT_EQ(GetActiveWindow(), m_host.m_hWnd);
-    }
-}
-
-TEST_F(DialogTest, ChildAsParentDisablesItsTopLevelWindowWhichMayBeDisabledAlready) {
-    Popup popup(&m_host);
+TEST_F(DialogTest, DisablesAndGivesBackItsParentWhichMayBeAChildOrDisabledAlready) {
+    HostWnd popup(&m_host);
     CWnd child;
     ASSERT_TRUE(child.Create("STATIC", "", WS_VISIBLE, CRect(0, 0, 9, 9), &popup, 1));
-    for (const BOOL enabled : {TRUE, FALSE}) {
-        popup.EnableWindow(enabled);
-        FormDlg dlg(&child);
-        const INT_PTR result = RunModal(dlg, [&](Dialog& dialog) {
-            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), popup.m_hWnd);
-            EXPECT_FALSE(popup.IsWindowEnabled());
-            EXPECT_FALSE(m_host.IsWindowEnabled());
+    const auto show = [&](CWnd& parent, CWnd& owner) {
+        const BOOL enabled = owner.IsWindowEnabled();
+        FormDlg dlg(&parent);
+        dlg.m_onInit = [&] { EXPECT_FALSE(dlg.IsWindowVisible() || m_host.IsWindowEnabled()); };
+        dlg.m_onDestroy = [&] {
+            EXPECT_EQ(owner.IsWindowEnabled(), enabled);
+            EXPECT_FALSE(dlg.IsWindowVisible());
+        };
+        const auto look = [&](Dialog& dialog) {
+            EXPECT_EQ(dialog.FocusedId(), kFormEdit);
+            EXPECT_EQ(GetWindow(dialog.Handle(), GW_OWNER), owner.m_hWnd);
+            EXPECT_FALSE(owner.IsWindowEnabled() || m_host.IsWindowEnabled());
             dialog.Click(IDOK);
-        });
-        EXPECT_EQ(result, IDOK);
-        EXPECT_EQ(popup.IsWindowEnabled(), enabled);
-    }
+        };
+        EXPECT_EQ(Run(dlg, look), IDOK);
+        EXPECT_EQ(owner.IsWindowEnabled(), enabled);
+        EXPECT_TRUE(GetActiveWindow() == owner.m_hWnd || !enabled);
+    };
+    show(child, popup);
+    popup.EnableWindow(FALSE);
+    show(child, popup);
+    popup.DestroyWindow();
+    m_host.SetForegroundWindow();
+    show(m_host, m_host);
 }
 
 TEST_F(DialogTest, DoesNotOpenWithoutTemplateOrParentOrWhenItEndsFirst) {
     CDialog numbered(54321u, &m_host);
-    EXPECT_EQ(RunUnseen(numbered), -1);
+    EXPECT_EQ(Run(numbered), -1);
     CDialog empty;
     EXPECT_FALSE(empty.InitModalIndirect(nullptr, &m_host));
-    EXPECT_EQ(RunUnseen(empty), -1);
+    EXPECT_EQ(Run(empty), -1);
     EXPECT_FALSE(empty.Create(54321u, &m_host));
 
     FormDlg dlg(&m_host);
     dlg.m_onInit = [&] { dlg.EndDialog(77); };
-    EXPECT_EQ(RunUnseen(dlg), 77);
+    EXPECT_EQ(Run(dlg), 77);
     dlg.m_onInit = [&] { dlg.DestroyWindow(); };
-    EXPECT_EQ(RunUnseen(dlg), -1);
+    EXPECT_EQ(Run(dlg), -1);
 
     FormDlg orphan(CWnd::FromHandle(reinterpret_cast<HWND>(LONG_PTR{0xDEAD})));
-    EXPECT_EQ(RunUnseen(orphan), -1);
+    EXPECT_EQ(Run(orphan), -1);
+}
+
+// One that is missing at first ends the new dialog, which the library's own dialogs are tested for.
+TEST_F(DialogTest, ExchangesTextsAndStaysOpenWhereAControlIsMissing) {
+    FormDlg dlg(&m_host);
+    CString text = "Ann";
+    CEdit edit;
+    int from = kFormEdit;
+    dlg.m_onExchange = [&](CDataExchange* pDX) {
+        DDX_Control(pDX, kFormEdit, edit);
+        DDX_Text(pDX, from, text);
+    };
+    const auto enter = [&](Dialog& dialog) {
+        EXPECT_EQ(dlg.m_nChanges, 0);  // filling the controls is no change of the user's
+        EXPECT_EQ(dialog.Text(kFormEdit), "Ann");
+        dialog.Type(kFormEdit, "abel");
+        dialog.Run([&] { from = 4711; });
+        dialog.Click(IDOK);
+        EXPECT_TRUE(dialog.IsOpen());
+        EXPECT_STREQ(text, "Ann");
+        dialog.Run([&] { from = kFormEdit; });
+        dialog.Click(IDOK);
+    };
+    EXPECT_EQ(Run(dlg, enter), IDOK);
+    EXPECT_STREQ(text, "Annabel");
+    EXPECT_GT(dlg.m_nChanges, 0);
+    EXPECT_EQ(edit.m_hWnd, nullptr);
+    EXPECT_FALSE(dlg.UpdateData(TRUE));  // no window any more
 }
 
 // A dialog over another one; what its button does ends one of them or both.
@@ -127,9 +196,7 @@ protected:
         DialogDriver driver([](Dialog& first) {
             first.Click(kFormButton);
             Dialog second = first.Next();
-            PostMessageA(second.Control(kFormButton), BM_CLICK, 0, 0);
-            second.WaitGone();
-            first.WaitGone();
+            second.Click(kFormButton);
         });
         EXPECT_EQ(m_outer.DoModal(), -1);
         EXPECT_EQ(m_nInner, -1);
@@ -171,7 +238,7 @@ TEST_F(NestedDialogs, EndWithTheirOwner) {
 }
 
 TEST_F(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
-    Popup popup(&m_host);  // the window that the dialog disables is the popup's owner
+    HostWnd popup(&m_host);  // the window that the dialog disables is the popup's owner
     auto* owned = new FormDlg(&popup);
     owned->m_onButton = [owned] { delete owned; };
     DialogDriver driver([](Dialog& dialog) { dialog.Click(kFormButton); });
@@ -180,15 +247,14 @@ TEST_F(DialogTest, DialogDeletedInItsHandlerIsNotTouchedAgain) {
 }
 
 TEST_F(DialogTest, ModelessDialogOwnsItself) {
+    static bool deleted;
     struct Own final : FormDlg {
-        explicit Own(bool& deleted) : m_bDeleted(deleted) {}
-        ~Own() override { m_bDeleted = true; }
+        ~Own() override { deleted = true; }
         void OnOK() override { DestroyWindow(); }
         void PostNcDestroy() override { delete this; }
-        bool& m_bDeleted;
     };
-    bool deleted = false;
-    auto* owned = new Own(deleted);
+    deleted = false;
+    auto* owned = new Own;
     ASSERT_TRUE(owned->Open(&m_host));
     EXPECT_FALSE(owned->IsWindowVisible());
     EXPECT_TRUE(m_host.IsWindowEnabled());
@@ -196,53 +262,35 @@ TEST_F(DialogTest, ModelessDialogOwnsItself) {
     EXPECT_TRUE(deleted);
 
     deleted = false;
-    owned = new Own(deleted);
+    owned = new Own;
     owned->m_onInit = [] { throw 1; };
     EXPECT_FALSE(owned->Open(&m_host));
     EXPECT_TRUE(deleted);
 }
 
-TEST_F(DialogTest, ThrowingInitialisationAndLoopGiveMinusOne) {
+// What its initialisation throws, the tests of the library's dialogs hold.
+TEST_F(DialogTest, ThrowingLoopGivesMinusOne) {
     static unsigned reports = 0;
     const auto oldFunction = AfxSetExceptionReporter([](UINT) { ++reports; });
     FormDlg dlg(&m_host);
-    dlg.m_onInit = [] { throw 1; };
-    EXPECT_EQ(RunUnseen(dlg), -1);
+    dlg.m_bLoopThrows = true;
+    EXPECT_EQ(Run(dlg, [](Dialog& d) { PostMessageA(d.Control(kFormEdit), WM_CHAR, 'x', 0); }), -1);
     EXPECT_EQ(reports, 1u);
-    dlg.m_onInit = nullptr;
-    dlg.m_onPreTranslate = [](MSG* pMsg) { return pMsg->message == WM_CHAR ? throw 2 : false; };
-    const Script type = [](Dialog& dialog) {
-        PostMessageA(dialog.Control(kFormEdit), WM_CHAR, 'x', 0);
-        dialog.WaitGone();
-    };
-    EXPECT_EQ(RunModal(dlg, type), -1);
-    EXPECT_EQ(reports, 2u);
     AfxSetExceptionReporter(oldFunction);
 }
 
-// Counts one kind of message.
-template <class Base, UINT nMessage>
-struct Counting : Base {
-    using Base::Base;
-    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-        m_nCount += message == nMessage ? 1 : 0;
-        return Base::WindowProc(message, wParam, lParam);
-    }
-    std::atomic<int> m_nCount = 0;
-};
-
 TEST_F(DialogTest, TellsItsParentOfIdlenessUnlessTheStyleForbidsAndMayEndThen) {
     for (const DWORD style : {DWORD{0}, DWORD{DS_NOIDLEMSG}}) {
-        Counting<HostWnd, WM_ENTERIDLE> host;
-        Counting<FormDlg, WM_KICKIDLE> dlg(&host, DialogTemplate::kPopup | style);
+        FormDlg dlg(&m_host, DialogTemplate::kPopup | style);
         dlg.m_onButton = [&] { dlg.EndDialog(5); };
-        const INT_PTR result = RunModal(dlg, [&](Dialog& dialog) {
+        m_host.m_nIdle = 0;
+        const auto end = [&](Dialog& dialog) {
             // What is sent from now on arrives while the loop waits for what is posted.
-            dialog.WaitUntil("the dialog is idle", [&] { return dlg.m_nCount > 0; });
+            dialog.WaitUntil("the dialog is idle", [&] { return dlg.m_nIdle > 0; });
             SendMessageA(dialog.Handle(), WM_COMMAND, kFormButton, 0);
-        });
-        EXPECT_EQ(result, 5);
-        EXPECT_EQ(host.m_nCount > 0, style == 0);
+        };
+        EXPECT_EQ(Run(dlg, end), 5);
+        EXPECT_EQ(m_host.m_nIdle > 0, style == 0);
     }
 }
 
@@ -273,7 +321,7 @@ TEST_F(DialogTest, WhoeverIsToldOfItsEndIsDestroyed) {
                 SendMessageA(window, WM_COMMAND, IDOK, 0);
             }
         };
-        EXPECT_EQ(RunModal(dlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
+        EXPECT_EQ(Run(dlg, [](Dialog& dialog) { dialog.Click(kFormButton); }), -1);
         EXPECT_FALSE(IsWindow(window));
         EXPECT_EQ(edit.m_hWnd, nullptr);
         EXPECT_GE(destroyed, 1);
@@ -291,7 +339,7 @@ TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
             dlg.SetWindowPos(nullptr, to.left, to.top, to.right, to.bottom, nFlags | SWP_NOZORDER);
         };
         dlg.m_onDestroy = [&] { dlg.GetWindowRect(rect); };
-        EXPECT_EQ(RunModal(dlg), IDOK);
+        EXPECT_EQ(Run(dlg, [](Dialog& dialog) { dialog.Click(IDOK); }), IDOK);
         return rect;
     };
     CRect rectHost;

@@ -92,17 +92,9 @@ protected:
                      .Add("BUTTON", IDCANCEL, "Cancel", {67, 100, 50, 14}, WS_TABSTOP)) {
         m_panel.m_pPanel = &m_inner;
         m_host.m_pPanel = &m_panel;
-        m_host.m_bCloses = true;
         g_commands.clear();
     }
 
-    // What the dialog ends with when the script has run, and what reached whom.
-    void Expect(int nResult, const std::vector<std::string>& commands, const Script& script) {
-        g_commands.clear();
-        DialogDriver driver(script);
-        EXPECT_EQ(m_host.DoModal(), nResult);
-        EXPECT_EQ(g_commands, commands);
-    }
     static bool IsDefault(const Dialog& dialog, int nId) {
         return (dialog.Send(nId, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON) != 0;
     }
@@ -118,22 +110,21 @@ INSTANTIATE_TEST_SUITE_P(Panels, KeyboardTest, testing::Values(DialogTemplate::k
                          });
 
 TEST_P(KeyboardTest, TabAndArrowsWalkThroughEveryPanelAndBack) {
-    DialogDriver driver([](Dialog& dialog) {
-        std::vector<int> way;
-        for (int i = 0; i < 9; ++i) {
-            way.push_back(dialog.FocusedId());
-            dialog.RealKey(VK_TAB);
-        }
-        EXPECT_THAT(way, ElementsAre(kHostEdit, kInnerEdit, kInnerCheck, kInnerOption1, kPanelEdit,
-                                     kPanelButton, kHostButton, IDOK, IDCANCEL));
+    m_host.m_bCloses = true;
+    const DialogDriver driver([](Dialog& dialog) {
+        const auto walk = [&](int nSteps, std::initializer_list<WORD> modifiers) {
+            std::vector<int> way;
+            for (int i = 0; i < nSteps; ++i) {
+                dialog.RealKey(VK_TAB, modifiers);
+                way.push_back(dialog.FocusedId());
+            }
+            return way;
+        };
         EXPECT_EQ(dialog.FocusedId(), kHostEdit);
-        way.clear();
-        for (int i = 0; i < 5; ++i) {
-            dialog.RealKey(VK_TAB, {VK_SHIFT});
-            way.push_back(dialog.FocusedId());
-        }
-        EXPECT_THAT(way, ElementsAre(IDCANCEL, IDOK, kHostButton, kPanelButton, kPanelEdit));
-
+        EXPECT_THAT(walk(9, {}), ElementsAre(kInnerEdit, kInnerCheck, kInnerOption1, kPanelEdit,
+                                             kPanelButton, kHostButton, IDOK, IDCANCEL, kHostEdit));
+        EXPECT_THAT(walk(5, {VK_SHIFT}),
+                    ElementsAre(IDCANCEL, IDOK, kHostButton, kPanelButton, kPanelEdit));
         dialog.Focus(kInnerOption1);
         dialog.RealKey(VK_DOWN);
         EXPECT_EQ(dialog.FocusedId(), kInnerOption2);
@@ -145,51 +136,6 @@ TEST_P(KeyboardTest, TabAndArrowsWalkThroughEveryPanelAndBack) {
     EXPECT_EQ(m_host.DoModal(), IDCANCEL);
 }
 
-TEST_P(KeyboardTest, EnterAndEscapeInAPanelAreTheHosts) {
-    const struct {
-        int nFocus;
-        WORD vk;
-        int nResult;
-    } cases[] = {{kInnerEdit, VK_RETURN, IDOK},
-                 {kPanelEdit, VK_RETURN, IDOK},
-                 {kInnerCheck, VK_RETURN, IDOK},
-                 {kInnerEdit, VK_ESCAPE, IDCANCEL},
-                 {kPanelButton, VK_ESCAPE, IDCANCEL}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.nFocus);
-        Expect(c.nResult, {"host:" + std::to_string(c.nResult)}, [&](Dialog& dialog) {
-            dialog.Focus(c.nFocus);
-            dialog.RealKey(c.vk);
-        });
-    }
-    // Not while OK is disabled.
-    Expect(IDCANCEL, {"host:2"}, [](Dialog& dialog) {
-        HWND ok = dialog.Control(IDOK);
-        dialog.Run([=] { EnableWindow(ok, FALSE); });
-        dialog.Focus(kInnerEdit);
-        dialog.RealKey(VK_RETURN);
-        EXPECT_TRUE(dialog.IsOpen());
-        dialog.RealKey(VK_ESCAPE);
-    });
-}
-
-TEST_P(KeyboardTest, EnterPressesTheFocusedButtonOfAPanel) {
-    Expect(IDOK, {"panel:1003", "host:1"}, [](Dialog& dialog) {
-        dialog.Focus(kPanelEdit);
-        EXPECT_TRUE(IsDefault(dialog, IDOK));
-        dialog.RealKey(VK_TAB);
-        ASSERT_EQ(dialog.FocusedId(), kPanelButton);
-        EXPECT_TRUE(IsDefault(dialog, kPanelButton));  // the border follows the focus
-        EXPECT_FALSE(IsDefault(dialog, IDOK));
-        dialog.RealKey(VK_RETURN);
-        EXPECT_TRUE(dialog.IsOpen());
-        dialog.RealKey(VK_TAB, {VK_SHIFT});
-        EXPECT_FALSE(IsDefault(dialog, kPanelButton));
-        EXPECT_TRUE(IsDefault(dialog, IDOK));
-        dialog.RealKey(VK_RETURN);
-    });
-}
-
 // What the thread gets for a letter that is pressed with Alt. The strokes themselves would lose
 // their Alt when the system matches its key states with the real keyboard's in between.
 void PressMnemonic(Dialog& dialog, int nFocus, char chKey) {
@@ -198,16 +144,47 @@ void PressMnemonic(Dialog& dialog, int nFocus, char chKey) {
     dialog.Settle();
 }
 
-TEST_P(KeyboardTest, MnemonicsWorkAcrossPanels) {
-    Expect(IDCANCEL, {"host:1008", "panel:1003", "inner:1005", "host:2"}, [](Dialog& dialog) {
+TEST_P(KeyboardTest, EnterEscapeAndMnemonicsReachWhomTheyAreMeantFor) {
+    const std::vector<std::string> commands = {
+        "host:1",     "host:1", "host:1",    "host:2",     "host:2",      // from inside panels
+        "panel:1003", "host:1", "host:1008", "panel:1003", "inner:1005",  // buttons' own
+        "host:2"};
+    const DialogDriver driver([this](Dialog& dialog) {
+        const auto press = [&](int nFocus, WORD vk) {
+            dialog.Focus(nFocus);
+            dialog.RealKey(vk);
+        };
+        for (const int focus : {kInnerEdit, kPanelEdit, kInnerCheck}) {
+            press(focus, VK_RETURN);
+        }
+        for (const int focus : {kInnerEdit, kPanelButton}) {
+            press(focus, VK_ESCAPE);
+        }
+        HWND ok = dialog.Control(IDOK);
+        dialog.Run([=] { EnableWindow(ok, FALSE); });
+        press(kInnerEdit, VK_RETURN);  // is nobody's now
+        dialog.Run([=] { EnableWindow(ok, TRUE); });
+
+        // Enter presses the button that has the focus, and the border follows the focus.
+        press(kPanelEdit, VK_TAB);
+        ASSERT_EQ(dialog.FocusedId(), kPanelButton);
+        EXPECT_TRUE(IsDefault(dialog, kPanelButton) && !IsDefault(dialog, IDOK));
+        dialog.RealKey(VK_RETURN);
+        dialog.RealKey(VK_TAB, {VK_SHIFT});
+        EXPECT_TRUE(!IsDefault(dialog, kPanelButton) && IsDefault(dialog, IDOK));
+        dialog.RealKey(VK_RETURN);
+
         PressMnemonic(dialog, kInnerEdit, 'h');
         PressMnemonic(dialog, kHostEdit, 'p');
         PressMnemonic(dialog, kHostEdit, 'r');
         EXPECT_TRUE(dialog.IsChecked(kInnerCheck));
         dialog.RealType(kInnerEdit, "abc");
         EXPECT_EQ(dialog.Text(kInnerEdit), "abc");
+        dialog.Run([this] { m_host.m_bCloses = true; });
         dialog.RealKey(VK_ESCAPE);
     });
+    EXPECT_EQ(m_host.DoModal(), IDCANCEL);
+    EXPECT_EQ(g_commands, commands);
 }
 
 // A dialog of the bare system that has a panel of the framework's: its own loop knows nothing of

@@ -31,8 +31,10 @@ protected:
         EXPECT_TRUE(AfxInitExtensionModule(state, module.get()));
         new CDynLinkLibrary(state);
     }
-    void LinkA() { Link(m_stateA, m_a); }
-    void LinkB() { Link(m_stateB, m_b); }
+    void LinkBoth() {
+        Link(m_stateA, m_a);
+        Link(m_stateB, m_b);
+    }
 
     const ModuleHandle m_a{LoadLibraryA("chain_a.dll")};
     const ModuleHandle m_b{LoadLibraryA("chain_b.dll")};
@@ -43,10 +45,10 @@ protected:
 TEST_F(ResourceChainTest, LinksAreSearchedNewestFirstAfterTheCurrentHandle) {
     EXPECT_EQ(String(100), "unchanged");
     EXPECT_EQ(AfxFindResourceHandle(MAKEINTRESOURCEA(200), RT_DIALOG), GetModuleHandleA(nullptr));
-    LinkA();
+    Link(m_stateA, m_a);
     EXPECT_EQ(AfxFindResourceHandle(MAKEINTRESOURCEA(200), RT_DIALOG), m_a.get());
     EXPECT_EQ(String(100), "from A");
-    LinkB();
+    Link(m_stateB, m_b);
     EXPECT_EQ(String(100), "from B");
     EXPECT_EQ(String(101), "only in A");  // B has others of the same block
     EXPECT_EQ(String(103), "unchanged");
@@ -64,8 +66,7 @@ TEST_F(ResourceChainTest, LinksAreSearchedNewestFirstAfterTheCurrentHandle) {
     EXPECT_EQ(String(100), "from A");
     AfxTermExtensionModule(m_stateA);
     EXPECT_EQ(String(100), "unchanged");
-    LinkA();
-    LinkB();
+    LinkBoth();
     AfxTermExtensionModule(m_stateA, TRUE);  // all of them
     EXPECT_EQ(String(100), "unchanged");
 }
@@ -86,8 +87,7 @@ TEST_F(ResourceChainTest, ModuleMayNameAnotherOneForItsResources) {
 }
 
 TEST_F(ResourceChainTest, DialogsAndBitmapsComeFromTheChain) {
-    LinkA();
-    LinkB();
+    LinkBoth();
     CBitmap bitmap;
     BITMAP size = {};
     ASSERT_TRUE(bitmap.LoadBitmap(300u));

@@ -102,21 +102,17 @@ TEST(WindowTest, FailedCreationLeavesNothingAndTellsTheObjectOnce) {
         BOOL PreCreateWindow(CREATESTRUCTA&) override { return FALSE; }
     };
     const auto before = ResourceCounts::Now();
-    const auto expectFailure = [](ProbeWnd& wnd, LPCSTR lpszClass = nullptr) {
-        EXPECT_FALSE(wnd.CreatePopup(lpszClass));
-        EXPECT_EQ(wnd.m_hWnd, nullptr);
-        EXPECT_EQ(std::count(wnd.m_log.begin(), wnd.m_log.end(), "postncdestroy"), 1);
-    };
     ProbeWnd refusing;
     refusing.m_onCreate = Refuse;
-    expectFailure(refusing);
     ProbeWnd throwing;
     throwing.m_onCreate = []() -> int { throw 5; };
-    expectFailure(throwing);
     Unprepared unprepared;
-    expectFailure(unprepared);
     ProbeWnd classless;
-    expectFailure(classless, "no such class");
+    for (ProbeWnd* wnd : {&refusing, &throwing, static_cast<ProbeWnd*>(&unprepared), &classless}) {
+        EXPECT_FALSE(wnd->CreatePopup(wnd == &classless ? "no such class" : nullptr));
+        EXPECT_EQ(wnd->m_hWnd, nullptr);
+        EXPECT_EQ(std::count(wnd->m_log.begin(), wnd->m_log.end(), "postncdestroy"), 1);
+    }
     EXPECT_EQ(ResourceCounts::Now().windows, before.windows);
     EXPECT_TRUE(classless.CreatePopup());  // it can be tried again
 }
@@ -144,20 +140,19 @@ TEST(WindowTest, DeletingTheObjectDestroysItsWindow) {
 }
 
 TEST(WindowTest, ObjectMayDeleteItselfWhenItsWindowGoes) {
+    static int deleted;
+    deleted = 0;
     struct Own final : ProbeWnd {
-        explicit Own(int& deleted) : m_nDeleted(deleted) {}
-        ~Own() override { ++m_nDeleted; }
+        ~Own() override { ++deleted; }
         void PostNcDestroy() override { delete this; }
-        int& m_nDeleted;
     };
-    int deleted = 0;
-    auto* window = new Own(deleted);
+    auto* window = new Own;
     ASSERT_TRUE(window->CreatePopup());
     window->m_onAsk = [window] { return LRESULT{window->DestroyWindow()}; };
     EXPECT_EQ(window->SendMessage(kAsk), TRUE);  // out of its own handler
     EXPECT_EQ(deleted, 1);
 
-    window = new Own(deleted);
+    window = new Own;
     window->m_onCreate = Refuse;
     EXPECT_FALSE(window->CreatePopup());
     EXPECT_EQ(deleted, 2);
@@ -196,16 +191,12 @@ TEST_F(OpenWindow, RegisteredMessagesAreReadWhenTheyCome) {
 }
 
 TEST_F(OpenWindow, PermanentObjectsAreThoseOfTheThread) {
-    CWnd* seenWindow = &m_wnd;
-    HWND seen = nullptr;
     CWnd second;
     std::thread([&] {
-        seenWindow = CWnd::FromHandlePermanent(m_wnd.m_hWnd);
-        seen = CWnd::FromHandle(m_wnd.m_hWnd)->m_hWnd;
+        EXPECT_EQ(CWnd::FromHandlePermanent(m_wnd.m_hWnd), nullptr);
+        EXPECT_EQ(CWnd::FromHandle(m_wnd.m_hWnd)->m_hWnd, m_wnd.m_hWnd);
         EXPECT_FALSE(second.SubclassWindow(m_wnd.m_hWnd));
     }).join();
-    EXPECT_EQ(seenWindow, nullptr);
-    EXPECT_EQ(seen, m_wnd.m_hWnd);
     EXPECT_FALSE(second.Attach(m_wnd.m_hWnd));
     EXPECT_FALSE(second.Attach(nullptr));
     EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
@@ -242,9 +233,7 @@ public:
 
 protected:
     BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM, LRESULT* pResult) override {
-        if (message == WM_COMMAND) {
-            m_nChanges += HIWORD(wParam) == EN_CHANGE ? 1 : 0;
-        }
+        m_nChanges += message == WM_COMMAND && HIWORD(wParam) == EN_CHANGE ? 1 : 0;
         if (message == WM_CTLCOLOREDIT) {
             *pResult = reinterpret_cast<LRESULT>(m_hBrush);
         }
