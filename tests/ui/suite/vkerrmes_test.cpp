@@ -11,19 +11,6 @@
 namespace mvp::test {
 namespace {
 
-std::string IconName(HICON hIcon) {
-    const std::pair<LPCSTR, const char*> icons[] = {{IDI_WARNING, "warning"},
-                                                    {IDI_QUESTION, "question"},
-                                                    {IDI_ERROR, "error"},
-                                                    {IDI_INFORMATION, "information"}};
-    for (const auto& [icon, name] : icons) {
-        if (hIcon == LoadIconA(nullptr, icon)) {
-            return name;
-        }
-    }
-    return "none";
-}
-
 // A message box as it stands on the screen: "caption: text [icon] 1 2*", the buttons by their
 // numbers, the default one with a star.
 std::string Describe(const Dialog& dialog) {
@@ -31,13 +18,18 @@ std::string Describe(const Dialog& dialog) {
     std::string icon;
     std::set<int> buttons;
     for (HWND h = GetWindow(dialog.Handle(), GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
-        const int id = GetDlgCtrlID(h);
         if (ClassOf(h) == "Button") {
-            buttons.insert(id);
+            buttons.insert(GetDlgCtrlID(h));
         } else if ((GetWindowLongPtrA(h, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
-            icon = IconName(reinterpret_cast<HICON>(SendMessageA(h, STM_GETICON, 0, 0)));
+            const LRESULT shown = SendMessageA(h, STM_GETICON, 0, 0);
+            for (const auto& [name, id] : {std::pair{"warning", IDI_WARNING},
+                                           {"question", IDI_QUESTION},
+                                           {"error", IDI_ERROR},
+                                           {"information", IDI_INFORMATION}}) {
+                icon += shown == reinterpret_cast<LRESULT>(LoadIconA(nullptr, id)) ? name : "";
+            }
         } else {
-            text = dialog.Text(id);
+            text = dialog.Text(GetDlgCtrlID(h));
         }
     }
     std::string all = dialog.Title() + ": " + text + " [" + icon + "]";
@@ -61,9 +53,9 @@ protected:
         });
         return show();
     }
-    int Notice(const char* pszText, int nButton) {
+    int Notice(const char* pszText) {
         const auto show = m_module.Get<decltype(VKErrMesDisplayEx)>("VKErrMesDisplayEx");
-        return Answer([&] { return show(-1, pszText, 0, 0, 0); }, nButton);
+        return Answer([&] { return show(-1, pszText, 0, 0, 0); }, kEnterKey);
     }
     int Warn(HWND hParent, const char* pszText, const char* pszReader, int nButton,
              UINT nButtons = 0, UINT nIcon = 0, UINT nFlags = 0) {
@@ -80,14 +72,10 @@ protected:
     bool m_bForeground = false;
 };
 
-TEST_F(VkErrMes, TheNoticeHasAWarningIconAndOneButton) {
-    EXPECT_EQ(Notice("The code is wrong", kEnterKey), 1);
+TEST_F(VkErrMes, NoticesHaveOneButtonAndWarningsCanBeDeclined) {
+    EXPECT_EQ(Notice("The code is wrong"), 1);
     EXPECT_EQ(m_strBox.substr(0, m_strBox.rfind(' ')), "Veskara: The code is wrong [warning]");
-    EXPECT_EQ(m_hOwner, nullptr);
-    EXPECT_TRUE(m_bForeground);
-}
-
-TEST_F(VkErrMes, TheWarningCanBeDeclined) {
+    EXPECT_TRUE(m_hOwner == nullptr && m_bForeground);
     EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", IDOK), 1);
     EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", IDCANCEL), 0);
     EXPECT_EQ(Warn(nullptr, "Last try", "Reader A", kEnterKey), 0) << "Enter must not accept it";
@@ -132,7 +120,7 @@ TEST_F(VkErrMes, TextsAreBoundedAndMayBeNull) {
     EXPECT_LT(caption, 300U);
     EXPECT_EQ(m_strBox.substr(caption),
               ": " + huge.substr(0, VKERRMES_TEXT_MAX) + " [warning] 1 2*");
-    EXPECT_EQ(Notice(nullptr, IDOK), 1);
+    EXPECT_EQ(Notice(nullptr), 1);
     EXPECT_TRUE(m_strBox.starts_with("Veskara:  [")) << m_strBox;
 }
 

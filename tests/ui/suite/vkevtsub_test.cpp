@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -16,7 +17,6 @@
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
-#include "platform/handle.h"
 #include "support/log_recorder.h"
 #include "support/resource_counts.h"
 #include "support/ui_thread.h"
@@ -50,15 +50,6 @@ private:
     Handler m_handler;
 };
 
-class Gate {
-public:
-    void Open() const { SetEvent(m_event.get()); }
-    void Wait() const { EXPECT_EQ(WaitForSingleObject(m_event.get(), 20000), WAIT_OBJECT_0); }
-
-private:
-    KernelHandle m_event{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
-};
-
 void Raise(const std::string& strReader) {
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, strReader.c_str()), VKEVTSUB_OK);
 }
@@ -72,6 +63,7 @@ protected:
     void Note(const std::string& strText) {
         const std::lock_guard lock(m_lock);
         m_notes.push_back(strText);
+        m_threads.insert(GetCurrentThreadId());
     }
     // What was noted when all that was raised had been delivered.
     Texts Notes() {
@@ -84,14 +76,18 @@ protected:
         return [this, strWho](const VKEvent& event) { Note(strWho + event.pszReaderName); };
     }
     // In a call: tells that it runs, and waits.
-    void Hold() const {
-        m_running.Open();
-        m_go.Wait();
+    void Hold() {
+        m_bRunning = true;
+        EXPECT_TRUE(WaitFor(kDeadline, [this] { return m_bGo.load(); }));
+    }
+    void AwaitCall() {
+        EXPECT_TRUE(WaitFor(kDeadline, [this] { return m_bRunning.load(); }));
     }
 
     UiThread m_window;  // a window of the test's thread
-    Gate m_running;
-    Gate m_go;
+    std::atomic<bool> m_bRunning = false;
+    std::atomic<bool> m_bGo = false;
+    std::set<DWORD> m_threads;  // those on which something was noted
 
 private:
     std::mutex m_lock;
@@ -99,13 +95,7 @@ private:
 };
 
 TEST_F(VkEvtSub, DeliversInOrderOnOneThreadOfItsOwn) {
-    std::atomic<DWORD> thread{0};
-    std::atomic<bool> oneThread{true};
     const Subscriber first([&](const VKEvent& event) {
-        DWORD none = 0;
-        if (!thread.compare_exchange_strong(none, GetCurrentThreadId())) {
-            oneThread = oneThread && thread == GetCurrentThreadId();
-        }
         EXPECT_EQ(event.nKind, VKEVENT_CARD_REMOVED);
         Note("first " + std::string(event.pszReaderName));
     });
@@ -122,18 +112,18 @@ TEST_F(VkEvtSub, DeliversInOrderOnOneThreadOfItsOwn) {
     VKRaiseEvent(77, nullptr);
     expected.push_back("other");
     EXPECT_EQ(Notes(), expected);
-    EXPECT_TRUE(oneThread);
-    EXPECT_NE(thread, GetCurrentThreadId());
+    EXPECT_EQ(m_threads.size(), 1U);
+    EXPECT_FALSE(m_threads.contains(GetCurrentThreadId()));
 }
 
 TEST_F(VkEvtSub, NobodyHearsOfWhatWasRaisedBeforeHeSubscribed) {
     const Subscriber early([&](const VKEvent&) { Hold(); });
     Raise("holds the thread");
-    m_running.Wait();
+    AwaitCall();
     Raise("before");
     const Subscriber late(Noting());
     Raise("after");
-    m_go.Open();
+    m_bGo = true;
     EXPECT_EQ(Notes(), Texts{"after"});
 }
 
@@ -152,10 +142,10 @@ TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
     });
     Raise("A");
     Raise("B");
-    m_running.Wait();
+    AwaitCall();
     std::thread other([&] {
         windowOfOther = std::make_unique<UiThread>();
-        m_go.Open();
+        m_bGo = true;
         subscriber.UnSubscribe();
         EXPECT_TRUE(over);
         windowOfOther.reset();
@@ -170,12 +160,11 @@ TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
     WaitForIdle();
     EXPECT_FALSE(over) << "called after it had unsubscribed";
 
-    MSG message;
-    EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
-    EXPECT_EQ(message.message, UINT{WM_APP + 1});
-    EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
-    EXPECT_EQ(message.message, UINT{WM_QUIT});
-    EXPECT_EQ(message.wParam, WPARAM{7});
+    for (const auto& wanted : {std::pair<UINT, WPARAM>{WM_APP + 1, 0}, {WM_QUIT, 7}}) {
+        MSG message;
+        EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
+        EXPECT_EQ(std::pair(message.message, message.wParam), wanted);
+    }
 }
 
 // The call sends a message, and the window that gets it unsubscribes the very subscriber: each
@@ -228,10 +217,7 @@ TEST_F(VkEvtSub, EverythingIsAllowedWithinACall) {
 TEST_F(VkEvtSub, ExceptionsStayInside) {
     LogRecorder log;
     const Subscriber throwing([](const VKEvent& event) {
-        if (std::string(event.pszReaderName) == "A") {
-            throw std::runtime_error("A");
-        }
-        throw 5;
+        event.pszReaderName[0] == 'A' ? throw std::runtime_error("A") : throw 5;
     });
     const Subscriber next(Noting());
     Raise("A");
@@ -265,13 +251,13 @@ TEST_F(VkEvtSub, BoundsTheEventsThatWait) {
         Hold();
     });
     Raise("first");
-    m_running.Wait();
+    AwaitCall();
     for (int i = 0; i < 1024; ++i) {
         Raise("waits");
     }
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, "one too many"), VKEVTSUB_NO_RESOURCES);
     EXPECT_EQ(VKWaitForIdle(10), VKEVTSUB_TIMEOUT);
-    m_go.Open();
+    m_bGo = true;
     WaitForIdle();
     EXPECT_EQ(calls, 1025);
 }
