@@ -7,12 +7,16 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <future>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
+#include <vkevtsub/vkevtsub.h>
 
 #include "frame/module.h"
 #include "resources/resource_numbers.h"
@@ -112,6 +116,28 @@ public:
 
     CButton m_ok;
 };
+
+// Hands over a window of another thread, which takes messages meanwhile.
+inline void WithForeignWindow(const std::function<void(HWND)>& use) {
+    std::promise<HWND> made;
+    const std::jthread thread([&] {
+        const HostWindow window;
+        made.set_value(window.m_hWnd);
+        for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
+            DispatchMessageA(&message);
+        }
+    });
+    const HWND window = made.get_future().get();
+    const DWORD threadId = GetWindowThreadProcessId(window, nullptr);
+    use(window);
+    PostThreadMessageA(threadId, WM_QUIT, 0, 0);
+}
+
+// The card leaves, and whoever watches has been told.
+inline void RemoveCard(const char* pszReader = "Reader A") {
+    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
+    EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
+}
 
 // Takes the suite's notices, each of which the log tells of.
 class TrayWindow : public CWnd {
@@ -220,11 +246,18 @@ inline bool IsTopMost(HWND hWnd) {
     return (GetWindowLongA(hWnd, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
 }
 
-inline bool IsBold(HWND hControl) {
+inline LOGFONTA FontOf(HWND hWnd) {
     LOGFONTA font{};
-    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(hControl, WM_GETFONT, 0, 0)), sizeof font,
-               &font);
-    return font.lfWeight == FW_BOLD;
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(hWnd, WM_GETFONT, 0, 0)), sizeof font, &font);
+    return font;
+}
+
+// Whether the text is in its dialog's own font in bold.
+inline bool IsBold(HWND hControl) {
+    const LOGFONTA own = FontOf(GetParent(hControl));
+    const LOGFONTA bold = FontOf(hControl);
+    return bold.lfWeight == FW_BOLD && bold.lfHeight == own.lfHeight && bold.lfHeight != 0 &&
+           std::string(bold.lfFaceName) == own.lfFaceName;
 }
 
 }  // namespace mvp::test

@@ -1,13 +1,6 @@
 #include "mvpingui/base_dialog.h"
 
-#include <cstdlib>
-#include <functional>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "support/dialog_driver.h"
+#include "dialogs/base/control_place.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -34,24 +27,15 @@ public:
     Throws m_throws = Throws::Nowhere;
 
     BOOL DestroyWindow() override {
-        ThrowIf(Throws::Destroy);
-        return CBaseDialog::DestroyWindow();
+        return m_throws == Throws::Destroy ? throw 1 : CBaseDialog::DestroyWindow();
     }
 
 protected:
     BOOL OnInitDialog() override {
         const BOOL result = CBaseDialog::OnInitDialog();
-        ThrowIf(Throws::InitDialog);
-        return result;
+        return m_throws == Throws::InitDialog ? throw 1 : result;
     }
-    void PostNcDestroy() override { ThrowIf(Throws::PostNcDestroy); }
-
-private:
-    void ThrowIf(Throws where) const {
-        if (m_throws == where) {
-            throw 1;
-        }
-    }
+    void PostNcDestroy() override { m_throws == Throws::PostNcDestroy ? throw 1 : void(); }
 };
 
 using BaseDialog = LibraryTest;
@@ -120,40 +104,31 @@ TEST_F(BaseDialog, ResizeTakesAwayFromTheDialogOrAControl) {
         dialog.ResizeDlg(9999, 50, 50);
         EXPECT_EQ(sizeOf(d.Handle()), CSize(whole.cx - 10, whole.cy - 20));
         EXPECT_EQ(sizeOf(editHandle), CSize(edit.cx + 5, edit.cy - 3));
+        // The other way round, and with controls that move along.
+        CRect ok = PlaceOf(dialog, IDOK);
+        FitWindow(dialog, {10, 20}, {IDOK, 9999});
+        ok.OffsetRect(10, 20);
+        EXPECT_EQ(PlaceOf(dialog, IDOK), ok);
+        EXPECT_EQ(sizeOf(d.Handle()), whole);
     });
-}
-
-void ExpectNotShown(ProbeDialog& dialog) {
-    EXPECT_EQ(dialog.DoModal(), -1);
-    EXPECT_EQ(dialog.CreateFromResourceModule(nullptr), 0);
+    EXPECT_EQ(WindowFit::ToWholePanel(-1).nHeight, 0);
 }
 
 TEST_F(BaseDialog, MissingTemplateIsMinusOneAndTold) {
     ProbeDialog missing(0, nullptr, 1);
-    ExpectNotShown(missing);
+    EXPECT_EQ(missing.DoModal(), -1);
+    EXPECT_EQ(missing.CreateFromResourceModule(nullptr), 0);
     EXPECT_EQ(m_log.Texts(1),
               std::vector<std::string>(2, "Dialog template 1 is missing from the resource module"));
 }
 
-TEST(BaseDialogWithoutModule, CannotBeShown) {
-    ProbeDialog dialog;
-    ExpectNotShown(dialog);
-}
-
 TEST_F(BaseDialog, ExceptionsStayInsideAndAreLogged) {
-    {
-        ProbeDialog dialog;
-        dialog.m_throws = ProbeDialog::Throws::InitDialog;
-        const DialogDriver noDialog;
-        EXPECT_EQ(dialog.DoModal(), -1);
-    }
+    ProbeDialog dialog;
+    dialog.m_throws = ProbeDialog::Throws::InitDialog;
+    EXPECT_EQ(Open(dialog, {}), -1);
     EXPECT_TRUE(m_log.Contains(1, "Exception in the handler of message 0x110")) << m_log.Dump();
-    {
-        ProbeDialog dialog;
-        dialog.m_throws = ProbeDialog::Throws::Destroy;
-        const DialogDriver driver([](Dialog& d) { d.Cancel(); });
-        EXPECT_EQ(dialog.DoModal(), -1);
-    }
+    dialog.m_throws = ProbeDialog::Throws::Destroy;
+    EXPECT_EQ(Open(dialog, {[](Dialog& d) { d.Cancel(); }}), -1);
     EXPECT_TRUE(m_log.Contains(1, "CBaseDialog::DoModal: exception")) << m_log.Dump();
     // Creation that fails because the parent is gone tells the object, which throws.
     ProbeDialog panel;

@@ -1,18 +1,9 @@
-// What holds for the card dialogs alike, and every order of what user, card, callbacks and other
-// programs do to them: drawn by chance from a fixed seed, inside the modal loops, without a thread
-// switch.
+// What holds for the dialogs of a card alike, and every order of what user, card, callbacks and
+// other programs do to them: drawn by chance from a fixed seed, inside the modal loops, without a
+// thread switch.
 #include <array>
-#include <cstdlib>
-#include <future>
 #include <random>
 #include <stdexcept>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-#include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/card_manager_locked_dialog.h"
 #include "mvpingui/display_unlock_code.h"
@@ -20,20 +11,22 @@
 #include "mvpingui/reset_card_dialog.h"
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
-#include "support/dialog_driver.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
+#include "ui/dialogs/pin/pin_requests.h"
 
 namespace mvp::test {
 namespace {
 
 std::mt19937 g_random(20261122);
+bool g_bLeft = false;  // something has happened that closes a dialog unconfirmed
 
 unsigned Draw(unsigned nBelow) {
     return static_cast<unsigned>(g_random() % nBelow);
 }
 
 void Remove() {
+    g_bLeft = true;
     EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, Draw(2) == 0 ? "Reader A" : "Reader B"),
               VKEVTSUB_OK);
 }
@@ -109,6 +102,7 @@ void CALLBACK ActByChance(HWND, UINT, UINT_PTR, DWORD) {
         if (drawn == 1) {
             Remove();
         } else if (drawn < 4) {
+            g_bLeft = g_bLeft || drawn == 0;
             PostMessageA(dialog, WM_COMMAND, drawn == 0 ? IDCANCEL : IDOK, 0);
         } else {
             EnumChildWindows(dialog, FillByChance, 0);
@@ -129,7 +123,7 @@ LRESULT CALLBACK ActWhenIdle(int nCode, WPARAM wParam, LPARAM lParam) {
 
 using CardOrders = LibraryTest;
 
-// One dialog of the five, from its constructor to its destructor; whether it was confirmed.
+// One dialog of the six, from its constructor to its destructor; whether it was confirmed.
 bool RunOne(int nWhich) {
     const PwdRuleArgs rules{0, 1, 1, 0, 4, 8, 0};
     bool done = false;
@@ -147,6 +141,11 @@ bool RunOne(int nWhich) {
         EXPECT_NE(done, dialog.GetPin().IsEmpty());
     } else if (nWhich == 3) {
         done = DisplayUnlockCode(nullptr, nullptr, &GetUnlockCode, &NeverDisplay, "Reader A") == 1;
+    } else if (nWhich == 4) {
+        PinRequest request;
+        const std::string outcome = request.Outcome(request.CallAlone());
+        done = outcome != kRefused;
+        EXPECT_TRUE(done ? outcome == "4711" : g_bLeft) << outcome;
     } else {
         const INT_PTR result = CCMLockedDlg(nullptr, "Reader A").DoModal();
         done = result == IDOK;
@@ -158,12 +157,13 @@ bool RunOne(int nWhich) {
 TEST_F(CardOrders, EveryOneEndsWellAndKeepsNothing) {
     // A run by hand may ask for more: MVP_SOAK_ROUNDS=10000.
     const char* wanted = std::getenv("MVP_SOAK_ROUNDS");
-    const long rounds = wanted != nullptr ? std::strtol(wanted, nullptr, 10) : 600;
+    const long rounds = wanted != nullptr ? std::strtol(wanted, nullptr, 10) : 720;
     HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROC, &ActWhenIdle, nullptr, GetCurrentThreadId());
-    std::array<int, 5> confirmed{};
+    std::array<int, 6> confirmed{};
     const auto round = [&](int i) {
         const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &ActByChance);
-        confirmed.at(static_cast<std::size_t>(i % 5)) += RunOne(i % 5) ? 1 : 0;
+        g_bLeft = false;
+        confirmed.at(static_cast<std::size_t>(i % 6)) += RunOne(i % 6) ? 1 : 0;
         KillTimer(nullptr, timer);
         // At rest when things are counted.
         EXPECT_TRUE(i % 20 != 19 || VKWaitForIdle(10'000) == VKEVTSUB_OK);
@@ -258,57 +258,64 @@ int CountProperties(HWND hWnd) {
 // left to its host.
 TEST_F(CardOrders, LeaveAParentOfAnotherThreadAsItWas) {
     const PatchedImports system("dlgfw.dll", {{"SetForegroundWindow", Address(&TakeForeground)}});
-    std::promise<HWND> made;
-    const std::jthread thread([&] {
-        const HostWindow window;
-        made.set_value(window.m_hWnd);
-        for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
-            DispatchMessageA(&message);
+    WithForeignWindow([](HWND hOther) {
+        CWnd parent;
+        parent.Attach(hOther);
+        OneOfEach each{&parent};
+        const int properties = CountProperties(hOther);
+        for (const OneOfEach::Entry& entry : each.all) {
+            const bool isCode = &entry.dialog == &each.code;
+            const DialogDriver driver([&](Dialog& d) {
+                EXPECT_EQ(g_hForeground == d.Handle(), &entry.dialog != &each.reset);
+                EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), hOther);
+                EXPECT_FALSE(IsWindowEnabled(hOther));
+                EXPECT_EQ(CountProperties(hOther) - properties, isCode ? 1 : 0);
+                OneOfEach::Fill(d, entry);
+                d.Click(IDOK);
+                if (&entry.dialog == &each.unlock) {
+                    d.Next().Enter();  // that it is unlocked
+                }
+            });
+            EXPECT_EQ(entry.dialog.DoModal(), isCode ? IDCANCEL : IDOK);
+            EXPECT_TRUE(IsWindowEnabled(hOther));
+            EXPECT_EQ(CountProperties(hOther), properties);
         }
+        parent.Detach();
     });
-    const HWND other = made.get_future().get();
-    CWnd parent;
-    parent.Attach(other);
-    OneOfEach each{&parent};
-    const int properties = CountProperties(other);
-    for (const OneOfEach::Entry& entry : each.all) {
-        const bool isCode = &entry.dialog == &each.code;
-        const DialogDriver driver([&](Dialog& d) {
-            EXPECT_EQ(g_hForeground == d.Handle(), &entry.dialog != &each.reset);
-            EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), other);
-            EXPECT_FALSE(IsWindowEnabled(other));
-            EXPECT_EQ(CountProperties(other) - properties, isCode ? 1 : 0);
-            OneOfEach::Fill(d, entry);
-            d.Click(IDOK);
-            if (&entry.dialog == &each.unlock) {
-                d.Next().Enter();  // that it is unlocked
-            }
-        });
-        EXPECT_EQ(entry.dialog.DoModal(), isCode ? IDCANCEL : IDOK);
-        EXPECT_TRUE(IsWindowEnabled(other));
-        EXPECT_EQ(CountProperties(other), properties);
-    }
-    parent.Detach();
-    PostMessageA(other, WM_QUIT, 0, 0);
 }
 
 TEST_F(CardOrders, TakeTheWarningDownWhenTheyMove) {
     const PatchedImports system(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
+    int place = 9;
+    const auto expectDown = [&](Dialog& d, HWND hMoved) {
+        const HWND balloon = WarnOfCapsLock(d);
+        m_log.Clear();
+        SetWindowPos(hMoved, nullptr, ++place, 3, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        EXPECT_FALSE(IsWindowVisible(balloon)) << place;
+    };
     OneOfEach each;
     for (const OneOfEach::Entry& entry : each.all) {
-        const DialogDriver driver([&](Dialog& d) {
+        const auto move = [&](Dialog& d) {
             for (const int edit : entry.edits) {
                 if (edit != IDC_UNLOCK_CARD_CODE_EDIT) {
                     d.Focus(edit);
-                    const HWND balloon = WarnOfCapsLock(d);
-                    SetWindowPos(d.Handle(), nullptr, edit % 99, 3, 0, 0,
-                                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-                    EXPECT_FALSE(IsWindowVisible(balloon)) << edit;
+                    expectDown(d, d.Handle());
                 }
             }
             d.Cancel();
-        });
-        EXPECT_EQ(entry.dialog.DoModal(), IDCANCEL);
+        };
+        EXPECT_EQ(Open(entry.dialog, {move}), IDCANCEL);
+    }
+    const std::string classes[] = {"CEnterPinDlg", "CChangePINDialogMain", "CChangePINDialog"};
+    for (const std::string& moved : classes) {
+        const auto move = [&](Dialog& d) {
+            expectDown(d, moved == classes[2] ? GetParent(d.Control(kCurrent)) : d.Handle());
+            for (const std::string& className : classes) {
+                EXPECT_EQ(m_log.Contains(16, className + "::OnMove"), className == moved);
+            }
+            d.Escape();
+        };
+        moved == classes[0] ? PinRequest().Ask(move) : ChangePinRequest().Ask(move);
     }
     SetCapsLock(false);
 }

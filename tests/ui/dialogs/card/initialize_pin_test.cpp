@@ -1,8 +1,5 @@
 // CInitializePinDlg: the policy values that it hands on and shows as rules, and what comes of OK.
-#include <functional>
 #include <stdexcept>
-
-#include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/initialize_pin_dialog.h"
 #include "mvpingui/policies_dialog.h"
@@ -120,7 +117,7 @@ TEST_F(InitializePin, OpensReadyToTypeGrowsByItsRulesAndEndsWithItsCard) {
         EXPECT_FALSE(d.IsEnabled(IDOK));
         d.Press(VK_BACK);
         EXPECT_TRUE(d.IsEnabled(IDOK));
-        VKRaiseEvent(VKEVENT_CARD_REMOVED, "r a");
+        RemoveCard("r a");
     };
     EXPECT_EQ(Run({look, look}), IDCANCEL);
     EXPECT_EQ(m_log.Texts(8).size(), m_log.Texts(16).size()) << m_log.Dump();

@@ -1,7 +1,4 @@
 // CResetCardDialogMain and its panel: the two routes, with a challenge and without.
-#include <functional>
-
-#include <vkevtsub/vkevtsub.h>
 
 #include "mvpingui/reset_card_dialog.h"
 #include "ui/dialogs/library_test.h"
@@ -165,7 +162,7 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
             EXPECT_EQ(d.FocusedId(), kPin) << "also before there is a challenge";
             d.Type(kPin, "1234");
             if (mode == 0) {
-                VKRaiseEvent(VKEVENT_CARD_REMOVED, "reader a");
+                RemoveCard("reader a");
                 return;
             }
             d.Run([&] {

@@ -1,26 +1,18 @@
 // Unlocking a card: the dialog from its callbacks to its result, and the small ones that tell of
 // it.
 #include <algorithm>
-#include <cstring>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-#include <vkevtsub/vkevtsub.h>
 
 #include "dialogs/card/code_groups.h"
 #include "mvpingui/policies_dialog.h"
 #include "mvpingui/unlock_card_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
-#include "support/control_layout.h"
 #include "support/resource_counts.h"
 #include "ui/dialogs/enlarged_dialogs.h"
-#include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
 namespace {
@@ -80,11 +72,6 @@ std::string Confirm(Dialog& d, int nText) {
     top.Enter();
     top.WaitGone();
     return text;
-}
-
-void RemoveCard(const char* pszReader) {
-    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
-    EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
 }
 
 // All is where the template has it, or `nUp` pixels above, and has made room for the rules.
@@ -262,7 +249,7 @@ void RemoveAround(bool bInCallback, int nCode) {
     Card card{.pszChallenge = nCode == 5 ? "A" : nullptr, .results = {0, nCode}};
     card.onAttempt = [&] {
         EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_WAIT));
-        bInCallback ? RemoveCard("Reader A") : void();
+        bInCallback ? RemoveCard() : void();
         // Not heard while the callback runs.
         const HWND first = card.strAttempts == kAttempt ? GetActiveWindow() : nullptr;
         PostMessageA(first, WM_COMMAND, IDOK, 0);
@@ -291,7 +278,7 @@ TEST_F(UnlockCard, RemovalEndsItUnlessTheCardIsUnlocked) {
             RemoveAround(inCallback, 0);
             RemoveAround(inCallback, 5);
         }
-        EXPECT_EQ(Card().Ask([](Dialog&) { RemoveCard("Reader A"); }), IDCANCEL);
+        EXPECT_EQ(Card().Ask([](Dialog&) { RemoveCard(); }), IDCANCEL);
     });
     const std::string shape = LogShape();
     for (const char* part :
@@ -367,7 +354,7 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
         };
         EXPECT_EQ(Open(*dialog, {look}), IDOK);
     }
-    EXPECT_EQ(Open(otherTool, {[](Dialog&) { RemoveCard("Reader A"); }}), IDCANCEL);
+    EXPECT_EQ(Open(otherTool, {[](Dialog&) { RemoveCard(); }}), IDCANCEL);
     FreeResourceModule();
     for (const auto& c : cases) {
         EXPECT_EQ(std::get<0>(c)->DoModal(), -1);

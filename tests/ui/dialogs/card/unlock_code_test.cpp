@@ -2,8 +2,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include <vkevtsub/vkevtsub.h>
-
 #include "mvpingui/card_manager_locked_dialog.h"
 #include "mvpingui/display_unlock_code.h"
 #include "services/error_text.h"
@@ -55,7 +53,7 @@ TEST_F(UnlockCode, IsAcceptedByOkWithTheBoxTickedAlone) {
                 d.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
             }
             if (way == "tick remove") {
-                VKRaiseEvent(VKEVENT_CARD_REMOVED, "reader a");
+                RemoveCard("reader a");
             } else {
                 way == "tick cancel" ? d.Escape() : d.Enter();
             }
@@ -172,7 +170,7 @@ TEST_F(LockedNotice, IsFittedToTheTextOfTheConfigurationOrItsOwn) {
         const DialogDriver driver([&](Dialog& d) {
             ExpectFitted(d, isOwn ? own : text);
             EXPECT_EQ(std::exchange(s_strHelp, ""), "v.chm1014");
-            VKRaiseEvent(VKEVENT_CARD_REMOVED, "reader A");
+            RemoveCard("reader A");
         });
         EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     }

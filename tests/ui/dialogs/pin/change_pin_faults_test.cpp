@@ -1,11 +1,7 @@
 // The change-PIN dialogs when something is missing: controls of their templates, their panel,
 // memory.
 #include <algorithm>
-#include <string>
-#include <string_view>
 #include <utility>
-
-#include <gtest/gtest.h>
 
 #include "dialogs/pin/change_pin_main_dialog.h"
 #include "mvpingui/change_pin_dialog.h"
@@ -37,15 +33,14 @@ TEST_F(ChangePinFaults, MissingControlsOfTheFrameForbidNothingElse) {
         for (const int end : {IDOK, IDCANCEL}) {
             SCOPED_TRACE(std::to_string(missing) + " ended by " + std::to_string(end));
             IncompleteMain dialog(missing);
-            DialogDriver driver([&](Dialog& d) {
+            const auto enter = [&](Dialog& d) {
                 TypePins(d, "1234", "5838", "583");
                 d.Run([&] { SendCommand(d, IDOK); });
                 EXPECT_TRUE(d.IsOpen()) << "the verdict counts, button or none";
                 d.Type(kConfirm, "8");
                 d.Run([&] { SendCommand(d, end); });
-            });
-            EXPECT_EQ(dialog.DoModal(), end);
-            driver.Join();
+            };
+            EXPECT_EQ(Open(dialog, {enter}), end);
             EXPECT_STREQ(dialog.Panel()->NewPin(), "5838");
         }
     }
@@ -124,10 +119,12 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
             heap.FailAt(i);
             const bool result = act(n);
             refused = heap.Stop();
-            const auto hasError = [this](std::string_view part) {
-                return std::ranges::any_of(m_log.Texts(1), [part](const std::string& strLine) {
-                    return strLine.find(part) != std::string::npos;
-                });
+            std::string errors;
+            for (const std::string& line : m_log.Texts(1)) {
+                errors += line;
+            }
+            const auto hasError = [&](const char* pszPart) {
+                return errors.find(pszPart) != std::string::npos;
             };
             // Where what fails is painting alone, everything else is as it should be.
             const bool stopped = hasError("Dlg::") || hasError("Dialog::");
@@ -145,19 +142,19 @@ TEST_F(ChangePinFaults, WithoutMemoryNothingIsHandedOut) {
 TEST_F(ChangePinFaults, InitialisationLetsNoExceptionOut) {
     HostWindow host;
     FailingHeap heap("dlgfw.dll");
+    bool refused = true;
     const auto createWithoutMemory = [&](auto& panel, int nAllocation) {
         heap.FailAt(nAllocation);
-        const int created = panel.LocCreate(&host);
-        const bool refused = heap.Stop();
-        EXPECT_TRUE(created != 0 || refused) << nAllocation;
-        return refused;
+        const bool created = panel.LocCreate(&host) != 0;
+        const bool isShort = heap.Stop();
+        EXPECT_TRUE(created || isShort) << nAllocation;
+        refused = refused || isShort;
     };
-    bool refused = true;
-    for (int i = 0; refused; ++i) {
+    for (int i = 0; std::exchange(refused, false); ++i) {
         VKPoliciesDlg lines(&kAllRules, 0, nullptr, &host, 15, 0, 6);
         CChangePINDialog panel(0, 0, true, nullptr, &kAllRules, &host.m_ok, &host, 15, 0, 6);
-        const bool isLines = createWithoutMemory(lines, i);
-        refused = createWithoutMemory(panel, i) || isLines;
+        createWithoutMemory(lines, i);
+        createWithoutMemory(panel, i);
     }
     EXPECT_TRUE(m_log.Contains(1, "VKPoliciesDlg::OnInitDialog: exception"));
     EXPECT_TRUE(m_log.Contains(1, "CChangePINDialog::OnInitDialog: exception"));

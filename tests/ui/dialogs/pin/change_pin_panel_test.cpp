@@ -1,11 +1,8 @@
 // CChangePINDialog in windows of the host's own, and GetChangePINInfoFromUser reading it there.
 #include <memory>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include <dlgfw/message_map.h>
-#include <gtest/gtest.h>
 
 #include "dialogs/pin/change_pin_panels.h"
 #include "mvpingui/change_pin_dialog.h"
@@ -153,33 +150,30 @@ TEST_F(ChangePinPanel, HostMayGoFirst) {
 TEST_F(ChangePinPanel, ReadsItsConfiguration) {
     constexpr char kKey[] = R"(Software\Quillon\Veskara\PXRM)";
     const std::string path = std::string(kKey) + R"(\EnableSmallPINEntryPrevention)";
-    const auto expect = [&](std::uint32_t read, const std::vector<std::string>& errors) {
+    const std::string followed = "Setting is no REG_DWORD, its first bytes are followed as ";
+    const std::tuple<DWORD, std::string, std::uint32_t, std::string> cases[] = {
+        {REG_NONE, "", 0, ""},
+        {REG_DWORD, {"\x01\0\0\x80", 4}, 0x80000001, ""},
+        {REG_BINARY, "\x05", 5, followed + "5: " + path},
+        {REG_SZ, {"0\0", 2}, '0', followed + "48: " + path},
+        {REG_DWORD, "", 0, followed + "0: " + path},
+        {REG_BINARY, std::string(255, 'x'), 0x78787878, followed + "2021161080: " + path},
+        {REG_BINARY, std::string(256, 'x'), 0,
+         "Setting ignored: " + path + ": larger than 255 bytes"}};
+    const auto expect = [&](std::uint32_t read, const std::string& strError) {
         m_log.Clear();
         const CChangePINDialog panel(0, 0, true, nullptr, nullptr, nullptr, nullptr, 0, 0, 0);
         EXPECT_EQ(panel.SmallPinEntryPrevention(), read);
-        EXPECT_EQ(m_log.Texts(1), errors);
+        EXPECT_EQ(m_log.Texts(1), std::vector<std::string>(strError.empty() ? 0 : 1, strError));
     };
-    expect(0, {});
+    expect(0, "");
     m_hive.CreateKey(kKey);
-    expect(0, {});
-    const auto set = [&](DWORD type, const std::string& bytes) {
-        m_hive.SetRaw(kKey, "EnableSmallPINEntryPrevention", type, bytes);
-    };
-    set(REG_DWORD, {"\x01\0\0\x80", 4});
-    expect(0x80000001, {});
-    const std::tuple<DWORD, std::string, std::uint32_t> cases[] = {
-        {REG_BINARY, "\x05", 5},
-        {REG_SZ, std::string("0\0", 2), '0'},
-        {REG_DWORD, "", 0},
-        {REG_BINARY, std::string(255, 'x'), 0x78787878},
-    };
-    for (const auto& [type, bytes, read] : cases) {
-        set(type, bytes);
-        expect(read, {"Setting is no REG_DWORD, its first bytes are followed as " +
-                      std::to_string(read) + ": " + path});
+    for (const auto& [type, bytes, read, error] : cases) {
+        if (type != REG_NONE) {
+            m_hive.SetRaw(kKey, "EnableSmallPINEntryPrevention", type, bytes);
+        }
+        expect(read, error);
     }
-    set(REG_BINARY, std::string(256, 'x'));
-    expect(0, {"Setting ignored: " + path + ": larger than 255 bytes"});
 }
 
 }  // namespace

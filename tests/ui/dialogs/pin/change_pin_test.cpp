@@ -1,15 +1,11 @@
 // GetChangePINInfoFromUser with the library's own dialog, from the call to its result.
 #include <sstream>
-#include <string>
 #include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-#include <vkevtsub/vkevtsub.h>
 
 #include "support/resource_counts.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/dialogs/pin/pin_requests.h"
+#include "ui/policy/rule_panel.h"
 
 namespace mvp::test {
 namespace {
@@ -17,23 +13,19 @@ namespace {
 using ChangePin = LibraryTest;
 constexpr PwdRuleArgs kNoRules = {0, 0, 0, 0, kNone, kNone, 0};
 
-void RemoveCard(const char* pszReader) {
-    EXPECT_EQ(VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader), VKEVTSUB_OK);
-}
-
 bool ShowsIcon(Dialog& d, int nControl, UINT nIcon) {
     return IconOf(d.Control(nControl)) == LoadResourceIcon(nIcon, 16);
 }
 
 TEST_F(ChangePin, OpensReadyToType) {
     const auto open = [](Dialog& d) {
-        EXPECT_EQ(d.Title(), std::string(ResourceString(IDS_CARD_PIN_TITLE)));
+        EXPECT_EQ(d.Title(), TextOf(IDS_CARD_PIN_TITLE));
         for (const auto& [control, text] :
              {std::pair<int, UINT>{IDC_CHANGE_PIN_PANEL_INSTRUCTION, IDS_CHANGE_PIN_INSTRUCTION},
               {IDC_CHANGE_PIN_PANEL_CURRENT_LABEL, IDS_CHANGE_PIN_CURRENT_LABEL},
               {IDC_CHANGE_PIN_PANEL_NEW_LABEL, IDS_CHANGE_PIN_NEW_LABEL},
               {IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL, IDS_CHANGE_PIN_CONFIRM_LABEL}}) {
-            EXPECT_EQ(d.Text(control), std::string(ResourceString(text)));
+            EXPECT_EQ(d.Text(control), TextOf(text));
         }
         EXPECT_EQ(d.FocusedId(), kCurrent);
         EXPECT_FALSE(d.IsEnabled(IDOK));
@@ -42,8 +34,7 @@ TEST_F(ChangePin, OpensReadyToType) {
         EXPECT_TRUE(ShowsIcon(d, IDC_POLICIES_MIN_ICON, IDI_RULE_VIOLATED));
         EXPECT_TRUE(ShowsIcon(d, IDC_POLICIES_CONFIRM_ICON, IDI_RULE_SATISFIED));
         d.Run([&] {
-            EXPECT_EQ(SendMessageA(d.Handle(), WM_GETICON, ICON_SMALL, 0),
-                      reinterpret_cast<LRESULT>(LoadResourceIcon(IDI_CARD_PIN, 16)));
+            EXPECT_EQ(SmallIconOf(d.Handle()), LoadResourceIcon(IDI_CARD_PIN, 16));
             EXPECT_EQ(GetForegroundWindow(), d.Handle());
         });
         d.Escape();
@@ -204,7 +195,7 @@ TEST_F(ChangePin, CurrentPinNeedNotBeAskedNorTaken) {
             EXPECT_FALSE(d.IsVisible(kCurrent));
             EXPECT_FALSE(d.IsVisible(IDC_CHANGE_PIN_PANEL_CURRENT_LABEL));
             EXPECT_EQ(d.Text(IDC_CHANGE_PIN_PANEL_INSTRUCTION),
-                      std::string(ResourceString(IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY)));
+                      TextOf(IDS_CHANGE_PIN_INSTRUCTION_NEW_ONLY));
             EXPECT_EQ(d.FocusedId(), kNew);
             d.Type(kNew, "5838");
             d.Type(kConfirm, "5838");
@@ -254,10 +245,9 @@ TEST_F(ChangePin, MandatoryChangeEndsByOkOrRemovalOnly) {
         d.Run([&] { EnableWindow(d.Control(IDCANCEL), TRUE); });
         d.Click(IDCANCEL);
         RemoveCard("Reader B");
-        EXPECT_EQ(VKWaitForIdle(10'000), VKEVTSUB_OK);
         d.Settle();
         EXPECT_TRUE(d.IsOpen());
-        RemoveCard("Reader A");
+        RemoveCard();
     };
     EXPECT_EQ(request.Ask(attemptToLeave), kRefused);
     const auto enter = [](Dialog& d) {
@@ -303,6 +293,42 @@ TEST_F(ChangePin, OpeningAndClosingKeepsNothing) {
         });
         m_log.Clear();
     });
+}
+
+// For every subset of the rules, in every language: panel, buttons and frame end where the rules
+// end. What stands above the rules is where the templates have it.
+TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
+    for (const char* language : {"en", "fr"}) {
+        const AttachedLibrary library(language);
+        for (unsigned subset = 0; subset < kRuleSubsets; ++subset) {
+            SCOPED_TRACE(language + std::to_string(subset));
+            const PwdRuleArgs rules = RulesOfSubset(subset);
+            ChangePinRequest request{.pRules = &rules, .bAskCurrentPin = subset % 3 != 0};
+            request.Ask([&](Dialog& d) {
+                const auto rectOf = [&d](HWND hWnd) { return RectIn(d.Handle(), hWnd); };
+                const CRect panel = rectOf(GetParent(d.Control(kNew)));
+                const CRect place = rectOf(d.Control(IDC_CHANGE_PIN_MAIN_PANEL_PLACE));
+                const CRect ok = rectOf(d.Control(IDOK));
+                const CRect cancel = rectOf(d.Control(IDCANCEL));
+                CRect client;
+                GetClientRect(d.Handle(), &client);
+                const CRect lines = rectOf(GetParent(d.Control(IDC_POLICIES_BOX)));
+                EXPECT_EQ(lines.TopLeft(),
+                          rectOf(d.Control(IDC_CHANGE_PIN_PANEL_POLICIES_PLACE)).TopLeft());
+                EXPECT_EQ(panel.bottom, lines.bottom);
+                EXPECT_EQ(panel.TopLeft(), place.TopLeft());
+                // As far below the panel, and above the frame, as the template has them: 7 units.
+                RECT gap = {0, 0, 0, 7};
+                d.Run([&] { MapDialogRect(d.Handle(), &gap); });
+                EXPECT_NEAR(ok.top - panel.bottom, gap.bottom, 1);
+                EXPECT_EQ(ok.top, cancel.top);
+                EXPECT_LT(ok.right, cancel.left);
+                EXPECT_NEAR(client.bottom - ok.bottom, gap.bottom, 1);
+                EXPECT_NEAR(client.right - cancel.right, place.left, 1);
+                d.Escape();
+            });
+        }
+    }
 }
 
 }  // namespace

@@ -2,12 +2,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <string>
-
-#include <gtest/gtest.h>
 
 #include "support/bitmap_header.h"
-#include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/dialogs/pin/pin_requests.h"
 
@@ -72,16 +68,6 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
     EXPECT_TRUE(m_log.Texts(1).back().starts_with("GetPINFromUser: returns")) << m_log.Dump();
     constexpr const char* kNoFile = "there is no such file";
     constexpr const char* kNoBitmap = "the file is not a bitmap that can be shown";
-    const struct {
-        std::string strValue;
-        const char* pszReason;
-    } cases[] = {
-        {"C:\\", kNoFile},
-        {std::string(255, 'p'), kNoFile},
-        {MakeFile("text", "this is not a bitmap"), kNoBitmap},
-        {"NUL", kNoBitmap},
-        {std::string(300, 'l'), "the value is longer than 260 bytes"},
-    };
     const auto expectIgnored = [&](const char* pszValueName, const char* pszReason) {
         m_log.Clear();
         EXPECT_EQ(Shown(), kBuiltIn) << pszReason;
@@ -89,9 +75,14 @@ TEST_F(Branding, BuiltInPicturesStayAndAnIgnoredSettingHasItsLine) {
             std::string("Setting ignored: ") + kKey + "\\" + pszValueName + ": " + pszReason;
         EXPECT_EQ(std::ranges::count(m_log.Texts(1), line), 1) << line << m_log.Dump();
     };
-    for (const auto& c : cases) {
-        m_hive.SetString(kKey, "BannerHiRes", c.strValue);
-        expectIgnored("BannerHiRes", c.pszReason);
+    for (const auto& [value, reason] :
+         {std::pair<std::string, const char*>{"C:\\", kNoFile},
+          {std::string(255, 'p'), kNoFile},
+          {MakeFile("text", "this is not a bitmap"), kNoBitmap},
+          {"NUL", kNoBitmap},
+          {std::string(300, 'l'), "the value is longer than 260 bytes"}}) {
+        m_hive.SetString(kKey, "BannerHiRes", value);
+        expectIgnored("BannerHiRes", reason);
     }
     m_hive.SetUnterminated(kKey, "BannerHiRes", std::string(260, 'u'));
     expectIgnored("BannerHiRes", kNoFile);

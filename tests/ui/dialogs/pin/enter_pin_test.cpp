@@ -1,16 +1,14 @@
-// GetPINFromUser from the call to its result, the dialog in between, and the window it stands over.
-#include <windows.h>
-
+// GetPINFromUser from the call to its result, the dialog in between, the window it stands over, and
+// the card that leaves meanwhile.
 #include <algorithm>
-#include <functional>
-#include <future>
+#include <map>
 #include <regex>
-#include <string>
-#include <thread>
 
-#include <gtest/gtest.h>
+#include <objbase.h>
 
-#include "support/patched_imports.h"
+#include "services/card_removed_subscriber.h"
+#include "support/failing_heap.h"
+#include "support/waiting.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/dialogs/pin/pin_requests.h"
 
@@ -50,11 +48,9 @@ TEST_F(EnterPin, OpensOnTopAndHelps) {
     PinRequest().Ask([](Dialog& d) {
         EXPECT_EQ(d.FocusedId(), IDC_ENTER_PIN_EDIT);
         EXPECT_TRUE(IsTopMost(d.Handle()));
-        HELPINFO info{};
-        info.cbSize = sizeof info;
         d.Run([&] {
             EXPECT_EQ(GetForegroundWindow(), d.Handle());
-            SendMessageA(d.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+            SendMessageA(d.Handle(), WM_HELP, 0, 0);
         });
         d.Escape();
     });
@@ -87,46 +83,33 @@ TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
     EXPECT_EQ(PinRequest().Ask(typeAndDelete), kRefused);
 }
 
-TEST_F(EnterPin, WhatComesAfterItsEndChangesNothing) {
+// In one go, so that the dialog's thread takes up nothing that was posted to it meanwhile.
+TEST_F(EnterPin, CountsWhatIsHandledFirst) {
     const UINT removed = RegisterWindowMessageA("VKCardRemovedEvent");
-    const struct {
-        UINT nMessage;
-        WPARAM wParam;
-        const char* pszOutcome;
-    } ends[] = {
-        {WM_COMMAND, IDOK, "1234"}, {WM_COMMAND, IDCANCEL, kRefused}, {removed, 1, kRefused}};
-    for (const auto& end : ends) {
-        const std::string outcome = PinRequest().Ask([&](Dialog& d) {
+    const std::map<char, Script> acts = {
+        {'O', [](Dialog& d) { SendCommand(d, IDOK); }},
+        {'C', [](Dialog& d) { SendCommand(d, IDCANCEL); }},
+        {'R', [=](Dialog& d) { SendMessageA(d.Handle(), removed, 1, 0); }},
+        {'x', [](Dialog& d) { SetDlgItemTextA(d.Handle(), IDC_ENTER_PIN_EDIT, "1"); }},
+        {'o', [](Dialog& d) { PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0); }},
+        {'r', [](Dialog&) { RemoveCard(); }}};  // which is posted, too
+    for (const auto& [order, pin] : {std::pair<std::string, const char*>{"OxO", "1234"},
+                                     {"CxO", kRefused},
+                                     {"RxO", kRefused},
+                                     {"Or", "1234"},
+                                     {"ro", kRefused},
+                                     {"rO", "1234"}}) {
+        const std::string outcome = PinRequest().Ask([&, &steps = order](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
             d.Run([&] {
-                SendMessageA(d.Handle(), end.nMessage, end.wParam, 0);
-                SetDlgItemTextA(d.Handle(), IDC_ENTER_PIN_EDIT, "1");
-                SendCommand(d, IDOK);
+                for (const char step : steps) {
+                    acts.at(step)(d);
+                }
             });
+            d.WaitGone();
         });
-        EXPECT_EQ(outcome, end.pszOutcome);
+        EXPECT_EQ(outcome, pin) << order;
     }
-}
-
-TEST_F(EnterPin, WhatMovesTakesItsWarningDown) {
-    const PatchedImports oldSystem(nullptr, {{"GetVersionExA", Address(&TellOldSystem)}});
-    const std::string classes[] = {"CEnterPinDlg", "CChangePINDialogMain", "CChangePINDialog"};
-    for (const std::string& moved : classes) {
-        const auto move = [&](Dialog& d) {
-            const HWND balloon = WarnOfCapsLock(d);
-            m_log.Clear();
-            const bool panel = moved == "CChangePINDialog";
-            SetWindowPos(panel ? GetParent(d.Control(kCurrent)) : d.Handle(), nullptr, 3, 3, 0, 0,
-                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-            EXPECT_FALSE(IsWindowVisible(balloon)) << moved;
-            for (const std::string& className : classes) {
-                EXPECT_EQ(m_log.Contains(16, className + "::OnMove"), className == moved);
-            }
-            d.Escape();
-        };
-        moved == classes[0] ? PinRequest().Ask(move) : ChangePinRequest().Ask(move);
-    }
-    SetCapsLock(false);
 }
 
 TEST_F(EnterPin, LinesOfTheLogAreTheStatedOnes) {
@@ -242,27 +225,6 @@ TEST_F(EnterPin, PromptReplacesTheText) {
     }
 }
 
-HWND MakeParent() {
-    return CreateWindowExA(0, "STATIC", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 300, 300, 200,
-                           100, nullptr, nullptr, nullptr, nullptr);
-}
-
-// Hands over a window of another thread, which takes messages meanwhile.
-void WithForeignParent(const std::function<void(HWND)>& use) {
-    std::promise<HWND> made;
-    std::thread thread([&] {
-        made.set_value(MakeParent());
-        for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
-            DispatchMessageA(&message);
-        }
-    });
-    const HWND window = made.get_future().get();
-    const DWORD threadValue = GetWindowThreadProcessId(window, nullptr);
-    use(window);
-    PostThreadMessageA(threadValue, WM_QUIT, 0, 0);
-    thread.join();
-}
-
 TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
     const auto expectGivenBack = [](HWND hParent) {
         for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
@@ -276,7 +238,7 @@ TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
             EXPECT_TRUE(IsWindowEnabled(hParent));
         }
     };
-    WithForeignParent([&](HWND hParent) {
+    WithForeignWindow([&](HWND hParent) {
         expectGivenBack(hParent);
         // The system destroys owned windows of the same thread only: the dialog goes on without.
         const auto destroy = [&](Dialog& d) {
@@ -286,10 +248,10 @@ TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
         };
         EXPECT_EQ(PinRequest{.hParent = hParent}.Ask(destroy), "1234");
     });
-    const HWND own = MakeParent();
-    expectGivenBack(own);
-    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { DestroyWindow(own); }); };
-    EXPECT_EQ(PinRequest{.hParent = own}.Ask(destroyOwn), kRefused);
+    HostWindow own;
+    expectGivenBack(own.m_hWnd);
+    const auto destroyOwn = [&](Dialog& d) { d.Run([&] { own.DestroyWindow(); }); };
+    EXPECT_EQ(PinRequest{.hParent = own.m_hWnd}.Ask(destroyOwn), kRefused);
 }
 
 HWND g_hRefused = nullptr;
@@ -307,9 +269,10 @@ LRESULT CALLBACK RefuseOwner(int nCode, WPARAM wParam, LPARAM lParam) {
 TEST_F(EnterPin, ParentOfNoUseIsDoneWithout) {
     for (const bool exists : {false, true}) {
         m_log.Clear();
-        g_hRefused = MakeParent();
+        HostWindow parent;
+        g_hRefused = parent.m_hWnd;
         if (!exists) {
-            DestroyWindow(g_hRefused);
+            parent.DestroyWindow();
         }
         HHOOK hook = SetWindowsHookExA(WH_CBT, &RefuseOwner, nullptr, GetCurrentThreadId());
         PinRequest{.hParent = g_hRefused}.Ask([](Dialog& d) {
@@ -320,8 +283,78 @@ TEST_F(EnterPin, ParentOfNoUseIsDoneWithout) {
         EXPECT_TRUE(m_log.Contains(
             2, "CEnterPinDlg::OnContextualHelp: Now try to CreateDlgIndirect with NULL"));
         EXPECT_FALSE(IsWindowEnabled(g_hRefused));
-        DestroyWindow(g_hRefused);
     }
+}
+
+// Real events of the suite's event module.
+using CardRemoval = LibraryTest;
+
+TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
+    const struct {
+        const char* pszReader;
+        const char* pszRemoved;
+        bool bCloses;
+    } cases[] = {
+        {"Reader A", "Reader A", true}, {"reader a", "READER A", true},   {"", "Reader A", true},
+        {nullptr, "Reader A", true},    {"Reader A", "Reader B", false},  {"Reader A", "", false},
+        {"Reader A", nullptr, false},   {"Reader A", "Reader A ", false},
+    };
+    for (const auto& c : cases) {
+        m_log.Clear();
+        const std::string outcome = PinRequest{.pszReader = c.pszReader}.Ask([&](Dialog& d) {
+            d.Type(IDC_ENTER_PIN_EDIT, "1234");
+            RemoveCard(c.pszRemoved);
+            if (c.bCloses) {
+                d.WaitGone();
+            } else {
+                d.Settle();
+                EXPECT_TRUE(d.IsOpen());
+                d.Click(IDOK);
+            }
+        });
+        EXPECT_EQ(outcome, c.bCloses ? kRefused : "1234");
+        EXPECT_EQ(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"), c.bCloses);
+        // Whatever the ending, the watch ends once, with its own words.
+        EXPECT_EQ(
+            std::ranges::count(m_log.Texts(2),
+                               "VKDetectCardRemovedDlg::StopDetectingRemoveEvent: Card removed"),
+            1)
+            << m_log.Dump();
+    }
+}
+
+TEST_F(CardRemoval, WatchingItInitialisesComOnTheThread) {
+    std::thread([] {
+        const VKDelegateSubscriberCardRemoved watching(nullptr, WM_APP, "Reader A");
+        EXPECT_EQ(CoInitialize(nullptr), S_FALSE);  // initialised already
+    }).join();
+}
+
+TEST_F(CardRemoval, WhileTheDialogOpensCloses) {
+    // The event arrives between the creation of the window and its first showing.
+    std::thread remover([this] {
+        EXPECT_TRUE(WaitFor(std::chrono::seconds(10), [this] {
+            return m_log.Contains(16, "VKDelegateSubscriberCardRemoved Constructor");
+        }));
+        RemoveCard();
+    });
+    EXPECT_EQ(PinRequest().CallAlone(), MVPINGUI_REFUSED);
+    remover.join();
+    FreeGetPinBuffer(nullptr, 0);
+}
+
+TEST_F(CardRemoval, HasNoEffectWithoutMemoryForTheWatch) {
+    const std::string reader(1000, 'r');
+    FailingHeap heap("dlgfw.dll");
+    heap.FailAt(1, reader.size());  // the dialog's own copy comes first
+    const auto removeAndEnter = [&](Dialog& d) {
+        RemoveCard(reader.c_str());
+        TypePin()(d);
+    };
+    EXPECT_EQ(PinRequest{.pszReader = reader.c_str()}.Ask(removeAndEnter), "1234");
+    EXPECT_TRUE(heap.Stop());
+    EXPECT_TRUE(m_log.Contains(1, "VKDelegateSubscriberCardRemoved Constructor: exception"));
+    EXPECT_TRUE(m_log.Contains(16, "VKDetectCardRemovedDlg::OnInitDialog"));
 }
 
 }  // namespace
