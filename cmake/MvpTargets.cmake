@@ -57,8 +57,8 @@ function(mvp_unit_test name)
 endfunction()
 
 # mvp_ui_test(name SOURCES... [LIBS libraries...] [SCANS]): a Windows GoogleTest program, run under
-# Wine. It lies in testbin/, beside copies of the product's libraries and the recording modules that
-# stand in for the suite's own. SCANS: it looks for secrets in the memory.
+# Wine. It lies in testbin/, beside copies of the product's libraries and the recording module that
+# stands in for the suite's log. SCANS: it looks for secrets in the memory.
 function(mvp_ui_test name)
   cmake_parse_arguments(arg "SCANS" "" "LIBS" ${ARGN})
   # Padded heap blocks, so that the check after each test sees an overrun. They are filled when they

@@ -4,11 +4,7 @@
 // runs beside it on a thread of its own: one script for each dialog that opens, in order.
 //
 //     DialogDriver driver([](Dialog& warning) { warning.Click(IDOK); },
-//                         [](Dialog& dialog) {
-//                             dialog.Type(IDC_PIN, "1234");
-//                             EXPECT_TRUE(dialog.IsEnabled(IDOK));
-//                             dialog.Enter();
-//                         });
+//                         [](Dialog& dialog) { dialog.Type(IDC_PIN, "1234"), dialog.Enter(); });
 //     EXPECT_EQ(GetPINFromUser(...), 0u);
 //     driver.Join();
 //

@@ -1,14 +1,13 @@
-// What the recording modules export beside the functions of the modules they stand in for. Tests
-// use the classes over it: LogRecorder, MessageBoxRecorder.
+// What the recording vklog.dll exports beside the functions of the module it stands in for. Tests use
+// the class over it: LogRecorder.
 //
-// A recording module hands every call on to the receiver that was set last; null sets none. Nothing
-// of the language's library crosses the boundary, for every binary has its own.
+// It hands every call on to the receiver that was set last; null sets none. Nothing of the
+// language's library crosses the boundary, for every binary has its own.
 #pragma once
 
 #include <windows.h>
 
 #include <stdexcept>
-#include <string>
 
 #include "platform/system_library.h"
 
@@ -18,39 +17,15 @@ namespace mvp::test {
 // receiver must not log. When vklogRecordTo returns, no call to the former receiver is running.
 using LogReceiver = void (*)(void* pContext, const char* pszTag, int nLevel, const char* pszText);
 
-struct MessageBoxArguments {
-    // VKErrMesDisplayExWithParentParamAndReader, not VKErrMesDisplayEx, which leaves the parent,
-    // what is reserved and the reader null.
-    bool bWithParentAndReader;
-    HWND hParent;
-    int nMessageType;
-    UINT nButtons;
-    UINT nIcon;
-    UINT nFlags;
-    const void* pReserved;
-};
-
-// vkerrmes.dll exports "VKErrMesRecordTo". The receiver's result is the answer; without a receiver
-// it is 1.
-using MessageBoxReceiver = int (*)(void* pContext, const MessageBoxArguments& arguments,
-                                   const char* pszText, const char* pszReader);
-
-// Throws std::runtime_error when the module of that name beside the test is not the recording one.
-template <class Receiver>
-void RecordTo(const char* pszModule, const char* pszFunction, Receiver receiver, void* pContext) {
+// Throws std::runtime_error when the module beside the test is not the recording one.
+inline void RecordLogTo(LogReceiver receiver, void* pContext) {
     // Not given back: the module under test, which uses it too, may come and go.
     const auto recordTo =
-        FindFunction<void (*)(Receiver, void*)>(LoadLibraryA(pszModule), pszFunction);
+        FindFunction<void (*)(LogReceiver, void*)>(LoadLibraryA("vklog.dll"), "vklogRecordTo");
     if (recordTo == nullptr) {
-        throw std::runtime_error(std::string(pszModule) + " is not the recording module");
+        throw std::runtime_error("vklog.dll is not the recording module");
     }
     recordTo(receiver, pContext);
-}
-inline void RecordLogTo(LogReceiver receiver, void* pContext) {
-    RecordTo("vklog.dll", "vklogRecordTo", receiver, pContext);
-}
-inline void RecordBoxesTo(MessageBoxReceiver receiver, void* pContext) {
-    RecordTo("vkerrmes.dll", "VKErrMesRecordTo", receiver, pContext);
 }
 
 }  // namespace mvp::test

@@ -95,6 +95,7 @@ TEST(Operations, TellEntryAndExitUnderTheLibrarysTag) {
         {[] { DisplayLastPINTry(nullptr); }, "--->DisplayLastPINTry", "<---DisplayLastPINTry"},
         {[] { InitGUIDll(); }, "InitGUIDll", "InitGUIDll"},
     };
+    const MessageBoxRecorder boxes;
     for (const auto& c : cases) {
         LogRecorder log;
         c.pCall();
