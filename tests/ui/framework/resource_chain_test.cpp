@@ -1,5 +1,6 @@
 // Where strings, dialogs and bitmaps are found.
 #include <string>
+#include <utility>
 
 #include <dlgfw/dialog.h>
 #include <dlgfw/gdi_object.h>
@@ -89,21 +90,16 @@ TEST_F(ResourceChainTest, ModuleMayNameAnotherOneForItsResources) {
 TEST_F(ResourceChainTest, DialogsAndBitmapsComeFromTheChain) {
     LinkBoth();
     CBitmap bitmap;
-    BITMAP size = {};
-    ASSERT_TRUE(bitmap.LoadBitmap(300u));
-    EXPECT_GT(bitmap.GetBitmap(&size), 0);
-    EXPECT_EQ(size.bmWidth, 1);
+    EXPECT_TRUE(bitmap.LoadBitmap(300u));
     EXPECT_FALSE(bitmap.LoadBitmap(301u));
-
-    const auto expect = [](const char* pszTitle) {
-        return [=](Dialog& dialog) {
-            EXPECT_EQ(dialog.Title(), pszTitle);
+    for (const auto& [number, title] :
+         {std::pair{200u, "Dialog of A"}, {201u, "Plain dialog of A"}}) {
+        const DialogDriver driver([text = title](Dialog& dialog) {
+            EXPECT_EQ(dialog.Title(), text);
             dialog.Click(IDOK);
-        };
-    };
-    DialogDriver driver(expect("Dialog of A"), expect("Plain dialog of A"));
-    EXPECT_EQ(CDialog(200u).DoModal(), IDOK);
-    EXPECT_EQ(CDialog(201u).DoModal(), IDOK);
+        });
+        EXPECT_EQ(CDialog(number).DoModal(), IDOK);
+    }
 }
 
 }  // namespace

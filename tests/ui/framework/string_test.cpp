@@ -1,4 +1,4 @@
-// The framework's values: strings, arrays, times and the geometry.
+// The framework's values: strings, arrays and times.
 #include <algorithm>
 #include <ctime>
 #include <functional>
@@ -8,7 +8,6 @@
 #include <string>
 #include <utility>
 
-#include <dlgfw/geometry.h>
 #include <dlgfw/ptr_array.h>
 #include <dlgfw/string.h>
 #include <dlgfw/time.h>
@@ -211,14 +210,6 @@ TEST(PtrArrayTest, KeepsOrderAndRefusesIndicesOutOfRange) {
     }
     array.RemoveAll();
     EXPECT_EQ(array.GetSize(), 0);
-}
-
-TEST(GeometryTest, PointsAndRectanglesCarryTheirValues) {
-    CRect rect(CPoint(10, 20), CSize(30, 40));
-    EXPECT_EQ(rect.CenterPoint() - CSize(1, 2), CPoint(24, 38));
-    rect.OffsetRect(-10, 5);
-    EXPECT_EQ(rect, CRect(0, 25, 30, 65));
-    EXPECT_EQ(CPoint(MAKELPARAM(0xFFFE, 3)), CPoint(-2, 3));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -100,14 +101,7 @@ TEST_F(VkLog, ReadsTheRegistryOnceAndAtTheFirstCall) {
 TEST_F(VkLog, StaysOffWithoutUsableSettings) {
     const std::string file = m_strFile + '\0';
     const std::string all(4, '\x1f');
-    const struct {
-        const char* pszName;
-        DWORD nFileType;
-        std::string file;
-        DWORD nLevelsType;
-        std::string levels;
-        const char* pszTold;
-    } cases[] = {
+    const std::tuple<const char*, DWORD, std::string, DWORD, std::string, const char*> cases[] = {
         {"no file", REG_NONE, "", REG_DWORD, all, ""},
         {"empty file", REG_SZ, {'\0'}, REG_DWORD, all, ""},
         {"binary file", REG_BINARY, file, REG_DWORD, all, "LogFile: its type is another one"},
@@ -116,24 +110,18 @@ TEST_F(VkLog, StaysOffWithoutUsableSettings) {
         {"levels as text", REG_SZ, file, REG_SZ, "31", "LogLevels: its type is another one"},
         {"levels too short", REG_SZ, file, REG_DWORD, "\x1f", "LogLevels: it cannot be read"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.pszName);
+    for (const auto& [name, fileType, fileBytes, levelsType, levels, wrong] : cases) {
+        SCOPED_TRACE(name);
         RegistryHive hive;
-        if (c.nFileType != REG_NONE) {
-            hive.SetRaw(kKey, "LogFile", c.nFileType, c.file);
-        }
-        if (c.nLevelsType != REG_NONE) {
-            hive.SetRaw(kKey, "LogLevels", c.nLevelsType, c.levels);
-        }
+        // Under another name it is as good as none.
+        hive.SetRaw(kKey, fileType != REG_NONE ? "LogFile" : "no file", fileType, fileBytes);
+        hive.SetRaw(kKey, levelsType != REG_NONE ? "LogLevels" : "none", levelsType, levels);
         const Log log;
         log.pLog("TAG", VKLOG_ERROR, "x");
         log.pLog("TAG", VKLOG_ERROR, "x");
-        std::string told;
-        if (*c.pszTold != '\0') {
-            told =
-                std::string("Setting ignored: ") + kKey + "\\" + c.pszTold + "; nothing is logged";
-        }
-        EXPECT_EQ(g_strDebugger, told.empty() ? "" : "vklog: " + told + "\n");
+        const std::string told =
+            std::string("Setting ignored: ") + kKey + "\\" + wrong + "; nothing is logged";
+        EXPECT_EQ(g_strDebugger, *wrong == '\0' ? "" : "vklog: " + told + "\n");
         // Wrong levels are also told where their lines are missed.
         const bool inFile = told.find("LogLevels") != std::string::npos;
         EXPECT_EQ(Lines(), inFile ? Strings{"VKLOG error: " + told} : Strings{});

@@ -1,5 +1,6 @@
 // GetChangePINInfoFromUser with the library's own dialog, from the call to its result.
 #include <sstream>
+#include <tuple>
 #include <utility>
 
 #include "support/resource_counts.h"
@@ -44,22 +45,19 @@ TEST_F(ChangePin, OpensReadyToType) {
 }
 
 TEST_F(ChangePin, HandsOutBothPins) {
-    const struct {
-        const PwdRuleArgs* pRules;
-        std::string strCurrent, strNew;
-    } cases[] = {{&kAllRules, "1234", "58381"},
-                 {&kNoRules, "\xE9\xFF", "\x80 x"},
-                 {&kNoRules, "1", ""},
-                 {nullptr, "1", "2"}};
-    for (const auto& c : cases) {
+    const std::tuple<const PwdRuleArgs*, std::string, std::string> cases[] = {
+        {&kAllRules, "1234", "58381"},
+        {&kNoRules, "\xE9\xFF", "\x80 x"},
+        {&kNoRules, "1", ""},
+        {nullptr, "1", "2"}};
+    for (const auto& [rules, current, pin] : cases) {
         for (const bool byEnter : {true, false}) {
-            const auto enter = [&](Dialog& d) {
-                TypePins(d, c.strCurrent, c.strNew, c.strNew);
+            const auto enter = [=, &oldPin = current, &newPin = pin](Dialog& d) {
+                TypePins(d, oldPin, newPin, newPin);
                 EXPECT_TRUE(d.IsEnabled(IDOK));
                 byEnter ? d.Enter() : d.Click(IDOK);
             };
-            EXPECT_EQ(ChangePinRequest{.pRules = c.pRules}.Ask(enter),
-                      c.strCurrent + "/" + c.strNew);
+            EXPECT_EQ(ChangePinRequest{.pRules = rules}.Ask(enter), current + "/" + pin);
         }
     }
 }

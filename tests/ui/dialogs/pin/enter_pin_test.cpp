@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <regex>
+#include <tuple>
 
 #include <objbase.h>
 
@@ -18,27 +19,22 @@ namespace {
 using EnterPin = LibraryTest;
 
 TEST_F(EnterPin, HandsOutExactlyWhatWasTyped) {
-    const struct {
-        std::uint32_t dwMin, dwMax;
-        std::string strPin;
-    } cases[] = {{4, 8, "123456"},
-                 {1, 1, "7"},
-                 {4, 4, "0000"},
-                 {0, 8, "\xE9\xE8\xFC\xDF"},
-                 {0, 0xFFFFFFFF, "a b"},
-                 {1, 20'000, std::string(10'000, '5')},
-                 {0, 8, ""}};
-    for (const auto& c : cases) {
-        PinRequest request{.dwMin = c.dwMin, .dwMax = c.dwMax};
-        const std::string pin = request.Ask([&](Dialog& d) {
-            if (c.strPin.size() > 100) {
-                d.Paste(IDC_ENTER_PIN_EDIT, c.strPin);
-            } else {
-                d.Type(IDC_ENTER_PIN_EDIT, c.strPin);
-            }
+    const std::tuple<std::uint32_t, std::uint32_t, std::string> cases[] = {
+        {4, 8, "123456"},
+        {1, 1, "7"},
+        {4, 4, "0000"},
+        {0, 8, "\xE9\xE8\xFC\xDF"},
+        {0, 0xFFFFFFFF, "a b"},
+        {1, 20'000, std::string(10'000, '5')},
+        {0, 8, ""}};
+    for (const auto& [min, max, typed] : cases) {
+        const auto enter = [&text = typed](Dialog& d) {
+            text.size() > 100 ? d.Paste(IDC_ENTER_PIN_EDIT, text)
+                              : d.Type(IDC_ENTER_PIN_EDIT, text);
             d.Click(IDOK);
-        });
-        EXPECT_TRUE(pin == c.strPin) << c.strPin.size() << m_log.Dump();
+        };
+        const std::string pin = PinRequest{.dwMin = min, .dwMax = max}.Ask(enter);
+        EXPECT_TRUE(pin == typed) << typed.size() << m_log.Dump();
     }
     EXPECT_TRUE(m_log.Contains(2, "GetPINFromUser: PIN empty"));
 }
@@ -227,16 +223,13 @@ TEST_F(EnterPin, PromptReplacesTheText) {
 
 TEST_F(EnterPin, ParentIsDisabledMeanwhileAndGivenBack) {
     const auto expectGivenBack = [](HWND hParent) {
-        for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
-            const std::string outcome = PinRequest{.hParent = hParent}.Ask([&](Dialog& d) {
-                EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), hParent);
-                EXPECT_FALSE(IsWindowEnabled(hParent));
-                d.Type(IDC_ENTER_PIN_EDIT, "1234");
-                d.Press(key);
-            });
-            EXPECT_EQ(outcome, key == VK_RETURN ? "1234" : kRefused);
-            EXPECT_TRUE(IsWindowEnabled(hParent));
-        }
+        const auto enter = [=](Dialog& d) {
+            EXPECT_EQ(GetWindow(d.Handle(), GW_OWNER), hParent);
+            EXPECT_FALSE(IsWindowEnabled(hParent));
+            TypePin()(d);
+        };
+        EXPECT_EQ(PinRequest{.hParent = hParent}.Ask(enter), "1234");
+        EXPECT_TRUE(IsWindowEnabled(hParent));
     };
     WithForeignWindow([&](HWND hParent) {
         expectGivenBack(hParent);
@@ -290,30 +283,22 @@ TEST_F(EnterPin, ParentOfNoUseIsDoneWithout) {
 using CardRemoval = LibraryTest;
 
 TEST_F(CardRemoval, ClosesTheDialogOfItsReaderOnly) {
-    const struct {
-        const char* pszReader;
-        const char* pszRemoved;
-        bool bCloses;
-    } cases[] = {
+    const std::tuple<const char*, const char*, bool> cases[] = {
         {"Reader A", "Reader A", true}, {"reader a", "READER A", true},   {"", "Reader A", true},
         {nullptr, "Reader A", true},    {"Reader A", "Reader B", false},  {"Reader A", "", false},
         {"Reader A", nullptr, false},   {"Reader A", "Reader A ", false},
     };
-    for (const auto& c : cases) {
+    for (const auto& [reader, removed, ends] : cases) {
         m_log.Clear();
-        const std::string outcome = PinRequest{.pszReader = c.pszReader}.Ask([&](Dialog& d) {
+        const auto remove = [which = removed, isEnd = ends](Dialog& d) {
             d.Type(IDC_ENTER_PIN_EDIT, "1234");
-            RemoveCard(c.pszRemoved);
-            if (c.bCloses) {
-                d.WaitGone();
-            } else {
-                d.Settle();
-                EXPECT_TRUE(d.IsOpen());
-                d.Click(IDOK);
-            }
-        });
-        EXPECT_EQ(outcome, c.bCloses ? kRefused : "1234");
-        EXPECT_EQ(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"), c.bCloses);
+            RemoveCard(which);
+            d.Settle();
+            EXPECT_NE(d.IsOpen(), isEnd);
+            isEnd ? void() : d.Click(IDOK);
+        };
+        EXPECT_EQ(PinRequest{.pszReader = reader}.Ask(remove), ends ? kRefused : "1234");
+        EXPECT_EQ(m_log.Contains(8, "VKDetectCardRemovedDlg::OnCardEvent"), ends);
         // Whatever the ending, the watch ends once, with its own words.
         EXPECT_EQ(
             std::ranges::count(m_log.Texts(2),
