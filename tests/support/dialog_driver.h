@@ -8,16 +8,12 @@
 //     EXPECT_EQ(GetPINFromUser(...), 0u);
 //     driver.Join();
 //
-// A dialog that opens over another one is reached from the script of the first:
-// `Dialog help = dialog.Next(); help.Click(IDOK); help.WaitGone();`.
-//
-// A driver without scripts holds that no dialog opens: `DialogDriver noDialog;`.
+// A dialog that opens over another one is reached from the script of the first, by Next(). A driver
+// without scripts holds that no dialog opens. One driver at a time, for the thread that made it.
 //
 // Whatever goes wrong (a missed deadline, a dialog that nobody waits for or that a script leaves
 // open, a failed ASSERT in a script) fails the test in good time, and every open dialog is
 // cancelled. If one cannot be, the process is ended. EXPECT_ and ASSERT_ may be used in scripts.
-//
-// A driver drives the dialogs of the thread that made it, one driver at a time.
 #pragma once
 
 #include <windows.h>
@@ -50,11 +46,8 @@ struct DriverFailure : std::runtime_error {
 // One open dialog, as a script sees and handles it.
 //
 // Every operation returns when the dialog's thread has handled it (or the dialog has gone over it),
-// so what is read next is its outcome. An operation that cannot be done (no such control, a click
-// on a disabled button, a deadline missed) ends the script by an exception and fails the test.
-//
-// Controls are named by their identifiers and are looked up among the dialog's children first, then
-// within its child panels.
+// so what is read next is its outcome; one that cannot be done ends the script and fails the test.
+// Controls are looked up among the dialog's children first, then within its child panels.
 class Dialog {
 public:
     Dialog(DialogDriver& driver, HWND hWnd) : m_driver(driver), m_hWnd(hWnd) {}

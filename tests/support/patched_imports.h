@@ -53,8 +53,6 @@ public:
         }
     }
 
-    bool IsEmpty() const { return m_originals.empty(); }
-
 private:
     template <class Part>
     static Part* At(HMODULE hModule, ULONGLONG nOffset) {

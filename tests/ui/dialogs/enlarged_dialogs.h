@@ -20,8 +20,6 @@ namespace mvp::test {
 class EnlargedDialogs {
 public:
     explicit EnlargedDialogs(int nPercent) { s_nPercent = nPercent; }
-    EnlargedDialogs(const EnlargedDialogs&) = delete;
-    EnlargedDialogs& operator=(const EnlargedDialogs&) = delete;
     ~EnlargedDialogs() {
         s_templates.clear();
         s_nPercent = 100;

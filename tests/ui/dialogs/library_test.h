@@ -41,8 +41,6 @@ public:
         }
         EXPECT_TRUE(AttachLibrary(GetModuleHandleA(nullptr)));
     }
-    AttachedLibrary(const AttachedLibrary&) = delete;
-    AttachedLibrary& operator=(const AttachedLibrary&) = delete;
     ~AttachedLibrary() {
         DetachLibrary();
         std::error_code ignored;

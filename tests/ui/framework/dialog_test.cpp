@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <tuple>
 
 #include <dlgfw/controls.h>
 #include <dlgfw/data_exchange.h>
@@ -333,16 +334,13 @@ TEST_F(DialogTest, ModalDialogStandsOverItsOwnerUnlessPlaced) {
     constexpr DWORD plain = WS_POPUP | WS_CAPTION | DS_SETFONT;
     CRect rectHost;
     m_host.GetWindowRect(rectHost);
-    const struct {
-        DWORD dwStyle;
-        RECT to;  // what its initialisation asks for, with the flags
-        UINT nFlags;
-        bool bCentered;
-    } cases[] = {{plain, {}, SWP_NOSIZE | SWP_NOMOVE, true},
-                 {plain, {0, 0, 50, 40}, SWP_NOMOVE, true},
-                 {plain, {}, SWP_NOSIZE, false},
-                 {plain, {5, 6, 0, 0}, SWP_NOSIZE, false},
-                 {plain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE, false}};
+    // What its initialisation asks for by SetWindowPos, and whether it is centred.
+    const std::tuple<DWORD, RECT, UINT, bool> cases[] = {
+        {plain, {}, SWP_NOSIZE | SWP_NOMOVE, true},
+        {plain, {0, 0, 50, 40}, SWP_NOMOVE, true},
+        {plain, {}, SWP_NOSIZE, false},
+        {plain, {5, 6, 0, 0}, SWP_NOSIZE, false},
+        {plain | DS_ABSALIGN, {}, SWP_NOSIZE | SWP_NOMOVE, false}};
     for (const auto& [style, to, flags, centered] : cases) {
         FormDlg dlg(&m_host, style);
         CRect rect;

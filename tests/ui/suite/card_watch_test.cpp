@@ -23,7 +23,6 @@
 namespace {
 
 struct World {
-    std::mutex lock;
     unsigned nChange = 1;      // the number of the last change
     unsigned nSeenChange = 0;  // the last one that a wait has taken note of
     bool bUp = true;
@@ -35,16 +34,15 @@ struct World {
     int nConnects = 0;
 };
 World g_world;
+std::mutex g_lock;
 
-// What `ask` finds.
-template <class Question>
-auto Ask(Question ask) {
-    const std::lock_guard lock(g_world.lock);
-    return ask(g_world);
+World Now() {
+    const std::lock_guard lock(g_lock);
+    return g_world;
 }
 template <class Function>
 void Change(Function change) {
-    const std::lock_guard lock(g_world.lock);
+    const std::lock_guard lock(g_lock);
     change(g_world);
     ++g_world.nChange;
 }
@@ -56,12 +54,6 @@ void RemoveReader(const std::string& strReader) {
 }
 void SetService(bool bUp) {
     Change([=](World& world) { world.bUp = bUp; });
-}
-int Connects() {
-    return Ask([](World& world) { return world.nConnects; });
-}
-bool IsConnected() {
-    return Ask([](World& world) { return !world.contexts.empty(); });
 }
 
 constexpr char kComingAndGoing[] = R"(\\?PnP?\Notification)";
@@ -95,7 +87,7 @@ extern "C" {
 
 __declspec(dllexport) LONG WINAPI
     SCardEstablishContext(DWORD, LPCVOID, LPCVOID, LPSCARDCONTEXT phContext) {
-    const std::lock_guard lock(g_world.lock);
+    const std::lock_guard lock(g_lock);
     ++g_world.nConnects;
     if (!g_world.bUp) {
         return SCARD_E_NO_SERVICE;
@@ -106,13 +98,13 @@ __declspec(dllexport) LONG WINAPI
 }
 
 __declspec(dllexport) LONG WINAPI SCardReleaseContext(SCARDCONTEXT hContext) {
-    const std::lock_guard lock(g_world.lock);
+    const std::lock_guard lock(g_lock);
     return g_world.contexts.erase(hContext) > 0 ? SCARD_S_SUCCESS : SCARD_E_INVALID_HANDLE;
 }
 
 __declspec(dllexport) LONG WINAPI
     SCardListReadersA(SCARDCONTEXT, LPCSTR, LPSTR mszReaders, LPDWORD pcchReaders) {
-    const std::lock_guard lock(g_world.lock);
+    const std::lock_guard lock(g_lock);
     if (!g_world.bUp) {
         return SCARD_E_SERVICE_STOPPED;
     }
@@ -136,7 +128,7 @@ __declspec(dllexport) LONG WINAPI
     SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD dwTimeout,
                           LPSCARD_READERSTATEA rgReaderStates, DWORD cReaders) {
     for (const ULONGLONG end = GetTickCount64() + dwTimeout;; Sleep(1)) {
-        const std::lock_guard lock(g_world.lock);
+        const std::lock_guard lock(g_lock);
         if (g_world.cancelled.erase(hContext) > 0) {
             return SCARD_E_CANCELLED;
         }
@@ -149,7 +141,7 @@ __declspec(dllexport) LONG WINAPI
 }
 
 __declspec(dllexport) LONG WINAPI SCardCancel(SCARDCONTEXT hContext) {
-    const std::lock_guard lock(g_world.lock);
+    const std::lock_guard lock(g_lock);
     g_world.cancelled.insert(hContext);
     return SCARD_S_SUCCESS;
 }
@@ -169,7 +161,7 @@ constexpr DWORD kMove = 0x10000;  // one movement more on the counter
 class CardWatchTest : public testing::Test {
 protected:
     void Start() {
-        m_nConnectsBefore = Connects();
+        m_nConnectsBefore = Now().nConnects;
         m_watch = CardWatch::Start(
             [this](const CardWatch&, const std::string& strReader) {
                 const std::lock_guard lock(m_lock);
@@ -182,7 +174,7 @@ protected:
         if (m_watch) {
             ExpectEnd();
         }
-        EXPECT_FALSE(IsConnected());
+        EXPECT_TRUE(Now().contexts.empty());
         Change([](World& world) {
             world.readers.clear();
             world.bUp = true;
@@ -192,8 +184,10 @@ protected:
 
     // What was reported until the watch knew how things are now.
     std::string Removed() {
-        EXPECT_TRUE(WaitFor(
-            kDeadline, [] { return Ask([](World& w) { return w.nSeenChange == w.nChange; }); }));
+        EXPECT_TRUE(WaitFor(kDeadline, [] {
+            const World now = Now();
+            return now.nSeenChange == now.nChange;
+        }));
         const std::lock_guard lock(m_lock);
         return m_removed;
     }
@@ -204,7 +198,7 @@ protected:
     }
     // Waits until the watch has tried to connect.
     void LetItTry() const {
-        EXPECT_TRUE(WaitFor(kDeadline, [this] { return Connects() > m_nConnectsBefore; }));
+        EXPECT_TRUE(WaitFor(kDeadline, [this] { return Now().nConnects > m_nConnectsBefore; }));
     }
     // The watch's thread holds it as well, and lets it go when it ends.
     void ExpectEnd() {
@@ -242,7 +236,7 @@ TEST_F(CardWatchTest, OutlivesTheService) {
     SetService(true);
     EXPECT_EQ(Removed(), "");
     SetService(false);
-    EXPECT_TRUE(WaitFor(kDeadline, [] { return !IsConnected(); }));
+    EXPECT_TRUE(WaitFor(kDeadline, [] { return Now().contexts.empty(); }));
     SetReader("A", kEmpty);
     SetService(true);
     EXPECT_EQ(Removed(), "A");

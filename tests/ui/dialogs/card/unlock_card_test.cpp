@@ -162,19 +162,18 @@ TEST_F(UnlockCard, TellsWhetherItCouldBeMadeShorter) {
 TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
     const std::string full(511, '7');
     const std::string terminated("12\0", 3);
-    const std::tuple<DWORD, std::string, std::string> cases[] = {
-        {REG_SZ, "", ""},
-        {REG_SZ, "1", ""},
-        {REG_SZ, terminated.substr(1), ""},
-        {REG_SZ, terminated, "12"},
-        {REG_EXPAND_SZ, terminated, "12"},
-        {REG_BINARY, "1234", ""},
-        {REG_SZ, full, full},
-        {REG_SZ, full + '\0', full},
-        {REG_SZ, full + "7", full + "7"},
-        {REG_SZ, std::string(600, '7'), ""},
-        {REG_SZ, "+33 %s 1", "+33 %s 1"}};
-    for (const auto& [type, bytes, number] : cases) {
+    using Case = std::tuple<DWORD, std::string, std::string>;
+    for (const auto& [type, bytes, number] : {Case{REG_SZ, "", ""},
+                                              {REG_SZ, "1", ""},
+                                              {REG_SZ, terminated.substr(1), ""},
+                                              {REG_SZ, terminated, "12"},
+                                              {REG_EXPAND_SZ, terminated, "12"},
+                                              {REG_BINARY, "1234", ""},
+                                              {REG_SZ, full, full},
+                                              {REG_SZ, full + '\0', full},
+                                              {REG_SZ, full + "7", full + "7"},
+                                              {REG_SZ, std::string(600, '7'), ""},
+                                              {REG_SZ, "+33 %s 1", "+33 %s 1"}}) {
         m_hive.SetRaw(R"(software\Quillon\Veskara\GlobalConfig)", "ContactTel", type, bytes);
         const std::string text = number.empty()
                                      ? TextOf(IDS_UNLOCK_HELP_DESK)
@@ -334,11 +333,12 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
     CUnlockInitToolDlg unlockTool(nullptr, "Reader A", 0);
     CUnlockInitToolDlg otherTool(nullptr, "Reader A", 1);
     // What it says are the strings of a first PIN, or of the tool for it, or they are not.
-    const std::tuple<CDialog*, bool, UINT> cases[] = {{&failed, false, IDI_CARD_UNLOCK},
-                                                      {&initialize, true, IDI_CARD_INITIALIZE},
-                                                      {&success, false, IDI_CARD_UNLOCK},
-                                                      {&unlockTool, true, IDI_CARD_PIN},
-                                                      {&otherTool, false, IDI_CARD_PIN}};
+    const std::initializer_list<std::tuple<CDialog*, bool, UINT>> cases = {
+        {&failed, false, IDI_CARD_UNLOCK},
+        {&initialize, true, IDI_CARD_INITIALIZE},
+        {&success, false, IDI_CARD_UNLOCK},
+        {&unlockTool, true, IDI_CARD_PIN},
+        {&otherTool, false, IDI_CARD_PIN}};
     for (const auto& [dialog, strings, icon] : cases) {
         const auto look = [isFirst = strings, picture = icon](Dialog& d) {
             d.Run([&] {
