@@ -1,5 +1,5 @@
-// What the recording vklog.dll exports beside the functions of the module it stands in for. Tests use
-// the class over it: LogRecorder.
+// What the recording vklog.dll exports beside the functions of the module it stands in for. Tests
+// use the class over it: LogRecorder.
 //
 // It hands every call on to the receiver that was set last; null sets none. Nothing of the
 // language's library crosses the boundary, for every binary has its own.
