@@ -1,4 +1,4 @@
-// The framework's values: strings, arrays and times.
+// The framework's values: strings and times.
 #include <algorithm>
 #include <ctime>
 #include <functional>
@@ -8,7 +8,6 @@
 #include <string>
 #include <utility>
 
-#include <dlgfw/ptr_array.h>
 #include <dlgfw/string.h>
 #include <dlgfw/time.h>
 #include <gtest/gtest.h>
@@ -187,23 +186,6 @@ TEST(TimeTest, IsLocalAndHasNoTextOutOfRange) {
     for (const __time64_t none : {__time64_t{-1}, Limits::min(), Limits::max()}) {
         EXPECT_STREQ(CTime(none).Format("no field of a date"), "");
     }
-}
-
-TEST(PtrArrayTest, KeepsOrderAndRefusesIndicesOutOfRange) {
-    int values[4];
-    CPtrArray array;
-    EXPECT_THROW(array.GetAt(0), std::out_of_range);
-    array.Add(&values[3]);
-    for (INT_PTR i = 0; i < 1000; ++i) {
-        array.InsertAt(0, &values[i % 3]);
-    }
-    EXPECT_TRUE(array[0] == &values[0] && array[1] == &values[2] && array[1000] == &values[3]);
-    for (const INT_PTR index : {-1, 1001}) {
-        EXPECT_THROW(array.GetAt(index), std::out_of_range);
-        EXPECT_THROW(array.InsertAt(index < 0 ? -1 : 1002, nullptr), std::out_of_range);
-    }
-    array.RemoveAll();
-    EXPECT_EQ(array.GetSize(), 0);
 }
 
 }  // namespace

@@ -45,28 +45,5 @@ TEST(MemoryScan, FindsAPlantedTextWhereverItIs) {
     VirtualFree(pages, 0, MEM_RELEASE);
 }
 
-TEST(FreedBlocks, SeeWhatEachFunctionGivesBack) {
-    constexpr size_t kSize = 77;
-    void (*const ways[])(HANDLE) = {
-        [](HANDLE) {
-            void* volatile p = std::malloc(kSize);
-            std::free(p);
-        },
-        [](HANDLE h) { HeapFree(h, 0, HeapAlloc(h, 0, kSize)); },
-        [](HANDLE h) { HeapFree(h, 0, HeapReAlloc(h, 0, HeapAlloc(h, 0, kSize), 2 * kSize)); },
-        [](HANDLE) { LocalFree(LocalAlloc(LMEM_MOVEABLE, kSize)); },
-        [](HANDLE) {
-            LocalFree(LocalReAlloc(LocalAlloc(LMEM_MOVEABLE, kSize), 2 * kSize, LMEM_MOVEABLE));
-        },
-    };
-    for (const auto& way : ways) {
-        int seen = 0;
-        const FreedBlocks freed({nullptr},
-                                [&](const void*, size_t nBytes) { seen += nBytes == kSize; });
-        way(GetProcessHeap());
-        EXPECT_EQ(seen, 1) << &way - ways;
-    }
-}
-
 }  // namespace
 }  // namespace mvp::test
