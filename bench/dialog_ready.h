@@ -3,14 +3,16 @@
 // A dialog is ready when it has been shown, its message loop takes a message that was posted after
 // that, and nothing of it is left to be painted; it is cancelled at once. What it posts to itself
 // while it opens comes before. Only what the loop takes is watched: a watch over messages that are
-// sent would cost both sides as much as the dialog itself. The baseline is the system's modal call on the very same template,
-// with its panel made from a posted message as the library's dialogs do.
+// sent would cost both sides as much as the dialog itself. The baseline is the system's modal call
+// on the very same template, with the panel at its bottom and the same controls shown in that, all
+// made before the dialog shows.
 #pragma once
 
 #include <windows.h>
 
 #include <chrono>
 #include <functional>
+#include <set>
 
 #include "bench.h"
 #include "platform/handle.h"
@@ -51,7 +53,6 @@ private:
     using Clock = std::chrono::steady_clock;
     static constexpr UINT kReady = WM_APP + 77;
     static constexpr int kOpenings = 151;  // single ones scatter widely
-    static constexpr UINT kMakePanel = WM_USER + 1;
 
     struct Bare {
         HMODULE hTexts;
@@ -84,6 +85,8 @@ private:
         } else if (message.message == kReady) {
             RedrawWindow(message.hwnd, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
             s_ready = Clock::now();
+            s_shown.clear();
+            EnumChildWindows(message.hwnd, NoteShown, 0);
             if (whenReady) {
                 whenReady(message.hwnd);
             }
@@ -94,23 +97,49 @@ private:
 
     static INT_PTR CALLBACK PanelProc(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
 
+    // Below everything else; most of a panel's controls are hidden in its template.
+    static void MakePanel(HWND hDialog) {
+        HWND panel = CreateDialogParamA(s_bare.hTexts, MAKEINTRESOURCEA(s_bare.nPanel), hDialog,
+                                        PanelProc, 0);
+        RECT client{};
+        RECT window{};
+        RECT place{};
+        GetClientRect(hDialog, &client);
+        GetWindowRect(hDialog, &window);
+        GetWindowRect(panel, &place);
+        SetWindowPos(hDialog, nullptr, 0, 0, window.right - window.left,
+                     window.bottom - window.top + place.bottom - place.top,
+                     SWP_NOMOVE | SWP_NOZORDER);
+        for (const int id : s_shown) {
+            if (HWND control = GetDlgItem(panel, id)) {
+                ShowWindow(control, SW_SHOW);
+            }
+        }
+        SetWindowPos(panel, nullptr, 0, client.bottom, 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_SHOWWINDOW);
+    }
+
+    static BOOL CALLBACK NoteShown(HWND hControl, LPARAM) {
+        if (IsWindowVisible(hControl)) {
+            s_shown.insert(GetDlgCtrlID(hControl));
+        }
+        return TRUE;
+    }
+
     static INT_PTR CALLBACK BareProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM) {
         if (message == WM_INITDIALOG) {
             if (s_bare.nPanel != 0) {
-                PostMessageA(hWnd, kMakePanel, 0, 0);
+                MakePanel(hWnd);
             }
             ShowWindow(hWnd, SW_SHOW);
-        } else if (message == kMakePanel) {
-            ShowWindow(CreateDialogParamA(s_bare.hTexts, MAKEINTRESOURCEA(s_bare.nPanel), hWnd,
-                                          PanelProc, 0),
-                       SW_SHOW);
         } else if (message == WM_COMMAND && wParam == IDCANCEL) {
             EndDialog(hWnd, IDCANCEL);
         }
         return message == WM_INITDIALOG ? TRUE : FALSE;
     }
 
-    static inline HWND s_hAsked;  // the dialog that the message was posted to last
+    static inline HWND s_hAsked;          // the dialog that the message was posted to last
+    static inline std::set<int> s_shown;  // the controls that were visible in the last dialog
     static inline Clock::time_point s_ready;
     static inline Bare s_bare{};
     HHOOK m_taken;
