@@ -70,13 +70,26 @@ void AskForColours(HWND hEdit, HDC hDC) {
                  reinterpret_cast<WPARAM>(hDC), reinterpret_cast<LPARAM>(hEdit));
 }
 
-void SetColours(HDC hDC, CellColours colours) {
-    if (colours == CellColours::Selected) {
-        SetTextColor(hDC, GetSysColor(COLOR_HIGHLIGHTTEXT));
-        SetBkColor(hDC, GetSysColor(COLOR_HIGHLIGHT));
-    } else if (colours == CellColours::Grey) {
-        SetTextColor(hDC, GetSysColor(COLOR_GRAYTEXT));
+struct TextColours {
+    COLORREF text;
+    COLORREF ground;
+};
+
+TextColours ColoursFor(CellColours colours, const TextColours& plain) {
+    switch (colours) {
+        case CellColours::Selected:
+            return {GetSysColor(COLOR_HIGHLIGHTTEXT), GetSysColor(COLOR_HIGHLIGHT)};
+        case CellColours::Grey:
+            return {GetSysColor(COLOR_GRAYTEXT), plain.ground};
+        case CellColours::Plain:
+            break;
     }
+    return plain;
+}
+
+POINT PlaceOfCharacter(HWND hEdit, WPARAM nIndex) {
+    const LRESULT corner = SendMessageA(hEdit, EM_POSFROMCHAR, nIndex, 0);
+    return {static_cast<short>(LOWORD(corner)), static_cast<short>(HIWORD(corner))};
 }
 
 }  // namespace
@@ -96,26 +109,25 @@ void DrawShownSecret(HWND hEdit, char chMask, std::string_view secret) {
     HDC device = context.Get();
     AskForColours(hEdit, device);
     const CellState state = StateOf(hEdit);
+    const TextColours plain{GetTextColor(device), GetBkColor(device)};
     const int width = context.WidthOf(chMask);
+    // The masks lie at equal distances; to ask for the place of each takes longer than all else.
+    const auto [first, top] = PlaceOfCharacter(hEdit, 0);
+    const LONG step = secret.size() > 1 ? PlaceOfCharacter(hEdit, 1).x - first : width;
     TEXTMETRICA metrics{};
     GetTextMetricsA(device, &metrics);
     SetTextAlign(device, TA_CENTER | TA_TOP);
     SetBkMode(device, TRANSPARENT);
     // All the grounds first: what is wider than a digit reaches into the cells beside its own.
     for (const bool ground : {true, false}) {
-        int index = 0;
-        for (const char& character : secret) {
-            const LRESULT place =
-                SendMessageA(hEdit, EM_POSFROMCHAR, static_cast<WPARAM>(index), 0);
-            const int left = static_cast<short>(LOWORD(place));
-            const int top = static_cast<short>(HIWORD(place));
-            const RECT cell{left, top, left + width, top + static_cast<int>(metrics.tmHeight)};
-            const int saved = SaveDC(device);
-            SetColours(device, ColoursOf(state, index));
+        for (std::size_t i = 0; i < secret.size(); ++i) {
+            const LONG left = first + static_cast<LONG>(i) * step;
+            const RECT cell{left, top, left + width, top + metrics.tmHeight};
+            const TextColours colours = ColoursFor(ColoursOf(state, static_cast<int>(i)), plain);
+            SetTextColor(device, colours.text);
+            SetBkColor(device, colours.ground);
             ExtTextOutA(device, left + (width + 1) / 2, top, ground ? ETO_OPAQUE : 0, &cell,
-                        &character, ground ? 0 : 1, nullptr);
-            RestoreDC(device, saved);
-            ++index;
+                        &secret[i], ground ? 0 : 1, nullptr);
         }
     }
 }
