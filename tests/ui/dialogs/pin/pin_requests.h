@@ -8,6 +8,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -82,8 +83,7 @@ inline void Leave(Dialog& d) {
 
 struct ChangePinRequest {
     struct Output {
-        const std::string marks = std::string(256, '\x7F');
-        std::string text = marks;
+        std::array<char, 256> text = Marked();
         std::uint32_t cb = PinRequest::kUntouchedLength;
         char* pszText = text.data();
         std::uint32_t* pcbText = &cb;
@@ -91,15 +91,25 @@ struct ChangePinRequest {
         Output() = default;
         Output(const Output&) = delete;
         Output& operator=(const Output&) = delete;
-        bool IsUntouched() const { return text == marks && cb == PinRequest::kUntouchedLength; }
-        // The PIN when it ends with a zero and nothing was written behind.
+        bool IsUntouched() const { return text == Marked() && cb == PinRequest::kUntouchedLength; }
+        // The PIN when it ends with a zero and nothing was written behind; else why not.
         std::string Pin() const {
             if (IsUntouched()) {
                 return "(none)";
             }
-            const std::string pin = text.substr(0, std::min<std::size_t>(cb, text.size() - 1));
-            const bool isWhole = text == pin + '\0' + marks.substr(pin.size() + 1);
-            return isWhole ? pin : "no terminator, or written behind " + std::to_string(cb);
+            if (cb >= text.size() || text.at(cb) != '\0') {
+                return "no terminator at " + std::to_string(cb);
+            }
+            if (!std::equal(text.begin() + cb + 1, text.end(), Marked().begin() + cb + 1)) {
+                return "written behind " + std::to_string(cb);
+            }
+            return {text.data(), cb};
+        }
+
+        static constexpr std::array<char, 256> Marked() {
+            std::array<char, 256> buffer{};
+            buffer.fill('\x7F');
+            return buffer;
         }
     };
 
