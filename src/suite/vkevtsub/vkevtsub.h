@@ -20,8 +20,9 @@
 // subscribers, to raise events, to send messages to windows. An exception that leaves HandleEvent
 // is dropped.
 //
-// The module's threads start with the first subscriber and end a second after the last one unsubscribed.
-// They keep the module loaded until they have left its code, so it may be freed at any time.
+// The module's threads start with the first subscriber and end a second after the last one
+// unsubscribed. They keep the module loaded until they have left its code, so it may be freed at
+// any time.
 #pragma once
 
 #if defined(VKEVTSUB_EXPORTS)
