@@ -297,6 +297,19 @@ TEST_F(PopupTest, MayGoInEveryStateAndKeepsNothing) {
     ExpectRoundsKeepNothing(20, 60, live, {.objects = 4, .threads = 2, .privateBytes = 4 << 20});
 }
 
+TEST_F(PopupTest, MayEndInItsOwnLinkBesideAnother) {
+    Popup other;
+    EXPECT_TRUE(other.Create(m_host) && other.InitWindow(m_host, DIALOG_POPUP_NO_READER, 0));
+    for (const bool whole : {false, true}) {
+        EXPECT_TRUE(Init(DIALOG_POPUP_CARD_ALERT));
+        m_popup->Show();
+        m_popup->onLink = [&] { whole ? m_popup.reset() : void(m_popup->DestroyWindow()); };
+        const HWND window = *m_popup;
+        Click(Controls()[2]);
+        EXPECT_TRUE(!IsWindow(window) && IsWindow(other));
+    }
+}
+
 // --- what the administrator says, from the registry to what is seen ---
 
 // One value in the place of what a popup is set up with.

@@ -11,8 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include <vkevtsub/vkevtsub.h>
-
 #include "mvpingui/popup_alert.h"
 #include "richtext/control/html_static.h"
 #include "services/card_removed_message.h"
@@ -99,6 +97,16 @@ struct Canvas {
 struct Popup : CPopupAlert {
     using CPopupAlert::GenerateRegion;
     using CPopupAlert::Get24BitPixels;
+    std::function<void()> onLink;
+
+protected:
+    LRESULT WindowProc(UINT nMessage, WPARAM wParam, LPARAM lParam) override {
+        if (const auto act = onLink; act && nMessage == WM_POPUP_LINK_CLICKED) {
+            act();
+            return 0;
+        }
+        return CPopupAlert::WindowProc(nMessage, wParam, lParam);
+    }
 };
 
 class PopupTest : public LibraryTest {
@@ -179,11 +187,6 @@ protected:
             }
         }
         return std::to_string(window) + " " + std::to_string(thread);
-    }
-
-    static void RemoveCard(const char* pszReader = "Reader A") {
-        VKRaiseEvent(VKEVENT_CARD_REMOVED, pszReader);
-        VKWaitForIdle(10'000);
     }
 
     // From top to bottom.
