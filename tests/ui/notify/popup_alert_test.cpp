@@ -302,7 +302,6 @@ TEST_F(PopupTest, MayEndInItsOwnLinkBesideAnother) {
     EXPECT_TRUE(other.Create(m_host) && other.InitWindow(m_host, DIALOG_POPUP_NO_READER, 0));
     for (const bool whole : {false, true}) {
         EXPECT_TRUE(Init(DIALOG_POPUP_CARD_ALERT));
-        m_popup->Show();
         m_popup->onLink = [&] { whole ? m_popup.reset() : void(m_popup->DestroyWindow()); };
         const HWND window = *m_popup;
         Click(Controls()[2]);

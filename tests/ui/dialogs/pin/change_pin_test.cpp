@@ -57,7 +57,8 @@ TEST_F(ChangePin, HandsOutBothPins) {
                 EXPECT_TRUE(d.IsEnabled(IDOK));
                 byEnter ? d.Enter() : d.Click(IDOK);
             };
-            EXPECT_EQ(ChangePinRequest{.pRules = rules}.Ask(enter), current + "/" + pin);
+            EXPECT_EQ(ChangePinRequest{.pRules = rules}.Ask(enter),
+                      std::string(current).append("/").append(pin));
         }
     }
 }
