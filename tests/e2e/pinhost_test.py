@@ -389,7 +389,7 @@ class PinHostTest(unittest.TestCase):
                 (2, "usage", [], 0, "otp", "--disabled"),
                 (1, "removed", closed, 20000, "card-alert", "--stay", "60",
                  "--remove-card-after", "50"),
-                (1, "removed", closed, 20000, "otp", "--otp-after", "60000",
+                (1, "removed", closed, 20000, "otp", "--otp-after", "60000", "--reader", "Reader B",
                  "--remove-card-after", "50")):
             with self.subTest(arguments):
                 actual, told, messages, hears = self.popup(*arguments)
@@ -399,6 +399,12 @@ class PinHostTest(unittest.TestCase):
         self.check_picture("a.png")
         self.check_picture("film/strip.png")
         self.check_picture("film/05.png")
+
+    def test_a_notice_stays_as_long_as_the_pointer(self):
+        code, told, messages, _ = self.popup("card-alert", "--message", "<b>Later</b>", "--beep",
+                                             "--stay", "1", "--hover", "3000")
+        self.assertEqual((code, told["result"]), (0, "shown"))
+        self.assertGreaterEqual(messages[0]["after"] - told["stoodAfter"], 3000)
 
     def test_a_one_time_password_is_shown_for_its_time(self):
         code, told, messages, _ = self.popup("otp", "--otp", "<b>740 291</b>", "--otp-after", "500",
