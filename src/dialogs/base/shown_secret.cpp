@@ -40,7 +40,8 @@ private:
 
 class HiddenCaret {
 public:
-    explicit HiddenCaret(HWND hEdit) : m_hEdit(HideCaret(hEdit) ? hEdit : nullptr) {}
+    explicit HiddenCaret(HWND hEdit)
+        : m_hEdit(GetFocus() == hEdit && HideCaret(hEdit) ? hEdit : nullptr) {}
     HiddenCaret(const HiddenCaret&) = delete;
     HiddenCaret& operator=(const HiddenCaret&) = delete;
     ~HiddenCaret() {
