@@ -179,7 +179,7 @@ bool EventDispatcher::TakeEvent(Event& event, std::shared_ptr<CardWatch>& watch)
     while (m_queue.empty()) {
         const bool lingers = m_subscriptions.empty();
         if (!SleepConditionVariableCS(&m_wake, m_lock.get(), lingers ? kLingerMs : INFINITE) &&
-            lingers && m_subscriptions.empty()) {
+            lingers && m_subscriptions.empty() && m_queue.empty()) {
             m_thread = nullptr;
             m_nThreadId = 0;
             watch = std::exchange(m_watch, nullptr);
