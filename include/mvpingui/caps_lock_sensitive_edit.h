@@ -5,8 +5,13 @@
 // library's words. On the oldest system, whose edits have none, the control makes its own balloon
 // and shows and hides it by the focus and the keys.
 //
-// What was typed is overwritten inside the system's control before its window goes, and a selection
-// before it is deleted, so undoing does not bring it back.
+// What is typed stays in locked memory of the control's own; the system's control gets one mask for
+// each character, whatever its style. Nobody but the code of the window's own thread is told the
+// text: by ReadSecret at any time; by WM_GETTEXT and EM_GETLINE unless the thread is handling a
+// message that another one sent, which might be the one that asks. From other threads and processes
+// no text can be set by message either. Nothing can be copied, cut or undone; a text can be pasted.
+// An edit without ES_PASSWORD gets it, and keeps it. EN_ERRSPACE tells that there is no memory for
+// more. A text that is given at creation is ignored.
 //
 // Bind it to a dialog's edit by data exchange or SubclassDlgItem. A dialog that moves calls
 // ResetToolTip, so that no balloon stays behind.
@@ -15,6 +20,10 @@
 #include <dlgfw/controls.h>
 #include <mvpingui/export.h>
 
+namespace mvp {
+class SecretField;
+}
+
 class MVPINGUI_API CCapsLockSensitiveEdit : public CEdit {
 public:
     CCapsLockSensitiveEdit();
@@ -22,12 +31,18 @@ public:
     ~CCapsLockSensitiveEdit() override;
 
     // Sets `strSecret` to what was typed: the one way out for it. The caller overwrites its copy
-    // with CBaseDialog::HidePinFromMemory. False, and an empty text, when there is no memory.
+    // with CBaseDialog::HidePinFromMemory. False, and an empty text, when there is no memory and on
+    // any thread but the window's.
     bool ReadSecret(CString& strSecret) const;
 
-    // Shows what the edit holds, which must have ES_PASSWORD and be bound: the system draws nothing
-    // but masks, and the control each character by itself over its own. For codes that are copied
-    // from paper or read out.
+    // Sets the text, or takes it away, as WM_SETTEXT does. False when there is no memory: the text
+    // is empty then.
+    bool WriteSecret(LPCSTR lpszSecret);
+    void Empty() { WriteSecret(""); }
+
+    // Shows what the edit holds, which must be bound: the system draws nothing but masks, and the
+    // control each character by itself over its own. For codes that are copied from paper or read
+    // out.
     void ShowText();
 
     // true (the default): the warning speaks of the PIN; false: of the password.
@@ -41,8 +56,9 @@ public:
     void CheckCapsLockMessage();
 
 protected:
+    BOOL PreCreateWindow(CREATESTRUCTA& cs) override;
+    void PreSubclassWindow() override;
     LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
-    BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     afx_msg void OnDestroy();
     afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
@@ -61,6 +77,12 @@ private:
     // library.
     static constexpr int kTextSize = 260;
 
+    friend class mvp::SecretField;
+
+    // What the system's control does by itself.
+    LRESULT SystemProc(UINT message, WPARAM wParam, LPARAM lParam) {
+        return CEdit::DefWindowProc(message, wParam, lParam);
+    }
     void CreateBalloon();
     void AddTool();
     void PlaceOwnBalloon();
@@ -81,10 +103,7 @@ private:
     char m_szPinWarning[kTextSize];
     char m_szPasswordWarning[kTextSize];
     bool m_bPinMode = true;
-    // The text changes for the edit's own sake: nobody is told.
-    bool m_bScrubbing = false;
-    // There is room for what is typed.
-    bool m_bPrepared = false;
+    mvp::SecretField* m_pField;  // owned
     // What the system draws in the place of each character that the control shows; 0: it shows
     // none.
     char m_chShownMask = '\0';

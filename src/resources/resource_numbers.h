@@ -192,6 +192,11 @@
 #define IDS_CAPS_LOCK_PASSWORD 3043
 #define IDS_CAPS_LOCK_SYSTEM_BEGIN 3044
 
+// The context menu of an edit that takes a PIN or a code.
+#define IDS_EDIT_MENU_PASTE 3140
+#define IDS_EDIT_MENU_DELETE 3141
+#define IDS_EDIT_MENU_SELECT_ALL 3142
+
 // What a result code tells the user; the code stands behind each. Code 13 has no text.
 #define IDS_ERROR_GENERAL 3059               // 1
 #define IDS_ERROR_CARD_ABSENT 3060           // 2

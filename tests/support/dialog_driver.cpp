@@ -188,10 +188,17 @@ HWND Dialog::Usable(int nId) const {
 }
 
 std::string Dialog::Text(int nId) const {
-    std::string text(static_cast<size_t>(Send(nId, WM_GETTEXTLENGTH)) + 1, '\0');
-    text.resize(static_cast<size_t>(
-        Send(nId, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    std::string text;
+    Run([&, control = Control(nId)] {
+        text.resize(static_cast<size_t>(GetWindowTextLengthA(control)) + 1);
+        const int length = static_cast<int>(text.size());
+        text.resize(static_cast<size_t>(GetWindowTextA(control, text.data(), length)));
+    });
     return text;
+}
+
+void Dialog::SetText(int nId, const char* pszText) const {
+    Run([=, control = Control(nId)] { SetWindowTextA(control, pszText); });
 }
 
 LRESULT Dialog::Send(int nId, UINT nMessage, WPARAM wParam, LPARAM lParam) const {

@@ -62,6 +62,8 @@ public:
     bool IsVisible(int nId) const { return IsWindowVisible(Control(nId)) != FALSE; }
     bool IsChecked(int nId) const { return Send(nId, BM_GETCHECK) == BST_CHECKED; }
     std::string Text(int nId) const;
+    // As the dialog's own code would: nobody else may set a PIN.
+    void SetText(int nId, const char* pszText) const;
     LRESULT Send(int nId, UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0) const;
     int FocusedId() const;  // 0: no control has the focus
 

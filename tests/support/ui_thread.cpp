@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/barrier.h"
+#include "support/waiting.h"
 
 namespace mvp::test {
 namespace {
@@ -17,12 +18,14 @@ constexpr UINT kMarkMessage = WM_APP + 1;
 struct Work {
     const std::function<void()>& function;
     std::exception_ptr error;
+    std::atomic<bool> bDone = false;
 };
 
 LRESULT CALLBACK WindowProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     if (nMessage == kRunMessage) {
         Work& work = *reinterpret_cast<Work*>(lParam);
         Guarded([&] { work.function(); }, [&] { work.error = std::current_exception(); });
+        work.bDone = true;
     } else if (nMessage == kMarkMessage) {
         *reinterpret_cast<std::atomic<WPARAM>*>(lParam) = wParam;
     }
@@ -46,11 +49,15 @@ UiThread::UiThread()
 }
 
 void UiThread::Run(const std::function<void()>& work, std::chrono::milliseconds timeout) {
+    if (GetCurrentThreadId() == m_dwThreadId) {
+        work();
+        return;
+    }
     Work item{work, nullptr};
-    DWORD_PTR result = 0;
+    // Posted: within a message that another thread sent, edits with a PIN do not tell the text.
+    PostMessageA(m_window.get(), kRunMessage, 0, reinterpret_cast<LPARAM>(&item));
     // The thread may have begun with the work, which refers to this frame: there is no way back.
-    if (SendMessageTimeoutA(m_window.get(), kRunMessage, 0, reinterpret_cast<LPARAM>(&item),
-                            SMTO_ABORTIFHUNG, static_cast<UINT>(timeout.count()), &result) == 0) {
+    if (!WaitFor(timeout, [&] { return item.bDone.load(); })) {
         EndTestProcess("the dialog's thread did no work for " + std::to_string(timeout.count()) +
                        " ms");
     }

@@ -9,15 +9,13 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/caps_lock_balloon.h"
-#include "dialogs/base/edit_scrubber.h"
+#include "dialogs/base/secret_field.h"
 #include "dialogs/base/shown_secret.h"
-#include "mvpingui/base_dialog.h"
 #include "platform/barrier.h"
 #include "platform/own_module.h"
 #include "resources/resource_numbers.h"
 #include "services/log.h"
 #include "services/resource_module.h"
-#include "services/text_view.h"
 
 BEGIN_MESSAGE_MAP(CCapsLockSensitiveEdit, CEdit)
     ON_WM_DESTROY()
@@ -66,41 +64,6 @@ void Widen(const char* pszText, wchar_t (&wide)[Size]) {
     wide[Size - 1] = L'\0';
 }
 
-// Whether the control may put text into itself.
-bool InsertsText(UINT message, LPARAM lParam) {
-    switch (message) {
-        case WM_SETTEXT:
-        case EM_REPLACESEL: {
-            const auto* text = reinterpret_cast<const char*>(lParam);
-            return text != nullptr && *text != '\0';
-        }
-        case WM_CHAR:
-        case WM_UNICHAR:
-        case WM_IME_CHAR:
-        case WM_IME_STARTCOMPOSITION:
-        case WM_IME_COMPOSITION:
-        case WM_PASTE:
-            return true;
-        default:
-            return false;
-    }
-}
-
-// Whether the control is certain to delete what is selected.
-bool DeletesSelection(UINT message, WPARAM wParam) {
-    constexpr WPARAM kDeleteWord = 0x7F;  // the character of Ctrl+Backspace, which is ignored
-    switch (message) {
-        case WM_CLEAR:
-            return true;
-        case WM_KEYDOWN:
-            return wParam == VK_DELETE && GetKeyState(VK_SHIFT) >= 0;
-        case WM_CHAR:
-            return wParam == VK_BACK || (wParam >= ' ' && wParam != kDeleteWord);
-        default:
-            return false;
-    }
-}
-
 // Whether the control may look different afterwards. Systems draw what changes at once, without
 // WM_PAINT.
 bool ChangesLooks(UINT message, WPARAM wParam) {
@@ -145,7 +108,8 @@ TOOLINFOA ToolOf(HWND hEdit, UINT_PTR uId) {
 
 }  // namespace
 
-CCapsLockSensitiveEdit::CCapsLockSensitiveEdit() : m_bOldSystem(IsSystemWithoutWarning()) {
+CCapsLockSensitiveEdit::CCapsLockSensitiveEdit()
+    : m_bOldSystem(IsSystemWithoutWarning()), m_pField(new mvp::SecretField(*this)) {
     LoadText(IDS_CAPS_LOCK_TITLE, kDefaultTitle, m_szTitle);
     LoadText(IDS_CAPS_LOCK_PIN, kDefaultPinWarning, m_szPinWarning);
     LoadText(IDS_CAPS_LOCK_PASSWORD, kDefaultPasswordWarning, m_szPasswordWarning);
@@ -157,14 +121,22 @@ CCapsLockSensitiveEdit::~CCapsLockSensitiveEdit() {
     if (m_hBalloon != nullptr) {
         ::DestroyWindow(m_hBalloon);
     }
+    delete m_pField;
 }
 
 bool CCapsLockSensitiveEdit::ReadSecret(CString& strSecret) const {
-    return mvp::Guarded([&] { GetWindowText(strSecret); },
-                        [&] {
-                            mvp::LogException("CCapsLockSensitiveEdit::ReadSecret")();
-                            strSecret.Empty();
-                        });
+    return mvp::Guarded(
+        false, [&] { return m_pField->Read(strSecret); },
+        [&] {
+            mvp::LogException("CCapsLockSensitiveEdit::ReadSecret")();
+            strSecret.Empty();
+        });
+}
+
+bool CCapsLockSensitiveEdit::WriteSecret(LPCSTR lpszSecret) {
+    return mvp::Guarded(
+        false, [&] { return m_hWnd != nullptr && m_pField->Write(lpszSecret) != FALSE; },
+        mvp::LogException("CCapsLockSensitiveEdit::WriteSecret"));
 }
 
 void CCapsLockSensitiveEdit::ShowText() {
@@ -175,57 +147,39 @@ void CCapsLockSensitiveEdit::ShowText() {
     }
 }
 
+BOOL CCapsLockSensitiveEdit::PreCreateWindow(CREATESTRUCTA& cs) {
+    cs.style |= ES_PASSWORD;
+    // The window would keep it for good.
+    cs.lpszName = nullptr;
+    return CEdit::PreCreateWindow(cs);
+}
+
+void CCapsLockSensitiveEdit::PreSubclassWindow() {
+    CEdit::PreSubclassWindow();
+    m_pField->TakeOver(m_hWnd);
+}
+
 void CCapsLockSensitiveEdit::OnPaint() {
     CEdit::OnPaint();
-    CString text;
-    if (m_chShownMask != '\0' && ReadSecret(text) && !text.IsEmpty()) {
-        mvp::DrawShownSecret(m_hWnd, m_chShownMask, mvp::View(text));
-        CBaseDialog::HidePinFromMemory(text);
+    if (m_chShownMask != '\0') {
+        mvp::DrawShownSecret(m_hWnd, m_chShownMask, m_pField->Text());
     }
 }
 
 void CCapsLockSensitiveEdit::OnDestroy() {
-    m_bScrubbing = true;
-    mvp::ScrubEdit(m_hWnd);
-    m_bScrubbing = false;
+    m_pField->Clear();
     CEdit::OnDestroy();
 }
 
 LRESULT CCapsLockSensitiveEdit::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (m_bScrubbing) {
-        return CEdit::DefWindowProc(message, wParam, lParam);
-    }
-    m_bScrubbing = true;
-    bool scrubbed = false;
-    // Not before there is something to keep: it takes the system longer than all else that a dialog
-    // does to open. What nobody can type into never grows.
-    if (!m_bPrepared && InsertsText(message, lParam) && (GetStyle() & ES_READONLY) == 0) {
-        m_bPrepared = true;
-        if (GetWindowTextLength() == 0) {
-            mvp::PrepareEditForSecret(m_hWnd);
-        }
-    }
-    if (message == WM_SETTEXT && GetWindowTextLength() != 0) {
-        mvp::ScrubEdit(m_hWnd);
-    } else if (DeletesSelection(message, wParam) && (GetStyle() & ES_READONLY) == 0) {
-        scrubbed = mvp::ScrubSelection(m_hWnd);
-    }
-    m_bScrubbing = false;
+    // The object may go with the message.
     const HWND window = m_hWnd;
     const bool looks = m_chShownMask != '\0' && ChangesLooks(message, wParam);
-    const LRESULT result = CEdit::DefWindowProc(message, wParam, lParam);
-    if (scrubbed) {
-        ::SendMessageA(window, EM_EMPTYUNDOBUFFER, 0, 0);
-    }
+    const LRESULT result = m_pField->Process(message, wParam, lParam);
     if (looks) {
         ::InvalidateRect(window, nullptr, FALSE);
     }
     return result;
-}
-
-BOOL CCapsLockSensitiveEdit::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam,
-                                           LRESULT* pResult) {
-    return m_bScrubbing || CEdit::OnChildNotify(message, wParam, lParam, pResult);
 }
 
 void CCapsLockSensitiveEdit::ResetToolTip() {

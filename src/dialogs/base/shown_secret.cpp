@@ -104,7 +104,10 @@ char MaskForDigits(HWND hEdit) {
         kDigits, {}, [&](char digit) { return widths.at(static_cast<std::size_t>(digit)); });
 }
 
-void DrawShownSecret(HWND hEdit, char chMask, std::string_view secret) {
+void DrawShownSecret(HWND hEdit, char chMask, std::wstring_view secret) {
+    if (secret.empty()) {
+        return;
+    }
     const HiddenCaret hidden(hEdit);
     const EditContext context(hEdit);
     HDC device = context.Get();
@@ -127,7 +130,7 @@ void DrawShownSecret(HWND hEdit, char chMask, std::string_view secret) {
             const TextColours colours = ColoursFor(ColoursOf(state, static_cast<int>(i)), plain);
             SetTextColor(device, colours.text);
             SetBkColor(device, colours.ground);
-            ExtTextOutA(device, left + (width + 1) / 2, top, ground ? ETO_OPAQUE : 0, &cell,
+            ExtTextOutW(device, left + (width + 1) / 2, top, ground ? ETO_OPAQUE : 0, &cell,
                         &secret[i], ground ? 0 : 1, nullptr);
         }
     }

@@ -34,6 +34,6 @@ constexpr CellColours ColoursOf(const CellState& state, int nCell) {
 char MaskForDigits(HWND hEdit);
 
 // Draws `secret` over the masks that the edit, whose mask is `chMask`, has drawn.
-void DrawShownSecret(HWND hEdit, char chMask, std::string_view secret);
+void DrawShownSecret(HWND hEdit, char chMask, std::wstring_view secret);
 
 }  // namespace mvp

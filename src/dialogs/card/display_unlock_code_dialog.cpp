@@ -46,7 +46,7 @@ void CDisplayUCChild::DoDataExchange(CDataExchange* pDX) {
     // The code is shown and never read back.
     if (!pDX->m_bSaveAndValidate) {
         m_editCode.ShowText();
-        DDX_Text(pDX, IDC_UNLOCK_CODE_CODE, m_strCode);
+        m_editCode.WriteSecret(m_strCode);
     }
 }
 

@@ -83,8 +83,8 @@ BOOL CResetCardDialog::OnInitDialog() {
     const BOOL result = CBaseDialog::OnInitDialog();
     m_editResponse.ShowText();
     m_editUnlockCode.ShowText();
-    m_editPin.SetWindowText("");
-    m_editResponse.SetWindowText("");
+    m_editPin.Empty();
+    m_editResponse.Empty();
     m_editUnlockCode.SetFocus();
     CheckDlgButton(IDC_RESET_CARD_PIN_ROUTE, BST_CHECKED);
     m_bPinMode = 1;
@@ -214,7 +214,7 @@ void CResetCardDialog::CheckWindow(int bClear) {
             const CCapsLockSensitiveEdit& active = ActiveEdit();
             for (CCapsLockSensitiveEdit* edit : {&m_editPin, &m_editResponse, &m_editUnlockCode}) {
                 if (edit->m_hWnd != nullptr && (edit != &active || bClear != 0)) {
-                    edit->SetWindowText("");
+                    edit->Empty();
                 }
             }
             FocusActiveEdit();
@@ -228,7 +228,7 @@ void CResetCardDialog::DisablePIN() {
     const mvp::LogScope scope("CResetCardDialog::DisablePIN");
     mvp::Guarded(
         [this] {
-            m_editPin.SetWindowText("");
+            m_editPin.Empty();
             EnableControl(*this, IDC_RESET_CARD_PIN_EDIT, false);
             CheckDlgButton(IDC_RESET_CARD_PIN_ROUTE, BST_UNCHECKED);
             EnableControl(*this, IDC_RESET_CARD_PIN_ROUTE, false);

@@ -139,7 +139,7 @@ TEST_F(InitializePin, FailureIsToldAndLeavesWhatWasTyped) {
         m_initialize = [&] {
             // It is not called again meanwhile, and what is typed is judged when it is over.
             SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
-            SetDlgItemTextA(d.Handle(), kNew, "1");
+            d.SetText(kNew, "1");
             return 1;
         };
         d.Click(IDOK);

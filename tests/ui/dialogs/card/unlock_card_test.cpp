@@ -60,9 +60,9 @@ struct Card {
 };
 
 void Fill(const Dialog& d) {
-    SetDlgItemTextA(d.Handle(), kCode, "1234-5678-9abc-def0");
-    SetDlgItemTextA(d.Handle(), kNew, "5838");
-    SetDlgItemTextA(d.Handle(), kConfirm, "5838");
+    d.SetText(kCode, "1234-5678-9abc-def0");
+    d.SetText(kNew, "5838");
+    d.SetText(kConfirm, "5838");
 }
 
 // Confirms the dialog over `d`, and returns what it tells.
@@ -190,7 +190,7 @@ TEST_F(UnlockCard, TellsTheHelpDesksNumber) {
 TEST_F(UnlockCard, OkFollowsEveryEdit) {
     const PatchedImports boxes("dlgfw.dll", {{"MessageBoxA", Address(&TakeBox)}});
     const auto expect = [](Dialog& d, int nEdit, const char* pszText, bool bAllowed) {
-        SetDlgItemTextA(d.Handle(), nEdit, pszText);
+        d.SetText(nEdit, pszText);
         EXPECT_EQ(d.IsEnabled(IDOK), bAllowed) << pszText;
         if (!bAllowed) {  // the command comes without the button, too
             SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
@@ -299,7 +299,7 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
         EXPECT_EQ(Card{.nMissing = missing}.Ask(), -1);
     }
     Card{.bBare = true}.Ask([](Dialog& d) {
-        SetDlgItemTextA(d.Handle(), kCode, "0123456789ABCDEF");  // an empty PIN breaks no rule
+        d.SetText(kCode, "0123456789ABCDEF");  // an empty PIN breaks no rule
         d.Click(IDOK);
         EXPECT_EQ(Confirm(d, IDC_UNLOCK_RESULT_MESSAGE),
                   Filled(IDS_UNLOCK_FAILED_FORMAT, ErrorText(MVPINGUI_CARD_FAILED)));

@@ -86,7 +86,7 @@ TEST_F(EnterPin, CountsWhatIsHandledFirst) {
         {'O', [](Dialog& d) { SendCommand(d, IDOK); }},
         {'C', [](Dialog& d) { SendCommand(d, IDCANCEL); }},
         {'R', [=](Dialog& d) { SendMessageA(d.Handle(), removed, 1, 0); }},
-        {'x', [](Dialog& d) { SetDlgItemTextA(d.Handle(), IDC_ENTER_PIN_EDIT, "1"); }},
+        {'x', [](Dialog& d) { d.SetText(IDC_ENTER_PIN_EDIT, "1"); }},
         {'o', [](Dialog& d) { PostMessageA(d.Handle(), WM_COMMAND, IDOK, 0); }},
         {'r', [](Dialog&) { RemoveCard(); }}};  // which is posted, too
     for (const auto& [order, pin] : {std::pair<std::string, const char*>{"OxO", "1234"},

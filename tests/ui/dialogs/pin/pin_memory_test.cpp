@@ -1,12 +1,10 @@
-// A request whose PIN buffer cannot be had, and what an edit with a long text leaves.
+// A request whose PIN buffer cannot be had.
 #include <atomic>
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
 
-#include "dialogs/base/edit_scrubber.h"
 #include "support/memory_scan.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/dialogs/pin/pin_requests.h"
@@ -53,23 +51,6 @@ TEST_F(EnterPinWithoutMemory, IsRefusedAndHoldsTheGuard) {
     EXPECT_EQ(request.Outcome(MVPINGUI_REFUSED), kRefused);
     EXPECT_EQ(Module().nPinDialogInProgress, 0);
     watch.ExpectNothingLeft("no memory");
-}
-
-// What the control copies of so long a text lies in blocks that it has freed.
-TEST(Scrubbing, ReachesTheEndOfALongText) {
-    const Secret pin;
-    HWND edit = CreateWindowExA(0, "EDIT", "", WS_POPUP | ES_PASSWORD | ES_AUTOHSCROLL, 0, 0, 100,
-                                20, nullptr, nullptr, nullptr, nullptr);
-    SetWindowTextA(edit, std::string(600, 'x').c_str());
-    SendMessageA(edit, EM_SETSEL, 600, 600);
-    for (size_t i = 0; i < Secret::kLength; ++i) {
-        SendMessageA(edit, WM_CHAR, static_cast<unsigned char>(pin[i]), 1);
-    }
-    ScrubEdit(edit);
-    for (const MemoryHit& hit : ScanOwnMemory(pin)) {
-        EXPECT_FALSE(hit.bInUse) << hit;
-    }
-    DestroyWindow(edit);
 }
 
 }  // namespace

@@ -47,11 +47,8 @@ void DeleteAndCancel(Dialog& d, const Secret& pin) {
         UINT nMessage;
         WPARAM wParam;
         LRESULT nLeft;
-    } deletions[] = {{WM_CLEAR, 0, 0},
-                     {WM_KEYDOWN, VK_DELETE, 0},
-                     {WM_CHAR, VK_BACK, 0},
-                     {WM_SETTEXT, 0, 0},
-                     {WM_CHAR, 'x', 1}};
+    } deletions[] = {
+        {WM_CLEAR, 0, 0}, {WM_KEYDOWN, VK_DELETE, 0}, {WM_CHAR, VK_BACK, 0}, {WM_CHAR, 'x', 1}};
     for (const auto& deletion : deletions) {
         d.Send(IDC_ENTER_PIN_EDIT, EM_SETSEL, 0, -1);
         d.Send(IDC_ENTER_PIN_EDIT, deletion.nMessage, deletion.wParam);
