@@ -165,6 +165,12 @@ std::size_t NarrowLength(std::wstring_view text) noexcept {
 }
 
 std::size_t CopyNarrow(std::wstring_view text, char* pTarget, std::size_t nRoom) noexcept {
+    const std::size_t length = NarrowLength(text);
+    if (length <= nRoom) {
+        return static_cast<std::size_t>(
+            WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), pTarget,
+                                static_cast<int>(length), nullptr, nullptr));
+    }
     std::array<char, 8> bytes{};
     std::size_t written = 0;
     while (!text.empty()) {

@@ -3,16 +3,19 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <imm.h>
 
-#include "dialogs/base/text_change.h"
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
@@ -64,11 +67,12 @@ public:
 
     std::string strTold;
     std::function<void(WORD nCode)> onTold;
+    bool bDeaf = false;
 
 private:
     static LRESULT CALLBACK Procedure(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
         auto* host = reinterpret_cast<Host*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
-        if (message == WM_COMMAND && lParam != 0) {
+        if (message == WM_COMMAND && lParam != 0 && !host->bDeaf) {
             auto* const edit = reinterpret_cast<HWND>(lParam);
             host->strTold += std::to_string(HIWORD(wParam)) + ":" + StateOf(edit) + " ";
             if (host->onTold) {
@@ -248,26 +252,45 @@ const std::vector<Row>& RowsLikeTheStockControl() {
     return rows;
 }
 
+// What the system's own control holds.
+std::string SystemText(HWND hEdit) {
+    WNDCLASSA info{};
+    GetClassInfoA(nullptr, "EDIT", &info);
+    std::array<char, 64> text{};
+    CallWindowProcA(info.lpfnWndProc, hEdit, WM_GETTEXT, text.size(), At(text.data()));
+    return text.data();
+}
+
+// An edit of a host that has "12345678" in it, the caret behind the third character.
+struct Field : Host {
+    explicit Field(bool bStock = false, DWORD dwStyle = kUsualStyle) : hEdit(MakeEdit(dwStyle)) {
+        if (!bStock) {
+            object.SubclassWindow(hEdit);
+        }
+        SetFocus(hEdit);
+        SetWindowTextA(hEdit, kText);
+        SendMessageA(hEdit, EM_SETSEL, 3, 3);
+        SendMessageA(hEdit, EM_SETMODIFY, FALSE, 0);
+        strTold = "";
+    }
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
+        return SendMessageA(hEdit, message, wParam, lParam);
+    }
+
+    CCapsLockSensitiveEdit object;
+    HWND hEdit;
+};
+
 // All that a host can see of the edit while the row's messages come.
 std::string Watch(const Row& row, bool bStock) {
-    Host host;
-    CCapsLockSensitiveEdit object;
-    const HWND edit = host.MakeEdit(row.dwStyle);
-    if (!bStock) {
-        object.SubclassWindow(edit);
-    }
-    SetFocus(edit);
-    SetWindowTextA(edit, kText);
-    SendMessageA(edit, EM_SETSEL, 3, 3);
-    SendMessageA(edit, EM_SETMODIFY, FALSE, 0);
-    host.strTold = "";
+    const Field field(bStock, row.dwStyle);
     std::string seen;
     const HeldKeys held(row.held);
     for (const Message& message : row.messages) {
-        const LRESULT result = SendMessageA(edit, message.message, message.wParam, message.lParam);
-        seen += std::to_string(result) + "=" + StateOf(edit) + " ";
+        const LRESULT result = field.Send(message.message, message.wParam, message.lParam);
+        seen += std::to_string(result) + "=" + StateOf(field.hEdit) + " ";
     }
-    return seen + "| " + host.strTold;
+    return seen + "| " + field.strTold;
 }
 
 TEST(SecretField, DoesWhatTheStockControlDoes) {
@@ -275,6 +298,266 @@ TEST(SecretField, DoesWhatTheStockControlDoes) {
     for (const Row& row : RowsLikeTheStockControl()) {
         PutOnClipboard(L"paste\r\nno");
         EXPECT_EQ(Watch(row, false), Watch(row, true)) << row.pszWhat;
+    }
+}
+
+TEST(SecretField, FollowsHostsThatChangeTheTextWhenTheyAreToldOfAChange) {
+    const std::function<void(HWND)> answers[] = {
+        [](HWND hEdit) { SetWindowTextA(hEdit, ""); },
+        [](HWND hEdit) { SetWindowTextA(hEdit, "other"); },
+        [](HWND hEdit) { SendMessageA(hEdit, EM_REPLACESEL, FALSE, At("two")); },
+        [](HWND hEdit) { SendMessageA(hEdit, WM_CHAR, VK_BACK, 1); },
+        [](HWND hEdit) { SendMessageA(hEdit, EM_SETSEL, 0, -1); },
+        [](HWND hEdit) { SendMessageA(hEdit, WM_CHAR, 'y', 1); },
+        [](HWND hEdit) { EnableWindow(hEdit, FALSE); },
+    };
+    const Message changes[] = {{WM_CHAR, 'x'},
+                               {WM_CHAR, VK_BACK},
+                               {EM_REPLACESEL, 0, At("abc")},
+                               {WM_SETTEXT, 0, At("new")},
+                               {WM_CLEAR},
+                               {WM_PASTE}};
+    PutOnClipboard(L"paste");
+    for (const int code : {EN_UPDATE, EN_CHANGE}) {
+        for (const auto& answer : answers) {
+            for (const Message& change : changes) {
+                std::string seen[2];
+                for (const bool stock : {false, true}) {
+                    Field field(stock);
+                    field.Send(EM_SETSEL, 2, 5);
+                    field.onTold = [&, done = false](WORD nCode) mutable {
+                        if (nCode == code && !std::exchange(done, true)) {
+                            answer(field.hEdit);
+                        }
+                    };
+                    field.Send(change.message, change.wParam, change.lParam);
+                    seen[stock ? 1 : 0] = field.strTold + "| " + StateOf(field.hEdit);
+                }
+                EXPECT_EQ(seen[0], seen[1])
+                    << code << ", " << change.message << " and answer " << &answer - answers;
+            }
+        }
+    }
+}
+
+// By WM_SETTEXT: the stock control itself does not survive it in the middle of a character.
+TEST(SecretField, MayBeDeletedWhenItTellsOfAChange) {
+    Host host;
+    auto object = std::make_unique<CCapsLockSensitiveEdit>();
+    const HWND edit = host.MakeEdit(kUsualStyle);
+    object->SubclassWindow(edit);
+    host.onTold = [&](WORD) { object.reset(); };
+    SetWindowTextA(edit, "new");
+    EXPECT_FALSE(IsWindow(edit));
+}
+
+// What the stock control does, and this one does not, be it typed, sent or chosen from a menu.
+TEST(SecretField, KeepsItsTextFromClipboardUndoingAndInputMethods) {
+    const Row rows[] = {
+        {"WM_COPY", {{WM_COPY}}},
+        {"WM_CUT", {{WM_CUT}}},
+        {"Ctrl+C", {{WM_CHAR, 0x03}}, {VK_CONTROL}},
+        {"Ctrl+X", {{WM_CHAR, 0x18}}, {VK_CONTROL}},
+        {"Ctrl+Insert", {{WM_KEYDOWN, VK_INSERT}}, {VK_CONTROL}},
+        {"Shift+Delete", {{WM_KEYDOWN, VK_DELETE}}, {VK_SHIFT}},
+        {"WM_UNDO", {{WM_UNDO}}},
+        {"EM_UNDO", {{EM_UNDO}, {EM_CANUNDO}}},
+        {"Ctrl+Z", {{WM_CHAR, 0x1A}}, {VK_CONTROL}},
+        {"a choice of the control's own menu", {{WM_COMMAND, WM_PASTE}, {WM_COMMAND, EM_UNDO}}},
+        {"its memory", {{EM_SETHANDLE}, {EM_GETHANDLE}}},
+        {"input methods",
+         {{WM_IME_STARTCOMPOSITION},
+          {WM_IME_REQUEST, IMR_RECONVERTSTRING},
+          {WM_IME_ENDCOMPOSITION}}},
+    };
+    for (const Row& row : rows) {
+        const Field field;
+        field.Send(WM_CHAR, VK_BACK);
+        field.Send(EM_SETSEL, 0, -1);
+        field.Send(EM_SETMODIFY, FALSE);
+        PutOnClipboard(L"mark");
+        const HeldKeys held(row.held);
+        for (const Message& message : row.messages) {
+            const LRESULT result = field.Send(message.message, message.wParam, message.lParam);
+            EXPECT_EQ(result, message.message == WM_CHAR) << row.pszWhat;
+        }
+        EXPECT_EQ(StateOf(field.hEdit), "1245678[0,7]7") << row.pszWhat;
+        EXPECT_FALSE(field.Send(EM_GETMODIFY)) << row.pszWhat;
+        field.Send(WM_PASTE);
+        EXPECT_EQ(TextOf(field.hEdit), "mark") << row.pszWhat;
+        EXPECT_EQ(ImmGetContext(field.hEdit), nullptr);
+    }
+}
+
+TEST(SecretField, CannotBeMadeToShowItsText) {
+    for (const DWORD style : {kUsualStyle, DWORD{ES_AUTOHSCROLL}}) {
+        const Field field(false, style);
+        field.Send(EM_SETPASSWORDCHAR, 0);
+        SetWindowLongPtrA(field.hEdit, GWL_STYLE,
+                          GetWindowLongPtrA(field.hEdit, GWL_STYLE) & ~ES_PASSWORD);
+        EXPECT_NE(field.Send(EM_GETPASSWORDCHAR), 0);
+        EXPECT_NE(GetWindowLongPtrA(field.hEdit, GWL_STYLE) & ES_PASSWORD, 0);
+    }
+}
+
+TEST(SecretField, TakesOverWhatAWindowHoldsAndNothingThatIsGivenAtCreation) {
+    Host host;
+    const HWND edit = host.MakeEdit(kUsualStyle, "before");
+    CCapsLockSensitiveEdit bound;
+    bound.SubclassWindow(edit);
+    EXPECT_EQ(TextOf(edit), "before");
+    EXPECT_EQ(SystemText(edit), "******");
+    CCapsLockSensitiveEdit made;
+    made.CreateEx(0, "EDIT", "text", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr);
+    EXPECT_EQ(StateOf(made.m_hWnd), "[0,0]0");
+    SetWindowTextA(made.m_hWnd, "later");
+    EXPECT_EQ(StateOf(made.m_hWnd), "later[0,0]5");
+    made.DestroyWindow();
+}
+
+TEST(SecretField, IsReadAndWrittenByItsOwnThreadAlone) {
+    const Field field;
+    CString text;
+    EXPECT_TRUE(field.object.ReadSecret(text));
+    EXPECT_STREQ(text, kText);
+    const std::jthread other([&] {
+        CString stolen("x");
+        EXPECT_FALSE(field.object.ReadSecret(stolen));
+        EXPECT_TRUE(stolen.IsEmpty());
+        // Called, not sent.
+        char buffer[20] = "x";
+        const auto procedure =
+            reinterpret_cast<WNDPROC>(GetWindowLongPtrA(field.hEdit, GWLP_WNDPROC));
+        EXPECT_EQ(CallWindowProcA(procedure, field.hEdit, WM_GETTEXT, 20, At(buffer)), 0);
+        EXPECT_STREQ(buffer, "");
+    });
+    CCapsLockSensitiveEdit unbound;
+    EXPECT_FALSE(unbound.WriteSecret("1"));
+    EXPECT_TRUE(unbound.ReadSecret(text));
+    EXPECT_TRUE(text.IsEmpty());
+}
+
+TEST(SecretField, GivesAsMuchAsThereIsRoomFor) {
+    const Field field;
+    for (const WPARAM room : {0U, 1U, 2U, 8U, 9U, 0x7FFFFFFFU}) {
+        char buffer[20] = "##########";
+        const auto expected = room == 0 ? 0 : std::min<WPARAM>(room - 1, 8);
+        EXPECT_EQ(static_cast<WPARAM>(field.Send(WM_GETTEXT, room, At(buffer))), expected);
+        EXPECT_EQ(std::string(buffer).substr(0, expected), std::string(kText).substr(0, expected));
+        EXPECT_EQ(buffer[expected], room == 0 ? '#' : '\0');
+    }
+    EXPECT_EQ(field.Send(WM_GETTEXT, 20, 0), 0);
+    EXPECT_EQ(field.Send(EM_GETLINE, 0, 0), 0);
+    char line[20] = "\x05\0##########";
+    EXPECT_EQ(field.Send(EM_GETLINE, 0, At(line)), 5);
+    EXPECT_STREQ(line, "12345#######");
+}
+
+// Typed beyond the first page, pasted up to 10,000 characters, typed into the middle; then a
+// megabyte from the clipboard.
+TEST(SecretField, HoldsLongTexts) {
+    Field field;
+    field.bDeaf = true;
+    std::string expected = kText;
+    const auto type = [&](size_t nAt, size_t nCount) {
+        field.Send(EM_SETSEL, nAt, static_cast<LPARAM>(nAt));
+        for (size_t i = 0; i < nCount; ++i) {
+            const char ch = static_cast<char>('A' + i % 53);
+            expected.insert(nAt + i, 1, ch);
+            field.Send(WM_CHAR, static_cast<WPARAM>(ch));
+        }
+    };
+    const auto paste = [&](size_t nAt, size_t nOver, size_t nOffered, size_t nTaken) {
+        PutOnClipboard(std::wstring(nOffered, L'p'));
+        field.Send(EM_SETSEL, nAt, static_cast<LPARAM>(nAt + nOver));
+        field.Send(WM_PASTE);
+        expected.replace(nAt, nOver, nTaken, 'p');
+    };
+    type(3, 2'100);
+    field.Send(EM_SETLIMITTEXT, 9'900);
+    paste(50, 0, 9'000, 9'900 - expected.size());
+    field.Send(EM_SETLIMITTEXT, 10'000);
+    type(5'000, 100);
+    field.Send(WM_CHAR, 'x');
+    EXPECT_TRUE(TextOf(field.hEdit) == expected);
+    field.Send(EM_SETLIMITTEXT, 0);
+    paste(100, 8'900, size_t{1} << 20, size_t{1} << 20);
+    EXPECT_TRUE(TextOf(field.hEdit) == expected);
+    CString all;
+    EXPECT_TRUE(field.object.ReadSecret(all));
+    EXPECT_TRUE(all == expected.c_str());
+}
+
+BOOL WINAPI RefuseLock(void*, SIZE_T) {
+    return FALSE;
+}
+void* WINAPI RefusePages(void*, SIZE_T, DWORD, DWORD) {
+    return nullptr;
+}
+
+TEST(SecretField, TellsOfMemoryThatItDoesNotGet) {
+    LogRecorder log;
+    {
+        const PatchedImports patched(nullptr, {{"VirtualLock", Address(&RefuseLock)}});
+        EXPECT_EQ(StateOf(Field().hEdit), "12345678[3,3]8");
+        EXPECT_NE(log.Dump().find("VirtualLock failed"), std::string::npos);
+    }
+    const PatchedImports patched(nullptr, {{"VirtualAlloc", Address(&RefusePages)}});
+    Field field;
+    PutOnClipboard(L"paste");
+    for (const Message& change : {Message{WM_CHAR, 'x'},
+                                  {WM_UNICHAR, 0x1F600},
+                                  {WM_PASTE},
+                                  {WM_SETTEXT, 0, At("new")},
+                                  {EM_REPLACESEL, 0, At("new")}}) {
+        log.Clear();
+        field.strTold = "";
+        EXPECT_EQ(field.Send(change.message, change.wParam, change.lParam), 0) << change.message;
+        EXPECT_EQ(field.strTold.substr(0, 12), std::to_string(EN_ERRSPACE) + ":[0,0]0 ")
+            << change.message;
+        EXPECT_NE(log.Dump().find("no memory for what is typed"), std::string::npos);
+    }
+}
+
+// The menu that was shown last, as "Paste Delete- SelectAll", and what is chosen from it.
+std::string g_strMenu;
+UINT g_nChoice;
+
+BOOL WINAPI ChooseFrom(HMENU hMenu, UINT, int, int, int, HWND, const RECT*) {
+    g_strMenu = "";
+    for (int i = 0; i < GetMenuItemCount(hMenu); ++i) {
+        const UINT state = GetMenuState(hMenu, static_cast<UINT>(i), MF_BYPOSITION);
+        g_strMenu += (state & MF_SEPARATOR) != 0 ? '|' : (state & MF_GRAYED) != 0 ? '-' : '+';
+    }
+    return static_cast<BOOL>(g_nChoice);
+}
+
+using SecretFieldMenu = LibraryTest;
+
+TEST_F(SecretFieldMenu, OffersWhatCanBeDone) {
+    const PatchedImports patched(nullptr, {{"TrackPopupMenu", Address(&ChooseFrom)}});
+    const struct {
+        const wchar_t* pszClipboard;
+        BOOL bReadOnly;
+        int nSelected;
+        UINT nChoice;
+        const char* pszMenu;
+        const char* pszState;
+    } cases[] = {
+        {L"ab", FALSE, 0, 1, "+-|+", "ab12345678[2,2]10"},
+        {L"", FALSE, 3, 2, "-+|+", "45678[0,0]5"},
+        {L"ab", FALSE, 8, 0, "++|-", "12345678[0,8]8"},
+        {L"ab", TRUE, 3, 3, "--|+", "12345678[0,8]8"},
+    };
+    for (const auto& c : cases) {
+        const Field field;
+        field.Send(EM_SETREADONLY, static_cast<WPARAM>(c.bReadOnly));
+        field.Send(EM_SETSEL, 0, c.nSelected);
+        PutOnClipboard(c.pszClipboard);
+        g_nChoice = c.nChoice;
+        field.Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(field.hEdit), -1);
+        EXPECT_EQ(g_strMenu, c.pszMenu);
+        EXPECT_EQ(StateOf(field.hEdit), c.pszState);
     }
 }
 
