@@ -215,7 +215,7 @@ LRESULT SecretField::OnChar(char ch, LPARAM lParam) {
     std::array<char, 2> bytes{m_chLead, ch};
     if (m_chLead == '\0' && IsDBCSLeadByte(static_cast<BYTE>(ch))) {
         m_chLead = ch;
-        return TRUE;
+        return FALSE;
     }
     const int count = std::exchange(m_chLead, '\0') == '\0' ? 1 : 2;
     wchar_t character = L'\0';

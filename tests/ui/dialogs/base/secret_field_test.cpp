@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -17,6 +18,7 @@
 #include <imm.h>
 
 #include "mvpingui/caps_lock_sensitive_edit.h"
+#include "platform/handle.h"
 #include "support/patched_imports.h"
 #include "ui/dialogs/library_test.h"
 
@@ -149,6 +151,14 @@ const std::vector<Row>& RowsLikeTheStockControl() {
         {"Ctrl+A", {{WM_CHAR, 0x01}}, {VK_CONTROL}},
         {"a character of 16 bits", {{WM_UNICHAR, 0xE9}, {WM_UNICHAR, UNICODE_NOCHAR}}},
         {"a dead key", {{WM_DEADCHAR, '^'}}},
+        // Two bytes are one character in some code pages and two in others; so the program is run
+        // under one of either kind.
+        {"bytes of a Japanese character", {{WM_CHAR, 0x82}, {WM_CHAR, 0xA0}, {WM_CHAR, 'x'}}},
+        {"and deleted", {{WM_CHAR, 0x82}, {WM_CHAR, 0xA0}, {WM_CHAR, VK_BACK}}},
+        {"and over others", {{EM_SETSEL, 1, 4}, {WM_CHAR, 0x82}, {WM_CHAR, 0xA0}, {WM_CHAR, 0xB1}}},
+        {"and given as a text",
+         {{EM_REPLACESEL, TRUE, At("\x82\xA0y\x82\xA2")}, {EM_SETSEL, 3, 5}, {WM_CLEAR}}},
+        {"and set", {{WM_SETTEXT, 0, At("\x82\xA0y\x82\xA2")}, {WM_KEYDOWN, VK_DELETE}}},
         // Keys that delete.
         {"Backspace", {{WM_CHAR, VK_BACK}}},
         {"Backspace at the beginning", {{EM_SETSEL, 0, 0}, {WM_CHAR, VK_BACK}}},
@@ -301,6 +311,12 @@ TEST(SecretField, DoesWhatTheStockControlDoes) {
     }
 }
 
+// The run that is to have another code page has it.
+TEST(SecretField, RunsUnderTheCodePageThatIsWanted) {
+    const char* wanted = std::getenv("MVP_CODE_PAGE");
+    EXPECT_EQ(GetACP(), wanted == nullptr ? 1252U : static_cast<UINT>(std::atoi(wanted)));
+}
+
 TEST(SecretField, FollowsHostsThatChangeTheTextWhenTheyAreToldOfAChange) {
     const std::function<void(HWND)> answers[] = {
         [](HWND hEdit) { SetWindowTextA(hEdit, ""); },
@@ -446,6 +462,11 @@ TEST(SecretField, GivesAsMuchAsThereIsRoomFor) {
         EXPECT_EQ(std::string(buffer).substr(0, expected), std::string(kText).substr(0, expected));
         EXPECT_EQ(buffer[expected], room == 0 ? '#' : '\0');
     }
+    // No half of a character.
+    SetWindowTextA(field.hEdit, "\x82\xA0\x82\xA2");
+    char half[20] = "";
+    EXPECT_EQ(field.Send(WM_GETTEXT, 4, At(half)), GetACP() == 932 ? 2 : 3);
+    SetWindowTextA(field.hEdit, kText);
     EXPECT_EQ(field.Send(WM_GETTEXT, 20, 0), 0);
     EXPECT_EQ(field.Send(EM_GETLINE, 0, 0), 0);
     char line[20] = "\x05\0##########";
@@ -517,6 +538,26 @@ TEST(SecretField, TellsOfMemoryThatItDoesNotGet) {
             << change.message;
         EXPECT_NE(log.Dump().find("no memory for what is typed"), std::string::npos);
     }
+}
+
+int g_nInputScope = 0;
+
+HRESULT WINAPI RecordInputScope(HWND, int nScope) {
+    g_nInputScope = nScope;
+    return S_OK;
+}
+// Knows no other function.
+FARPROC WINAPI FindRecorder(HMODULE, LPCSTR pszName) {
+    return std::strcmp(pszName, "SetInputScope") == 0
+               ? reinterpret_cast<FARPROC>(Address(&RecordInputScope))
+               : nullptr;
+}
+
+TEST(SecretField, TellsTextServicesThatItTakesAPassword) {
+    const ModuleHandle services(LoadLibraryA("msctf.dll"));
+    const PatchedImports patched(nullptr, {{"GetProcAddress", Address(&FindRecorder)}});
+    const Field field;
+    EXPECT_EQ(g_nInputScope, 31);
 }
 
 // The menu that was shown last, as "Paste Delete- SelectAll", and what is chosen from it.
