@@ -38,15 +38,27 @@ bool IsFromOutside(HWND hWnd) {
            GetWindowThreadProcessId(hWnd, nullptr) != GetCurrentThreadId();
 }
 
-// Tells handwriting and screen keyboards that this is a password. Without text services in the
-// process there is nobody to tell.
+// What input services the process has, they have loaded themselves; without them there is nobody to
+// tell.
+template <class Function>
+Function FindService(const char* pszLibrary, const char* pszName) {
+    const HMODULE library = GetModuleHandleA(pszLibrary);
+    return library == nullptr ? nullptr : FindFunction<Function>(library, pszName);
+}
+
+// Input methods keep what is typed to compose characters of it.
+void TakeInputMethodAway(HWND hWnd) {
+    using Associate = HIMC(WINAPI*)(HWND, HIMC);
+    if (const auto associate = FindService<Associate>("imm32.dll", "ImmAssociateContext")) {
+        associate(hWnd, nullptr);
+    }
+}
+
+// Tells handwriting and screen keyboards that this is a password.
 void SetInputScopeOfPasswords(HWND hWnd) {
+    using SetScope = HRESULT(WINAPI*)(HWND, int);
     constexpr int kInputScopePassword = 31;  // IS_PASSWORD
-    const HMODULE services = GetModuleHandleA("msctf.dll");
-    const auto set = services == nullptr
-                         ? nullptr
-                         : FindFunction<HRESULT(WINAPI*)(HWND, int)>(services, "SetInputScope");
-    if (set != nullptr) {
+    if (const auto set = FindService<SetScope>("msctf.dll", "SetInputScope")) {
         set(hWnd, kInputScopePassword);
     }
 }
@@ -77,7 +89,7 @@ void SecretField::TakeOver(HWND hWnd) {
     if ((GetWindowLongPtrA(hWnd, GWL_STYLE) & ES_PASSWORD) == 0) {
         SendMessageA(hWnd, EM_SETPASSWORDCHAR, '*', 0);
     }
-    ImmAssociateContext(hWnd, nullptr);
+    TakeInputMethodAway(hWnd);
 }
 
 LRESULT SecretField::System(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -386,6 +386,7 @@ TEST(SecretField, KeepsItsTextFromClipboardUndoingAndInputMethods) {
           {WM_IME_REQUEST, IMR_RECONVERTSTRING},
           {WM_IME_ENDCOMPOSITION}}},
     };
+    EXPECT_NE(ImmGetContext(Field(true).hEdit), nullptr) << "which the system offers";
     for (const Row& row : rows) {
         const Field field;
         field.Send(WM_CHAR, VK_BACK);
