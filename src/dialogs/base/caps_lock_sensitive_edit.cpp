@@ -141,6 +141,8 @@ bool CCapsLockSensitiveEdit::WriteSecret(LPCSTR lpszSecret) {
 
 void CCapsLockSensitiveEdit::ShowText() {
     if (m_hWnd != nullptr) {
+        // Codes are read from left to right in every language.
+        ModifyStyleEx(WS_EX_LAYOUTRTL | WS_EX_RTLREADING, 0);
         m_chShownMask = mvp::MaskForDigits(m_hWnd);
         SetPasswordChar(m_chShownMask);
         Invalidate();

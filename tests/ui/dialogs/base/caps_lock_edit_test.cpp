@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "mvpingui/caps_lock_sensitive_edit.h"
+#include "platform/handle.h"
 #include "support/waiting.h"
 #include "ui/dialogs/library_test.h"
 
@@ -251,6 +252,32 @@ TEST_F(SystemsBalloon, ShowsEachCharacterInTheColoursOfItsState) {
         edit.EnableWindow(FALSE);
         EXPECT_NE(std::ranges::count(edit.Cell(1), GetSysColor(COLOR_GRAYTEXT)), 0);
     }
+}
+
+// What stands on the screen of an edit that shows a code, in a host's window that is mirrored or
+// not.
+std::vector<COLORREF> PictureOfCode(DWORD dwExStyle) {
+    CWnd host;
+    host.CreateEx(dwExStyle, "STATIC", "", WS_POPUP | WS_VISIBLE, 50, 50, 200, 20, nullptr,
+                  nullptr);
+    CCapsLockSensitiveEdit edit;
+    edit.CreateEx(0, "EDIT", "", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 0, 0, 200, 20, host.m_hWnd,
+                  nullptr);
+    edit.ShowText();
+    edit.SetWindowText("0123-4567-89AB");
+    edit.RedrawWindow();
+    const WindowDc device(edit.m_hWnd);
+    SetLayout(device.get(), 0);
+    std::vector<COLORREF> pixels(size_t{200} * 20);
+    for (int i = 0; COLORREF & pixel : pixels) {
+        pixel = GetPixel(device.get(), i % 200, i / 200);
+        ++i;
+    }
+    return pixels;
+}
+
+TEST(ShownCode, IsReadFromLeftToRightInEveryLanguage) {
+    EXPECT_TRUE(PictureOfCode(WS_EX_LAYOUTRTL) == PictureOfCode(0));
 }
 
 // The answer to a balloon that asks for its text, which it keeps and takes from nowhere else.
