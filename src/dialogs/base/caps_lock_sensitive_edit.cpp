@@ -158,7 +158,13 @@ BOOL CCapsLockSensitiveEdit::PreCreateWindow(CREATESTRUCTA& cs) {
 
 void CCapsLockSensitiveEdit::PreSubclassWindow() {
     CEdit::PreSubclassWindow();
-    m_pField->TakeOver(m_hWnd);
+    mvp::Guarded([&] { m_pField->TakeOver(m_hWnd); },
+                 [&] {
+                     mvp::LogException("CCapsLockSensitiveEdit::PreSubclassWindow")();
+                     // What could not be taken over does not stay.
+                     m_pField->Clear();
+                     ::SetWindowTextA(m_hWnd, "");
+                 });
 }
 
 void CCapsLockSensitiveEdit::OnPaint() {

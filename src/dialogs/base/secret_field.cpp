@@ -179,13 +179,13 @@ bool SecretField::Read(CString& strSecret) {
 
 LRESULT SecretField::Write(std::string_view text) {
     Follow();
+    std::string masks(WideLength(text), Mask());
     const bool stored = m_store.Assign(text);
-    const std::size_t length = m_store.View().size();
-    ApplyCase(m_store.Replace(0, 0, 0), length);
-    const std::string masks(length, Mask());
     if (!stored) {
+        masks.clear();
         TellOfNoMemory();
     }
+    ApplyCase(m_store.Replace(0, 0, 0), masks.size());
     Step step{{}, {}, m_pStep, true};
     const LRESULT result = RunStep(step, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(masks.c_str()));
     return stored ? result : FALSE;

@@ -147,14 +147,19 @@ bool SecretStore::Assign(std::string_view text) noexcept {
     if (text.empty()) {
         return true;
     }
-    const int narrow = static_cast<int>(text.size());
-    const int wide = MultiByteToWideChar(CP_ACP, 0, text.data(), narrow, nullptr, 0);
-    if (!Reserve(static_cast<std::size_t>(wide))) {
+    const std::size_t length = WideLength(text);
+    if (!Reserve(length)) {
         return false;
     }
-    MultiByteToWideChar(CP_ACP, 0, text.data(), narrow,
-                        Replace(0, 0, static_cast<std::size_t>(wide)), wide);
+    MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
+                        Replace(0, 0, length), static_cast<int>(length));
     return true;
+}
+
+std::size_t WideLength(std::string_view text) noexcept {
+    return text.empty() ? 0
+                        : static_cast<std::size_t>(MultiByteToWideChar(
+                              CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0));
 }
 
 std::size_t NarrowLength(std::wstring_view text) noexcept {

@@ -57,7 +57,8 @@ private:
     SecretStore* m_pNext = nullptr;  // of all stores
 };
 
-// How many bytes the characters have in the ANSI code page.
+// How many UTF-16 characters a text of the ANSI code page has, and how many bytes they have there.
+std::size_t WideLength(std::string_view text) noexcept;
 std::size_t NarrowLength(std::wstring_view text) noexcept;
 
 // Writes the characters to `pTarget`, as many as fit wholly into nRoom bytes, without a terminator.
