@@ -13,6 +13,9 @@
 // An edit without ES_PASSWORD gets it, and keeps it. EN_ERRSPACE tells that there is no memory for
 // more. A text that is given at creation is ignored.
 //
+// A screen reader gets a protected text by the name of its label, whose value is refused, and the
+// warning as its description, also where no balloon shows.
+//
 // Bind it to a dialog's edit by data exchange or SubclassDlgItem. A dialog that moves calls
 // ResetToolTip, so that no balloon stays behind.
 #pragma once
@@ -21,6 +24,7 @@
 #include <mvpingui/export.h>
 
 namespace mvp {
+class SecretAccessible;
 class SecretField;
 }
 
@@ -63,6 +67,7 @@ protected:
     afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
     afx_msg void OnPaint();
+    afx_msg LRESULT OnGetObject(WPARAM wParam, LPARAM lParam);
     afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
     // FALSE when it fails.
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
@@ -83,6 +88,8 @@ private:
     LRESULT SystemProc(UINT message, WPARAM wParam, LPARAM lParam) {
         return CEdit::DefWindowProc(message, wParam, lParam);
     }
+    // To a screen reader.
+    void TellCapsLock();
     void CreateBalloon();
     void AddTool();
     void PlaceOwnBalloon();
@@ -109,4 +116,8 @@ private:
     char m_chShownMask = '\0';
     // What the system asks for in wide characters must outlive the answer.
     wchar_t m_szWideWarning[kTextSize]{};
+    // Made when a screen reader asks for it.
+    mvp::SecretAccessible* m_pAccessible = nullptr;
+    // A screen reader was told last that Caps Lock is on.
+    bool m_bCapsLockTold = false;
 };

@@ -1,6 +1,8 @@
 // Waiting for a condition: nothing in a test waits without a deadline.
 #pragma once
 
+#include <chrono>
+
 #include "common/wait_for.h"
 
 namespace mvp::test {
@@ -13,6 +15,15 @@ inline void DispatchAll() {
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
+}
+
+// Runs the calling thread's messages until the condition holds; false after half a minute.
+template <class Condition>
+bool PumpUntil(Condition&& condition) {
+    return WaitFor(std::chrono::seconds(30), [&] {
+        DispatchAll();
+        return condition();
+    });
 }
 
 }  // namespace mvp::test

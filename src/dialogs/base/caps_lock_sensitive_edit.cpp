@@ -9,6 +9,7 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/caps_lock_balloon.h"
+#include "dialogs/base/secret_accessible.h"
 #include "dialogs/base/secret_field.h"
 #include "dialogs/base/shown_secret.h"
 #include "platform/barrier.h"
@@ -23,6 +24,7 @@ BEGIN_MESSAGE_MAP(CCapsLockSensitiveEdit, CEdit)
     ON_WM_KILLFOCUS()
     ON_WM_KEYUP()
     ON_WM_PAINT()
+    ON_MESSAGE(WM_GETOBJECT, &CCapsLockSensitiveEdit::OnGetObject)
 END_MESSAGE_MAP()
 
 namespace {
@@ -118,6 +120,7 @@ CCapsLockSensitiveEdit::CCapsLockSensitiveEdit()
 }
 
 CCapsLockSensitiveEdit::~CCapsLockSensitiveEdit() {
+    mvp::SecretAccessible::Drop(m_pAccessible);
     if (m_hBalloon != nullptr) {
         ::DestroyWindow(m_hBalloon);
     }
@@ -176,6 +179,7 @@ void CCapsLockSensitiveEdit::OnPaint() {
 
 void CCapsLockSensitiveEdit::OnDestroy() {
     m_pField->Clear();
+    mvp::SecretAccessible::Drop(m_pAccessible);
     CEdit::OnDestroy();
 }
 
@@ -216,6 +220,7 @@ void CCapsLockSensitiveEdit::CheckCapsLockMessage() {
 void CCapsLockSensitiveEdit::OnSetFocus(CWnd* pOldWnd) {
     CEdit::OnSetFocus(pOldWnd);
     m_bHasFocus = TRUE;
+    TellCapsLock();
     if (m_bOldSystem) {
         CheckCapsLockMessage();
     }
@@ -224,6 +229,7 @@ void CCapsLockSensitiveEdit::OnSetFocus(CWnd* pOldWnd) {
 void CCapsLockSensitiveEdit::OnKillFocus(CWnd* pNewWnd) {
     CEdit::OnKillFocus(pNewWnd);
     m_bHasFocus = FALSE;
+    TellCapsLock();
     if (m_bOldSystem) {
         CheckCapsLockMessage();
     }
@@ -242,7 +248,21 @@ void CCapsLockSensitiveEdit::OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags) {
                 break;
         }
     }
+    TellCapsLock();
     CEdit::OnKeyUp(nChar, nRepCnt, nFlags);
+}
+
+void CCapsLockSensitiveEdit::TellCapsLock() {
+    mvp::TellCapsLock(m_hWnd, m_bHasFocus != FALSE, m_bCapsLockTold);
+}
+
+LRESULT CCapsLockSensitiveEdit::OnGetObject(WPARAM wParam, LPARAM lParam) {
+    if (static_cast<LONG>(lParam) != OBJID_CLIENT) {
+        return Default();
+    }
+    return mvp::SecretAccessible::Answer(m_pAccessible, m_hWnd, wParam, [this] {
+        return m_bCapsLockTold ? std::string(m_szTitle) + ". " + Warning() : std::string();
+    });
 }
 
 void CCapsLockSensitiveEdit::CreateBalloon() {

@@ -6,22 +6,11 @@
 
 #include <windows.h>
 
-#include <chrono>
-
 #include "mvpingui/popup_alert.h"
 #include "support/waiting.h"
 #include "ui/support/child_process.h"
 
 namespace mvp::test {
-
-// Runs the calling thread's messages until the condition holds; false after half a minute.
-template <class Condition>
-bool PumpUntil(Condition&& condition) {
-    return WaitFor(std::chrono::seconds(30), [&] {
-        DispatchAll();
-        return condition();
-    });
-}
 
 // Takes a popup of whatever process to where it stays, without waiting for its timers.
 bool BringIn(HWND hPopup);
