@@ -55,8 +55,8 @@ STDMETHODIMP StandardAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrA
 STDMETHODIMP StandardAccessible::accSelect(long nFlags, VARIANT child) {
     return Standard(&IAccessible::accSelect, nFlags, child);
 }
-STDMETHODIMP StandardAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWidth, long* pnHeight,
-                                          VARIANT child) {
+STDMETHODIMP StandardAccessible::accLocation(long* pnLeft, long* pnTop, long* pnWidth,
+                                             long* pnHeight, VARIANT child) {
     return Standard(&IAccessible::accLocation, pnLeft, pnTop, pnWidth, pnHeight, child);
 }
 STDMETHODIMP StandardAccessible::accNavigate(long nDirection, VARIANT start, VARIANT* pEnd) {

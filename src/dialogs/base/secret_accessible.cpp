@@ -17,8 +17,8 @@ VARIANT Self() {
 
 std::string TextOf(HWND hWnd) {
     std::string text(static_cast<std::size_t>(GetWindowTextLengthA(hWnd)) + 1, '\0');
-    text.resize(static_cast<std::size_t>(
-        GetWindowTextA(hWnd, text.data(), static_cast<int>(text.size()))));
+    text.resize(
+        static_cast<std::size_t>(GetWindowTextA(hWnd, text.data(), static_cast<int>(text.size()))));
     return text;
 }
 

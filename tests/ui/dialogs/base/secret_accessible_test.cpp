@@ -67,11 +67,11 @@ std::vector<HRESULT> AskAll(IAccessible& a, const VARIANT& child, bool bOut = tr
     long* pn = bOut ? &n : nullptr;
     IDispatch** po = bOut ? &object : nullptr;
     std::vector<HRESULT> results = {
-        a.get_accName(child, ps),          a.get_accDescription(child, ps),
-        a.get_accHelp(child, ps),          a.get_accKeyboardShortcut(child, ps),
-        a.get_accDefaultAction(child, ps), a.get_accHelpTopic(ps, child, pn),
-        a.get_accRole(child, pv),          a.get_accState(child, pv),
-        a.get_accChild(child, po),         a.accLocation(pn, pn, pn, pn, child),
+        a.get_accName(child, ps),           a.get_accDescription(child, ps),
+        a.get_accHelp(child, ps),           a.get_accKeyboardShortcut(child, ps),
+        a.get_accDefaultAction(child, ps),  a.get_accHelpTopic(ps, child, pn),
+        a.get_accRole(child, pv),           a.get_accState(child, pv),
+        a.get_accChild(child, po),          a.accLocation(pn, pn, pn, pn, child),
         a.accNavigate(NAVDIR_UP, child, pv)};
     if (!bOut) {
         for (const HRESULT hr :
@@ -198,9 +198,9 @@ TEST(SecretAccessible, HasTheNameOfTheNearestLabelThatShows) {
 class CapsLockReader : public LibraryTest {
 protected:
     CapsLockReader() {
-        m_hook = SetWinEventHook(EVENT_OBJECT_DESCRIPTIONCHANGE, EVENT_OBJECT_DESCRIPTIONCHANGE,
-                                 nullptr, &OnEvent, GetCurrentProcessId(), 0,
-                                 WINEVENT_OUTOFCONTEXT);
+        m_hook =
+            SetWinEventHook(EVENT_OBJECT_DESCRIPTIONCHANGE, EVENT_OBJECT_DESCRIPTIONCHANGE, nullptr,
+                            &OnEvent, GetCurrentProcessId(), 0, WINEVENT_OUTOFCONTEXT);
         s_events.clear();
     }
     ~CapsLockReader() override {
