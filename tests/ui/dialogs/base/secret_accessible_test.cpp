@@ -1,7 +1,10 @@
 // What a screen reader gets of a PIN edit, in its own process and in every dialog: anything but
 // the PIN.
-#include <array>
+#include "dialogs/base/secret_accessible.h"
+
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -88,7 +91,8 @@ struct Fields {
     Fields() {
         for (const char* label : {"&Stock:", "Pin && c&ode:"}) {
             Add("STATIC", label);
-            SetWindowTextA(m_hEdit = Add("EDIT", "", ES_PASSWORD), kPin);
+            m_hStock = std::exchange(m_hEdit, Add("EDIT", "", ES_PASSWORD));
+            SetWindowTextA(m_hEdit, kPin);
         }
         m_edit.SubclassWindow(m_hEdit);
         m_edit.SetWindowText(kPin);
@@ -101,12 +105,33 @@ struct Fields {
     }
     HostWindow m_host;
     HWND m_hEdit = nullptr;
+    HWND m_hStock = nullptr;
     CCapsLockSensitiveEdit m_edit;
 };
 
 void TakeStyleOff(HWND hEdit) {
     SetWindowLongA(hEdit, GWL_STYLE, GetWindowLongA(hEdit, GWL_STYLE) & ~ES_PASSWORD);
 }
+
+// The object for an edit that would give the PIN.
+class OpenEdit : public CEdit {
+public:
+    explicit OpenEdit(HWND hEdit) {
+        TakeStyleOff(hEdit);
+        SubclassWindow(hEdit);
+    }
+    ~OpenEdit() override { SecretAccessible::Drop(m_pObject); }
+
+protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        return message != WM_GETOBJECT || static_cast<LONG>(lParam) != OBJID_CLIENT
+                   ? CEdit::WindowProc(message, wParam, lParam)
+                   : SecretAccessible::Answer(m_pObject, m_hWnd, wParam, [] { return "Told"; });
+    }
+
+private:
+    SecretAccessible* m_pObject = nullptr;
+};
 
 TEST(SecretReader, DISABLED_Reads) {
     const Com com(COINIT_APARTMENTTHREADED);
@@ -161,8 +186,10 @@ TEST(SecretAccessible, RefusesWhatIsNotThereAndOutlivesTheControl) {
         EXPECT_EQ(told.right, 100);
         EXPECT_EQ(object.Number(&IAccessible::accHitTest, told.left + 1, told.top + 1), 0);
         fields.m_edit.ShowText();
-        TakeStyleOff(fields.m_hEdit);
         EXPECT_EQ(Read(object), "Pin & code:|Alt+o");
+        const OpenEdit open(fields.m_hStock);
+        EXPECT_EQ(Read(Accessible::Of(fields.m_hStock)), "Stock:|Alt+S");
+        EXPECT_EQ(Accessible::Of(fields.m_hStock).Text(kDescriptionOf, 0), "Told");
     }
     for (const HRESULT hr : AskAll(*object.get(), Child(0))) {
         EXPECT_TRUE(hr == CO_E_OBJNOTCONNECTED || hr == S_OK) << hr;
@@ -253,7 +280,7 @@ TEST_F(CapsLockReader, IsToldOfEveryChangeWhileTheEditHasTheFocusAndOfNothingEls
     for (std::size_t i = 0; i < steps.size(); ++i) {
         steps[i].act();
         expected.resize(expected.size() + (steps[i].bEvent ? 1 : 0), edit.m_hWnd);
-        EXPECT_TRUE(PumpUntil([&] { return s_events.size() >= expected.size(); })) << i;
+        ASSERT_TRUE(PumpUntil([&] { return s_events.size() >= expected.size(); })) << i;
         EXPECT_EQ(s_events, expected) << i;
         EXPECT_EQ(Accessible::Of(edit).Text(kDescriptionOf, 0), steps[i].strDescription) << i;
     }
