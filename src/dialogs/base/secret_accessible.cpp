@@ -27,15 +27,11 @@ struct Label {
     char chMnemonic = '\0';  // 0: none
 };
 
-bool IsShown(HWND hWnd) {
-    return (GetWindowLongA(hWnd, GWL_STYLE) & WS_VISIBLE) != 0;
-}
-
-// The window right before the edit in its dialog, when that is a text or what chooses the edit.
-// What is hidden labels nothing that shows.
+// The window right before the edit in its dialog, but for hidden ones, when that is a text or what
+// chooses the edit.
 Label LabelOf(HWND hEdit) {
     HWND before = GetWindow(hEdit, GW_HWNDPREV);
-    while (before != nullptr && IsShown(hEdit) && !IsShown(before)) {
+    while (before != nullptr && (GetWindowLongA(before, GWL_STYLE) & WS_VISIBLE) == 0) {
         before = GetWindow(before, GW_HWNDPREV);
     }
     constexpr LRESULT kLabels = DLGC_STATIC | DLGC_RADIOBUTTON;

@@ -187,6 +187,7 @@ TEST(SecretAccessible, RefusesWhatIsNotThereAndOutlivesTheControl) {
         EXPECT_EQ(object.Number(&IAccessible::accHitTest, told.left + 1, told.top + 1), 0);
         fields.m_edit.ShowText();
         EXPECT_EQ(Read(object), "Pin & code:|Alt+o");
+        EXPECT_EQ(fields.m_edit.SendMessage(WM_GETOBJECT, 0, OBJID_CARET), 0) << "the system's";
         const OpenEdit open(fields.m_hStock);
         EXPECT_EQ(Read(Accessible::Of(fields.m_hStock)), "Stock:|Alt+S");
         EXPECT_EQ(Accessible::Of(fields.m_hStock).Text(kDescriptionOf, 0), "Told");
@@ -215,9 +216,10 @@ TEST(SecretAccessible, HasTheNameOfTheNearestLabelThatShows) {
           {"BUTTON", BS_PUSHBUTTON, "&Other", "none|none"},
           {"EDIT", 0, "other's &text", "none|none"}}) {
         Fields fields;
-        const HWND before = fields.Add(name, text, style);
-        fields.m_edit.SetWindowPos(CWnd::FromHandle(before), 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-        ShowWindow(fields.Add("STATIC", "hidden"), SW_HIDE);
+        fields.Add(name, text, style);
+        const HWND hidden = fields.Add("STATIC", "hidden");
+        ShowWindow(hidden, SW_HIDE);
+        fields.m_edit.SetWindowPos(CWnd::FromHandle(hidden), 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
         EXPECT_EQ(Read(Accessible::Of(fields.m_hEdit)), named);
     }
 }
