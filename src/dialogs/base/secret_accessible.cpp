@@ -56,8 +56,8 @@ Label LabelOf(HWND hEdit) {
 std::string AltKeyName() {
     constexpr int kScanCodeAt = 16;
     char name[40] = "";
-    GetKeyNameTextA(static_cast<LONG>(MapVirtualKeyA(VK_MENU, MAPVK_VK_TO_VSC) << kScanCodeAt),
-                    name, sizeof name);
+    const auto code = static_cast<LONG>(MapVirtualKeyA(VK_MENU, MAPVK_VK_TO_VSC));
+    GetKeyNameTextA(code << kScanCodeAt, name, sizeof name);
     return name;
 }
 
@@ -215,8 +215,8 @@ STDMETHODIMP SecretAccessible::get_accHelp(VARIANT child, BSTR* pstrHelp) {
 }
 STDMETHODIMP SecretAccessible::get_accHelpTopic(BSTR* pstrFile, VARIANT child, long* pnTopic) {
     const HRESULT hr = TellNothing(child, pstrFile);
-    const HRESULT hrTopic = Check(child, pnTopic);
-    return hrTopic == S_OK ? hr : hrTopic;
+    const HRESULT topic = Check(child, pnTopic);
+    return topic == S_OK ? hr : topic;
 }
 STDMETHODIMP SecretAccessible::get_accDefaultAction(VARIANT child, BSTR* pstrAction) {
     return TellNothing(child, pstrAction);

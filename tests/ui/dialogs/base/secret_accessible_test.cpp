@@ -139,9 +139,8 @@ TEST(SecretReader, DISABLED_Reads) {
     const HWND stock = FindWindowExA(owner, nullptr, "EDIT", nullptr);
     const HWND edit = FindWindowExA(owner, stock, "EDIT", nullptr);
     const Accessible object = Accessible::Of(edit);
-    for (const HWND hWnd : {stock, edit}) {
-        TakeStyleOff(hWnd);
-    }
+    TakeStyleOff(stock);
+    TakeStyleOff(edit);
     const Accessible control = Accessible::Of(stock);
     EXPECT_EQ(control.Text(kValueOf, 0), kPin) << "what the system gives of its own";
     EXPECT_EQ(control.Number(kState, Child(0)) & STATE_SYSTEM_PROTECTED, 0);
