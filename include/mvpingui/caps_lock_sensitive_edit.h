@@ -26,7 +26,7 @@
 namespace mvp {
 class SecretAccessible;
 class SecretField;
-}
+}  // namespace mvp
 
 class MVPINGUI_API CCapsLockSensitiveEdit : public CEdit {
 public:

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -55,13 +54,7 @@ public:
     bool IsBalloonUp() const { return Balloon() != nullptr && ::IsWindowVisible(Balloon()); }
     // The balloon pops up by a timer: runs this thread's messages until it has.
     bool ComesUp() const {
-        return WaitFor(std::chrono::seconds(10), [this] {
-            MSG message;
-            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-                DispatchMessageA(&message);
-            }
-            return IsBalloonUp();
-        });
+        return PumpUntil([this] { return IsBalloonUp(); });
     }
 
 private:
