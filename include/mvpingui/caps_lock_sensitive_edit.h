@@ -62,6 +62,8 @@ public:
 protected:
     BOOL PreCreateWindow(CREATESTRUCTA& cs) override;
     void PreSubclassWindow() override;
+    // Does nothing with the keys of programs that the configuration refuses.
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     afx_msg void OnDestroy();
     afx_msg void OnSetFocus(CWnd* pOldWnd);

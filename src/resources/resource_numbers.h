@@ -151,6 +151,11 @@
 #define IDC_ABOUT_CREDITS 1008
 #define IDC_ABOUT_MARK 1009
 
+// --- Controls that come into any dialog with a PIN edit, at run time -------------------------
+
+#define IDC_INJECTED_KEYS_ICON 3143
+#define IDC_INJECTED_KEYS_TEXT 3144
+
 // --- Strings ---------------------------------------------------------------------------------
 
 // The lines of the rule panel. The two formats take one integer.
@@ -229,6 +234,10 @@
 #define IDS_POPUP_HELP_LINK 3115
 #define IDS_POPUP_TITLE 3127  // who speaks; an assistive program reads it before the message
 
+// What is said of keys that a program sends.
+#define IDS_INJECTED_KEYS_WARNING 3143
+#define IDS_INJECTED_KEYS_REFUSED 3144
+
 // The about box. The format takes the version.
 #define IDS_ABOUT_VERSION_FORMAT 3104
 #define IDS_ABOUT_CREDITS_NOTE 3106
@@ -248,6 +257,7 @@
 #define IDI_POPUP_OTP 3128
 #define IDI_POPUP_CARD_ALERT 3129
 #define IDI_POPUP_NO_READER 3130
+#define IDI_INJECTED_KEYS 3131
 
 // --- Bitmaps ---------------------------------------------------------------------------------
 

@@ -168,6 +168,13 @@ void CCapsLockSensitiveEdit::PreSubclassWindow() {
                      m_pField->Clear();
                      ::SetWindowTextA(m_hWnd, "");
                  });
+    m_pField->Keys().Bind();
+}
+
+LRESULT CCapsLockSensitiveEdit::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    return m_pField->Keys().Refuses(m_hWnd, message, wParam)
+               ? 0
+               : CEdit::WindowProc(message, wParam, lParam);
 }
 
 void CCapsLockSensitiveEdit::OnPaint() {

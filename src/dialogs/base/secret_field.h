@@ -18,6 +18,7 @@
 
 #include <dlgfw/string.h>
 
+#include "dialogs/base/injected_key_filter.h"
 #include "dialogs/base/secret_store.h"
 #include "dialogs/base/text_change.h"
 
@@ -46,6 +47,9 @@ public:
     LRESULT Write(std::string_view text);
 
     void Clear() noexcept { m_store.Clear(); }
+
+    // Decides about keys of programs, before anything else is done with a message.
+    InjectedKeyFilter& Keys() { return m_keys; }
 
     // The characters as they are now; valid until they change.
     std::wstring_view Text();
@@ -84,6 +88,7 @@ private:
 
     CCapsLockSensitiveEdit& m_edit;
     SecretStore m_store;
+    InjectedKeyFilter m_keys;
     Step* m_pStep = nullptr;
     char m_chLead = '\0';  // the first half of a double-byte character
 };

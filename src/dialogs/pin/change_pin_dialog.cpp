@@ -8,6 +8,8 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/control_place.h"
+#include "dialogs/base/injected_key_filter.h"
+#include "dialogs/base/injected_key_notice.h"
 #include "dialogs/base/optional_control.h"
 #include "dialogs/pin/change_pin_panels.h"
 #include "platform/barrier.h"
@@ -139,6 +141,7 @@ void CChangePINDialog::SetUp() {
     mvp::SetChangePinPanelWindow(this, m_hWnd);
     SetTexts();
     CreatePoliciesPanel();
+    mvp::ReserveInjectedKeyNotice(*this, mvp::ReadInjectedKeys());
     // The window around the panel: not every system looks it up for a child that is brought
     // forward.
     ::SetForegroundWindow(::GetAncestor(m_hWnd, GA_ROOT));
