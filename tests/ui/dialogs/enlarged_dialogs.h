@@ -11,6 +11,7 @@
 #include <list>
 #include <vector>
 
+#include "platform/system_library.h"
 #include "support/control_layout.h"
 #include "ui/dialogs/library_test.h"
 
@@ -35,9 +36,12 @@ private:
     }
     static int WINAPI TellResolution(HDC hDC, int nIndex) {
         const bool asked = nIndex == LOGPIXELSX || nIndex == LOGPIXELSY;
-        return asked ? 96 * s_nPercent / 100 : GetDeviceCaps(hDC, nIndex);
+        return asked ? 96 * s_nPercent / 100 : s_pGetDeviceCaps(hDC, nIndex);
     }
 
+    // By its own address: the import leads back here.
+    static inline const auto s_pGetDeviceCaps =
+        FindFunction<int(WINAPI*)(HDC, int)>(GetModuleHandleA("gdi32.dll"), "GetDeviceCaps");
     static inline int s_nPercent = 100;
     static inline std::list<std::vector<WORD>> s_templates;
     const PatchedImports m_loading{"dlgfw.dll", {{"LoadResource", Address(&LoadEnlarged)}}};
