@@ -37,6 +37,8 @@ std::optional<Kind> KindOf(UINT message, WPARAM wParam) {
             return Kind::Character;
         case WM_PASTE:
             return Kind::Paste;
+        case WM_CONTEXTMENU:
+            return Kind::Menu;
         default:
             return std::nullopt;
     }

@@ -1,5 +1,7 @@
 #include "dialogs/base/key_origin.h"
 
+#include <utility>
+
 namespace mvp {
 
 namespace {
@@ -52,6 +54,7 @@ bool IsPersons(const KeyMessage& message) {
 
 bool KeyJudge::IsInjected(const KeyMessage& message) {
     const bool persons = IsPersons(message);
+    const bool menuAsked = std::exchange(m_bMenuAsked, false) && !message.bSent;
     switch (message.kind) {
         case KeyMessage::Kind::Down:
             m_nGranted = persons && !IsModifier(message.nCode) ? kCharactersOfKey : 0;
@@ -63,9 +66,13 @@ bool KeyJudge::IsInjected(const KeyMessage& message) {
         case KeyMessage::Kind::Character:
             return !TakeGrant(message) && CharacterChangesText(message.nCode);
         case KeyMessage::Kind::Paste:
+            return !menuAsked && !TakeGrant(message);
+        case KeyMessage::Kind::Menu:
+            // The menu takes the keys itself until it has pasted or gone.
+            m_bMenuAsked = !message.bSent;
             break;
     }
-    return !TakeGrant(message);
+    return false;
 }
 
 // Whether the character is the person's; it then counts as one that his key has brought.

@@ -9,9 +9,9 @@
 namespace mvp {
 namespace {
 
-// Messages, four characters each: d(own), u(p), c(haracter) or p(aste); the origin, h(ardware),
-// s(ystem), i(njected) or - for none, in a capital when another thread sent it; and the code in
-// hexadecimal. The verdicts: x for what a program does to the text.
+// Messages, four characters each: d(own), u(p), c(haracter), p(aste) or m(enu); the origin,
+// h(ardware), s(ystem), i(njected) or - for none, and H or + when another thread sent it; and the
+// code in hexadecimal. The verdicts: x for what a program does to the text.
 std::string Judge(const std::string& strMessages) {
     KeyJudge judge;
     std::string verdicts;
@@ -22,6 +22,7 @@ std::string Judge(const std::string& strMessages) {
             kind == 'd'   ? KeyMessage::Kind::Down
             : kind == 'u' ? KeyMessage::Kind::Up
             : kind == 'c' ? KeyMessage::Kind::Character
+            : kind == 'm' ? KeyMessage::Kind::Menu
                           : KeyMessage::Kind::Paste,
             static_cast<unsigned>(std::stoul(strMessages.substr(i + 2, 2), nullptr, 16)),
             origin == 'h' || origin == 'H' ? KeyOrigin::Hardware
@@ -65,6 +66,8 @@ TEST(KeyOrigin, TellsPersonsFromPrograms) {
         {"pasting by keys", "dh56 c-16 p-00 p-00", "...x"},
         {"pasting by Shift+Insert", "dh10 dh2D p-00", "..."},
         {"a program pastes", "p-00 p+00 dh41 p+00", "xx.x"},
+        {"pasting by the menu", "m-00 p-00 p-00", "..x"},
+        {"a program beside the menu", "m-00 p+00 m+00 p-00 m-00 uh41 p-00", ".x.x..x"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(Judge(c.pszMessages), c.pszVerdicts) << c.pszWhat;
