@@ -23,12 +23,8 @@ constexpr int kText = IDC_INJECTED_KEYS_TEXT;
 
 // Whether the line is there, in the dialog or a panel of it, and shows.
 bool IsTold(const Dialog& d) {
-    for (const Control& each : ShownControls(d.Handle())) {
-        if (each.nNumber == kText) {
-            return true;
-        }
-    }
-    return false;
+    const std::vector<Control> controls = ShownControls(d.Handle());
+    return std::ranges::count(controls, kText, &Control::nNumber) != 0;
 }
 
 class InjectedKeysTest : public LibraryTest {
@@ -150,11 +146,11 @@ TEST_F(InjectedKeysTest, AreNotAPersonsNorThoseOfASystemThatDoesNotTell) {
         g_dwOrigin = origin;
         PinRequest().Ask([&, &one = posted, &both = sent](Dialog& d) {
             d.Type(kEdit, "7");
-            EXPECT_EQ(d.Send(kEdit, WM_GETTEXTLENGTH), one) << origin;
+            EXPECT_EQ(d.Send(kEdit, WM_GETTEXTLENGTH), one) << g_dwOrigin;
             d.Send(kEdit, WM_CHAR, '8', 1);
-            EXPECT_EQ(d.Send(kEdit, WM_GETTEXTLENGTH), both) << origin;
+            EXPECT_EQ(d.Send(kEdit, WM_GETTEXTLENGTH), both) << g_dwOrigin;
             d.Send(kEdit, WM_UNICHAR, UNICODE_NOCHAR);
-            EXPECT_EQ(IsTold(d), origin != 99) << "another thread's is no person's";
+            EXPECT_EQ(IsTold(d), g_dwOrigin != 99) << "another thread's is no person's";
             d.Escape();
         });
     }
@@ -248,8 +244,19 @@ HGLOBAL WINAPI LoadMirrored(HMODULE hModule, HRSRC hResource) {
     return copy.data();
 }
 
+// Texts of many lines.
+int WINAPI LoadLong(HINSTANCE /*hModule*/, UINT /*nId*/, LPSTR pszText, int nCapacity) {
+    std::string text = "long";
+    while (text.size() < 240) {
+        text += " and longer";
+    }
+    lstrcpynA(pszText, text.c_str(), nCapacity);
+    return static_cast<int>(text.size());
+}
+
 TEST_F(InjectedKeysTest, HaveTheirLineFromRightToLeftAndOnTheScreen) {
-    const PatchedImports loading("dlgfw.dll", {{"LoadResource", Address(&LoadMirrored)}});
+    const PatchedImports loading("dlgfw.dll", {{"LoadResource", Address(&LoadMirrored)},
+                                               {"LoadStringA", Address(&LoadLong)}});
     Set(InjectedKeys::Warn);
     PinRequest().Ask([](Dialog& d) {
         MONITORINFO monitor{sizeof monitor, {}, {}, 0};
@@ -260,6 +267,7 @@ TEST_F(InjectedKeysTest, HaveTheirLineFromRightToLeftAndOnTheScreen) {
         d.Type(kEdit, "7");
         EXPECT_EQ(RectIn(nullptr, d.Control(IDOK)), before) << "the window has moved instead";
         EXPECT_EQ(RectIn(nullptr, d.Handle()).bottom, monitor.rcWork.bottom);
+        EXPECT_EQ(ClippedBecause(Control::Of(d.Control(kText))), "");
         EXPECT_GT(RectIn(nullptr, d.Control(IDC_INJECTED_KEYS_ICON)).left,
                   RectIn(nullptr, d.Control(kText)).right);
         d.Escape();
