@@ -64,15 +64,20 @@ public:
     // For the host's OnOK, which Enter and other programs reach while the button is disabled.
     bool ReadAndCheck();
 
-    // Overwrites the texts last read from the edits.
+    // Overwrites what CurrentPin and NewPin keep.
     void EraseAllPinBuffers();
 
     // Takes the Caps-Lock balloons of the three edits down. A host that moves calls it.
     void ResetToolTip();
 
-    // What was read from the edits last. The caller overwrites its copies.
-    const CString& CurrentPin() const { return m_csPin; }
-    const CString& NewPin() const { return m_csNewPin; }
+    // What ReadAndCheck has found good, else what stands in the edits or stood there when the
+    // window went. The object keeps it until an edit changes or it is erased. The caller overwrites
+    // its copies.
+    const CString& CurrentPin() const;
+    const CString& NewPin() const;
+
+    // What stands in the edits, of which the panel keeps nothing. False when there is no memory.
+    bool ReadPins(CString& strCurrentPin, CString& strNewPin) const;
 
     // The configuration's "EnableSmallPINEntryPrevention", read when the panel was made; for the
     // module that embeds the panel.
@@ -97,20 +102,21 @@ private:
     void SetTexts();
     void CreatePoliciesPanel();
     bool ReadEdits(CString& currentPin, CString& newPin, CString& confirmation) const;
-    bool ReadAndJudge(const char* pszFunction);
+    bool ReadAndJudge(const char* pszFunction, CString& currentPin, CString& newPin);
     bool Judge(CString& currentPin, CString& value, CString& newPin, CString& confirmation);
     void EnableOk(bool bEnable);
     void AfterException(const char* pszFunction);
+    const CString& Kept(CString& strPin, const CCapsLockSensitiveEdit& edit) const;
+    void ErasePins();
 
-    CString m_csPin;
-    CString m_csNewPin;
+    mutable CString m_csPin;
+    mutable CString m_csNewPin;
     CStatic m_labelPin;
     CStatic m_labelNewPin;
     CStatic m_labelConfirm;
     CCapsLockSensitiveEdit m_editPin;
     CCapsLockSensitiveEdit m_editNewPin;
     CCapsLockSensitiveEdit m_editConfirm;
-    CString m_csConfirmPin;
     // Without a record: no rule but the confirmation's.
     PwdRuleArgs m_rules{0, 0, 0, 0, MVP_NO_PIN_LENGTH_RULE, MVP_NO_PIN_LENGTH_RULE, 0};
     int m_bUseWindowColor;

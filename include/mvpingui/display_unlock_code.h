@@ -43,6 +43,9 @@ public:
     /* 1 when the box is ticked, or missing; else 0. */
     int IsNeverDisplayChecked() const;
 
+    /* Sets `strCode` to what the window shows. The caller overwrites it. */
+    void TakeBack(CString& strCode) const;
+
 protected:
     void DoDataExchange(CDataExchange* pDX) override;
 

@@ -68,7 +68,7 @@ public:
     // use.
     CString GetPin();
 
-    // Overwrites what was read from the fields.
+    // Overwrites what the object keeps of the fields since its window has gone.
     void EraseSecrets();
 
     // Clears the fields that are not active and puts the focus on the active one; clears that too
@@ -85,6 +85,7 @@ protected:
     void DoDataExchange(CDataExchange* pDX) override;
     afx_msg void OnRadioClicked();
     afx_msg void OnCheckOkButton();
+    afx_msg void OnDestroy();
 
     DECLARE_MESSAGE_MAP()
 

@@ -61,21 +61,20 @@ void LogContradiction(const PwdRuleArgs* pRules) {
     }
 }
 
-// Straight from the panel: a text between would be one more to overwrite, and its memory could be
-// refused when one of the two PINs has been written.
-void HandOut(const CChangePINDialog* pPanel, const Output& output) {
-    const CString none;
-    CopyOut(pPanel != nullptr ? pPanel->CurrentPin() : none, output.pszOldPin, output.pcbOldPin);
-    CopyOut(pPanel != nullptr ? pPanel->NewPin() : none, output.pszNewPin, output.pcbNewPin);
+void HandOut(const CString& strCurrentPin, const CString& strNewPin, const Output& output) {
+    CopyOut(strCurrentPin, output.pszOldPin, output.pcbOldPin);
+    CopyOut(strNewPin, output.pszNewPin, output.pcbNewPin);
 }
 
 std::uint32_t ReadEmbedded(CChangePINDialog* pPanel, const Output& output) {
-    const bool verdict = pPanel->VerifyAndUpdateAllPolicies(pPanel->NewPin());
-    // The check sends messages, in whose course the host may have destroyed the panel.
-    if (!verdict || !mvp::IsChangePinPanel(pPanel)) {
+    CString currentPin;
+    CString newPin;
+    // The check sends messages, in whose course the host may destroy the panel.
+    if (!pPanel->ReadPins(currentPin, newPin) || !pPanel->VerifyAndUpdateAllPolicies(newPin) ||
+        !mvp::IsChangePinPanel(pPanel)) {
         return MVPINGUI_REFUSED;
     }
-    HandOut(pPanel, output);
+    HandOut(currentPin, newPin, output);
     return MVPINGUI_OK;
 }
 
@@ -88,7 +87,13 @@ std::uint32_t AskModal(const PwdRuleArgs* pRules, bool bAskCurrentPin, const cha
     if (dialog.DoModal() != IDOK) {
         return MVPINGUI_REFUSED;
     }
-    HandOut(dialog.Panel(), output);
+    // Straight from the panel: a text between would be one more to overwrite, and its memory could
+    // be refused.
+    if (const CChangePINDialog* panel = dialog.Panel()) {
+        HandOut(panel->CurrentPin(), panel->NewPin(), output);
+    } else {
+        HandOut({}, {}, output);
+    }
     return MVPINGUI_OK;
 }
 

@@ -60,12 +60,18 @@ void TellFailure(int nCode) {
     VKErrMesDisplayEx(kFreeText, text, 0, 0, 0);
 }
 
-// Whether the user has accepted the code and need not see it again.
-bool ShowCode(CWnd* pParent, const CString& strCode, const char* pszReader) {
+// Whether the user has accepted the code and need not see it again. While it is shown it stands in
+// the dialog alone.
+bool ShowCode(CWnd* pParent, CString& strCode, const char* pszReader) {
     SecretText grouped;
     grouped.str = mvp::GroupByFour<CString>(mvp::View(strCode));
-    return IsToBeDisplayed() &&
-           CDisplayUnlockCodeDlg(pParent, grouped.str, pszReader, 0).DoModal() == IDOK;
+    mvp::Wipe(strCode);
+    if (!IsToBeDisplayed()) {
+        return false;
+    }
+    CDisplayUnlockCodeDlg dialog(pParent, grouped.str, pszReader, 0);
+    mvp::Wipe(grouped.str);
+    return dialog.DoModal() == IDOK;
 }
 
 int FetchAndShow(CWnd* pParent, void* pContext, MvpGetUnlockCodeCallback pfnGetUnlockCode,

@@ -11,6 +11,7 @@
 #include "resources/resource_numbers.h"
 #include "services/log.h"
 #include "services/resource_module.h"
+#include "services/wipe.h"
 
 namespace {
 
@@ -34,6 +35,10 @@ int CDisplayUCChild::LocCreate(CWnd* pParent) {
     return CreateFromResourceModule(pParent);
 }
 
+void CDisplayUCChild::TakeBack(CString& strCode) const {
+    m_editCode.ReadSecret(strCode);
+}
+
 int CDisplayUCChild::IsNeverDisplayChecked() const {
     const mvp::LogScope scope("CDisplayUCChild::IsNeverDisplayChecked");
     const HWND box = ::GetDlgItem(m_hWnd, IDC_UNLOCK_CODE_NEVER_AGAIN);
@@ -43,10 +48,13 @@ int CDisplayUCChild::IsNeverDisplayChecked() const {
 void CDisplayUCChild::DoDataExchange(CDataExchange* pDX) {
     CBaseDialog::DoDataExchange(pDX);
     mvp::BindIfThere(pDX, IDC_UNLOCK_CODE_CODE, m_editCode);
-    // The code is shown and never read back.
     if (!pDX->m_bSaveAndValidate) {
         m_editCode.ShowText();
+    }
+    // The code is moved to the edit, where alone it stands while it is shown.
+    if (!pDX->m_bSaveAndValidate && !m_strCode.IsEmpty()) {
         m_editCode.WriteSecret(m_strCode);
+        mvp::Wipe(m_strCode);
     }
 }
 
@@ -101,6 +109,7 @@ void CDisplayUnlockCodeDlg::CreatePanel() {
         delete std::exchange(m_pDisplayUCChild, nullptr);
         return;
     }
+    mvp::Wipe(m_strCode);
     mvp::ShowPanelFirst(*m_pDisplayUCChild);
 }
 
@@ -118,6 +127,10 @@ void CDisplayUnlockCodeDlg::OnOK() {
 
 void CDisplayUnlockCodeDlg::OnDestroy() {
     const mvp::LogScope scope("CDisplayUnlockCodeDlg::OnDestroy");
+    // For another DoModal.
+    if (m_pDisplayUCChild != nullptr) {
+        m_pDisplayUCChild->TakeBack(m_strCode);
+    }
     // A dialog that was opened later over the same parent may have put its own there; when that one
     // goes, it brings back what it found.
     if (m_hPropertyWnd != nullptr && GetPropA(m_hPropertyWnd, kWindowProperty) == m_hWnd) {

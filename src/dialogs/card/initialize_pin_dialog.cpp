@@ -17,6 +17,7 @@
 #include "services/log.h"
 #include "services/notify_event.h"
 #include "services/registry_value.h"
+#include "services/wipe.h"
 
 namespace {
 
@@ -137,6 +138,9 @@ void CInitializePinDlg::OnChangeEditNewPin() {
         return;
     }
     const bool allowed = IsAllowed();
+    // While the user types they stand in the edits alone.
+    mvp::Wipe(m_strNewPin);
+    mvp::Wipe(m_strConfirmPin);
     if (CWnd* ok = GetDlgItem(IDOK)) {
         // A disabled button that has the focus would take the keyboard with it.
         if (!allowed && ::GetFocus() == ok->m_hWnd) {
@@ -152,7 +156,11 @@ void CInitializePinDlg::OnOK() {
     const mvp::LogScope scope("CInitializePinDlg::OnOK");
     // What has ended the dialog before stands, a callback that serves messages is not called again
     // meanwhile, and the command comes from anywhere, also while the button is disabled.
-    if ((m_nFlags & WF_CONTINUEMODAL) == 0 || m_bInitializing || !IsAllowed()) {
+    if ((m_nFlags & WF_CONTINUEMODAL) == 0 || m_bInitializing) {
+        return;
+    }
+    if (!IsAllowed()) {
+        ErasePins();
         return;
     }
     m_bInitializing = true;

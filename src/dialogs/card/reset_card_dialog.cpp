@@ -40,6 +40,7 @@ BEGIN_MESSAGE_MAP(CResetCardDialog, CBaseDialog)
     ON_EN_CHANGE(IDC_RESET_CARD_PIN_EDIT, &CResetCardDialog::OnCheckOkButton)
     ON_EN_CHANGE(IDC_RESET_CARD_RESPONSE_EDIT, &CResetCardDialog::OnCheckOkButton)
     ON_EN_CHANGE(IDC_RESET_CARD_CODE_EDIT, &CResetCardDialog::OnCheckOkButton)
+    ON_WM_DESTROY()
 END_MESSAGE_MAP()
 
 CResetCardDialog::CResetCardDialog(int nMode, const RECT* pPosition, CButton* pOkButton,
@@ -203,7 +204,8 @@ void CResetCardDialog::OnRadioClicked() {
 void CResetCardDialog::OnCheckOkButton() {
     const mvp::LogScope scope("CResetCardDialog::OnCheckOkButton");
     if (m_pOkButton != nullptr) {
-        mvp::EnableIf(*m_pOkButton, UpdateData(TRUE) && !ActiveText().IsEmpty());
+        const CCapsLockSensitiveEdit& active = ActiveEdit();
+        mvp::EnableIf(*m_pOkButton, active.m_hWnd != nullptr && active.GetWindowTextLength() != 0);
     }
 }
 
@@ -246,12 +248,19 @@ CString CResetCardDialog::GetPin() {
     mvp::Guarded(
         [&] {
             if (m_hWnd != nullptr) {
-                UpdateData(TRUE);
+                ActiveEdit().ReadSecret(text);
+            } else {
+                text = ActiveText();
             }
-            text = ActiveText();
         },
         mvp::LogException("CResetCardDialog::GetPin"));
     return text;
+}
+
+// What stood in the fields stays with the object.
+void CResetCardDialog::OnDestroy() {
+    UpdateData(TRUE);
+    CBaseDialog::OnDestroy();
 }
 
 void CResetCardDialog::ResetToolTip() {

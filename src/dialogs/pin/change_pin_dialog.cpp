@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include <dlgfw/data_exchange.h>
 #include <dlgfw/geometry.h>
@@ -17,6 +18,7 @@
 #include "services/log.h"
 #include "services/registry_value.h"
 #include "services/resource_module.h"
+#include "services/wipe.h"
 
 BEGIN_MESSAGE_MAP(CChangePINDialog, CBaseDialog)
     ON_EN_CHANGE(IDC_CHANGE_PIN_PANEL_CURRENT_EDIT, &CChangePINDialog::OnEnChangeEditPin)
@@ -186,7 +188,10 @@ void CChangePINDialog::OnEnChangeEditPinConfirm() {
 
 void CChangePINDialog::OnEnChangeEditPinNew() {
     const mvp::LogScope scope("CChangePINDialog::OnEnChangeEditPinNew");
-    ReadAndJudge("CChangePINDialog::OnEnChangeEditPinNew");
+    ErasePins();
+    CString currentPin;
+    CString newPin;
+    ReadAndJudge("CChangePINDialog::OnEnChangeEditPinNew", currentPin, newPin);
 }
 
 // What was read before an exception may not be what stands in the edits: it is not handed out.
@@ -230,22 +235,22 @@ bool CChangePINDialog::ReadEdits(CString& currentPin, CString& newPin,
 }
 
 // One reading of each edit serves the check and the hand-over. Returns whether OK may be obeyed.
-bool CChangePINDialog::ReadAndJudge(const char* pszFunction) {
+bool CChangePINDialog::ReadAndJudge(const char* pszFunction, CString& currentPin, CString& newPin) {
     return mvp::Guarded(
         false,
-        [=, this] {
-            if (!ReadEdits(m_csPin, m_csNewPin, m_csConfirmPin)) {
+        [&] {
+            CString confirmation;
+            if (!ReadEdits(currentPin, newPin, confirmation)) {
                 AfterException(pszFunction);
                 return false;
             }
-            const bool currentGiven = !m_bAskCurrentPin || !m_csPin.IsEmpty();
-            CString currentPin = m_csPin;
-            CString value = m_csNewPin;
-            CString newPin = m_csNewPin;
-            CString confirmation = m_csConfirmPin;
-            return Judge(currentPin, value, newPin, confirmation) && currentGiven;
+            const bool currentGiven = !m_bAskCurrentPin || !currentPin.IsEmpty();
+            CString judgedCurrentPin = currentPin;
+            CString judgedNewPin = newPin;
+            CString value = newPin;
+            return Judge(judgedCurrentPin, value, judgedNewPin, confirmation) && currentGiven;
         },
-        [=, this] { AfterException(pszFunction); });
+        [&] { AfterException(pszFunction); });
 }
 
 // Returns whether the rules are met, and overwrites the texts.
@@ -271,7 +276,36 @@ bool CChangePINDialog::ReadAndCheck() {
     if (m_hWnd == nullptr || (m_nFlags & WF_DESTROYING) != 0) {
         return false;
     }
-    return ReadAndJudge("CChangePINDialog::ReadAndCheck");
+    ErasePins();
+    CString currentPin;
+    CString newPin;
+    // The host may have deleted the panel meanwhile.
+    if (!ReadAndJudge("CChangePINDialog::ReadAndCheck", currentPin, newPin) ||
+        !mvp::IsChangePinPanel(this)) {
+        return false;
+    }
+    m_csPin = std::move(currentPin);
+    m_csNewPin = std::move(newPin);
+    return true;
+}
+
+bool CChangePINDialog::ReadPins(CString& strCurrentPin, CString& strNewPin) const {
+    return m_editPin.ReadSecret(strCurrentPin) && m_editNewPin.ReadSecret(strNewPin);
+}
+
+const CString& CChangePINDialog::CurrentPin() const {
+    return Kept(m_csPin, m_editPin);
+}
+
+const CString& CChangePINDialog::NewPin() const {
+    return Kept(m_csNewPin, m_editNewPin);
+}
+
+const CString& CChangePINDialog::Kept(CString& strPin, const CCapsLockSensitiveEdit& edit) const {
+    if (m_hWnd != nullptr && strPin.IsEmpty()) {
+        edit.ReadSecret(strPin);
+    }
+    return strPin;
 }
 
 void CChangePINDialog::EnableOk(bool bEnable) {
@@ -282,9 +316,15 @@ void CChangePINDialog::EnableOk(bool bEnable) {
 
 void CChangePINDialog::EraseAllPinBuffers() {
     const mvp::LogScope scope("CChangePINDialog::EraseAllPinBuffers");
-    for (CString* pin : {&m_csPin, &m_csNewPin, &m_csConfirmPin}) {
+    for (CString* pin : {&m_csPin, &m_csNewPin}) {
         HidePinFromMemory(*pin);
     }
+}
+
+// While the user types, they stand in the edits alone.
+void CChangePINDialog::ErasePins() {
+    mvp::Wipe(m_csPin);
+    mvp::Wipe(m_csNewPin);
 }
 
 void CChangePINDialog::ResetToolTip() {
@@ -302,6 +342,9 @@ void CChangePINDialog::OnMove(int x, int y) {
 
 void CChangePINDialog::OnDestroy() {
     const mvp::LogScope scope("CChangePINDialog::OnDestroy");
+    // What stood in the edits stays with the object.
+    CurrentPin();
+    NewPin();
     m_rulePanel.Destroy();
     mvp::SetChangePinPanelWindow(this, nullptr);
     CBaseDialog::OnDestroy();

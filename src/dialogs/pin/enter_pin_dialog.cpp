@@ -14,6 +14,7 @@
 #include "services/log.h"
 #include "services/registry_value.h"
 #include "services/resource_module.h"
+#include "services/wipe.h"
 
 BEGIN_MESSAGE_MAP(CEnterPinDlg, VKDetectCardRemovedDlg)
     ON_EN_CHANGE(IDC_ENTER_PIN_EDIT, &CEnterPinDlg::OnEnChangeEditPassword)
@@ -83,9 +84,6 @@ void CEnterPinDlg::DoDataExchange(CDataExchange* pDX) {
     DDX_Control(pDX, IDC_ENTER_PIN_EDIT, m_editPin);
     mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_BANNER, m_banner);
     mvp::BindIfThere(pDX, IDC_ENTER_PIN_BRAND_PROGRESS, m_progressBar);
-    if (pDX->m_bSaveAndValidate && !m_editPin.ReadSecret(m_strPin)) {
-        pDX->Fail();
-    }
 }
 
 BOOL CEnterPinDlg::OnInitDialog() {
@@ -105,15 +103,19 @@ BOOL CEnterPinDlg::OnInitDialog() {
 void CEnterPinDlg::OnOK() {
     const mvp::LogScope scope("CEnterPinDlg::OnOK");
     // What has ended the dialog before stands: another OK judges nothing anew.
-    if ((m_nFlags & WF_CONTINUEMODAL) == 0 || !UpdateData(TRUE) || !IsPinAllowed()) {
+    if ((m_nFlags & WF_CONTINUEMODAL) == 0) {
+        return;
+    }
+    if (!m_editPin.ReadSecret(m_strPin) || !IsAllowed(m_strPin)) {
+        mvp::Wipe(m_strPin);
         return;
     }
     StopDetectingRemoveEvent();
     EndDialog(IDOK);
 }
 
-bool CEnterPinDlg::IsPinAllowed() const {
-    return mvp::IsPinLengthAllowed(static_cast<std::size_t>(m_strPin.GetLength()), m_dwMinLength,
+bool CEnterPinDlg::IsAllowed(const CString& strPin) const {
+    return mvp::IsPinLengthAllowed(static_cast<std::size_t>(strPin.GetLength()), m_dwMinLength,
                                    m_dwMaxLength);
 }
 
@@ -148,9 +150,13 @@ void CEnterPinDlg::OnEnChangeEditPassword() {
     vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnEnChangeEditPassword:BEG");
     // What OK has taken stays as it was.
     if ((m_nFlags & WF_CONTINUEMODAL) != 0) {
-        UpdateData(TRUE);
+        // While the dialog is open the PIN stands in the edit alone.
+        CString pin;
+        m_editPin.ReadSecret(pin);
+        const bool allowed = IsAllowed(pin);
+        mvp::Wipe(pin);
         if (CWnd* ok = GetDlgItem(IDOK)) {
-            ok->EnableWindow(IsPinAllowed());
+            ok->EnableWindow(allowed);
         }
     }
     vklogLog(g_szLogTag, kLogDetail, "CEnterPinDlg::OnEnChangeEditPassword:END");

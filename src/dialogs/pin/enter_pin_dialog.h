@@ -1,7 +1,8 @@
 // CEnterPinDlg: asks for a card's PIN.
 //
 // OK is enabled while the PIN's length lies within the caller's bounds; the dialog closes when the
-// card leaves its reader. It keeps the PIN until it is destroyed, and overwrites it then.
+// card leaves its reader. From OK on it keeps the PIN until it is destroyed, and overwrites it
+// then.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +25,7 @@ public:
                  std::uint32_t dwMaxLength, const CString& strPrompt);
     ~CEnterPinDlg() override;
 
-    // A copy of what was typed. The caller overwrites it after use.
+    // A copy of what was confirmed. The caller overwrites it after use.
     CString GetPinValue() const;
 
 protected:
@@ -65,7 +66,7 @@ private:
     void TryToInsertBitmap();
     void ShowBranding(const BrandingPicture& setting, int nDefaultPicture, CStatic& picture,
                       mvp::Bitmap& bitmap);
-    bool IsPinAllowed() const;
+    bool IsAllowed(const CString& strPin) const;
 
     std::uint32_t m_dwMinLength;
     std::uint32_t m_dwMaxLength;
