@@ -42,6 +42,14 @@ void* WINAPI CheckedHeapReAlloc(HANDLE hHeap, DWORD dwFlags, void* p, SIZE_T nBy
     return real(hHeap, dwFlags, p, nBytes);
 }
 
+BOOL WINAPI CheckedVirtualFree(void* p, SIZE_T nBytes, DWORD dwType) {
+    static const auto real = Real(VirtualFree, "VirtualFree");
+    MEMORY_BASIC_INFORMATION info = {};
+    VirtualQuery(p, &info, sizeof info);
+    g_look(p, info.RegionSize);
+    return real(p, nBytes, dwType);
+}
+
 void LookAtLocal(HLOCAL hMemory) {
     if (const void* p = LocalLock(hMemory)) {
         g_look(p, LocalSize(hMemory));
@@ -72,6 +80,7 @@ FreedBlocks::FreedBlocks(std::initializer_list<const char*> modules, Look look) 
                                                {"free", Address(&CheckedFree), "msvcrt.dll"},
                                                {"HeapFree", Address(&CheckedHeapFree)},
                                                {"HeapReAlloc", Address(&CheckedHeapReAlloc)},
+                                               {"VirtualFree", Address(&CheckedVirtualFree)},
                                                {"LocalFree", Address(&CheckedLocalFree)},
                                                {"LocalReAlloc", Address(&CheckedLocalReAlloc)},
                                            });

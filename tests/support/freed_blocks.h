@@ -1,5 +1,5 @@
-// Looks at what modules give back to the heaps: their calls of `free`, `HeapFree`, `LocalFree` and
-// of what may move a block, `HeapReAlloc` and `LocalReAlloc`, go through a check that sees the
+// Looks at what modules give back: their calls of `free`, `HeapFree`, `LocalFree`, `VirtualFree`
+// and of what may move a block, `HeapReAlloc` and `LocalReAlloc`, go through a check that sees the
 // block while it is still their own. What a scan of the memory finds later depends on who took the
 // block next; this does not.
 #pragma once

@@ -1,13 +1,15 @@
 #include "support/memory_scan.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <ostream>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include "platform/handle.h"
 
@@ -15,28 +17,23 @@ namespace mvp::test {
 namespace {
 
 constexpr size_t kMaxHits = 4096;
-constexpr size_t kChunk = size_t{1} << 18;
+constexpr size_t kChunk = size_t{1} << 20;
+constexpr size_t kPage = 4096;
 
-constexpr size_t PieceSize(bool bWide) {
-    return Secret::kPiece * (bWide ? 2 : 1);
-}
-
-// Memory of the scan's own, outside every heap, which the scan leaves out. Zeroed by the system
-// when it is given back.
+// Memory of the scan's own, outside every heap, which the scan leaves out.
 struct Scratch {
     unsigned char bytes[kChunk];
     MemoryHit hits[kMaxHits];
     size_t nHits;
 
-    void Add(ULONG_PTR address, size_t nPiece, bool bWide) {
-        const size_t first = nPiece * Secret::kPiece;
-        if (MemoryHit* last = nHits > 0 ? &hits[nHits - 1] : nullptr;
-            last != nullptr && last->bWide == bWide &&
-            last->address + last->nCount * (bWide ? 2 : 1) == address &&
-            last->nFirst + last->nCount == first) {
-            last->nCount += Secret::kPiece;
+    // The two parts of a stretch over the border of two chunks are one hit.
+    void Add(const MemoryHit& hit) {
+        MemoryHit* last = nHits > 0 ? &hits[nHits - 1] : nullptr;
+        if (last != nullptr && last->bWide == hit.bWide &&
+            hit.address - last->address == (hit.nFirst - last->nFirst) * hit.Step()) {
+            last->nCount = std::max(last->nCount, hit.nFirst + hit.nCount - last->nFirst);
         } else if (nHits < kMaxHits) {
-            hits[nHits++] = {address, first, Secret::kPiece, bWide};
+            hits[nHits++] = hit;
         }
     }
 };
@@ -44,126 +41,186 @@ struct Scratch {
 struct ScratchTraits {
     using Handle = Scratch*;
     static Handle None() noexcept { return nullptr; }
-    static void Close(Handle handle) noexcept { VirtualFree(handle, 0, MEM_RELEASE); }
+    static void Close(Handle handle) noexcept {
+        std::memset(handle->bytes, 0, sizeof handle->bytes);
+        VirtualFree(handle, 0, MEM_RELEASE);
+    }
 };
+
+// Reads what of the range is still there, page by page where a page has vanished. A chunk begins
+// with the end of the one before, so that no run falls between them.
+void ScanRange(const Secret& secret, HANDLE hProcess, ULONG_PTR nBegin, ULONG_PTR nEnd,
+               Scratch& scratch) {
+    constexpr size_t kOverlap = 2 * Secret::kRun;
+    for (ULONG_PTR at = nBegin; at < nEnd;) {
+        const size_t wanted = std::min<size_t>(nEnd - at, kChunk);
+        SIZE_T read = 0;
+        for (const size_t part : {wanted, std::min(wanted, kPage)}) {
+            if (read == 0) {
+                ReadProcessMemory(hProcess, reinterpret_cast<const void*>(at), scratch.bytes, part,
+                                  &read);
+            }
+        }
+        secret.FindRuns(scratch.bytes, read,
+                        [&](size_t nOffset, size_t nFirst, size_t nCount, bool bWide) {
+                            scratch.Add({at + nOffset, nFirst, nCount, bWide});
+                        });
+        const bool last = at + read >= nEnd || read <= kOverlap;
+        at += read == 0 ? kPage : (last ? read : read - kOverlap);
+    }
+}
 
 }  // namespace
 
 template <class Found>
-void Secret::FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nBytes,
-                        Found found) const {
-    for (size_t at = 0; at < nFresh; ++at) {
-        const int piece = m_pieceByFirst[pBytes[at]];
-        for (const bool wide : {false, true}) {
-            bool matches = piece >= 0 && nBytes - at >= PieceSize(wide);
-            for (size_t i = 0; matches && i < kPiece; ++i) {
-                const unsigned char* p = pBytes + at + i * (wide ? 2 : 1);
-                const char wanted = (*this)[static_cast<size_t>(piece) * kPiece + i];
-                matches = *p == static_cast<unsigned char>(wanted) && (!wide || p[1] == 0);
+void Secret::FindRuns(const unsigned char* pBytes, size_t nBytes, Found found) const {
+    const auto isPair = [&](std::uint32_t dwPair) { return m_pairs[dwPair & 0xFFFF]; };
+    const auto isPairAt = [&](size_t at, size_t step) {
+        return at + 2 * step <= nBytes &&
+               isPair(pBytes[at] | std::uint32_t{pBytes[at + step]} << 8) &&
+               (step == 1 || (pBytes[at + 1] == 0 && pBytes[at + 3] == 0));
+    };
+    // Four bytes at a time: two characters in a row of each run lie at an even place in 8-bit text,
+    // and fill all four in 16-bit text, as far as it begins at an even place.
+    for (size_t at = 0, next = 0; at + 4 <= nBytes; at = next) {
+        next = at + 4;
+        std::uint32_t four = 0;
+        std::memcpy(&four, pBytes + at, sizeof four);
+        size_t begin = at;
+        size_t step = 1;
+        if (four == 0) {
+            continue;
+        } else if (isPair(four >> 16)) {
+            begin += 2;
+        } else if ((four & 0xFF00FF00) == 0 && isPair(four | four >> 8)) {
+            step = 2;
+        } else if ((four & 0x00FF00FF) == 0 && isPair(four >> 8 | four >> 16)) {
+            ++begin;
+            step = 2;
+        } else if (!isPair(four)) {
+            continue;
+        }
+        size_t end = begin + step;
+        while (begin >= step && isPairAt(begin - step, step)) {
+            begin -= step;
+        }
+        while (isPairAt(end, step)) {
+            end += step;
+        }
+        const size_t count = (end - begin) / step + 1;
+        if (count >= kRun) {
+            size_t first = 0;
+            while ((*this)[first] != static_cast<char>(pBytes[begin])) {
+                ++first;
             }
-            if (matches) {
-                found(at, static_cast<size_t>(piece), wide);
-            }
+            found(begin, first, count, step == 2);
+            next = (end + step + 3) / 4 * 4;
         }
     }
 }
 
 namespace {
 
-// Reads what of the range is still there, page by page where a page has vanished.
-void ScanRange(const Secret& secret, ULONG_PTR nBegin, ULONG_PTR nEnd, Scratch& scratch) {
-    constexpr size_t kPage = 4096;
-    const size_t overlap = PieceSize(true) - 1;
-    for (ULONG_PTR at = nBegin; at < nEnd;) {
-        const size_t wanted = std::min<size_t>(nEnd - at, kChunk);
-        SIZE_T read = 0;
-        for (const size_t part : {wanted, std::min(wanted, kPage)}) {
-            if (read < part) {
-                ReadProcessMemory(GetCurrentProcess(), reinterpret_cast<const void*>(at),
-                                  scratch.bytes, part, &read);
-            }
-        }
-        const bool last = at + read >= nEnd || read <= overlap;
-        const size_t fresh = last ? read : read - overlap;
-        secret.FindPieces(scratch.bytes, fresh, read,
-                          [&](size_t nOffset, size_t nPiece, bool bWide) {
-                              scratch.Add(at + nOffset, nPiece, bWide);
-                          });
-        at += std::max(fresh, read == 0 ? kPage : size_t{1});
-    }
-    SecureZeroMemory(scratch.bytes, sizeof scratch.bytes);
-}
-
-bool IsWritable(const MEMORY_BASIC_INFORMATION& info) {
+// All but what was mapped from a file and cannot be written.
+bool IsToBeRead(const MEMORY_BASIC_INFORMATION& info) {
     constexpr DWORD kWritable =
         PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    return info.State == MEM_COMMIT && (info.Protect & kWritable) != 0 &&
-           (info.Protect & PAGE_GUARD) == 0;
+    return info.State == MEM_COMMIT && (info.Protect & (PAGE_GUARD | PAGE_NOACCESS)) == 0 &&
+           (info.Type == MEM_PRIVATE || (info.Protect & kWritable) != 0);
 }
 
-void ScanAll(const Secret& secret, Scratch& scratch) {
+void ScanAll(const Secret& secret, HANDLE hProcess, Scratch& scratch) {
     MEMORY_BASIC_INFORMATION info = {};
     for (ULONG_PTR at = 0;
-         VirtualQuery(reinterpret_cast<const void*>(at), &info, sizeof info) != 0;) {
+         VirtualQueryEx(hProcess, reinterpret_cast<const void*>(at), &info, sizeof info) != 0;) {
         at = reinterpret_cast<ULONG_PTR>(info.BaseAddress) + info.RegionSize;
-        if (IsWritable(info) && info.AllocationBase != &scratch) {
-            ScanRange(secret, at - info.RegionSize, at, scratch);
+        // In another process something else stands there.
+        const bool scratched =
+            info.AllocationBase == &scratch && GetProcessId(hProcess) == GetCurrentProcessId();
+        if (IsToBeRead(info) && !scratched) {
+            ScanRange(secret, hProcess, at - info.RegionSize, at, scratch);
         }
     }
 }
 
-bool IsInUse(HANDLE hHeap, ULONG_PTR address) {
-    bool found = false;
-    PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(hHeap);
-    while (!found && HeapWalk(hHeap, &entry)) {
-        const auto begin = reinterpret_cast<ULONG_PTR>(entry.lpData);
-        found = (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 && address >= begin &&
-                address - begin < entry.cbData;
-    }
-    HeapUnlock(hHeap);
-    return found;
+unsigned ProcessSeed() {
+    static const char* const wanted = std::getenv("MVP_SCAN_SEED");
+    static const unsigned seed = wanted != nullptr
+                                     ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 10))
+                                     : std::random_device()();
+    return seed;
 }
+
+unsigned NextSeed() {
+    static std::mt19937 seeds(ProcessSeed());
+    return static_cast<unsigned>(seeds());
+}
+
+// The allocation that the address lies in when that is a single page, else 0.
+ULONG_PTR PageOfItsOwn(ULONG_PTR address) {
+    MEMORY_BASIC_INFORMATION page = {};
+    MEMORY_BASIC_INFORMATION behind = {};
+    VirtualQuery(reinterpret_cast<const void*>(address), &page, sizeof page);
+    const auto base = reinterpret_cast<ULONG_PTR>(page.AllocationBase);
+    VirtualQuery(reinterpret_cast<const void*>(base + kPage), &behind, sizeof behind);
+    return address - base < kPage && behind.AllocationBase != page.AllocationBase ? base : 0;
+}
+
+const std::string kDigits = "0123456789";
+const std::string kEnglish = kDigits + "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+
+// Letters whose number is the same as 8-bit and as 16-bit character.
+const std::string kOthers = [] {
+    std::string letters;
+    for (int ch = 0xC0; ch <= 0xFF; ++ch) {
+        letters += static_cast<char>(ch);
+    }
+    return letters;
+}();
 
 }  // namespace
 
+Secret::Secret(std::vector<std::string> kinds, size_t nLength, unsigned nSeed)
+    : m_nSeed(nSeed), m_nLength(nLength) {
+    std::mt19937 random(nSeed);
+    for (std::string& kind : kinds) {
+        std::ranges::transform(kind, kind.begin(), Coded);
+        std::shuffle(kind.begin(), kind.end(), random);
+    }
+    for (size_t i = 0; i < nLength; ++i) {
+        m_encoded.at(i) = kinds[i % kinds.size()].at(i / kinds.size());
+    }
+    for (size_t i = 1; i < nLength; ++i) {
+        m_pairs.set(static_cast<unsigned char>((*this)[i - 1]) |
+                    static_cast<unsigned char>((*this)[i]) << 8);
+    }
+}
+
+Secret Secret::Unheard(const std::function<Secret(unsigned nSeed)>& make) {
+    for (;;) {
+        Secret secret = make(NextSeed());
+        if (ScanMemory(secret).empty()) {
+            return secret;
+        }
+    }
+}
+
 Secret::Secret()
-    : Secret("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", kLength) {}
+    : Secret(Unheard([](unsigned nSeed) {
+          return Secret({kEnglish, kOthers}, kLength, nSeed);
+      })) {}
+
+Secret Secret::Pin() {
+    return Unheard(&OfSeed);
+}
 
 Secret Secret::UnlockCode() {
-    return {"0123456789ABCDEF", 16};
+    return Unheard([](unsigned nSeed) { return Secret({kDigits, "ABCDEF", "abcdef"}, 16, nSeed); });
 }
 
-Secret::Secret(std::string_view characters, size_t nLength) : m_nLength(nLength) {
-    static unsigned lastNumber = 0;
-    std::mt19937 random(++lastNumber);
-    std::string encoded;
-    for (const char ch : characters) {
-        encoded.push_back(Coded(ch));
-    }
-    std::shuffle(encoded.begin(), encoded.end(), random);
-    std::copy_n(encoded.begin(), nLength, m_encoded.begin());
-    FindFirstOfPieces();
-}
-
-Secret Secret::Grouped() const {
-    Secret grouped = *this;
-    grouped.m_nLength = 0;
-    for (size_t i = 0; i < m_nLength; ++i) {
-        if (i > 0 && i % 4 == 0) {
-            grouped.m_encoded.at(grouped.m_nLength++) = Coded('-');
-        }
-        grouped.m_encoded.at(grouped.m_nLength++) = m_encoded.at(i);
-    }
-    grouped.FindFirstOfPieces();
-    return grouped;
-}
-
-void Secret::FindFirstOfPieces() {
-    m_pieceByFirst.fill(-1);
-    for (size_t i = 0; i + kPiece <= m_nLength; i += kPiece) {
-        m_pieceByFirst.at(static_cast<unsigned char>((*this)[i])) = static_cast<int>(i / kPiece);
-    }
+Secret Secret::OfSeed(unsigned nSeed) {
+    const unsigned length = 4 + nSeed % 10;
+    return {{kEnglish, kOthers}, length <= 12 ? length : kLength, nSeed};
 }
 
 void Secret::CopyTo(void* pTarget, bool bWide) const {
@@ -177,26 +234,34 @@ void Secret::CopyTo(void* pTarget, bool bWide) const {
 }
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit) {
+    MEMORY_BASIC_INFORMATION info = {};
+    VirtualQuery(reinterpret_cast<const void*>(hit.address), &info, sizeof info);
     return stream << "characters " << hit.nFirst + 1 << " to " << hit.nFirst + hit.nCount << ", "
-                  << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address
-                  << std::dec << (hit.bInUse ? " in a heap" : " in freed or other memory");
+                  << (hit.bWide ? "16" : "8") << "-bit, at 0x" << std::hex << hit.address << " of "
+                  << info.RegionSize << " bytes at 0x"
+                  << reinterpret_cast<ULONG_PTR>(info.BaseAddress) << std::dec;
 }
 
-std::vector<MemoryHit> ScanOwnMemory(const Secret& secret) {
+std::vector<MemoryHit> ScanMemory(const Secret& secret, HANDLE hProcess) {
     const UniqueHandle<ScratchTraits> scratch(static_cast<Scratch*>(
         VirtualAlloc(nullptr, sizeof(Scratch), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
     if (!scratch) {
         throw std::runtime_error("no memory to scan with");
     }
-    ScanAll(secret, *scratch.get());
-    std::vector<MemoryHit> hits(scratch.get()->hits, scratch.get()->hits + scratch.get()->nHits);
-    HANDLE heaps[64] = {reinterpret_cast<HANDLE>(_get_heap_handle())};
-    GetProcessHeaps(63, heaps + 1);
-    for (MemoryHit& hit : hits) {
-        hit.bInUse = std::ranges::any_of(
-            heaps, [&](HANDLE hHeap) { return hHeap != nullptr && IsInUse(hHeap, hit.address); });
+    ScanAll(secret, hProcess, *scratch.get());
+    return {scratch.get()->hits, scratch.get()->hits + scratch.get()->nHits};
+}
+
+void ExpectOnPagesOfTheirOwn(const Secret& secret, size_t nPages, const char* pszWhen) {
+    const std::vector<MemoryHit> hits = ScanMemory(secret);
+    std::set<ULONG_PTR> pages;
+    size_t count = 0;
+    for (const MemoryHit& hit : hits) {
+        count += hit.nCount;
+        pages.insert(hit.bWide ? PageOfItsOwn(hit.address) : 0);
     }
-    return hits;
+    EXPECT_TRUE(pages.size() == nPages && !pages.contains(0) && count == nPages * secret.size())
+        << pszWhen << ", " << secret << ": " << testing::PrintToString(hits);
 }
 
 SecretWatch::SecretWatch(std::vector<const Secret*> secrets)
@@ -204,18 +269,23 @@ SecretWatch::SecretWatch(std::vector<const Secret*> secrets)
       m_freedBlocks({nullptr, "mvpingui.dll", "dlgfw.dll", "comctl32.dll", "user32.dll"},
                     [this](const void* pBlock, size_t nBytes) {
                         for (const Secret* secret : m_secrets) {
-                            secret->FindPieces(static_cast<const unsigned char*>(pBlock), nBytes,
-                                               nBytes, [&](size_t, size_t, bool) { ++m_nFreed; });
+                            secret->FindRuns(static_cast<const unsigned char*>(pBlock), nBytes,
+                                             [&](size_t, size_t, size_t, bool) { ++m_nFreed; });
                         }
                     }) {}
 
 void SecretWatch::ExpectNothingLeft(const char* pszWhen) const {
-    EXPECT_EQ(m_nFreed, 0) << pszWhen << ": pieces in blocks that were freed";
-    for (size_t i = 0; i < m_secrets.size(); ++i) {
-        for (const MemoryHit& hit : ScanOwnMemory(*m_secrets[i])) {
-            ADD_FAILURE() << pszWhen << ", secret " << i + 1 << ": " << hit;
+    EXPECT_EQ(m_nFreed, 0) << pszWhen << ": parts in blocks that were freed, " << *m_secrets[0];
+    for (const Secret* secret : m_secrets) {
+        for (const MemoryHit& hit : ScanMemory(*secret)) {
+            ADD_FAILURE() << pszWhen << ", " << *secret << ": " << hit;
         }
     }
+}
+
+std::ostream& operator<<(std::ostream& stream, const Secret& secret) {
+    return stream << "secret " << secret.m_nSeed << " of " << secret.size()
+                  << " characters, MVP_SCAN_SEED=" << ProcessSeed();
 }
 
 }  // namespace mvp::test

@@ -1,13 +1,13 @@
-// Looks for a secret in the memory of this process, to prove that it has been wiped:
+// Looks for a secret in the memory of a process, to prove that it has been wiped:
 //
-//     const Secret pin;
+//     const Secret pin = Secret::Pin();
 //     const SecretWatch watch({&pin});
 //     ...  // the secret comes and goes
 //     watch.ExpectNothingLeft("after Cancel");
 //
-// A watch looks at what is freed, when it is, and at what is in the memory at the end: all that is
-// committed and writable, for any piece of the secret as 8-bit and as 16-bit characters. A freed
-// block whose ends the heap uses for its own records, or that another block overlaps, still counts.
+// Searched for is every run of four of its characters, as 8-bit and as 16-bit text, from any byte
+// on, in all memory that is committed, but for files that are mapped to be read; and, by a
+// watch, in each block that is freed, when it is.
 //
 // The scan reads by way of the system's own reading of process memory, so that pages may vanish
 // meanwhile, and takes no heap memory while it looks, which might be the very block.
@@ -20,47 +20,60 @@
 
 #include <array>
 #include <atomic>
+#include <bitset>
+#include <functional>
 #include <iosfwd>
-#include <string_view>
+#include <string>
 #include <vector>
 
 #include "support/freed_blocks.h"
 
 namespace mvp::test {
 
-// Letters and digits in no order, no two alike and none in the order of another secret of the
-// program. They are kept encoded, so that neither the program nor the search is found.
+// Characters in no order, no two alike. Any four in a row are of several kinds (digits and letters
+// of English, letters beyond them), as no text, number or address is by chance, and none of the
+// runs was in the memory when the secret was made: whatever is found later has come from it.
+//
+// They are kept encoded, so that neither the program nor the search is found. Another run of the
+// program draws others, unless MVP_SCAN_SEED says where to begin, which a failure tells.
 class Secret {
 public:
-    static constexpr size_t kLength = 40;  // of one of the general kind
-    // What is searched for: each of the pieces of this length that the secret is made of.
-    static constexpr size_t kPiece = 8;
+    static constexpr size_t kLength = 40;  // the longest
+    static constexpr size_t kRun = 4;
 
     Secret();
-    // Sixteen hexadecimal digits.
+    // As long as people's are, 4 to 12 characters, and at times the longest.
+    static Secret Pin();
+    // Sixteen hexadecimal digits, in both cases.
     static Secret UnlockCode();
-    // The same with a dash after every fourth character but the last: what is shown of it.
-    Secret Grouped() const;
+    // The PIN of that number, be it in the memory or not.
+    static Secret OfSeed(unsigned nSeed);
 
+    unsigned Seed() const { return m_nSeed; }
     size_t size() const { return m_nLength; }
     // One character. Whoever collects them has made a copy.
     char operator[](size_t i) const { return Coded(m_encoded.at(i)); }
     // Writes all of it, without a terminator, and leaves no other copy.
     void CopyTo(void* pTarget, bool bWide = false) const;
-    // Calls `found` with the place and the number of each piece that begins in the first `nFresh`
-    // of the bytes, and with whether it is of 16-bit characters.
+    // Calls `found` with the place, the first character, the number of characters and whether they
+    // are of 16 bits, for each stretch of a run or more in the bytes.
     template <class Found>
-    void FindPieces(const unsigned char* pBytes, size_t nFresh, size_t nBytes, Found found) const;
+    void FindRuns(const unsigned char* pBytes, size_t nBytes, Found found) const;
+
+    // What it was made from, nothing of itself.
+    friend std::ostream& operator<<(std::ostream& stream, const Secret& secret);
 
 private:
     static char Coded(char ch) { return static_cast<char>(ch ^ '\x5A'); }
-    // Shuffles `characters`.
-    Secret(std::string_view characters, size_t nLength);
-    void FindFirstOfPieces();
+    // Of characters of each kind in turn.
+    Secret(std::vector<std::string> kinds, size_t nLength, unsigned nSeed);
+    // Makes one until none of its runs is in the memory.
+    static Secret Unheard(const std::function<Secret(unsigned nSeed)>& make);
 
+    unsigned m_nSeed;
     size_t m_nLength;
     std::array<char, kLength> m_encoded{};
-    std::array<int, 256> m_pieceByFirst{};  // what a character begins, or -1
+    std::bitset<0x10000> m_pairs;  // of characters that follow each other, by their numbers
 };
 
 struct MemoryHit {
@@ -68,13 +81,20 @@ struct MemoryHit {
     size_t nFirst = 0;  // of the secret's characters
     size_t nCount = 0;
     bool bWide = false;
-    bool bInUse = false;  // in a heap's block that is in use
+
+    size_t Step() const { return bWide ? 2 : 1; }
+    bool operator==(const MemoryHit&) const = default;
 };
 
 std::ostream& operator<<(std::ostream& stream, const MemoryHit& hit);
 
-// At most the first 4,096, by address; pieces that continue each other are one hit.
-std::vector<MemoryHit> ScanOwnMemory(const Secret& secret);
+// At most the first 4,096, by address.
+std::vector<MemoryHit> ScanMemory(const Secret& secret, HANDLE hProcess = GetCurrentProcess());
+
+// A failure of the test unless the secret stands as 16-bit text on `nPages` pages, each an
+// allocation of its own, which is neither a heap's nor a stack's, and nowhere else. The text there
+// may have other characters between its own.
+void ExpectOnPagesOfTheirOwn(const Secret& secret, size_t nPages, const char* pszWhen);
 
 // What becomes of secrets while it lives. One at a time.
 class SecretWatch {
@@ -82,12 +102,12 @@ public:
     explicit SecretWatch(std::vector<const Secret*> secrets);
 
     // A failure of the test when the library, the framework, the system's controls or this program
-    // have freed a block with a piece of a secret in it, and one for each place that has one now.
+    // have freed a block with a run of a secret in it, and one for each place that has one now.
     void ExpectNothingLeft(const char* pszWhen) const;
 
 private:
     std::vector<const Secret*> m_secrets;
-    std::atomic<int> m_nFreed = 0;  // pieces of secrets in what was freed
+    std::atomic<int> m_nFreed = 0;  // stretches of secrets in what was freed
     FreedBlocks m_freedBlocks;
 };
 

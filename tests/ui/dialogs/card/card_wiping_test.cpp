@@ -1,5 +1,6 @@
-// That nothing of a PIN, an unlock code or a response is left in the memory of the process after
-// every ending of a card dialog, be it the library's or the system's.
+// That a PIN, an unlock code or a response stands in its fields alone while a card dialog is open,
+// and that nothing of it is left in the memory of the process after every ending, be it the
+// library's or the system's.
 #include <functional>
 #include <string>
 #include <utility>
@@ -22,9 +23,8 @@ namespace {
 // A card whose callbacks accept what they get when it is the secret, and how its dialog ends.
 struct Round {
     const std::string strEnd;
-    const Secret pin{};
+    const Secret pin = Secret::Pin();
     const Secret code = Secret::UnlockCode();
-    const Secret shown = code.Grouped();
     int nResult = 0;  // of the next call
     bool bRight = false;
 
@@ -69,7 +69,7 @@ struct Round {
 void ExpectNothingLeft(const std::function<void(Round&)>& work) {
     for (const char* end : {"OK", "Cancel", "removal"}) {
         Round round{end};
-        const SecretWatch watch({&round.pin, &round.code, &round.shown});
+        const SecretWatch watch({&round.pin, &round.code});
         work(round);
         watch.ExpectNothingLeft(end);
     }
@@ -93,6 +93,8 @@ TEST(CardWiping, AfterUnlocking) {
             // Refused first: both stay in the edits.
             d.Click(IDOK);
             Confirm(d.Next());
+            ExpectOnPagesOfTheirOwn(round.pin, 2, "unlocking");
+            ExpectOnPagesOfTheirOwn(round.code, 1, "unlocking");
             EXPECT_TRUE(round.bRight);
             round.End(d);
             if (round.IsOk()) {
@@ -112,14 +114,16 @@ TEST(CardWiping, AfterTheFirstPinAndTheUnlockCode) {
         const DialogDriver driver([&](Dialog& d) {
             d.Type(IDC_INITIALIZE_PIN_NEW_EDIT, round.pin);
             d.Type(IDC_INITIALIZE_PIN_CONFIRM_EDIT, round.pin);
+            d.Focus(IDCANCEL);
+            ExpectOnPagesOfTheirOwn(round.pin, 2, "first PIN");
             round.End(d);
             if (round.IsOk()) {
                 Dialog display = d.Next();
+                // In groups of four, with dashes between them.
                 EXPECT_EQ(display.Send(IDC_UNLOCK_CODE_CODE, WM_GETTEXTLENGTH),
-                          static_cast<LRESULT>(round.shown.size()));
-                for (const MemoryHit& hit : ScanOwnMemory(round.pin)) {
-                    EXPECT_TRUE(hit.bWide) << "beside the edits, " << hit;
-                }
+                          static_cast<LRESULT>(round.code.size() + 3));
+                ExpectOnPagesOfTheirOwn(round.pin, 2, "behind the code");
+                ExpectOnPagesOfTheirOwn(round.code, 1, "shown after the PIN");
                 display.Click(IDC_UNLOCK_CODE_NEVER_AGAIN);
                 Confirm(display);
             }
@@ -132,7 +136,10 @@ TEST(CardWiping, AfterTheFirstPinAndTheUnlockCode) {
 
 TEST(CardWiping, AfterTheUnlockCodeWasShown) {
     ExpectNothingLeft([](Round& round) {
-        const DialogDriver driver([&](Dialog& d) { round.End(d); });
+        const DialogDriver driver([&](Dialog& d) {
+            ExpectOnPagesOfTheirOwn(round.code, 1, "shown");
+            round.End(d);
+        });
         EXPECT_EQ(DisplayUnlockCode(nullptr, &round, &Round::GetUnlockCode, nullptr, "Reader A"),
                   0);
     });
@@ -147,6 +154,8 @@ TEST(CardWiping, AfterAReset) {
                     d.Click(IDC_RESET_CARD_CODE_ROUTE);
                 }
                 d.Type(byPin ? IDC_RESET_CARD_PIN_EDIT : IDC_RESET_CARD_RESPONSE_EDIT, round.pin);
+                d.Focus(IDCANCEL);
+                ExpectOnPagesOfTheirOwn(round.pin, 1, "reset");
                 round.End(d);
             });
             EXPECT_EQ(dialog.DoModal(), round.Result());
