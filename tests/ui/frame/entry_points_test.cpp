@@ -1,6 +1,4 @@
 // The exported functions that need no dialog of the library's own, through the DLL as hosts see it.
-#include <cstdlib>
-#include <optional>
 #include <string>
 
 #include <dlgfw/module_state.h>
@@ -11,7 +9,6 @@
 #include "platform/handle.h"
 #include "resources/resource_numbers.h"
 #include "support/failing_heap.h"
-#include "support/freed_blocks.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
 
@@ -65,20 +62,6 @@ TEST(LastTry, AsksWithTheTextAndTheReader) {
         EXPECT_EQ(call.pReserved, nullptr);
         EXPECT_EQ(call.strReader, "Reader A");
     }
-}
-
-TEST(PinBuffer, IsZeroedBeforeItIsFreed) {
-    constexpr std::size_t kSize = 4096;
-    auto* buffer = static_cast<char*>(std::malloc(kSize));
-    std::fill_n(buffer, kSize, 'S');
-    std::optional<std::size_t> dirty;
-    const FreedBlocks freed({"mvpingui.dll"}, [&](const void* p, std::size_t nBytes) {
-        if (p == buffer) {
-            dirty = DirtyBytes(p, nBytes);
-        }
-    });
-    FreeGetPinBuffer(buffer, kSize);
-    EXPECT_EQ(dirty, 0U);
 }
 
 TEST(Operations, TellEntryAndExitUnderTheLibrarysTag) {
