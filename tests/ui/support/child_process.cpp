@@ -15,9 +15,13 @@ DisabledTest::DisabledTest(const std::string& strName) {
     KernelHandle writing;
     CreatePipe(m_output.put(), writing.put(), &inherited, 0);
     SetHandleInformation(m_output.get(), HANDLE_FLAG_INHERIT, 0);
+    KernelHandle reading;
+    CreatePipe(reading.put(), m_input.put(), &inherited, 0);
+    SetHandleInformation(m_input.get(), HANDLE_FLAG_INHERIT, 0);
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = reading.get();
     startup.hStdOutput = writing.get();
     startup.hStdError = writing.get();
     PROCESS_INFORMATION info = {};
@@ -29,11 +33,30 @@ DisabledTest::DisabledTest(const std::string& strName) {
     const KernelHandle thread(info.hThread);
 }
 
+bool DisabledTest::ReadPart(std::string& str) {
+    std::array<char, 4096> part = {};
+    DWORD read = 0;
+    const bool more = ReadFile(m_output.get(), part.data(), part.size(), &read, nullptr) != FALSE;
+    str.append(part.data(), read);
+    return more;
+}
+
+void DisabledTest::Write(const std::string& str) {
+    DWORD written = 0;
+    WriteFile(m_input.get(), str.data(), static_cast<DWORD>(str.size()), &written, nullptr);
+}
+
+std::string DisabledTest::ReadUntil(char chEnd) {
+    std::string text;
+    while ((text.empty() || text.back() != chEnd) && ReadPart(text)) {
+    }
+    return text;
+}
+
 ChildResult DisabledTest::Wait() {
     ChildResult result;
-    std::array<char, 1024> part = {};
-    for (DWORD read = 0; ReadFile(m_output.get(), part.data(), part.size(), &read, nullptr);) {
-        result.strOutput.append(part.data(), read);
+    m_input.reset();
+    while (ReadPart(result.strOutput)) {
     }
     WaitForSingleObject(m_process.get(), INFINITE);
     GetExitCodeProcess(m_process.get(), &result.dwExitCode);

@@ -20,9 +20,16 @@ public:
     explicit DisabledTest(const std::string& strName);
 
     HANDLE Process() const { return m_process.get(); }
+    // A conversation with a test that reads its standard input, which ends with this object.
+    void Write(const std::string& str);
+    std::string ReadUntil(char chEnd);
     ChildResult Wait();
 
 private:
+    // False at the end.
+    bool ReadPart(std::string& str);
+
+    KernelHandle m_input;
     KernelHandle m_output;
     KernelHandle m_process;
 };
