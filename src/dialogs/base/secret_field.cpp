@@ -343,7 +343,9 @@ LRESULT SecretField::OnText(UINT message, WPARAM wParam, LPARAM lParam) {
         case EM_GETLINE:
             return GiveLine(lParam);
         case WM_GETTEXTLENGTH:
-            return static_cast<LRESULT>(NarrowLength(Text()));
+            // Outside it is the masks that are counted, which anybody sees.
+            return IsFromOutside(m_edit.m_hWnd) ? System(message)
+                                                : static_cast<LRESULT>(NarrowLength(Text()));
         default:
             break;
     }
