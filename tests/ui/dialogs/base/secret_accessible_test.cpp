@@ -1,5 +1,4 @@
-// What a screen reader gets of a PIN edit, in its own process and in every dialog: anything but
-// the PIN.
+// What a screen reader gets of a PIN edit: anything but the PIN.
 #include "dialogs/base/secret_accessible.h"
 
 #include <memory>
@@ -9,14 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include "mvpingui/display_unlock_code.h"
-#include "mvpingui/initialize_pin_dialog.h"
-#include "mvpingui/reset_card_dialog.h"
-#include "mvpingui/unlock_card_dialog.h"
+#include "mvpingui/caps_lock_sensitive_edit.h"
 #include "support/accessible.h"
 #include "support/waiting.h"
 #include "ui/dialogs/library_test.h"
-#include "ui/dialogs/pin/pin_requests.h"
 #include "ui/support/child_process.h"
 
 namespace mvp::test {
@@ -285,65 +280,6 @@ TEST_F(CapsLockReader, IsToldOfEveryChangeWhileTheEditHasTheFocusAndOfNothingEls
         EXPECT_EQ(s_events, expected) << i;
         EXPECT_EQ(Accessible::Of(edit).Text(kDescriptionOf, 0), steps[i].strDescription) << i;
     }
-}
-
-class SecretFields : public LibraryTest {
-protected:
-    struct Field {
-        int nId;
-        const char* pszNamed;
-    };
-    // Reads on the driver's thread, as another process would.
-    static Script Expect(std::vector<Field> fields) {
-        return [fields = std::move(fields)](Dialog& d) {
-            const Com com(COINIT_MULTITHREADED);
-            for (const auto& [id, named] : fields) {
-                EXPECT_EQ(Read(Accessible::Of(d.Control(id))), named) << d.Title();
-            }
-            d.Escape();
-        };
-    }
-    static int TellCode(void*, CString& strCode) {
-        strCode = "0123456789ABCDEF";
-        return MVPINGUI_CARD_OK;
-    }
-};
-
-class ResetFrame : public CResetCardDialogMain {
-public:
-    explicit ResetFrame(const char* pszChallenge)
-        : CResetCardDialogMain(0, nullptr, 1, 1, 1, "Reader A"), m_pszChallenge(pszChallenge) {}
-
-protected:
-    BOOL OnInitDialog() override {
-        const BOOL result = CResetCardDialogMain::OnInitDialog();
-        Panel()->SetChallenge(m_pszChallenge);
-        return result;
-    }
-
-private:
-    const char* m_pszChallenge;
-};
-
-TEST_F(SecretFields, AreProtectedAndNamedInEveryDialog) {
-    PinRequest{}.Ask(Expect({{IDC_ENTER_PIN_EDIT, "PIN:|Alt+P"}}));
-    ChangePinRequest{}.Ask(Expect({{kCurrent, "Current PIN:|Alt+C"},
-                                   {kNew, "New PIN:|Alt+N"},
-                                   {kConfirm, "Confirm new PIN:|Alt+f"}}));
-    CInitializePinDlg first(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, "Reader A");
-    Open(first, {Expect({{IDC_INITIALIZE_PIN_NEW_EDIT, "New PIN:|Alt+N"},
-                         {IDC_INITIALIZE_PIN_CONFIRM_EDIT, "Confirm new PIN:|Alt+f"}})});
-    CUnlockCardDlg unlock(nullptr, &kAllRules, nullptr, nullptr, nullptr, "Reader A");
-    Open(unlock, {Expect({{IDC_UNLOCK_CARD_CODE_EDIT, "Unlock code:|Alt+U"},
-                          {IDC_UNLOCK_CARD_NEW_EDIT, "New PIN:|Alt+N"},
-                          {IDC_UNLOCK_CARD_CONFIRM_EDIT, "Confirm new PIN:|Alt+f"}})});
-    const Field byPin{IDC_RESET_CARD_PIN_EDIT, "Use the current PIN:|Alt+P"};
-    Open(*std::make_unique<ResetFrame>(""),
-         {Expect({byPin, {IDC_RESET_CARD_CODE_EDIT, "Use the unlock code:|Alt+u"}})});
-    Open(*std::make_unique<ResetFrame>("0123"),
-         {Expect({byPin, {IDC_RESET_CARD_RESPONSE_EDIT, "Response:|Alt+R"}})});
-    const DialogDriver driver(Expect({{IDC_UNLOCK_CODE_CODE, "Unlock code:|Alt+U"}}));
-    DisplayUnlockCode(nullptr, this, &TellCode, nullptr, "Reader A");
 }
 
 }  // namespace

@@ -21,6 +21,7 @@
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "secret_fields.h"
 #include "services/log.h"
+#include "support/accessible.h"
 #include "support/memory_scan.h"
 #include "support/patched_imports.h"
 #include "support/recording/recording.h"
@@ -302,6 +303,20 @@ struct Row {
     int nOpen[2] = {};
 };
 
+// What a screen reader says of it, which also tells where the user is.
+void ExpectProtected(const Dialog& d, const Field& field) {
+    d.Run([&] {
+        EXPECT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
+        {
+            const Accessible edit = Accessible::Of(d.Control(field.nId));
+            const long state = edit.Number(&IAccessible::get_accState, Child(CHILDID_SELF));
+            EXPECT_NE(state & STATE_SYSTEM_PROTECTED, 0) << field.strName;
+            EXPECT_NE(edit.Text(&IAccessible::get_accName, CHILDID_SELF), "none") << field.strName;
+        }
+        CoUninitialize();
+    });
+}
+
 class DoorsTest : public testing::Test {
 protected:
     static void TearDownTestSuite() {
@@ -360,6 +375,7 @@ TEST_F(DoorsTest, EveryFieldKeepsItsText) {
         for (const Field& field : fields) {
             Fill(d, field, field.secret);
             secrets.insert(&field.secret);
+            ExpectProtected(d, field);
         }
         for (const Field& field : fields) {
             // In one for each edit.
