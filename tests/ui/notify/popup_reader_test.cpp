@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "common/accessible.h"
 #include "popup_owner.h"
-#include "support/accessible.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {

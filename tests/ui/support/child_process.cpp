@@ -5,12 +5,26 @@
 
 namespace mvp::test {
 
-DisabledTest::DisabledTest(const std::string& strName) {
+namespace {
+
+std::string OwnProgram() {
     std::array<char, MAX_PATH> program = {};
     GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
-    std::string command = "\"";
-    command.append(program.data()).append("\" --gtest_also_run_disabled_tests --gtest_filter=");
-    command.append(strName);
+    return program.data();
+}
+
+}  // namespace
+
+std::string OwnFolder() {
+    const std::string program = OwnProgram();
+    return program.substr(0, program.rfind('\\') + 1);
+}
+
+DisabledTest::DisabledTest(const std::string& strName)
+    : ChildProcess("\"" + OwnProgram() +
+                   "\" --gtest_also_run_disabled_tests --gtest_filter=" + strName) {}
+
+ChildProcess::ChildProcess(std::string strCommand) {
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     KernelHandle writing;
     CreatePipe(m_output.put(), writing.put(), &inherited, 0);
@@ -25,15 +39,15 @@ DisabledTest::DisabledTest(const std::string& strName) {
     startup.hStdOutput = writing.get();
     startup.hStdError = writing.get();
     PROCESS_INFORMATION info = {};
-    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+    if (!CreateProcessA(nullptr, strCommand.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                         &startup, &info)) {
-        throw std::runtime_error("the test could not be started");
+        throw std::runtime_error("the program could not be started");
     }
     m_process.reset(info.hProcess);
     const KernelHandle thread(info.hThread);
 }
 
-bool DisabledTest::ReadPart(std::string& str) {
+bool ChildProcess::ReadPart(std::string& str) {
     std::array<char, 4096> part = {};
     DWORD read = 0;
     const bool more = ReadFile(m_output.get(), part.data(), part.size(), &read, nullptr) != FALSE;
@@ -41,19 +55,19 @@ bool DisabledTest::ReadPart(std::string& str) {
     return more;
 }
 
-void DisabledTest::Write(const std::string& str) {
+void ChildProcess::Write(const std::string& str) {
     DWORD written = 0;
     WriteFile(m_input.get(), str.data(), static_cast<DWORD>(str.size()), &written, nullptr);
 }
 
-std::string DisabledTest::ReadUntil(char chEnd) {
+std::string ChildProcess::ReadUntil(char chEnd) {
     std::string text;
     while ((text.empty() || text.back() != chEnd) && ReadPart(text)) {
     }
     return text;
 }
 
-ChildResult DisabledTest::Wait() {
+ChildResult ChildProcess::Wait() {
     ChildResult result;
     m_input.reset();
     while (ReadPart(result.strOutput)) {

@@ -1,5 +1,5 @@
-// Runs a disabled test of the calling program in a process of its own: for failures that would end
-// this one, and where another process is needed.
+// Runs a program, such as a disabled test of the calling one, in a process of its own: for failures
+// that would end this one, and where another process is needed.
 #pragma once
 
 #include <windows.h>
@@ -15,12 +15,13 @@ struct ChildResult {
     std::string strOutput;
 };
 
-class DisabledTest {
+class ChildProcess {
 public:
-    explicit DisabledTest(const std::string& strName);
+    // Starts the command line.
+    explicit ChildProcess(std::string strCommand);
 
     HANDLE Process() const { return m_process.get(); }
-    // A conversation with a test that reads its standard input, which ends with this object.
+    // A conversation with a program that reads its standard input, which ends with this object.
     void Write(const std::string& str);
     std::string ReadUntil(char chEnd);
     ChildResult Wait();
@@ -33,6 +34,14 @@ private:
     KernelHandle m_output;
     KernelHandle m_process;
 };
+
+class DisabledTest : public ChildProcess {
+public:
+    explicit DisabledTest(const std::string& strName);
+};
+
+// The folder of the calling program, with the separator behind it.
+std::string OwnFolder();
 
 inline ChildResult RunDisabledTest(const std::string& strName) {
     return DisabledTest(strName).Wait();

@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "common/accessible.h"
 #include "mvpingui/caps_lock_sensitive_edit.h"
-#include "support/accessible.h"
 #include "support/waiting.h"
 #include "ui/dialogs/library_test.h"
 #include "ui/support/child_process.h"

@@ -2,7 +2,7 @@
 // second thread, on the system's own edits, which give it up, and on every field of the library.
 //
 // With ctest's -V it prints the table of docs/security.md.
-#include "doors.h"
+#include "pinspy/doors.h"
 
 #include <algorithm>
 #include <chrono>
@@ -18,17 +18,35 @@
 #include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 
+#include "common/accessible.h"
 #include "mvpingui/caps_lock_sensitive_edit.h"
+#include "pinspy/loot_text.h"
 #include "secret_fields.h"
 #include "services/log.h"
-#include "support/accessible.h"
 #include "support/memory_scan.h"
 #include "support/patched_imports.h"
 #include "support/recording/recording.h"
 #include "support/waiting.h"
+#include "ui/support/child_process.h"
 
 namespace mvp::test {
+
+using namespace spy;
+
 namespace {
+
+// The second process.
+class SpyProcess {
+public:
+    Loot Open(std::size_t nDoor, HWND hEdit) {
+        m_process.Write(std::to_string(nDoor) + " " +
+                        std::to_string(reinterpret_cast<UINT_PTR>(hEdit)) + "\n");
+        return FromText(m_process.ReadUntil(kEnd));
+    }
+
+private:
+    ChildProcess m_process{"\"" + OwnFolder() + R"(..\bin\pinspy.exe" --serve)"};
+};
 
 // --- What a door gave ---
 

@@ -4,16 +4,18 @@
 
 #include <gtest/gtest.h>
 
-#include "doors.h"
 #include "mvpingui/change_pin_dialog.h"
 #include "mvpingui/display_unlock_code.h"
 #include "mvpingui/initialize_pin_dialog.h"
 #include "mvpingui/reset_card_dialog.h"
 #include "mvpingui/unlock_card_dialog.h"
+#include "pinspy/doors.h"
 #include "support/dialog_template.h"
 #include "ui/dialogs/pin/pin_requests.h"
 
 namespace mvp::test {
+
+using spy::StockControl;
 
 bool Is(const char* pszText, std::size_t nLength, const Secret& secret) {
     std::size_t count = 0;

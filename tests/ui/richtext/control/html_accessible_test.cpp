@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/accessible.h"
+#include "common/accessible.h"
 #include "support/waiting.h"
 #include "ui/richtext/control/html_host.h"
 

@@ -4,10 +4,10 @@
 #include <functional>
 #include <string_view>
 
-#include "doors.h"
+#include "pinspy/doors.h"
 #include "platform/handle.h"
 
-namespace mvp::test {
+namespace mvp::spy {
 
 class MaskOff {
 public:
@@ -106,4 +106,4 @@ inline Loot CopiedFromScreen(HWND hEdit) {
     return Copy(hEdit, nullptr);
 }
 
-}  // namespace mvp::test
+}  // namespace mvp::spy

@@ -8,7 +8,7 @@
 
 #include "platform/handle.h"
 
-namespace mvp::test {
+namespace mvp {
 
 inline VARIANT Child(long nChild) {
     VARIANT child{};
@@ -55,4 +55,4 @@ public:
     }
 };
 
-}  // namespace mvp::test
+}  // namespace mvp

@@ -1,4 +1,4 @@
-#include "doors.h"
+#include "pinspy/doors.h"
 
 #include <oleacc.h>
 
@@ -11,13 +11,13 @@
 #include <imm.h>
 #include <richedit.h>
 
+#include "common/accessible.h"
 #include "common/keyboard.h"
-#include "edit_pictures.h"
+#include "common/wait_for.h"
+#include "pinspy/edit_pictures.h"
 #include "platform/handle.h"
-#include "support/accessible.h"
-#include "support/waiting.h"
 
-namespace mvp::test {
+namespace mvp::spy {
 namespace {
 
 using namespace std::chrono_literals;
@@ -468,4 +468,4 @@ std::span<const Door> Doors() {
     return kDoors;
 }
 
-}  // namespace mvp::test
+}  // namespace mvp::spy

@@ -1,9 +1,6 @@
 // What another thread, or another process, can try on an edit to learn what was typed there.
 //
-//     const Loot loot = Doors()[3].open(hEdit);   // as the second thread
-//
-//     SpyProcess spy;                             // a second process
-//     const Loot loot = spy.Open(3, hEdit);
+//     const Loot loot = Doors()[3].open(hEdit);
 //
 // A door tells everything that it got; whether a secret is in it is for the caller to judge. It
 // gives up after seconds when the edit's thread does not answer, and may leave the edit changed.
@@ -16,9 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/support/child_process.h"
-
-namespace mvp::test {
+namespace mvp::spy {
 
 // One thing that was got: a letter for its kind, and its bytes.
 //   t  text, or memory that may hold some, in characters of 8 or of 16 bits
@@ -76,12 +71,4 @@ inline LRESULT Ask(HWND hWnd, UINT message, WPARAM wParam, const void* pParamete
 // What Change doors put in the place of the text.
 inline constexpr char kPlanted[] = "4711";
 
-class SpyProcess {
-public:
-    Loot Open(std::size_t nDoor, HWND hEdit);
-
-private:
-    DisabledTest m_process{"SpyProcess.DISABLED_Serve"};
-};
-
-}  // namespace mvp::test
+}  // namespace mvp::spy
