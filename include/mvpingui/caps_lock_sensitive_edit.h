@@ -10,8 +10,8 @@
 // text: by ReadSecret at any time; by WM_GETTEXT and EM_GETLINE unless the thread is handling a
 // message that another one sent, which might be the one that asks. From other threads and processes
 // no text can be set by message either. Nothing can be copied, cut or undone; a text can be pasted.
-// An edit without ES_PASSWORD gets it, and keeps it. EN_ERRSPACE tells that there is no memory for
-// more. A text that is given at creation is ignored.
+// The edit must be one of one line; one without ES_PASSWORD gets it, and keeps it. EN_ERRSPACE
+// tells that there is no memory for more. A text that is given at creation is ignored.
 //
 // A screen reader gets a protected text by the name of its label, whose value is refused, and the
 // warning as its description, also where no balloon shows.
@@ -39,8 +39,8 @@ public:
     // any thread but the window's.
     bool ReadSecret(CString& strSecret) const;
 
-    // Sets the text, or takes it away, as WM_SETTEXT does. False when there is no memory: the text
-    // is empty then.
+    // Sets the text, or takes it away, as WM_SETTEXT does. Null counts as empty. False when there
+    // is no memory, and the text is empty then; and on any thread but the window's.
     bool WriteSecret(LPCSTR lpszSecret);
     void Empty() { WriteSecret(""); }
 
@@ -60,6 +60,7 @@ public:
     void CheckCapsLockMessage();
 
 protected:
+    BOOL PreTranslateMessage(MSG* pMsg) override;
     BOOL PreCreateWindow(CREATESTRUCTA& cs) override;
     void PreSubclassWindow() override;
     // Does nothing with the keys of programs that the configuration refuses.
@@ -113,6 +114,7 @@ private:
     char m_szPasswordWarning[kTextSize];
     bool m_bPinMode = true;
     mvp::SecretField* m_pField;  // owned
+    bool* m_pbGone = nullptr;    // told when the object goes
     // What the system draws in the place of each character that the control shows; 0: it shows
     // none.
     char m_chShownMask = '\0';

@@ -269,8 +269,7 @@ void Dialog::Paste(int nId, std::string_view text) {
     GlobalUnlock(textHandle);
     SetClipboardData(CF_TEXT, textHandle);  // which owns it now
     CloseClipboard();
-    Post(control, WM_PASTE, 0, 0);
-    Settle();
+    Run([=] { SendMessageA(control, WM_PASTE, 0, 0); });
 }
 
 void Dialog::Click(int nId) {

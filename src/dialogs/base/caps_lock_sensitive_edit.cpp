@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include <dlgfw/message_map.h>
 
@@ -108,6 +109,28 @@ TOOLINFOA ToolOf(HWND hEdit, UINT_PTR uId) {
     return tool;
 }
 
+// Tells whether the edit, whose parent may delete it when it is told of something, has gone.
+class Lifeline {
+public:
+    explicit Lifeline(bool*& pbGone) noexcept
+        : m_slot(pbGone), m_pOuter(std::exchange(pbGone, &m_bGone)) {}
+    Lifeline(const Lifeline&) = delete;
+    Lifeline& operator=(const Lifeline&) = delete;
+    ~Lifeline() {
+        if (!m_bGone) {
+            m_slot = m_pOuter;
+        } else if (m_pOuter != nullptr) {
+            *m_pOuter = true;
+        }
+    }
+    bool IsCut() const noexcept { return m_bGone; }
+
+private:
+    bool*& m_slot;
+    bool* m_pOuter;
+    bool m_bGone = false;
+};
+
 }  // namespace
 
 CCapsLockSensitiveEdit::CCapsLockSensitiveEdit()
@@ -120,6 +143,9 @@ CCapsLockSensitiveEdit::CCapsLockSensitiveEdit()
 }
 
 CCapsLockSensitiveEdit::~CCapsLockSensitiveEdit() {
+    if (m_pbGone != nullptr) {
+        *m_pbGone = true;
+    }
     mvp::SecretAccessible::Drop(m_pAccessible);
     if (m_hBalloon != nullptr) {
         ::DestroyWindow(m_hBalloon);
@@ -138,7 +164,11 @@ bool CCapsLockSensitiveEdit::ReadSecret(CString& strSecret) const {
 
 bool CCapsLockSensitiveEdit::WriteSecret(LPCSTR lpszSecret) {
     return mvp::Guarded(
-        false, [&] { return m_hWnd != nullptr && m_pField->Write(lpszSecret) != FALSE; },
+        false,
+        [&] {
+            return m_hWnd != nullptr &&
+                   m_pField->Write(lpszSecret == nullptr ? "" : lpszSecret) != FALSE;
+        },
         mvp::LogException("CCapsLockSensitiveEdit::WriteSecret"));
 }
 
@@ -161,6 +191,12 @@ BOOL CCapsLockSensitiveEdit::PreCreateWindow(CREATESTRUCTA& cs) {
 
 void CCapsLockSensitiveEdit::PreSubclassWindow() {
     CEdit::PreSubclassWindow();
+    // Of a window that was bound before nothing stays.
+    m_chShownMask = '\0';
+    m_bHasFocus = FALSE;
+    m_bCapsLockTold = false;
+    m_bSystemBalloonHooked = FALSE;
+    m_hSystemBalloon = nullptr;
     mvp::Guarded([&] { m_pField->TakeOver(m_hWnd); },
                  [&] {
                      mvp::LogException("CCapsLockSensitiveEdit::PreSubclassWindow")();
@@ -168,18 +204,24 @@ void CCapsLockSensitiveEdit::PreSubclassWindow() {
                      m_pField->Clear();
                      ::SetWindowTextA(m_hWnd, "");
                  });
-    m_pField->Keys().Bind();
+}
+
+BOOL CCapsLockSensitiveEdit::PreTranslateMessage(MSG* pMsg) {
+    if (pMsg->hwnd == m_hWnd) {
+        m_pField->NoteQueued(*pMsg);
+    }
+    return CEdit::PreTranslateMessage(pMsg);
 }
 
 LRESULT CCapsLockSensitiveEdit::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-    return m_pField->Keys().Refuses(m_hWnd, message, wParam)
-               ? 0
-               : CEdit::WindowProc(message, wParam, lParam);
+    return m_pField->Arrives(message, wParam, lParam) ? CEdit::WindowProc(message, wParam, lParam)
+                                                      : 0;
 }
 
 void CCapsLockSensitiveEdit::OnPaint() {
+    const Lifeline lifeline(m_pbGone);
     CEdit::OnPaint();
-    if (m_chShownMask != '\0') {
+    if (!lifeline.IsCut() && m_chShownMask != '\0') {
         mvp::DrawShownSecret(m_hWnd, m_chShownMask, m_pField->Text());
     }
 }
@@ -225,7 +267,11 @@ void CCapsLockSensitiveEdit::CheckCapsLockMessage() {
 }
 
 void CCapsLockSensitiveEdit::OnSetFocus(CWnd* pOldWnd) {
+    const Lifeline lifeline(m_pbGone);
     CEdit::OnSetFocus(pOldWnd);
+    if (lifeline.IsCut()) {
+        return;
+    }
     m_bHasFocus = TRUE;
     TellCapsLock();
     if (m_bOldSystem) {
@@ -234,7 +280,11 @@ void CCapsLockSensitiveEdit::OnSetFocus(CWnd* pOldWnd) {
 }
 
 void CCapsLockSensitiveEdit::OnKillFocus(CWnd* pNewWnd) {
+    const Lifeline lifeline(m_pbGone);
     CEdit::OnKillFocus(pNewWnd);
+    if (lifeline.IsCut()) {
+        return;
+    }
     m_bHasFocus = FALSE;
     TellCapsLock();
     if (m_bOldSystem) {

@@ -35,10 +35,6 @@ std::optional<Kind> KindOf(UINT message, WPARAM wParam) {
         case WM_CHAR:
         case WM_IME_CHAR:
             return Kind::Character;
-        case WM_PASTE:
-            return Kind::Paste;
-        case WM_CONTEXTMENU:
-            return Kind::Menu;
         default:
             return std::nullopt;
     }
@@ -72,13 +68,12 @@ KeyOrigin InjectedKeyFilter::Origin() const noexcept {
     return m_pGetSource(&source) ? static_cast<KeyOrigin>(source.originId) : KeyOrigin::Unavailable;
 }
 
-bool InjectedKeyFilter::Refuses(HWND hEdit, UINT message, WPARAM wParam) noexcept {
+bool InjectedKeyFilter::Refuses(HWND hEdit, UINT message, WPARAM wParam, bool bSent) noexcept {
     if (m_policy == InjectedKeys::Accept || m_pGetSource == nullptr) {
         return false;
     }
     const std::optional<Kind> kind = KindOf(message, wParam);
-    if (!kind || !m_judge.IsInjected({*kind, static_cast<unsigned>(wParam), Origin(),
-                                      InSendMessageEx(nullptr) != ISMEX_NOSEND})) {
+    if (!kind || !m_judge.IsInjected({*kind, static_cast<unsigned>(wParam), Origin(), bSent})) {
         return false;
     }
     const bool refused = m_policy == InjectedKeys::Refuse;

@@ -19,10 +19,11 @@ public:
     // Reads the setting for an edit that is bound to its window, and forgets what was before.
     void Bind() noexcept;
 
-    // Whether the edit is to do nothing with the message. Every message of the edit may be shown to
-    // it, and all that carry keys must be, before the edit handles them and on its own thread. The
-    // first key of a program is told of in the dialog around the edit.
-    bool Refuses(HWND hEdit, UINT message, WPARAM wParam) noexcept;
+    // Whether the edit is to do nothing with the message, which another thread has sent or not.
+    // Every message of the edit may be shown to it, and all that carry keys must be, before the
+    // edit handles them and on its own thread. The first key of a program is told of in the dialog
+    // around the edit.
+    bool Refuses(HWND hEdit, UINT message, WPARAM wParam, bool bSent) noexcept;
 
 private:
     // INPUT_MESSAGE_SOURCE, which not all headers have.

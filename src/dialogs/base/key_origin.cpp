@@ -1,7 +1,5 @@
 #include "dialogs/base/key_origin.h"
 
-#include <utility>
-
 namespace mvp {
 
 namespace {
@@ -14,8 +12,8 @@ constexpr unsigned kKeyAlt = 0x12;
 constexpr unsigned kKeyInsert = 0x2D;
 constexpr unsigned kKeyDelete = 0x2E;
 
-// A dead key that does not go with the next one gives a character of its own before that one's, and
-// a paste by keys follows its character.
+// A dead key that does not go with the next one gives a character of its own before that
+// one's.
 constexpr int kCharactersOfKey = 2;
 
 // Alone they give no character, and they are held down for long.
@@ -54,7 +52,6 @@ bool IsPersons(const KeyMessage& message) {
 
 bool KeyJudge::IsInjected(const KeyMessage& message) {
     const bool persons = IsPersons(message);
-    const bool menuAsked = std::exchange(m_bMenuAsked, false) && !message.bSent;
     switch (message.kind) {
         case KeyMessage::Kind::Down:
             m_nGranted = persons && !IsModifier(message.nCode) ? kCharactersOfKey : 0;
@@ -65,12 +62,6 @@ bool KeyJudge::IsInjected(const KeyMessage& message) {
             return false;
         case KeyMessage::Kind::Character:
             return !TakeGrant(message) && CharacterChangesText(message.nCode);
-        case KeyMessage::Kind::Paste:
-            return !menuAsked && !TakeGrant(message);
-        case KeyMessage::Kind::Menu:
-            // The menu takes the keys itself until it has pasted or gone.
-            m_bMenuAsked = !message.bSent;
-            break;
     }
     return false;
 }

@@ -25,7 +25,7 @@ constexpr std::optional<InjectedKeys> InjectedKeysOf(std::uint32_t dwValue) {
 enum class KeyOrigin { Unavailable = 0, Hardware = 1, Injected = 2, System = 4 };
 
 struct KeyMessage {
-    enum class Kind { Down, Up, Character, Paste, Menu };
+    enum class Kind { Down, Up, Character };
     Kind kind;
     unsigned nCode;  // the virtual key, or the character
     KeyOrigin origin;
@@ -45,8 +45,6 @@ private:
 
     // How many characters of unknown origin the person's last key may still bring.
     int m_nGranted = 0;
-    // Whether the edit's menu was asked for, which may paste.
-    bool m_bMenuAsked = false;
 };
 
 }  // namespace mvp

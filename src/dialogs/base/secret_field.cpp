@@ -31,11 +31,14 @@ bool IsControlCharacter(wchar_t ch) {
     return ch < L' ' || ch == kDelete;
 }
 
+bool IsOfThisThread(HWND hWnd) {
+    return GetWindowThreadProcessId(hWnd, nullptr) == GetCurrentThreadId();
+}
+
 // Whether the message that is being handled comes from another thread, be it by way of the system
 // or by a call of the window's procedure.
 bool IsFromOutside(HWND hWnd) {
-    return InSendMessageEx(nullptr) != ISMEX_NOSEND ||
-           GetWindowThreadProcessId(hWnd, nullptr) != GetCurrentThreadId();
+    return InSendMessageEx(nullptr) != ISMEX_NOSEND || !IsOfThisThread(hWnd);
 }
 
 // What input services the process has, they have loaded themselves; without them there is nobody to
@@ -77,6 +80,9 @@ SecretField::~SecretField() {
 }
 
 void SecretField::TakeOver(HWND hWnd) {
+    m_keys.Bind();
+    m_store.Clear();
+    m_chLead = '\0';
     if (const int length = GetWindowTextLengthA(hWnd); length > 0) {
         CString text;
         GetWindowTextA(hWnd, text.GetBuffer(length), length + 1);
@@ -89,7 +95,24 @@ void SecretField::TakeOver(HWND hWnd) {
     if ((GetWindowLongPtrA(hWnd, GWL_STYLE) & ES_PASSWORD) == 0) {
         SendMessageA(hWnd, EM_SETPASSWORDCHAR, '*', 0);
     }
+    // Files are not dropped into it.
+    SetWindowLongPtrA(hWnd, GWL_EXSTYLE,
+                      GetWindowLongPtrA(hWnd, GWL_EXSTYLE) & ~LONG_PTR{WS_EX_ACCEPTFILES});
     TakeInputMethodAway(hWnd);
+}
+
+void SecretField::NoteQueued(const MSG& message) noexcept {
+    m_queued = message;
+}
+
+bool SecretField::Arrives(UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    m_bQueued =
+        m_queued.message == message && m_queued.wParam == wParam && m_queued.lParam == lParam;
+    if (m_bQueued) {
+        m_queued = {};
+    }
+    const bool sent = !m_bQueued && InSendMessageEx(nullptr) != ISMEX_NOSEND;
+    return !m_keys.Refuses(m_edit.m_hWnd, message, wParam, sent);
 }
 
 LRESULT SecretField::System(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -124,6 +147,19 @@ LRESULT SecretField::RunStep(Step& step, UINT message, WPARAM wParam, LPARAM lPa
         return result;
     }
     Follow();
+    // Nothing is left to undo, not even masks.
+    System(EM_EMPTYUNDOBUFFER);
+    if (State().nLength != static_cast<int>(m_store.View().size())) {
+        // What is shown is not what would be handed over: the control has failed, or has done
+        // something of its own. An empty field is at least honest.
+        vklogLog(g_szLogTag, kLogError, "SecretField: the text is lost");
+        m_store.Clear();
+        step.bAhead = true;
+        System(WM_SETTEXT, 0, reinterpret_cast<LPARAM>(""));
+        if (step.bGone) {
+            return result;
+        }
+    }
     m_pStep = step.pOuter;
     if (m_pStep != nullptr) {
         m_pStep->before = State();
@@ -138,7 +174,11 @@ void SecretField::Follow() {
     const EditState now = State();
     const TextChange change =
         ChangeBetween(m_pStep->before, now, static_cast<int>(m_pStep->offered.size()));
-    const auto inserted = static_cast<std::size_t>(change.nInserted);
+    // There is room, unless what came in the course of the message has taken it.
+    const auto inserted =
+        m_store.Reserve(m_store.View().size() + static_cast<std::size_t>(change.nInserted))
+            ? static_cast<std::size_t>(change.nInserted)
+            : 0;
     wchar_t* gap = m_store.Replace(static_cast<std::size_t>(change.nFrom),
                                    static_cast<std::size_t>(change.nRemoved), inserted);
     std::copy_n(m_pStep->offered.data(), inserted, gap);
@@ -166,8 +206,7 @@ std::wstring_view SecretField::Text() {
 
 bool SecretField::Read(CString& strSecret) {
     strSecret.Empty();
-    if (m_edit.m_hWnd == nullptr ||
-        GetWindowThreadProcessId(m_edit.m_hWnd, nullptr) != GetCurrentThreadId()) {
+    if (m_edit.m_hWnd == nullptr || !IsOfThisThread(m_edit.m_hWnd)) {
         return m_edit.m_hWnd == nullptr;
     }
     const std::wstring_view text = Text();
@@ -178,25 +217,30 @@ bool SecretField::Read(CString& strSecret) {
 }
 
 LRESULT SecretField::Write(std::string_view text) {
+    const HWND edit = m_edit.m_hWnd;
+    if (!IsOfThisThread(edit)) {
+        return FALSE;
+    }
     Follow();
     std::string masks(WideLength(text), Mask());
     const bool stored = m_store.Assign(text);
     if (!stored) {
         masks.clear();
-        TellOfNoMemory();
     }
     ApplyCase(m_store.Replace(0, 0, 0), masks.size());
     Step step{{}, {}, m_pStep, true};
     const LRESULT result = RunStep(step, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(masks.c_str()));
+    if (!stored) {
+        TellOfNoMemory(edit);
+    }
     return stored ? result : FALSE;
 }
 
 // The parent is told as the system's control tells it.
-void SecretField::TellOfNoMemory() {
+void SecretField::TellOfNoMemory(HWND hEdit) {
     vklogLog(g_szLogTag, kLogError, "SecretField: no memory for what is typed");
-    const HWND edit = m_edit.m_hWnd;
-    SendMessageA(GetParent(edit), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(edit), EN_ERRSPACE),
-                 reinterpret_cast<LPARAM>(edit));
+    SendMessageA(GetParent(hEdit), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(hEdit), EN_ERRSPACE),
+                 reinterpret_cast<LPARAM>(hEdit));
 }
 
 LRESULT SecretField::OnKeyDown(WPARAM wParam, LPARAM lParam) {
@@ -244,8 +288,8 @@ LRESULT SecretField::Insert(wchar_t ch, LPARAM lParam) {
     } else if (HasStyle(ES_NUMBER) && (ch < L'0' || ch > L'9')) {
         mask = 'x';
     }
-    if (!m_store.Reserve(m_store.View().size() + 1)) {
-        TellOfNoMemory();
+    if (!m_store.Reserve(Text().size() + 1)) {
+        TellOfNoMemory(m_edit.m_hWnd);
         return 0;
     }
     return Run(WM_CHAR, static_cast<WPARAM>(mask), lParam, {&ch, 1});
@@ -272,9 +316,8 @@ LRESULT SecretField::ReplaceSelection(WPARAM wParam, std::wstring_view text) {
     // One more than there is room for: the control tells its parent that it had to cut.
     const LRESULT room = std::max<LRESULT>(0, limit - (now.nLength - (now.nEnd - now.nBegin))) + 1;
     text = text.substr(0, std::min(text.size(), static_cast<std::size_t>(room)));
-    Follow();
-    if (!m_store.Reserve(m_store.View().size() + text.size())) {
-        TellOfNoMemory();
+    if (!m_store.Reserve(Text().size() + text.size())) {
+        TellOfNoMemory(m_edit.m_hWnd);
         return 0;
     }
     const std::string masks(text.size(), Mask());
@@ -297,15 +340,22 @@ LRESULT SecretField::ShowMenu(LPARAM lParam) {
     const EditMenuState items{!HasStyle(ES_READONLY), state.nBegin != state.nEnd,
                               state.nEnd - state.nBegin < state.nLength};
     const HWND edit = m_edit.m_hWnd;
+    // The edit may go while the menu is there.
+    Step step{state, {}, m_pStep};
+    m_pStep = &step;
     SetFocus(edit);
-    // The window may be gone when the menu is; messages to it then reach nobody.
-    switch (ChooseFromEditMenu(edit, lParam, items)) {
+    const EditAction action = ChooseFromEditMenu(edit, lParam, items);
+    if (step.bGone) {
+        return 0;
+    }
+    m_pStep = step.pOuter;
+    switch (action) {
         case EditAction::Paste:
-            return SendMessageA(edit, WM_PASTE, 0, 0);
+            return Paste();
         case EditAction::Delete:
-            return SendMessageA(edit, WM_CLEAR, 0, 0);
+            return Run(WM_CLEAR, 0, 0);
         case EditAction::SelectAll:
-            return SendMessageA(edit, EM_SETSEL, 0, -1);
+            return System(EM_SETSEL, 0, -1);
         case EditAction::None:
             break;
     }
@@ -349,7 +399,8 @@ LRESULT SecretField::OnText(UINT message, WPARAM wParam, LPARAM lParam) {
         default:
             break;
     }
-    if (IsFromOutside(m_edit.m_hWnd)) {
+    // Those that are posted may come from anywhere.
+    if (m_bQueued || IsFromOutside(m_edit.m_hWnd)) {
         return FALSE;
     }
     switch (message) {
@@ -358,7 +409,7 @@ LRESULT SecretField::OnText(UINT message, WPARAM wParam, LPARAM lParam) {
         case EM_REPLACESEL: {
             SecretStore text;
             if (!text.Assign(TextAt(lParam))) {
-                TellOfNoMemory();
+                TellOfNoMemory(m_edit.m_hWnd);
                 return 0;
             }
             return ReplaceSelection(wParam, text.View());
@@ -379,6 +430,17 @@ LRESULT SecretField::OnCharacter(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT SecretField::Process(UINT message, WPARAM wParam, LPARAM lParam) {
+    Step* outer = m_pStep;
+    // What the outer message has done is seen by what is selected, which this one may change.
+    Follow();
+    const LRESULT result = Handle(message, wParam, lParam);
+    if (outer != nullptr && !outer->bGone) {
+        outer->before = State();
+    }
+    return result;
+}
+
+LRESULT SecretField::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_GETTEXT:
         case WM_GETTEXTLENGTH:
@@ -393,6 +455,11 @@ LRESULT SecretField::Process(UINT message, WPARAM wParam, LPARAM lParam) {
             return OnCharacter(message, wParam, lParam);
         case WM_KEYDOWN:
             return OnKeyDown(wParam, lParam);
+        case WM_SYSKEYDOWN:
+            if (wParam == VK_BACK) {
+                return 0;  // undoes
+            }
+            break;
         case WM_CLEAR:
             return Run(message, wParam, lParam);
         case WM_CONTEXTMENU:
@@ -412,13 +479,14 @@ LRESULT SecretField::Process(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case EM_SETPASSWORDCHAR:
             // 0 would show the text; there is ShowText for those that are shown.
-            return wParam == 0 ? 0 : System(message, wParam, lParam);
+            return LOBYTE(wParam) == 0 ? 0 : System(message, wParam, lParam);
         case WM_STYLECHANGING:
-            if (wParam == static_cast<WPARAM>(GWL_STYLE)) {
+            if (wParam == static_cast<WPARAM>(GWL_STYLE) && lParam != 0) {
                 reinterpret_cast<STYLESTRUCT*>(lParam)->styleNew |= ES_PASSWORD;
             }
             break;
         case WM_SETFOCUS:
+            TakeInputMethodAway(m_edit.m_hWnd);
             SetInputScopeOfPasswords(m_edit.m_hWnd);
             break;
         case WM_KILLFOCUS:

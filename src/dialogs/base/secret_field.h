@@ -6,7 +6,8 @@
 //
 // A message that asks for the text is answered to the window's own thread only, and not while that
 // thread handles a message that another one sent: nobody can tell the two askers apart then. From
-// outside no text is set either. Undoing, copying and cutting do nothing.
+// outside no text is set either, nor by a posted WM_PASTE, which may come from anywhere. Undoing,
+// copying and cutting do nothing. Only edits of one line are supported.
 //
 // The field belongs to its edit, and may be destroyed while one of its messages is being handled.
 #pragma once
@@ -48,8 +49,13 @@ public:
 
     void Clear() noexcept { m_store.Clear(); }
 
-    // Decides about keys of programs, before anything else is done with a message.
-    InjectedKeyFilter& Keys() { return m_keys; }
+    // Told of each message that the thread has taken from its queue for the edit, before it is
+    // dispatched.
+    void NoteQueued(const MSG& message) noexcept;
+
+    // The first thing to be asked about a message: false when nothing is to be done with it,
+    // because it is a program's key.
+    bool Arrives(UINT message, WPARAM wParam, LPARAM lParam) noexcept;
 
     // The characters as they are now; valid until they change.
     std::wstring_view Text();
@@ -72,8 +78,9 @@ private:
     LRESULT RunStep(Step& step, UINT message, WPARAM wParam, LPARAM lParam);
     void Follow();
     void ApplyCase(wchar_t* pText, std::size_t nCount) const;
-    void TellOfNoMemory();
+    static void TellOfNoMemory(HWND hEdit);
 
+    LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnKeyDown(WPARAM wParam, LPARAM lParam);
     LRESULT OnCharacter(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnChar(char ch, LPARAM lParam);
@@ -90,7 +97,9 @@ private:
     SecretStore m_store;
     InjectedKeyFilter m_keys;
     Step* m_pStep = nullptr;
-    char m_chLead = '\0';  // the first half of a double-byte character
+    char m_chLead = '\0';    // the first half of a double-byte character
+    MSG m_queued{};          // taken from the queue and not yet dispatched
+    bool m_bQueued = false;  // that is the message that arrived last
 };
 
 }  // namespace mvp

@@ -321,6 +321,7 @@ void CUnlockCardDlg::OnMove(int x, int y) {
     CBaseDialog::OnMove(x, y);
     m_editNewPin.ResetToolTip();
     m_editConfirmPin.ResetToolTip();
+    m_editUnlockCode.ResetToolTip();
 }
 
 void CUnlockCardDlg::OnDestroy() {

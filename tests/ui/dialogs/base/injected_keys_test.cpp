@@ -74,8 +74,7 @@ const std::pair<const char*, Script> kWays[] = {
          d.Settle();
          d.Settle();  // the character was posted meanwhile
      }},
-    {"sent character", [](Dialog& d) { d.Send(kEdit, WM_CHAR, '7', 1); }},
-    {"paste", [](Dialog& d) { d.Paste(kEdit, "7"); }}};
+    {"sent character", [](Dialog& d) { d.Send(kEdit, WM_CHAR, '7', 1); }}};
 
 TEST_F(InjectedKeysTest, AreTakenToldOfOrRefused) {
     for (const InjectedKeys policy :
