@@ -209,6 +209,44 @@ public:
     Reset() : CResetCardDialogMain(0, nullptr, 1, 1, 1, "Reader A") {}
 };
 
+// What the system says of a person's key, for every message.
+BOOL WINAPI TellHardware(DWORD* pSource) {
+    pSource[1] = static_cast<DWORD>(KeyOrigin::Hardware);
+    return TRUE;
+}
+FARPROC WINAPI FindHardware(HMODULE, LPCSTR pszName) {
+    return std::string(pszName) == "GetCurrentInputMessageSource"
+               ? reinterpret_cast<FARPROC>(Address(&TellHardware))
+               : nullptr;
+}
+
+LRESULT CALLBACK AskInMessage(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_APP) {
+        return DefWindowProcA(hWnd, message, wParam, lParam);
+    }
+    PinRequest().Ask([](Dialog& d) {
+        d.Type(kEdit, "7");
+        EXPECT_EQ(d.Send(kEdit, WM_GETTEXTLENGTH), 1) << "taken from the queue";
+        d.Send(kEdit, WM_CHAR, '8', 1);
+        EXPECT_EQ(d.Send(kEdit, WM_GETTEXTLENGTH), 1) << "sent";
+        d.Escape();
+    });
+    PostQuitMessage(0);
+    return 0;
+}
+
+// Middleware asks for a PIN so: a worker sends, and the thread of the windows shows the dialog.
+TEST_F(InjectedKeysTest, AreToldFromAPersonsWithinAMessageOfAnotherThread) {
+    Set(InjectedKeys::Refuse);
+    const PatchedImports source(nullptr, {{"GetProcAddress", Address(&FindHardware)}});
+    HostWindow host;
+    SetWindowLongPtrA(host.m_ok.m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&AskInMessage));
+    const std::jthread worker([&] { SendMessageA(host.m_ok.m_hWnd, WM_APP, 0, 0); });
+    for (MSG message; GetMessageA(&message, nullptr, 0, 0) > 0;) {
+        DispatchMessageA(&message);
+    }
+}
+
 TEST(InjectedKeysLine, HasItsPlaceInEveryDialog) {
     RegistryHive hive;
     hive.SetDword(kKey, kValue, 1);
