@@ -19,7 +19,7 @@
 
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "platform/handle.h"
-#include "support/patched_imports.h"
+#include "support/freed_blocks.h"
 #include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
@@ -194,7 +194,7 @@ const std::vector<Row>& RowsLikeTheStockControl() {
         {"WM_PASTE", {{WM_PASTE}}},
         {"pasted over a selection", {{EM_SETSEL, 1, 7}, {WM_PASTE}}},
         {"Shift+Insert", {{WM_KEYDOWN, VK_INSERT}}, {VK_SHIFT}},
-        {"pasted beyond the limit", {{EM_SETLIMITTEXT, 10}, {WM_PASTE}}},
+        {"pasted beyond the limit", {{EM_SETLIMITTEXT, 10}, {EM_SETSEL, 1, 3}, {WM_PASTE}}},
         // Messages that set.
         {"WM_SETTEXT", {{WM_SETTEXT, 0, At("new")}}},
         {"WM_SETTEXT with nothing", {{WM_SETTEXT, 0, At("")}}},
@@ -214,19 +214,15 @@ const std::vector<Row>& RowsLikeTheStockControl() {
         {"the limit",
          {{EM_SETLIMITTEXT, 5}, {EM_GETLIMITTEXT}, {EM_SETLIMITTEXT}, {EM_GETLIMITTEXT}}},
         {"as long as the edit is wide",
-         {{WM_CHAR, 'm'},
-          {WM_CHAR, 'm'},
-          {WM_CHAR, 'm'},
-          {WM_CHAR, 'm'},
-          {WM_CHAR, 'm'},
-          {WM_CHAR, 'm'}},
+         {{EM_REPLACESEL, TRUE, At("mmm")}, {WM_CHAR, 'm'}, {WM_CHAR, 'm'}, {WM_CHAR, 'm'}},
          {},
          ES_PASSWORD},
         // State.
         {"read-only, typed", {{EM_SETREADONLY, TRUE}, {WM_CHAR, 'x'}, {WM_CHAR, VK_BACK}}},
         {"read-only, deleted",
          {{EM_SETREADONLY, TRUE}, {EM_SETSEL, 1, 3}, {WM_KEYDOWN, VK_DELETE}}},
-        {"read-only, pasted", {{EM_SETREADONLY, TRUE}, {WM_PASTE}, {WM_CHAR, 0x16}}},
+        {"read-only, pasted",
+         {{EM_SETREADONLY, TRUE}, {WM_PASTE}, {WM_CHAR, 0x16}, {WM_UNICHAR, 0x1F600}}},
         {"read-only, set",
          {{EM_SETREADONLY, TRUE}, {WM_SETTEXT, 0, At("new")}, {EM_REPLACESEL, TRUE, At("abc")}}},
         {"disabled", {{WM_ENABLE, FALSE}, {WM_CHAR, 'x'}}},
@@ -253,7 +249,7 @@ const std::vector<Row>& RowsLikeTheStockControl() {
          kUsualStyle | ES_NUMBER},
         {"digits only, others", {{WM_CHAR, 'x'}, {WM_CHAR, VK_BACK}}, {}, kUsualStyle | ES_NUMBER},
         {"capitals",
-         {{WM_CHAR, 'x'}, {EM_REPLACESEL, TRUE, At("aBc")}},
+         {{WM_CHAR, 'x'}, {EM_REPLACESEL, TRUE, At("aBc")}, {WM_SETTEXT, 0, At("dEf")}},
          {},
          kUsualStyle | ES_UPPERCASE},
         {"small letters",
@@ -452,7 +448,7 @@ TEST(SecretField, KeepsItsTextFromClipboardUndoingAndInputMethods) {
         field.Send(WM_CHAR, VK_BACK);
         field.Send(EM_SETSEL, 0, -1);
         field.Send(EM_SETMODIFY, FALSE);
-        PutOnClipboard(L"mark");
+        PutOnClipboard(L"mark\nno");
         const HeldKeys held(row.held);
         for (const Message& message : row.messages) {
             const LRESULT result = field.Send(message.message, message.wParam, message.lParam);
@@ -494,11 +490,13 @@ TEST(SecretField, TakesOverWhatAWindowHoldsAndNothingThatIsGivenAtCreation) {
     EXPECT_EQ(StateOf(next), "[0,0]0") << "bound to another one";
     EXPECT_EQ(GetWindowLongPtrA(next, GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
     CCapsLockSensitiveEdit made;
-    made.CreateEx(0, "EDIT", "text", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr);
-    EXPECT_EQ(StateOf(made.m_hWnd), "[0,0]0");
-    SetWindowTextA(made.m_hWnd, "later");
-    EXPECT_EQ(StateOf(made.m_hWnd), "later[0,0]5");
-    made.DestroyWindow();
+    for (int window = 0; window < 2; ++window) {
+        made.CreateEx(0, "EDIT", "text", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr);
+        EXPECT_EQ(StateOf(made.m_hWnd), "[0,0]0");
+        SetWindowTextA(made.m_hWnd, "later");
+        EXPECT_EQ(StateOf(made.m_hWnd), "later[0,0]5");
+        made.DestroyWindow();
+    }
 }
 
 TEST(SecretField, IsReadAndWrittenByItsOwnThreadAlone) {
@@ -539,6 +537,12 @@ TEST(SecretField, GivesAsMuchAsThereIsRoomFor) {
     SetWindowTextA(field.hEdit, "\x82\xA0\x82\xA2");
     char half[20] = "";
     EXPECT_EQ(field.Send(WM_GETTEXT, 4, At(half)), GetACP() == 932 ? 2 : 3);
+    const Message typed[] = {
+        {WM_CHAR, 0x82}, {WM_KILLFOCUS}, {WM_CHAR, 'x'}, {WM_IME_CHAR, 0x82A0}};
+    for (const Message& each : typed) {
+        field.Send(each.message, each.wParam);
+    }
+    EXPECT_EQ(TextOf(field.hEdit).find("x\x82\xA0\x82"), GetACP() == 932 ? 0U : std::string::npos);
     SetWindowTextA(field.hEdit, kText);
     EXPECT_EQ(field.Send(WM_GETTEXT, 20, 0), 0);
     EXPECT_EQ(field.Send(EM_GETLINE, 0, 0), 0);
@@ -567,6 +571,11 @@ TEST(SecretField, HoldsLongTexts) {
         field.Send(WM_PASTE);
         expected.replace(nAt, nOver, nTaken, 'p');
     };
+    bool clean = true;
+    const FreedBlocks freed({nullptr}, [&](const void* p, size_t nBytes) {
+        const std::wstring_view block(static_cast<const wchar_t*>(p), nBytes / sizeof(wchar_t));
+        clean = clean && block.find(L"123ABC") == std::wstring_view::npos;
+    });
     type(3, 2'100);
     field.Send(EM_SETLIMITTEXT, 9'900);
     paste(50, 0, 9'000, 9'900 - expected.size());
@@ -580,6 +589,7 @@ TEST(SecretField, HoldsLongTexts) {
     CString all;
     EXPECT_TRUE(field.object.ReadSecret(all));
     EXPECT_TRUE(all == expected.c_str());
+    EXPECT_TRUE(clean) << "where the text stood before it grew";
 }
 
 TEST(SecretField, TellsOfMemoryThatItDoesNotGet) {
@@ -630,8 +640,8 @@ TEST(SecretField, TellsTextServicesThatItTakesAPassword) {
 std::string g_strMenu;
 UINT g_nChoice;
 
-BOOL WINAPI ChooseFrom(HMENU hMenu, UINT, int, int, int, HWND, const RECT*) {
-    g_strMenu = "";
+BOOL WINAPI ChooseFrom(HMENU hMenu, UINT, int x, int y, int, HWND hWnd, const RECT*) {
+    g_strMenu = WindowFromPoint({x, y}) == hWnd && GetFocus() == hWnd ? "" : "elsewhere ";
     for (int i = 0; i < GetMenuItemCount(hMenu); ++i) {
         const UINT state = GetMenuState(hMenu, static_cast<UINT>(i), MF_BYPOSITION);
         g_strMenu += (state & MF_SEPARATOR) != 0 ? '|' : (state & MF_GRAYED) != 0 ? '-' : '+';
@@ -662,6 +672,7 @@ TEST_F(SecretFieldMenu, OffersWhatCanBeDone) {
         field.Send(EM_SETSEL, 0, c.nSelected);
         PutOnClipboard(c.pszClipboard);
         g_nChoice = c.nChoice;
+        field.LeaveEdit();
         field.Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(field.hEdit), -1);
         EXPECT_EQ(g_strMenu, c.pszMenu);
         EXPECT_EQ(StateOf(field.hEdit), c.pszState);
