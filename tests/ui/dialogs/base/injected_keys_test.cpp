@@ -74,7 +74,9 @@ const std::pair<const char*, Script> kWays[] = {
          d.Settle();
          d.Settle();  // the character was posted meanwhile
      }},
-    {"sent character", [](Dialog& d) { d.Send(kEdit, WM_CHAR, '7', 1); }}};
+    {"sent character", [](Dialog& d) { d.Send(kEdit, WM_CHAR, '7', 1); }},
+    {"sent character of 16 bits", [](Dialog& d) { d.Send(kEdit, WM_UNICHAR, '7', 1); }},
+    {"sent by an input method", [](Dialog& d) { d.Send(kEdit, WM_IME_CHAR, '7', 1); }}};
 
 TEST_F(InjectedKeysTest, AreTakenToldOfOrRefused) {
     for (const InjectedKeys policy :
@@ -103,7 +105,7 @@ TEST_F(InjectedKeysTest, AreTakenToldOfOrRefused) {
 
 TEST_F(InjectedKeysTest, LeadThroughTheDialogWhateverTheSetting) {
     Set(InjectedKeys::Refuse);
-    PinRequest().Ask([](Dialog& d) {
+    PinRequest().Ask([this](Dialog& d) {
         d.Run([&] { SetDlgItemTextA(d.Handle(), kEdit, "1234"); });
         d.RealKey(VK_END);
         d.RealKey(VK_LEFT);
@@ -114,7 +116,11 @@ TEST_F(InjectedKeysTest, LeadThroughTheDialogWhateverTheSetting) {
         EXPECT_EQ(d.FocusedId(), kEdit);
         EXPECT_FALSE(IsTold(d));
         d.RealKey(VK_DELETE);
+        d.RealKey(VK_DELETE);
         EXPECT_TRUE(IsTold(d));
+        EXPECT_EQ(std::ranges::count(m_log.Texts(2),
+                                     "InjectedKeyFilter: what a program types is refused"),
+                  1);
         EXPECT_EQ(d.Send(kEdit, WM_GETTEXTLENGTH), 4);
         d.RealKey(VK_RETURN);
         EXPECT_FALSE(d.IsOpen());
@@ -316,9 +322,10 @@ TEST_F(InjectedKeysTest, HaveRoomForTheirLineInAnEmbeddedPanel) {
     for (const InjectedKeys policy :
          {InjectedKeys::Accept, InjectedKeys::Warn, InjectedKeys::Refuse}) {
         Set(policy);
-        HostWindow host;
+        CDialog host;
+        host.CreateEx(0, "STATIC", "", WS_POPUP | WS_VISIBLE, 30, 40, 900, 500, nullptr, nullptr);
         const RECT place = {150, 20, 0, 0};
-        CChangePINDialog panel(0, 0, true, &place, &kAllRules, &host.m_ok, &host, 15, 0, 6);
+        CChangePINDialog panel(0, 0, true, &place, &kAllRules, nullptr, &host, 15, 0, 6);
         ASSERT_NE(panel.LocCreate(&host), 0);
         panel.ShowWindow(SW_SHOW);
         int& height = heights[static_cast<int>(policy)];
