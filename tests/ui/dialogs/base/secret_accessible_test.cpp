@@ -179,6 +179,11 @@ TEST(SecretAccessible, RefusesWhatIsNotThereAndOutlivesTheControl) {
             S_OK);
         EXPECT_EQ(told.right, 100);
         EXPECT_EQ(object.Number(&IAccessible::accHitTest, told.left + 1, told.top + 1), 0);
+        const Accessible stock = Accessible::Of(fields.m_hStock);
+        EXPECT_EQ(object.get()->accSelect(SELFLAG_TAKEFOCUS, Child(0)),
+                  stock.get()->accSelect(SELFLAG_TAKEFOCUS, Child(0)));
+        fields.m_edit.SetFocus();
+        EXPECT_EQ(object.Number(&IAccessible::get_accFocus), 0);
         fields.m_edit.ShowText();
         EXPECT_EQ(Read(object), "Pin & code:|Alt+o");
         EXPECT_EQ(fields.m_edit.SendMessage(WM_GETOBJECT, 0, OBJID_CARET), 0) << "the system's";
