@@ -246,21 +246,28 @@ BOOL WINAPI Lock(void* p, SIZE_T nSize) {
     g_locked.push_back({reinterpret_cast<ULONG_PTR>(p), nSize});
     return VirtualLock(p, nSize);
 }
+void Erase(std::vector<Block>& blocks, const void* p) {
+    std::erase_if(blocks,
+                  [=](const Block& b) { return b.nBegin == reinterpret_cast<ULONG_PTR>(p); });
+}
 BOOL WINAPI Free(void* p, SIZE_T nSize, DWORD dwType) {
-    for (auto* blocks : {&g_locked, &g_excluded}) {
-        std::erase_if(*blocks,
-                      [=](const Block& b) { return b.nBegin == reinterpret_cast<ULONG_PTR>(p); });
-    }
+    Erase(g_locked, p);
     return VirtualFree(p, nSize, dwType);
 }
 HRESULT WINAPI Exclude(const void* p, DWORD dwSize) {
     g_excluded.push_back({reinterpret_cast<ULONG_PTR>(p), dwSize});
     return S_OK;
 }
+HRESULT WINAPI Include(const void* p) {
+    Erase(g_excluded, p);
+    return S_OK;
+}
 // Of a system that leaves out of its error reports what it is told.
 FARPROC WINAPI Find(HMODULE hModule, LPCSTR pszName) {
-    return std::string_view(pszName) == "WerRegisterExcludedMemoryBlock"
-               ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Exclude))
+    const std::string_view name(pszName);
+    return name == "WerRegisterExcludedMemoryBlock" ? reinterpret_cast<FARPROC>(Address(&Exclude))
+           : name == "WerUnregisterExcludedMemoryBlock"
+               ? reinterpret_cast<FARPROC>(Address(&Include))
                : GetProcAddress(hModule, pszName);
 }
 
@@ -419,6 +426,7 @@ TEST_F(DoorsTest, EveryFieldKeepsItsText) {
         d.Click(IDOK);
     };
     VisitEveryField(visit);
+    EXPECT_TRUE(g_excluded.empty());
     EXPECT_GT(log.nDetails, 0);
 }
 
