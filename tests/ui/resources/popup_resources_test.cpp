@@ -47,7 +47,7 @@ protected:
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Resources, PopupResources, ::testing::ValuesIn(Languages()),
-                         [](const auto& test) { return test.param; });
+                         [](const auto& test) { return WithoutHyphen(test.param); });
 
 TEST_P(PopupResources, CanBeReadOnTheSkin) {
     const Pixels skin = m_module.BitmapPixels(IDB_POPUP_SKIN);

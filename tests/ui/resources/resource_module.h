@@ -25,6 +25,12 @@ inline const std::vector<std::string>& Languages() {
     return languages;
 }
 
+// A language in the name of a test: none may have a hyphen.
+inline std::string WithoutHyphen(std::string language) {
+    std::erase(language, '-');
+    return language;
+}
+
 struct NamedNumber {
     std::string strName;
     int nNumber;

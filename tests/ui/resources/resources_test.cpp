@@ -138,11 +138,11 @@ INSTANTIATE_TEST_SUITE_P(Resources, EachDialog,
                                             ::testing::ValuesIn(NamedNumbers("IDD_")),
                                             ::testing::Values(100, 125, 150, 200)),
                          [](const auto& test) {
-                             return std::get<0>(test.param) + std::get<1>(test.param).strName +
+                             return WithoutHyphen(std::get<0>(test.param)) + std::get<1>(test.param).strName +
                                     std::to_string(std::get<2>(test.param));
                          });
 INSTANTIATE_TEST_SUITE_P(Resources, EachLanguage, ::testing::ValuesIn(Languages()),
-                         [](const auto& test) { return test.param; });
+                         [](const auto& test) { return WithoutHyphen(test.param); });
 
 TEST_P(EachDialog, ClipsNoText) {
     for (const std::string& why : m_clipped) {
