@@ -45,7 +45,7 @@ private:
 void AddHostOptions(CLI::App& app, HostOptions& options) {
     app.add_flag("--json")->description("print the result as one JSON object, whatever it is");
     app.add_option("--language", options.strLanguage,
-                   "language of the library's texts, such as en or fr");
+                   "language of the library's texts: de, en, es, fr, it");
     auto* log = app.add_option("--log", options.strLogFile, "write the suite's log to this file");
     app.add_flag("--log-detail", options.bLogDetail, "log the details as well: they can show PINs")
         ->needs(log);

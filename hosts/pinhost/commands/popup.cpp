@@ -5,6 +5,8 @@
 #include <atomic>
 #include <chrono>
 #include <optional>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <mvpingui/popup_alert.h>
@@ -26,8 +28,14 @@
 namespace pinhost {
 namespace {
 
-constexpr char kWaiting[] = "Your one-time password is being fetched.";
-constexpr char kWaitingFrench[] = "Votre mot de passe à usage unique est en cours de réception.";
+// What stands below the busy bar, in each language; first what other languages get.
+constexpr std::pair<std::string_view, const char*> kWaiting[] = {
+    {"en", "Your one-time password is being fetched."},
+    {"de", "Ihr Einmalkennwort wird abgerufen."},
+    {"es", "Se está obteniendo su contraseña de un solo uso."},
+    {"fr", "Votre mot de passe à usage unique est en cours de réception."},
+    {"it", "Recupero della password monouso in corso."},
+};
 constexpr char kPassword[] = "<center><font size=\"22pt\"><b>740 291</b></font></center>";
 
 // The library's own text in the language whose folder is the current one; the library itself takes
@@ -41,6 +49,15 @@ std::string OwnText(UINT nId) {
         LoadStringA(texts.get(), nId, text.data(), static_cast<int>(text.size()));
     }
     return text.data();
+}
+
+std::string WaitingText(const std::string& strLanguage) {
+    for (const auto& [language, text] : kWaiting) {
+        if (language == strLanguage) {
+            return AnsiFromUtf8(text);
+        }
+    }
+    return AnsiFromUtf8(kWaiting[0].second);
 }
 
 // What the notice told, in the order in which it came.
@@ -215,7 +232,7 @@ Outcome PopupCommand::Run(const HostOptions& options) {
     m_plan.strNextScreenshot = AbsolutePath(m_plan.strNextScreenshot);
     m_plan.bPassword = IsPassword();
     if (!m_strMessage && IsPassword()) {
-        m_strMessage = options.strLanguage == "fr" ? AnsiFromUtf8(kWaitingFrench) : kWaiting;
+        m_strMessage = WaitingText(options.strLanguage);
     }
     Showing showing(m_plan, AbsolutePath(m_strFilm));
     const PinLibrary library(options);
