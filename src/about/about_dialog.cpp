@@ -80,6 +80,7 @@ void CAboutDlg::ShowMark() {
     const CRect place = mvp::PlaceOf(*this, IDC_ABOUT_MARK);
     if (HICON icon = mvp::LoadResourceIcon(IDI_ABOUT, std::min(place.Width(), place.Height()))) {
         SendDlgItemMessage(IDC_ABOUT_MARK, STM_SETICON, reinterpret_cast<WPARAM>(icon));
+        mvp::KeepFromMirroring(GetDlgItem(IDC_ABOUT_MARK));
     }
 }
 

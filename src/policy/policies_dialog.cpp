@@ -8,6 +8,7 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/control_place.h"
+#include "dialogs/base/dialog_looks.h"
 #include "dialogs/base/optional_control.h"
 #include "platform/barrier.h"
 #include "policy/pin_policy.h"
@@ -267,6 +268,7 @@ void VKPoliciesDlg::SetPolicyIcon(CWnd* pIconControl, HICON hIcon) {
         return;
     }
     pIconControl->SendMessage(STM_SETICON, reinterpret_cast<WPARAM>(hIcon));
+    mvp::KeepFromMirroring(pIconControl);
     UpdateWindow();
 }
 

@@ -15,10 +15,17 @@ void SetSmallIcon(CWnd& dialog, UINT nIcon) {
     }
 }
 
+void KeepFromMirroring(CWnd* pControl) {
+    if (pControl != nullptr) {
+        pControl->ModifyStyleEx(WS_EX_LAYOUTRTL | WS_EX_RTLREADING, 0);
+    }
+}
+
 void ShowIcon(CWnd& dialog, int nControl, UINT nIcon) {
     // The shared icon, which nobody destroys.
     if (HICON icon = LoadResourceIcon(nIcon, GetSystemMetrics(SM_CXICON))) {
         dialog.SendDlgItemMessage(nControl, STM_SETICON, reinterpret_cast<WPARAM>(icon));
+        KeepFromMirroring(dialog.GetDlgItem(nControl));
     }
 }
 

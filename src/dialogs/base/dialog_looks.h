@@ -11,6 +11,10 @@ namespace mvp {
 // Without the icon, which the log tells, the dialog keeps what it has.
 void SetSmallIcon(CWnd& dialog, UINT nIcon);
 
+// Shows the control unmirrored in a mirrored dialog: a picture or a code, which is the same in
+// every language. Null is ignored.
+void KeepFromMirroring(CWnd* pControl);
+
 // Shows icon `nIcon` of the resource module in static `nControl`. Without either nothing changes.
 void ShowIcon(CWnd& dialog, int nControl, UINT nIcon);
 

@@ -4,6 +4,7 @@
 #include <dlgfw/message_map.h>
 
 #include "dialogs/base/control_place.h"
+#include "dialogs/base/dialog_looks.h"
 #include "dialogs/card/code_groups.h"
 #include "dialogs/card/reset_fields.h"
 #include "platform/barrier.h"
@@ -84,6 +85,7 @@ BOOL CResetCardDialog::OnInitDialog() {
     const BOOL result = CBaseDialog::OnInitDialog();
     m_editResponse.ShowText();
     m_editUnlockCode.ShowText();
+    mvp::KeepFromMirroring(GetDlgItem(IDC_RESET_CARD_CHALLENGE));
     m_editPin.Empty();
     m_editResponse.Empty();
     m_editUnlockCode.SetFocus();

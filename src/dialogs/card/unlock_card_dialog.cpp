@@ -96,6 +96,7 @@ BOOL CUnlockCardDlg::OnInitDialog() {
     m_editNewPin.SetPasswordChar(kPasswordCharacter);
     m_editConfirmPin.SetPasswordChar(kPasswordCharacter);
     m_editUnlockCode.ShowText();
+    mvp::KeepFromMirroring(GetDlgItem(IDC_UNLOCK_CARD_CHALLENGE));
     EnableOk(false);
     PostMessage(kDisplayPinPoliciesMessage);
     mvp::BringToFront(*this);

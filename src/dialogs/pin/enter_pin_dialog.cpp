@@ -92,6 +92,10 @@ BOOL CEnterPinDlg::OnInitDialog() {
     if (!m_strPrompt.IsEmpty()) {
         SetDlgItemText(IDC_ENTER_PIN_PROMPT, m_strPrompt);
     }
+    for (const int picture : {IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
+                              IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS}) {
+        mvp::KeepFromMirroring(GetDlgItem(picture));
+    }
     LogMissingPicture(*this, IDC_ENTER_PIN_BANNER);
     LogMissingPicture(*this, IDC_ENTER_PIN_PROGRESS);
     TryToInsertBitmap();
