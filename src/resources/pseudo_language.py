@@ -55,7 +55,9 @@ def lengthened(words, wanted):
 def pseudo(text):
     lead = text[:len(text) - len(text.lstrip(" "))]
     words, kept = zip(*pieces(text[len(lead):]))
-    length = sum(len(word) for word in words)
+    # An escape is one character.
+    length = len(lead) + sum(len(word) + (1 if keep[:1] == "\\" else len(keep))
+                             for word, keep in zip(words, kept))
     factor = 2 if length <= SHORT else 1.4
     longer = lengthened(words, max(0, math.ceil(length * factor) - length - len("[]")))
     translated = "".join(word.translate(ACCENTS) + keep for word, keep in zip(longer, kept))

@@ -33,7 +33,7 @@ namespace mvp::test {
 
 class AttachedLibrary {
 public:
-    // Speaks a language of the build, "en" or "fr", or the one beside the tests. The library looks
+    // Speaks a language of the build, such as "fr", or the one beside the tests. The library looks
     // below the current directory, which is the tests' own at first.
     explicit AttachedLibrary(const std::string& strLanguage = {}) {
         if (!strLanguage.empty()) {

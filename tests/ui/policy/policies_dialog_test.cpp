@@ -254,10 +254,10 @@ void ExpectPacked(const HostedPanel& panel, unsigned nSubset, const PanelMargins
     EXPECT_EQ(client.bottom, box.bottom) << "the panel ends with its box";
 }
 
-// Where the lines stand, for every subset of the rules, in every language, with the margins of the
-// library's dialogs; and with wide ones, which need more room than the template has.
+// Where the lines stand, for every subset of the rules, in longer texts and mirrored, too, with the
+// margins of the library's dialogs; and with wide ones, which need more room than the template has.
 TEST(PoliciesLayout, PacksEverySubset) {
-    for (const char* language : {"en", "fr"}) {
+    for (const char* language : {"en", "fr", "qps-ploc", "qps-plocm"}) {
         const AttachedLibrary library(language);
         for (const PanelMargins& margins : {PanelMargins{15, 0, 6}, PanelMargins{10, 3, 6},
                                             PanelMargins{10, 20, 10}, PanelMargins{40, 0, 30}}) {

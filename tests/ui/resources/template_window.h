@@ -32,6 +32,13 @@ public:
         if (m_hWnd == nullptr) {
             throw std::runtime_error("cannot create dialog " + std::to_string(dialog));
         }
+        LOGFONTA font{};
+        GetObjectA(reinterpret_cast<HFONT>(SendMessageA(m_hWnd, WM_GETFONT, 0, 0)), sizeof font,
+                   &font);
+        font.lfWeight = FW_BOLD;
+        m_bold.reset(CreateFontIndirectA(&font));
+        SendDlgItemMessageA(m_hWnd, kBoldHeading, WM_SETFONT,
+                            reinterpret_cast<WPARAM>(m_bold.get()), FALSE);
     }
     ~TemplateWindow() {
         DestroyWindow(m_hWnd);
@@ -57,6 +64,9 @@ public:
     }
 
 private:
+    // The same number in every dialog that the code gives a bold heading; of others it is no text.
+    static constexpr int kBoldHeading = IDC_UNLOCK_RESULT_HEADING;
+
     // The template with its font enlarged.
     static std::vector<WORD> LoadTemplate(const ResourceModule& module, int dialog, int percent) {
         const HRSRC resource = FindResourceA(module.get(), MAKEINTRESOURCEA(dialog), RT_DIALOG);
@@ -73,6 +83,7 @@ private:
     HWND m_hHost = CreateWindowExA(0, "STATIC", "host", WS_POPUP, 0, 0, 2000, 2000, nullptr,
                                    nullptr, nullptr, nullptr);
     HWND m_hWnd = nullptr;
+    mvp::Font m_bold;
 };
 
 // The mnemonic of the text in lower case, or 0.

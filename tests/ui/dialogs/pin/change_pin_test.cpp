@@ -294,10 +294,10 @@ TEST_F(ChangePin, OpeningAndClosingKeepsNothing) {
     });
 }
 
-// For every subset of the rules, in every language: panel, buttons and frame end where the rules
-// end. What stands above the rules is where the templates have it.
+// For every subset of the rules, in longer texts and mirrored, too: panel, buttons and frame end
+// where the rules end. What stands above the rules is where the templates have it.
 TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
-    for (const char* language : {"en", "fr"}) {
+    for (const char* language : {"en", "fr", "qps-ploc", "qps-plocm"}) {
         const AttachedLibrary library(language);
         for (unsigned subset = 0; subset < kRuleSubsets; ++subset) {
             SCOPED_TRACE(language + std::to_string(subset));
