@@ -51,6 +51,16 @@ private:
     std::filesystem::path m_folder = std::filesystem::current_path();
 };
 
+// Which of the controls the system mirrors, in a dialog of the language whose dialogs are mirrored.
+inline std::vector<bool> AreMirrored(const Dialog& dialog, const std::vector<int>& ids) {
+    std::vector<bool> mirrored;
+    for (const int id : ids) {
+        mirrored.push_back((GetWindowLongA(dialog.Control(id), GWL_EXSTYLE) & WS_EX_LAYOUTRTL) !=
+                           0);
+    }
+    return mirrored;
+}
+
 class LibraryTest : public testing::Test {
 protected:
     ~LibraryTest() override { SetHelpViewer(nullptr); }

@@ -183,7 +183,7 @@ TEST_F(ResetCard, GivesNothingUnlessConfirmedAndEndsWithItsCard) {
 void ExpectGrown(Dialog& d) {
     CRect panel = RectIn(d.Handle(), GetParent(d.Control(kPin)));
     EXPECT_EQ(panel.TopLeft(), CPoint(0, 0));
-    RECT buttons = {139, 151, 193, 172};  // OK's left, both tops, Cancel's left, the height
+    RECT buttons = {123, 151, 185, 172};  // OK's left, both tops, Cancel's left, the height
     d.Run([&] { MapDialogRect(d.Handle(), &buttons); });
     OffsetRect(&buttons, 0, panel.Height());
     EXPECT_EQ(RectIn(d.Handle(), d.Control(IDOK)).TopLeft(), CPoint(buttons.left, buttons.top));

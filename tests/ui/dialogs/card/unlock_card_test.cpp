@@ -144,6 +144,23 @@ TEST_F(UnlockCard, NothingOverlapsOrIsCutAtAnyResolution) {
     }
 }
 
+TEST(MirroredUnlockCard, KeepsCodesAndPicturesAsTheyAre) {
+    const AttachedLibrary library("qps-plocm");
+    const auto enter = [](Dialog& d) {
+        EXPECT_EQ(AreMirrored(d, {kNew, kCode, IDC_UNLOCK_CARD_CHALLENGE, IDC_POLICIES_MIN_ICON}),
+                  (std::vector<bool>{true, false, false, false}));
+        Fill(d);
+        d.Enter();
+        Dialog failed = d.Next();
+        EXPECT_EQ(AreMirrored(failed, {kHeading, IDC_UNLOCK_RESULT_ICON}),
+                  (std::vector<bool>{true, false}));
+        failed.Enter();
+        failed.WaitGone();
+        d.Escape();
+    };
+    EXPECT_EQ((Card{.pszChallenge = "0123456789ABCDEF", .results = {1}}.Ask(enter)), IDCANCEL);
+}
+
 TEST_F(UnlockCard, TellsWhetherItCouldBeMadeShorter) {
     const auto refuse =
         +[](HWND hWnd, HWND hAfter, int x, int y, int cx, int cy, UINT nFlags) WINAPI -> BOOL {

@@ -53,6 +53,16 @@ TEST_F(EnterPin, OpensOnTopAndHelps) {
     EXPECT_EQ(s_strHelp, "v.chm1015");
 }
 
+TEST(MirroredEnterPin, KeepsPicturesAsTheyAre) {
+    const AttachedLibrary library("qps-plocm");
+    PinRequest().Ask([](Dialog& d) {
+        EXPECT_EQ(AreMirrored(d, {IDC_ENTER_PIN_EDIT, IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
+                                  IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS}),
+                  (std::vector<bool>{true, false, false, false, false}));
+        d.Escape();
+    });
+}
+
 TEST_F(EnterPin, OkFollowsTheBoundsAtEveryStep) {
     const auto typeAndDelete = [&](Dialog& d) {
         EXPECT_FALSE(d.IsEnabled(IDOK));
