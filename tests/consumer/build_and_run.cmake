@@ -19,6 +19,10 @@ endfunction()
 file(REMOVE_RECURSE ${WORK_DIR})
 file(MAKE_DIRECTORY ${installed}/bin)
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${installed})
+file(GLOB made_for_tests ${installed}/bin/qps-*)
+if(made_for_tests OR NOT EXISTS ${installed}/bin/de/Resources/Localized/mvpinguirc.dll)
+  message(FATAL_ERROR "wrong languages are installed: ${made_for_tests}")
+endif()
 
 # The guide's host, as it stands there: it is built, not run, for it waits for its user.
 file(READ ${SOURCE_DIR}/../../docs/integration.md guide)

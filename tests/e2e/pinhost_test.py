@@ -72,9 +72,15 @@ class PinHostTest(unittest.TestCase):
         shown = {"result": "shown", "code": 11, "text": run.stdout.strip()}
         self.expect(0, shown, "error-text", "11")
         self.expect(1, {"result": "unknown", "code": 13}, "error-text", "13")
-        french = self.run_host("error-text", "11", "--language", "fr")
-        self.assertNotEqual(french.stdout, run.stdout)
-        self.assertIn("é", french.stdout)
+
+    def test_languages(self):
+        for language, words in (("en", "canceled"), ("de", "geändert"), ("es", "operación"),
+                                ("fr", "annulée"), ("it", "è stata"), ("qps-ploc", "[Théé"),
+                                ("qps-plocm", "canceled")):
+            with self.subTest(language):
+                run = self.run_host("error-text", "11", "--language", language)
+                self.assertEqual(run.returncode, 0, run)
+                self.assertIn(words, run.stdout)
 
     def test_what_it_is(self):
         version = self.run_host("--version")
