@@ -256,8 +256,11 @@ TEST_F(InjectedKeysTest, AreToldFromAPersonsWithinAMessageOfAnotherThread) {
 TEST(InjectedKeysLine, HasItsPlaceInEveryDialog) {
     RegistryHive hive;
     hive.SetDword(kKey, kValue, 1);
-    for (const auto& [language, percent] :
-         {std::pair<const char*, int>{"en", 100}, {"fr", 100}, {"en", 200}, {"fr", 200}}) {
+    for (const auto& [language, percent] : {std::pair<const char*, int>{"en", 100},
+                                            {"fr", 100},
+                                            {"qps-ploc", 100},
+                                            {"en", 200},
+                                            {"fr", 200}}) {
         const EnlargedDialogs at(percent);
         const AttachedLibrary library(language);
         const auto expect = [&, name = language, size = percent](int nEdit) {
