@@ -259,9 +259,10 @@ void ExpectPacked(const HostedPanel& panel, unsigned nSubset, const PanelMargins
 TEST(PoliciesLayout, PacksEverySubset) {
     for (const char* language : {"en", "fr", "qps-ploc", "qps-plocm"}) {
         const AttachedLibrary library(language);
+        const unsigned step = language[0] == 'q' ? 7 : 1;  // some of them, with none and all
         for (const PanelMargins& margins : {PanelMargins{15, 0, 6}, PanelMargins{10, 3, 6},
                                             PanelMargins{10, 20, 10}, PanelMargins{40, 0, 30}}) {
-            for (unsigned subset = 0; subset < kRuleSubsets; ++subset) {
+            for (unsigned subset = 0; subset < kRuleSubsets; subset += step) {
                 SCOPED_TRACE(language + std::to_string(subset) + ", indent " +
                              std::to_string(margins.nIndent));
                 const PwdRuleArgs rules = RulesOfSubset(subset);

@@ -299,7 +299,8 @@ TEST_F(ChangePin, OpeningAndClosingKeepsNothing) {
 TEST(ChangePinLayout, EndsWhereTheRulesEnd) {
     for (const char* language : {"en", "fr", "qps-ploc", "qps-plocm"}) {
         const AttachedLibrary library(language);
-        for (unsigned subset = 0; subset < kRuleSubsets; ++subset) {
+        const unsigned step = language[0] == 'q' ? 7 : 1;  // some of them, with none and all
+        for (unsigned subset = 0; subset < kRuleSubsets; subset += step) {
             SCOPED_TRACE(language + std::to_string(subset));
             const PwdRuleArgs rules = RulesOfSubset(subset);
             ChangePinRequest request{.pRules = &rules, .bAskCurrentPin = subset % 3 != 0};
