@@ -64,19 +64,28 @@ def pseudo(text):
     return f"{lead}[{translated}]"
 
 
+def joined(literals):
+    return "".join(literal[1:-1] for literal in re.findall(LITERAL, literals))
+
+
+def texts(script):
+    """Each text of a script by its name, as it is written there."""
+    return {match[1]: joined(match[3]) for match in TEXT.finditer(script)}
+
+
 def replaced(match):
     name, space, literals = match.groups()
-    if name in STATED:
-        return match.group()
-    text = "".join(literal[1:-1] for literal in re.findall(LITERAL, literals))
-    return f'{name}{space}"{pseudo(text)}"'
+    return match.group() if name in STATED else f'{name}{space}"{pseudo(joined(literals))}"'
+
+
+def read(path):
+    with open(path, encoding="cp1252", newline="") as file:
+        return file.read()
 
 
 def main(english, result):
-    with open(english, encoding="cp1252", newline="") as file:
-        script = file.read()
     with open(result, "w", encoding="cp1252", newline="") as file:
-        file.write(TEXT.sub(replaced, script))
+        file.write(TEXT.sub(replaced, read(english)))
 
 
 if __name__ == "__main__":

@@ -51,14 +51,9 @@ private:
     std::filesystem::path m_folder = std::filesystem::current_path();
 };
 
-// Which of the controls the system mirrors, in a dialog of the language whose dialogs are mirrored.
-inline std::vector<bool> AreMirrored(const Dialog& dialog, const std::vector<int>& ids) {
-    std::vector<bool> mirrored;
-    for (const int id : ids) {
-        mirrored.push_back((GetWindowLongA(dialog.Control(id), GWL_EXSTYLE) & WS_EX_LAYOUTRTL) !=
-                           0);
-    }
-    return mirrored;
+// Whether the system mirrors the control, in a dialog of the language whose dialogs are mirrored.
+inline bool IsMirrored(const Dialog& dialog, int nId) {
+    return (GetWindowLongA(dialog.Control(nId), GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0;
 }
 
 class LibraryTest : public testing::Test {

@@ -147,13 +147,15 @@ TEST_F(UnlockCard, NothingOverlapsOrIsCutAtAnyResolution) {
 TEST(MirroredUnlockCard, KeepsCodesAndPicturesAsTheyAre) {
     const AttachedLibrary library("qps-plocm");
     const auto enter = [](Dialog& d) {
-        EXPECT_EQ(AreMirrored(d, {kNew, kCode, IDC_UNLOCK_CARD_CHALLENGE, IDC_POLICIES_MIN_ICON}),
-                  (std::vector<bool>{true, false, false, false}));
+        EXPECT_TRUE(IsMirrored(d, kNew));
+        for (const int id : {kCode, IDC_UNLOCK_CARD_CHALLENGE, IDC_POLICIES_MIN_ICON}) {
+            EXPECT_FALSE(IsMirrored(d, id)) << id;
+        }
         Fill(d);
         d.Enter();
         Dialog failed = d.Next();
-        EXPECT_EQ(AreMirrored(failed, {kHeading, IDC_UNLOCK_RESULT_ICON}),
-                  (std::vector<bool>{true, false}));
+        EXPECT_TRUE(IsMirrored(failed, kHeading));
+        EXPECT_FALSE(IsMirrored(failed, IDC_UNLOCK_RESULT_ICON));
         failed.Enter();
         failed.WaitGone();
         d.Escape();
