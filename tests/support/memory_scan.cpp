@@ -90,7 +90,8 @@ void Secret::FindRuns(const unsigned char* pBytes, size_t nBytes, Found found) c
         size_t step = 1;
         if (four == 0) {
             continue;
-        } else if (isPair(four >> 16)) {
+        }
+        if (isPair(four >> 16)) {
             begin += 2;
         } else if ((four & 0xFF00FF00) == 0 && isPair(four | four >> 8)) {
             step = 2;
@@ -191,8 +192,8 @@ Secret::Secret(std::vector<std::string> kinds, size_t nLength, unsigned nSeed)
         m_encoded.at(i) = kinds[i % kinds.size()].at(i / kinds.size());
     }
     for (size_t i = 1; i < nLength; ++i) {
-        m_pairs.set(static_cast<unsigned char>((*this)[i - 1]) |
-                    static_cast<unsigned char>((*this)[i]) << 8);
+        m_pairs.set(std::uint32_t{static_cast<unsigned char>((*this)[i - 1])} |
+                    std::uint32_t{static_cast<unsigned char>((*this)[i])} << 8);
     }
 }
 

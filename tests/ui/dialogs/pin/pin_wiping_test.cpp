@@ -29,7 +29,7 @@ namespace {
 
 int Runs(int nUsual) {
     const char* wanted = std::getenv("MVP_SCAN_RUNS");
-    return wanted != nullptr ? std::atoi(wanted) : nUsual;
+    return wanted != nullptr ? std::stoi(wanted) : nUsual;
 }
 
 class Parent : public CWnd {
