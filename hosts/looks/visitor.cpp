@@ -1,0 +1,126 @@
+#include "looks/visitor.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include <mvpingui/popup_alert.h>
+
+#include "common/thread_windows.h"
+
+namespace looks {
+
+namespace {
+
+constexpr UINT kStepMs = 10;
+constexpr int kSettlingSteps = 6;
+
+Visitor* g_pVisitor = nullptr;
+
+// The uppermost window of this thread that somebody could work with.
+HWND OpenWindow() {
+    for (HWND window : mvp::VisibleWindows(GetCurrentThreadId())) {
+        if (IsWindowEnabled(window) && mvp::ClassOf(window) != "tooltips_class32") {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+Visitor::Visitor(Look look, Look photograph)
+    : m_look(std::move(look)),
+      m_photograph(std::move(photograph)),
+      m_nTimer(SetTimer(nullptr, 0, kStepMs, &OnTimer)) {
+    g_pVisitor = this;
+}
+
+Visitor::~Visitor() {
+    KillTimer(nullptr, m_nTimer);
+    g_pVisitor = nullptr;
+}
+
+bool Visitor::Visit(const std::string& strDialog, const std::function<void()>& open,
+                    std::vector<State> states, Closing closing) {
+    m_strDialog = strDialog;
+    m_states = std::move(states);
+    m_closing = closing;
+    m_bOpen = true;
+    m_nState = 0;
+    m_phase = Phase::Enter;
+    m_nClosings = 0;
+    open();
+    m_bOpen = false;
+    if (m_nState < m_states.size()) {
+        throw std::runtime_error(strDialog + " was not seen in the state " +
+                                 m_states[m_nState].strName);
+    }
+    return m_nClosings == 1;
+}
+
+void CALLBACK Visitor::OnTimer(HWND, UINT, UINT_PTR, DWORD) {
+    g_pVisitor->Step();
+}
+
+// One thing at a time: what it sets off is handled before the next one.
+void Visitor::Step() {
+    const HWND window = OpenWindow();
+    if (window == nullptr || !m_bOpen) {
+        return;
+    }
+    if (m_nState == m_states.size()) {
+        Close(window);
+        return;
+    }
+    const State& state = m_states[m_nState];
+    switch (m_phase) {
+        case Phase::Enter:
+            if (state.enter) {
+                state.enter(window);
+            }
+            m_phase = Phase::Look;
+            break;
+        case Phase::Look:
+            RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+            m_look(m_strDialog, state.strName, window);
+            m_phase = Phase::Settle;
+            if (!m_photograph) {
+                Advance();
+            }
+            break;
+        case Phase::Settle:
+            // What was painted is shown while the thread has nothing to do.
+            if (++m_nSettled == kSettlingSteps) {
+                m_nSettled = 0;
+                m_phase = Phase::Photograph;
+            }
+            break;
+        case Phase::Photograph:
+            m_photograph(m_strDialog, state.strName, window);
+            Advance();
+            break;
+    }
+}
+
+void Visitor::Advance() {
+    ++m_nState;
+    m_phase = Phase::Enter;
+}
+
+void Visitor::Close(HWND hWindow) {
+    ++m_nClosings;
+    if (mvp::ClassOf(hWindow) != "#32770") {
+        PostMessageA(hWindow, WM_POPUP_LINK_CLICKED, 0, 0);
+    } else if (m_nClosings > 2) {
+        DestroyWindow(hWindow);
+    } else if (m_nClosings == 2) {
+        PostMessageA(hWindow, WM_COMMAND, IDOK, 0);
+    } else if (m_closing == Closing::Escape) {
+        const HWND focus = GetFocus();
+        PostMessageA(focus != nullptr ? focus : hWindow, WM_KEYDOWN, VK_ESCAPE, 1);
+    } else {
+        PostMessageA(hWindow, WM_SYSCOMMAND, SC_CLOSE, 0);
+    }
+}
+
+}  // namespace looks

@@ -1,0 +1,66 @@
+// Opens dialogs one after the other on the calling thread, brings each into its states, and looks
+// at it there.
+//
+//     looks::Visitor visitor(look);
+//     visitor.Visit("enter PIN", [] { ...open it modally... },
+//                   {{"empty", {}}, {"typed", [](HWND hDialog) { ... }}});
+//
+// What it does in a dialog is done on the dialog's own thread, between two of its messages. When
+// the last state has been looked at, the dialog is closed as a user would; one that cannot be is
+// answered otherwise, and destroyed in the end.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace looks {
+
+struct State {
+    std::string strName;
+    std::function<void(HWND hWindow)> enter;  // empty: the window is in it already
+};
+
+class Visitor {
+public:
+    // Called with every window, in every state.
+    using Look = std::function<void(const std::string& strDialog, const std::string& strState,
+                                    HWND hWindow)>;
+
+    // `look` is called first, and `photograph` when the system has had time to show what that may
+    // have painted.
+    Visitor(Look look, Look photograph);
+    Visitor(const Visitor&) = delete;
+    Visitor& operator=(const Visitor&) = delete;
+    ~Visitor();
+
+    enum class Closing { Escape, CloseButton };
+
+    // `open` returns when the dialog has closed. Returns whether the way of closing it was enough.
+    // Throws std::runtime_error when a state was not seen.
+    bool Visit(const std::string& strDialog, const std::function<void()>& open,
+               std::vector<State> states, Closing closing);
+
+private:
+    static void CALLBACK OnTimer(HWND hWnd, UINT message, UINT_PTR nId, DWORD dwTime);
+    void Step();
+    void Advance();
+    void Close(HWND hWindow);
+
+    Look m_look;
+    Look m_photograph;
+    UINT_PTR m_nTimer;
+    std::string m_strDialog;
+    std::vector<State> m_states;
+    Closing m_closing = Closing::Escape;
+    bool m_bOpen = false;
+    std::size_t m_nState = 0;
+    enum class Phase { Enter, Look, Settle, Photograph };
+    Phase m_phase = Phase::Enter;
+    int m_nSettled = 0;  // steps since it was looked at
+    int m_nClosings = 0;  // how often it has been told to close
+};
+
+}  // namespace looks
