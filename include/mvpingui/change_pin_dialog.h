@@ -27,7 +27,8 @@
 #include <mvpingui/pwd_rule_args.h>
 #include <mvpingui/rule_panel.h>
 
-// The layout of the rule lines in the library's own change-PIN dialog, in pixels.
+// The layout of the rule lines in the library's own change-PIN dialog, in pixels of a screen
+// of 96 dpi.
 constexpr int MVPINGUI_CHANGE_PIN_TOP_MARGIN = 15;
 constexpr int MVPINGUI_CHANGE_PIN_LEFT_INDENT = 0;
 constexpr int MVPINGUI_CHANGE_PIN_LINE_SPACING = 6;

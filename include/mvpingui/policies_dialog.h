@@ -32,7 +32,8 @@ public:
     // bUseWindowColor   nonzero: drawn on the system's window colour
     // pPosition         its left and top place the panel in the parent's client area; may be null
     // pParent           the host, not owned
-    // nTopMargin, nLeftIndent, nLineSpacing  pixels above the first line, before and between lines
+    // nTopMargin, nLeftIndent, nLineSpacing  pixels, of a screen of 96 dpi, above the first line,
+    // before and between lines
     VKPoliciesDlg(const PwdRuleArgs* pRules, int bUseWindowColor, const RECT* pPosition,
                   CWnd* pParent, int nTopMargin, int nLeftIndent, int nLineSpacing);
     ~VKPoliciesDlg() override;

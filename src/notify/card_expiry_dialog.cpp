@@ -1,5 +1,7 @@
 #include "notify/card_expiry_dialog.h"
 
+#include <algorithm>
+
 #include <dlgfw/data_exchange.h>
 #include <dlgfw/dc.h>
 #include <dlgfw/message_map.h>
@@ -97,8 +99,11 @@ bool CCardExpiryNotifyDlg::ShowCard(CTime now) {
     }
     const bool expired = mvp::HasCardExpired(expiry.GetTime(), now.GetTime());
     const mvp::LinePlace place = mvp::CardLinePlace(Dpi());
-    const CRect rect(place.nLeft, place.nTop, place.nLeft + place.nWidth,
-                     place.nTop + place.nHeight);
+    CRect client;
+    GetClientRect(&client);
+    // Between two resolutions the window may be narrower than the line in pixels.
+    const int right = std::min<int>(place.nLeft + place.nWidth, client.right - place.nLeft);
+    const CRect rect(place.nLeft, place.nTop, right, place.nTop + place.nHeight);
     if (m_cardLine.Create(CardLine(expired, expiry), WS_CHILD | WS_VISIBLE, rect, this)) {
         m_cardLine.SetFont(TextFont());
     }
@@ -136,6 +141,11 @@ bool CCardExpiryNotifyDlg::ShowCertificates(CTime now) {
     for (int row = 0; row < count; ++row) {
         expired = AddRow(row, now) || expired;
     }
+    // Whoever comes to the list by the keyboard sees where he is.
+    LVITEMA first{};
+    first.state = LVIS_FOCUSED;
+    first.stateMask = LVIS_FOCUSED;
+    m_list.SendMessage(LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&first));
     return expired;
 }
 

@@ -21,6 +21,9 @@ constexpr DWORD kSlideMilliseconds = 500;
 constexpr int kSmallFontHeight = -11;
 constexpr int kBulletSize = 18;
 constexpr int kIconSize = 32;
+// The skin is a light picture, whatever the system's colours are: so the text on it has colours of
+// its own as well.
+constexpr COLORREF kLinkColour = RGB(0x00, 0x00, 0xFF);
 constexpr POINT kIconPlace{12, 15};
 
 HICON g_hPopupIcon = nullptr;
@@ -222,6 +225,7 @@ std::unique_ptr<CHtmlStatic> CPopupAlert::CreateText(const RECT& place, UINT nId
     text->Create("", WS_CHILD | WS_VISIBLE, place, this, nId);
     text->SetMargins(margins.cx, margins.cy);
     text->SetDrawingMode(CHtmlStatic::kTransparent);
+    text->SetColors(m_crNormal, kLinkColour, kLinkColour);
     return text;
 }
 

@@ -289,8 +289,11 @@ void VKPoliciesDlg::PutPoliciesInBox() {
         const CRect text = mvp::ClientRectOf(*this, *texts.at(i));
         box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, m_icons[i]).left};
     }
-    const mvp::PolicyLayout layout =
-        mvp::LayOutPolicies(box, Rules(), {m_nTopMargin, m_nLeftIndent, m_nLineSpacing});
+    const mvp::WindowDc device(m_hWnd);
+    const int dots = GetDeviceCaps(device.get(), LOGPIXELSY);
+    const auto scaled = [=](int nPixels) { return MulDiv(nPixels, dots, USER_DEFAULT_SCREEN_DPI); };
+    const mvp::PolicyLayout layout = mvp::LayOutPolicies(
+        box, Rules(), {scaled(m_nTopMargin), scaled(m_nLeftIndent), scaled(m_nLineSpacing)});
     constexpr UINT kMoveOnly = SWP_NOSIZE | SWP_NOZORDER;
     for (const mvp::PlacedPolicyLine& line : layout.Lines()) {
         const std::size_t index = mvp::IndexOf(line.rule);
