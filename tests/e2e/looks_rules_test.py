@@ -1,0 +1,149 @@
+"""Each rule of the looks speaks of a window that breaks it, and no other rule does.
+
+Usage: looks_rules_test.py TOP
+"""
+
+import json
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+TOP = Path(sys.argv.pop(1))
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(TOP / "scripts"))
+import looks_rules  # noqa: E402
+import looks_verdict  # noqa: E402
+
+PUSH, CHECK, GROUP, ICON = 0x50010000, 0x50010003, 0x50000007, 0x50000003
+
+
+def control(number, kind, text, left, top, width, height, style=0x50000000, **more):
+    """At a place in dialog units of 1.5 by 1.625 pixels."""
+    rect = [round(left * 1.5), round(top * 1.625), round((left + width) * 1.5),
+            round((top + height) * 1.625)]
+    made = {"id": number, "class": kind, "text": text, "rect": rect, "style": style, "parent": 0,
+            "visible": True, "enabled": True, "focus": False, "font": ["Tahoma", -11, 400],
+            "contrast": 21}
+    if text and style != ICON:
+        made["extent"] = {"width": 6 * len(text), "height": 13, "line": 13, "ascent": 11}
+    return {**made, **more}
+
+
+def good_window():
+    """A small dialog as it should be."""
+    return {
+        "dialog": "sample", "state": "empty", "kind": "dialog", "opened": True,
+        "closedBy": {"Esc": True, "the close button": True}, "title": "Enter PIN",
+        "rect": [450, 380, 830, 644], "owner": None, "workArea": [0, 0, 1280, 1024],
+        "mirrored": False, "client": [375, 260], "units": [150, 163],
+        "tabOrder": [101, 107, 1, 2], "focusUnseen": [],
+        "controls": [
+            control(100, "Static", "&PIN:", 7, 10, 40, 8),
+            control(101, "Edit", "", 51, 7, 192, 14, focus=True),
+            control(102, "Button", "PIN rules", 7, 28, 236, 60, GROUP),
+            control(103, "Static", "", 13, 40, 10, 10, ICON, icon=1, grey="00" * 50 + "ff" * 50),
+            control(104, "Static", "Digits only", 30, 41, 200, 8),
+            control(105, "Static", "", 13, 56, 10, 10, ICON, icon=2, grey="ff" * 50 + "00" * 50),
+            control(106, "Static", "Not a simple series", 30, 57, 200, 8),
+            control(107, "Button", "&Show it again", 7, 96, 200, 10, CHECK),
+            control(1, "Button", "OK", 139, 139, 50, 14, PUSH),
+            control(2, "Button", "Cancel", 193, 139, 50, 14, PUSH)]}
+
+
+def place(number, left=None, top=None, width=None, height=None):
+    """Puts a control elsewhere, or makes it another size, in pixels."""
+    def change(window, controls):
+        rect = controls[number]["rect"]
+        wide = width or rect[2] - rect[0]
+        high = height or rect[3] - rect[1]
+        rect[0] = rect[0] if left is None else left
+        rect[1] = rect[1] if top is None else top
+        rect[2], rect[3] = rect[0] + wide, rect[1] + high
+    return change
+
+
+def give(number, **values):
+    """Gives a control, or with 0 the window, other properties."""
+    return lambda window, controls: (controls[number] if number else window).update(values)
+
+
+def all_of(*changes):
+    def change(window, controls):
+        for each in changes:
+            each(window, controls)
+    return change
+
+
+def needs(width, height):
+    return {"width": width, "height": height, "line": height, "ascent": height - 2}
+
+
+def swap_answers(window, controls):
+    controls[1]["rect"], controls[2]["rect"] = controls[2]["rect"], controls[1]["rect"]
+    window["tabOrder"] = [101, 107, 2, 1]
+
+
+def long_text(window, controls):
+    controls[104].update(text="a" * 90, extent=needs(290, 7))
+
+
+BROKEN = [
+    (1, place(107, width=364)), (2, place(100, top=22)), (3, place(1, left=214)),
+    (4, place(107, top=203)), (5, place(105, top=124)), (5, place(104, width=315)),
+    (6, place(2, height=16)), (6, place(2, left=295, width=69)), (7, place(101, height=26)),
+    (8, place(107, height=18)), (8, all_of(place(104, height=10), give(104, extent=needs(66, 10)))),
+    (9, swap_answers), (10, give(0, client=[375, 700])),
+    (10, all_of(give(0, client=[450, 260]), place(1, left=284), place(2, left=365))),
+    (11, give(0, rect=[230, 380, 1050, 644])), (12, give(104, extent=needs(400, 13))),
+    (13, place(106, top=70)), (14, long_text), (15, place(107, left=18)),
+    (16, give(107, font=["Arial", -11, 400])), (17, give(107, text="Show it again")),
+    (17, give(107, text="&Print it")), (17, give(2, text="&Cancel")),
+    (18, give(101, focus=False)), (18, give(0, tabOrder=[107, 101, 1, 2])),
+    (19, give(0, closedBy={"Esc": False})), (20, give(0, rect=[450, 480, 830, 744])),
+    (20, give(0, owner=[0, 0, 700, 600])), (21, give(107, contrast=4.4)),
+    (21, give(103, contrast=2.9)), (22, give(105, grey="00" * 50 + "f8" * 50)),
+    (23, give(0, focusUnseen=[107])), (24, give(0, title="Enter PIN.")),
+    (24, give(107, text="&Show It Again"))]
+
+
+def broken(change):
+    window = good_window()
+    change(window, {each["id"]: each for each in window["controls"]})
+    return window
+
+
+def rules_of(window):
+    return sorted({rule for rule, _, _ in looks_rules.judge(window)})
+
+
+class RulesTest(unittest.TestCase):
+    def test_a_good_window_breaks_none(self):
+        self.assertEqual(list(looks_rules.judge(good_window())), [])
+
+    def test_each_speaks_of_what_breaks_it_alone(self):
+        for index, (rule, change) in enumerate(BROKEN):
+            with self.subTest(rule=rule, index=index):
+                self.assertEqual(rules_of(broken(change)), [rule])
+        self.assertEqual({rule for rule, _ in BROKEN}, {rule[0] for rule in looks_rules.RULES})
+
+    def test_what_the_system_lays_out_is_not_ours(self):
+        for kind, rules in (("message box", []), ("notice", [])):
+            self.assertEqual(rules_of({**broken(place(2, height=16)), "kind": kind}), rules)
+            self.assertEqual(rules_of({**broken(give(107, contrast=4.4)), "kind": kind}), [21])
+
+    def test_an_exception_is_of_its_rule_dialog_and_control_alone(self):
+        exception = {"rules": [6], "dialogs": ["sam*"], "controls": [2], "reason": "it is so"}
+        for change, expected in (({}, 0), ({"rules": [7]}, 1), ({"dialogs": ["other"]}, 1),
+                                 ({"controls": [1]}, 1)):
+            with tempfile.NamedTemporaryFile("w", suffix=".json") as file:
+                json.dump([{**exception, **change}], file)
+                file.flush()
+                verdict = looks_verdict.Verdict(Path(file.name))
+            verdict.add("here", "en", [broken(place(2, height=16))])
+            self.assertEqual(verdict.count(), expected)
+            self.assertEqual(len(verdict.stale()), expected)
+
+
+if __name__ == "__main__":
+    unittest.main()
