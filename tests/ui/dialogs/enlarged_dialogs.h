@@ -72,22 +72,4 @@ inline std::vector<Control> ShownControls(HWND hDialog) {
     return controls;
 }
 
-// Nothing is cut, nothing overlaps, nothing stands outside.
-inline void ExpectAllInPlace(Dialog& d, const std::string& strCase) {
-    d.Settle();
-    CRect client;
-    GetClientRect(d.Handle(), &client);
-    const std::vector<Control> controls = ShownControls(d.Handle());
-    for (const Control& a : controls) {
-        CRect common;
-        EXPECT_EQ(ClippedBecause(a), "") << strCase;
-        EXPECT_TRUE(IntersectRect(&common, &client, &a.rect) && common == a.rect)
-            << a.nNumber << " " << strCase;
-        for (const Control* b = &a + 1; b != controls.data() + controls.size(); ++b) {
-            EXPECT_FALSE(IntersectRect(&common, &a.rect, &b->rect))
-                << a.nNumber << " and " << b->nNumber << " " << strCase;
-        }
-    }
-}
-
 }  // namespace mvp::test

@@ -12,7 +12,7 @@
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
 #include "support/resource_counts.h"
-#include "ui/dialogs/enlarged_dialogs.h"
+#include "ui/dialogs/library_test.h"
 
 namespace mvp::test {
 namespace {
@@ -125,22 +125,6 @@ TEST_F(UnlockCard, OpensReadyToTypeAndHelps) {
             d.Escape();
         };
         EXPECT_EQ(Card{.pszChallenge = challenge}.Ask(look, look), IDCANCEL);
-    }
-}
-
-TEST_F(UnlockCard, NothingOverlapsOrIsCutAtAnyResolution) {
-    for (int percent = 100; percent <= 200; percent += 50) {
-        const EnlargedDialogs at(percent);
-        const auto look = [=](Dialog& d) {
-            ExpectAllInPlace(d, std::to_string(percent));
-            const auto controls = ShownControls(d.Handle());
-            EXPECT_GT(std::ranges::count(controls, true, &Control::IsTextStatic), 6)
-                << "with rules";
-            d.Escape();
-        };
-        for (const char* challenge : {static_cast<const char*>(nullptr), "0123456789ABCDEF"}) {
-            EXPECT_EQ(Card{.pszChallenge = challenge}.Ask(look), IDCANCEL);
-        }
     }
 }
 

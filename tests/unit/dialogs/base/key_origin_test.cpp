@@ -68,13 +68,6 @@ TEST(KeyOrigin, TellsPersonsFromPrograms) {
     }
 }
 
-TEST(KeyOrigin, KnowsThreePolicies) {
-    EXPECT_EQ(InjectedKeysOf(0), InjectedKeys::Accept);
-    EXPECT_EQ(InjectedKeysOf(1), InjectedKeys::Warn);
-    EXPECT_EQ(InjectedKeysOf(2), InjectedKeys::Refuse);
-    EXPECT_FALSE(InjectedKeysOf(3) || InjectedKeysOf(0xFFFFFFFF));
-}
-
 TEST(NoticeRow, KeepsTheRhythmOfTheDialog) {
     constexpr ControlSpan kButton = {200, 300, 260, 323};
     constexpr ControlSpan kEdit = {10, 250, 260, 288};
@@ -99,13 +92,6 @@ TEST(NoticeRow, KeepsTheRhythmOfTheDialog) {
         EXPECT_EQ(row.nGap, c.nGap) << c.pszWhat;
     }
     EXPECT_EQ(FindNoticeRow({}, kButton, 270, 6, 15).nGap, 15) << "far from everything";
-}
-
-TEST(NoticeRow, KeepsTheWindowInTheWorkArea) {
-    EXPECT_EQ(TopWithin(100, 200, 0, 1000), 100);
-    EXPECT_EQ(TopWithin(900, 200, 0, 1000), 800);
-    EXPECT_EQ(TopWithin(-50, 200, 20, 1000), 20);
-    EXPECT_EQ(TopWithin(100, 2000, 20, 1000), 20);
 }
 
 }  // namespace
