@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -15,15 +16,18 @@ namespace {
 constexpr UINT kRunMessage = WM_APP;
 constexpr UINT kMarkMessage = WM_APP + 1;
 
+// Held by both threads: the sender of a message may go on before it has been handled.
 struct Work {
-    const std::function<void()>& function;
-    std::exception_ptr error;
+    std::function<void()> function;
+    std::exception_ptr error = nullptr;
     std::atomic<bool> bDone = false;
 };
+using SharedWork = std::shared_ptr<Work>;
 
 LRESULT CALLBACK WindowProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     if (nMessage == kRunMessage) {
-        Work& work = *reinterpret_cast<Work*>(lParam);
+        const std::unique_ptr<SharedWork> parcel(reinterpret_cast<SharedWork*>(lParam));
+        Work& work = **parcel;
         Guarded([&] { work.function(); }, [&] { work.error = std::current_exception(); });
         work.bDone = true;
     } else if (nMessage == kMarkMessage) {
@@ -48,21 +52,30 @@ UiThread::UiThread()
     SetWindowLongPtrA(m_window.get(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&WindowProc));
 }
 
-void UiThread::Run(const std::function<void()>& work, std::chrono::milliseconds timeout) {
+void UiThread::Run(const std::function<void()>& work, std::chrono::milliseconds timeout,
+                   bool bSent) {
     if (GetCurrentThreadId() == m_dwThreadId) {
         work();
         return;
     }
-    Work item{work, nullptr};
-    // Posted: within a message that another thread sent, edits with a PIN do not tell the text.
-    PostMessageA(m_window.get(), kRunMessage, 0, reinterpret_cast<LPARAM>(&item));
-    // The thread may have begun with the work, which refers to this frame: there is no way back.
-    if (!WaitFor(timeout, [&] { return item.bDone.load(); })) {
+    const SharedWork shared(new Work{work});
+    const auto parcel = reinterpret_cast<LPARAM>(new SharedWork(shared));
+    bool reached = false;
+    if (bSent) {
+        reached = SendMessageTimeoutA(m_window.get(), kRunMessage, 0, parcel, SMTO_ABORTIFHUNG,
+                                      static_cast<UINT>(timeout.count()), nullptr) != 0;
+    } else {
+        PostMessageA(m_window.get(), kRunMessage, 0, parcel);
+        reached = WaitFor(timeout, [&] { return shared->bDone.load(); });
+    }
+    // The thread may have begun with the work, which refers to the caller's frame: there is no way
+    // back.
+    if (!reached) {
         EndTestProcess("the dialog's thread did no work for " + std::to_string(timeout.count()) +
                        " ms");
     }
-    if (item.error) {
-        std::rethrow_exception(item.error);
+    if (shared->error) {
+        std::rethrow_exception(shared->error);
     }
 }
 

@@ -27,8 +27,10 @@ public:
     DWORD Id() const { return m_dwThreadId; }
 
     // Runs `work` on the user-interface thread and returns when it has run; what it throws comes
-    // out here. The test process ends when that takes longer than `timeout`.
-    void Run(const std::function<void()>& work, std::chrono::milliseconds timeout);
+    // out here. The test process ends when that takes longer than `timeout`. By a posted message:
+    // within one that was sent, edits with a PIN do not tell the text. bSent: by such a one.
+    void Run(const std::function<void()>& work, std::chrono::milliseconds timeout,
+             bool bSent = false);
 
     // Posts a mark behind every message posted to the thread so far. The function returned tells
     // whether the thread has come to it.

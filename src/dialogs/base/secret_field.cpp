@@ -35,10 +35,10 @@ bool IsOfThisThread(HWND hWnd) {
     return GetWindowThreadProcessId(hWnd, nullptr) == GetCurrentThreadId();
 }
 
-// Whether the message that is being handled comes from another thread, be it by way of the system
-// or by a call of the window's procedure.
-bool IsFromOutside(HWND hWnd) {
-    return InSendMessageEx(nullptr) != ISMEX_NOSEND || !IsOfThisThread(hWnd);
+// Whether the message that is being handled was sent by another thread. One that calls the window's
+// procedure itself does not get here: an object answers on its own thread alone.
+bool IsFromOutside() {
+    return InSendMessageEx(nullptr) != ISMEX_NOSEND;
 }
 
 // What input services the process has, they have loaded themselves; without them there is nobody to
@@ -368,8 +368,7 @@ LRESULT SecretField::GiveText(WPARAM wParam, LPARAM lParam) {
     if (target == nullptr || wParam == 0) {
         return 0;
     }
-    const std::size_t length =
-        IsFromOutside(m_edit.m_hWnd) ? 0 : CopyNarrow(Text(), target, wParam - 1);
+    const std::size_t length = IsFromOutside() ? 0 : CopyNarrow(Text(), target, wParam - 1);
     target[length] = '\0';
     return static_cast<LRESULT>(length);
 }
@@ -377,7 +376,7 @@ LRESULT SecretField::GiveText(WPARAM wParam, LPARAM lParam) {
 // EM_GETLINE: the target begins with its size, and gets no terminator.
 LRESULT SecretField::GiveLine(LPARAM lParam) {
     auto* target = reinterpret_cast<char*>(lParam);
-    if (target == nullptr || IsFromOutside(m_edit.m_hWnd)) {
+    if (target == nullptr || IsFromOutside()) {
         return 0;
     }
     WORD room = 0;
@@ -394,13 +393,12 @@ LRESULT SecretField::OnText(UINT message, WPARAM wParam, LPARAM lParam) {
             return GiveLine(lParam);
         case WM_GETTEXTLENGTH:
             // Outside it is the masks that are counted, which anybody sees.
-            return IsFromOutside(m_edit.m_hWnd) ? System(message)
-                                                : static_cast<LRESULT>(NarrowLength(Text()));
+            return IsFromOutside() ? System(message) : static_cast<LRESULT>(NarrowLength(Text()));
         default:
             break;
     }
     // Those that are posted may come from anywhere.
-    if (m_bQueued || IsFromOutside(m_edit.m_hWnd)) {
+    if (m_bQueued || IsFromOutside()) {
         return FALSE;
     }
     switch (message) {

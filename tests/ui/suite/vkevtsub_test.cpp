@@ -135,9 +135,9 @@ TEST_F(VkEvtSub, UnSubscribeWaitsForTheRunningCallAndServesSentMessagesOnly) {
         Hold();
         // Each answers only when its thread waits in UnSubscribe.
         for (int i = 0; i < 10; ++i) {
-            m_window.Run([&] { ++sent; }, kDeadline);
+            m_window.Run([&] { ++sent; }, kDeadline, true);
         }
-        windowOfOther->Run([] {}, kDeadline);
+        windowOfOther->Run([] {}, kDeadline, true);
         over = true;
     });
     Raise("A");
@@ -179,7 +179,7 @@ TEST_F(VkEvtSub, UnSubscribeInAMessageThatTheCallSends) {
         PostQuitMessage(0);
     };
     subscriber = std::make_unique<Subscriber>([&](const VKEvent&) {
-        m_window.Run(leave, kDeadline);
+        m_window.Run(leave, kDeadline, true);
         over = true;
     });
     Raise("A");
@@ -276,7 +276,7 @@ public:
         if (call == 0) {
             UnSubscribe();
         } else if (call == 1) {
-            m_window.Run([] {}, kDeadline);
+            m_window.Run([] {}, kDeadline, true);
         }
         s_nCallsOfDead += m_nAlive != kAlive;
     }

@@ -146,13 +146,6 @@ TEST_F(OwnBalloon, FollowsFocusAndKeysAndGoesWithTheEdit) {
     EXPECT_FALSE(IsWindow(balloon));
 }
 
-TEST_F(OwnBalloon, SpeaksOfPinOrPassword) {
-    for (const bool pin : {true, false}) {
-        ExpectWords(pin, {ResourceString(IDS_CAPS_LOCK_TITLE)},
-                    {ResourceString(pin ? IDS_CAPS_LOCK_PIN : IDS_CAPS_LOCK_PASSWORD)});
-    }
-}
-
 TEST_F(OwnBalloon, StandsByTheEditAndOnTheScreen) {
     const int width = GetSystemMetrics(SM_CXSCREEN);
     for (const POINT& place : {POINT{400, 0}, {width - 60, 400}}) {
