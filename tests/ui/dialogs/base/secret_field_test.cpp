@@ -106,7 +106,7 @@ void PutOnClipboard(const std::wstring& strText) {
 
 // The virtual keys that are down, of Shift and Ctrl.
 struct HeldKeys {
-    explicit HeldKeys(std::initializer_list<int> keys) {
+    explicit HeldKeys(const std::vector<int>& keys) {
         std::array<BYTE, 256> state{};
         for (const int key : keys) {
             state.at(static_cast<size_t>(key)) = 0x80;
@@ -134,7 +134,7 @@ LPARAM At(const char* pszText) {
 struct Row {
     const char* pszWhat;
     std::vector<Message> messages;
-    std::initializer_list<int> held = {};
+    std::vector<int> held = {};
     DWORD dwStyle = kUsualStyle;
 };
 
