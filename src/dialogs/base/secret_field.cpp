@@ -247,7 +247,8 @@ LRESULT SecretField::OnKeyDown(WPARAM wParam, LPARAM lParam) {
     const bool shift = GetKeyState(VK_SHIFT) < 0;
     const bool control = GetKeyState(VK_CONTROL) < 0;
     if (wParam == VK_INSERT && shift) {
-        return Paste();
+        Paste();
+        return TRUE;
     }
     if ((wParam == VK_INSERT && control) || (wParam == VK_DELETE && shift)) {
         return 0;  // copies or cuts
