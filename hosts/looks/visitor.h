@@ -59,7 +59,7 @@ private:
     std::size_t m_nState = 0;
     enum class Phase { Enter, Look, Settle, Photograph };
     Phase m_phase = Phase::Enter;
-    int m_nSettled = 0;  // steps since it was looked at
+    int m_nSettled = 0;   // steps since it was looked at
     int m_nClosings = 0;  // how often it has been told to close
 };
 
