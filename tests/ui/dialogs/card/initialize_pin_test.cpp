@@ -25,9 +25,12 @@ Script Enter(const std::string& strPin = "58381", bool bRefused = false) {
     return [=](Dialog& d) {
         TypePins(d, strPin);
         EXPECT_FALSE(bRefused && d.IsEnabled(IDOK));
-        // Whoever sends the command, and whatever the button is.
-        d.Run([&] { SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0); });
-        d.Cancel();
+        // Whoever sends the command, and whatever the button is. The way out of a refusal is posted
+        // in the same step: after it an accepted dialog may be gone.
+        d.Run([&] {
+            SendMessageA(d.Handle(), WM_COMMAND, IDOK, 0);
+            PostMessageA(d.Handle(), WM_COMMAND, IDCANCEL, 0);
+        });
     };
 }
 
