@@ -20,6 +20,15 @@ std::vector<HWND> VisibleWindows(DWORD dwThreadId) {
     return windows;
 }
 
+HWND FindControl(HWND hWindow, int nId) {
+    HWND found = GetDlgItem(hWindow, nId);
+    for (HWND child = GetWindow(hWindow, GW_CHILD); found == nullptr && child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        found = FindControl(child, nId);
+    }
+    return found;
+}
+
 std::string ClassOf(HWND hWnd) {
     std::array<char, 256> name = {};
     GetClassNameA(hWnd, name.data(), static_cast<int>(name.size()));

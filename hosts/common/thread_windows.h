@@ -12,6 +12,9 @@ namespace mvp {
 // The visible top-level windows of the thread, in z-order.
 std::vector<HWND> VisibleWindows(DWORD dwThreadId);
 
+// The control of that number, the window's own before those within its panels; null: it has none.
+HWND FindControl(HWND hWindow, int nId);
+
 std::string ClassOf(HWND hWnd);
 std::string TitleOf(HWND hWnd);
 

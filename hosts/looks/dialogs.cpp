@@ -13,6 +13,7 @@
 #include <mvpingui/unlock_card_dialog.h>
 #include <mvpingui/unlock_result_dialogs.h>
 
+#include "common/thread_windows.h"
 #include "pinhost/flows/change_pin_window.h"
 #include "pinhost/popup_room.h"
 #include "resources/resource_numbers.h"
@@ -39,18 +40,18 @@ using Texts = std::initializer_list<std::pair<int, const char*>>;
 std::function<void(HWND)> Typed(Texts texts) {
     return [typed = std::vector<std::pair<int, const char*>>(texts)](HWND hWindow) {
         for (const auto& [id, text] : typed) {
-            SetWindowTextA(Find(hWindow, id), text);
+            SetWindowTextA(mvp::FindControl(hWindow, id), text);
         }
     };
 }
 
 std::function<void(HWND)> Clicked(int nId) {
-    return [nId](HWND hWindow) { SendMessageA(Find(hWindow, nId), BM_CLICK, 0, 0); };
+    return [nId](HWND hWindow) { SendMessageA(mvp::FindControl(hWindow, nId), BM_CLICK, 0, 0); };
 }
 
 // A character that no key has brought.
 std::function<void(HWND)> SentTo(int nId) {
-    return [nId](HWND hWindow) { SendMessageA(Find(hWindow, nId), WM_CHAR, '1', 0); };
+    return [nId](HWND hWindow) { SendMessageA(mvp::FindControl(hWindow, nId), WM_CHAR, '1', 0); };
 }
 
 // Opens it under a setting of the machine's.
@@ -188,15 +189,6 @@ void TellOfLockedManager() {
 }
 
 }  // namespace
-
-HWND Find(HWND hWindow, int nId) {
-    HWND found = GetDlgItem(hWindow, nId);
-    for (HWND child = GetWindow(hWindow, GW_CHILD); found == nullptr && child != nullptr;
-         child = GetWindow(child, GW_HWNDNEXT)) {
-        found = Find(child, nId);
-    }
-    return found;
-}
 
 OwnerWindow::OwnerWindow()
     : m_hWnd(CreateWindowExA(0, "STATIC", "", WS_POPUP | WS_BORDER | WS_DISABLED | WS_VISIBLE, 40,

@@ -28,9 +28,6 @@ inline constexpr char kLongReader[] =
     "012345678";
 static_assert(sizeof kLongReader == 100);
 
-// The control in the window or in a panel of it; null: there is none.
-HWND Find(HWND hWindow, int nId);
-
 // A window that dialogs belong to, which does not stand in the middle of the screen.
 class OwnerWindow {
 public:

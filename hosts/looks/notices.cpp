@@ -10,6 +10,7 @@
 #include <mvpingui/mvpingui.h>
 #include <mvpingui/popup_alert.h>
 
+#include "common/thread_windows.h"
 #include "looks/dialogs.h"
 #include "pinhost/flows/popup_flow.h"
 #include "pinhost/popup_room.h"
@@ -63,7 +64,7 @@ void ExpiryWithLongSentence() {
 }
 
 void Untick(HWND hWindow) {
-    SendMessageA(Find(hWindow, IDC_CARD_EXPIRY_REMIND), BM_CLICK, 0, 0);
+    SendMessageA(mvp::FindControl(hWindow, IDC_CARD_EXPIRY_REMIND), BM_CLICK, 0, 0);
 }
 
 // Its password comes when a state says so.

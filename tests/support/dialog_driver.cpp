@@ -35,16 +35,6 @@ void PumpWhile(Condition condition) {
     }
 }
 
-// A dialog's own control stands before one of the same number in a panel.
-HWND FindControl(HWND hParent, int nId) {
-    HWND found = GetDlgItem(hParent, nId);
-    for (HWND child = GetWindow(hParent, GW_CHILD); found == nullptr && child != nullptr;
-         child = GetWindow(child, GW_HWNDNEXT)) {
-        found = FindControl(child, nId);
-    }
-    return found;
-}
-
 }  // namespace
 
 // --- The driver ---
