@@ -22,6 +22,7 @@ public:
 protected:
     BOOL OnInitDialog() override;
     afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
+    afx_msg void OnSysColorChange();
     afx_msg void OnBnClickedCredits();
 
     DECLARE_MESSAGE_MAP()

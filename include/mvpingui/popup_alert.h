@@ -47,6 +47,7 @@ class VKDelegateSubscriberCardRemoved;
 
 namespace mvp {
 class PopupAccessible;
+enum class Scaling;
 }  // namespace mvp
 
 // What the popup is about. Another number is shown without icon, text and links.
@@ -109,7 +110,9 @@ public:
     void Hide();
 
     // The picture behind everything, which gives the popup its size, from the resource module with
-    // or without bullets for the two links, or from a bitmap file. With three colour values (0 to
+    // or without bullets for the two links, or from a bitmap file. Its pixels are those of 96 dpi:
+    // it grows with the resolution, as all distances and texts of the popup do. In high contrast
+    // its size counts alone. With three colour values (0 to
     // 255) what has that colour is cut out of the window; 65535 (-1 for the file's red) for none.
     // Returns 1; 0 when the file is none, which changes nothing.
     int SetSkin(UINT nBitmapID, bool bLinkBullet, bool bHelpBullet, short nRed, short nGreen,
@@ -173,6 +176,11 @@ private:
     std::unique_ptr<CHtmlStatic> CreateText(const RECT& place, UINT nId, SIZE margins);
     void MakeLink(CHtmlStatic& control, UINT nTextId, UINT nMessage, CFont& font);
     void ShowLinks(bool bClose, bool bHelp);
+    void DrawSkin(HDC hDC) const;
+    void Colour(CHtmlStatic& text, COLORREF crText, COLORREF crLink) const;
+    void ColourMessage() const;
+    void FollowColours();
+    int Dpi() const;
     void ForgetLastNotice();
     void StartBusyBar();
     void RunBusyBar(bool bRun);
@@ -201,6 +209,9 @@ private:
     CBitmap m_background;
     HRGN m_hRegion = nullptr;  // the system's, once the window has it
     bool m_bFileSkin = false;
+    mvp::Scaling m_skinScaling{};
+    bool m_bHighContrast = false;
+    bool m_bPassword = false;  // stands in the message's place
     int m_nSkinWidth = 0;
     int m_nSkinHeight = 0;
     mvp::SkinBands m_bands;

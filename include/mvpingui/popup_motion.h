@@ -36,7 +36,8 @@ enum class TaskbarSide : std::int32_t {
     TASKBAR_BOTTOM = 4
 };
 
-// The work area and the size of the whole screen.
+// The work area and the size of the whole screen, and its resolution, with which every distance
+// that the popup keeps or goes in a step grows.
 struct PopupScreen {
     int nWorkLeft = 0;
     int nWorkTop = 0;
@@ -44,6 +45,7 @@ struct PopupScreen {
     int nWorkBottom = 0;
     int nScreenWidth = 0;
     int nScreenHeight = 0;
+    int nDpi = 96;
 };
 
 struct PopupSize {
@@ -142,6 +144,7 @@ private:
     std::int32_t m_nCurrentY = 0;
     TaskbarSide m_side = TaskbarSide::None;
     std::int32_t m_nStep = 2;
+    std::int32_t m_nRise = 6;
     std::uint8_t m_nOpacity = 90;
     std::uint8_t m_nCurrentOpacity = 90;
 

@@ -14,7 +14,7 @@ struct WindowFit;
 
 class RulePanel {
 public:
-    // How the lines look, see VKPoliciesDlg. All numbers are pixels.
+    // How the lines look, see VKPoliciesDlg. All numbers are pixels of 96 dpi.
     struct Layout {
         int bUseWindowColor;
         int nTopMargin;

@@ -17,6 +17,7 @@
 
 BEGIN_MESSAGE_MAP(CAboutDlg, CDialog)
     ON_WM_CTLCOLOR()
+    ON_WM_SYSCOLORCHANGE()
     ON_BN_CLICKED(IDC_ABOUT_CREDITS, &CAboutDlg::OnBnClickedCredits)
 END_MESSAGE_MAP()
 
@@ -94,6 +95,16 @@ HBRUSH CAboutDlg::OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor) {
     pDC->SetBkColor(GetSysColor(COLOR_WINDOW));
     pDC->SetTextColor(GetSysColor(COLOR_WINDOWTEXT));
     return m_brBackground;
+}
+
+void CAboutDlg::OnSysColorChange() {
+    mvp::Guarded(
+        [this] {
+            CDialog::OnSysColorChange();
+            m_brBackground.DeleteObject();
+            m_brBackground.CreateSolidBrush(GetSysColor(COLOR_WINDOW));
+        },
+        mvp::LogException("CAboutDlg::OnSysColorChange"));
 }
 
 void CAboutDlg::OnBnClickedCredits() {

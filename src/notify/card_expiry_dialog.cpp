@@ -9,6 +9,7 @@
 #include "dialogs/base/control_place.h"
 #include "dialogs/base/optional_control.h"
 #include "notify/card_expiry_help.h"
+#include "platform/window_dpi.h"
 #include "resources/resource_numbers.h"
 #include "services/format_text.h"
 #include "services/help_topic.h"
@@ -98,7 +99,7 @@ bool CCardExpiryNotifyDlg::ShowCard(CTime now) {
         return false;
     }
     const bool expired = mvp::HasCardExpired(expiry.GetTime(), now.GetTime());
-    const mvp::LinePlace place = mvp::CardLinePlace(Dpi());
+    const mvp::LinePlace place = mvp::CardLinePlace(mvp::WindowDpi(m_hWnd));
     CRect client;
     GetClientRect(&client);
     // Between two resolutions the window may be narrower than the line in pixels.
@@ -107,7 +108,7 @@ bool CCardExpiryNotifyDlg::ShowCard(CTime now) {
     if (m_cardLine.Create(CardLine(expired, expiry), WS_CHILD | WS_VISIBLE, rect, this)) {
         m_cardLine.SetFont(TextFont());
     }
-    Take(mvp::WithCardLine(Dpi()));
+    Take(mvp::WithCardLine(mvp::WindowDpi(m_hWnd)));
     return expired;
 }
 
@@ -133,7 +134,8 @@ void CCardExpiryNotifyDlg::ShowSentence() {
 bool CCardExpiryNotifyDlg::ShowCertificates(CTime now) {
     const int count = m_info.GetNbCertExpiryNotificationInfo();
     if (count < 1) {
-        Take(mvp::WithoutCertificates(mvp::PlaceOf(*this, IDC_CARD_EXPIRY_LIST).Height(), Dpi()));
+        const int height = mvp::PlaceOf(*this, IDC_CARD_EXPIRY_LIST).Height();
+        Take(mvp::WithoutCertificates(height, mvp::WindowDpi(m_hWnd)));
         return false;
     }
     MakeColumns();
@@ -150,22 +152,22 @@ bool CCardExpiryNotifyDlg::ShowCertificates(CTime now) {
 }
 
 void CCardExpiryNotifyDlg::MakeColumns() {
-    const int size = mvp::PixelsAt(Dpi(), kIconSize);
+    const int size = mvp::PixelsIn(m_hWnd, kIconSize);
     m_images.Create(size, size, ILC_COLOR24 | ILC_MASK, 2, 1);
     m_nValidImage = AddImage(IDI_CERTIFICATE_VALID);
     m_nExpiredImage = AddImage(IDI_CERTIFICATE_EXPIRED);
     m_list.SetImageList(&m_images, LVSIL_SMALL);
     m_list.InsertColumn(kNameColumn, mvp::ResourceString(IDS_CARD_EXPIRY_NAME_COLUMN), LVCFMT_LEFT,
-                        mvp::PixelsAt(Dpi(), kNameWidth));
+                        mvp::PixelsIn(m_hWnd, kNameWidth));
     m_list.InsertColumn(kDateColumn, mvp::ResourceString(IDS_CARD_EXPIRY_DATE_COLUMN), LVCFMT_LEFT,
-                        mvp::PixelsAt(Dpi(), kDateWidth));
+                        mvp::PixelsIn(m_hWnd, kDateWidth));
     // A name that is cut shows whole in a tip.
     m_list.SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_LABELTIP | LVS_EX_FULLROWSELECT);
 }
 
 // Returns the image's index. A missing icon leaves its rows without one, and not with the next.
 int CCardExpiryNotifyDlg::AddImage(UINT nIcon) {
-    const int image = m_images.Add(mvp::LoadResourceIcon(nIcon, mvp::PixelsAt(Dpi(), kIconSize)));
+    const int image = m_images.Add(mvp::LoadResourceIcon(nIcon, mvp::PixelsIn(m_hWnd, kIconSize)));
     return image >= 0 ? image : I_IMAGENONE;
 }
 
@@ -211,11 +213,6 @@ void CCardExpiryNotifyDlg::Take(const mvp::FormStep& step) {
         mvp::MoveControl(*this, id, 0, step.dy);
     }
     ResizeDlg(0, 0, -step.dy);
-}
-
-int CCardExpiryNotifyDlg::Dpi() const {
-    const mvp::WindowDc dc(m_hWnd);
-    return GetDeviceCaps(dc.get(), LOGPIXELSY);
 }
 
 // The font of the heading, which is what the dialog's texts are written in.

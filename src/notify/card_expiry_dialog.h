@@ -48,7 +48,6 @@ private:
     bool AddRow(int nRow, CTime now);
     void ShowExpired();
     void Take(const mvp::FormStep& step);
-    int Dpi() const;
     CFont* TextFont() const;
 
     const VKExpiryNotificationInfo& m_info;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "platform/resolution.h"
 #include "resources/resource_numbers.h"
 
 namespace mvp {
@@ -42,11 +43,6 @@ constexpr int kReminderAndOk[] = {IDC_CARD_EXPIRY_DAYS,        IDC_CARD_EXPIRY_S
 constexpr int kBelowReminder[] = {kOk, kCancel, IDC_CARD_EXPIRY_SEPARATOR};
 
 }  // namespace
-
-int PixelsAt(int nDpi, int nPixels) {
-    constexpr int kDesignDpi = 96;
-    return (nPixels * nDpi + kDesignDpi / 2) / kDesignDpi;
-}
 
 LinePlace CardLinePlace(int nDpi) {
     return {PixelsAt(nDpi, 12), PixelsAt(nDpi, 80), PixelsAt(nDpi, 350), PixelsAt(nDpi, 20)};

@@ -34,10 +34,7 @@ constexpr bool HasCertificateExpired(Seconds expiry, Seconds now) {
     return expiry < now;
 }
 
-// A number of pixels of a screen of 96 dpi on one of `nDpi`: at 96 it is what it is.
-int PixelsAt(int nDpi, int nPixels);
-
-// Where the line about the card stands in the dialog's client area, in pixels.
+// Where the line about the card stands in the dialog's client area, in pixels; nDpi: of the dialog.
 struct LinePlace {
     int nLeft;
     int nTop;

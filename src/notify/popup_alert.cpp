@@ -11,6 +11,7 @@
 #include "notify/popup_messages.h"
 #include "notify/popup_text.h"
 #include "platform/barrier.h"
+#include "platform/high_contrast.h"
 #include "richtext/control/html_static.h"
 #include "services/card_removed_message.h"
 #include "services/card_removed_subscriber.h"
@@ -103,6 +104,7 @@ int CPopupAlert::OnCreate(LPCREATESTRUCTA pCreate) {
         return -1;
     }
     m_hHandCursor = LoadCursorA(nullptr, IDC_HAND);
+    m_bHighContrast = mvp::IsHighContrast();
     return 0;
 }
 
@@ -228,8 +230,15 @@ LRESULT CPopupAlert::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
             reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOACTIVATE;
             break;
         case WM_SETTINGCHANGE:
+            FollowScreen();
+            FollowColours();
+            break;
         case WM_DISPLAYCHANGE:
             FollowScreen();
+            break;
+        case WM_SYSCOLORCHANGE:
+        case WM_THEMECHANGED:
+            FollowColours();
             break;
         case WM_GETOBJECT:
             if (static_cast<LONG>(lParam) == OBJID_CLIENT && (m_nFlags & WF_DESTROYING) == 0) {

@@ -3,6 +3,7 @@
 
 #include "mvpingui/popup_alert.h"
 #include "notify/popup_messages.h"
+#include "platform/window_dpi.h"
 #include "services/log.h"
 #include "services/registry_readers.h"
 
@@ -12,12 +13,13 @@ constexpr char kNotificationKey[] = R"(SOFTWARE\Quillon\Veskara\Notification)";
 constexpr DWORD kBeepHertz = 750;
 constexpr DWORD kBeepMilliseconds = 300;
 
-mvp::PopupScreen ReadScreen() {
+mvp::PopupScreen ReadScreen(HWND hWnd) {
     RECT work{};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     return {static_cast<int>(work.left),   static_cast<int>(work.top),
             static_cast<int>(work.right),  static_cast<int>(work.bottom),
-            GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+            GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN),
+            mvp::WindowDpi(hWnd)};
 }
 
 // The user's choice, for the whole system.
@@ -36,7 +38,7 @@ void CPopupAlert::Show() {
     }
     const bool hidden = !m_motion.IsVisible();
     RunBusyBar(true);
-    Obey(m_motion.Show(ReadScreen(), Skin(), IsAnimated()));
+    Obey(m_motion.Show(ReadScreen(m_hWnd), Skin(), IsAnimated()));
     if (hidden) {
         Announce();
     }
@@ -159,6 +161,6 @@ void CPopupAlert::DoBeep() {
 
 void CPopupAlert::FollowScreen() {
     if (m_motion.IsVisible()) {
-        Obey(m_motion.ScreenChanged(ReadScreen(), Skin()));
+        Obey(m_motion.ScreenChanged(ReadScreen(m_hWnd), Skin()));
     }
 }

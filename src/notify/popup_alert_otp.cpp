@@ -11,6 +11,7 @@
 #include "notify/progress_bar.h"
 #include "platform/barrier.h"
 #include "platform/handle.h"
+#include "platform/resolution.h"
 #include "resources/resource_numbers.h"
 #include "richtext/control/html_static.h"
 #include "services/card_removed_message.h"
@@ -21,6 +22,7 @@ namespace {
 
 constexpr DWORD kBarStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
 constexpr UINT_PTR kBarId = 45;
+// In pixels of 96 dpi.
 constexpr int kBarLeft = 15;
 constexpr int kBarTop = 20;
 constexpr int kBarHeight = 15;
@@ -28,7 +30,6 @@ constexpr int kBarHeight = 15;
 constexpr COLORREF kPlateColour = RGB(0x17, 0x4A, 0x5C);
 constexpr int kPlateGap = 2;     // towards the icon
 constexpr int kPlateCorner = 8;  // diameter
-constexpr COLORREF kPasswordColour = RGB(0xFF, 0xFF, 0xFF);
 
 }  // namespace
 
@@ -55,9 +56,12 @@ void CPopupAlert::SetThreadRoutine(LPTHREAD_START_ROUTINE pfnRoutine) {
 // goes from side to side of the skin: before it is shown the window has no width of its own.
 void CPopupAlert::StartBusyBar() {
     EndBusyBar();
-    m_hProgressBar = CreateWindowExA(
-        0, mvp::kProgressBarClass, "", kBarStyle, kBarLeft, kBarTop, m_nSkinWidth - 2 * kBarLeft,
-        kBarHeight, m_hWnd, reinterpret_cast<HMENU>(kBarId), GetModuleHandleA(nullptr), nullptr);
+    const int dpi = Dpi();
+    const int left = mvp::PixelsAt(dpi, kBarLeft);
+    m_hProgressBar =
+        CreateWindowExA(0, mvp::kProgressBarClass, "", kBarStyle, left, mvp::PixelsAt(dpi, kBarTop),
+                        m_nSkinWidth - 2 * left, mvp::PixelsAt(dpi, kBarHeight), m_hWnd,
+                        reinterpret_cast<HMENU>(kBarId), GetModuleHandleA(nullptr), nullptr);
     if (!HasProgressBar()) {
         vklogLog(g_szLogTag, kLogError, "CPopupAlert::SetThreadRoutine: no progress bar: 0x%x",
                  static_cast<unsigned>(GetLastError()));
@@ -71,8 +75,8 @@ void CPopupAlert::StartBusyBar() {
     if (m_pMessage != nullptr) {
         CRect place = mvp::RectOf(m_bands.text);
         // The words begin where the bar begins.
-        place.left = kBarLeft - mvp::kTextMargins.cx;
-        place.top = kBarTop + kBarHeight;
+        place.left = mvp::PixelsAt(dpi, kBarLeft - mvp::kTextMargins.cx);
+        place.top = mvp::PixelsAt(dpi, kBarTop + kBarHeight);
         m_pMessage->MoveWindow(&place);
     }
 }
@@ -129,7 +133,8 @@ void CPopupAlert::ShowPassword(std::string_view text) {
     const CRect place = mvp::RectOf(mvp::PlacePassword(m_bands));
     m_pMessage.reset();
     m_pMessage = CreateText(place, mvp::kTextId, mvp::kTextMargins);
-    m_pMessage->SetColors(kPasswordColour, kPasswordColour, kPasswordColour);
+    m_bPassword = true;
+    ColourMessage();
     m_pMessage->SetWindowText(CString(text.data(), static_cast<int>(text.size())));
     CRect plate = place;
     plate.bottom =
@@ -148,8 +153,9 @@ void CPopupAlert::LayPlate(const RECT& place) {
     const mvp::Brush brush(CreateSolidBrush(kPlateColour));
     const mvp::DcSelection filled(dc.get(), brush.get());
     const mvp::DcSelection outline(dc.get(), GetStockObject(NULL_PEN));
-    RoundRect(dc.get(), place.left + kPlateGap, place.top, place.right, place.bottom, kPlateCorner,
-              kPlateCorner);
+    const int corner = mvp::PixelsAt(Dpi(), kPlateCorner);
+    RoundRect(dc.get(), place.left + mvp::PixelsAt(Dpi(), kPlateGap), place.top, place.right,
+              place.bottom, corner, corner);
 }
 
 // Texts that nobody will see any more: one that was kept, and those that were posted and have not

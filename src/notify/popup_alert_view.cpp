@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <optional>
+#include <utility>
 
 #include "mvpingui/popup_alert.h"
 #include "notify/popup_accessible.h"
@@ -10,6 +11,9 @@
 #include "notify/popup_region.h"
 #include "platform/bitmap_file.h"
 #include "platform/handle.h"
+#include "platform/high_contrast.h"
+#include "platform/scaled_bitmap.h"
+#include "platform/window_dpi.h"
 #include "resources/resource_numbers.h"
 #include "richtext/control/html_static.h"
 #include "services/log.h"
@@ -18,38 +22,46 @@
 namespace {
 
 constexpr DWORD kSlideMilliseconds = 500;
-constexpr int kSmallFontHeight = -11;
+// In pixels of 96 dpi, as all that follows.
+constexpr int kSmallFontHeight = 11;
 constexpr int kBulletSize = 18;
 constexpr int kIconSize = 32;
-// The skin is a light picture, whatever the system's colours are: so the text on it has colours of
-// its own as well.
-constexpr COLORREF kLinkColour = RGB(0x00, 0x00, 0xFF);
 constexpr POINT kIconPlace{12, 15};
+
+// The skin is a light picture, whatever the system's colours are: so the text on it has colours of
+// its own as well, as long as the skin is shown.
+constexpr COLORREF kLinkColour = RGB(0x00, 0x00, 0xFF);
 
 HICON g_hPopupIcon = nullptr;
 
 // 65535 as the unsigned number that the caller means.
-bool IsColour(short nValue) {
-    return nValue != -1;
+bool AreColours(short nRed, short nGreen, short nBlue) {
+    return nRed != -1 && nGreen != -1 && nBlue != -1;
 }
 
-LOGFONTA SmallFont(const CWnd& control) {
+// What is cut out by its colour has that colour still, when it is scaled.
+mvp::Scaling ScalingFor(short nRed, short nGreen, short nBlue) {
+    return AreColours(nRed, nGreen, nBlue) ? mvp::Scaling::Exact : mvp::Scaling::Smooth;
+}
+
+LOGFONTA SmallFont(const CWnd& control, int nDpi) {
     auto* font = reinterpret_cast<HFONT>(control.SendMessage(WM_GETFONT));
     LOGFONTA description{};
     GetObjectA(font != nullptr ? font : GetStockObject(DEFAULT_GUI_FONT), sizeof description,
                &description);
-    description.lfHeight = kSmallFontHeight;
+    description.lfHeight = -mvp::PixelsAt(nDpi, kSmallFontHeight);
     return description;
 }
 
-void CopyBullet(HDC hSkin, UINT nBitmapID, const std::optional<mvp::SkinPoint>& place) {
+void CopyBullet(HDC hSkin, UINT nBitmapID, const std::optional<mvp::SkinPoint>& place, int nDpi) {
     if (!place) {
         return;
     }
-    const mvp::Bitmap bullet = mvp::LoadResourceBitmap(nBitmapID);
+    const int size = mvp::PixelsAt(nDpi, kBulletSize);
+    const mvp::Bitmap bullet = mvp::LoadResourcePicture(nBitmapID, nDpi);
     const mvp::MemoryDc source(CreateCompatibleDC(hSkin));
     const mvp::DcSelection selection(source.get(), bullet.get());
-    BitBlt(hSkin, place->nX, place->nY, kBulletSize, kBulletSize, source.get(), 0, 0, SRCCOPY);
+    BitBlt(hSkin, place->nX, place->nY, size, size, source.get(), 0, 0, SRCCOPY);
 }
 
 // The two styles of a face, as the sum of 1, 2 and 4.
@@ -72,13 +84,14 @@ void ShowIf(const CHtmlStatic* pControl, bool bShow) {
 int CPopupAlert::SetSkin(UINT nBitmapID, bool bLinkBullet, bool bHelpBullet, short nRed,
                          short nGreen, short nBlue) {
     const mvp::LogScope scope("CPopupAlert::SetSkin");
+    m_skinScaling = ScalingFor(nRed, nGreen, nBlue);
     PrepareBackgroundBitmap(nBitmapID, bLinkBullet, bHelpBullet);
     m_bFileSkin = false;
     MeasureSkin();
-    m_bands = mvp::BandsOfResourceSkin(m_nSkinWidth, m_nSkinHeight);
+    m_bands = mvp::BandsOfResourceSkin(m_nSkinWidth, m_nSkinHeight, Dpi());
     CutOut(nRed, nGreen, nBlue);
     if (HasProgressBar()) {
-        const CRect bar = mvp::RectOf(mvp::PlaceProgressBar(m_nSkinWidth, m_nSkinHeight));
+        const CRect bar = mvp::RectOf(mvp::PlaceProgressBar(m_nSkinWidth, m_nSkinHeight, Dpi()));
         ::SetWindowPos(m_hProgressBar, nullptr, bar.left, bar.top, bar.Width(), bar.Height(),
                        SWP_NOZORDER);
     }
@@ -91,13 +104,18 @@ int CPopupAlert::SetSkin(const char* pszFileName, short nRed, short nGreen, shor
     if (!skin) {
         return 0;
     }
+    m_skinScaling = ScalingFor(nRed, nGreen, nBlue);
     m_background.DeleteObject();
-    m_background.Attach(skin.release());
+    m_background.Attach(mvp::ScaledTo(Dpi(), std::move(skin), m_skinScaling).release());
     m_bFileSkin = true;
     MeasureSkin();
-    m_bands = mvp::BandsOfFileSkin(m_nSkinWidth, m_nSkinHeight);
+    m_bands = mvp::BandsOfFileSkin(m_nSkinWidth, m_nSkinHeight, Dpi());
     CutOut(nRed, nGreen, nBlue);
     return 1;
+}
+
+int CPopupAlert::Dpi() const {
+    return mvp::WindowDpi(m_hWnd);
 }
 
 // Without a skin there is nothing to see.
@@ -109,7 +127,7 @@ void CPopupAlert::MeasureSkin() {
 }
 
 void CPopupAlert::CutOut(short nRed, short nGreen, short nBlue) {
-    if (!IsColour(nRed) || !IsColour(nGreen) || !IsColour(nBlue)) {
+    if (!AreColours(nRed, nGreen, nBlue)) {
         return;
     }
     mvp::Region region(GenerateRegion(m_background, static_cast<BYTE>(nRed),
@@ -120,20 +138,20 @@ void CPopupAlert::CutOut(short nRed, short nGreen, short nBlue) {
 int CPopupAlert::PrepareBackgroundBitmap(UINT nBitmapID, bool bLinkBullet, bool bHelpBullet) {
     const mvp::LogScope scope("CPopupAlert::PrepareBackgroundBitmap");
     m_background.DeleteObject();
-    mvp::Bitmap skin = mvp::LoadResourceBitmap(nBitmapID);
+    const int dpi = Dpi();
+    mvp::Bitmap skin = mvp::LoadResourcePicture(nBitmapID, dpi, m_skinScaling);
     if (!skin) {
         return 0;
     }
-    BITMAP size{};
-    GetObjectA(skin.get(), sizeof size, &size);
     const bool bullets = !HasProgressBar();
-    const mvp::SkinBullets places = mvp::PlaceBullets(
-        size.bmHeight, bullets && bLinkBullet, bullets && bHelpBullet && m_bDisplayHelp != FALSE);
+    const mvp::SkinBullets places =
+        mvp::PlaceBullets(mvp::SizeOf(skin).nHeight, bullets && bLinkBullet,
+                          bullets && bHelpBullet && m_bDisplayHelp != FALSE, dpi);
     {
         const mvp::MemoryDc dc(CreateCompatibleDC(nullptr));
         const mvp::DcSelection selection(dc.get(), skin.get());
-        CopyBullet(dc.get(), IDB_POPUP_LINK_BULLET, places.link);
-        CopyBullet(dc.get(), IDB_POPUP_HELP_BULLET, places.help);
+        CopyBullet(dc.get(), IDB_POPUP_LINK_BULLET, places.link, dpi);
+        CopyBullet(dc.get(), IDB_POPUP_HELP_BULLET, places.help, dpi);
     }
     m_background.Attach(skin.release());
     return 1;
@@ -155,15 +173,27 @@ BYTE* CPopupAlert::Get24BitPixels(HBITMAP hBitmap, WORD* pwWidth, WORD* pwHeight
 // The title stands below the message and above the links, so it has no place beside a busy bar.
 BOOL CPopupAlert::OnEraseBkgnd(CDC* pDC) {
     const mvp::LogScope scope("CPopupAlert::OnEraseBkgnd");
-    const mvp::MemoryDc skin(CreateCompatibleDC(pDC->m_hDC));
-    const mvp::DcSelection selection(skin.get(), m_background.m_hObject);
-    ::BitBlt(pDC->m_hDC, 0, 0, m_nSkinWidth, m_nSkinHeight, skin.get(), 0, 0, SRCCOPY);
+    DrawSkin(pDC->m_hDC);
     ShowIf(m_pTitle.get(), !HasProgressBar());
     if (g_hPopupIcon != nullptr) {
-        ::DrawIconEx(pDC->m_hDC, kIconPlace.x, kIconPlace.y, g_hPopupIcon, kIconSize, kIconSize, 0,
-                     nullptr, DI_NORMAL);
+        const int size = mvp::PixelsAt(Dpi(), kIconSize);
+        ::DrawIconEx(pDC->m_hDC, mvp::PixelsAt(Dpi(), kIconPlace.x),
+                     mvp::PixelsAt(Dpi(), kIconPlace.y), g_hPopupIcon, size, size, 0, nullptr,
+                     DI_NORMAL);
     }
     return TRUE;
+}
+
+// A picture has colours that the system does not have.
+void CPopupAlert::DrawSkin(HDC hDC) const {
+    if (m_bHighContrast) {
+        const RECT all{0, 0, m_nSkinWidth, m_nSkinHeight};
+        ::FillRect(hDC, &all, GetSysColorBrush(COLOR_WINDOW));
+        return;
+    }
+    const mvp::MemoryDc skin(CreateCompatibleDC(hDC));
+    const mvp::DcSelection selection(skin.get(), m_background.m_hObject);
+    ::BitBlt(hDC, 0, 0, m_nSkinWidth, m_nSkinHeight, skin.get(), 0, 0, SRCCOPY);
 }
 
 bool CPopupAlert::DressAs(int iWndType, CString& csText, DWORD& dwDuration) {
@@ -181,8 +211,9 @@ bool CPopupAlert::DressAs(int iWndType, CString& csText, DWORD& dwDuration) {
         m_motion.SetSlides(kSlideMilliseconds, kSlideMilliseconds);
         SetTextColor(0x000000, 0xB59285);
     }
-    g_hPopupIcon =
-        kind.nIcon != 0 ? mvp::LoadResourceIcon(static_cast<UINT>(kind.nIcon), kIconSize) : nullptr;
+    g_hPopupIcon = kind.nIcon != 0 ? mvp::LoadResourceIcon(static_cast<UINT>(kind.nIcon),
+                                                           mvp::PixelsAt(Dpi(), kIconSize))
+                                   : nullptr;
     return result;
 }
 
@@ -192,9 +223,10 @@ void CPopupAlert::CreateControls(int iWndType) {
     const bool links = !HasProgressBar();
     const mvp::NoticeControls places = mvp::PlaceControls(m_bands, help);
 
+    m_bPassword = false;
     m_pMessage = CreateText(mvp::RectOf(places.message), mvp::kTextId, mvp::kTextMargins);
     m_pMessage->SetWindowText(m_csText);
-    LOGFONTA description = SmallFont(*m_pMessage);
+    LOGFONTA description = SmallFont(*m_pMessage, Dpi());
     // The controls draw with the description of a font; they do not need the font itself.
     CFont smallFont;
     smallFont.CreateFontIndirect(&description);
@@ -223,10 +255,37 @@ void CPopupAlert::ShowLinks(bool bClose, bool bHelp) {
 std::unique_ptr<CHtmlStatic> CPopupAlert::CreateText(const RECT& place, UINT nId, SIZE margins) {
     auto text = std::make_unique<CHtmlStatic>();
     text->Create("", WS_CHILD | WS_VISIBLE, place, this, nId);
-    text->SetMargins(margins.cx, margins.cy);
+    text->SetMargins(mvp::PixelsAt(Dpi(), margins.cx), mvp::PixelsAt(Dpi(), margins.cy));
     text->SetDrawingMode(CHtmlStatic::kTransparent);
-    text->SetColors(m_crNormal, kLinkColour, kLinkColour);
+    Colour(*text, m_crNormal, kLinkColour);
     return text;
+}
+
+void CPopupAlert::Colour(CHtmlStatic& text, COLORREF crText, COLORREF crLink) const {
+    if (m_bHighContrast) {
+        crText = GetSysColor(COLOR_WINDOWTEXT);
+        crLink = GetSysColor(COLOR_HOTLIGHT);
+    }
+    text.SetColors(crText, crLink, crLink);
+}
+
+// The system's colours, or that they are to be used, may be others now.
+void CPopupAlert::FollowColours() {
+    m_bHighContrast = mvp::IsHighContrast();
+    for (CHtmlStatic* text : {m_pTitle.get(), m_pCloseLink.get(), m_pHelpLink.get()}) {
+        if (text != nullptr) {
+            Colour(*text, m_crNormal, kLinkColour);
+        }
+    }
+    if (m_pMessage != nullptr) {
+        ColourMessage();
+    }
+    ::RedrawWindow(m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+void CPopupAlert::ColourMessage() const {
+    Colour(*m_pMessage, m_bPassword ? mvp::kPasswordColour : m_crNormal,
+           m_bPassword ? mvp::kPasswordColour : kLinkColour);
 }
 
 void CPopupAlert::MakeLink(CHtmlStatic& control, UINT nTextId, UINT nMessage, CFont& font) {

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 
+#include "platform/resolution.h"
+
 namespace mvp {
 namespace {
 
-// Above a taskbar at the bottom the popup keeps clear of the corner.
+// At 96 dpi. Above a taskbar at the bottom the popup keeps clear of the corner.
 constexpr int kBottomInset = 7;
 constexpr int kBottomRise = 6;
+constexpr int kStep = 2;
 constexpr std::uint32_t kHoverInterval = 10;
 // The longest time that the system's timers take as it is.
 constexpr std::uint32_t kLongestTimer = 0x7FFFFFFF;
@@ -107,7 +110,7 @@ void PopupMotion::ShowHidden(PopupOrders& orders, const PopupScreen& screen,
 // The state changes with the next tick of the stay.
 void PopupMotion::PutBack(PopupOrders& orders, PopupSize skin) noexcept {
     // At the bottom it stands on the edge of the work area from then on.
-    TravelTo(Distance(skin) - (m_side == TaskbarSide::TASKBAR_BOTTOM ? kBottomRise : 0));
+    TravelTo(Distance(skin) - (m_side == TaskbarSide::TASKBAR_BOTTOM ? m_nRise : 0));
     SetPercent(orders, m_nOpacity);
     StartTimer(orders, PopupState::IDT_WAITING, m_nStayDuration);
     orders.bMove = true;
@@ -222,6 +225,8 @@ PopupBounds PopupMotion::Bounds(PopupSize skin, int nFrameX, int nFrameY) const 
 
 void PopupMotion::Place(const PopupScreen& screen, PopupSize skin) noexcept {
     m_side = FindTaskbar(screen);
+    m_nStep = std::max(1, PixelsAt(screen.nDpi, kStep));
+    m_nRise = PixelsAt(screen.nDpi, kBottomRise);
     m_nStartX = Coordinate(screen.nWorkRight);
     m_nStartY = Coordinate(screen.nWorkBottom) - Length(skin.nHeight);
     switch (m_side) {
@@ -236,8 +241,8 @@ void PopupMotion::Place(const PopupScreen& screen, PopupSize skin) noexcept {
             m_nStartY = Coordinate(screen.nWorkTop) - Length(skin.nHeight);
             break;
         case TaskbarSide::TASKBAR_BOTTOM:
-            m_nStartX -= Length(skin.nWidth) + kBottomInset;
-            m_nStartY = Coordinate(screen.nWorkBottom) - kBottomRise;
+            m_nStartX -= Length(skin.nWidth) + PixelsAt(screen.nDpi, kBottomInset);
+            m_nStartY = Coordinate(screen.nWorkBottom) - m_nRise;
             break;
     }
     const int steps = Distance(skin) / m_nStep;

@@ -7,8 +7,8 @@ namespace mvp {
 ProgressTrain PlaceProgressTrain(const ProgressContent& content, int nChunkWidth,
                                  std::int32_t nPosition, std::uint32_t nBlocks) noexcept {
     ProgressTrain train;
-    // 64 bits hold every product below: a width and a position have at most 32 bits each, and a
-    // step is at most three times as wide as what it is counted in.
+    // 64 bits hold every product below: a width and a position have at most 32 bits each, their
+    // product is divided by 100, and a step is less than that many times what it is counted in.
     const std::int64_t left = content.nLeft;
     const std::int64_t right = content.nRight;
     const std::int64_t chunk = nChunkWidth;
@@ -17,7 +17,7 @@ ProgressTrain PlaceProgressTrain(const ProgressContent& content, int nChunkWidth
         return train;
     }
 
-    const std::int64_t step = chunk + kProgressChunkGap;
+    const std::int64_t step = chunk + std::clamp(content.nChunkGap, 0, kProgressLargestGap);
     const std::int64_t head = left + (right - left) / chunk * (position - 1) / 100 * step;
     const std::int64_t blocks = std::min(nBlocks, kProgressMaxBlocks);
     for (std::int64_t i = 0; i < blocks; ++i) {

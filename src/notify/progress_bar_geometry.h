@@ -10,12 +10,15 @@
 namespace mvp {
 
 inline constexpr std::uint32_t kProgressMaxBlocks = 20;
-inline constexpr int kProgressChunkGap = 2;
+inline constexpr int kProgressLargestGap = 64;
+inline constexpr int kProgressChunkGap = 2;  // at 96 dpi
 
-// The part of the bar inside its border, in which chunks are visible.
+// The part of the bar inside its border, in which chunks are visible, and how far apart they are,
+// up to kProgressLargestGap.
 struct ProgressContent {
     int nLeft = 0;
     int nRight = 0;
+    int nChunkGap = kProgressChunkGap;
 };
 
 struct ProgressChunk {

@@ -9,6 +9,7 @@
 
 #include "notify/progress_bar_geometry.h"
 #include "platform/system_library.h"
+#include "platform/window_dpi.h"
 
 namespace mvp {
 namespace {
@@ -130,8 +131,9 @@ bool DrawProgressBar(HWND hWnd, HDC hDC, bool bMayUseTheme, std::int32_t nPositi
         look = DrawClassicBar(hDC, bar);
     }
 
-    const ProgressTrain train = PlaceProgressTrain({look.content.left, look.content.right},
-                                                   look.nChunkWidth, nPosition, nBlocks);
+    const ProgressTrain train = PlaceProgressTrain(
+        {look.content.left, look.content.right, PixelsIn(hWnd, kProgressChunkGap)},
+        look.nChunkWidth, nPosition, nBlocks);
     for (const ProgressChunk& chunk : train.Chunks()) {
         const RECT place = {chunk.nLeft, look.content.top, chunk.nRight, look.content.bottom};
         if (themed) {

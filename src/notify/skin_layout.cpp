@@ -4,9 +4,12 @@
 #include <cstdint>
 #include <limits>
 
+#include "platform/resolution.h"
+
 namespace mvp {
 namespace {
 
+// At 96 dpi.
 constexpr int kLineHeight = 15;  // of a link, and of the progress bar
 constexpr int kLineGap = 5;
 constexpr int kTextLeft = 40;
@@ -28,69 +31,82 @@ int Moved(int n, int nBy) {
     return Held(std::int64_t{n} + nBy);
 }
 
-void MoveDown(SkinRect& rect, int nBy) {
-    rect.nTop = Moved(rect.nTop, nBy);
-    rect.nBottom = Moved(rect.nBottom, nBy);
+// By so many pixels of 96 dpi.
+int MovedAt(int nDpi, int n, int nBy) {
+    return Moved(n, PixelsAt(nDpi, nBy));
+}
+
+void MoveDown(SkinRect& rect, int nDpi, int nBy) {
+    rect.nTop = MovedAt(nDpi, rect.nTop, nBy);
+    rect.nBottom = MovedAt(nDpi, rect.nBottom, nBy);
 }
 
 // To the line below itself.
-void MoveBelow(SkinRect& rect) {
-    rect.nTop = Moved(rect.nBottom, kLineGap);
-    rect.nBottom = Moved(rect.nTop, kLineHeight);
+void MoveBelow(SkinRect& rect, int nDpi) {
+    rect.nTop = MovedAt(nDpi, rect.nBottom, kLineGap);
+    rect.nBottom = MovedAt(nDpi, rect.nTop, kLineHeight);
 }
 
-int LinkTop(int nHeight) {
-    return Moved(nHeight, -kBottomBandHeight - kLinkBandHeight);
+int BottomTop(int nHeight, int nDpi) {
+    return MovedAt(nDpi, nHeight, -kBottomBandHeight);
 }
 
-SkinBands BandsOf(int nWidth, int nHeight, int nLinkBottom) {
-    const int linkTop = LinkTop(nHeight);
-    return {{kTextLeft, kTextTop, Moved(nWidth, -kTextRightGap), linkTop},
+int LinkTop(int nHeight, int nDpi) {
+    return MovedAt(nDpi, BottomTop(nHeight, nDpi), -kLinkBandHeight);
+}
+
+SkinBands BandsOf(int nWidth, int nHeight, int nLinkBottom, int nDpi) {
+    const int linkTop = LinkTop(nHeight, nDpi);
+    return {{PixelsAt(nDpi, kTextLeft), PixelsAt(nDpi, kTextTop),
+             MovedAt(nDpi, nWidth, -kTextRightGap), linkTop},
             {0, linkTop, nWidth, nLinkBottom},
-            {0, Moved(nHeight, -kBottomBandHeight), nWidth, nHeight}};
+            {0, BottomTop(nHeight, nDpi), nWidth, nHeight},
+            nDpi};
 }
 
 }  // namespace
 
-SkinBands BandsOfResourceSkin(int nWidth, int nHeight) noexcept {
-    return BandsOf(nWidth, nHeight, Moved(LinkTop(nHeight), kLineHeight));
+SkinBands BandsOfResourceSkin(int nWidth, int nHeight, int nDpi) noexcept {
+    return BandsOf(nWidth, nHeight, MovedAt(nDpi, LinkTop(nHeight, nDpi), kLineHeight), nDpi);
 }
 
-SkinBands BandsOfFileSkin(int nWidth, int nHeight) noexcept {
-    return BandsOf(nWidth, nHeight, Moved(nHeight, -kBottomBandHeight));
+SkinBands BandsOfFileSkin(int nWidth, int nHeight, int nDpi) noexcept {
+    return BandsOf(nWidth, nHeight, BottomTop(nHeight, nDpi), nDpi);
 }
 
 NoticeControls PlaceControls(SkinBands& bands, bool bHelp) noexcept {
     NoticeControls controls;
-    bands.text.nBottom = Moved(bands.text.nBottom, -kLineHeight);
+    bands.text.nBottom = MovedAt(bands.nDpi, bands.text.nBottom, -kLineHeight);
     controls.message = bands.text;
     if (!bHelp) {
-        MoveBelow(bands.link);
+        MoveBelow(bands.link, bands.nDpi);
     }
-    MoveDown(bands.link, -kLineHeight);
+    MoveDown(bands.link, bands.nDpi, -kLineHeight);
     controls.closeLink = bands.link;
     controls.title = bands.link;
-    MoveDown(controls.title, -kTitleAboveLink);
-    MoveBelow(bands.link);
+    MoveDown(controls.title, bands.nDpi, -kTitleAboveLink);
+    MoveBelow(bands.link, bands.nDpi);
     controls.helpLink = bands.link;
     return controls;
 }
 
 SkinRect PlacePassword(SkinBands& bands) noexcept {
-    bands.text.nBottom = Moved(bands.text.nBottom, -kLineHeight);
+    bands.text.nBottom = MovedAt(bands.nDpi, bands.text.nBottom, -kLineHeight);
     SkinRect password = bands.text;
-    password.nBottom = Moved(password.nBottom, -kPasswordGap);
+    password.nBottom = MovedAt(bands.nDpi, password.nBottom, -kPasswordGap);
     return password;
 }
 
-SkinRect PlaceProgressBar(int nWidth, int nHeight) noexcept {
+SkinRect PlaceProgressBar(int nWidth, int nHeight, int nDpi) noexcept {
     const int top = nHeight / 3;
-    return {kBarMargin, top, Moved(nWidth, -kBarMargin), Moved(top, kLineHeight)};
+    return {PixelsAt(nDpi, kBarMargin), top, MovedAt(nDpi, nWidth, -kBarMargin),
+            MovedAt(nDpi, top, kLineHeight)};
 }
 
-SkinBullets PlaceBullets(int nHeight, bool bLink, bool bHelp) noexcept {
-    const SkinPoint lower = {kBulletLeft, Moved(LinkTop(nHeight), kBulletInBand)};
-    const SkinPoint upper = {kBulletLeft, Moved(lower.nY, -kBulletRise)};
+SkinBullets PlaceBullets(int nHeight, bool bLink, bool bHelp, int nDpi) noexcept {
+    const SkinPoint lower = {PixelsAt(nDpi, kBulletLeft),
+                             MovedAt(nDpi, LinkTop(nHeight, nDpi), kBulletInBand)};
+    const SkinPoint upper = {lower.nX, MovedAt(nDpi, lower.nY, -kBulletRise)};
     SkinBullets bullets;
     if (bLink) {
         bullets.link = bHelp ? upper : lower;

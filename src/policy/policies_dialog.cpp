@@ -11,6 +11,7 @@
 #include "dialogs/base/dialog_looks.h"
 #include "dialogs/base/optional_control.h"
 #include "platform/barrier.h"
+#include "platform/window_dpi.h"
 #include "policy/pin_policy.h"
 #include "policy/policy_layout.h"
 #include "resources/resource_numbers.h"
@@ -35,6 +36,11 @@ constexpr std::array<int, mvp::kPinRuleCount> kIcons = {
     IDC_POLICIES_SAME_ICON, IDC_POLICIES_ALPHA_ICON, IDC_POLICIES_CONFIRM_ICON,
 };
 
+HICON LoadIconFor(const CWnd* pParent, UINT nIcon) {
+    const HWND parent = pParent != nullptr ? pParent->m_hWnd : nullptr;
+    return mvp::LoadResourceIcon(nIcon, mvp::PixelsIn(parent, kIconSize));
+}
+
 constexpr unsigned TextBit(mvp::PinRule rule) {
     return 1U << mvp::IndexOf(rule);
 }
@@ -58,8 +64,8 @@ VKPoliciesDlg::VKPoliciesDlg(const PwdRuleArgs* pRules, int bUseWindowColor, con
       m_nLeftIndent(nLeftIndent),
       m_nLineSpacing(nLineSpacing),
       m_pParent(pParent),
-      m_hSatisfied(mvp::LoadResourceIcon(IDI_RULE_SATISFIED, kIconSize)),
-      m_hViolated(mvp::LoadResourceIcon(IDI_RULE_VIOLATED, kIconSize)) {
+      m_hSatisfied(LoadIconFor(pParent, IDI_RULE_SATISFIED)),
+      m_hViolated(LoadIconFor(pParent, IDI_RULE_VIOLATED)) {
     const mvp::LogScope scope("VKPoliciesDlg::VKPoliciesDlg");
     const mvp::PinRules rules(pRules);
     m_dwMinPINLen = rules.dwMinPINLen;
@@ -289,11 +295,8 @@ void VKPoliciesDlg::PutPoliciesInBox() {
         const CRect text = mvp::ClientRectOf(*this, *texts.at(i));
         box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, m_icons[i]).left};
     }
-    const mvp::WindowDc device(m_hWnd);
-    const int dots = GetDeviceCaps(device.get(), LOGPIXELSY);
-    const auto scaled = [=](int nPixels) { return MulDiv(nPixels, dots, USER_DEFAULT_SCREEN_DPI); };
     const mvp::PolicyLayout layout = mvp::LayOutPolicies(
-        box, Rules(), {scaled(m_nTopMargin), scaled(m_nLeftIndent), scaled(m_nLineSpacing)});
+        box, Rules(), {m_nTopMargin, m_nLeftIndent, m_nLineSpacing}, mvp::WindowDpi(m_hWnd));
     constexpr UINT kMoveOnly = SWP_NOSIZE | SWP_NOZORDER;
     for (const mvp::PlacedPolicyLine& line : layout.Lines()) {
         const std::size_t index = mvp::IndexOf(line.rule);

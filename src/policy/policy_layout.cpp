@@ -2,14 +2,17 @@
 
 #include <cstdint>
 
+#include "platform/resolution.h"
+
 namespace mvp {
 
 PolicyLayout LayOutPolicies(const PolicyBox& box, const PinRules& rules,
-                            const PolicyMargins& margins) noexcept {
+                            const PolicyMargins& margins, int nDpi) noexcept {
+    const int iconRise = PixelsAt(nDpi, 1);
     // 64 bits, because a host may pass any margin.
-    const std::int64_t indent = margins.nLeftIndent;
-    const std::int64_t spacing = margins.nLineSpacing;
-    std::int64_t y = std::int64_t{box.nGroupTop} + margins.nTopMargin + spacing;
+    const std::int64_t indent = PixelsAt(nDpi, margins.nLeftIndent);
+    const std::int64_t spacing = PixelsAt(nDpi, margins.nLineSpacing);
+    std::int64_t y = std::int64_t{box.nGroupTop} + PixelsAt(nDpi, margins.nTopMargin) + spacing;
 
     PolicyLayout layout;
     for (const PinRule rule : kPinScreenOrder) {
@@ -22,7 +25,7 @@ PolicyLayout LayOutPolicies(const PolicyBox& box, const PinRules& rules,
         line.nTextX = static_cast<int>(controls.nTextLeft + indent);
         line.nTextY = static_cast<int>(y);
         line.nIconX = static_cast<int>(controls.nIconLeft + indent);
-        line.nIconY = static_cast<int>(y - 1);
+        line.nIconY = static_cast<int>(y - iconRise);
         y += spacing + controls.nTextHeight;
     }
     // One spacing follows the last line, so the box ends at y.

@@ -3,7 +3,8 @@
 // The panel's template holds a group box with a text and an icon for every rule. The lines of the
 // rules in force are packed at the top of the box, in screen order; the lines of the other rules
 // keep their place (they are hidden), and the box and the panel around it then lose the height that
-// is left over. All numbers are pixels in the panel's client coordinates.
+// is left over. All numbers are pixels in the panel's client coordinates, where nothing else is
+// said.
 #pragma once
 
 #include <array>
@@ -28,7 +29,7 @@ struct PolicyBox {
 };
 
 // The host's wish: room above the first line for the box's caption, indentation of every line,
-// room between lines. Any value; sums beyond the range of int wrap.
+// room between lines. In pixels of 96 dpi; any value; sums beyond the range of int wrap.
 struct PolicyMargins {
     int nTopMargin = 0;
     int nLeftIndent = 0;
@@ -52,7 +53,7 @@ public:
 
 private:
     friend PolicyLayout LayOutPolicies(const PolicyBox& box, const PinRules& rules,
-                                       const PolicyMargins& margins) noexcept;
+                                       const PolicyMargins& margins, int nDpi) noexcept;
 
     std::array<PlacedPolicyLine, kPinRuleCount> m_lines{};
     std::size_t m_nCount = 0;
@@ -60,6 +61,6 @@ private:
 };
 
 PolicyLayout LayOutPolicies(const PolicyBox& box, const PinRules& rules,
-                            const PolicyMargins& margins) noexcept;
+                            const PolicyMargins& margins, int nDpi) noexcept;
 
 }  // namespace mvp

@@ -266,3 +266,11 @@
 #define IDB_POPUP_HELP_BULLET 3126  // likewise, beside the link to the help
 #define IDB_ENTER_PIN_BANNER 3201
 #define IDB_ENTER_PIN_PROGRESS 3202
+
+// The same, drawn for 200 %: the number of a bitmap and this.
+#define BITMAP_AT_200_PERCENT 1000
+#define IDB_POPUP_SKIN_200 4102
+#define IDB_POPUP_LINK_BULLET_200 4125
+#define IDB_POPUP_HELP_BULLET_200 4126
+#define IDB_ENTER_PIN_BANNER_200 4201
+#define IDB_ENTER_PIN_PROGRESS_200 4202

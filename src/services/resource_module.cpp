@@ -12,6 +12,9 @@
 #include "platform/bitmap_file.h"
 #include "platform/critical_section.h"
 #include "platform/handle.h"
+#include "platform/resolution.h"
+#include "platform/scaled_bitmap.h"
+#include "resources/resource_numbers.h"
 #include "services/log.h"
 #include "services/registry_readers.h"
 
@@ -64,6 +67,19 @@ HICON ShareIcon(UINT nId, int nSize) {
     }
     g_icons.push_back({nId, nSize, std::move(icon)});
     return g_icons.back().icon.get();
+}
+
+// Empty when it is missing or not what its headers say.
+mvp::Bitmap ReadBitmap(HINSTANCE hModule, UINT nId) noexcept {
+    HRSRC resource = FindResourceA(hModule, MAKEINTRESOURCEA(nId), RT_BITMAP);
+    HGLOBAL loaded = resource != nullptr ? LoadResource(hModule, resource) : nullptr;
+    const void* bytes = loaded != nullptr ? LockResource(loaded) : nullptr;
+    if (bytes == nullptr) {
+        return {};
+    }
+    const auto image = mvp::ReadBitmapResource(
+        {static_cast<const std::uint8_t*>(bytes), SizeofResource(hModule, resource)});
+    return image ? mvp::MakeBitmap(*image) : mvp::Bitmap();
 }
 
 void LogMissingString(UINT nId) noexcept {
@@ -152,19 +168,29 @@ Bitmap LoadResourceBitmap(UINT nId) noexcept {
     if (module == nullptr) {
         return {};
     }
-    HRSRC resource = FindResourceA(module, MAKEINTRESOURCEA(nId), RT_BITMAP);
-    HGLOBAL loaded = resource != nullptr ? LoadResource(module, resource) : nullptr;
-    const void* bytes = loaded != nullptr ? LockResource(loaded) : nullptr;
-    std::optional<BitmapImage> image;
-    if (bytes != nullptr) {
-        image = ReadBitmapResource(
-            {static_cast<const std::uint8_t*>(bytes), SizeofResource(module, resource)});
-    }
-    if (!image) {
+    Bitmap bitmap = ReadBitmap(module, nId);
+    if (!bitmap) {
         vklogLog(g_szLogTag, kLogError, "Bitmap %u is missing from the resource module", nId);
+    }
+    return bitmap;
+}
+
+Bitmap LoadResourcePicture(UINT nId, int nDpi, Scaling scaling,
+                           std::optional<PixelSize> size) noexcept {
+    Bitmap bitmap = LoadResourceBitmap(nId);
+    if (!bitmap) {
         return {};
     }
-    return MakeBitmap(*image);
+    const PixelSize natural = SizeOf(bitmap);
+    const PixelSize wanted =
+        size.value_or(PixelSize{PixelsAt(nDpi, natural.nWidth), PixelsAt(nDpi, natural.nHeight)});
+    if (TakesLargePicture(nDpi)) {
+        // A module that another one made may have none.
+        if (Bitmap large = ReadBitmap(g_resourceModule.get(), nId + BITMAP_AT_200_PERCENT)) {
+            bitmap = std::move(large);
+        }
+    }
+    return Scaled(std::move(bitmap), wanted, scaling);
 }
 
 }  // namespace mvp

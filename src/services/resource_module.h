@@ -13,9 +13,12 @@
 
 #include <windows.h>
 
+#include <optional>
+
 #include <dlgfw/string.h>
 
 #include "platform/handle.h"
+#include "platform/pixel_scale.h"
 
 namespace mvp {
 
@@ -48,5 +51,10 @@ HICON LoadResourceIcon(UINT nId, int nSize) noexcept;
 // A copy of a bitmap of the module, checked before the system is given it, 32 bits a pixel. Empty
 // when it is missing or not what its headers say.
 Bitmap LoadResourceBitmap(UINT nId) noexcept;
+
+// The same in `size`, on a screen of `nDpi`; without a size in the one that it has there. From
+// 150 % on it is made from the module's drawing for 200 %, where there is one.
+Bitmap LoadResourcePicture(UINT nId, int nDpi, Scaling scaling = Scaling::Smooth,
+                           std::optional<PixelSize> size = std::nullopt) noexcept;
 
 }  // namespace mvp

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/resolution.h"
+
 namespace mvp {
 
 namespace {
 
-// How far the balloon's tip reaches into the edit, above and below.
+// In pixels of 96 dpi: how far the balloon's tip reaches into the edit, above and below.
 constexpr int kOverlapAbove = 4;
 constexpr int kOverlapBelow = 8;
 // Nearer to the screen's top than this the balloon would be cut off.
@@ -27,10 +29,11 @@ bool LacksCapsLockWarning(unsigned long nPlatform, unsigned long nMajor, unsigne
     return nPlatform == kPlatformNt && nMajor == 5 && nMinor == 0;
 }
 
-BalloonPlace PlaceBalloon(const BalloonAnchor& edit, const BalloonSize& balloon, int nScreenWidth) {
-    int top = edit.nTop - balloon.nHeight + kOverlapAbove;
-    if (top < kSmallestTop) {
-        top = edit.nBottom - kOverlapBelow;
+BalloonPlace PlaceBalloon(const BalloonAnchor& edit, const BalloonSize& balloon, int nScreenWidth,
+                          int nDpi) {
+    int top = edit.nTop - balloon.nHeight + PixelsAt(nDpi, kOverlapAbove);
+    if (top < PixelsAt(nDpi, kSmallestTop)) {
+        top = edit.nBottom - PixelsAt(nDpi, kOverlapBelow);
     }
     // The left edge has the last word: a balloon wider than the screen loses its right end.
     const int left = std::max(0, std::min(edit.nLeft, nScreenWidth - balloon.nWidth));

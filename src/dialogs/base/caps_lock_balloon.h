@@ -23,9 +23,11 @@ struct BalloonPlace {
     int nTop;
 };
 
-// Where the balloon of an edit stands: above it, its tip reaching four pixels into it; below it
-// where there is no room above; never beyond the left or right edge of the screen.
-BalloonPlace PlaceBalloon(const BalloonAnchor& edit, const BalloonSize& balloon, int nScreenWidth);
+// Where the balloon of an edit stands on a screen of `nDpi`: above it, its tip reaching four pixels
+// of 96 dpi into it; below it where there is no room above; never beyond the left or right edge of
+// the screen.
+BalloonPlace PlaceBalloon(const BalloonAnchor& edit, const BalloonSize& balloon, int nScreenWidth,
+                          int nDpi);
 
 enum class BalloonAction {
     Leave,  // the balloon stays as it is

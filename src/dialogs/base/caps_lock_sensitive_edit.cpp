@@ -15,6 +15,7 @@
 #include "dialogs/base/shown_secret.h"
 #include "platform/barrier.h"
 #include "platform/own_module.h"
+#include "platform/window_dpi.h"
 #include "resources/resource_numbers.h"
 #include "services/log.h"
 #include "services/resource_module.h"
@@ -38,6 +39,7 @@ constexpr char kDefaultPasswordWarning[] =
     "Having Caps Lock on may cause you to enter your password incorrectly.\r\n\r\n"
     "You should press Caps Lock to turn it off before entering your password.";
 
+// In pixels of 96 dpi.
 constexpr int kLargestTipWidth = 300;
 // A point of the edit that the balloon takes for the pointer's place.
 constexpr int kPointerOffset = 5;
@@ -340,7 +342,7 @@ void CCapsLockSensitiveEdit::CreateBalloon() {
     // The system's own delay for tool-tips.
     ::SendMessageA(m_hBalloon, TTM_SETDELAYTIME, TTDT_INITIAL,
                    static_cast<LPARAM>(GetDoubleClickTime()));
-    ::SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, kLargestTipWidth);
+    ::SendMessageA(m_hBalloon, TTM_SETMAXTIPWIDTH, 0, mvp::PixelsIn(m_hBalloon, kLargestTipWidth));
     // In wide characters: not every system takes the 8-bit form for what it is.
     wchar_t title[kTextSize]{};
     Widen(m_szTitle, title);
@@ -396,7 +398,7 @@ void CCapsLockSensitiveEdit::PlaceOwnBalloon() {
     ::GetWindowRect(m_hBalloon, &balloon);
     const mvp::BalloonPlace place =
         mvp::PlaceBalloon({edit.left, edit.top, edit.bottom}, {balloon.Width(), balloon.Height()},
-                          GetSystemMetrics(SM_CXSCREEN));
+                          GetSystemMetrics(SM_CXSCREEN), mvp::WindowDpi(m_hBalloon));
     ::SetWindowPos(m_hBalloon, nullptr, place.nLeft, place.nTop, 0, 0,
                    SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }

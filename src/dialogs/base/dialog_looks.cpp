@@ -1,16 +1,18 @@
 #include "dialogs/base/dialog_looks.h"
 
+#include "platform/window_dpi.h"
 #include "services/resource_module.h"
 
 namespace mvp {
 namespace {
 
 constexpr int kSmallIconSize = 16;
+constexpr int kIconSize = 32;
 
 }  // namespace
 
 void SetSmallIcon(CWnd& dialog, UINT nIcon) {
-    if (HICON icon = LoadResourceIcon(nIcon, kSmallIconSize)) {
+    if (HICON icon = LoadResourceIcon(nIcon, PixelsIn(dialog.m_hWnd, kSmallIconSize))) {
         dialog.SetIcon(icon, FALSE);
     }
 }
@@ -23,7 +25,7 @@ void KeepFromMirroring(CWnd* pControl) {
 
 void ShowIcon(CWnd& dialog, int nControl, UINT nIcon) {
     // The shared icon, which nobody destroys.
-    if (HICON icon = LoadResourceIcon(nIcon, GetSystemMetrics(SM_CXICON))) {
+    if (HICON icon = LoadResourceIcon(nIcon, PixelsIn(dialog.m_hWnd, kIconSize))) {
         dialog.SendDlgItemMessage(nControl, STM_SETICON, reinterpret_cast<WPARAM>(icon));
         KeepFromMirroring(dialog.GetDlgItem(nControl));
     }

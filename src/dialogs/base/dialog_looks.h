@@ -7,15 +7,16 @@
 
 namespace mvp {
 
-// Gives the dialog icon `nIcon` of the resource module as its small window icon, 16 pixels wide.
-// Without the icon, which the log tells, the dialog keeps what it has.
+// Gives the dialog icon `nIcon` of the resource module as its small window icon, 16 pixels wide
+// at 96 dpi. Without the icon, which the log tells, the dialog keeps what it has.
 void SetSmallIcon(CWnd& dialog, UINT nIcon);
 
 // Shows the control unmirrored in a mirrored dialog: a picture or a code, which is the same in
 // every language. Null is ignored.
 void KeepFromMirroring(CWnd* pControl);
 
-// Shows icon `nIcon` of the resource module in static `nControl`. Without either nothing changes.
+// Shows icon `nIcon` of the resource module in static `nControl`, 32 pixels wide at 96 dpi. Without
+// either nothing changes.
 void ShowIcon(CWnd& dialog, int nControl, UINT nIcon);
 
 // Shows control `nHeading` in its own font's bold. The caller keeps the font for as long as the

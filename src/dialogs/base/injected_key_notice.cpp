@@ -12,6 +12,7 @@
 #include "dialogs/base/resource_dialog.h"
 #include "platform/barrier.h"
 #include "platform/handle.h"
+#include "platform/window_dpi.h"
 #include "resources/resource_numbers.h"
 #include "services/log.h"
 #include "services/resource_module.h"
@@ -24,6 +25,9 @@ namespace {
 // groups, and the least between two things.
 constexpr int kMargin = 7;
 constexpr int kSmallestGap = 4;
+
+// In pixels of 96 dpi.
+constexpr int kIconSize = 16;
 
 // The same in pixels.
 CSize DialogUnits(HWND hDialog, int nUnits) {
@@ -58,7 +62,7 @@ public:
         : m_hDialog(hDialog),
           m_strText(ResourceString(policy == InjectedKeys::Refuse ? IDS_INJECTED_KEYS_REFUSED
                                                                   : IDS_INJECTED_KEYS_WARNING)),
-          m_nIconSize(GetSystemMetrics(SM_CXSMICON)),
+          m_nIconSize(PixelsIn(hDialog, kIconSize)),
           m_nLeft(nMargin) {
         CRect client;
         ::GetClientRect(hDialog, &client);

@@ -113,7 +113,7 @@ LRESULT CInitializePinDlg::OnDisplayPINPolicies(WPARAM /*wParam*/, LPARAM /*lPar
             return 0;
         }
         if (m_rulePanel.Create(*this, IDC_INITIALIZE_PIN_POLICIES_PLACE, mvp::RulesOf(m_policies),
-                               mvp::ClearOfCaption(*this, kRuleLayout))) {
+                               kRuleLayout)) {
             mvp::GrowForPanel(*this, m_rulePanel.Height());
         }
     }

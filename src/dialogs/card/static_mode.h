@@ -6,7 +6,7 @@
 
 namespace mvp {
 
-// By how many pixels, and by how many the dialog gets shorter.
+// By how many pixels of 96 dpi, and by how many the dialog gets shorter.
 inline constexpr int kChallengePartHeight = 100;
 
 inline constexpr int kChallengePart[] = {

@@ -13,6 +13,7 @@
 #include "mvpingui/policies_dialog.h"
 #include "mvpingui/unlock_result_dialogs.h"
 #include "platform/barrier.h"
+#include "platform/window_dpi.h"
 #include "resources/resource_numbers.h"
 #include "services/card_removed_message.h"
 #include "services/error_text.h"
@@ -137,15 +138,16 @@ void CUnlockCardDlg::ShowStaticMode() {
             control->ShowWindow(SW_HIDE);
         }
     }
+    const int height = mvp::PixelsIn(m_hWnd, mvp::kChallengePartHeight);
     for (const int id : mvp::kBelowChallengePart) {
-        MoveUpWindow(id, mvp::kChallengePartHeight);
+        MoveUpWindow(id, height);
     }
     CRect rect;
     GetWindowRect(&rect);
     vklogLog(g_szLogTag, kLogInfo, "WindowRect (left=%d,top=%d,right=%d,bottom=%d)",
              static_cast<int>(rect.left), static_cast<int>(rect.top), static_cast<int>(rect.right),
              static_cast<int>(rect.bottom));
-    if (SetWindowPos(nullptr, 0, 0, rect.Width(), rect.Height() - mvp::kChallengePartHeight,
+    if (SetWindowPos(nullptr, 0, 0, rect.Width(), rect.Height() - height,
                      SWP_NOMOVE | SWP_NOZORDER)) {
         vklogLog(g_szLogTag, kLogInfo, "SetWindowPos succeeded");
     } else {
@@ -191,8 +193,7 @@ LRESULT CUnlockCardDlg::OnDisplayPINPolicies(WPARAM /*wParam*/, LPARAM /*lParam*
 
 void CUnlockCardDlg::CreatePanel() {
     vklogLog(g_szLogTag, kLogInfo, "new m_pStaticPolicies");
-    if (!m_rulePanel.Create(*this, IDC_UNLOCK_CARD_POLICIES_PLACE, m_rules,
-                            mvp::ClearOfCaption(*this, kRuleLayout))) {
+    if (!m_rulePanel.Create(*this, IDC_UNLOCK_CARD_POLICIES_PLACE, m_rules, kRuleLayout)) {
         return;
     }
     if (const CWnd* box = GetDlgItem(IDC_UNLOCK_CARD_PIN_BOX)) {

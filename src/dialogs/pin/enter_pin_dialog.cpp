@@ -9,6 +9,7 @@
 #include "dialogs/base/optional_control.h"
 #include "dialogs/pin/enter_pin_rules.h"
 #include "platform/bitmap_file.h"
+#include "platform/window_dpi.h"
 #include "resources/resource_numbers.h"
 #include "services/help_topic.h"
 #include "services/log.h"
@@ -44,6 +45,33 @@ void* Pointer(void* p) {
 mvp::Bitmap TakePicture(CWnd& dialog, int nControl) {
     return mvp::Bitmap(reinterpret_cast<HBITMAP>(
         dialog.SendDlgItemMessage(nControl, STM_SETIMAGE, IMAGE_BITMAP, 0)));
+}
+
+// Away from 96 dpi the system would stretch what it has loaded: the control gets one that is made
+// for its size, and that `picture` keeps.
+void FitPicture(CWnd& dialog, int nControl, UINT nBitmap, mvp::Bitmap& picture) {
+    const int dpi = mvp::WindowDpi(dialog.m_hWnd);
+    CWnd* control = dialog.GetDlgItem(nControl);
+    if (dpi == mvp::kDesignDpi || control == nullptr) {
+        return;
+    }
+    CRect client;
+    control->GetClientRect(&client);
+    picture = mvp::LoadResourcePicture(nBitmap, dpi, mvp::Scaling::Smooth,
+                                       mvp::PixelSize{client.Width(), client.Height()});
+    if (picture) {
+        const mvp::Bitmap loaded(reinterpret_cast<HBITMAP>(control->SendMessage(
+            STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(picture.get()))));
+    }
+}
+
+// A control may show a copy of what it was given.
+void DropPicture(CWnd& dialog, int nControl, mvp::Bitmap& picture) {
+    const mvp::Bitmap shown = TakePicture(dialog, nControl);
+    if (shown.get() == picture.get()) {
+        picture.release();
+    }
+    picture.reset();
 }
 
 // The system leaves a control whose picture the resource module lacks empty, and says nothing.
@@ -98,6 +126,8 @@ BOOL CEnterPinDlg::OnInitDialog() {
     }
     LogMissingPicture(*this, IDC_ENTER_PIN_BANNER);
     LogMissingPicture(*this, IDC_ENTER_PIN_PROGRESS);
+    FitPicture(*this, IDC_ENTER_PIN_BANNER, IDB_ENTER_PIN_BANNER, m_hOwnBanner);
+    FitPicture(*this, IDC_ENTER_PIN_PROGRESS, IDB_ENTER_PIN_PROGRESS, m_hOwnProgressBar);
     TryToInsertBitmap();
     mvp::BringToFront(*this);
     OnEnChangeEditPassword();
@@ -173,8 +203,8 @@ void CEnterPinDlg::OnMove(int x, int y) {
 }
 
 void CEnterPinDlg::OnDestroy() {
-    TakePicture(*this, IDC_ENTER_PIN_BANNER);
-    TakePicture(*this, IDC_ENTER_PIN_PROGRESS);
+    DropPicture(*this, IDC_ENTER_PIN_BANNER, m_hOwnBanner);
+    DropPicture(*this, IDC_ENTER_PIN_PROGRESS, m_hOwnProgressBar);
     VKDetectCardRemovedDlg::OnDestroy();
 }
 

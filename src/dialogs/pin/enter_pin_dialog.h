@@ -74,6 +74,8 @@ private:
     bool m_bHighColor = false;
     CString m_strPin;
     CCapsLockSensitiveEdit m_editPin;
+    mvp::Bitmap m_hOwnBanner;  // the library's own, made for the resolution
+    mvp::Bitmap m_hOwnProgressBar;
     mvp::Bitmap m_hBanner;
     mvp::Bitmap m_hProgressBar;
     CStatic m_banner;

@@ -76,6 +76,8 @@ TEST(ProgressTrain, TakesAnyNumbers) {
         // A chunk wider than the bar fills it for ever.
         {{0, 50}, 60, 1000, 5, "0-50 "},
         {{kLeast, kMost}, 1, kMost, 20, "left"},
+        {{kLeast, kMost, kMost}, 1, kMost, 20, "left"},
+        {{2, 202, 4}, 8, 17, 5, "50-58 38-46 26-34 14-22 2-10 "},
         {{kLeast, kMost}, kMost, 3, 20, "-2147483648--1 "},
     });
     EXPECT_EQ(PlaceProgressTrain({0, 10'000}, 8, 50, 0xFFFFFFFF).Chunks().size(),
@@ -93,7 +95,7 @@ Edges Of(const SkinRect& rect) {
 
 // What stands where on a skin from the resources, the popup's own tests hold.
 TEST(SkinLayout, PlacesBandsOfASkinFromAFile) {
-    SkinBands bands = BandsOfFileSkin(250, 200);
+    SkinBands bands = BandsOfFileSkin(250, 200, 96);
     EXPECT_EQ(Of(bands.text), (Edges{40, 13, 245, 122}));
     EXPECT_EQ(Of(bands.link), (Edges{0, 122, 250, 170}));
     EXPECT_EQ(Of(bands.bottom), (Edges{0, 170, 250, 200}));
@@ -101,18 +103,47 @@ TEST(SkinLayout, PlacesBandsOfASkinFromAFile) {
     EXPECT_EQ(Of(PlaceControls(bands, false).closeLink), (Edges{0, 160, 250, 175}));
 }
 
+// Every number of it, in the order of the layout.
+std::vector<int> EverythingAt(int nDpi) {
+    const int width = 340 * nDpi / 96;
+    const int height = 230 * nDpi / 96;
+    SkinBands bands = BandsOfResourceSkin(width, height, nDpi);
+    const SkinBullets bullets = PlaceBullets(height, true, true, nDpi);
+    const NoticeControls controls = PlaceControls(bands, true);
+    std::vector<int> numbers = {bullets.link->nX, bullets.link->nY, bullets.help->nX,
+                                bullets.help->nY};
+    for (const SkinRect& rect :
+         {controls.message, controls.title, controls.closeLink, controls.helpLink, bands.bottom,
+          PlacePassword(bands), PlaceProgressBar(width, height, nDpi)}) {
+        numbers.insert(numbers.end(), {rect.nLeft, rect.nTop, rect.nRight, rect.nBottom});
+    }
+    return numbers;
+}
+
+TEST(SkinLayout, GrowsWithTheResolution) {
+    const std::vector<int> plain = EverythingAt(96);
+    for (const int dpi : {120, 144, 192, 288}) {
+        const std::vector<int> grown = EverythingAt(dpi);
+        for (std::size_t i = 0; i < plain.size(); ++i) {
+            // Half a pixel for each of the distances that a number is the sum of.
+            EXPECT_NEAR(grown[i], plain[i] * dpi / 96.0, 3) << "number " << i << " at " << dpi;
+        }
+    }
+}
+
 TEST(SkinLayout, StopsAtTheLimitsOfANumber) {
     for (const int size : {kLeast, kLeast + 80, kMost}) {
-        for (SkinBands bands : {BandsOfResourceSkin(size, size), BandsOfFileSkin(size, size)}) {
+        for (SkinBands bands :
+             {BandsOfResourceSkin(size, size, 96), BandsOfFileSkin(size, size, 288)}) {
             for (int i = 0; i < 10; ++i) {
                 PlaceControls(bands, i % 2 == 0);
                 PlacePassword(bands);
             }
         }
-        PlaceProgressBar(size, size);
-        PlaceBullets(size, true, true);
+        PlaceProgressBar(size, size, 144);
+        PlaceBullets(size, true, true, 144);
     }
-    EXPECT_EQ(Of(BandsOfResourceSkin(kLeast, kLeast).link),
+    EXPECT_EQ(Of(BandsOfResourceSkin(kLeast, kLeast, 96).link),
               (Edges{0, kLeast, kLeast, kLeast + 15}));
     SkinBands bands;
     bands.link.nBottom = kMost;

@@ -19,6 +19,7 @@ constexpr PopupScreen kAtTop{0, 40, 1920, 1080, 1920, 1080};
 constexpr PopupScreen kAtLeft{40, 0, 1920, 1080, 1920, 1080};
 constexpr PopupScreen kAtRight{0, 0, 1880, 1080, 1920, 1080};
 constexpr PopupScreen kAtBottom{0, 0, 1920, 1040, 1920, 1080};
+constexpr PopupScreen kAt200Percent{0, 0, 1920, 1040, 1920, 1080, 192};
 constexpr PopupScreen kScreens[] = {kAtTop, kAtLeft, kAtRight, kAtBottom};
 constexpr PopupSize kSkin{101, 61};
 
@@ -104,6 +105,7 @@ TEST(PopupMotion, SlidesAndFadesStepByStep) {
         {kAtLeft, kSkin, -61, 1019, 2, 0, 51, 10, 14, 40, 1019},
         {kAtRight, kSkin, 1880, 1019, -2, 0, 51, 10, 14, 1779, 1019},
         {kAtBottom, kSkin, 1812, 1034, 0, -2, 31, 16, 23, 1812, 973},
+        {kAt200Percent, {202, 122}, 1704, 1028, 0, -4, 31, 16, 23, 1704, 906},
         {kAtRight, {0, 0}, 1880, 1080, 0, 0, 0, 500, 700, 1880, 1080},
         {kAtBottom, {0, 0}, 1913, 1034, 0, 0, 0, 500, 700, 1913, 1034},
         {kAtTop, {1, 1}, 1919, 39, 0, 2, 1, 500, 700, 1919, 40},

@@ -19,10 +19,10 @@ TEST(PolicyLayout, TakesAnyMargins) {
     for (const int extreme : {least, most}) {
         // The sums wrap; the sanitizer watches that none of them overflows before.
         const PolicyLayout layout =
-            LayOutPolicies(box, PinRules(&kAllRules), {extreme, extreme, extreme});
+            LayOutPolicies(box, PinRules(&kAllRules), {extreme, extreme, extreme}, 192);
         EXPECT_EQ(layout.Lines().size(), kPinRuleCount);
     }
-    EXPECT_EQ(LayOutPolicies(box, PinRules(nullptr), {0, 0, -9}).Spare(), 200 - 18 + 18);
+    EXPECT_EQ(LayOutPolicies(box, PinRules(nullptr), {0, 0, -9}, 96).Spare(), 200 - 18 + 18);
 }
 
 }  // namespace

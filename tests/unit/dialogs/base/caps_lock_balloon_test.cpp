@@ -23,6 +23,7 @@ TEST(CapsLockBalloon, StaysOnTheScreen) {
         BalloonAnchor edit;
         BalloonSize balloon;
         BalloonPlace expected;
+        int nDpi = 96;
     } cases[] = {
         {"room above", {300, 400, 420}, {200, 100}, {300, 304}},
         {"the last place above", {300, 151, 171}, {200, 100}, {300, 55}},
@@ -32,9 +33,11 @@ TEST(CapsLockBalloon, StaysOnTheScreen) {
         {"ends at the right edge", {800, 400, 420}, {200, 100}, {800, 304}},
         {"beyond the right edge", {801, 400, 420}, {200, 100}, {800, 304}},
         {"wider than the screen", {10, 400, 420}, {1200, 100}, {0, 304}},
+        {"room above at 200 %", {300, 202, 242}, {200, 100}, {300, 110}, 192},
+        {"no room above at 200 %", {300, 201, 241}, {200, 100}, {300, 225}, 192},
     };
     for (const auto& c : cases) {
-        const BalloonPlace place = PlaceBalloon(c.edit, c.balloon, kScreenWidth);
+        const BalloonPlace place = PlaceBalloon(c.edit, c.balloon, kScreenWidth, c.nDpi);
         EXPECT_EQ(place.nLeft, c.expected.nLeft) << c.pszWhat;
         EXPECT_EQ(place.nTop, c.expected.nTop) << c.pszWhat;
     }
