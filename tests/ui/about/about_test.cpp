@@ -167,7 +167,12 @@ TEST_F(AboutBox, HasTheColoursOfItsMode) {
         const auto look = [&](Dialog& d) {
             d.Run([&] {
                 const MemoryDc dc(CreateCompatibleDC(nullptr));
+                const int element = COLOR_WINDOW;
+                // The second time the system's colour is another one.
                 for (const int background : {OPAQUE, TRANSPARENT}) {
+                    const COLORREF colour = background == OPAQUE ? window : RGB(7, 8, 9);
+                    SetSysColors(1, &element, &colour);
+                    SendMessageA(d.Handle(), WM_SYSCOLORCHANGE, 0, 0);
                     SetBkMode(dc.get(), background);
                     SetTextColor(dc.get(), RGB(1, 2, 3));
                     SetBkColor(dc.get(), RGB(4, 5, 6));
@@ -177,12 +182,13 @@ TEST_F(AboutBox, HasTheColoursOfItsMode) {
                         reinterpret_cast<LPARAM>(d.Control(IDC_ABOUT_NAME))));
                     GetObjectA(handle, sizeof brush, &brush);
                     EXPECT_EQ(GetBkMode(dc.get()), background) << "it is left as it was";
-                    EXPECT_EQ(brush.lbColor == window, mode != 0);
-                    EXPECT_EQ(GetBkColor(dc.get()) == window, mode != 0);
+                    EXPECT_EQ(brush.lbColor == colour, mode != 0);
+                    EXPECT_EQ(GetBkColor(dc.get()) == colour, mode != 0);
                     if (mode != 0) {
                         EXPECT_EQ(GetTextColor(dc.get()), GetSysColor(COLOR_WINDOWTEXT));
                     }
                 }
+                SetSysColors(1, &element, &window);
             });
             d.Cancel();
         };

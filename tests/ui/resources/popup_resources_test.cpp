@@ -83,7 +83,7 @@ TEST_P(PopupResources, LaysBulletsWithoutAnEdgeOnTheSkin) {
 
 TEST_P(PopupResources, DrawsIconsForEveryResolutionClearOfTheText) {
     for (const int number : {IDI_POPUP_OTP, IDI_POPUP_CARD_ALERT, IDI_POPUP_NO_READER}) {
-        EXPECT_EQ(IconSizes(number), (std::set<int>{16, 20, 24, 32, 40, 48, 64})) << number;
+        EXPECT_EQ(IconSizes(number), (std::set<int>{16, 20, 24, 32, 40, 48, 64, 96})) << number;
         // The message's window has a ground of its own when it shows the password; otherwise its
         // text begins 5 pixels later, of which some stay free. The progress bar stands over the
         // password's icon, and nothing of it may look out.

@@ -94,7 +94,7 @@ TEST_F(InjectedKeysTest, AreTakenToldOfOrRefused) {
                               TextOf(policy == InjectedKeys::Warn ? IDS_INJECTED_KEYS_WARNING
                                                                   : IDS_INJECTED_KEYS_REFUSED));
                     EXPECT_EQ(IconOf(d.Control(IDC_INJECTED_KEYS_ICON)),
-                              LoadResourceIcon(IDI_INJECTED_KEYS, GetSystemMetrics(SM_CXSMICON)));
+                              LoadResourceIcon(IDI_INJECTED_KEYS, 16));
                 }
                 d.Escape();
             });
