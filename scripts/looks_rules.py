@@ -209,8 +209,7 @@ def proportions(w):
 
 def small_screens(w):
     left, top, right, bottom = w.raw["rect"]
-    at_100 = w.y == 1.63 or w.raw["kind"] == NOTICE
-    if at_100 and (right - left > 800 or bottom - top > 552):
+    if w.raw.get("dpi", 96) == 96 and (right - left > 800 or bottom - top > 552):
         yield 0, f"{right - left} × {bottom - top} pixels"
 
 

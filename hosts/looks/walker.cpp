@@ -7,6 +7,7 @@
 #include "common/thread_windows.h"
 #include "looks/contrast.h"
 #include "platform/handle.h"
+#include "platform/window_dpi.h"
 
 namespace looks {
 
@@ -227,6 +228,7 @@ Json Walk(HWND hWindow) {
                 {"workArea", Numbers(work)},
                 {"style", static_cast<std::uint32_t>(GetWindowLongPtrW(hWindow, GWL_STYLE))},
                 {"units", UnitsOf(hWindow)},
+                {"dpi", mvp::WindowDpi(hWindow)},
                 {"default", LOWORD(SendMessageW(hWindow, DM_GETDEFID, 0, 0))},
                 {"controls", Json::array()},
                 {"tabOrder", Json::array()}};
