@@ -6,7 +6,9 @@
 #include <thread>
 #include <tuple>
 
+#include "platform/resolution.h"
 #include "support/resource_counts.h"
+#include "ui/dialogs/enlarged_dialogs.h"
 #include "ui/notify/popup_probe.h"
 
 namespace mvp::test {
@@ -135,31 +137,42 @@ TEST_F(PopupTest, HoldsTheControlsOfItsType) {
 // The icon is that of the window that was filled last, in every one.
 TEST_F(PopupTest, PaintsBulletsAndTheIconOnItsSkin) {
     m_hive.SetString(kGlobal, "VeskaraHelpPath", "v.chm");
-    const auto paints = [](const Popup& popup, UINT icon, int link, int help) {
-        const Canvas expected;
-        const Canvas painted;
-        expected.Lay(3102, 0, 0, 340, 230);
-        expected.Lay(3125, 20, link, link != 0 ? 18 : 0, 18);
-        expected.Lay(3126, 20, help, help != 0 ? 18 : 0, 18);
-        DrawIconEx(expected.dc.get(), 12, 15, LoadResourceIcon(icon, 32), 32, 32, 0, nullptr,
-                   DI_NORMAL);
-        popup.SendMessage(WM_ERASEBKGND, reinterpret_cast<WPARAM>(painted.dc.get()));
-        std::vector<BYTE> bits[2] = {std::vector<BYTE>(340 * 230 * 4), bits[0]};
-        GetBitmapBits(expected.bitmap.get(), 340 * 230 * 4, bits[0].data());
-        GetBitmapBits(painted.bitmap.get(), 340 * 230 * 4, bits[1].data());
-        return bits[0] == bits[1];
-    };
-    Init(0);
-    EXPECT_TRUE(paints(*m_popup, 3130, 135, 155));
-    Popup second;
-    second.Create(m_host);
-    second.InitWindow(m_host, 1, 0);
-    EXPECT_TRUE(paints(second, 3129, 155, 0));
-    EXPECT_TRUE(paints(*m_popup, 3129, 135, 155));
-    second.InitWindow(m_host, 2, 0);
-    EXPECT_TRUE(paints(second, 3128, 135, 155));
-    second.InitWindow(m_host, 9, 0);
-    EXPECT_TRUE(paints(second, 0, 0, 0));
+    for (const int percent : {100, 150, 200}) {
+        SCOPED_TRACE(percent);
+        const EnlargedDialogs at(percent);
+        const auto pixels = [=](int nPixels) { return PixelsAt(96 * percent / 100, nPixels); };
+        const auto paints = [=](const Popup& popup, UINT icon, int link, int help) {
+            const CSize skin(pixels(340), pixels(230));
+            const Canvas expected(0, skin);
+            const Canvas painted(0, skin);
+            expected.Lay(3102, 0, 0, 96 * percent / 100);
+            for (const auto& [bullet, top] : {std::pair<UINT, int>{3125, link}, {3126, help}}) {
+                const int x = top != 0 ? pixels(20) : skin.cx;  // beside it: not at all
+                expected.Lay(bullet, x, pixels(top), 96 * percent / 100);
+            }
+            DrawIconEx(expected.dc.get(), pixels(12), pixels(15),
+                       LoadResourceIcon(icon, pixels(32)), pixels(32), pixels(32), 0, nullptr,
+                       DI_NORMAL);
+            popup.SendMessage(WM_ERASEBKGND, reinterpret_cast<WPARAM>(painted.dc.get()));
+            const auto bits = [=](const Canvas& canvas) {
+                std::vector<DWORD> words(static_cast<std::size_t>(skin.cx * skin.cy));
+                GetBitmapBits(canvas.bitmap.get(), skin.cx * skin.cy * 4, words.data());
+                return words;
+            };
+            return bits(expected) == bits(painted);
+        };
+        Init(0);
+        EXPECT_TRUE(paints(*m_popup, 3130, 135, 155));
+        Popup second;
+        second.Create(m_host);
+        second.InitWindow(m_host, 1, 0);
+        EXPECT_TRUE(paints(second, 3129, 155, 0));
+        EXPECT_TRUE(paints(*m_popup, 3129, 135, 155));
+        second.InitWindow(m_host, 2, 0);
+        EXPECT_TRUE(paints(second, 3128, 135, 155));
+        second.InitWindow(m_host, 9, 0);
+        EXPECT_TRUE(paints(second, 0, 0, 0));
+    }
 }
 
 TEST_F(PopupTest, HidesInEveryStateAndTellsOnce) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "mvpingui/popup_alert.h"
+#include "platform/scaled_bitmap.h"
 #include "richtext/control/html_static.h"
 #include "services/card_removed_message.h"
 #include "support/control_layout.h"
@@ -83,11 +84,14 @@ private:
 
 // A device context with a picture to draw on, of the skin's size or that of a resource.
 struct Canvas {
-    explicit Canvas(UINT nBitmap = 0)
-        : bitmap(nBitmap != 0 ? LoadResourceBitmap(nBitmap)
-                              : Bitmap(CreateBitmap(340, 230, 1, 32, nullptr))) {}
-    void Lay(UINT nBitmap, int x, int y, int w, int h) const {
-        BitBlt(dc.get(), x, y, w, h, Canvas(nBitmap).dc.get(), 0, 0, SRCCOPY);
+    explicit Canvas(UINT nBitmap = 0, CSize size = {340, 230}, int nDpi = 96)
+        : bitmap(nBitmap != 0 ? LoadResourcePicture(nBitmap, nDpi)
+                              : Bitmap(CreateBitmap(size.cx, size.cy, 1, 32, nullptr))) {}
+    // A picture of the resources as it is at a resolution.
+    void Lay(UINT nBitmap, int x, int y, int nDpi) const {
+        const Canvas picture(nBitmap, {}, nDpi);
+        const PixelSize size = SizeOf(picture.bitmap);
+        BitBlt(dc.get(), x, y, size.nWidth, size.nHeight, picture.dc.get(), 0, 0, SRCCOPY);
     }
     const MemoryDc dc{CreateCompatibleDC(nullptr)};
     const Bitmap bitmap;

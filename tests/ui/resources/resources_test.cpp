@@ -261,6 +261,8 @@ TEST_P(EachLanguage, PicturesHaveTheSizeOfTheirControls) {
         GetClientRect(GetDlgItem(window.get(), control), &rect);
         EXPECT_EQ(size.bmWidth, rect.right) << "picture " << picture;
         EXPECT_EQ(size.bmHeight, rect.bottom) << "picture " << picture;
+        const BITMAP large = m_module.BitmapPixels(picture + BITMAP_AT_200_PERCENT).size;
+        EXPECT_TRUE(large.bmWidth == 2 * size.bmWidth && large.bmHeight == 2 * size.bmHeight);
     }
 }
 

@@ -12,7 +12,7 @@
 #include "mvpingui/unlock_result_dialogs.h"
 #include "services/error_text.h"
 #include "support/resource_counts.h"
-#include "ui/dialogs/library_test.h"
+#include "ui/dialogs/enlarged_dialogs.h"
 
 namespace mvp::test {
 namespace {
@@ -330,6 +330,7 @@ TEST_F(UnlockCard, NeedsItsEditsAndThePlaceOfTheRules) {
 }
 
 TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
+    const EnlargedDialogs at(150);
     CUnlockFailedDlg failed(nullptr, "What happened", 2);
     CUnlockFailedDlg initialize(nullptr, "What happened", 1);
     CUnlockSuccessDlg success(nullptr);
@@ -348,8 +349,8 @@ TEST_F(UnlockCard, ResultsLookAsTheirModeSays) {
                 const bool tool = picture == IDI_CARD_PIN;
                 EXPECT_TRUE(tool || (d.Title() == TextOf(3036)) == isFirst);
                 EXPECT_EQ(d.Text(kHeading) == TextOf(tool ? 3035 : 3037), isFirst);
-                EXPECT_EQ(SmallIconOf(d.Handle()), tool ? nullptr : LoadResourceIcon(picture, 16));
-                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)), LoadResourceIcon(picture, 32));
+                EXPECT_EQ(SmallIconOf(d.Handle()), tool ? nullptr : LoadResourceIcon(picture, 24));
+                EXPECT_EQ(IconOf(d.Control(IDC_UNLOCK_RESULT_ICON)), LoadResourceIcon(picture, 48));
                 EXPECT_NE(IsBold(d.Control(kHeading)), tool);
                 EXPECT_TRUE(IsTopMost(d.Handle()));
             });
