@@ -12,10 +12,8 @@ import sys
 FIRST_PNG = 64
 
 
-def bitmap(file, size):
+def bitmap(raw, size):
     """The image with 32 bits a pixel, rows from the bottom, and the mask of where it is clear."""
-    raw = subprocess.run(["convert", file, "-depth", "8", "BGRA:-"], check=True,
-                         capture_output=True).stdout
     rows = [raw[at:at + 4 * size] for at in range(0, len(raw), 4 * size)][::-1]
     mask = b""
     for row in rows:
@@ -26,16 +24,20 @@ def bitmap(file, size):
     return header + b"".join(rows) + mask
 
 
-def image(file):
-    """The size of an image, which is square, and its bytes."""
-    png = pathlib.Path(file).read_bytes()
-    size, = struct.unpack(">I", png[16:20])
-    return size, png if size >= FIRST_PNG else bitmap(file, size)
+def read(files):
+    """The size of each image, which is square, and its bytes."""
+    raw = subprocess.run(["convert", *files, "-depth", "8", "BGRA:-"], check=True,
+                         capture_output=True).stdout
+    for file in files:
+        png = pathlib.Path(file).read_bytes()
+        size, = struct.unpack(">I", png[16:20])
+        pixels, raw = raw[:4 * size * size], raw[4 * size * size:]
+        yield size, png if size >= FIRST_PNG else bitmap(pixels, size)
 
 
 def main(output, *files):
     """An entry of 16 bytes for each image, then the images."""
-    images = [image(file) for file in files]
+    images = list(read(files))
     at = 6 + 16 * len(images)
     entries = struct.pack("<HHH", 0, 1, len(images))
     for size, data in images:
