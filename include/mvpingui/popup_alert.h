@@ -112,9 +112,9 @@ public:
     // The picture behind everything, which gives the popup its size, from the resource module with
     // or without bullets for the two links, or from a bitmap file. Its pixels are those of 96 dpi:
     // it grows with the resolution, as all distances and texts of the popup do. In high contrast
-    // its size counts alone. With three colour values (0 to
-    // 255) what has that colour is cut out of the window; 65535 (-1 for the file's red) for none.
-    // Returns 1; 0 when the file is none, which changes nothing.
+    // its size counts alone. With three colour values (0 to 255) what has that colour is cut out of
+    // the window; 65535 (-1 for the file's red) for none. Returns 1; 0 when the file is none, which
+    // changes nothing.
     int SetSkin(UINT nBitmapID, bool bLinkBullet, bool bHelpBullet, short nRed, short nGreen,
                 short nBlue);
     int SetSkin(const char* pszFileName, short nRed, short nGreen, short nBlue);

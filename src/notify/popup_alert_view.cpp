@@ -271,7 +271,10 @@ void CPopupAlert::Colour(CHtmlStatic& text, COLORREF crText, COLORREF crLink) co
 
 // The system's colours, or that they are to be used, may be others now.
 void CPopupAlert::FollowColours() {
-    m_bHighContrast = mvp::IsHighContrast();
+    const bool former = std::exchange(m_bHighContrast, mvp::IsHighContrast());
+    if (!former && !m_bHighContrast) {
+        return;
+    }
     for (CHtmlStatic* text : {m_pTitle.get(), m_pCloseLink.get(), m_pHelpLink.get()}) {
         if (text != nullptr) {
             Colour(*text, m_crNormal, kLinkColour);

@@ -7,7 +7,6 @@
 #include "dialogs/base/dialog_looks.h"
 #include "dialogs/card/notice_height.h"
 #include "platform/handle.h"
-#include "platform/window_dpi.h"
 #include "resources/resource_numbers.h"
 #include "services/help_topic.h"
 #include "services/log.h"
@@ -79,7 +78,7 @@ void CCMLockedDlg::AdjustWindow() {
 int CCMLockedDlg::TextHeight(CWnd& text, int nWidth) const {
     const mvp::WindowDc dc(text.m_hWnd);
     if (dc.get() == nullptr) {
-        return mvp::PixelsIn(text.m_hWnd, mvp::kNoticeHeightUnmeasured);
+        return mvp::kNoticeHeightUnmeasured;
     }
     const mvp::DcSelection font(dc.get(), reinterpret_cast<HGDIOBJ>(text.SendMessage(WM_GETFONT)));
     SIZE size{};

@@ -5,7 +5,7 @@
 
 namespace mvp {
 
-// The height without a device context to measure in, in pixels of 96 dpi.
+// The height without a device context to measure in, in pixels.
 inline constexpr int kNoticeHeightUnmeasured = 64;
 
 // For a text that takes `nTextWidth` by `nLineHeight` pixels on one line, in a control `nWidth`

@@ -54,8 +54,8 @@ TEST_P(Resolution, PicturesAreMadeForTheirPlaces) {
                 BITMAP shown{};
                 GetObjectA(reinterpret_cast<HBITMAP>(d.Send(control, STM_GETIMAGE)), sizeof shown,
                            &shown);
-                EXPECT_EQ(CSize(shown.bmWidth, shown.bmHeight),
-                          RectIn(d.Handle(), d.Control(control)).Size());
+                const CRect place = RectIn(d.Handle(), d.Control(control));
+                EXPECT_EQ(CSize(shown.bmWidth, shown.bmHeight), place.Size());
             }
         });
         d.Escape();

@@ -104,7 +104,6 @@ TEST(SkinLayout, PlacesBandsOfASkinFromAFile) {
     EXPECT_EQ(Of(PlaceControls(bands, false).closeLink), (Edges{0, 160, 250, 175}));
 }
 
-// Where everything begins, and where it ends.
 std::vector<int> EverythingAt(int nDpi) {
     const int width = 340 * nDpi / 96;
     const int height = 230 * nDpi / 96;
