@@ -23,7 +23,7 @@ namespace looks {
 namespace {
 
 constexpr char kCode[] = "0123456789ABCDEF";
-constexpr char kChallenge[] = "8D1F04B26A97C35E";
+constexpr char kChallenge[] = "8D1F04B26A36C34E";
 constexpr PwdRuleArgs kRules = {0, 1, 1, 1, 4, 8, 0};
 constexpr int kCardError = 14;
 constexpr char kLongMessage[] =

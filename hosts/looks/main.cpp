@@ -1,11 +1,13 @@
 // looks: opens every dialog of the library in each of its states and writes down what stands there.
 //
 //     looks [--pictures FOLDER] [--only NAME] [--colours NAME] OUTPUT
+//     looks --listen dialogs|flows [--only NAME] OUTPUT
 //
 // Writes an array of JSON objects to the file OUTPUT, one for each dialog and state: see walker.h.
 // The language is that of the folder that it is started in, the resolution the system's.
-// scripts/looks runs it under each, and judges. It exits with 1 and a reason when a state cannot be
-// reached.
+// scripts/looks runs it under each, and judges. With --listen it writes what a screen reader gets
+// of them instead, see listening.h, which scripts/access judges. It exits with 1 and a reason when
+// a state cannot be reached.
 #include <windows.h>
 
 #include <array>
@@ -19,6 +21,7 @@
 #include "common/screenshot.h"
 #include "looks/colours.h"
 #include "looks/dialogs.h"
+#include "looks/listening.h"
 #include "looks/visitor.h"
 #include "looks/walker.h"
 #include <CLI/App.hpp>
@@ -32,6 +35,7 @@ struct Options {
     std::string strPictures;
     std::string strOnly;
     std::string strColours = "usual";
+    std::string strListen;
     std::string strOutput;
 };
 
@@ -98,18 +102,28 @@ nlohmann::ordered_json WalkAll(const Options& options) {
     return walked;
 }
 
+nlohmann::ordered_json WriteAll(const Options& options) {
+    if (options.strListen.empty()) {
+        return WalkAll(options);
+    }
+    return options.strListen == "flows" ? looks::ListenToFlows(options.strOnly)
+                                        : looks::ListenToDialogs(options.strOnly);
+}
+
 int Run(int argc, char** argv) {
     Options options;
     CLI::App app("Writes down what every dialog looks like");
     app.add_option("--pictures", options.strPictures, "save a picture of each there");
     app.add_option("--only", options.strOnly, "this dialog alone");
     app.add_option("--colours", options.strColours, "usual, black-on-white or white-on-black");
+    app.add_option("--listen", options.strListen, "hear dialogs or flows as a screen reader does")
+        ->check(CLI::IsMember({"dialogs", "flows"}));
     app.add_option("OUTPUT", options.strOutput, "the file to write")->required();
     CLI11_PARSE(app, argc, argv);
     InitGUIDll();
     const StillWindows still;
     const looks::SystemColours colours(options.strColours);
-    const std::string text = WalkAll(options).dump(1);
+    const std::string text = WriteAll(options).dump(1);
     std::ofstream file(options.strOutput, std::ios::binary);
     file << text << '\n';
     return file.good() ? 0 : 1;

@@ -1,0 +1,163 @@
+#include "listener/spoken_object.h"
+
+#include <oleacc.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "common/accessible.h"
+#include "common/thread_windows.h"
+#include "listener/stock_controls.h"
+
+namespace listener {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using mvp::Accessible;
+
+std::string Utf8(const std::wstring& text) {
+    std::string utf8(text.size() * 3, '\0');
+    utf8.resize(static_cast<std::size_t>(
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf8.data(),
+                            static_cast<int>(utf8.size()), nullptr, nullptr)));
+    return utf8;
+}
+
+using TextGetter = HRESULT (STDMETHODCALLTYPE IAccessible::*)(VARIANT, BSTR*);
+
+// The answer to a question for a text. No text and an empty one are the same to a listener.
+struct Answer {
+    HRESULT hr = E_FAIL;
+    std::string strText;
+};
+
+Answer Ask(const Accessible& object, TextGetter getter, long nChild) {
+    BSTR str = nullptr;
+    Answer answer;
+    answer.hr = (object.get()->*getter)(mvp::Child(nChild), &str);
+    if (str != nullptr) {
+        answer.strText = Utf8(std::wstring(str, SysStringLen(str)));
+        SysFreeString(str);
+    }
+    return answer;
+}
+
+void Tell(Json& told, const char* pszKey, const std::string& strText) {
+    if (!strText.empty()) {
+        told[pszKey] = strText;
+    }
+}
+
+template <UINT(WINAPI* pfnText)(DWORD, LPWSTR, UINT)>
+std::string Word(long nWhich) {
+    wchar_t word[100] = L"";
+    pfnText(static_cast<DWORD>(nWhich), word, 100);
+    return Utf8(word);
+}
+
+Json StatesOf(long nState) {
+    Json words = Json::array();
+    for (int bit = 0; bit < 31; ++bit) {
+        if ((nState & (1L << bit)) != 0) {
+            words.push_back(Word<GetStateTextW>(1L << bit));
+        }
+    }
+    return words;
+}
+
+Json RectOf(const Accessible& object, long nChild) {
+    long left = 0;
+    long top = 0;
+    long width = 0;
+    long height = 0;
+    object.get()->accLocation(&left, &top, &width, &height, mvp::Child(nChild));
+    return {left, top, width, height};
+}
+
+Json Describe(const Accessible& object, HWND hWnd, long nChild) {
+    StockFacts facts{object.Number(&IAccessible::get_accRole, mvp::Child(nChild)),
+                     object.Number(&IAccessible::get_accState, mvp::Child(nChild)),
+                     Ask(object, &IAccessible::get_accDefaultAction, nChild).strText};
+    std::string name = Ask(object, &IAccessible::get_accName, nChild).strText;
+    if (facts.nRole == ROLE_SYSTEM_CLIENT && nChild == CHILDID_SELF) {
+        facts = StockFactsOf(hWnd, facts.nState);
+        name = facts.bLabelled ? Utf8(LabelOf(hWnd)) : name;
+    }
+    Json told{{"window", reinterpret_cast<UINT_PTR>(hWnd)},
+              {"child", nChild},
+              {"class", mvp::ClassOf(hWnd)},
+              {"role", Word<GetRoleTextW>(facts.nRole)}};
+    Tell(told, "name", name);
+    const Answer value = Ask(object, &IAccessible::get_accValue, nChild);
+    if (value.hr == E_ACCESSDENIED) {
+        told["value"] = nullptr;
+    } else {
+        Tell(told, "value", value.strText);
+    }
+    Tell(told, "shortcut", Ask(object, &IAccessible::get_accKeyboardShortcut, nChild).strText);
+    Tell(told, "description", Ask(object, &IAccessible::get_accDescription, nChild).strText);
+    Tell(told, "action", facts.strAction);
+    told["states"] = StatesOf(facts.nState);
+    told["rect"] = RectOf(object, nChild);
+    return told;
+}
+
+// The window of an object that is one of its own.
+HWND WindowOf(const VARIANT& child) {
+    IAccessible* object = nullptr;
+    HWND window = nullptr;
+    if (child.vt == VT_DISPATCH && child.pdispVal != nullptr &&
+        child.pdispVal->QueryInterface(__uuidof(IAccessible), reinterpret_cast<void**>(&object)) ==
+            S_OK) {
+        WindowFromAccessibleObject(object, &window);
+        object->Release();
+    }
+    return window;
+}
+
+Json ChildrenOf(const Accessible& object, HWND hWnd) {
+    long count = 0;
+    object.get()->get_accChildCount(&count);
+    std::vector<VARIANT> children(static_cast<std::size_t>(count));
+    long got = 0;
+    AccessibleChildren(object.get(), 0, count, children.data(), &got);
+    Json told = Json::array();
+    for (long i = 0; i < got; ++i) {
+        VARIANT& child = children[static_cast<std::size_t>(i)];
+        if (child.vt == VT_I4) {
+            told.push_back(Describe(object, hWnd, child.lVal));
+        } else if (const HWND window = WindowOf(child); IsWindowVisible(window)) {
+            told.push_back(TreeOf(window));
+        }
+        VariantClear(&child);
+    }
+    return told;
+}
+
+}  // namespace
+
+Json ObjectOfEvent(HWND hWnd, long nObject, long nChild) {
+    Accessible object;
+    VARIANT child{};
+    if (AccessibleObjectFromEvent(hWnd, static_cast<DWORD>(nObject), static_cast<DWORD>(nChild),
+                                  object.put(), &child) != S_OK) {
+        return nullptr;
+    }
+    return Describe(object, hWnd, child.lVal);
+}
+
+Json TreeOf(HWND hWnd) {
+    const Accessible object = Accessible::Of(hWnd);
+    if (!object) {
+        return {{"role", "none"}};
+    }
+    Json told = Describe(object, hWnd, CHILDID_SELF);
+    if (Json children = ChildrenOf(object, hWnd); !children.empty()) {
+        told["children"] = std::move(children);
+    }
+    return told;
+}
+
+}  // namespace listener

@@ -1,0 +1,64 @@
+#include "looks/listening.h"
+
+#include <vector>
+
+#include "looks/dialogs.h"
+#include "looks/flows.h"
+#include "looks/second_process.h"
+#include "looks/visitor.h"
+
+namespace looks {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string NumberOf(HWND hWnd) {
+    return std::to_string(reinterpret_cast<UINT_PTR>(hWnd));
+}
+
+Json PlaceOf(HWND hWindow) {
+    RECT client{};
+    GetClientRect(hWindow, &client);
+    MapWindowPoints(hWindow, nullptr, reinterpret_cast<POINT*>(&client), 2);
+    RECT hundred{0, 0, 100, 100};
+    const bool units = MapDialogRect(hWindow, &hundred) != FALSE;
+    return {{"client", {client.left, client.top, client.right, client.bottom}},
+            {"units", units ? Json{hundred.right, hundred.bottom} : Json()},
+            {"mirrored", (GetWindowLongPtrA(hWindow, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0}};
+}
+
+Json ListenTo(const std::vector<Entry>& entries, const std::string& strOnly) {
+    Json heard = Json::array();
+    SecondProcess listener;
+    const auto listen = [&](const std::string& strDialog, const std::string& strState,
+                            HWND hWindow) {
+        Json one{{"dialog", strDialog}, {"state", strState}};
+        if (strState == kManyKeys) {
+            one.update(listener.Order("type " + NumberOf(GetFocus()) + " 10000"));
+        } else {
+            one.update(PlaceOf(hWindow));
+            one.update(listener.Order("read " + NumberOf(hWindow)));
+        }
+        heard.push_back(std::move(one));
+    };
+    Visitor visitor(listen, {});
+    for (const Entry& entry : entries) {
+        if (strOnly.empty() || strOnly == entry.strName) {
+            visitor.Visit(entry.strName, entry.open, entry.states, Visitor::Closing::Escape);
+        }
+    }
+    return heard;
+}
+
+}  // namespace
+
+Json ListenToDialogs(const std::string& strOnly) {
+    return ListenTo(AllDialogs(), strOnly);
+}
+
+Json ListenToFlows(const std::string& strOnly) {
+    return ListenTo(Flows(), strOnly);
+}
+
+}  // namespace looks
