@@ -46,11 +46,14 @@ struct Event {
     LONG nChild;
 };
 
+DWORD g_dwProcessId = 0;
 std::vector<Event> g_events;
 
 void CALLBACK OnEvent(HWINEVENTHOOK, DWORD dwEvent, HWND hWnd, LONG nObject, LONG nChild, DWORD,
                       DWORD) {
-    if (NameOf(dwEvent) != nullptr) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(hWnd, &process);
+    if (process == g_dwProcessId && NameOf(dwEvent) != nullptr) {
         g_events.push_back({dwEvent, hWnd, nObject, nChild});
     }
 }
@@ -66,8 +69,9 @@ bool IsSuperseded(const Event& event, const Event& later) {
 }  // namespace
 
 EventLog::EventLog(DWORD dwProcessId)
-    : m_hook(SetWinEventHook(EVENT_MIN, EVENT_MAX, nullptr, &OnEvent, dwProcessId, 0,
+    : m_hook(SetWinEventHook(EVENT_MIN, EVENT_MAX, nullptr, &OnEvent, 0, 0,
                              WINEVENT_OUTOFCONTEXT | WINEVENT_SKIPOWNPROCESS)) {
+    g_dwProcessId = dwProcessId;
     if (m_hook == nullptr) {
         throw std::runtime_error("the system lets nobody listen");
     }
@@ -82,10 +86,11 @@ nlohmann::ordered_json EventLog::Take() {
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
         DispatchMessageA(&message);
     }
-    const std::vector<Event> events = std::exchange(g_events, {});
+    std::vector<Event> events = std::exchange(g_events, {});
+    std::erase_if(events, [](const Event& event) { return !IsWindowVisible(event.hWnd); });
     auto told = nlohmann::ordered_json::array();
     for (auto event = events.begin(); event != events.end(); ++event) {
-        bool superseded = !IsWindowVisible(event->hWnd);
+        bool superseded = false;
         for (auto later = event + 1; later != events.end() && !superseded; ++later) {
             superseded = IsSuperseded(*event, *later);
         }

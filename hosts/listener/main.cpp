@@ -5,6 +5,8 @@
 //
 //     read WINDOW          {"events": [...], "tree": {...}}: the events since the last order, and
 //                          the objects of the window, as spoken_object.h describes them
+//     hear WINDOW          {"events": [...], "focus": {...}}: the object with the focus, null for
+//                          none; and "tree" when it is another window than the last time
 //     type WINDOW COUNT    {"events": [...], "unprotected": N}: sends so many characters to the
 //                          edit, and counts after which of them it was not a protected text with
 //                          its own name and a value that is refused
@@ -64,12 +66,22 @@ Json Type(HWND hEdit, int nCount) {
     return unprotected;
 }
 
+Json FocusIn(HWND hWindow) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(hWindow, nullptr), &info);
+    return info.hwndFocus != nullptr && GetAncestor(info.hwndFocus, GA_ROOT) == hWindow
+               ? listener::ObjectOfEvent(info.hwndFocus, OBJID_CLIENT, CHILDID_SELF)
+               : Json();
+}
+
 void Serve(DWORD dwProcessId) {
     const Com com;
     listener::EventLog log(dwProcessId);
     std::cout << "{}" << std::endl;
     std::string order;
     UINT_PTR handle = 0;
+    HWND last = nullptr;
     while (std::cin >> order >> handle) {
         auto* const window = reinterpret_cast<HWND>(handle);
         Json told{{"events", log.Take()}};
@@ -77,9 +89,13 @@ void Serve(DWORD dwProcessId) {
             int count = 0;
             std::cin >> count;
             told["unprotected"] = Type(window, count);
-        } else {
+        } else if (order == "hear") {
+            told["focus"] = FocusIn(window);
+        }
+        if (order == "read" || (order == "hear" && window != last)) {
             told["tree"] = listener::TreeOf(window);
         }
+        last = window;
         std::cout << told.dump() << std::endl;
     }
 }

@@ -2,7 +2,6 @@
 
 #include <oleacc.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -76,18 +75,28 @@ Json RectOf(const Accessible& object, long nChild) {
     return {left, top, width, height};
 }
 
+// A class that the framework has registered has the numbers of its parts behind its name.
+std::string KindOf(HWND hWnd) {
+    const std::string name = mvp::ClassOf(hWnd);
+    return name.substr(0, name.find(':'));
+}
+
 Json Describe(const Accessible& object, HWND hWnd, long nChild) {
     StockFacts facts{object.Number(&IAccessible::get_accRole, mvp::Child(nChild)),
                      object.Number(&IAccessible::get_accState, mvp::Child(nChild)),
                      Ask(object, &IAccessible::get_accDefaultAction, nChild).strText};
     std::string name = Ask(object, &IAccessible::get_accName, nChild).strText;
-    if (facts.nRole == ROLE_SYSTEM_CLIENT && nChild == CHILDID_SELF) {
-        facts = StockFactsOf(hWnd, facts.nState);
-        name = facts.bLabelled ? Utf8(LabelOf(hWnd)) : name;
+    const StockFacts stock = StockFactsOf(hWnd, facts.nState);
+    if (stock.nRole != ROLE_SYSTEM_CLIENT && nChild == CHILDID_SELF) {
+        facts.nState = stock.nState;
+        if (facts.nRole == ROLE_SYSTEM_CLIENT) {
+            facts = stock;
+            name = facts.bLabelled ? Utf8(LabelOf(hWnd)) : name;
+        }
     }
     Json told{{"window", reinterpret_cast<UINT_PTR>(hWnd)},
               {"child", nChild},
-              {"class", mvp::ClassOf(hWnd)},
+              {"class", KindOf(hWnd)},
               {"role", Word<GetRoleTextW>(facts.nRole)}};
     Tell(told, "name", name);
     const Answer value = Ask(object, &IAccessible::get_accValue, nChild);
@@ -104,34 +113,26 @@ Json Describe(const Accessible& object, HWND hWnd, long nChild) {
     return told;
 }
 
-// The window of an object that is one of its own.
-HWND WindowOf(const VARIANT& child) {
-    IAccessible* object = nullptr;
-    HWND window = nullptr;
-    if (child.vt == VT_DISPATCH && child.pdispVal != nullptr &&
-        child.pdispVal->QueryInterface(__uuidof(IAccessible), reinterpret_cast<void**>(&object)) ==
-            S_OK) {
-        WindowFromAccessibleObject(object, &window);
-        object->Release();
-    }
-    return window;
-}
-
+// The parts of an object that have no object of their own, and the windows in its window. The
+// latter are taken from the system, which also makes the objects for them: not every one hands out
+// those of another process each time.
 Json ChildrenOf(const Accessible& object, HWND hWnd) {
     long count = 0;
     object.get()->get_accChildCount(&count);
     std::vector<VARIANT> children(static_cast<std::size_t>(count));
-    long got = 0;
-    AccessibleChildren(object.get(), 0, count, children.data(), &got);
+    AccessibleChildren(object.get(), 0, count, children.data(), &count);
     Json told = Json::array();
-    for (long i = 0; i < got; ++i) {
-        VARIANT& child = children[static_cast<std::size_t>(i)];
+    for (VARIANT& child : children) {
         if (child.vt == VT_I4) {
             told.push_back(Describe(object, hWnd, child.lVal));
-        } else if (const HWND window = WindowOf(child); IsWindowVisible(window)) {
-            told.push_back(TreeOf(window));
         }
         VariantClear(&child);
+    }
+    for (HWND window = GetWindow(hWnd, GW_CHILD); window != nullptr;
+         window = GetWindow(window, GW_HWNDNEXT)) {
+        if (IsWindowVisible(window)) {
+            told.push_back(TreeOf(window));
+        }
     }
     return told;
 }

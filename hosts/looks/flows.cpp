@@ -55,7 +55,7 @@ std::vector<State> StepsOf(std::string_view steps) {
         std::string word(steps.substr(0, end));
         steps.remove_prefix(std::min(end + 1, steps.size()));
         std::ranges::replace(word, '_', ' ');
-        if (word == "10000") {
+        if (word == kManyKeys) {
             states.push_back({kManyKeys, {}});
         } else if (word.find('+') != std::string::npos ||
                    std::ranges::count(kKeys, word, &Key::name) != 0) {
@@ -78,10 +78,10 @@ struct Flow {
 constexpr Flow kFlows[] = {
     {"enter PIN", "enter-pin", "5797 Backspace Tab Tab Tab Alt+P Shift+Tab"},
     {"enter PIN with Caps Lock", "enter-pin", "Caps_Lock Tab Alt+P Caps_Lock"},
-    {"enter PIN, many keys", "enter-pin", "10000"},
+    {"enter PIN, many keys", "enter-pin", "many_keys"},
     {"enter PIN, warning of programs", "enter-pin-warning", "57 Tab"},
     {"enter PIN, refusing programs", "enter-pin-refusing", "57 Tab"},
-    {"change PIN", "change-pin", "5797 Tab 57975 Backspace 795977 Tab 5797 Tab Tab Alt+F"},
+    {"change PIN", "change-pin", "5797 Tab 5797 Backspace 59 Tab 57959 Tab Tab Alt+F"},
     {"change PIN, every rule", "change-pin-every-rule", "5797 Tab 5797 Tab 5797 Tab"},
     {"change PIN in a host's window", "change-pin-embedded", "5797 Tab 57959 Tab 57959 Tab"},
     {"unlock with a code", "unlock-code", "5797597957975979 Tab 57959 Tab 57959 Tab Enter"},
@@ -89,9 +89,9 @@ constexpr Flow kFlows[] = {
      "Shift+Tab Tab 5797597957975979 Tab 57959 Tab 57959 Enter"},
     {"unlock failed", "unlock-failed", "Tab"},
     {"first PIN", "first-pin", "57959 Tab 57959 Tab Enter Tab Space"},
-    {"reset by PIN", "reset-code", "Tab 5797 Tab Tab"},
-    {"reset by code", "reset-code", "Down Tab 5797597957975979 Tab"},
-    {"reset by challenge", "reset-challenge", "Down Tab Tab 57975979 Tab"},
+    {"reset by PIN", "reset-code", "5797 Tab Tab"},
+    {"reset by code", "reset-code", "Shift+Tab Down 5797597957975979 Tab"},
+    {"reset by challenge", "reset-challenge", "Shift+Tab Down 57975979 Shift+Tab Tab Tab"},
     {"unlock code shown", "unlock-code-shown", "Tab Space Tab Tab"},
     {"no unlock code", "no-unlock-code", ""},
     {"expiry", "expiry", "Tab Tab Down Tab Space Shift+Tab Alt+R Alt+N Tab Tab"},

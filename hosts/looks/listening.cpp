@@ -28,17 +28,20 @@ Json PlaceOf(HWND hWindow) {
             {"mirrored", (GetWindowLongPtrA(hWindow, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0}};
 }
 
-Json ListenTo(const std::vector<Entry>& entries, const std::string& strOnly) {
+// `pszOrder` is the listener's for each state.
+Json ListenTo(const std::vector<Entry>& entries, const char* pszOrder, const std::string& strOnly,
+              int nKeys) {
     Json heard = Json::array();
     SecondProcess listener;
     const auto listen = [&](const std::string& strDialog, const std::string& strState,
                             HWND hWindow) {
         Json one{{"dialog", strDialog}, {"state", strState}};
         if (strState == kManyKeys) {
-            one.update(listener.Order("type " + NumberOf(GetFocus()) + " 10000"));
+            one.update(
+                listener.Order("type " + NumberOf(GetFocus()) + ' ' + std::to_string(nKeys)));
         } else {
             one.update(PlaceOf(hWindow));
-            one.update(listener.Order("read " + NumberOf(hWindow)));
+            one.update(listener.Order(pszOrder + NumberOf(hWindow)));
         }
         heard.push_back(std::move(one));
     };
@@ -54,11 +57,11 @@ Json ListenTo(const std::vector<Entry>& entries, const std::string& strOnly) {
 }  // namespace
 
 Json ListenToDialogs(const std::string& strOnly) {
-    return ListenTo(AllDialogs(), strOnly);
+    return ListenTo(AllDialogs(), "read ", strOnly, 0);
 }
 
-Json ListenToFlows(const std::string& strOnly) {
-    return ListenTo(Flows(), strOnly);
+Json ListenToFlows(const std::string& strOnly, int nKeys) {
+    return ListenTo(Flows(), "hear ", strOnly, nKeys);
 }
 
 }  // namespace looks

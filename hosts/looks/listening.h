@@ -15,7 +15,7 @@ namespace looks {
 // Of the dialog `strOnly` alone, unless that is empty. Throws std::runtime_error when a state
 // cannot be reached.
 nlohmann::ordered_json ListenToDialogs(const std::string& strOnly);
-// Those of flows.h.
-nlohmann::ordered_json ListenToFlows(const std::string& strOnly);
+// Those of flows.h. Where many keys are typed, there are `nKeys`.
+nlohmann::ordered_json ListenToFlows(const std::string& strOnly, int nKeys);
 
 }  // namespace looks

@@ -1,7 +1,7 @@
 // looks: opens every dialog of the library in each of its states and writes down what stands there.
 //
 //     looks [--pictures FOLDER] [--only NAME] [--colours NAME] OUTPUT
-//     looks --listen dialogs|flows [--only NAME] OUTPUT
+//     looks --listen dialogs|flows [--only NAME] [--keys NUMBER] OUTPUT
 //
 // Writes an array of JSON objects to the file OUTPUT, one for each dialog and state: see walker.h.
 // The language is that of the folder that it is started in, the resolution the system's.
@@ -36,6 +36,7 @@ struct Options {
     std::string strOnly;
     std::string strColours = "usual";
     std::string strListen;
+    int nKeys = 10'000;
     std::string strOutput;
 };
 
@@ -106,7 +107,7 @@ nlohmann::ordered_json WriteAll(const Options& options) {
     if (options.strListen.empty()) {
         return WalkAll(options);
     }
-    return options.strListen == "flows" ? looks::ListenToFlows(options.strOnly)
+    return options.strListen == "flows" ? looks::ListenToFlows(options.strOnly, options.nKeys)
                                         : looks::ListenToDialogs(options.strOnly);
 }
 
@@ -118,6 +119,7 @@ int Run(int argc, char** argv) {
     app.add_option("--colours", options.strColours, "usual, black-on-white or white-on-black");
     app.add_option("--listen", options.strListen, "hear dialogs or flows as a screen reader does")
         ->check(CLI::IsMember({"dialogs", "flows"}));
+    app.add_option("--keys", options.nKeys, "how many keys the flow of many keys has");
     app.add_option("OUTPUT", options.strOutput, "the file to write")->required();
     CLI11_PARSE(app, argc, argv);
     InitGUIDll();

@@ -15,6 +15,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include <dlgfw/controls.h>
 #include <dlgfw/string.h>
@@ -23,6 +24,7 @@
 
 namespace mvp {
 struct PinRules;
+class RuleText;
 enum class PinRule : std::uint8_t;
 }  // namespace mvp
 
@@ -71,19 +73,14 @@ private:
     void SetAlphaPIN(bool bShow, bool bSatisfied);
     void SetConfirmPIN(bool bSatisfied);
     bool HasText(mvp::PinRule rule) const;
-    void GiveText(mvp::PinRule rule, CStatic& text, const CString& strText);
-    void ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool bSatisfied);
+    void GiveText(mvp::PinRule rule, const CString& strText);
+    void ShowLine(mvp::PinRule rule, bool bShow, bool bSatisfied);
     void SetPolicyIcon(CWnd* pIconControl, HICON hIcon);
     void PutPoliciesInBox();
 
     CStatic m_groupBox;
-    CStatic m_minText;
-    CStatic m_maxText;
-    CStatic m_weakText;
-    CStatic m_sameText;
-    CStatic m_alphaText;
-    CStatic m_confirmText;
-    CStatic m_icons[6];  // a rule each
+    std::unique_ptr<mvp::RuleText[]> m_texts;  // a rule each
+    CStatic m_icons[6];                        // likewise
     int m_nTopMargin;
     int m_nLeftIndent;
     int m_nLineSpacing;

@@ -46,7 +46,7 @@ class CHtmlStatic;
 class VKDelegateSubscriberCardRemoved;
 
 namespace mvp {
-class PopupAccessible;
+class NamedAccessible;
 enum class Scaling;
 }  // namespace mvp
 
@@ -152,7 +152,7 @@ protected:
 private:
     class CardRemovedTarget;
     struct ReleaseAccessible {
-        void operator()(mvp::PopupAccessible* pAccessible) const noexcept;
+        void operator()(mvp::NamedAccessible* pAccessible) const noexcept;
     };
 
     // False: not to be shown. pdwDuration: milliseconds, left as it is where nothing is set; null
@@ -234,5 +234,5 @@ private:
     std::unique_ptr<CHtmlStatic> m_pHelpLink;
     std::unique_ptr<CHtmlStatic> m_pTitle;
     BOOL m_bDisplayHelp = TRUE;
-    std::unique_ptr<mvp::PopupAccessible, ReleaseAccessible> m_pAccessible;
+    std::unique_ptr<mvp::NamedAccessible, ReleaseAccessible> m_pAccessible;
 };

@@ -107,6 +107,7 @@ bool CCardExpiryNotifyDlg::ShowCard(CTime now) {
     const CRect rect(place.nLeft, place.nTop, right, place.nTop + place.nHeight);
     if (m_cardLine.Create(CardLine(expired, expiry), WS_CHILD | WS_VISIBLE, rect, this)) {
         m_cardLine.SetFont(TextFont());
+        mvp::ReadBehind(m_cardLine, GetDlgItem(IDC_CARD_EXPIRY_SENTENCE));
     }
     Take(mvp::WithCardLine(mvp::WindowDpi(m_hWnd)));
     return expired;

@@ -6,7 +6,6 @@
 
 #include <dlgfw/message_map.h>
 
-#include "notify/popup_accessible.h"
 #include "notify/popup_kinds.h"
 #include "notify/popup_messages.h"
 #include "notify/popup_text.h"
@@ -16,6 +15,7 @@
 #include "services/card_removed_message.h"
 #include "services/card_removed_subscriber.h"
 #include "services/log.h"
+#include "services/named_accessible.h"
 #include "services/registry_readers.h"
 
 namespace {
@@ -49,9 +49,8 @@ private:
     CPopupAlert& m_popup;
 };
 
-void CPopupAlert::ReleaseAccessible::operator()(mvp::PopupAccessible* pAccessible) const noexcept {
-    pAccessible->Disconnect();
-    pAccessible->Release();
+void CPopupAlert::ReleaseAccessible::operator()(mvp::NamedAccessible* pAccessible) const noexcept {
+    mvp::NamedAccessible::GiveUp()(pAccessible);
 }
 
 CPopupAlert::CPopupAlert() {

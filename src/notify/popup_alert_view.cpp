@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "mvpingui/popup_alert.h"
-#include "notify/popup_accessible.h"
 #include "notify/popup_controls.h"
 #include "notify/popup_kinds.h"
 #include "notify/popup_region.h"
@@ -17,6 +16,7 @@
 #include "resources/resource_numbers.h"
 #include "richtext/control/html_static.h"
 #include "services/log.h"
+#include "services/named_accessible.h"
 #include "services/resource_module.h"
 
 namespace {
@@ -343,7 +343,8 @@ void CPopupAlert::Announce() {
 
 LRESULT CPopupAlert::AnswerGetObject(WPARAM wParam) {
     if (m_pAccessible == nullptr) {
-        m_pAccessible.reset(mvp::PopupAccessible::Create(m_hWnd, [this] { return SpokenText(); }));
+        m_pAccessible.reset(mvp::NamedAccessible::Create(m_hWnd, ROLE_SYSTEM_ALERT,
+                                                         [this] { return SpokenText(); }));
     }
     return m_pAccessible != nullptr ? mvp::AnswerGetObject(wParam, m_pAccessible.get()) : Default();
 }

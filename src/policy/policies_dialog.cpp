@@ -14,6 +14,7 @@
 #include "platform/window_dpi.h"
 #include "policy/pin_policy.h"
 #include "policy/policy_layout.h"
+#include "policy/rule_text.h"
 #include "resources/resource_numbers.h"
 #include "services/format_check.h"
 #include "services/log.h"
@@ -34,6 +35,10 @@ constexpr int kNoLength = -1;
 constexpr std::array<int, mvp::kPinRuleCount> kIcons = {
     IDC_POLICIES_MIN_ICON,  IDC_POLICIES_MAX_ICON,   IDC_POLICIES_WEAK_ICON,
     IDC_POLICIES_SAME_ICON, IDC_POLICIES_ALPHA_ICON, IDC_POLICIES_CONFIRM_ICON,
+};
+constexpr std::array<int, mvp::kPinRuleCount> kTexts = {
+    IDC_POLICIES_MIN_TEXT,  IDC_POLICIES_MAX_TEXT,   IDC_POLICIES_WEAK_TEXT,
+    IDC_POLICIES_SAME_TEXT, IDC_POLICIES_ALPHA_TEXT, IDC_POLICIES_CONFIRM_TEXT,
 };
 
 HICON LoadIconFor(const CWnd* pParent, UINT nIcon) {
@@ -60,6 +65,7 @@ CString FormatLength(UINT nFormat, int nLength) {
 VKPoliciesDlg::VKPoliciesDlg(const PwdRuleArgs* pRules, int bUseWindowColor, const RECT* pPosition,
                              CWnd* pParent, int nTopMargin, int nLeftIndent, int nLineSpacing)
     : CBaseDialog(IDD_POLICIES, bUseWindowColor, pPosition, pParent),
+      m_texts(std::make_unique<mvp::RuleText[]>(mvp::kPinRuleCount)),
       m_nTopMargin(nTopMargin),
       m_nLeftIndent(nLeftIndent),
       m_nLineSpacing(nLineSpacing),
@@ -85,15 +91,10 @@ int VKPoliciesDlg::LocCreate(CWnd* pParent) {
 void VKPoliciesDlg::DoDataExchange(CDataExchange* pDX) {
     CBaseDialog::DoDataExchange(pDX);
     mvp::BindIfThere(pDX, IDC_POLICIES_BOX, m_groupBox);
-    mvp::BindIfThere(pDX, IDC_POLICIES_MIN_TEXT, m_minText);
-    mvp::BindIfThere(pDX, IDC_POLICIES_MAX_TEXT, m_maxText);
-    mvp::BindIfThere(pDX, IDC_POLICIES_WEAK_TEXT, m_weakText);
-    mvp::BindIfThere(pDX, IDC_POLICIES_SAME_TEXT, m_sameText);
-    mvp::BindIfThere(pDX, IDC_POLICIES_ALPHA_TEXT, m_alphaText);
-    mvp::BindIfThere(pDX, IDC_POLICIES_CONFIRM_TEXT, m_confirmText);
     static_assert(std::extent_v<decltype(m_icons)> == mvp::kPinRuleCount);
     for (std::size_t i = 0; i < kIcons.size(); ++i) {
         mvp::BindIfThere(pDX, kIcons.at(i), m_icons[i]);
+        mvp::BindIfThere(pDX, kTexts.at(i), m_texts[i]);
     }
 }
 
@@ -106,6 +107,8 @@ BOOL VKPoliciesDlg::OnInitDialog() {
             CString caption;
             if (mvp::LoadResourceString(IDS_POLICIES_BOX, caption)) {
                 m_groupBox.SetWindowText(caption);
+                // The panel itself is the group that a screen reader finds the lines in.
+                SetWindowText(caption);
             }
             PutPoliciesInBox();
             return result;
@@ -197,50 +200,49 @@ bool VKPoliciesDlg::IsAlphaPinWeak(const CString& strPin) {
 void VKPoliciesDlg::SetMinPINLen(int nMin, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMinPINLen");
     if (!HasText(mvp::PinRule::MinLength)) {
-        GiveText(mvp::PinRule::MinLength, m_minText, FormatLength(IDS_POLICIES_MIN_FORMAT, nMin));
+        GiveText(mvp::PinRule::MinLength, FormatLength(IDS_POLICIES_MIN_FORMAT, nMin));
     }
-    ShowLine(m_minText, mvp::PinRule::MinLength, bShow, bSatisfied);
+    ShowLine(mvp::PinRule::MinLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetMaxPINLen(int nMax, bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetMaxPINLen");
     if (!HasText(mvp::PinRule::MaxLength)) {
-        GiveText(mvp::PinRule::MaxLength, m_maxText, FormatLength(IDS_POLICIES_MAX_FORMAT, nMax));
+        GiveText(mvp::PinRule::MaxLength, FormatLength(IDS_POLICIES_MAX_FORMAT, nMax));
     }
-    ShowLine(m_maxText, mvp::PinRule::MaxLength, bShow, bSatisfied);
+    ShowLine(mvp::PinRule::MaxLength, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetWeakPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetWeakPIN");
     if (!HasText(mvp::PinRule::NotWeak)) {
-        GiveText(mvp::PinRule::NotWeak, m_weakText, mvp::ResourceString(IDS_POLICIES_WEAK));
+        GiveText(mvp::PinRule::NotWeak, mvp::ResourceString(IDS_POLICIES_WEAK));
     }
-    ShowLine(m_weakText, mvp::PinRule::NotWeak, bShow, bSatisfied);
+    ShowLine(mvp::PinRule::NotWeak, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetPreventSamePIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetPreventSamePIN");
     if (!HasText(mvp::PinRule::NotSame)) {
-        GiveText(mvp::PinRule::NotSame, m_sameText, mvp::ResourceString(IDS_POLICIES_SAME));
+        GiveText(mvp::PinRule::NotSame, mvp::ResourceString(IDS_POLICIES_SAME));
     }
-    ShowLine(m_sameText, mvp::PinRule::NotSame, bShow, bSatisfied);
+    ShowLine(mvp::PinRule::NotSame, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetAlphaPIN(bool bShow, bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetAlphaPIN");
     if (!HasText(mvp::PinRule::DigitsOnly)) {
-        GiveText(mvp::PinRule::DigitsOnly, m_alphaText, mvp::ResourceString(IDS_POLICIES_ALPHA));
+        GiveText(mvp::PinRule::DigitsOnly, mvp::ResourceString(IDS_POLICIES_ALPHA));
     }
-    ShowLine(m_alphaText, mvp::PinRule::DigitsOnly, bShow, bSatisfied);
+    ShowLine(mvp::PinRule::DigitsOnly, bShow, bSatisfied);
 }
 
 void VKPoliciesDlg::SetConfirmPIN(bool bSatisfied) {
     const mvp::LogScope scope("VKPoliciesDlg::SetConfirmPIN");
     if (!HasText(mvp::PinRule::Confirmation)) {
-        GiveText(mvp::PinRule::Confirmation, m_confirmText,
-                 mvp::ResourceString(IDS_POLICIES_CONFIRM));
+        GiveText(mvp::PinRule::Confirmation, mvp::ResourceString(IDS_POLICIES_CONFIRM));
     }
-    ShowLine(m_confirmText, mvp::PinRule::Confirmation, true, bSatisfied);
+    ShowLine(mvp::PinRule::Confirmation, true, bSatisfied);
 }
 
 // The card's rules do not change, so neither do the texts: a line is given its own once. Not anew
@@ -249,18 +251,20 @@ bool VKPoliciesDlg::HasText(mvp::PinRule rule) const {
     return m_hWnd == nullptr || (m_nTextsSet & TextBit(rule)) != 0;
 }
 
-void VKPoliciesDlg::GiveText(mvp::PinRule rule, CStatic& text, const CString& strText) {
-    text.SetWindowText(strText);
+void VKPoliciesDlg::GiveText(mvp::PinRule rule, const CString& strText) {
+    m_texts[mvp::IndexOf(rule)].SetWindowText(strText);
     m_nTextsSet |= TextBit(rule);
 }
 
-void VKPoliciesDlg::ShowLine(CStatic& text, mvp::PinRule rule, bool bShow, bool bSatisfied) {
+void VKPoliciesDlg::ShowLine(mvp::PinRule rule, bool bShow, bool bSatisfied) {
+    mvp::RuleText& text = m_texts[mvp::IndexOf(rule)];
     mvp::ShowIf(text, bShow);
     CStatic& icon = m_icons[mvp::IndexOf(rule)];
     mvp::ShowIf(icon, bShow);
     if (bShow) {
         SetPolicyIcon(icon.m_hWnd != nullptr ? &icon : nullptr,
                       bSatisfied ? m_hSatisfied : m_hViolated);
+        text.Tell(bSatisfied);
     }
 }
 
@@ -284,15 +288,13 @@ void VKPoliciesDlg::PutPoliciesInBox() {
         return;
     }
     // By IndexOf, as the icons. The bound controls: every search for one by its number costs.
-    const std::array<CStatic*, mvp::kPinRuleCount> texts = {
-        &m_minText, &m_maxText, &m_weakText, &m_sameText, &m_alphaText, &m_confirmText};
     const CRect group = mvp::ClientRectOf(*this, m_groupBox);
     mvp::PolicyBox box{group.top, group.Height(), {}};
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        if (texts.at(i)->m_hWnd == nullptr || m_icons[i].m_hWnd == nullptr) {
+    for (std::size_t i = 0; i < kTexts.size(); ++i) {
+        if (m_texts[i].m_hWnd == nullptr || m_icons[i].m_hWnd == nullptr) {
             return;
         }
-        const CRect text = mvp::ClientRectOf(*this, *texts.at(i));
+        const CRect text = mvp::ClientRectOf(*this, m_texts[i]);
         box.lines.at(i) = {text.left, text.Height(), mvp::ClientRectOf(*this, m_icons[i]).left};
     }
     const mvp::PolicyLayout layout = mvp::LayOutPolicies(
@@ -300,7 +302,7 @@ void VKPoliciesDlg::PutPoliciesInBox() {
     constexpr UINT kMoveOnly = SWP_NOSIZE | SWP_NOZORDER;
     for (const mvp::PlacedPolicyLine& line : layout.Lines()) {
         const std::size_t index = mvp::IndexOf(line.rule);
-        texts.at(index)->SetWindowPos(nullptr, line.nTextX, line.nTextY, 0, 0, kMoveOnly);
+        m_texts[index].SetWindowPos(nullptr, line.nTextX, line.nTextY, 0, 0, kMoveOnly);
         m_icons[index].SetWindowPos(nullptr, line.nIconX, line.nIconY, 0, 0, kMoveOnly);
     }
     ResizeDlg(0, 0, layout.Spare());

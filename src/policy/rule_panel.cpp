@@ -34,6 +34,7 @@ bool RulePanel::Create(CWnd& dialog, int nPlaceholder, const PwdRuleArgs& rules,
         },
         LogException("VKPoliciesDlg::VKPoliciesDlg"));
     if (m_pPoliciesDlg != nullptr && m_pPoliciesDlg->LocCreate(&dialog) != 0) {
+        ReadBehind(*m_pPoliciesDlg, dialog.GetDlgItem(nPlaceholder));
         return true;
     }
     vklogLog(g_szLogTag, kLogError, "The rule panel could not be created");

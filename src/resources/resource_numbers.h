@@ -166,6 +166,9 @@
 #define IDS_POLICIES_BOX 3031
 #define IDS_POLICIES_SAME 3032
 #define IDS_POLICIES_WEAK 3034
+// What a screen reader says behind a line, and a comma: whether it is met.
+#define IDS_POLICIES_SATISFIED 3145
+#define IDS_POLICIES_VIOLATED 3146
 
 // Changing the PIN. The title also heads the frame of the reset-card dialog.
 #define IDS_CARD_PIN_TITLE 3022

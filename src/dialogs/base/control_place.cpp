@@ -39,8 +39,13 @@ void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> co
     dialog.UpdateWindow();
 }
 
-void ShowPanelFirst(CWnd& panel) {
-    panel.SetWindowPos(&CWnd::wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+void ReadBehind(CWnd& window, const CWnd* pBefore) {
+    window.SetWindowPos(pBefore != nullptr ? pBefore : &CWnd::wndTop, 0, 0, 0, 0,
+                        SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
+void ShowPanel(CWnd& panel, const CWnd* pPlaceholder) {
+    ReadBehind(panel, pPlaceholder);
     panel.ShowWindow(SW_SHOW);
     panel.UpdateWindow();
 }

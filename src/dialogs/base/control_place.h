@@ -23,10 +23,14 @@ void MoveControl(const CWnd& dialog, int nId, int dx, int dy);
 // Moves the controls and redraws them, then makes the dialog as large as it must be.
 void FitWindow(CWnd& dialog, const WindowFit& fit, std::initializer_list<int> controls);
 
-// Shows a panel of the dialog and paints it. It comes first in the tab order, before what the
-// template has: the system's choice of a first focus, made when the dialog's initialisation is
-// over, is then the panel's as well.
-void ShowPanelFirst(CWnd& panel);
+// Puts a window that was made at run time behind another one of the dialog, in the order in which
+// Tab goes through them and a screen reader reads them; before all others when that is null.
+void ReadBehind(CWnd& window, const CWnd* pBefore);
+
+// Shows a panel of the dialog behind its placeholder, and paints it. It comes before what takes the
+// focus in the template: the system's choice of a first focus, made when the dialog's
+// initialisation is over, is then the panel's as well.
+void ShowPanel(CWnd& panel, const CWnd* pPlaceholder);
 
 // Shows or hides the window. One that is there already is left alone: the system does all the work
 // of showing it again.

@@ -86,10 +86,12 @@ public:
                             reinterpret_cast<WPARAM>(FontOf(m_hDialog)), FALSE);
     }
 
-    void ShowAt(int nTop) const {
-        ShowControl(IDC_INJECTED_KEYS_ICON, m_nLeft, nTop + (Height() - m_nIconSize) / 2);
+    // Behind the control `hBefore` in the order in which a screen reader reads them.
+    void ShowAt(int nTop, HWND hBefore) const {
+        ShowControl(IDC_INJECTED_KEYS_ICON, m_nLeft, nTop + (Height() - m_nIconSize) / 2, hBefore);
         ShowControl(IDC_INJECTED_KEYS_TEXT, m_nLeft + TextIndent(),
-                    nTop + (Height() - m_text.Height()) / 2);
+                    nTop + (Height() - m_text.Height()) / 2,
+                    ::GetDlgItem(m_hDialog, IDC_INJECTED_KEYS_ICON));
         NotifyWinEvent(EVENT_SYSTEM_ALERT, ::GetDlgItem(m_hDialog, IDC_INJECTED_KEYS_TEXT),
                        OBJID_CLIENT, CHILDID_SELF);
     }
@@ -103,9 +105,9 @@ private:
                           nullptr);
     }
 
-    void ShowControl(int nId, int nLeft, int nTop) const {
-        ::SetWindowPos(::GetDlgItem(m_hDialog, nId), nullptr, nLeft, nTop, 0, 0,
-                       SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    void ShowControl(int nId, int nLeft, int nTop, HWND hBefore) const {
+        ::SetWindowPos(::GetDlgItem(m_hDialog, nId), hBefore, nLeft, nTop, 0, 0,
+                       SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
     }
 
     HWND m_hDialog;
@@ -192,7 +194,7 @@ void Show(HWND hDialog, InjectedKeys policy) {
             const NoticeLine line(hDialog, policy, 0);
             CRect client;
             ::GetClientRect(hDialog, &client);
-            line.ShowAt(client.bottom - line.Height());
+            line.ShowAt(client.bottom - line.Height(), HWND_BOTTOM);
         }
         return;
     }
@@ -202,7 +204,7 @@ void Show(HWND hDialog, InjectedKeys policy) {
     }
     const NoticeLine line(hDialog, policy, static_cast<int>(DialogUnits(hDialog, kMargin).cx));
     line.Create();
-    line.ShowAt(MakeRoom(hDialog, button, line.Height()));
+    line.ShowAt(MakeRoom(hDialog, button, line.Height()), GetWindow(button, GW_HWNDPREV));
     ::InvalidateRect(hDialog, nullptr, TRUE);
 }
 

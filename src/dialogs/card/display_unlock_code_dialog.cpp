@@ -110,7 +110,7 @@ void CDisplayUnlockCodeDlg::CreatePanel() {
         return;
     }
     mvp::Wipe(m_strCode);
-    mvp::ShowPanelFirst(*m_pDisplayUCChild);
+    mvp::ShowPanel(*m_pDisplayUCChild, GetDlgItem(IDC_UNLOCK_CODE_PANEL_PLACE));
 }
 
 void CDisplayUnlockCodeDlg::OnOK() {

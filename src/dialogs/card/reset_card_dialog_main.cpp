@@ -71,7 +71,7 @@ void CResetCardDialogMain::CreatePanel() {
         delete std::exchange(m_pResetCardDialog, nullptr);
         return;
     }
-    mvp::ShowPanelFirst(*m_pResetCardDialog);
+    mvp::ShowPanel(*m_pResetCardDialog, GetDlgItem(IDC_RESET_CARD_PANEL_PLACE));
     ResizeDlg(0, place.bottom - mvp::ClientRectOf(*this, *m_pResetCardDialog).bottom);
     m_pResetCardDialog->CheckWindow(0);
 }

@@ -154,6 +154,8 @@ void CChangePINDialog::SetUp() {
 }
 
 void CChangePINDialog::SetTexts() {
+    // Not shown: it is what a screen reader calls the panel.
+    SetTextFromResource(*this, IDS_CARD_PIN_TITLE);
     SetTextFromResource(m_instruction, IDS_CHANGE_PIN_INSTRUCTION);
     SetTextFromResource(m_labelPin, IDS_CHANGE_PIN_CURRENT_LABEL);
     SetTextFromResource(m_labelNewPin, IDS_CHANGE_PIN_NEW_LABEL);

@@ -76,7 +76,7 @@ void CChangePINDialogMain::CreatePanel() {
         DoWithoutPanel();
         return;
     }
-    mvp::ShowPanelFirst(*m_pPanel);
+    mvp::ShowPanel(*m_pPanel, GetDlgItem(IDC_CHANGE_PIN_MAIN_PANEL_PLACE));
     const CRect panel = mvp::ClientRectOf(*this, *m_pPanel);
     const auto fit = mvp::WindowFit::ToPlaceholder(place.bottom, panel.bottom);
     ResizeDlg(-fit.nWidth, -fit.nHeight);

@@ -123,6 +123,10 @@ BOOL CEnterPinDlg::OnInitDialog() {
     for (const int picture : {IDC_ENTER_PIN_BANNER, IDC_ENTER_PIN_PROGRESS,
                               IDC_ENTER_PIN_BRAND_BANNER, IDC_ENTER_PIN_BRAND_PROGRESS}) {
         mvp::KeepFromMirroring(GetDlgItem(picture));
+        // It has no text. Not every system keeps the number of the picture out of it, which a
+        // screen reader would then say.
+        ::DefWindowProcA(::GetDlgItem(m_hWnd, picture), WM_SETTEXT, 0,
+                         reinterpret_cast<LPARAM>(""));
     }
     LogMissingPicture(*this, IDC_ENTER_PIN_BANNER);
     LogMissingPicture(*this, IDC_ENTER_PIN_PROGRESS);
