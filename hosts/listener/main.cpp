@@ -3,10 +3,12 @@
 //     listener PROCESS     its number; reads orders from the input, a line each, and answers with a
 //                          line of JSON
 //
-//     read WINDOW          {"events": [...], "tree": {...}}: the events since the last order, and
-//                          the objects of the window, as spoken_object.h describes them
+//     read WINDOW          {"events": [...], "tree": {...}, "tabs": [...]}: the events since the
+//     last
+//                          order, the objects of the window, as spoken_object.h describes them, and
+//                          the windows in it that Tab goes to
 //     hear WINDOW          {"events": [...], "focus": {...}}: the object with the focus, null for
-//                          none; and "tree" when it is another window than the last time
+//                          none; and "tree" and "tabs" when it is another window than the last time
 //     type WINDOW COUNT    {"events": [...], "unprotected": N}: sends so many characters to the
 //                          edit, and counts after which of them it was not a protected text with
 //                          its own name and a value that is refused
@@ -66,6 +68,17 @@ Json Type(HWND hEdit, int nCount) {
     return unprotected;
 }
 
+Json TabStopsOf(HWND hWindow) {
+    Json stops = Json::array();
+    const HWND first = GetNextDlgTabItem(hWindow, nullptr, FALSE);
+    HWND next = first;
+    do {
+        stops.push_back(reinterpret_cast<UINT_PTR>(next));
+        next = GetNextDlgTabItem(hWindow, next, FALSE);
+    } while (next != first && next != nullptr && stops.size() < 100);
+    return stops;
+}
+
 Json FocusIn(HWND hWindow) {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
@@ -94,6 +107,7 @@ void Serve(DWORD dwProcessId) {
         }
         if (order == "read" || (order == "hear" && window != last)) {
             told["tree"] = listener::TreeOf(window);
+            told["tabs"] = TabStopsOf(window);
         }
         last = window;
         std::cout << told.dump() << std::endl;

@@ -14,6 +14,18 @@ namespace looks {
 // A dialog's layout is the library's; a message box's is the system's, and a notice's its skin's.
 enum class Kind { Dialog, MessageBox, Popup };
 
+constexpr const char* NameOf(Kind kind) {
+    switch (kind) {
+        case Kind::Dialog:
+            return "dialog";
+        case Kind::MessageBox:
+            return "message box";
+        case Kind::Popup:
+            return "notice";
+    }
+    return "";
+}
+
 struct Entry {
     std::string strName;
     std::function<void()> open;  // returns when it has been closed

@@ -32,10 +32,11 @@ Json PlaceOf(HWND hWindow) {
 Json ListenTo(const std::vector<Entry>& entries, const char* pszOrder, const std::string& strOnly,
               int nKeys) {
     Json heard = Json::array();
+    const char* kind = "";
     SecondProcess listener;
     const auto listen = [&](const std::string& strDialog, const std::string& strState,
                             HWND hWindow) {
-        Json one{{"dialog", strDialog}, {"state", strState}};
+        Json one{{"dialog", strDialog}, {"state", strState}, {"kind", kind}};
         if (strState == kManyKeys) {
             one.update(
                 listener.Order("type " + NumberOf(GetFocus()) + ' ' + std::to_string(nKeys)));
@@ -48,6 +49,7 @@ Json ListenTo(const std::vector<Entry>& entries, const char* pszOrder, const std
     Visitor visitor(listen, {});
     for (const Entry& entry : entries) {
         if (strOnly.empty() || strOnly == entry.strName) {
+            kind = NameOf(entry.kind);
             visitor.Visit(entry.strName, entry.open, entry.states, Visitor::Closing::Escape);
         }
     }

@@ -8,7 +8,7 @@
 namespace looks {
 
 // Each is an array with an object for each dialog and state, or for each step of a flow: the
-// dialog's name, the state's or step's name, the place of the window's client area on the screen,
+// dialog's name, the state's or step's name, the kind, the place of the client area on the screen,
 // the pixels of a hundred dialog units (null: the window has none), whether it is mirrored, and
 // what the second process has answered.
 //

@@ -60,18 +60,6 @@ private:
     BOOL m_bBefore = TRUE;
 };
 
-constexpr const char* NameOf(looks::Kind kind) {
-    switch (kind) {
-        case looks::Kind::Dialog:
-            return "dialog";
-        case looks::Kind::MessageBox:
-            return "message box";
-        case looks::Kind::Popup:
-            return "notice";
-    }
-    return "";
-}
-
 nlohmann::ordered_json WalkAll(const Options& options) {
     auto walked = nlohmann::ordered_json::array();
     const char* kind = "";
@@ -92,7 +80,7 @@ nlohmann::ordered_json WalkAll(const Options& options) {
     looks::Visitor visitor(look, options.strPictures.empty() ? looks::Visitor::Look() : photograph);
     for (const looks::Entry& entry : looks::AllDialogs()) {
         if (options.strOnly.empty() || options.strOnly == entry.strName) {
-            kind = NameOf(entry.kind);
+            kind = looks::NameOf(entry.kind);
             const bool escape = visitor.Visit(entry.strName, entry.open, entry.states,
                                               looks::Visitor::Closing::Escape);
             const bool button =
