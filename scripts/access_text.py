@@ -102,44 +102,48 @@ class Reader:
         self.tree, self.groups = tree, []
         things = [thing for thing, _ in each_of(tree)]
         said = [f"{tree.get('name', '')} {tree['role']}"]
+        groups = []
         for thing, following in zip(things, things[1:] + [{}]):
             if (thing["role"] == "static text" and "name" in thing and
                     thing["name"] != following.get("name")):
+                entered, groups = groups, self.groups_of(thing)
+                said += [f"{name} group" for name in groups if name not in entered]
                 said += [line for line in thing["name"].splitlines() if line]
         return said
 
     def hear(self, step):
-        said = []
-        focus = step.get("focus")
+        said = self.echo(step["state"])
+        focus, before = step.get("focus"), self.focus
+        self.focus = focus
+        if focus is not None and "tree" in step:
+            said += self.open(step["tree"]) + self.say(focus)
         for event in step["events"]:
             if event["event"] == "alert" and event["object"]:
                 said += event["object"].get("name", "").splitlines()
-        if focus is not None:
-            if "tree" in step:
-                said = self.open(step["tree"]) + self.say(focus) + said
-            elif not is_same(focus, self.focus) or focus["states"] != self.focus["states"]:
-                said += self.say(focus)
-            said += self.changes(step, focus)
-            said += self.echo(step["state"], focus)
-        self.focus = focus
-        return said
+        if focus is None or "tree" in step:
+            return said
+        if before is None or not is_same(focus, before) or focus["states"] != before["states"]:
+            return said + self.say(focus) + list(self.changes(step, ("name change",)))
+        if focus.get("value") != before.get("value"):
+            said.append(focus.get("value") or "blank")
+        return said + list(self.changes(step, ("name change", "description change")))
 
-    def changes(self, step, focus):
+    def changes(self, step, kinds):
+        """What has changed in the window, and of the object with the focus."""
         lines = {thing["window"] for thing, _ in each_of(self.tree)}
         for event in step["events"]:
             thing = event["object"]
-            if thing is None or thing["window"] not in lines or "tree" in step:
+            if thing is None or thing["window"] not in lines or event["event"] not in kinds:
                 continue
             if event["event"] == "name change":
                 yield thing.get("name", "")
-            elif event["event"] == "description change" and is_same(thing, focus):
+            elif is_same(thing, self.focus):
                 yield from thing.get("description", "").splitlines()
-            elif event["event"] == "value change" and is_same(thing, focus):
-                yield thing["value"] or "refused"
 
-    @staticmethod
-    def echo(key, focus):
-        if len(key) != 1 or focus["role"] != "text" or "read only" in focus["states"]:
+    def echo(self, key):
+        """The key goes to where the focus was."""
+        focus = self.focus
+        if len(key) != 1 or focus is None or focus["role"] != "text":
             return []
         return ["star" if "protected" in focus["states"] else key]
 

@@ -94,8 +94,10 @@ bool ChangePinWindow::CreatePanel() {
     if (m_panel->LocCreate(this) == 0) {
         return false;
     }
-    // First in the tab order, so that the panel gets the first focus.
-    m_panel->SetWindowPos(&wndTop, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    // Before the buttons, so that the panel gets the first focus, and behind what stands above it,
+    // so that it is read after that.
+    m_panel->SetWindowPos(GetDlgItem(IDC_PANEL_PLACE), 0, 0, 0, 0,
+                          SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     m_panel->ShowWindow(SW_SHOW);
     EndBelowPanel(place.left);
     m_panel->SetFocus();

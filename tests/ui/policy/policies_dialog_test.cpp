@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/accessible.h"
 #include "support/failing_heap.h"
 #include "support/waiting.h"
 #include "ui/policy/rule_panel.h"
@@ -145,6 +146,42 @@ TEST_F(PoliciesDialog, KeepsStillWhenNothingChanges) {
     InvalidateRect(icon, nullptr, FALSE);
     DispatchAll();
     EXPECT_EQ(Seen(WM_PAINT), 1) << "paints are seen";
+}
+
+std::vector<HWND> g_renamed;
+
+void CALLBACK OnRenamed(HWINEVENTHOOK, DWORD, HWND hWnd, LONG nObject, LONG nChild, DWORD, DWORD) {
+    EXPECT_EQ(nObject, OBJID_CLIENT);
+    EXPECT_EQ(nChild, CHILDID_SELF);
+    g_renamed.push_back(hWnd);
+}
+
+TEST_F(PoliciesDialog, ScreenReaderHearsWhetherARuleIsMet) {
+    ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
+    Accessible line;
+    {
+        HostedPanel panel(&kAllRules);
+        EXPECT_EQ(Control::Of(panel.Handle()).strText, panel.Text(IDC_POLICIES_BOX));
+        panel.Check("1234", "583", "583", "583");
+        const HWND text = panel.Control(IDC_POLICIES_MIN_TEXT);
+        line = Accessible::Of(text);
+        EXPECT_EQ(line.Number(&IAccessible::get_accRole, Child(0)), ROLE_SYSTEM_STATICTEXT);
+        const auto name = [&] { return line.Text(&IAccessible::get_accName, 0); };
+        EXPECT_EQ(name(), "Minimum length: 4, not met");
+        const HWINEVENTHOOK hook =
+            SetWinEventHook(EVENT_OBJECT_NAMECHANGE, EVENT_OBJECT_NAMECHANGE, nullptr, &OnRenamed,
+                            GetCurrentProcessId(), 0, WINEVENT_OUTOFCONTEXT);
+        panel.Check("1234", "583", "583", "583");
+        panel.Check("1234", "5838", "5838", "5838");
+        EXPECT_TRUE(PumpUntil([] { return !g_renamed.empty(); }));
+        EXPECT_EQ(g_renamed, std::vector{text}) << "the one that has turned";
+        EXPECT_EQ(name(), "Minimum length: 4, met");
+        UnhookWinEvent(hook);
+    }
+    BSTR gone = nullptr;
+    EXPECT_EQ(line.get()->get_accName(Child(0), &gone), CO_E_OBJNOTCONNECTED);
+    line.reset();
+    CoUninitialize();
 }
 
 class IncompletePanel : public Incomplete<VKPoliciesDlg> {
