@@ -94,7 +94,7 @@ constexpr Flow kFlows[] = {
     {"reset by challenge", "reset-challenge", "Shift+Tab Down 57975979 Shift+Tab Tab Tab"},
     {"unlock code shown", "unlock-code-shown", "Tab Space Tab Tab"},
     {"no unlock code", "no-unlock-code", ""},
-    {"expiry", "expiry", "Tab Tab Down Tab Space Shift+Tab Alt+R Alt+N Tab Tab"},
+    {"expiry", "expiry", "Tab Tab Down Tab Space Shift+Tab Alt+R Space Alt+D Alt+N Tab Tab"},
     {"expired", "expiry-expired", "Tab Tab"},
     {"about", "about", "Tab"},
     {"card manager blocked", "card-manager-locked", "Tab"},
