@@ -97,7 +97,10 @@ def field_protected(thing):
 
 
 def fields_protected(seen):
-    """A PIN edit is protected, its value is refused, and its name is its label's."""
+    """A PIN edit is protected, its value is refused, and its name is its label's; events of it, from
+    the first focus on, tell the same."""
+    for event in seen["events"]:
+        yield from field_protected(event["object"] or {"role": None})
     labels = {thing.get("name") for thing in things_of(seen)
               if thing["role"] in ("static text", "radio button")}
     for thing in things_of(seen):

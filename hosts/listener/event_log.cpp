@@ -51,6 +51,7 @@ std::vector<Event> g_events;
 
 void CALLBACK OnEvent(HWINEVENTHOOK, DWORD dwEvent, HWND hWnd, LONG nObject, LONG nChild, DWORD,
                       DWORD) {
+    // Asked for the events of one process, not every system finds those of another one than ours.
     DWORD process = 0;
     GetWindowThreadProcessId(hWnd, &process);
     if (process == g_dwProcessId && NameOf(dwEvent) != nullptr) {

@@ -77,7 +77,9 @@ BROKEN_STATES = {
     "read_in_order": [lambda seen: seen["tree"]["children"].reverse()],
     "fields_protected": [
         change(2, states=["focusable"]), change(2, value="1234"), change(2, name="Code:"),
-        change(2, value="")],
+        change(2, value=""),
+        lambda seen: seen["events"].append(
+            {"event": "focus", "object": {**find(seen, 2), "states": ["focused"]}})],
     "code_kept": [change(1, description="0123-4567-89AB-CDEF")],
 }
 
