@@ -1,6 +1,7 @@
 #include "looks/contrast.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 
@@ -13,16 +14,22 @@ namespace {
 // Fewer pixels of a colour are the corner of something or the edge of a letter.
 constexpr int kHandful = 4;
 
-double Linear(int nComponent) {
+// The share of a component in the luminance, by its value.
+std::array<double, 256> Linear() {
     constexpr double kDarkest = 0.03928;
-    const double value = nComponent / 255.0;
-    return value <= kDarkest ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    std::array<double, 256> linear{};
+    for (std::size_t i = 0; i < linear.size(); ++i) {
+        const double value = static_cast<double>(i) / 255.0;
+        linear.at(i) = value <= kDarkest ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    }
+    return linear;
 }
 
 // The relative luminance of the accessibility guidelines for the web.
 double Luminance(COLORREF colour) {
-    return 0.2126 * Linear(GetRValue(colour)) + 0.7152 * Linear(GetGValue(colour)) +
-           0.0722 * Linear(GetBValue(colour));
+    static const std::array<double, 256> s_linear = Linear();
+    return 0.2126 * s_linear[GetRValue(colour)] + 0.7152 * s_linear[GetGValue(colour)] +
+           0.0722 * s_linear[GetBValue(colour)];
 }
 
 double Ratio(COLORREF one, COLORREF other) {
@@ -30,47 +37,70 @@ double Ratio(COLORREF one, COLORREF other) {
     return (light + 0.05) / (dark + 0.05);
 }
 
-}  // namespace
-
-Picture::Picture(HWND hWindow)
-    : m_bMirrored((GetWindowLongPtrA(hWindow, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0) {
+RECT ClientOf(HWND hWindow) {
     RECT client{};
     GetClientRect(hWindow, &client);
-    m_nWidth = client.right;
-    m_nHeight = client.bottom;
+    return client;
+}
+
+}  // namespace
+
+Picture::Picture(HWND hWindow) : Picture(hWindow, ClientOf(hWindow)) {}
+
+Picture::Picture(HWND hWindow, const RECT& part)
+    : m_bMirrored((GetWindowLongPtrA(hWindow, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0) {
+    const RECT client = ClientOf(hWindow);
+    m_nClientWidth = client.right;
+    RECT inside{};
+    if (IntersectRect(&inside, &part, &client)) {
+        m_place = FromLeft(inside);
+        Take(hWindow);
+    }
+}
+
+void Picture::Take(HWND hWindow) {
+    const int width = m_place.right - m_place.left;
+    const int height = m_place.bottom - m_place.top;
     const mvp::WindowDc source(hWindow);
     SetLayout(source.get(), 0);
     const mvp::MemoryDc target(CreateCompatibleDC(source.get()));
-    const mvp::Bitmap bitmap(CreateCompatibleBitmap(source.get(), m_nWidth, m_nHeight));
+    const mvp::Bitmap bitmap(CreateCompatibleBitmap(source.get(), width, height));
     {
         const mvp::DcSelection selection(target.get(), bitmap.get());
-        BitBlt(target.get(), 0, 0, m_nWidth, m_nHeight, source.get(), 0, 0, SRCCOPY);
+        BitBlt(target.get(), 0, 0, width, height, source.get(), m_place.left, m_place.top, SRCCOPY);
     }
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = m_nWidth;
-    info.bmiHeader.biHeight = -m_nHeight;
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
-    m_pixels.resize(static_cast<std::size_t>(m_nWidth) * static_cast<std::size_t>(m_nHeight));
-    GetDIBits(target.get(), bitmap.get(), 0, static_cast<UINT>(m_nHeight), m_pixels.data(), &info,
+    m_pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    GetDIBits(target.get(), bitmap.get(), 0, static_cast<UINT>(height), m_pixels.data(), &info,
               DIB_RGB_COLORS);
+    for (COLORREF& pixel : m_pixels) {
+        pixel = RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
+    }
 }
 
-COLORREF Picture::At(int nLeft, int nTop) const {
-    const RGBQUAD& pixel =
-        m_pixels[static_cast<std::size_t>(nTop) * static_cast<std::size_t>(m_nWidth) +
-                 static_cast<std::size_t>(nLeft)];
-    return RGB(pixel.rgbRed, pixel.rgbGreen, pixel.rgbBlue);
+RECT Picture::FromLeft(const RECT& part) const {
+    return m_bMirrored ? RECT{m_nClientWidth - part.right, part.top, m_nClientWidth - part.left,
+                              part.bottom}
+                       : part;
 }
 
 template <typename Pixel>
 void Picture::ForEach(const RECT& part, Pixel pixel) const {
-    const LONG left = m_bMirrored ? m_nWidth - part.right : part.left;
-    const LONG right = m_bMirrored ? m_nWidth - part.left : part.right;
-    for (LONG y = std::max(0L, part.top); y < std::min<LONG>(m_nHeight, part.bottom); ++y) {
-        for (LONG x = std::max(0L, left); x < std::min<LONG>(m_nWidth, right); ++x) {
-            pixel(x, y);
+    const RECT wanted = FromLeft(part);
+    RECT rect{};
+    if (!IntersectRect(&rect, &wanted, &m_place)) {
+        return;
+    }
+    for (LONG y = rect.top; y < rect.bottom; ++y) {
+        const auto row = static_cast<std::size_t>(y - m_place.top) *
+                         static_cast<std::size_t>(m_place.right - m_place.left);
+        for (LONG x = rect.left; x < rect.right; ++x) {
+            pixel(m_pixels[row + static_cast<std::size_t>(x - m_place.left)]);
         }
     }
 }
@@ -78,8 +108,7 @@ void Picture::ForEach(const RECT& part, Pixel pixel) const {
 double Picture::ContrastIn(const RECT& part) const {
     std::map<COLORREF, int> counts;
     auto last = counts.end();  // most pixels have the colour of the one before
-    ForEach(part, [&](LONG x, LONG y) {
-        const COLORREF colour = At(x, y);
+    ForEach(part, [&](COLORREF colour) {
         if (last == counts.end() || last->first != colour) {
             last = counts.try_emplace(colour).first;
         }
@@ -99,22 +128,22 @@ double Picture::ContrastIn(const RECT& part) const {
     return best;
 }
 
-bool Picture::DiffersIn(const Picture& other, const RECT& part) const {
+bool Picture::DiffersFrom(const Picture& other) const {
     constexpr double kClear = 3;
     int clear = 0;
-    ForEach(part, [&](LONG x, LONG y) {
-        const COLORREF here = At(x, y);
-        const COLORREF there = other.At(x, y);
+    for (std::size_t i = 0; i < std::min(m_pixels.size(), other.m_pixels.size()); ++i) {
+        const COLORREF here = m_pixels[i];
+        const COLORREF there = other.m_pixels[i];
         clear += here != there && Ratio(here, there) >= kClear ? 1 : 0;
-    });
+    }
     return clear >= kHandful;
 }
 
 std::string Picture::GreyOf(const RECT& part) const {
     constexpr char kDigits[] = "0123456789abcdef";
     std::string grey;
-    ForEach(part, [&](LONG x, LONG y) {
-        const auto level = static_cast<unsigned>(std::lround(Luminance(At(x, y)) * 255));
+    ForEach(part, [&](COLORREF colour) {
+        const auto level = static_cast<unsigned>(std::lround(Luminance(colour) * 255));
         grey += kDigits[level / 16];
         grey += kDigits[level % 16];
     });

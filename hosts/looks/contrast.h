@@ -9,32 +9,35 @@
 
 namespace looks {
 
-// The pixels of a window's client area. Parts of it are in client coordinates, which count from the
-// right in a mirrored window.
+// The pixels of a window's client area, or of a part of it. Parts are in client coordinates, which
+// count from the right in a mirrored window; what lies outside the picture tells nothing.
 class Picture {
 public:
     explicit Picture(HWND hWindow);
+    Picture(HWND hWindow, const RECT& part);
 
     // The ratio (1 to 21) between the commonest colour of the part and the colour in it that stands
     // out most, of those that cover at least a handful of pixels. 1 when there is but one colour.
     double ContrastIn(const RECT& part) const;
 
-    // Whether the two pictures differ within the part as clearly as somebody needs who sees little:
-    // by 3 : 1, in a handful of pixels at least.
-    bool DiffersIn(const Picture& other, const RECT& part) const;
+    // Whether two pictures of the same part differ as clearly as somebody needs who sees little: by
+    // 3 : 1, in a handful of pixels at least.
+    bool DiffersFrom(const Picture& other) const;
 
     // How bright each pixel of the part is: two hexadecimal digits for one, from the top left.
     std::string GreyOf(const RECT& part) const;
 
 private:
+    // The same part from the left, whichever side the window counts from, in this picture.
+    RECT FromLeft(const RECT& part) const;
     template <typename Pixel>
     void ForEach(const RECT& part, Pixel pixel) const;
-    COLORREF At(int nLeft, int nTop) const;
+    void Take(HWND hWindow);
 
-    int m_nWidth = 0;
-    int m_nHeight = 0;
+    LONG m_nClientWidth = 0;
     bool m_bMirrored;
-    std::vector<RGBQUAD> m_pixels;  // from the top
+    RECT m_place{};                  // in the client area, from the left
+    std::vector<COLORREF> m_pixels;  // from the top left
 };
 
 }  // namespace looks

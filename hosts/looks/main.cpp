@@ -1,6 +1,6 @@
 // looks: opens every dialog of the library in each of its states and writes down what stands there.
 //
-//     looks [--pictures FOLDER] [--only NAME] [--colours NAME] OUTPUT
+//     looks [--pictures FOLDER] [--only NAME] [--colours NAME] [--close-button] OUTPUT
 //     looks --listen dialogs|flows [--only NAME] [--keys NUMBER] OUTPUT
 //
 // Writes an array of JSON objects to the file OUTPUT, one for each dialog and state: see walker.h.
@@ -35,6 +35,7 @@ struct Options {
     std::string strPictures;
     std::string strOnly;
     std::string strColours = "usual";
+    bool bCloseButton = false;
     std::string strListen;
     int nKeys = 10'000;
     std::string strOutput;
@@ -83,9 +84,12 @@ nlohmann::ordered_json WalkAll(const Options& options) {
             kind = looks::NameOf(entry.kind);
             const bool escape = visitor.Visit(entry.strName, entry.open, entry.states,
                                               looks::Visitor::Closing::Escape);
-            const bool button =
-                visitor.Visit(entry.strName, entry.open, {}, looks::Visitor::Closing::CloseButton);
-            walked.back()["closedBy"] = {{"Esc", escape}, {"the close button", button}};
+            walked.back()["closedBy"]["Esc"] = escape;
+            if (options.bCloseButton) {
+                const bool button = visitor.Visit(entry.strName, entry.open, {},
+                                                  looks::Visitor::Closing::CloseButton);
+                walked.back()["closedBy"]["the close button"] = button;
+            }
         }
     }
     return walked;
@@ -105,6 +109,7 @@ int Run(int argc, char** argv) {
     app.add_option("--pictures", options.strPictures, "save a picture of each there");
     app.add_option("--only", options.strOnly, "this dialog alone");
     app.add_option("--colours", options.strColours, "usual, black-on-white or white-on-black");
+    app.add_flag("--close-button", options.bCloseButton, "open each again, and close it by that");
     app.add_option("--listen", options.strListen, "hear dialogs or flows as a screen reader does")
         ->check(CLI::IsMember({"dialogs", "flows"}));
     app.add_option("--keys", options.nKeys, "how many keys the flow of many keys has");

@@ -26,6 +26,14 @@ HWND OpenWindow() {
     return nullptr;
 }
 
+// What has been set off comes to its end.
+void HandleMessages() {
+    MSG message{};
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        DispatchMessageA(&message);
+    }
+}
+
 }  // namespace
 
 Visitor::Visitor(Look look, Look photograph)
@@ -47,7 +55,6 @@ bool Visitor::Visit(const std::string& strDialog, const std::function<void()>& o
     m_closing = closing;
     m_bOpen = true;
     m_nState = 0;
-    m_phase = Phase::Enter;
     m_nClosings = 0;
     open();
     m_bOpen = false;
@@ -62,49 +69,38 @@ void CALLBACK Visitor::OnTimer(HWND, UINT, UINT_PTR, DWORD) {
     g_pVisitor->Step();
 }
 
-// One thing at a time: what it sets off is handled before the next one.
 void Visitor::Step() {
     const HWND window = OpenWindow();
-    if (window == nullptr || !m_bOpen) {
+    if (window == nullptr || !m_bOpen || m_bStepping) {
         return;
+    }
+    m_bStepping = true;
+    while (m_nState < m_states.size() && LookAt(window, m_states[m_nState])) {
+        ++m_nState;
     }
     if (m_nState == m_states.size()) {
         Close(window);
-        return;
     }
-    const State& state = m_states[m_nState];
-    switch (m_phase) {
-        case Phase::Enter:
-            if (state.enter) {
-                state.enter(window);
-            }
-            m_phase = Phase::Look;
-            break;
-        case Phase::Look:
-            RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-            m_look(m_strDialog, state.strName, window);
-            m_phase = Phase::Settle;
-            if (!m_photograph) {
-                Advance();
-            }
-            break;
-        case Phase::Settle:
-            // What was painted is shown while the thread has nothing to do.
-            if (++m_nSettled == kSettlingSteps) {
-                m_nSettled = 0;
-                m_phase = Phase::Photograph;
-            }
-            break;
-        case Phase::Photograph:
-            m_photograph(m_strDialog, state.strName, window);
-            Advance();
-            break;
-    }
+    m_bStepping = false;
 }
 
-void Visitor::Advance() {
-    ++m_nState;
-    m_phase = Phase::Enter;
+bool Visitor::LookAt(HWND hWindow, const State& state) {
+    if (m_nSettled == 0) {
+        if (state.enter) {
+            state.enter(hWindow);
+        }
+        HandleMessages();
+        RedrawWindow(hWindow, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+        m_look(m_strDialog, state.strName, hWindow);
+    }
+    if (m_photograph) {
+        if (++m_nSettled <= kSettlingSteps) {
+            return false;
+        }
+        m_nSettled = 0;
+        m_photograph(m_strDialog, state.strName, hWindow);
+    }
+    return true;
 }
 
 void Visitor::Close(HWND hWindow) {

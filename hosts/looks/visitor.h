@@ -5,7 +5,7 @@
 //     visitor.Visit("enter PIN", [] { ...open it modally... },
 //                   {{"empty", {}}, {"typed", [](HWND hDialog) { ... }}});
 //
-// What it does in a dialog is done on the dialog's own thread, between two of its messages. When
+// What it does in a dialog is done on the dialog's own thread, in a timer's message to it. When
 // the last state has been looked at, the dialog is closed as a user would; one that cannot be is
 // answered otherwise, and destroyed in the end.
 #pragma once
@@ -46,7 +46,8 @@ public:
 private:
     static void CALLBACK OnTimer(HWND hWnd, UINT message, UINT_PTR nId, DWORD dwTime);
     void Step();
-    void Advance();
+    // Returns whether it has been seen in the state: a picture takes a few steps.
+    bool LookAt(HWND hWindow, const State& state);
     void Close(HWND hWindow);
 
     Look m_look;
@@ -57,9 +58,8 @@ private:
     Closing m_closing = Closing::Escape;
     bool m_bOpen = false;
     std::size_t m_nState = 0;
-    enum class Phase { Enter, Look, Settle, Photograph };
-    Phase m_phase = Phase::Enter;
-    int m_nSettled = 0;   // steps since it was looked at
+    bool m_bStepping = false;
+    int m_nSettled = 0;   // steps since it was looked at; what was painted is shown meanwhile
     int m_nClosings = 0;  // how often it has been told to close
 };
 

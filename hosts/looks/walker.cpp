@@ -184,28 +184,31 @@ std::vector<HWND> TabOrder(HWND hWindow) {
     return order;
 }
 
-// Pictures of the window with the focus in one control after the other: whether somebody who looks
+// The numbers of the controls that look the same with the focus in them and in the next one: nobody
 // can tell where it is.
 Json FocusUnseen(HWND hWindow, const std::vector<HWND>& order) {
     const HWND before = GetFocus();
     SendMessageW(hWindow, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS | UISF_HIDEACCEL),
                  0);
-    std::vector<Picture> pictures;
-    for (HWND control : order) {
-        SetFocus(control);
+    const auto focus = [hWindow](HWND hControl) {
+        SetFocus(hControl);
         RedrawWindow(hWindow, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
-        pictures.emplace_back(hWindow);
-    }
-    SetFocus(before);
+    };
     Json unseen = Json::array();
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        const Picture& without = pictures[(i + 1) % order.size()];
+    for (std::size_t i = 0; i < order.size() && order.size() > 1; ++i) {
         // A caret stands in an edit, which blinks.
-        if ((SendMessageW(order[i], WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) == 0 &&
-            order.size() > 1 && !pictures[i].DiffersIn(without, RectIn(hWindow, order[i]))) {
+        if ((SendMessageW(order[i], WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) != 0) {
+            continue;
+        }
+        const RECT part = RectIn(hWindow, order[i]);
+        focus(order[i]);
+        const Picture with(hWindow, part);
+        focus(order[(i + 1) % order.size()]);
+        if (!with.DiffersFrom(Picture(hWindow, part))) {
             unseen.push_back(GetDlgCtrlID(order[i]));
         }
     }
+    SetFocus(before);
     return unseen;
 }
 
