@@ -64,20 +64,19 @@ void Picture::Take(HWND hWindow) {
     const mvp::WindowDc source(hWindow);
     SetLayout(source.get(), 0);
     const mvp::MemoryDc target(CreateCompatibleDC(source.get()));
-    const mvp::Bitmap bitmap(CreateCompatibleBitmap(source.get(), width, height));
-    {
-        const mvp::DcSelection selection(target.get(), bitmap.get());
-        BitBlt(target.get(), 0, 0, width, height, source.get(), m_place.left, m_place.top, SRCCOPY);
-    }
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = width;
     info.bmiHeader.biHeight = -height;
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
-    m_pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    GetDIBits(target.get(), bitmap.get(), 0, static_cast<UINT>(height), m_pixels.data(), &info,
-              DIB_RGB_COLORS);
+    void* bits = nullptr;
+    const mvp::Bitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    const mvp::DcSelection selection(target.get(), bitmap.get());
+    BitBlt(target.get(), 0, 0, width, height, source.get(), m_place.left, m_place.top, SRCCOPY);
+    GdiFlush();
+    const auto* first = static_cast<const COLORREF*>(bits);
+    m_pixels.assign(first, first + static_cast<std::ptrdiff_t>(width) * height);
     for (COLORREF& pixel : m_pixels) {
         pixel = RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
     }

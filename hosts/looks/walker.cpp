@@ -246,7 +246,6 @@ Json Walk(HWND hWindow) {
     }
     // A notice takes no focus.
     walked["focusUnseen"] = walked["units"].is_null() ? Json::array() : FocusUnseen(hWindow, order);
-    RedrawWindow(hWindow, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     return walked;
 }
 
