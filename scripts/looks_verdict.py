@@ -36,10 +36,11 @@ class Verdict:
 
     def add(self, combination, language, windows):
         self.languages.add(language)
+        buttons = looks_rules.button_texts(windows)
         for window in windows:
             dialog = window["dialog"]
             self.dialogs.setdefault(dialog, None)
-            for rule, control, fault in looks_rules.judge(window, language):
+            for rule, control, fault in looks_rules.judge(window, language, buttons):
                 if self.excuse(dialog, rule, control, language):
                     self.excused[dialog, rule] += 1
                 else:

@@ -14,7 +14,8 @@ import subprocess
 import sys
 import typing
 
-BIN = pathlib.Path(__file__).resolve().parent.parent / "build/windows/bin"
+TOP = pathlib.Path(__file__).resolve().parent.parent
+BIN = TOP / "build/windows/bin"
 
 
 class Combination(typing.NamedTuple):
@@ -23,9 +24,11 @@ class Combination(typing.NamedTuple):
     percent: int
     styles: str  # visual styles: "styles" or "classic"
     colours: str
-    # How a window closes depends on none of the others, so only some look at its close button.
-    closing: str = ""  # "closing" or nothing
+    # How a window closes, and what the about box tells of an installed product, depend on none of
+    # the others, so only some combinations try the close button, with a product installed.
+    thorough: str = ""  # "thorough" or nothing
     pictures: str = ""  # "pictures" or nothing
+    screen: str = ""  # "small" or nothing
 
     def name(self):
         return ",".join(map(str, self)).rstrip(",")
@@ -36,7 +39,8 @@ class Combination(typing.NamedTuple):
         return cls(language, int(percent), *words)
 
     def __str__(self):
-        return f"{self.language} {self.percent} % {self.styles} {self.colours}"
+        screen = ", small screen" if self.screen else ""
+        return f"{self.language} {self.percent} % {self.styles} {self.colours}{screen}"
 
 
 class Setting:
@@ -68,15 +72,15 @@ class Setting:
 
 
 def walk(one, folder):
-    words = ["--colours", one.colours]
-    if one.closing:
-        words.append("--close-button")
+    words = ["wine", BIN / "looks.exe", "--colours", one.colours]
+    if one.thorough:
+        words = [TOP / "scripts/with-demo-product", "4.2.1.1204", *words, "--close-button"]
     if one.pictures:
         pictures = folder / one.name()
         pictures.mkdir()
         words += ["--pictures", f"Z:{pictures}"]
-    subprocess.run(["wine", BIN / "looks.exe", *words, f"Z:{folder / one.name()}.json"],
-                   cwd=BIN / one.language, timeout=120, check=True)
+    subprocess.run([*words, f"Z:{folder / one.name()}.json"], cwd=BIN / one.language, timeout=120,
+                   check=True)
 
 
 def main():

@@ -138,6 +138,19 @@ bool Picture::DiffersFrom(const Picture& other) const {
     return clear >= kHandful;
 }
 
+RECT Picture::DifferenceFrom(const Picture& other) const {
+    const LONG width = m_place.right - m_place.left;
+    RECT bounds{};
+    for (std::size_t i = 0; i < std::min(m_pixels.size(), other.m_pixels.size()); ++i) {
+        if (m_pixels[i] != other.m_pixels[i]) {
+            const auto at = static_cast<LONG>(i);
+            const RECT pixel{at % width, at / width, at % width + 1, at / width + 1};
+            UnionRect(&bounds, &bounds, &pixel);
+        }
+    }
+    return FromLeft(bounds);
+}
+
 std::string Picture::GreyOf(const RECT& part) const {
     constexpr char kDigits[] = "0123456789abcdef";
     std::string grey;

@@ -24,6 +24,10 @@ public:
     // 3 : 1, in a handful of pixels at least.
     bool DiffersFrom(const Picture& other) const;
 
+    // The least rectangle around all pixels in which two pictures of a whole client area differ, in
+    // client coordinates; empty: there is none.
+    RECT DifferenceFrom(const Picture& other) const;
+
     // How bright each pixel of the part is: two hexadecimal digits for one, from the top left.
     std::string GreyOf(const RECT& part) const;
 

@@ -37,8 +37,8 @@ inline constexpr char kReader[] = "Veskara Software Reader 0";
 // The texts that come from outside, as long as they may be.
 inline constexpr char kLongReader[] =
     "Veskara Software Reader with a long name that somebody has given it, in the second drawer "
-    "012345678";
-static_assert(sizeof kLongReader == 100);
+    "0123456789";
+static_assert(sizeof kLongReader - 1 == 100);
 
 // A window that dialogs belong to, which does not stand in the middle of the screen.
 class OwnerWindow {
@@ -58,5 +58,8 @@ std::vector<Entry> PinDialogs();
 std::vector<Entry> CardDialogs();
 std::vector<Entry> Notices();
 std::vector<Entry> AllDialogs();
+
+// None of the library's.
+Entry BrokenDialog();
 
 }  // namespace looks

@@ -4,6 +4,7 @@
 //     looks --listen dialogs|flows [--only NAME] [--keys NUMBER] OUTPUT
 //
 // Writes an array of JSON objects to the file OUTPUT, one for each dialog and state: see walker.h.
+// "broken" is a dialog of its own that breaks rules, opened when NAME asks for it alone.
 // The language is that of the folder that it is started in, the resolution the system's.
 // scripts/looks runs it under each, and judges. With --listen it writes what a screen reader gets
 // of them instead, see listening.h, which scripts/access judges. It exits with 1 and a reason when
@@ -15,6 +16,7 @@
 #include <exception>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include <mvpingui/mvpingui.h>
 
@@ -79,7 +81,11 @@ nlohmann::ordered_json WalkAll(const Options& options) {
         }
     };
     looks::Visitor visitor(look, options.strPictures.empty() ? looks::Visitor::Look() : photograph);
-    for (const looks::Entry& entry : looks::AllDialogs()) {
+    std::vector<looks::Entry> entries = looks::AllDialogs();
+    if (options.strOnly == looks::BrokenDialog().strName) {
+        entries.push_back(looks::BrokenDialog());
+    }
+    for (const looks::Entry& entry : entries) {
         if (options.strOnly.empty() || options.strOnly == entry.strName) {
             kind = looks::NameOf(entry.kind);
             const bool escape = visitor.Visit(entry.strName, entry.open, entry.states,

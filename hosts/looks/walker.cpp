@@ -30,6 +30,10 @@ std::wstring TextOf(HWND hWnd) {
     return text;
 }
 
+bool IsMirrored(HWND hWnd) {
+    return (GetWindowLongPtrW(hWnd, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0;
+}
+
 RECT RectIn(HWND hWindow, HWND hControl) {
     RECT rect{};
     GetWindowRect(hControl, &rect);
@@ -98,9 +102,7 @@ Json ExtentOf(HWND hWnd, UINT nFormat, bool bPrefix, const std::wstring& text) {
 RECT TextPart(HWND hWindow, HWND hControl, const std::string& strClass, LONG_PTR style) {
     RECT rect = RectIn(hWindow, hControl);
     // A mirrored panel in a window that is not: its left is on the right.
-    const bool flipped =
-        ((GetWindowLongPtrW(hWindow, GWL_EXSTYLE) ^ GetWindowLongPtrW(hControl, GWL_EXSTYLE)) &
-         WS_EX_LAYOUTRTL) != 0;
+    const bool flipped = IsMirrored(hWindow) != IsMirrored(hControl);
     constexpr int kFrame = 4;
     constexpr int kMark = 16;
     const int dots = GetDeviceCaps(mvp::WindowDc(hWindow).get(), LOGPIXELSY);
@@ -144,6 +146,7 @@ Json Describe(HWND hWindow, HWND hControl, const Picture& picture) {
         {"text", Utf8(text)},
         {"rect", Numbers(rect)},
         {"style", static_cast<std::uint32_t>(style)},
+        {"mirrored", IsMirrored(hControl)},
         {"parent", GetParent(hControl) == hWindow ? 0 : GetDlgCtrlID(GetParent(hControl))},
         {"visible", IsWindowVisible(hControl) != FALSE},
         {"enabled", IsWindowEnabled(hControl) != FALSE},
@@ -212,6 +215,46 @@ Json FocusUnseen(HWND hWindow, const std::vector<HWND>& order) {
     return unseen;
 }
 
+void PaintAnew(HWND hWindow) {
+    RedrawWindow(hWindow, nullptr, nullptr,
+                 RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+}
+
+// Where each text of a notice is drawn: every other control is out of sight, and its own one
+// reaches down to the window's end.
+std::vector<RECT> InkOf(HWND hWindow, const std::vector<HWND>& controls) {
+    RECT client{};
+    GetClientRect(hWindow, &client);
+    const auto move = [](HWND hControl, const RECT& place) {
+        SetWindowPos(hControl, nullptr, place.left, place.top, place.right - place.left,
+                     place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    };
+    std::vector<RECT> places;
+    for (HWND control : controls) {
+        places.push_back(RectIn(hWindow, control));
+        RECT away = places.back();
+        OffsetRect(&away, client.right - away.left, 0);
+        move(control, away);
+    }
+    PaintAnew(hWindow);
+    const Picture ground(hWindow);
+    std::vector<RECT> ink;
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        RECT tall = places[i];
+        tall.bottom = client.bottom;
+        move(controls[i], tall);
+        PaintAnew(hWindow);
+        ink.push_back(Picture(hWindow).DifferenceFrom(ground));
+        OffsetRect(&tall, client.right - tall.left, 0);
+        move(controls[i], tall);
+    }
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        move(controls[i], places[i]);
+    }
+    PaintAnew(hWindow);
+    return ink;
+}
+
 }  // namespace
 
 Json Walk(HWND hWindow) {
@@ -226,7 +269,7 @@ Json Walk(HWND hWindow) {
                 {"title", Utf8(TextOf(hWindow))},
                 {"rect", Numbers(whole)},
                 {"owner", OwnerOf(hWindow)},
-                {"mirrored", (GetWindowLongPtrW(hWindow, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0},
+                {"mirrored", IsMirrored(hWindow)},
                 {"client", {client.right, client.bottom}},
                 {"workArea", Numbers(work)},
                 {"style", static_cast<std::uint32_t>(GetWindowLongPtrW(hWindow, GWL_STYLE))},
@@ -240,12 +283,21 @@ Json Walk(HWND hWindow) {
     for (HWND control : controls) {
         walked["controls"].push_back(Describe(hWindow, control, picture));
     }
+    // The texts of a notice are the rich-text engine's, and it takes no focus.
+    const bool notice = walked["units"].is_null();
+    if (notice) {
+        const std::vector<RECT> ink = InkOf(hWindow, controls);
+        for (std::size_t i = 0; i < controls.size(); ++i) {
+            if (mvp::ClassOf(controls[i]) == "Static") {
+                walked["controls"][i]["ink"] = Numbers(ink[i]);
+            }
+        }
+    }
     const std::vector<HWND> order = TabOrder(hWindow);
     for (HWND control : order) {
         walked["tabOrder"].push_back(GetDlgCtrlID(control));
     }
-    // A notice takes no focus.
-    walked["focusUnseen"] = walked["units"].is_null() ? Json::array() : FocusUnseen(hWindow, order);
+    walked["focusUnseen"] = notice ? Json::array() : FocusUnseen(hWindow, order);
     return walked;
 }
 

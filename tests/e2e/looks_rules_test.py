@@ -1,9 +1,11 @@
-"""Each rule of the looks speaks of a window that breaks it, and no other rule does.
+"""Each rule of the looks speaks of a window that breaks it, and no other rule does; and looks.exe
+measures a live one that does.
 
-Usage: looks_rules_test.py TOP
+Usage: looks_rules_test.py TOP, within a wine-session
 """
 
 import json
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -23,7 +25,7 @@ def control(number, kind, text, left, top, width, height, style=0x50000000, **mo
     rect = [round(left * 1.5), round(top * 1.625), round((left + width) * 1.5),
             round((top + height) * 1.625)]
     made = {"id": number, "class": kind, "text": text, "rect": rect, "style": style, "parent": 0,
-            "visible": True, "enabled": True, "focus": False, "font": ["Tahoma", -11, 400],
+            "mirrored": False, "visible": True, "enabled": True, "focus": False, "font": ["Tahoma", -11, 400],
             "contrast": 21}
     if text and style != ICON:
         made["extent"] = {"width": 6 * len(text), "height": 13, "line": 13, "ascent": 11}
@@ -37,7 +39,7 @@ def good_window():
         "closedBy": {"Esc": True, "the close button": True}, "title": "Enter PIN",
         "rect": [450, 380, 830, 644], "owner": None, "workArea": [0, 0, 1280, 1024],
         "mirrored": False, "client": [375, 260], "units": [150, 163],
-        "tabOrder": [101, 107, 1, 2], "focusUnseen": [],
+        "default": 1, "tabOrder": [101, 107, 1, 2], "focusUnseen": [],
         "controls": [
             control(100, "Static", "&PIN:", 7, 10, 40, 8),
             control(101, "Edit", "", 51, 7, 192, 14, focus=True),
@@ -104,7 +106,8 @@ BROKEN = [
     (20, give(0, owner=[0, 0, 700, 600])), (21, give(107, contrast=4.4)),
     (21, give(103, contrast=2.9)), (22, give(105, grey="00" * 50 + "f8" * 50)),
     (23, give(0, focusUnseen=[107])), (24, give(0, title="Enter PIN.")),
-    (24, give(107, text="&Show It Again"))]
+    (24, give(107, text="&Show It Again")), (18, give(0, default=2)),
+    (25, give(103, mirrored=True))]
 
 
 def broken(change):
@@ -128,9 +131,30 @@ class RulesTest(unittest.TestCase):
         self.assertEqual({rule for rule, _ in BROKEN}, {rule[0] for rule in looks_rules.RULES})
 
     def test_what_the_system_lays_out_is_not_ours(self):
-        for kind, rules in (("message box", []), ("notice", [])):
-            self.assertEqual(rules_of({**broken(place(2, height=16)), "kind": kind}), rules)
+        for kind in ("message box", "notice"):
+            self.assertEqual(rules_of({**broken(place(2, height=16)), "kind": kind}), [])
             self.assertEqual(rules_of({**broken(give(107, contrast=4.4)), "kind": kind}), [21])
+
+    def test_a_notice_is_held_to_what_it_draws(self):
+        # The message's place and the title's overlap, as they may; what is drawn in them does not.
+        controls = [control(789, "Static", "It is gone.", 30, 10, 200, 70, ink=[50, 20, 200, 90]),
+                    control(789, "Static", "A title", 30, 70, 200, 10, ink=[50, 115, 100, 125])]
+        for ink, rules in (([50, 20, 200, 90], []), ([50, 20, 200, 118], [13]),
+                           ([50, 20, 345, 90], [12])):
+            controls[0]["ink"] = ink
+            self.assertEqual(rules_of({**good_window(), "kind": "notice", "controls": controls}),
+                             rules)
+
+    def test_a_live_window_is_measured(self):
+        with tempfile.TemporaryDirectory() as folder:
+            told = Path(folder) / "broken.json"
+            binaries = TOP / "build/windows/bin"
+            subprocess.run(["wine", binaries / "looks.exe", "--only", "broken", "--close-button",
+                            f"Z:{told}"], cwd=binaries / "en", timeout=60, check=True)
+            windows = json.loads(told.read_text())
+        found = {(rule, number) for rule, number, _ in looks_rules.judge(windows[0])}
+        self.assertEqual(found, {(12, 103), (12, 106), (13, 104), (16, 0), (18, 2), (18, 102),
+                                 (19, 0), (20, 0), (21, 105), (23, 107)})
 
     def test_an_exception_is_of_its_rule_dialog_and_control_alone(self):
         exception = {"rules": [6], "dialogs": ["sam*"], "controls": [2], "reason": "it is so"}

@@ -8,6 +8,7 @@
 #include <dlgfw/geometry.h>
 #include <dlgfw/string.h>
 
+#include "dialogs/base/dialog_looks.h"
 #include "dialogs/base/notice_row.h"
 #include "dialogs/base/resource_dialog.h"
 #include "platform/barrier.h"
@@ -82,6 +83,7 @@ public:
         SendDlgItemMessageA(
             m_hDialog, IDC_INJECTED_KEYS_ICON, STM_SETICON,
             reinterpret_cast<WPARAM>(LoadResourceIcon(IDI_INJECTED_KEYS, m_nIconSize)), 0);
+        KeepFromMirroring(CWnd::FromHandle(::GetDlgItem(m_hDialog, IDC_INJECTED_KEYS_ICON)));
         SendDlgItemMessageA(m_hDialog, IDC_INJECTED_KEYS_TEXT, WM_SETFONT,
                             reinterpret_cast<WPARAM>(FontOf(m_hDialog)), FALSE);
     }
