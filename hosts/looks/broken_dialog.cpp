@@ -7,7 +7,13 @@ namespace looks {
 
 namespace {
 
-enum Control : int { kLabel = 101, kEdit, kClipped, kOverlapping, kPale, kOtherFont, kUnseen };
+constexpr int kLabel = 101;
+constexpr int kEdit = 102;
+constexpr int kClipped = 103;
+constexpr int kOverlapping = 104;
+constexpr int kPale = 105;
+constexpr int kOtherFont = 106;
+constexpr int kUnseen = 107;
 
 constexpr COLORREF kPaleText = RGB(180, 180, 180);
 constexpr COLORREF kPaleGround = RGB(220, 220, 220);
