@@ -90,7 +90,6 @@ private:
     bool m_bPreventAlphaPIN = false;
     bool m_bPreventSamePIN = false;
     unsigned m_nTextsSet = 0;  // a bit for each line that has its text
-    CWnd* m_pParent;
     // Shared icons of the resource module: never destroyed.
     HICON m_hSatisfied;
     HICON m_hViolated;

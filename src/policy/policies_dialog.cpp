@@ -69,7 +69,6 @@ VKPoliciesDlg::VKPoliciesDlg(const PwdRuleArgs* pRules, int bUseWindowColor, con
       m_nTopMargin(nTopMargin),
       m_nLeftIndent(nLeftIndent),
       m_nLineSpacing(nLineSpacing),
-      m_pParent(pParent),
       m_hSatisfied(LoadIconFor(pParent, IDI_RULE_SATISFIED)),
       m_hViolated(LoadIconFor(pParent, IDI_RULE_VIOLATED)) {
     const mvp::LogScope scope("VKPoliciesDlg::VKPoliciesDlg");
