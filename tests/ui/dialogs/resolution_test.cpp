@@ -18,14 +18,17 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Percent, Resolution, testing::Values(100, 150, 200));
 
 TEST_P(Resolution, UnlockDialogMovesAndIndentsByItsPixels) {
-    CRect boxes[2], windows[2];  // of a card that takes a fixed code, and of one with a challenge
+    // With a challenge, and of a card that takes a fixed code.
+    std::array<CRect, 2> boxes;
+    std::array<CRect, 2> windows;
     const auto answer = +[](void* pResult, CString&) { return *static_cast<int*>(pResult); };
     for (int result : {1, 0}) {
         CUnlockCardDlg dialog(nullptr, &kAllRules, &result, nullptr, answer, "Reader A");
         const auto look = [&](Dialog& d) {
+            const auto index = static_cast<std::size_t>(result);
             const auto place = [&](int nId) { return RectIn(d.Handle(), d.Control(nId)); };
-            boxes[result] = place(IDC_UNLOCK_CARD_CODE_BOX);
-            windows[result] = RectIn(nullptr, d.Handle());
+            boxes.at(index) = place(IDC_UNLOCK_CARD_CODE_BOX);
+            windows.at(index) = RectIn(nullptr, d.Handle());
             const CRect box = place(IDC_POLICIES_BOX);
             const CRect text = place(IDC_POLICIES_MIN_TEXT);
             RECT left{22, 0, 0, 0};
