@@ -28,7 +28,9 @@ void ExpectScaled(PixelSize from, PixelSize to, const Words& smooth, const Words
 }
 
 TEST(PixelScale, TakesTheMeanOfWhatAPixelCovers) {
-    const std::uint32_t a = 0xFF0000F0, b = 0x00F01000, d = 0xFFF03000;
+    constexpr std::uint32_t a = 0xFF0000F0;
+    constexpr std::uint32_t b = 0x00F01000;
+    constexpr std::uint32_t d = 0xFFF03000;
     ExpectScaled({2, 2}, {1, 1}, {0x80B81078}, {d});
     ExpectScaled({2, 2}, {1, 2}, {0x80780878, 0x80F81878}, {b, d});
     ExpectScaled({4, 1}, {1, 1}, {0x80B81078}, {0x00FF00F0});
