@@ -18,8 +18,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Percent, Resolution, testing::Values(100, 150, 200));
 
 TEST_P(Resolution, UnlockDialogMovesAndIndentsByItsPixels) {
-    // With a challenge, and of a card that takes a fixed code.
-    std::array<CRect, 2> boxes;
+    std::array<CRect, 2> boxes;  // with a challenge, and of a card that takes a fixed code
     std::array<CRect, 2> windows;
     const auto answer = +[](void* pResult, CString&) { return *static_cast<int*>(pResult); };
     for (int result : {1, 0}) {
