@@ -48,7 +48,7 @@ void Press(const std::string& strName) {
 std::vector<State> StepsOf(std::string_view steps) {
     std::vector<State> states = {{"", {}}};
     const auto add = [&](std::string strName) {
-        states.push_back({strName, [strName](HWND) { Press(strName); }});
+        states.push_back({strName, [strName](HWND) { Press(strName); }, true});
     };
     while (!steps.empty()) {
         const std::size_t end = std::min(steps.find(' '), steps.size());

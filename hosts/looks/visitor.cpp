@@ -86,8 +86,14 @@ void Visitor::Step() {
 
 bool Visitor::LookAt(HWND hWindow, const State& state) {
     if (m_nSettled == 0) {
-        if (state.enter) {
+        if (state.enter && !m_bTyped) {
             state.enter(hWindow);
+        }
+        // Keys are taken by the loop of the window that has them, which goes on until the next
+        // step.
+        m_bTyped = state.bTyped && !m_bTyped;
+        if (m_bTyped) {
+            return false;
         }
         HandleMessages();
         RedrawWindow(hWindow, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);

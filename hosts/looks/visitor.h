@@ -21,6 +21,7 @@ namespace looks {
 struct State {
     std::string strName;
     std::function<void(HWND hWindow)> enter;  // empty: the window is in it already
+    bool bTyped = false;                      // by keys, which the window's own loop handles
 };
 
 class Visitor {
@@ -59,8 +60,9 @@ private:
     bool m_bOpen = false;
     std::size_t m_nState = 0;
     bool m_bStepping = false;
-    int m_nSettled = 0;   // steps since it was looked at; what was painted is shown meanwhile
-    int m_nClosings = 0;  // how often it has been told to close
+    bool m_bTyped = false;  // the state has been typed and is looked at next
+    int m_nSettled = 0;     // steps since it was looked at; what was painted is shown meanwhile
+    int m_nClosings = 0;    // how often it has been told to close
 };
 
 }  // namespace looks
