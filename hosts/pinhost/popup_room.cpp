@@ -41,15 +41,19 @@ bool SetWorkArea(RECT work) {
 }  // namespace
 
 OwnConfiguration::OwnConfiguration()
-    : m_strRoot("Software\\PinHost" + std::to_string(GetCurrentProcessId())) {
+    : m_strRoot(m_pOuter != nullptr ? m_pOuter->m_strRoot + "Within"
+                                    : "Software\\PinHost" + std::to_string(GetCurrentProcessId())) {
     // What a crashed run with this process number may have left.
     RegDeleteTreeA(HKEY_CURRENT_USER, m_strRoot.c_str());
     m_root = MakeKey(HKEY_CURRENT_USER, m_strRoot);
     Check(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_root.get()), "using a configuration");
+    s_pInnermost = this;
 }
 
 OwnConfiguration::~OwnConfiguration() {
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    s_pInnermost = m_pOuter;
+    RegOverridePredefKey(HKEY_LOCAL_MACHINE,
+                         m_pOuter != nullptr ? m_pOuter->m_root.get() : nullptr);
     m_root.reset();
     RegDeleteTreeA(HKEY_CURRENT_USER, m_strRoot.c_str());
 }

@@ -12,7 +12,8 @@
 namespace pinhost {
 
 // A machine-wide configuration of the process's own, empty at first. Nothing of the real one is
-// seen while it lives, and nothing of it is changed. One at a time. Throws EnvironmentError.
+// seen while it lives, and nothing of it is changed. One within another hides that one. Throws
+// EnvironmentError.
 class OwnConfiguration {
 public:
     OwnConfiguration();
@@ -27,6 +28,9 @@ public:
 private:
     mvp::RegistryKey Open(const std::string& strKey);
 
+    static inline OwnConfiguration* s_pInnermost = nullptr;
+
+    OwnConfiguration* m_pOuter = s_pInnermost;
     std::string m_strRoot;  // below HKEY_CURRENT_USER
     mvp::RegistryKey m_root;
 };

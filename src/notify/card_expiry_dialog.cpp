@@ -144,6 +144,7 @@ bool CCardExpiryNotifyDlg::ShowCertificates(CTime now) {
     for (int row = 0; row < count; ++row) {
         expired = AddRow(row, now) || expired;
     }
+    FitColumns();
     // Whoever comes to the list by the keyboard sees where he is.
     LVITEMA first{};
     first.state = LVIS_FOCUSED;
@@ -164,6 +165,16 @@ void CCardExpiryNotifyDlg::MakeColumns() {
                         mvp::PixelsIn(m_hWnd, kDateWidth));
     // A name that is cut shows whole in a tip.
     m_list.SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_LABELTIP | LVS_EX_FULLROWSELECT);
+}
+
+// Between two resolutions the list grows less than a number of pixels does: the second column then
+// gives way, rather than be reached by scrolling. What the rows leave is known when they are there.
+void CCardExpiryNotifyDlg::FitColumns() {
+    CRect client;
+    m_list.GetClientRect(&client);
+    const int left = client.Width() - mvp::PixelsIn(m_hWnd, kNameWidth);
+    m_list.SendMessage(LVM_SETCOLUMNWIDTH, kDateColumn,
+                       std::min(left, mvp::PixelsIn(m_hWnd, kDateWidth)));
 }
 
 // Returns the image's index. A missing icon leaves its rows without one, and not with the next.

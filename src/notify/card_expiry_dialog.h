@@ -44,6 +44,7 @@ private:
     void ShowSentence();
     bool ShowCertificates(CTime now);
     void MakeColumns();
+    void FitColumns();
     int AddImage(UINT nIcon);
     bool AddRow(int nRow, CTime now);
     void ShowExpired();

@@ -22,6 +22,8 @@ namespace {
 
 constexpr DWORD kBarStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
 constexpr UINT_PTR kBarId = 45;
+// What stands above the rest comes before it in the order of reading, though it is made later.
+constexpr UINT kReadFirst = SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE;
 // In pixels of 96 dpi.
 constexpr int kBarLeft = 15;
 constexpr int kBarTop = 20;
@@ -67,6 +69,8 @@ void CPopupAlert::StartBusyBar() {
                  static_cast<unsigned>(GetLastError()));
         return;
     }
+    ::SetWindowTextA(m_hProgressBar, SpokenText().c_str());
+    ::SetWindowPos(m_hProgressBar, HWND_TOP, 0, 0, 0, 0, kReadFirst);
     RunBusyBar(m_motion.IsVisible());
     if (!m_bFileSkin) {
         PrepareBackgroundBitmap(IDB_POPUP_SKIN, true, true);
@@ -133,6 +137,7 @@ void CPopupAlert::ShowPassword(std::string_view text) {
     const CRect place = mvp::RectOf(mvp::PlacePassword(m_bands));
     m_pMessage.reset();
     m_pMessage = CreateText(place, mvp::kTextId, mvp::kTextMargins);
+    m_pMessage->SetWindowPos(&CWnd::wndTop, 0, 0, 0, 0, kReadFirst);
     m_bPassword = true;
     ColourMessage();
     m_pMessage->SetWindowText(CString(text.data(), static_cast<int>(text.size())));

@@ -223,6 +223,7 @@ void CPopupAlert::CreateControls(int iWndType) {
     const bool links = !HasProgressBar();
     const mvp::NoticeControls places = mvp::PlaceControls(m_bands, help);
 
+    // In the order in which they are read, from the top to the bottom.
     m_bPassword = false;
     m_pMessage = CreateText(mvp::RectOf(places.message), mvp::kTextId, mvp::kTextMargins);
     m_pMessage->SetWindowText(m_csText);
@@ -232,15 +233,15 @@ void CPopupAlert::CreateControls(int iWndType) {
     smallFont.CreateFontIndirect(&description);
     m_pMessage->SetFont(&smallFont);
 
-    m_pCloseLink = CreateText(mvp::RectOf(places.closeLink), mvp::kLinkId, mvp::kLinkMargins);
-    MakeLink(*m_pCloseLink, IDS_POPUP_CLOSE_LINK, WM_POPUP_LINK_CLICKED, smallFont);
-
     description.lfWeight = FW_BOLD;
     CFont boldFont;
     boldFont.CreateFontIndirect(&description);
     m_pTitle = CreateText(mvp::RectOf(places.title), mvp::kTextId, mvp::kLinkMargins);
     m_pTitle->SetWindowText(mvp::ResourceString(IDS_POPUP_TITLE));
     m_pTitle->SetFont(&boldFont);
+
+    m_pCloseLink = CreateText(mvp::RectOf(places.closeLink), mvp::kLinkId, mvp::kLinkMargins);
+    MakeLink(*m_pCloseLink, IDS_POPUP_CLOSE_LINK, WM_POPUP_LINK_CLICKED, smallFont);
 
     m_pHelpLink = CreateText(mvp::RectOf(places.helpLink), mvp::kLinkId, mvp::kLinkMargins);
     MakeLink(*m_pHelpLink, IDS_POPUP_HELP_LINK, WM_POPUP_HELP_CLICKED, smallFont);

@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <string>
 
 #include "notify/progress_bar_geometry.h"
 #include "notify/progress_bar_paint.h"
 #include "platform/barrier.h"
 #include "platform/handle.h"
 #include "services/log.h"
+#include "services/named_accessible.h"
 
 namespace mvp {
 namespace {
@@ -18,6 +20,7 @@ struct ProgressBar {
     std::int32_t nPosition = 0;
     std::uint32_t nInterval = kProgressDefaultInterval;
     std::uint32_t nBlocks = kProgressDefaultBlocks;
+    std::unique_ptr<NamedAccessible, NamedAccessible::GiveUp> pAccessible = nullptr;
 };
 
 ProgressBar* BarOf(HWND hWnd) noexcept {
@@ -52,6 +55,22 @@ LRESULT OnCreate(HWND hWnd) {
 void OnNcDestroy(HWND hWnd) noexcept {
     const std::unique_ptr<ProgressBar> bar(BarOf(hWnd));
     SetWindowLongPtrA(hWnd, 0, 0);
+}
+
+std::string TextOf(HWND hWnd) {
+    std::string text(static_cast<std::size_t>(GetWindowTextLengthA(hWnd)) + 1, '\0');
+    text.resize(
+        static_cast<std::size_t>(GetWindowTextA(hWnd, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+// A screen reader calls it by its text, which does not show.
+LRESULT OnGetObject(HWND hWnd, ProgressBar& bar, WPARAM wParam) {
+    if (bar.pAccessible == nullptr) {
+        bar.pAccessible.reset(NamedAccessible::Create(hWnd, ROLE_SYSTEM_PROGRESSBAR,
+                                                      [hWnd] { return TextOf(hWnd); }));
+    }
+    return bar.pAccessible != nullptr ? AnswerGetObject(wParam, bar.pAccessible.get()) : 0;
 }
 
 // A redraw may run code of whoever has subclassed the window, so nothing is touched after it.
@@ -152,6 +171,11 @@ LRESULT Dispatch(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
         case WM_PAINT:
             OnPaint(hWnd, *bar);
             return 0;
+        case WM_GETOBJECT:
+            if (static_cast<LONG>(lParam) == OBJID_CLIENT) {
+                return OnGetObject(hWnd, *bar, wParam);
+            }
+            break;
         case kProgressGetInterval:
             return bar->nInterval;
         case kProgressSetInterval:

@@ -65,4 +65,13 @@ STDMETHODIMP NamedAccessible::get_accRole(VARIANT child, VARIANT* pRole) {
     return hr;
 }
 
+// The system's object takes every window that could be given the focus for one that takes it.
+STDMETHODIMP NamedAccessible::get_accState(VARIANT child, VARIANT* pState) {
+    const HRESULT hr = Standard(&IAccessible::get_accState, child, pState);
+    if (hr == S_OK && IsSelf(child) && pState->vt == VT_I4) {
+        SetNumber(*pState, pState->lVal & ~static_cast<long>(STATE_SYSTEM_FOCUSABLE));
+    }
+    return hr;
+}
+
 }  // namespace mvp

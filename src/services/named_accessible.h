@@ -1,6 +1,6 @@
 // What a screen reader gets of a window that says more than its text: the role and the name that it
-// is given. Everything else, its children among them, is as the system's own object for the window
-// tells it.
+// is given, and takes no focus. Everything else, its children among them, is as the system's own
+// object for the window tells it.
 //
 // A COM object of the window's thread. It lives as long as somebody holds it; when the window goes,
 // Disconnect cuts it off and it answers everything with CO_E_OBJNOTCONNECTED.
@@ -28,6 +28,7 @@ public:
     STDMETHOD(get_accChild)(VARIANT child, IDispatch** ppChild) override;
     STDMETHOD(get_accName)(VARIANT child, BSTR* pstrName) override;
     STDMETHOD(get_accRole)(VARIANT child, VARIANT* pRole) override;
+    STDMETHOD(get_accState)(VARIANT child, VARIANT* pState) override;
 
     // Gives up the first reference, for an owner that is a std::unique_ptr. Disconnects first.
     struct GiveUp {
