@@ -1,6 +1,10 @@
 // The main function of every Windows test program: GoogleTest with a check of the heap after each
-// test, and an exit code that tells of a crash.
+// test, and an exit code that tells of a crash, also of one that ends the thread of the tests
+// alone.
 #include <windows.h>
+
+#include <cstdio>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -21,11 +25,23 @@ class HeapCheck : public testing::EmptyTestEventListener {
     }
 };
 
+// A thread whose stack is full is ended by the system without a word, and the process goes on with
+// the others, to an exit code of theirs.
+void EndWithTheTestsThread(HANDLE hTests, unsigned nExitCode) {
+    WaitForSingleObject(hTests, INFINITE);
+    std::fputs("the thread of the tests has ended before they had\n", stderr);
+    std::fflush(stderr);
+    TerminateProcess(GetCurrentProcess(), nExitCode);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     constexpr unsigned kCrashed = 4;
     mvp::EndWithCodeOnCrash(kCrashed);
+    std::thread(EndWithTheTestsThread, OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId()),
+                kCrashed)
+        .detach();
     testing::InitGoogleTest(&argc, argv);
     testing::UnitTest::GetInstance()->listeners().Append(new HeapCheck);
     return RUN_ALL_TESTS();

@@ -73,7 +73,7 @@ TEST_F(PopupOtpTest, ShowsABarUntilThePasswordComesAndThenThat) {
     EXPECT_NE(g_routineThread, GetCurrentThreadId());
     EXPECT_TRUE(m_log.Contains(2, "Reader name empty => no register to vkevent"));
     ASSERT_NE(Bar(), nullptr);
-    EXPECT_EQ(Describe(Bar()), "45 15,20,325,35 + ");
+    EXPECT_EQ(Describe(Bar()), "45 15,20,325,35 + Wait.");
     EXPECT_EQ(Message(), "789 10,35,335,137 + Wait.");
     EXPECT_EQ(GetWindowLongA(Bar(), GWL_STYLE) & ~WS_DISABLED, 0x54000000L);
     BringTo(3);
@@ -82,7 +82,7 @@ TEST_F(PopupOtpTest, ShowsABarUntilThePasswordComesAndThenThat) {
     // Neither a beep nor a stay before the password is there.
     EXPECT_EQ(Timers() + s_beeps, "-");
     m_popup->SetSkin(3102, true, true, -1, -1, -1);
-    EXPECT_EQ(Describe(Bar()), "45 15,76,325,91 + ") << "a third down the skin";
+    EXPECT_EQ(Describe(Bar()), "45 15,76,325,91 + Wait.") << "a third down the skin";
     EXPECT_TRUE(m_popup->InitWindow(m_host, 2, 0));
     EXPECT_TRUE(Seen().ends_with("--")) << "not while the bar runs";
 
