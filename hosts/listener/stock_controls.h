@@ -2,8 +2,8 @@
 //
 // Not every system does: some call each control a "client", whatever it is. What such an object
 // leaves out is then taken from where a system that does would take it: the control's class, its
-// style, its check mark, and the label before it. An object that says what it is keeps its role, its
-// name and its action.
+// style, its check mark, and the label before it. An object that says what it is keeps its role,
+// its name and its action.
 #pragma once
 
 #include <windows.h>
