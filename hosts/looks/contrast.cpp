@@ -27,9 +27,9 @@ std::array<double, 256> Linear() {
 
 // The relative luminance of the accessibility guidelines for the web.
 double Luminance(COLORREF colour) {
-    static const std::array<double, 256> s_linear = Linear();
-    return 0.2126 * s_linear[GetRValue(colour)] + 0.7152 * s_linear[GetGValue(colour)] +
-           0.0722 * s_linear[GetBValue(colour)];
+    static const std::array<double, 256> linear = Linear();
+    return 0.2126 * linear[GetRValue(colour)] + 0.7152 * linear[GetGValue(colour)] +
+           0.0722 * linear[GetBValue(colour)];
 }
 
 double Ratio(COLORREF one, COLORREF other) {

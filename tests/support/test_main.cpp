@@ -4,14 +4,16 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <thread>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
 
 #include "common/crash_exit.h"
+#include "platform/handle.h"
 
 namespace {
+
+constexpr unsigned kCrashed = 4;
 
 // The C runtime's heap, which every binary of a process shares, and the process heap. The system
 // notices an overrun of a few bytes when it pads blocks, which the tests' environment asks for.
@@ -27,21 +29,22 @@ class HeapCheck : public testing::EmptyTestEventListener {
 
 // A thread whose stack is full is ended by the system without a word, and the process goes on with
 // the others, to an exit code of theirs.
-void EndWithTheTestsThread(HANDLE hTests, unsigned nExitCode) {
-    WaitForSingleObject(hTests, INFINITE);
+DWORD WINAPI EndWithTheTestsThread(void* pTests) {
+    WaitForSingleObject(pTests, INFINITE);
     std::fputs("the thread of the tests has ended before they had\n", stderr);
     std::fflush(stderr);
-    TerminateProcess(GetCurrentProcess(), nExitCode);
+    TerminateProcess(GetCurrentProcess(), kCrashed);
+    return 0;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    constexpr unsigned kCrashed = 4;
     mvp::EndWithCodeOnCrash(kCrashed);
-    std::thread(EndWithTheTestsThread, OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId()),
-                kCrashed)
-        .detach();
+    // The system's own way: the language's threads would use functions that tests replace.
+    const mvp::KernelHandle watch(CreateThread(nullptr, 0, &EndWithTheTestsThread,
+                                               OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId()),
+                                               0, nullptr));
     testing::InitGoogleTest(&argc, argv);
     testing::UnitTest::GetInstance()->listeners().Append(new HeapCheck);
     return RUN_ALL_TESTS();
