@@ -72,7 +72,8 @@ BROKEN_STATES = {
     "named": [change(99, name=None), change(9, name=None)],
     "groups_named": [change(6, name=None)],
     "pictures_nameless": [change(7, name="\uffff")],
-    "by_keyboard": [lambda seen: seen["tabs"].remove(10), change(8, action="Press")],
+    "by_keyboard": [lambda seen: seen["tabs"].remove(10), change(8, action="Press"),
+                    change(8, role="radio button")],
     "rules_spoken": [change(8, name="Digits only")],
     "read_in_order": [lambda seen: seen["tree"]["children"].reverse()],
     "fields_protected": [
@@ -112,7 +113,11 @@ class Rules(unittest.TestCase):
                 lambda flow: flow[1]["focus"].pop("name"),
                 lambda flow: flow[1]["focus"].update(description="has 5 characters"),
                 lambda flow: flow[1]["events"].append(rename(8, "not 57")),
-                lambda flow: change(1, name="PIN 9:")(flow[0])):
+                # What nobody speaks of.
+                lambda flow: flow[1]["events"][0]["object"].update(description="of 57"),
+                lambda flow: change(1, description="PIN 9:")(flow[0]),
+                # What another kind of field repeats.
+                lambda flow: flow[0]["focus"].update({"states": [], "class": "RichEdit"})):
             flow = copy.deepcopy(good_flow())
             spoil(flow)
             self.assertTrue(list(access_rules.secrets_kept(flow)))
