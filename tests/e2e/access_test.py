@@ -4,15 +4,24 @@ Usage: access_test.py TOP
 """
 
 import copy
+import importlib.util
 import sys
+import tempfile
+import types
 import unittest
+from importlib.machinery import SourceFileLoader
 from pathlib import Path
+from unittest import mock
 
 TOP = Path(sys.argv.pop(1))
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(TOP / "scripts"))
 import access_rules  # noqa: E402
 import access_text  # noqa: E402
+
+loader = SourceFileLoader("access", str(TOP / "scripts/access"))
+access = importlib.util.module_from_spec(importlib.util.spec_from_loader("access", loader))
+loader.exec_module(access)
 
 
 def thing(window, role, name, top=0, *, kind="Static", states=(), **more):
@@ -155,6 +164,36 @@ class Tree(unittest.TestCase):
         self.assertTrue(access_text.described(edit, seen).endswith("by Tab at 0,12 60x6"))
         seen["mirrored"] = True
         self.assertTrue(access_text.described(edit, seen).endswith("at 7,12 60x6"))
+
+
+class Goldens(unittest.TestCase):
+    def run_access(self, folder, states, steps=(), *, write=False):
+        """Its exit code, with these states of a dialog and steps of a flow heard."""
+        heard = {"dialogs": {"sample": states}, "flows": {"typed": list(steps) or good_flow()}}
+        options = types.SimpleNamespace(quick=True, write=write, names=[])
+        with mock.patch.multiple(access, TOP=folder, GOLDENS=folder / "tests",
+                                 listen=lambda what, *_: heard[what]), mock.patch("builtins.print"):
+            return access.run(options, folder)
+
+    def test_what_differs_or_is_gone_or_breaks_a_rule_fails(self):
+        with tempfile.TemporaryDirectory() as name:
+            folder = Path(name)
+            self.assertEqual(self.run_access(folder, [good_state()]), 1)
+            self.assertEqual(self.run_access(folder, [good_state()], write=True), 0)
+            self.assertEqual(self.run_access(folder, [good_state()]), 0)
+            self.assertEqual(self.run_access(folder, [good_state("other")]), 1)
+            gone = folder / "tests/flows/gone.txt"
+            gone.touch()
+            self.assertEqual(self.run_access(folder, [good_state()]), 1)
+            self.assertEqual(self.run_access(folder, [good_state()], write=True), 0)
+            self.assertFalse(gone.exists())
+            nameless = good_state()
+            change(9, name=None)(nameless)
+            shown = good_flow()
+            shown[1]["focus"]["value"] = "5"
+            for heard in ([nameless],), ([good_state()], shown):
+                self.assertEqual(self.run_access(folder, *heard, write=True), 1)
+                self.assertEqual(self.run_access(folder, *heard), 1)
 
 
 if __name__ == "__main__":

@@ -4,18 +4,26 @@ measures a live one that does.
 Usage: looks_rules_test.py TOP, within a wine-session
 """
 
+import importlib.util
 import json
 import subprocess
 import sys
 import tempfile
+import types
 import unittest
+from importlib.machinery import SourceFileLoader
 from pathlib import Path
+from unittest import mock
 
 TOP = Path(sys.argv.pop(1))
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(TOP / "scripts"))
 import looks_rules  # noqa: E402
 import looks_verdict  # noqa: E402
+
+loader = SourceFileLoader("looks", str(TOP / "scripts/looks"))
+looks = importlib.util.module_from_spec(importlib.util.spec_from_loader("looks", loader))
+loader.exec_module(looks)
 
 PUSH, CHECK, GROUP, ICON = 0x50010000, 0x50010003, 0x50000007, 0x50000003
 
@@ -172,6 +180,57 @@ class RulesTest(unittest.TestCase):
             self.assertEqual(verdict.count(), expected)
             # In a language that was not looked at it may well be needed.
             self.assertEqual(len(verdict.stale()), 0 if "languages" in change else expected)
+
+
+class LooksTest(unittest.TestCase):
+    """Of scripts/looks."""
+
+    def run_looks(self, walked=None, **options):
+        """Its exit code, and the combinations that it walks over in two languages."""
+        options = types.SimpleNamespace(**{"quick": False, "full": False, "sheets": False, **options})
+        chosen = []
+
+        def walk_all(combinations, folder):
+            chosen.extend(combinations)
+            return [(one, [walked or good_window()]) for one in combinations]
+
+        with mock.patch.multiple(looks, languages=lambda: ["en", "qps-ploc"], walk_all=walk_all), \
+                mock.patch.object(Path, "read_text", lambda _: json.dumps(self.exceptions)), \
+                mock.patch("builtins.print"):
+            return looks.run(options, Path()), chosen
+
+    def setUp(self):
+        self.exceptions = []
+
+    def test_each_pair_of_settings_is_looked_at(self):
+        whole = [(language, percent, *look) for language in ("en", "qps-ploc")
+                 for percent in (100, 125, 150, 200, 300) for look in looks.LOOKS]
+        for options, left_out in (({"full": True}, 0), ({}, 12)):
+            _, chosen = self.run_looks(**options)
+            seen = {one[:4] for one in chosen}
+            self.assertEqual(len(seen), len(whole) - left_out)
+            for i in range(4):
+                for j in range(i):
+                    self.assertEqual({(one[i], one[j]) for one in seen},
+                                     {(one[i], one[j]) for one in whole})
+            for what in ("thorough", "screen"):
+                self.assertEqual({one[:4] for one in chosen if getattr(one, what)},
+                                 {(language, 100, *looks.LOOKS[0]) for language in ("en", "qps-ploc")})
+        self.assertEqual(len(self.run_looks(quick=True)[1]), 3)
+
+    def test_what_breaks_a_rule_or_is_excepted_in_vain_fails(self):
+        self.assertEqual(self.run_looks()[0], 0)
+        self.assertEqual(self.run_looks(broken(place(2, height=16)))[0], 1)
+        self.exceptions = [{"rules": [6], "dialogs": ["*"], "reason": "it is so"}]
+        self.assertEqual(self.run_looks(broken(place(2, height=16)))[0], 0)
+        self.assertEqual(self.run_looks()[0], 1)
+        self.assertEqual(self.run_looks(quick=True)[0], 0)
+
+    def test_a_walk_that_stops_fails(self):
+        stopped = subprocess.Popen(["false"], start_new_session=True)
+        with mock.patch.object(looks, "start_walk", lambda *_: stopped), \
+                self.assertRaises(SystemExit):
+            list(looks.walk_on_screen([["any"]], Path()))
 
 
 if __name__ == "__main__":
