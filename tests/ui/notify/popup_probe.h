@@ -85,13 +85,20 @@ private:
 // A device context with a picture to draw on, of the skin's size or that of a resource.
 struct Canvas {
     explicit Canvas(UINT nBitmap = 0, CSize size = {340, 230}, int nDpi = 96)
-        : bitmap(nBitmap != 0 ? LoadResourcePicture(nBitmap, nDpi)
+        : bitmap(nBitmap != 0 ? PictureAt(nDpi, nBitmap)
                               : Bitmap(CreateBitmap(size.cx, size.cy, 1, 32, nullptr))) {}
     // A picture of the resources as it is at a resolution.
     void Lay(UINT nBitmap, int x, int y, int nDpi) const {
         const Canvas picture(nBitmap, {}, nDpi);
         const PixelSize size = SizeOf(picture.bitmap);
         BitBlt(dc.get(), x, y, size.nWidth, size.nHeight, picture.dc.get(), 0, 0, SRCCOPY);
+    }
+    // From the drawing for 200 % where that is nearer.
+    static Bitmap PictureAt(int nDpi, UINT nBitmap) {
+        const bool large = nDpi >= 144;
+        return ScaledTo(large ? nDpi / 2 : nDpi,
+                        LoadResourceBitmap(nBitmap + (large ? BITMAP_AT_200_PERCENT : 0)),
+                        Scaling::Smooth);
     }
     const MemoryDc dc{CreateCompatibleDC(nullptr)};
     const Bitmap bitmap;

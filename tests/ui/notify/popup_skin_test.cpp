@@ -3,6 +3,7 @@
 #include <set>
 
 #include "looks/colours.h"
+#include "platform/bitmap_image.h"
 #include "platform/resolution.h"
 #include "support/bitmap_header.h"
 #include "ui/dialogs/enlarged_dialogs.h"
@@ -126,66 +127,122 @@ TEST_F(PopupSkinTest, WearsAFileAndPutsTheTextWhereItIsTold) {
     EXPECT_EQ(Describe(Controls()[0]), "789 1,2,203,84 + y");
 }
 
+int WidthOf(HICON hIcon) {
+    ICONINFO info{};
+    GetIconInfo(hIcon, &info);
+    const Bitmap mask(info.hbmMask);
+    return SizeOf(Bitmap(info.hbmColor)).nWidth;
+}
+
 TEST_F(PopupSkinTest, GrowsAsAWholeWithTheResolution) {
-    const WrittenBitmap file({101, 101}, std::string(101 * 304, '\0'));
+    // Black, but for its right half.
+    std::string pixelsOfFile;
+    for (int i = 0; i < 101; ++i) {
+        pixelsOfFile += std::string(153, '\0') + std::string(151, '\xFF');
+    }
+    const WrittenBitmap file({101, 101}, pixelsOfFile);
     const Animation none(false);
     for (const int percent : {100, 150, 200}) {
         SCOPED_TRACE(percent);
         const EnlargedDialogs at(percent);
         const int dpi = 96 * percent / 100;
         const auto pixels = [=](int nPixels) { return PixelsAt(dpi, nPixels); };
-        Init(0);
+        Init(DIALOG_POPUP_CARD_OTP);
+        EXPECT_EQ(WidthOf(LoadResourceIcon(IDI_POPUP_OTP, pixels(32))), pixels(32));
         m_popup->Show();
         const CPoint corner(m_nRight - pixels(347), m_nBottom - pixels(236));
         EXPECT_EQ(Place(), CRect(corner, CSize(pixels(340) + m_nFrameX, pixels(230) + m_nFrameY)));
         EXPECT_EQ(DrawerOf(Controls()[0]).Margins(), CPoint(pixels(5), pixels(5)));
-        EXPECT_EQ(RectIn(*m_popup, Controls()[0]).TopLeft(), CPoint(pixels(40), pixels(13)));
-        EXPECT_EQ(m_popup->SetSkin(file.Name().c_str(), -1, -1, -1), 1);
+        const CPoint text(pixels(40), pixels(13));
+        EXPECT_EQ(RectIn(*m_popup, Controls()[0]).TopLeft(), text);
+        m_popup->SetThreadRoutine([](void*) -> DWORD { return 0; });
+        EXPECT_EQ(RectIn(*m_popup, FindWindowExA(*m_popup, nullptr, "VkProgressBar", nullptr)),
+                  CRect(pixels(15), pixels(20), pixels(340) - pixels(15), pixels(20) + pixels(15)));
+        EXPECT_EQ(m_popup->SetSkin(file.Name().c_str(), 0, 0, 0), 1);
+        RECT box{};
+        GetWindowRgnBox(*m_popup, &box);
+        EXPECT_EQ(box.left, pixels(51)) << "no mean of both colours";
+        SendPassword("x");
+        EXPECT_EQ(RectIn(*m_popup, Controls()[0]).TopLeft(), text);
         Send(WM_DISPLAYCHANGE);
         EXPECT_EQ(Place().Size(), CSize(pixels(101) + m_nFrameX, pixels(101) + m_nFrameY));
     }
 }
 
 BOOL g_bContrast = FALSE;
-// The program's own way to it leads to the function below while that stands there.
-decltype(&SystemParametersInfoA) g_pfnSystemParameters = nullptr;
+// By its own address: the import leads back here.
+auto* const g_pSystemParametersInfo = FindFunction<decltype(&SystemParametersInfoA)>(
+    GetModuleHandleA("user32.dll"), "SystemParametersInfoA");
 
 BOOL WINAPI TellContrast(UINT nAction, UINT nParameter, void* pParameter, UINT nChange) {
     if (nAction == SPI_GETHIGHCONTRAST) {
-        static_cast<HIGHCONTRASTA*>(pParameter)->dwFlags = g_bContrast ? HCF_HIGHCONTRASTON : 0;
-        return TRUE;
+        auto& contrast = *static_cast<HIGHCONTRASTA*>(pParameter);
+        contrast.dwFlags = g_bContrast ? HCF_HIGHCONTRASTON : 0;
+        return contrast.cbSize == sizeof contrast;
     }
-    return g_pfnSystemParameters(nAction, nParameter, pParameter, nChange);
+    return g_pSystemParametersInfo(nAction, nParameter, pParameter, nChange);
+}
+
+std::set<COLORREF> DrawnIn(HWND hControl) {
+    const Canvas sheet;
+    SendMessageA(hControl, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(sheet.dc.get()), 0);
+    std::set<COLORREF> drawn;
+    for (int i = 0; i < 280 * 12; ++i) {
+        drawn.insert(GetPixel(sheet.dc.get(), i % 280, i / 280));
+    }
+    return drawn;
 }
 
 TEST_F(PopupSkinTest, HasTheSystemsColoursInHighContrastAndFollowsThem) {
-    g_pfnSystemParameters = &SystemParametersInfoA;
     const PatchedImports system(nullptr, {{"SystemParametersInfoA", Address(&TellContrast)}});
     const Animation none(false);
     const looks::SystemColours colours("white-on-black");
+    g_bContrast = TRUE;
     Init(DIALOG_POPUP_CARD_OTP);
     m_popup->Show();
     SendPassword("<b>MMMM</b>");
-    for (const auto& [contrast, message] : {std::pair<BOOL, UINT>{FALSE, WM_NULL},
-                                            {TRUE, WM_SETTINGCHANGE},
-                                            {FALSE, WM_SYSCOLORCHANGE},
-                                            {TRUE, WM_THEMECHANGED}}) {
+    for (const auto& [contrast, message] : {std::pair<BOOL, UINT>{TRUE, WM_NULL},
+                                            {FALSE, WM_SETTINGCHANGE},
+                                            {FALSE, WM_THEMECHANGED},
+                                            {TRUE, WM_SYSCOLORCHANGE},
+                                            {TRUE, WM_SYSCOLORCHANGE},
+                                            {FALSE, WM_THEMECHANGED}}) {
+        const bool drawnAnew = message != WM_NULL && (contrast != FALSE || g_bContrast != FALSE);
         g_bContrast = contrast;
+        ValidateRect(*m_popup, nullptr);
         Send(message);
+        EXPECT_EQ(GetUpdateRect(*m_popup, nullptr, FALSE) != FALSE, drawnAnew) << message;
         for (const HWND control : Controls()) {
-            const Canvas sheet;
-            SendMessageA(control, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(sheet.dc.get()), 0);
-            std::set<COLORREF> drawn;
-            for (int i = 0; i < 300 * 12; ++i) {
-                drawn.insert(GetPixel(sheet.dc.get(), i % 300, i / 300));
-            }
+            const std::set<COLORREF> drawn = DrawnIn(control);
             const bool isLink = GetDlgCtrlID(control) == 790;
             const COLORREF text = isLink ? RGB(255, 255, 0) : RGB(255, 255, 255);
-            // The password, which is read first, is white at any time.
-            const bool isWhite = contrast != FALSE || control == Controls()[0];
-            EXPECT_EQ(drawn.contains(text) && drawn.contains(RGB(0, 0, 0)), isWhite);
+            // The password is white on the skin as well.
+            EXPECT_EQ(drawn.contains(text), contrast != FALSE || control == Controls()[0]);
         }
+        const Canvas ground;
+        Send(WM_ERASEBKGND, reinterpret_cast<WPARAM>(ground.dc.get()));
+        EXPECT_EQ(GetPixel(ground.dc.get(), 200, 60) == RGB(0, 0, 0), contrast != FALSE);
     }
+    // What comes after a password is no white text.
+    m_popup->InitWindow(m_host, DIALOG_POPUP_NO_READER, 0);
+    for (const BOOL contrast : {TRUE, FALSE}) {
+        g_bContrast = contrast;
+        Send(WM_THEMECHANGED);
+    }
+    EXPECT_TRUE(DrawnIn(Controls()[0]).contains(RGB(0, 0, 0)));
+}
+
+HBITMAP WINAPI MakeNone(HDC, const BITMAPINFO*, UINT, void**, HANDLE, DWORD) {
+    return nullptr;
+}
+
+TEST_F(PopupSkinTest, StaysASmallPictureWhereThereIsNoLargeOne) {
+    Bitmap pixel(CreateBitmap(1, 1, 1, 32, nullptr));
+    pixel = Scaled(std::move(pixel), {kMaxBitmapSide + 1, 1}, Scaling::Smooth);
+    EXPECT_EQ(SizeOf(pixel).nWidth, 1) << "too large";
+    const PatchedImports system(nullptr, {{"CreateDIBSection", Address(&MakeNone)}});
+    pixel = Scaled(std::move(pixel), {2, 2}, Scaling::Smooth);
+    EXPECT_EQ(SizeOf(pixel).nWidth, 1) << "no memory";
 }
 
 TEST_F(PopupSkinTest, WearsTheLibrarysOwnWithoutAColour) {
