@@ -166,12 +166,17 @@ TEST_F(PoliciesDialog, ScreenReaderHearsWhetherARuleIsMet) {
         const HWND text = panel.Control(IDC_POLICIES_MIN_TEXT);
         line = Accessible::Of(text);
         EXPECT_EQ(line.Number(&IAccessible::get_accRole, Child(0)), ROLE_SYSTEM_STATICTEXT);
+        EXPECT_EQ(SendMessageA(text, WM_GETOBJECT, 0, OBJID_WINDOW), 0) << "of its frame";
         const auto name = [&] { return line.Text(&IAccessible::get_accName, 0); };
         EXPECT_EQ(name(), "Minimum length: 4, not met");
         const HWINEVENTHOOK hook =
             SetWinEventHook(EVENT_OBJECT_NAMECHANGE, EVENT_OBJECT_NAMECHANGE, nullptr, &OnRenamed,
                             GetCurrentProcessId(), 0, WINEVENT_OUTOFCONTEXT);
         panel.Check("1234", "583", "583", "583");
+        panel.Host().ShowWindow(SW_HIDE);  // nobody is told of what cannot be seen
+        panel.Check("1234", "5838", "5838", "5838");
+        panel.Check("1234", "583", "583", "583");
+        panel.Host().ShowWindow(SW_SHOW);
         panel.Check("1234", "5838", "5838", "5838");
         EXPECT_TRUE(PumpUntil([] { return !g_renamed.empty(); }));
         EXPECT_EQ(g_renamed, std::vector{text}) << "the one that has turned";

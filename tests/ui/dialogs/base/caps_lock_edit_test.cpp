@@ -13,7 +13,7 @@
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "platform/handle.h"
 #include "support/waiting.h"
-#include "ui/dialogs/library_test.h"
+#include "ui/dialogs/enlarged_dialogs.h"
 
 namespace mvp::test {
 namespace {
@@ -147,6 +147,7 @@ TEST_F(OwnBalloon, FollowsFocusAndKeysAndGoesWithTheEdit) {
 }
 
 TEST_F(OwnBalloon, StandsByTheEditAndOnTheScreen) {
+    const EnlargedDialogs at(150);
     const int width = GetSystemMetrics(SM_CXSCREEN);
     for (const POINT& place : {POINT{400, 0}, {width - 60, 400}}) {
         TestEdit edit(true, place);
@@ -155,7 +156,8 @@ TEST_F(OwnBalloon, StandsByTheEditAndOnTheScreen) {
         ASSERT_TRUE(edit.ComesUp());
         const CRect rect = RectIn(nullptr, edit.m_hWnd);
         const CRect balloon = RectIn(nullptr, edit.Balloon());
-        EXPECT_EQ(balloon.top, place.y == 0 ? rect.bottom - 8 : rect.top - balloon.Height() + 4);
+        EXPECT_EQ(balloon.top, place.y == 0 ? rect.bottom - 12 : rect.top - balloon.Height() + 6);
+        EXPECT_EQ(SendMessageA(edit.Balloon(), TTM_GETMAXTIPWIDTH, 0, 0), 450);
         EXPECT_EQ(balloon.left, place.x == 400 ? rect.left : width - balloon.Width());
         // The pointer neither dismisses nor moves it.
         EXPECT_EQ(SendMessageA(edit.Balloon(), WM_MOUSEMOVE, 0, MAKELPARAM(3, 3)), 0);

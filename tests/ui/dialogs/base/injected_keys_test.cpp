@@ -314,6 +314,7 @@ TEST_F(InjectedKeysTest, HaveTheirLineFromRightToLeftAndOnTheScreen) {
         EXPECT_EQ(RectIn(nullptr, d.Control(IDOK)), before) << "the window has moved instead";
         EXPECT_EQ(RectIn(nullptr, d.Handle()).bottom, monitor.rcWork.bottom);
         EXPECT_EQ(ClippedBecause(Control::Of(d.Control(kText))), "");
+        EXPECT_TRUE(IsMirrored(d, kText) && !IsMirrored(d, IDC_INJECTED_KEYS_ICON));
         EXPECT_GT(RectIn(nullptr, d.Control(IDC_INJECTED_KEYS_ICON)).left,
                   RectIn(nullptr, d.Control(kText)).right);
         d.Escape();
