@@ -1,5 +1,6 @@
 #include "looks/listening.h"
 
+#include <utility>
 #include <vector>
 
 #include "looks/dialogs.h"
@@ -63,7 +64,12 @@ Json ListenToDialogs(const std::string& strOnly) {
 }
 
 Json ListenToFlows(const std::string& strOnly, int nKeys) {
-    return ListenTo(Flows(), "hear ", strOnly, nKeys);
+    std::vector<Entry> flows = Flows();
+    if (Entry broken = BrokenDialog(); strOnly == broken.strName) {
+        broken.states.push_back({kManyKeys, {}});
+        flows.push_back(std::move(broken));
+    }
+    return ListenTo(flows, "hear ", strOnly, nKeys);
 }
 
 }  // namespace looks

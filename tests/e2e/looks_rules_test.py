@@ -157,16 +157,33 @@ class RulesTest(unittest.TestCase):
             self.assertEqual(rules_of({**good_window(), "kind": "notice", "controls": controls}),
                              rules)
 
-    def test_a_live_window_is_measured(self):
+    def told(self, *words):
+        """What looks.exe tells."""
         with tempfile.TemporaryDirectory() as folder:
-            told = Path(folder) / "broken.json"
+            told = Path(folder) / "told.json"
             binaries = TOP / "build/windows/bin"
-            subprocess.run(["wine", binaries / "looks.exe", "--only", "broken", "--close-button",
-                            f"Z:{told}"], cwd=binaries / "en", timeout=60, check=True)
-            windows = json.loads(told.read_text())
+            subprocess.run(["wine", binaries / "looks.exe", *words, f"Z:{told}"],
+                           cwd=binaries / "en", timeout=60, check=True)
+            return json.loads(told.read_text())
+
+    def test_a_live_window_is_measured(self):
+        windows = self.told("--only", "broken", "--close-button")
         found = {(rule, number) for rule, number, _ in looks_rules.judge(windows[0])}
         self.assertEqual(found, {(12, 103), (12, 106), (13, 104), (16, 0), (18, 2), (18, 102),
                                  (19, 0), (20, 0), (21, 105), (23, 107)})
+
+    def test_what_a_live_notice_draws_is_measured(self):
+        texts = [control for control in self.told("--only", "popup-no-reader")[0]["controls"]
+                 if control["class"] == "Static"]
+        self.assertTrue(texts)
+        for text in texts:
+            left, top, right, bottom = text["ink"]
+            self.assertTrue(text["rect"][0] < left < right < text["rect"][2] and
+                            text["rect"][1] <= top < bottom <= text["rect"][3], text)
+
+    def test_keys_in_what_is_not_protected_are_counted(self):
+        steps = self.told("--listen", "flows", "--only", "broken", "--keys", "3")
+        self.assertEqual(steps[-1]["unprotected"], 3)
 
     def test_an_exception_is_of_its_rule_dialog_and_control_alone(self):
         exception = {"rules": [6], "dialogs": ["sam*"], "controls": [2], "reason": "it is so"}
