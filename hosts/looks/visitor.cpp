@@ -55,14 +55,15 @@ bool Visitor::Visit(const std::string& strDialog, const std::function<void()>& o
     m_closing = closing;
     m_bOpen = true;
     m_nState = 0;
-    m_nClosings = 0;
+    m_hClosing = nullptr;
+    m_bAsAsked = true;
     open();
     m_bOpen = false;
     if (m_nState < m_states.size()) {
         throw std::runtime_error(strDialog + " was not seen in the state " +
                                  m_states[m_nState].strName);
     }
-    return m_nClosings == 1;
+    return m_bAsAsked && m_hClosing != nullptr;
 }
 
 void CALLBACK Visitor::OnTimer(HWND, UINT, UINT_PTR, DWORD) {
@@ -110,8 +111,11 @@ bool Visitor::LookAt(HWND hWindow, const State& state) {
 }
 
 void Visitor::Close(HWND hWindow) {
-    ++m_nClosings;
-    if (mvp::ClassOf(hWindow) != "#32770") {
+    m_nClosings = hWindow == m_hClosing ? m_nClosings + 1 : 1;
+    m_hClosing = hWindow;
+    const bool notice = mvp::ClassOf(hWindow) != "#32770";
+    m_bAsAsked = m_bAsAsked && !notice && m_nClosings == 1;
+    if (notice) {
         PostMessageA(hWindow, WM_POPUP_LINK_CLICKED, 0, 0);
     } else if (m_nClosings > 2) {
         DestroyWindow(hWindow);

@@ -39,7 +39,8 @@ public:
 
     enum class Closing { Escape, CloseButton };
 
-    // `open` returns when the dialog has closed. Returns whether the way of closing it was enough.
+    // `open` returns when the dialog has closed. Returns whether the way of closing it was enough,
+    // for each window that it has opened; a notice, which takes no focus, is closed by its link.
     // Throws std::runtime_error when a state was not seen.
     bool Visit(const std::string& strDialog, const std::function<void()>& open,
                std::vector<State> states, Closing closing);
@@ -62,7 +63,9 @@ private:
     bool m_bStepping = false;
     bool m_bTyped = false;  // the state has been typed and is looked at next
     int m_nSettled = 0;     // steps since it was looked at; what was painted is shown meanwhile
-    int m_nClosings = 0;    // how often it has been told to close
+    HWND m_hClosing = nullptr;
+    int m_nClosings = 0;  // how often that one has been told to close
+    bool m_bAsAsked = true;
 };
 
 }  // namespace looks
