@@ -102,6 +102,7 @@ protected:
     BOOL OnInitDialog() override {
         const BOOL result = Dialog::OnInitDialog();
         m_fill(this->m_hWnd);
+        ::ShowWindow(this->m_hWnd, SW_SHOW);
         PostMessageA(this->m_hWnd, WM_COMMAND, IDOK, 0);
         return result;
     }
