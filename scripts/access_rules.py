@@ -15,6 +15,9 @@ PLAIN_FIELDS = ("Challenge:", "days before expiry")
 RULES = "PIN rules"
 TAKES_INPUT = ("push button", "check button", "radio button", "link", "text", "list", "spin box")
 # A part of its list, and a part of the field before it, which the arrow keys turn.
+PROGRESS = "VkProgressBar"
+# What the system says of a window that says nothing of itself.
+ROLELESS = ("client", "window")
 PARTS = ("SysHeader32", "msctls_updown32")
 
 
@@ -27,8 +30,15 @@ def things_of(seen):
 
 
 def named(seen):
-    """Every control that takes the focus has a name, and so has every window."""
+    """Every control that takes the focus has a name, and so has every window; what can take it, and
+    a bar of progress, has a role besides."""
     for thing in things_of(seen):
+        seen_to = thing["class"] == PROGRESS or (
+            "focusable" in thing["states"] and thing["class"] not in PARTS)
+        if seen_to and "invisible" not in thing["states"]:
+            if not thing.get("name") or thing["role"] in ROLELESS:
+                yield f"a {thing['role']} of the class {thing['class']} has no name or no role"
+            continue
         if (thing["role"] in TAKES_INPUT or thing is seen["tree"]) and not thing.get("name") \
                 and thing["class"] not in PARTS:
             yield f"a {thing['role']} has no name"
@@ -75,11 +85,14 @@ def rules_spoken(seen):
 
 def read_in_order(seen):
     """What stands above is read before."""
-    if seen["kind"] != "dialog":
+    if seen["kind"] == "message box":
         return
+    # In a notice the links stand in groups of their own.
+    apart = ("graphic", "separator") if seen["kind"] == "notice" else (
+        "graphic", "separator", "grouping")
     for parent in things_of(seen):
         children = [child for child in parent.get("children", [])
-                    if child["role"] not in ("graphic", "separator", "grouping")]
+                    if child["role"] not in apart]
         for before, after in zip(children, children[1:]):
             if after["rect"][1] + after["rect"][3] <= before["rect"][1]:
                 yield f"{name_of(after)} is read behind {name_of(before)}"
@@ -143,9 +156,28 @@ def heard_of(step):
         yield step["focus"]
 
 
+def types_secrets(steps):
+    return any(step["state"] and step["state"] in SECRET_CHARACTERS for step in steps)
+
+
+def keys_arrive(steps):
+    """What is typed comes into protected fields, each of which Tab leaves, and something tells of
+    it."""
+    if not types_secrets(steps):
+        return
+    if "star" not in transcript(steps).split():
+        yield "no protected field had the focus when it was typed"
+    places = [(step.get("focus") or {}).get("window") for step in steps]
+    for step, before, after in zip(steps[1:], places, places[1:]):
+        if step["state"] in ("Tab", "Shift+Tab") and before == after:
+            yield f"{step['state']} left the focus where it was"
+    if len(set(places)) == 1 and not any(step["events"] for step in steps[1:]):
+        yield "no key has arrived"
+
+
 def secrets_kept(steps):
     """Nothing of what was typed is in anything that was told or would be spoken."""
-    if not any(step["state"] in SECRET_CHARACTERS and step["state"] for step in steps):
+    if not types_secrets(steps):
         return
     for step in steps:
         for thing in heard_of(step):
@@ -164,6 +196,17 @@ def keys_protected(steps):
             yield f"after {step['unprotected']} of many keys the field was not protected"
 
 
+FLOW_RULES = (keys_arrive, secrets_kept, keys_protected)
+
+
+def unheard(names, dialogs, flows):
+    """What is wrong when less was heard than was asked for; nothing when it was not."""
+    missing = [name for name in names if name not in dialogs and name not in flows]
+    if missing:
+        return f"there is no dialog or flow {', '.join(missing)}"
+    return "" if names or dialogs and flows else "nothing was heard"
+
+
 def broken(dialogs, flows):
     """What breaks the rules. Both map a name to its states or steps."""
     for name, states in dialogs.items():
@@ -172,5 +215,5 @@ def broken(dialogs, flows):
                 yield from (f"{name}, {seen['state']}: {what}" for what in rule(seen))
         yield from (f"{name}, {what}" for what in changes_announced(states))
     for name, steps in flows.items():
-        for rule in (secrets_kept, keys_protected):
+        for rule in FLOW_RULES:
             yield from (f"{name}: {what}" for what in rule(steps))

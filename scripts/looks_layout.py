@@ -2,11 +2,13 @@
 
 import math
 
-from looks_window import CANCEL, EDIT, LIST, OK, SLACK, SPIN, STATIC, apart
+from looks_window import CANCEL, EDIT, LIST, OK, PICTURES, SLACK, SPIN, STATIC, apart
 
 
 def margins(w):
-    for c in w.plain():
+    for c in w.controls:
+        if c.id in PICTURES:
+            continue
         for side, gap in (("left", c.left / w.x), ("top", c.top / w.y),
                           ("right", (w.width - c.right) / w.x),
                           ("bottom", (w.height - c.bottom) / w.y)):
@@ -15,6 +17,9 @@ def margins(w):
 
 
 def labels(w):
+    for field in w.controls:
+        if field.kind in (EDIT, LIST) and not w.label_of(field):
+            yield field.id, f"{field.name()} has no label"
     for label, field in zip(w.controls, w.controls[1:]):
         if not label.is_text() or field.kind not in (EDIT, LIST):
             continue

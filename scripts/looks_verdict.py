@@ -2,7 +2,7 @@
 
 An exception is an object of a JSON file: the numbers of its "rules", its "dialogs" (with * for any
 characters), the numbers of its "controls" (none: all of them, and the window), its "languages" (none:
-all), and the "reason": what the product promises that forces it.
+all), a part of the "fault" that it is of (none: any), and the "reason": what the product promises that forces it.
 """
 
 import collections
@@ -11,6 +11,11 @@ import json
 import re
 
 import looks_rules
+
+
+def unopened(windows, dialogs):
+    """The dialogs that a walk has not seen."""
+    return sorted(set(dialogs) - {window["dialog"] for window in windows})
 
 
 class Verdict:
@@ -24,13 +29,14 @@ class Verdict:
         self.dialogs = {}
         self.languages = set()
 
-    def excuse(self, dialog, rule, control, language):
+    def excuse(self, dialog, rule, control, language, fault):
         for index, one in enumerate(self.exceptions):
             if (rule in one["rules"] and
                     any(fnmatch.fnmatchcase(dialog, name) for name in one["dialogs"]) and
                     control in one.get("controls", [control]) and
-                    language in one.get("languages", [language])):
-                self.used[index] += 1
+                    language in one.get("languages", [language]) and
+                    one.get("fault", "") in fault):
+                self.used[index, rule] += 1
                 return True
         return False
 
@@ -41,7 +47,7 @@ class Verdict:
             dialog = window["dialog"]
             self.dialogs.setdefault(dialog, None)
             for rule, control, fault in looks_rules.judge(window, language, buttons):
-                if self.excuse(dialog, rule, control, language):
+                if self.excuse(dialog, rule, control, language, fault):
                     self.excused[dialog, rule] += 1
                 else:
                     where = f"{combination}, {window['state']}"
@@ -63,7 +69,7 @@ class Verdict:
             print(f"{number:4} {name} ({', '.join(kinds)})")
         print("\nExceptions:")
         for index, one in enumerate(self.exceptions):
-            if self.used[index]:
+            if any(self.used[index, rule] for rule in one["rules"]):
                 print(f"  rule {', '.join(map(str, one['rules']))}, {' '.join(one['dialogs'])}: "
                       f"{one['reason']}")
         print("\nNot held by a program:")
@@ -79,5 +85,8 @@ class Verdict:
                     print(f"    {fault}\n        ({where})")
 
     def stale(self):
-        return [one for index, one in enumerate(self.exceptions) if not self.used[index] and
-                self.languages.intersection(one.get("languages", self.languages))]
+        """The exceptions that were not made use of, each with the rules of which that is so."""
+        unused = [{**one, "rules": [rule for rule in one["rules"] if not self.used[index, rule]]}
+                  for index, one in enumerate(self.exceptions)
+                  if self.languages.intersection(one.get("languages", self.languages))]
+        return [one for one in unused if one["rules"]]

@@ -8,6 +8,7 @@ PICTURES = {3047, 3048, 3075, 3076}
 # The edits of codes and challenges, which everybody reads from the left.
 CODES = {3026, 3030, 3045, 3053, 3055, 3057}
 OK, CANCEL = 1, 2
+TAB_STOP, SCROLLED_ACROSS = 0x10000, 0x100000  # of styles
 SLACK = 0.75  # of a unit: what rounding to pixels takes
 
 EDIT, BUTTON, STATIC, LIST, SPIN = "Edit", "Button", "Static", "SysListView32", "msctls_updown32"
@@ -39,6 +40,9 @@ class Control:
 
     def is_choice(self):
         return self.kind == BUTTON and self.type() in (2, 3, 4, 5, 6, 9)
+
+    def is_radio_button(self):
+        return self.kind == BUTTON and self.type() in (4, 9)
 
     def is_group(self):
         return self.kind == BUTTON and self.type() == 7
@@ -82,6 +86,16 @@ class Window:
         return not any(c.kind == LIST or (c.kind == EDIT and not c.style & 0x800) or
                        (c.is_choice() and c.type() not in (2, 3)) for c in self.controls)
 
+    def label_of(self, field):
+        """The text, or the button of a choice, right before a field."""
+        before = self.controls[:self.controls.index(field)][-1:]
+        return next((c for c in before if c.text and (c.is_text() or c.is_choice())), None)
+
+    def parent_of(self, control):
+        """What it stands in, if that is not the window itself."""
+        index = control.raw["parent"]
+        return None if index is None else self.all[index]
+
     def by_id(self, number):
         return next((c for c in self.controls if c.id == number), None)
 
@@ -91,3 +105,14 @@ def apart(one, other):
     across = max(one.left, other.left) - min(one.right, other.right)
     down = max(one.top, other.top) - min(one.bottom, other.bottom)
     return across / one.window.x, down / one.window.y
+
+
+def lie_over(one, other):
+    """Whether something of both is drawn at one place."""
+    return (max(one.ink[0], other.ink[0]) < min(one.ink[2], other.ink[2]) and
+            max(one.ink[1], other.ink[1]) < min(one.ink[3], other.ink[3]))
+
+
+def is_within(one, other):
+    return (one.left >= other.left and one.top >= other.top and one.right <= other.right and
+            one.bottom <= other.bottom)

@@ -147,7 +147,6 @@ Json Describe(HWND hWindow, HWND hControl, const Picture& picture) {
         {"rect", Numbers(rect)},
         {"style", static_cast<std::uint32_t>(style)},
         {"mirrored", IsMirrored(hControl)},
-        {"parent", GetParent(hControl) == hWindow ? 0 : GetDlgCtrlID(GetParent(hControl))},
         {"visible", IsWindowVisible(hControl) != FALSE},
         {"enabled", IsWindowEnabled(hControl) != FALSE},
         {"focus", GetFocus() == hControl},
@@ -169,6 +168,29 @@ Json Describe(HWND hWindow, HWND hControl, const Picture& picture) {
         }
     }
     return control;
+}
+
+// The room that the title needs, and what the caption has for it beside the close button.
+Json CaptionOf(HWND hWindow) {
+    const LONG_PTR style = GetWindowLongPtrW(hWindow, GWL_STYLE);
+    if ((style & WS_CAPTION) != WS_CAPTION) {
+        return nullptr;
+    }
+    constexpr int kGap = 2;
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    const mvp::Font font(CreateFontIndirectW(&metrics.lfCaptionFont));
+    const mvp::WindowDc device(hWindow);
+    const mvp::DcSelection selection(device.get(), font.get());
+    const std::wstring title = TextOf(hWindow);
+    RECT need{};
+    DrawTextW(device.get(), title.c_str(), static_cast<int>(title.size()), &need,
+              DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+    RECT client{};
+    GetClientRect(hWindow, &client);
+    const int button = (style & WS_SYSMENU) != 0 ? metrics.iCaptionWidth : 0;
+    return {{"width", need.right}, {"room", client.right - button - 2 * kGap}};
 }
 
 BOOL CALLBACK Collect(HWND hWnd, LPARAM lParam) {
@@ -268,6 +290,7 @@ Json Walk(HWND hWindow) {
     Json walked{{"class", mvp::ClassOf(hWindow)},
                 {"title", Utf8(TextOf(hWindow))},
                 {"rect", Numbers(whole)},
+                {"caption", CaptionOf(hWindow)},
                 {"owner", OwnerOf(hWindow)},
                 {"mirrored", IsMirrored(hWindow)},
                 {"client", {client.right, client.bottom}},
@@ -282,6 +305,10 @@ Json Walk(HWND hWindow) {
     EnumChildWindows(hWindow, &Collect, reinterpret_cast<LPARAM>(&controls));
     for (HWND control : controls) {
         walked["controls"].push_back(Describe(hWindow, control, picture));
+        // The control that it stands in, by its place among them.
+        const auto parent = std::ranges::find(controls, GetParent(control));
+        walked["controls"].back()["parent"] =
+            parent == controls.end() ? Json() : Json(parent - controls.begin());
     }
     // The texts of a notice are the rich-text engine's, and it takes no focus.
     const bool notice = walked["units"].is_null();

@@ -78,13 +78,20 @@ def change(window, **values):
 
 
 BROKEN_STATES = {
-    "named": [change(99, name=None), change(9, name=None)],
+    "named": [change(99, name=None), change(9, name=None),
+              change(8, **{"class": "VkProgressBar", "role": "progress bar", "name": None}),
+              change(8, **{"class": "VkProgressBar", "role": "client"}),
+              change(8, role="client", states=["focusable"])],
     "groups_named": [change(6, name=None)],
     "pictures_nameless": [change(7, name="\uffff")],
     "by_keyboard": [lambda seen: seen["tabs"].remove(10), change(8, action="Press"),
                     change(8, role="radio button")],
     "rules_spoken": [change(8, name="Digits only")],
-    "read_in_order": [lambda seen: seen["tree"]["children"].reverse()],
+    "read_in_order": [
+        lambda seen: seen["tree"]["children"].reverse(),
+        lambda seen: (seen.update(kind="notice"),
+                      seen["tree"].update(children=[thing(21, "grouping", "Show help", 40),
+                                                    thing(22, "static text", "A title", 10)]))],
     "fields_protected": [
         change(2, states=["focusable"]), change(2, value="1234"), change(2, name="Code:"),
         change(2, value=""),
@@ -132,6 +139,24 @@ class Rules(unittest.TestCase):
             self.assertTrue(list(access_rules.secrets_kept(flow)))
         many = [{**good_flow()[1], "state": "many keys", "unprotected": 1}]
         self.assertEqual(len(list(access_rules.keys_protected(many))), 1)
+
+
+    def test_keys_that_arrive_nowhere_are_missed(self):
+        flow = good_flow()
+        self.assertEqual(list(access_rules.keys_arrive(flow)), [])
+        tab = {**flow[1], "state": "Tab", "events": []}
+        button = thing(9, "push button", "OK", 80, kind="Button")
+        for spoiled in ([flow[0], {**flow[1], "events": []}], [*flow, tab],
+                        [{**flow[0], "focus": button}, flow[1]]):
+            self.assertTrue(list(access_rules.keys_arrive(spoiled)))
+
+    def test_what_was_not_heard_is_missed(self):
+        heard = {"a": [good_state()]}, {"b": good_flow()}
+        self.assertEqual(access_rules.unheard([], *heard), "")
+        self.assertEqual(access_rules.unheard(["a"], *heard), "")
+        for names, dialogs, flows in ((["c"], *heard), ([], {}, heard[1]), ([], heard[0], {}),
+                                      ([], {}, {})):
+            self.assertTrue(access_rules.unheard(names, dialogs, flows))
 
 
 class Transcript(unittest.TestCase):
