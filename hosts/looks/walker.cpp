@@ -170,7 +170,7 @@ Json Describe(HWND hWindow, HWND hControl, const Picture& picture) {
     return control;
 }
 
-// The room that the title needs, and what the caption has for it beside the close button.
+// The room that the title needs, and what the caption has for it between icon and close button.
 Json CaptionOf(HWND hWindow) {
     const LONG_PTR style = GetWindowLongPtrW(hWindow, GWL_STYLE);
     if ((style & WS_CAPTION) != WS_CAPTION) {
@@ -190,7 +190,10 @@ Json CaptionOf(HWND hWindow) {
     RECT client{};
     GetClientRect(hWindow, &client);
     const int button = (style & WS_SYSMENU) != 0 ? metrics.iCaptionWidth : 0;
-    return {{"width", need.right}, {"room", client.right - button - 2 * kGap}};
+    const bool drawn = SendMessageW(hWindow, WM_GETICON, ICON_SMALL, 0) != 0 ||
+                       SendMessageW(hWindow, WM_GETICON, ICON_BIG, 0) != 0;
+    const int icon = drawn ? GetSystemMetrics(SM_CXSMICON) + kGap : 0;
+    return {{"width", need.right}, {"room", client.right - icon - button - 2 * kGap}};
 }
 
 BOOL CALLBACK Collect(HWND hWnd, LPARAM lParam) {
