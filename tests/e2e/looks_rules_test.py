@@ -239,13 +239,15 @@ class LooksTest(unittest.TestCase):
             chosen.extend(combinations)
             return [(one, [walked or good_window()]) for one in combinations]
 
-        with mock.patch.multiple(looks, languages=lambda: ["en", "qps-ploc"], walk_all=walk_all), \
+        with mock.patch.multiple(looks, languages=lambda: ["en", "qps-ploc"], walk_all=walk_all,
+                                 DIALOGS=self.dialogs), \
                 mock.patch.object(Path, "read_text", lambda _: json.dumps(self.exceptions)), \
                 mock.patch("builtins.print"):
             return looks.run(options, Path()), chosen
 
     def setUp(self):
         self.exceptions = []
+        self.dialogs = ["sample"]
 
     def test_each_pair_of_settings_is_looked_at(self):
         whole = [(language, percent, *look) for language in ("en", "qps-ploc")
@@ -271,7 +273,10 @@ class LooksTest(unittest.TestCase):
         self.assertEqual(self.run_looks()[0], 1)
         self.assertEqual(self.run_looks(quick=True)[0], 0)
 
-    def test_a_walk_that_stops_fails(self):
+    def test_a_walk_that_stops_or_leaves_a_dialog_out_fails(self):
+        self.dialogs = ["sample", "another"]
+        with self.assertRaises(SystemExit):
+            self.run_looks()
         stopped = subprocess.Popen(["false"], start_new_session=True)
         with mock.patch.object(looks, "start_walk", lambda *_: stopped), \
                 self.assertRaises(SystemExit):
