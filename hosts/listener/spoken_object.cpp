@@ -7,6 +7,7 @@
 
 #include "common/accessible.h"
 #include "common/thread_windows.h"
+#include "common/utf8.h"
 #include "listener/stock_controls.h"
 
 namespace listener {
@@ -15,14 +16,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 using mvp::Accessible;
-
-std::string Utf8(const std::wstring& text) {
-    std::string utf8(text.size() * 3, '\0');
-    utf8.resize(static_cast<std::size_t>(
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf8.data(),
-                            static_cast<int>(utf8.size()), nullptr, nullptr)));
-    return utf8;
-}
 
 using TextGetter = HRESULT (STDMETHODCALLTYPE IAccessible::*)(VARIANT, BSTR*);
 
@@ -37,7 +30,7 @@ Answer Ask(const Accessible& object, TextGetter getter, long nChild) {
     Answer answer;
     answer.hr = (object.get()->*getter)(mvp::Child(nChild), &str);
     if (str != nullptr) {
-        answer.strText = Utf8(std::wstring(str, SysStringLen(str)));
+        answer.strText = mvp::Utf8(std::wstring(str, SysStringLen(str)));
         SysFreeString(str);
     }
     return answer;
@@ -53,7 +46,7 @@ template <UINT(WINAPI* pfnText)(DWORD, LPWSTR, UINT)>
 std::string Word(long nWhich) {
     wchar_t word[100] = L"";
     pfnText(static_cast<DWORD>(nWhich), word, 100);
-    return Utf8(word);
+    return mvp::Utf8(word);
 }
 
 Json StatesOf(long nState) {
@@ -91,7 +84,7 @@ Json Describe(const Accessible& object, HWND hWnd, long nChild) {
         facts.nState = stock.nState;
         if (facts.nRole == ROLE_SYSTEM_CLIENT) {
             facts = stock;
-            name = facts.bLabelled ? Utf8(LabelOf(hWnd)) : name;
+            name = facts.bLabelled ? mvp::Utf8(LabelOf(hWnd)) : name;
         }
     }
     Json told{{"window", reinterpret_cast<UINT_PTR>(hWnd)},

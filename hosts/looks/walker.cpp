@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "common/thread_windows.h"
+#include "common/utf8.h"
 #include "looks/contrast.h"
 #include "platform/handle.h"
 #include "platform/window_dpi.h"
@@ -14,14 +15,6 @@ namespace looks {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string Utf8(const std::wstring& text) {
-    std::string utf8(text.size() * 3, '\0');
-    utf8.resize(static_cast<std::size_t>(
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf8.data(),
-                            static_cast<int>(utf8.size()), nullptr, nullptr)));
-    return utf8;
-}
 
 std::wstring TextOf(HWND hWnd) {
     std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(hWnd)) + 1, L'\0');
@@ -143,7 +136,7 @@ Json Describe(HWND hWindow, HWND hControl, const Picture& picture) {
     Json control{
         {"id", GetDlgCtrlID(hControl)},
         {"class", name},
-        {"text", Utf8(text)},
+        {"text", mvp::Utf8(text)},
         {"rect", Numbers(rect)},
         {"style", static_cast<std::uint32_t>(style)},
         {"mirrored", IsMirrored(hControl)},
@@ -152,7 +145,7 @@ Json Describe(HWND hWindow, HWND hControl, const Picture& picture) {
         {"focus", GetFocus() == hControl},
         {"code", SendMessageW(hControl, WM_GETDLGCODE, 0, 0)},
         {"font",
-         {Utf8(static_cast<const wchar_t*>(font.lfFaceName)), font.lfHeight, font.lfWeight}}};
+         {mvp::Utf8(static_cast<const wchar_t*>(font.lfFaceName)), font.lfHeight, font.lfWeight}}};
     const UINT format = FormatOf(name, style);
     if (format != 0 && !text.empty()) {
         const bool prefix = name != "Static" || (style & SS_NOPREFIX) == 0;
@@ -291,7 +284,7 @@ Json Walk(HWND hWindow) {
     RECT work{};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
     Json walked{{"class", mvp::ClassOf(hWindow)},
-                {"title", Utf8(TextOf(hWindow))},
+                {"title", mvp::Utf8(TextOf(hWindow))},
                 {"rect", Numbers(whole)},
                 {"caption", CaptionOf(hWindow)},
                 {"owner", OwnerOf(hWindow)},
