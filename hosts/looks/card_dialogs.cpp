@@ -180,8 +180,7 @@ std::vector<Entry> CardDialogs() {
     return {
         {"unlock-challenge", UnlockBy(&Challenge), {{"empty", {}}, {"typed", Typed(unlocking)}}},
         {"unlock-challenge-help-desk",
-         Under("GlobalConfig", "ContactTel", std::string(helpDesk),
-               UnlockBy(&Challenge, kLongReader)),
+         Under(mvp::settings::kContactTel, helpDesk, UnlockBy(&Challenge, kLongReader)),
          {{"empty", {}}}},
         {"unlock-challenge-warning",
          WithInjectedKeys(1, UnlockBy(&Challenge)),
@@ -248,7 +247,7 @@ std::vector<Entry> CardDialogs() {
          {{"sent by a program", SentTo(IDC_RESET_CARD_PIN_EDIT)}}},
         {"card-manager-locked", TellOfLockedManager, {{"shown", {}}}},
         {"card-manager-locked-long",
-         Under("PXRM", "BlockedCardManagerMessage", std::string(message), TellOfLockedManager),
+         Under(mvp::settings::kBlockedCardManagerMessage, message, TellOfLockedManager),
          {{"shown", {}}}},
     };
 }

@@ -11,6 +11,7 @@
 
 #include "common/thread_windows.h"
 #include "pinhost/popup_room.h"
+#include "settings/settings.h"
 
 namespace looks {
 
@@ -37,18 +38,17 @@ inline std::function<void(HWND)> SentTo(int nId) {
 }
 
 // Opens it under a setting of the machine's.
-template <typename Value>
-std::function<void()> Under(const char* pszKey, const char* pszName, Value value,
-                            std::function<void()> open) {
+template <typename Setting, typename Value>
+std::function<void()> Under(const Setting& setting, Value value, std::function<void()> open) {
     return [=] {
         pinhost::OwnConfiguration configuration;
-        configuration.Set(pszKey, pszName, value);
+        configuration.Set(setting, value);
         open();
     };
 }
 
 inline std::function<void()> WithInjectedKeys(DWORD dwPolicy, std::function<void()> open) {
-    return Under("AuthenticationDialog", "InjectedKeys", dwPolicy, std::move(open));
+    return Under(mvp::settings::kInjectedKeys, dwPolicy, std::move(open));
 }
 
 }  // namespace looks

@@ -50,8 +50,9 @@ void ChangePin(const PwdRuleArgs& rules, bool bCurrent, const char* pszReader = 
 
 void ChangeEmbedded() {
     ChangedPin pin;
-    pinhost::ChangePinEmbedded(
-        {&kRules, kReader, true, pin.next, &pin.nextSize, pin.current, &pin.currentSize});
+    PinHostChangePin request{&kRules,     kReader,          true, pin.next, &pin.nextSize,
+                             pin.current, &pin.currentSize, 0};
+    pinhost::ChangePinEmbedded(request);
 }
 
 // Under every rule there is, or under none but the confirmation's.

@@ -15,6 +15,7 @@
 #include "pinhost/flows/popup_flow.h"
 #include "pinhost/popup_room.h"
 #include "resources/resource_numbers.h"
+#include "settings/settings.h"
 
 namespace looks {
 
@@ -55,11 +56,11 @@ std::function<void()> Expiry(__time64_t nCard, Certificates certificates, bool b
 
 void ExpiryWithLongSentence() {
     pinhost::OwnConfiguration configuration;
-    configuration.Set("GlobalConfig", "ValidityCheckSentence",
-                      std::string("Ask the staff of the card office on the ground floor for a new "
-                                  "card as long as the old one still works, and bring the old one "
-                                  "with you. They are there on working days from 8 to 18. What was "
-                                  "encrypted with the old card stays readable."));
+    configuration.Set(mvp::settings::kValiditySentence,
+                      "Ask the staff of the card office on the ground floor for a new "
+                      "card as long as the old one still works, and bring the old one "
+                      "with you. They are there on working days from 8 to 18. What was "
+                      "encrypted with the old card stays readable.");
     Expiry(kExpiring, kTwo)();
 }
 
@@ -81,18 +82,21 @@ void BringPassword(HWND hWindow) {
 std::function<void()> Popup(int nType, bool bHelp, const char* pszMessage = "") {
     return [=] {
         pinhost::OwnConfiguration configuration;
-        for (const char* notice :
-             {R"(Notification\SmartCardPresenceWarning)", R"(Notification\NoReaderWarning)"}) {
-            configuration.Set(notice, "Enable", 1);
-            configuration.Set(notice, "Duration", 60);
-            // One with a link in it gives way to the library's own text.
-            configuration.Set(notice, "Message",
-                              std::string(*pszMessage != '\0' ? pszMessage : "<a href=\"\">"));
+        namespace settings = mvp::settings;
+        for (const auto& enable : {settings::kNoReaderEnable, settings::kCardPresenceEnable}) {
+            configuration.Set(enable, 1);
         }
-        configuration.Set("SmartCardAgent", "OTPWindowTimeout", 60);
-        configuration.Set("Notification", "Enablenotificationbip", 0UL);
+        for (const auto& duration : {settings::kNoReaderDuration, settings::kCardPresenceDuration,
+                                     settings::kOtpTimeout}) {
+            configuration.Set(duration, 60);
+        }
+        for (const auto& message : {settings::kNoReaderMessage, settings::kCardPresenceMessage}) {
+            // One with a link in it gives way to the library's own text.
+            configuration.Set(message, *pszMessage != '\0' ? pszMessage : "<a href=\"\">");
+        }
+        configuration.Set(settings::kNotificationBeep, 0);
         if (bHelp) {
-            configuration.Set("GlobalConfig", "VeskaraHelpPath", std::string("veskara.chm"));
+            configuration.Set(settings::kHelpPath, "veskara.chm");
         }
         PinHostPopup request{};
         request.nType = nType;

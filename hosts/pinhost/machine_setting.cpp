@@ -1,6 +1,7 @@
 #include "pinhost/machine_setting.h"
 
 #include "pinhost/command.h"
+#include "platform/machine_registry.h"
 
 namespace pinhost {
 namespace {
@@ -12,24 +13,25 @@ LSTATUS SetBytes(HKEY hKey, const char* pszName, DWORD dwType, const std::string
 
 }  // namespace
 
-MachineSetting::MachineSetting(const char* pszKey, const char* pszName, const std::string& strText)
-    : m_pszName(pszName) {
-    LSTATUS error = RegCreateKeyExA(HKEY_LOCAL_MACHINE, pszKey, 0, nullptr, REG_OPTION_VOLATILE,
-                                    KEY_READ | KEY_WRITE, nullptr, m_key.put(), nullptr);
+MachineSetting::MachineSetting(const mvp::TextSetting& setting, const std::string& strText)
+    : m_pszName(setting.pszName) {
+    LSTATUS error =
+        RegCreateKeyExA(HKEY_LOCAL_MACHINE, setting.pszKey, 0, nullptr, REG_OPTION_VOLATILE,
+                        KEY_READ | KEY_WRITE | mvp::kMachineView, nullptr, m_key.put(), nullptr);
     if (error == ERROR_SUCCESS) {
         DWORD size = 0;
-        m_bWasThere = RegQueryValueExA(m_key.get(), pszName, nullptr, nullptr, nullptr, &size) ==
+        m_bWasThere = RegQueryValueExA(m_key.get(), m_pszName, nullptr, nullptr, nullptr, &size) ==
                       ERROR_SUCCESS;
         m_strBefore.resize(size);
-        error = m_bWasThere ? RegQueryValueExA(m_key.get(), pszName, nullptr, &m_dwTypeBefore,
+        error = m_bWasThere ? RegQueryValueExA(m_key.get(), m_pszName, nullptr, &m_dwTypeBefore,
                                                reinterpret_cast<BYTE*>(m_strBefore.data()), &size)
                             : ERROR_SUCCESS;
     }
     if (error == ERROR_SUCCESS) {
-        error = SetBytes(m_key.get(), pszName, REG_SZ, strText + '\0');
+        error = SetBytes(m_key.get(), m_pszName, REG_SZ, strText + '\0');
     }
     if (error != ERROR_SUCCESS) {
-        throw EnvironmentError(std::string("the machine's setting ") + pszName +
+        throw EnvironmentError(std::string("the machine's setting ") + m_pszName +
                                " cannot be written (error " + std::to_string(error) + ")");
     }
 }

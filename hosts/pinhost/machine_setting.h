@@ -9,14 +9,15 @@
 #include <string>
 
 #include "platform/handle.h"
+#include "settings/setting.h"
 
 namespace pinhost {
 
 class MachineSetting {
 public:
-    // The key's path is below the local-machine hive; a missing one is made, until the machine is
-    // started anew. Texts are ANSI. Throws EnvironmentError when the system refuses.
-    MachineSetting(const char* pszKey, const char* pszName, const std::string& strText);
+    // A missing key is made, until the machine is started anew. Texts are ANSI. Throws
+    // EnvironmentError when the system refuses.
+    MachineSetting(const mvp::TextSetting& setting, const std::string& strText);
     MachineSetting(const MachineSetting&) = delete;
     MachineSetting& operator=(const MachineSetting&) = delete;
     ~MachineSetting();

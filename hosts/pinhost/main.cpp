@@ -59,7 +59,7 @@ Commands AddCommands(CLI::App& app) {
          {MakeErrorTextCommand, MakeLastTryCommand, MakeGetPinCommand, MakeChangePinCommand,
           MakeUnlockCommand, MakeHelpDeskCommand, MakeInitPinCommand, MakeResetCommand,
           MakeShowCodeCommand, MakeCardLockedCommand, MakeCardToolCommand, MakeExpiryCommand,
-          MakePopupCommand, MakeAboutCommand, MakeRichTextCommand}) {
+          MakePopupCommand, MakeAboutCommand, MakeRichTextCommand, MakeSettingsCommand}) {
         auto command = make();
         CLI::App* added = command->AddTo(app);
         commands.emplace_back(added, std::move(command));

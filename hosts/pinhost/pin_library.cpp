@@ -4,6 +4,8 @@
 #include <array>
 
 #include "pinhost/text.h"
+#include "platform/machine_registry.h"
+#include "settings/settings.h"
 
 namespace pinhost {
 namespace {
@@ -21,12 +23,15 @@ bool IsLanguageName(const std::string& str) {
 }
 
 std::string InstallPath() {
-    std::array<char, 512> path{};
+    constexpr mvp::TextSetting kSetting = mvp::settings::kInstallPath;
+    std::array<char, kSetting.nCapacity> path{};
     auto pathSize = static_cast<DWORD>(path.size());
-    const LSTATUS status =
-        RegGetValueA(HKEY_LOCAL_MACHINE, R"(Software\Quillon\Veskara)", "VeskaraInstallPath",
-                     RRF_RT_REG_SZ, nullptr, path.data(), &pathSize);
-    return status == ERROR_SUCCESS ? path.data() : "";
+    mvp::RegistryKey key;
+    const bool isRead =
+        mvp::OpenMachineKey(kSetting.pszKey, KEY_QUERY_VALUE, key) == ERROR_SUCCESS &&
+        RegGetValueA(key.get(), nullptr, kSetting.pszName, RRF_RT_REG_SZ, nullptr, path.data(),
+                     &pathSize) == ERROR_SUCCESS;
+    return isRead ? path.data() : "";
 }
 
 bool CanBeReadFrom(const std::string& strModule) {

@@ -9,7 +9,6 @@
 namespace pinhost {
 namespace {
 
-constexpr char kSuiteKey[] = R"(SOFTWARE\Quillon\Veskara\)";
 constexpr int kBarThickness = 40;
 constexpr COLORREF kBarColour = RGB(0x3A, 0x42, 0x4A);
 
@@ -58,22 +57,35 @@ OwnConfiguration::~OwnConfiguration() {
     RegDeleteTreeA(HKEY_CURRENT_USER, m_strRoot.c_str());
 }
 
-mvp::RegistryKey OwnConfiguration::Open(const std::string& strKey) {
-    return MakeKey(m_root.get(), kSuiteKey + strKey);
+void OwnConfiguration::Set(const mvp::NumberSetting& setting, DWORD dwValue) {
+    Set(setting, REG_DWORD, {reinterpret_cast<const char*>(&dwValue), sizeof dwValue});
 }
 
-void OwnConfiguration::Set(const std::string& strKey, const char* pszName, DWORD dwValue) {
-    Check(RegSetValueExA(Open(strKey).get(), pszName, 0, REG_DWORD,
-                         reinterpret_cast<const BYTE*>(&dwValue), sizeof dwValue),
-          pszName);
+void OwnConfiguration::Set(const mvp::TextSetting& setting, const std::string& strValue) {
+    Set(setting, REG_SZ, strValue + '\0');
 }
 
-void OwnConfiguration::Set(const std::string& strKey, const char* pszName,
-                           const std::string& strValue) {
-    Check(RegSetValueExA(Open(strKey).get(), pszName, 0, REG_SZ,
-                         reinterpret_cast<const BYTE*>(strValue.c_str()),
-                         static_cast<DWORD>(strValue.size() + 1)),
-          pszName);
+void OwnConfiguration::Set(const mvp::SettingName& setting, DWORD dwType,
+                           const std::string& strBytes) {
+    const std::string name = setting.pszName;
+    std::wstring text;
+    const void* data = strBytes.data();
+    std::size_t size = strBytes.size();
+    if (dwType == REG_SZ || dwType == REG_EXPAND_SZ || dwType == REG_MULTI_SZ) {
+        // The registry keeps texts as 16-bit characters, and takes along a terminator that it finds
+        // behind the given ones: there must be none.
+        text.resize(size);
+        text.resize(static_cast<std::size_t>(
+            MultiByteToWideChar(CP_ACP, 0, strBytes.data(), static_cast<int>(size), text.data(),
+                                static_cast<int>(size))));
+        size = text.size() * sizeof(wchar_t);
+        text.push_back(L'#');
+        data = text.data();
+    }
+    Check(RegSetValueExW(MakeKey(m_root.get(), setting.pszKey).get(),
+                         std::wstring(name.begin(), name.end()).c_str(), 0, dwType,
+                         static_cast<const BYTE*>(data), static_cast<DWORD>(size)),
+          setting.pszName);
 }
 
 Taskbar::Taskbar(const std::string& strSide) : m_before(WorkArea()) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/handle.h"
+#include "settings/setting.h"
 
 namespace pinhost {
 
@@ -21,13 +22,13 @@ public:
     OwnConfiguration& operator=(const OwnConfiguration&) = delete;
     ~OwnConfiguration();
 
-    // The key below the suite's own; texts are ANSI.
-    void Set(const std::string& strKey, const char* pszName, DWORD dwValue);
-    void Set(const std::string& strKey, const char* pszName, const std::string& strValue);
+    // Texts are ANSI.
+    void Set(const mvp::NumberSetting& setting, DWORD dwValue);
+    void Set(const mvp::TextSetting& setting, const std::string& strValue);
+    // Of any of the registry's types and any bytes; a text need not end with its terminator.
+    void Set(const mvp::SettingName& setting, DWORD dwType, const std::string& strBytes);
 
 private:
-    mvp::RegistryKey Open(const std::string& strKey);
-
     static inline OwnConfiguration* s_pInnermost = nullptr;
 
     OwnConfiguration* m_pOuter = s_pInnermost;

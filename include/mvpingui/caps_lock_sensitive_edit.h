@@ -101,7 +101,6 @@ private:
     void GiveText(NMHDR& header);
     BOOL AnswerBalloon(WPARAM wParam, LPARAM lParam, LRESULT* pResult);
     const char* Warning() const { return m_bPinMode ? m_szPinWarning : m_szPasswordWarning; }
-    static LRESULT CALLBACK BalloonProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnBalloonMessage(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 
     HWND m_hBalloon = nullptr;

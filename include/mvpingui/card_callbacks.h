@@ -12,7 +12,7 @@
  * A callback returns MVPINGUI_CARD_OK, or an error code; GetErrorString knows the texts of 1 to 12
  * and 14. One that throws counts as one that returned MVPINGUI_CARD_FAILED; the exception goes no
  * further, which takes a caller whose exceptions the library's compiler can catch: a caller built
- * by another compiler lets none out. */
+ * by another compiler, or for 32 bits, lets none out. The functions are __cdecl. */
 #pragma once
 
 #include <dlgfw/string.h>
@@ -25,19 +25,20 @@ constexpr int MVPINGUI_CARD_FAILED = 1;
 constexpr int MVPINGUI_CARD_WRONG_UNLOCK_CODE = 5;
 
 /* Unblocks the card with `strUnlockCode`, which holds no dashes, and gives it `strNewPin`. */
-using MvpUnlockCallback = int (*)(void* pContext, CString strUnlockCode, CString strNewPin);
+using MvpUnlockCallback = int(__cdecl*)(void* pContext, CString strUnlockCode, CString strNewPin);
 
 /* Asks the card for a challenge. Success: `strChallenge`, which comes empty, holds it, and the
  * unlock code is its response. Anything else: the card takes a fixed unlock code. */
-using MvpChallengeCallback = int (*)(void* pContext, CString& strChallenge);
+using MvpChallengeCallback = int(__cdecl*)(void* pContext, CString& strChallenge);
 
 /* Gives the card its first PIN, with the policy values that it is to keep. */
-using MvpInitializeCallback = int (*)(void* pContext, CString strNewPin, int nMinimumPINLength,
-                                      int nMaximumPINLength, int nMaxPINTries, int nWeakPINAllowed,
-                                      int nForceChangePIN, int nMaxPINUnlock);
+using MvpInitializeCallback = int(__cdecl*)(void* pContext, CString strNewPin,
+                                            int nMinimumPINLength, int nMaximumPINLength,
+                                            int nMaxPINTries, int nWeakPINAllowed,
+                                            int nForceChangePIN, int nMaxPINUnlock);
 
 /* Fetches the card's unlock code. Success with an empty `strCode`: the card has none. */
-using MvpGetUnlockCodeCallback = int (*)(void* pContext, CString& strCode);
+using MvpGetUnlockCodeCallback = int(__cdecl*)(void* pContext, CString& strCode);
 
 /* The unlock code need not be shown again. What it returns is ignored. */
-using MvpNeverDisplayCallback = int (*)(void* pContext);
+using MvpNeverDisplayCallback = int(__cdecl*)(void* pContext);

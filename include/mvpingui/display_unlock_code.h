@@ -21,10 +21,10 @@
  * told; 0 otherwise: the code could not be fetched, which he is told, is not to be displayed, or
  * the dialog was closed without the box ticked. Never throws. On the thread of the user interface.
  */
-extern "C" MVPINGUI_API int DisplayUnlockCode(CWnd* pParent, void* pContext,
-                                              MvpGetUnlockCodeCallback pfnGetUnlockCode,
-                                              MvpNeverDisplayCallback pfnNeverDisplay,
-                                              const char* pszReader);
+extern "C" MVPINGUI_API int __cdecl DisplayUnlockCode(CWnd* pParent, void* pContext,
+                                                      MvpGetUnlockCodeCallback pfnGetUnlockCode,
+                                                      MvpNeverDisplayCallback pfnNeverDisplay,
+                                                      const char* pszReader);
 
 /* The panel with the code and the box, inside CDisplayUnlockCodeDlg. The code is overwritten with
  * the window's and the object's end. */

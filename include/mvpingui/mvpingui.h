@@ -5,6 +5,9 @@
  * function that shows a dialog returns when the dialog has ended, and serves the calling thread's
  * messages meanwhile. Texts are zero-terminated 8-bit strings in the system's ANSI code page.
  *
+ * All of them are __cdecl, and so are the functions that a host gives, whatever the host's compiler
+ * takes for granted.
+ *
  * No function throws. Unless its comment says otherwise a function returns MVPINGUI_OK or
  * MVPINGUI_REFUSED; what failed is told by the suite's log under the tag "MVPINGUI".
  */
@@ -42,7 +45,7 @@ extern "C" {
  * loading, from the application's own framework context. What it allocates belongs to the
  * framework. When memory is short nothing happens: dialogs still work, the application just does
  * not find the resources. */
-MVPINGUI_API void InitGUIDll(void);
+MVPINGUI_API void __cdecl InitGUIDll(void);
 
 /* The text for a card operation's result code, in the language of the resource module.
  *
@@ -50,7 +53,7 @@ MVPINGUI_API void InitGUIDll(void);
  *
  * Returns a pointer into the library: the text is valid until the next call, and is never null. For
  * a code without a text it is that of the previous call (empty before the first). */
-MVPINGUI_API const char* GetErrorString(int32_t nCode);
+MVPINGUI_API const char* __cdecl GetErrorString(int32_t nCode);
 
 /* Asks the user for a card's PIN. The dialog's OK button is enabled while the PIN's length lies
  * within the bounds, and the dialog closes when the card leaves its reader.
@@ -71,16 +74,16 @@ MVPINGUI_API const char* GetErrorString(int32_t nCode);
  * the dialog could not be shown, memory is short, or an earlier request is still outstanding. One
  * PIN is in flight at a time: after every call, whatever its result, call FreeGetPinBuffer (with a
  * null buffer when there is none) before the next. */
-MVPINGUI_API uint32_t GetPINFromUser(HWND hParent, const char* pszReader, int32_t bShowLastTry,
-                                     uint32_t dwMinLength, uint32_t dwMaxLength, char** ppPin,
-                                     uint32_t* pcbPin);
+MVPINGUI_API uint32_t __cdecl GetPINFromUser(HWND hParent, const char* pszReader,
+                                             int32_t bShowLastTry, uint32_t dwMinLength,
+                                             uint32_t dwMaxLength, char** ppPin, uint32_t* pcbPin);
 
 /* Warns that the next wrong PIN blocks the card, and lets the user go on or step back.
  *
  * pszReader  the reader's name, shown with the warning; may be null or empty.
  *
  * Returns MVPINGUI_OK when the user accepted the warning, MVPINGUI_REFUSED otherwise. */
-MVPINGUI_API uint32_t DisplayLastPINTry(const char* pszReader);
+MVPINGUI_API uint32_t __cdecl DisplayLastPINTry(const char* pszReader);
 
 /* Shows the about box: the installed product's name and version, as the Windows Installer tells
  * them, and a button for the credits document that the configuration names. It opens whatever of
@@ -92,12 +95,13 @@ MVPINGUI_API uint32_t DisplayLastPINTry(const char* pszReader);
  *
  * Returns IDOK (1), IDCANCEL (2) when the user closed it otherwise, or MVPINGUI_REFUSED when it
  * could not be shown. */
-MVPINGUI_API uint32_t ShowAbout(int32_t nColorMode, const void* pIgnored, const char* pszCaption);
+MVPINGUI_API uint32_t __cdecl ShowAbout(int32_t nColorMode, const void* pIgnored,
+                                        const char* pszCaption);
 
 /* Sets the text that every later enter-PIN dialog shows above its edit, until it is set again.
  *
  * pszPrompt  the text, copied; null or empty restores the dialog's own text. */
-MVPINGUI_API void SetPinPromptString(const char* pszPrompt);
+MVPINGUI_API void __cdecl SetPinPromptString(const char* pszPrompt);
 
 /* Asks the user for a new PIN that the card's rules allow, and for the current one.
  *
@@ -122,18 +126,18 @@ MVPINGUI_API void SetPinPromptString(const char* pszPrompt);
  * overwrites them after use: the library knows no bound but the rules' own maximum. Returns
  * MVPINGUI_OK, or MVPINGUI_REFUSED with nothing written: the user cancelled, the card was removed,
  * the embedded panel's PINs break a rule, or the dialog could not be shown. */
-MVPINGUI_API uint32_t GetChangePINInfoFromUser(const PwdRuleArgs* pRules, int32_t bShowLastTry,
-                                               char* pszNewPin, uint32_t* pcbNewPin,
-                                               char* pszOldPin, uint32_t* pcbOldPin,
-                                               const char* pszReader, HWND hEmbeddingHost,
-                                               bool bAskCurrentPin);
+MVPINGUI_API uint32_t __cdecl GetChangePINInfoFromUser(const PwdRuleArgs* pRules,
+                                                       int32_t bShowLastTry, char* pszNewPin,
+                                                       uint32_t* pcbNewPin, char* pszOldPin,
+                                                       uint32_t* pcbOldPin, const char* pszReader,
+                                                       HWND hEmbeddingHost, bool bAskCurrentPin);
 
 /* Gives back what GetPINFromUser handed out: overwrites the PIN with zeros, frees the buffer, and
  * allows the next GetPINFromUser.
  *
  * pBuffer  the buffer that GetPINFromUser stored, or null when it stored none;
  * cbPin    the length in bytes that came with it, which must not be larger than the buffer. */
-MVPINGUI_API void FreeGetPinBuffer(char* pBuffer, size_t cbPin);
+MVPINGUI_API void __cdecl FreeGetPinBuffer(char* pBuffer, size_t cbPin);
 
 /* Tells the user that the card, or certificates on it, expire soon or have expired, and asks how
  * many days before an expiry to remind him. Nothing is asked when something has expired already.
@@ -149,7 +153,8 @@ MVPINGUI_API void FreeGetPinBuffer(char* pBuffer, size_t cbPin);
  * Returns the new number of days, 0 when the user wants no more reminders. -1 when nothing changes:
  * there was nothing to tell, the number stayed the same, the user closed the notice or the info's
  * event did, or the notice could not be shown. */
-MVPINGUI_API int32_t DisplayCardExpiryNotification(HWND hParent, VKExpiryNotificationInfo* pInfo);
+MVPINGUI_API int32_t __cdecl DisplayCardExpiryNotification(HWND hParent,
+                                                           VKExpiryNotificationInfo* pInfo);
 
 #ifdef __cplusplus
 }

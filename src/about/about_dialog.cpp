@@ -14,6 +14,7 @@
 #include "resources/resource_numbers.h"
 #include "services/format_text.h"
 #include "services/registry_readers.h"
+#include "settings/settings.h"
 
 BEGIN_MESSAGE_MAP(CAboutDlg, CDialog)
     ON_WM_CTLCOLOR()
@@ -23,9 +24,8 @@ END_MESSAGE_MAP()
 
 namespace {
 
-constexpr char kProductKey[] = R"(SOFTWARE\Quillon\Veskara)";
-constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
-constexpr char kDefaultProductCode[] = "{5B21C0D4-7A93-4E6F-B812-3C9D0E4F6A17}";
+constexpr mvp::TextSetting kProductCode = mvp::settings::kProductCode;
+constexpr mvp::TextSetting kLicenceFile = mvp::settings::kLicenceFile;
 // Of the version's line, without the terminator.
 constexpr int kLongestVersionLine = 255;
 
@@ -36,8 +36,8 @@ mvp::ProductInformation InstalledProduct() {
         return {};
     }
     CString code;
-    if (readStringFromRegistry_sz(kProductKey, "ProductCode", &code) != 0) {
-        code = kDefaultProductCode;
+    if (readStringFromRegistry_sz(kProductCode.pszKey, kProductCode.pszName, &code) != 0) {
+        code = kProductCode.pszDefault;
         vklogLog(g_szLogTag, kLogError, "Using default product code!");
     }
     return mvp::ReadProductInformation(installer.Functions(), code);
@@ -110,7 +110,7 @@ void CAboutDlg::OnSysColorChange() {
 void CAboutDlg::OnBnClickedCredits() {
     const mvp::LogScope scope("CAboutDlg::OnBnClickedCredits");
     CString path;
-    readStringFromRegistry_sz(kConfigKey, "ThirdPartyLicenseFile", &path);
+    readStringFromRegistry_sz(kLicenceFile.pszKey, kLicenceFile.pszName, &path);
     if (path.IsEmpty()) {
         vklogLog(g_szLogTag, kLogError, "readStringFromRegistry_sz S_REG_KEY_LICENCE_FILE failed");
         return;

@@ -16,10 +16,11 @@
 #include "services/log.h"
 #include "services/registry_readers.h"
 #include "services/resource_module.h"
+#include "settings/settings.h"
 
 namespace {
 
-constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
+constexpr mvp::TextSetting kSentence = mvp::settings::kValiditySentence;
 constexpr char kDateFormat[] = "%m/%d/%y";
 constexpr int kHelpTopic = 1012;
 
@@ -125,7 +126,7 @@ CString CCardExpiryNotifyDlg::CardLine(bool bExpired, CTime expiry) const {
 
 void CCardExpiryNotifyDlg::ShowSentence() {
     CString sentence;
-    readStringFromRegistry_sz(kConfigKey, "ValidityCheckSentence", &sentence);
+    readStringFromRegistry_sz(kSentence.pszKey, kSentence.pszName, &sentence);
     if (!sentence.IsEmpty()) {
         SetDlgItemText(IDC_CARD_EXPIRY_SENTENCE, sentence);
     }

@@ -5,29 +5,28 @@
 #include "platform/shell_document.h"
 #include "services/log.h"
 #include "services/registry_value.h"
+#include "settings/settings.h"
 
 namespace mvp {
 namespace {
 
-constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
-constexpr char kHelpValue[] = "ValidityCheckHelp";
-constexpr DWORD kHelpCapacity = 260;
+constexpr TextSetting kHelp = settings::kValidityHelp;
 // One byte more than is offered: a value that fills the buffer may come without a terminator.
-using HelpPath = std::array<char, kHelpCapacity + 1>;
+using HelpPath = std::array<char, kHelp.nCapacity + 1>;
 
 bool ReadPath(HelpPath& path) {
-    const RegistryRead read = ReadRegistry({kConfigKey, kHelpValue}, path.data(), kHelpCapacity);
+    const RegistryRead read = ReadRegistry(ValueOf(kHelp), path.data(), kHelp.nCapacity);
     if (read) {
         return true;
     }
     if (read.failed == RegistryStep::OpenKey) {
-        vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kConfigKey);
+        vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kHelp.pszKey);
     } else {
         // The name of the other help value has always stood here; log readers look for it.
         vklogLog(g_szLogTag, kLogError, "RegQueryValueEx \"VeskaraHelpPath\" failed");
     }
     if (read.error == ERROR_MORE_DATA) {
-        LogIgnoredSetting(kConfigKey, kHelpValue, "longer than 260 bytes");
+        LogIgnoredSetting(kHelp, "longer than 260 bytes");
     }
     return false;
 }

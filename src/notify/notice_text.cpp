@@ -8,8 +8,6 @@
 namespace mvp {
 namespace {
 
-constexpr std::uint32_t kPasswordTimeout = 15;  // seconds
-
 std::string WithLineFeeds(std::string_view value) {
     std::string text;
     while (!value.empty()) {
@@ -69,7 +67,8 @@ NoticeParameters ReadNotice(int nType, const NoticeSettings& settings, HrefMatch
     NoticeParameters notice;
     if (nType == kPasswordNotice) {
         notice.bShown = true;
-        notice.nStay = Milliseconds(settings.passwordTimeout.value_or(kPasswordTimeout));
+        notice.nStay =
+            Milliseconds(settings.passwordTimeout.value_or(settings::kOtpTimeout.nDefault));
         return notice;
     }
     notice.bShown = settings.enable.value_or(0) != 0;

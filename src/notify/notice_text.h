@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+#include "settings/settings.h"
+
 namespace mvp {
 
 constexpr int kNoReaderNotice = 0;
@@ -24,7 +26,8 @@ constexpr const char* kHrefPattern = R"(.*<.*href\s*=.*>.*)";
 // Whether a text matches kHrefPattern.
 using HrefMatcher = bool (*)(const char* pszText);
 
-constexpr std::size_t kNoticeMessageMax = 260;  // bytes
+constexpr std::size_t kNoticeMessageMax = settings::kNoReaderMessage.nCapacity;  // bytes
+static_assert(settings::kCardPresenceMessage.nCapacity == kNoticeMessageMax);
 
 // The text that a registry value shows: up to its zero, if it has one, with a line feed for each
 // "\n" of two characters. Nothing when it is refused: when that text, not only the value, matches

@@ -17,10 +17,11 @@
 #include "services/log.h"
 #include "services/named_accessible.h"
 #include "services/registry_readers.h"
+#include "settings/settings.h"
 
 namespace {
 
-constexpr char kGlobalKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
+constexpr mvp::TextSetting kHelpPath = mvp::settings::kHelpPath;
 constexpr char kCardEventWindow[] = "vkcrdsub";
 constexpr DWORD kWindowStyle = WS_POPUP | WS_VISIBLE | WS_THICKFRAME | 0xC;
 constexpr DWORD kExtendedStyle = WS_EX_WINDOWEDGE | WS_EX_TOPMOST;
@@ -171,7 +172,7 @@ void CPopupAlert::WatchCards() {
 bool CPopupAlert::GetDisplayHelpValue() {
     const mvp::LogScope scope("CPopupAlert::GetDisplayHelpValue");
     CString path;
-    const bool shown = readStringFromRegistry_sz(kGlobalKey, "VeskaraHelpPath", &path) == 0;
+    const bool shown = readStringFromRegistry_sz(kHelpPath.pszKey, kHelpPath.pszName, &path) == 0;
     vklogLog(g_szLogTag, kLogInfo, "GetDisplayHelpValue (%d)", shown ? 1 : 0);
     return shown;
 }

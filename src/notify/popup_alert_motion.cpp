@@ -6,10 +6,11 @@
 #include "platform/window_dpi.h"
 #include "services/log.h"
 #include "services/registry_readers.h"
+#include "settings/settings.h"
 
 namespace {
 
-constexpr char kNotificationKey[] = R"(SOFTWARE\Quillon\Veskara\Notification)";
+constexpr mvp::NumberSetting kBeep = mvp::settings::kNotificationBeep;
 constexpr DWORD kBeepHertz = 750;
 constexpr DWORD kBeepMilliseconds = 300;
 
@@ -152,8 +153,8 @@ void CPopupAlert::SetAnimStatusToWaiting() {
 
 void CPopupAlert::DoBeep() {
     const mvp::LogScope scope("CPopupAlert::DoBeep");
-    DWORD enabled = 0;
-    readDWORDFromRegistry_sz(kNotificationKey, "Enablenotificationbip", &enabled, 0);
+    DWORD enabled = kBeep.nDefault;
+    readDWORDFromRegistry_sz(kBeep.pszKey, kBeep.pszName, &enabled, kBeep.nDefault);
     if (enabled != 0) {
         Beep(kBeepHertz, kBeepMilliseconds);
     }

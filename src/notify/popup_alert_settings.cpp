@@ -9,38 +9,46 @@
 #include "services/log.h"
 #include "services/registry_value.h"
 #include "services/resource_module.h"
+#include "settings/settings.h"
 
 namespace {
 
-constexpr char kNoReaderKey[] = R"(SOFTWARE\Quillon\Veskara\Notification\NoReaderWarning)";
-constexpr char kCardAlertKey[] =
-    R"(SOFTWARE\Quillon\Veskara\Notification\SmartCardPresenceWarning)";
-constexpr char kAgentKey[] = R"(SOFTWARE\Quillon\Veskara\SmartCardAgent)";
+// What is set of a notice that an administrator may write.
+struct NoticeNames {
+    mvp::NumberSetting enable;
+    mvp::NumberSetting duration;
+    mvp::TextSetting message;
+};
+constexpr NoticeNames kNoReader{mvp::settings::kNoReaderEnable, mvp::settings::kNoReaderDuration,
+                                mvp::settings::kNoReaderMessage};
+constexpr NoticeNames kCardAlert{mvp::settings::kCardPresenceEnable,
+                                 mvp::settings::kCardPresenceDuration,
+                                 mvp::settings::kCardPresenceMessage};
 
 // Tells of a value that is there and cannot be used.
-bool IsUsable(const mvp::RegistryRead& read, const char* pszKey, const char* pszName) {
+bool IsUsable(const mvp::RegistryRead& read, const mvp::SettingName& setting) {
     if (read.failed == mvp::RegistryStep::CheckType) {
-        mvp::LogIgnoredSetting(pszKey, pszName, "of another type");
+        mvp::LogIgnoredSetting(setting, "of another type");
     } else if (read.error == ERROR_MORE_DATA) {
-        mvp::LogIgnoredSetting(pszKey, pszName, "too long");
+        mvp::LogIgnoredSetting(setting, "too long");
     }
     return static_cast<bool>(read);
 }
 
-std::optional<std::uint32_t> ReadNumber(const char* pszKey, const char* pszName) {
+std::optional<std::uint32_t> ReadNumber(const mvp::NumberSetting& setting) {
     DWORD value = 0;
     const mvp::RegistryRead read =
-        mvp::ReadRegistry({pszKey, pszName}, &value, sizeof value, REG_DWORD);
-    return IsUsable(read, pszKey, pszName) ? std::optional<std::uint32_t>(value) : std::nullopt;
+        mvp::ReadRegistry(mvp::ValueOf(setting), &value, sizeof value, REG_DWORD);
+    return IsUsable(read, setting) ? std::optional<std::uint32_t>(value) : std::nullopt;
 }
 
 using MessageBuffer = std::array<char, mvp::kNoticeMessageMax>;
 
-std::optional<std::string_view> ReadMessage(const char* pszKey, MessageBuffer& buffer) {
-    constexpr char kName[] = "Message";
+std::optional<std::string_view> ReadMessage(const mvp::TextSetting& setting,
+                                            MessageBuffer& buffer) {
     const mvp::RegistryRead read =
-        mvp::ReadRegistry({pszKey, kName}, buffer.data(), mvp::kNoticeMessageMax, REG_SZ);
-    return IsUsable(read, pszKey, kName)
+        mvp::ReadRegistry(mvp::ValueOf(setting), buffer.data(), mvp::kNoticeMessageMax, REG_SZ);
+    return IsUsable(read, setting)
                ? std::optional<std::string_view>(std::in_place, buffer.data(), read.size)
                : std::nullopt;
 }
@@ -54,17 +62,17 @@ bool CPopupAlert::GetRegistryParameters(CString& csText, DWORD* pdwDuration, int
             return false;
         }
         const mvp::NoticeSettings settings{.passwordTimeout =
-                                               ReadNumber(kAgentKey, "OTPWindowTimeout")};
+                                               ReadNumber(mvp::settings::kOtpTimeout)};
         *pdwDuration = mvp::ReadNotice(iWndType, settings, mvp::MatchesHref).nStay;
         return true;
     }
 
-    const char* key = iWndType == DIALOG_POPUP_CARD_ALERT ? kCardAlertKey : kNoReaderKey;
+    const NoticeNames& names = iWndType == DIALOG_POPUP_CARD_ALERT ? kCardAlert : kNoReader;
     MessageBuffer buffer{};
-    mvp::NoticeSettings settings{.enable = ReadNumber(key, "Enable")};
+    mvp::NoticeSettings settings{.enable = ReadNumber(names.enable)};
     if (settings.enable.value_or(0) != 0) {
-        settings.duration = ReadNumber(key, "Duration");
-        settings.message = ReadMessage(key, buffer);
+        settings.duration = ReadNumber(names.duration);
+        settings.message = ReadMessage(names.message, buffer);
     }
     const mvp::NoticeParameters notice = mvp::ReadNotice(iWndType, settings, mvp::MatchesHref);
     if (settings.duration && pdwDuration != nullptr) {

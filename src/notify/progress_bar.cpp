@@ -177,11 +177,11 @@ LRESULT Dispatch(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
             }
             break;
         case kProgressGetInterval:
-            return bar->nInterval;
+            return static_cast<LRESULT>(bar->nInterval);
         case kProgressSetInterval:
             return SetInterval(hWnd, *bar, static_cast<std::uint32_t>(wParam)) ? 1 : 0;
         case kProgressGetBlocks:
-            return bar->nBlocks;
+            return static_cast<LRESULT>(bar->nBlocks);
         case kProgressSetBlocks:
             return SetBlocks(*bar, wParam);
         default:

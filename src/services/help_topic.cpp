@@ -7,12 +7,11 @@
 #include "platform/system_library.h"
 #include "services/log.h"
 #include "services/registry_value.h"
+#include "settings/settings.h"
 
 namespace {
 
-constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
-constexpr char kPathValue[] = "VeskaraHelpPath";
-constexpr DWORD kPathCapacity = MAX_PATH;
+constexpr mvp::TextSetting kPath = mvp::settings::kHelpPath;
 // HH_HELP_CONTEXT of the HTML Help interface: the data is a topic number of the file's map.
 constexpr UINT kHelpContext = 15;
 
@@ -37,7 +36,7 @@ SystemViewer LoadSystemViewer() {
 // The viewer shows nothing and says nothing when there is no such file. What follows the file's
 // name, for the viewer alone, begins with one of two characters that no name holds.
 void LogUnlessThere(const char* pszFile) {
-    std::array<char, kPathCapacity + 1> name{};
+    std::array<char, kPath.nCapacity + 1> name{};
     std::memcpy(name.data(), pszFile, std::strcspn(pszFile, "><"));
     if (char* topic = std::strstr(name.data(), "::")) {
         *topic = '\0';
@@ -45,9 +44,9 @@ void LogUnlessThere(const char* pszFile) {
     if (GetFileAttributesA(name.data()) != INVALID_FILE_ATTRIBUTES) {
         return;
     }
-    std::array<char, kPathCapacity + 32> reason{};
+    std::array<char, kPath.nCapacity + 32> reason{};
     std::snprintf(reason.data(), reason.size(), "no such file: %s", name.data());
-    mvp::LogIgnoredSetting(kConfigKey, kPathValue, reason.data());
+    mvp::LogIgnoredSetting(kPath, reason.data());
 }
 
 void ShowTopic(const char* pszFile, int nTopic) {
@@ -73,17 +72,17 @@ void DoDisplayTopic(int nTopic) {
     const mvp::LogScope scope("DoDisplayTopic");
     vklogLog(g_szLogTag, kLogInfo, "Displaying topic %d", nTopic);
     // One byte more than is offered: a value that fills the buffer may come without a terminator.
-    std::array<char, kPathCapacity + 1> path{};
+    std::array<char, kPath.nCapacity + 1> path{};
     const mvp::RegistryRead read =
-        mvp::ReadRegistry({kConfigKey, kPathValue}, path.data(), kPathCapacity);
+        mvp::ReadRegistry(mvp::ValueOf(kPath), path.data(), kPath.nCapacity);
     if (!read) {
         if (read.failed == mvp::RegistryStep::OpenKey) {
-            vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kConfigKey);
+            vklogLog(g_szLogTag, kLogError, "RegOpenKeyEx \"%s\" failed", kPath.pszKey);
         } else {
             vklogLog(g_szLogTag, kLogError, "RegQueryValueEx \"VeskaraHelpPath\" failed");
         }
         if (read.error == ERROR_MORE_DATA) {
-            mvp::LogIgnoredSetting(kConfigKey, kPathValue, "longer than 260 bytes");
+            mvp::LogIgnoredSetting(kPath, "longer than 260 bytes");
         }
         return;
     }

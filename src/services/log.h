@@ -13,6 +13,8 @@
 
 #include <vklog/vklog.h>
 
+#include "settings/setting.h"
+
 // Writable: the log's interface has always been handed an array.
 extern char g_szLogTag[];
 
@@ -57,11 +59,11 @@ private:
     const char* m_pszFunction;
 };
 
-// Tells an administrator of a setting that is there and is not followed, and why. `pszKey` is the
-// key's path below the local-machine hive, `pszReason` says what is wrong in a few words.
-inline void LogIgnoredSetting(const char* pszKey, const char* pszValueName,
-                              const char* pszReason) noexcept {
-    vklogLog(g_szLogTag, kLogError, "Setting ignored: %s\\%s: %s", pszKey, pszValueName, pszReason);
+// Tells an administrator of a setting that is there and is not followed, and why: `pszReason` says
+// what is wrong in a few words.
+inline void LogIgnoredSetting(const SettingName& setting, const char* pszReason) noexcept {
+    vklogLog(g_szLogTag, kLogError, "Setting ignored: %s\\%s: %s", setting.pszKey, setting.pszName,
+             pszReason);
 }
 
 // The low 32 bits of a handle or pointer, for the log texts that print them with %x. A handle's

@@ -6,6 +6,7 @@
 #include "platform/barrier.h"
 #include "services/log.h"
 #include "services/registry_value.h"
+#include "settings/settings.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ struct ValueName {
 };
 
 void LogIgnored(const ValueName& name, const char* pszReason) noexcept {
-    mvp::LogIgnoredSetting(name.pszKey, name.pszValue, pszReason);
+    mvp::LogIgnoredSetting({name.pszKey, name.pszValue}, pszReason);
 }
 
 // What is particular to a reader.
@@ -117,7 +118,8 @@ int ReadString(const ValueName& name, CString* pstrValue) {
     return kSuccess;
 }
 
-constexpr ValueName kInstallPath("Software\\Quillon\\Veskara", "VeskaraInstallPath");
+constexpr ValueName kInstallPath(mvp::settings::kInstallPath.pszKey,
+                                 mvp::settings::kInstallPath.pszName);
 
 // The value's size, or 0 when there is no usable path.
 DWORD ReadInstallPathValue(char* pszBuffer, DWORD capacity) noexcept {

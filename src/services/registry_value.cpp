@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/handle.h"
+#include "platform/machine_registry.h"
 
 namespace mvp {
 
@@ -16,7 +16,9 @@ RegistryRead ReadRegistry(const RegistryValue& value, void* pData, DWORD capacit
         return read.error != ERROR_SUCCESS;
     };
     RegistryKey key;
-    read.error = RegOpenKeyExA(value.hRoot, value.pszKey, 0, value.access, key.put());
+    read.error = value.hRoot == HKEY_LOCAL_MACHINE
+                     ? OpenMachineKey(value.pszKey, value.access, key)
+                     : RegOpenKeyExA(value.hRoot, value.pszKey, 0, value.access, key.put());
     if (failed(RegistryStep::OpenKey)) {
         return read;
     }

@@ -2,7 +2,7 @@
 //
 //     DWORD value = 0;
 //     const mvp::RegistryRead read =
-//         mvp::ReadRegistry({kKey, "Duration"}, &value, sizeof value, REG_DWORD);
+//         mvp::ReadRegistry({kKey, kName}, &value, sizeof value, REG_DWORD);
 //     if (!read)
 //         Log(read.failed, read.error);
 //
@@ -12,6 +12,8 @@
 
 #include <windows.h>
 
+#include "settings/setting.h"
+
 namespace mvp {
 
 struct RegistryValue {
@@ -20,6 +22,10 @@ struct RegistryValue {
     REGSAM access = KEY_READ;
     HKEY hRoot = HKEY_LOCAL_MACHINE;
 };
+
+inline RegistryValue ValueOf(const SettingName& setting) noexcept {
+    return {setting.pszKey, setting.pszName};
+}
 
 // The steps of a read, in their order.
 enum class RegistryStep { None, OpenKey, QueryValue, CheckType, ReadData };

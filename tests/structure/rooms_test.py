@@ -37,7 +37,9 @@ class Rooms:
         for path in (pathlib.Path(below + included) for below in ROOTS):
             if (self.root / "src" / path).is_file():
                 return self.room_of(path)
-        return None
+        # What the build makes lies under its room's name, too.
+        folder = str(pathlib.Path(included).parent)
+        return folder if folder in self.uses else None
 
     def faults(self):
         src = self.root / "src"

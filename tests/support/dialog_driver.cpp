@@ -275,9 +275,10 @@ void Dialog::Press(WORD vk) {
         target = FocusedControl();
         return target == top || IsChild(top, target);
     });
-    const LPARAM data = 1 | static_cast<LPARAM>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)) << 16;
-    Post(target, WM_KEYDOWN, vk, data);
-    PostMessageA(target, WM_KEYUP, vk, data | 0xC0000000);  // unless it has gone at the press
+    const UINT data = 1U | MapVirtualKeyA(vk, MAPVK_VK_TO_VSC) << 16;
+    Post(target, WM_KEYDOWN, vk, static_cast<LPARAM>(data));
+    PostMessageA(target, WM_KEYUP, vk,
+                 static_cast<LPARAM>(data | 0xC0000000));  // unless it has gone at the press
     // The press posts the key's character, which the second one waits for.
     Settle();
     Settle();

@@ -15,7 +15,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "support/patched_imports.h"
+#include "common/patched_imports.h"
 
 namespace mvp::test {
 

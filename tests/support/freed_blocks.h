@@ -9,7 +9,7 @@
 #include <initializer_list>
 #include <list>
 
-#include "support/patched_imports.h"
+#include "common/patched_imports.h"
 
 namespace mvp::test {
 

@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "support/patched_imports.h"
+#include "common/patched_imports.h"
 
 namespace mvp::test {
 

@@ -8,12 +8,10 @@
 #include "pinhost/pin_library.h"
 #include "pinhost/text.h"
 #include "resources/resource_numbers.h"
+#include "settings/settings.h"
 
 namespace pinhost {
 namespace {
-
-constexpr char kProductKey[] = R"(SOFTWARE\Quillon\Veskara)";
-constexpr char kConfigKey[] = R"(SOFTWARE\Quillon\Veskara\GlobalConfig)";
 
 std::string TextOf(HWND hDialog, int nControl) {
     std::array<char, 1024> text{};
@@ -44,10 +42,10 @@ public:
         std::optional<MachineSetting> product;
         std::optional<MachineSetting> credits;
         if (m_productCode) {
-            product.emplace(kProductKey, "ProductCode", *m_productCode);
+            product.emplace(mvp::settings::kProductCode, *m_productCode);
         }
         if (m_credits) {
-            credits.emplace(kConfigKey, "ThirdPartyLicenseFile", AbsolutePath(*m_credits));
+            credits.emplace(mvp::settings::kLicenceFile, AbsolutePath(*m_credits));
         }
         Outcome outcome;
         outcome.json["result"] = "shown";

@@ -34,9 +34,8 @@ public:
         if (bLastTry && library.DisplayLastPINTry(strReader.c_str()) != MVPINGUI_OK) {
             return false;
         }
-        const PinHostChangePin request{&rules,          strReader.c_str(), bAskCurrentPin,
-                                       m_newPin.data(), &m_cbNewPin,       m_oldPin.data(),
-                                       &m_cbOldPin};
+        PinHostChangePin request{&rules,      strReader.c_str(), bAskCurrentPin, m_newPin.data(),
+                                 &m_cbNewPin, m_oldPin.data(),   &m_cbOldPin,    0};
         return flows.ChangePinEmbedded(&request) == MVPINGUI_OK;
     }
 

@@ -22,5 +22,6 @@ std::unique_ptr<Command> MakePopupCommand();
 std::unique_ptr<Command> MakeExpiryCommand();
 std::unique_ptr<Command> MakeAboutCommand();
 std::unique_ptr<Command> MakeRichTextCommand();
+std::unique_ptr<Command> MakeSettingsCommand();
 
 }  // namespace pinhost

@@ -24,6 +24,7 @@
 #include "pinhost/popup_user.h"
 #include "pinhost/text.h"
 #include "resources/resource_numbers.h"
+#include "settings/settings.h"
 
 namespace pinhost {
 namespace {
@@ -211,18 +212,19 @@ void PopupCommand::Check() const {
 }
 
 void PopupCommand::Configure(OwnConfiguration& configuration) const {
+    namespace settings = mvp::settings;
     const bool card = Type() == DIALOG_POPUP_CARD_ALERT;
-    const std::string notice =
-        card ? R"(Notification\SmartCardPresenceWarning)" : R"(Notification\NoReaderWarning)";
-    configuration.Set(notice, "Enable", m_bDisabled ? 0 : 1);
-    configuration.Set(notice, "Duration", m_dwStay);
-    configuration.Set("SmartCardAgent", "OTPWindowTimeout", m_dwStay);
+    configuration.Set(card ? settings::kCardPresenceEnable : settings::kNoReaderEnable,
+                      m_bDisabled ? 0 : 1);
+    configuration.Set(card ? settings::kCardPresenceDuration : settings::kNoReaderDuration,
+                      m_dwStay);
+    configuration.Set(settings::kOtpTimeout, m_dwStay);
     configuration.Set(
-        notice, "Message",
+        card ? settings::kCardPresenceMessage : settings::kNoReaderMessage,
         m_strMessage ? *m_strMessage : OwnText(card ? IDS_POPUP_CARD_ALERT : IDS_POPUP_NO_READER));
-    configuration.Set("Notification", "Enablenotificationbip", m_bBeep ? 1 : 0);
+    configuration.Set(settings::kNotificationBeep, m_bBeep ? 1 : 0);
     if (!m_bNoHelp) {
-        configuration.Set("GlobalConfig", "VeskaraHelpPath", "veskara.chm");
+        configuration.Set(settings::kHelpPath, "veskara.chm");
     }
 }
 

@@ -38,7 +38,7 @@ private:
 
 class ChangePinWindow : public CDialog {
 public:
-    explicit ChangePinWindow(const PinHostChangePin& request)
+    explicit ChangePinWindow(PinHostChangePin& request)
         : CDialog(IDD_CHANGE_PIN_WINDOW), m_request(request) {}
     ChangePinWindow(const ChangePinWindow&) = delete;
     ChangePinWindow& operator=(const ChangePinWindow&) = delete;
@@ -64,7 +64,7 @@ private:
     bool CreatePanel();
     void EndBelowPanel(int nMargin);
 
-    const PinHostChangePin& m_request;
+    PinHostChangePin& m_request;
     CButton m_okButton;
     std::optional<CChangePINDialog> m_panel;
     std::optional<CardGone> m_cardGone;
@@ -91,6 +91,7 @@ bool ChangePinWindow::CreatePanel() {
     m_panel.emplace(0, 0, m_request.bAskCurrentPin, &place, m_request.pRules, &m_okButton, this,
                     MVPINGUI_CHANGE_PIN_TOP_MARGIN, MVPINGUI_CHANGE_PIN_LEFT_INDENT,
                     MVPINGUI_CHANGE_PIN_LINE_SPACING);
+    m_request.nSmallPinEntryPrevention = m_panel->SmallPinEntryPrevention();
     if (m_panel->LocCreate(this) == 0) {
         return false;
     }
@@ -165,7 +166,7 @@ END_MESSAGE_MAP()
 
 namespace pinhost {
 
-bool ChangePinEmbedded(const PinHostChangePin& request) {
+bool ChangePinEmbedded(PinHostChangePin& request) {
     return ChangePinWindow(request).DoModal() == IDOK;
 }
 

@@ -6,6 +6,6 @@
 namespace pinhost {
 
 // Shows the window until the user is through; true with the PINs handed out when they confirmed.
-bool ChangePinEmbedded(const PinHostChangePin& request);
+bool ChangePinEmbedded(PinHostChangePin& request);
 
 }  // namespace pinhost

@@ -21,7 +21,7 @@ std::uint32_t RunFlow(const char* pszName, Flow&& flow) {
 
 }  // namespace
 
-extern "C" std::uint32_t PinHostChangePinEmbedded(const PinHostChangePin* pRequest) {
+extern "C" std::uint32_t PinHostChangePinEmbedded(PinHostChangePin* pRequest) {
     return RunFlow("the change-PIN window", [=] { return pinhost::ChangePinEmbedded(*pRequest); });
 }
 

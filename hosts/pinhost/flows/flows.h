@@ -30,12 +30,13 @@ struct PinHostChangePin {
     std::uint32_t* pcbNewPin;
     char* pszOldPin;
     std::uint32_t* pcbOldPin;
+    // What comes back: the panel's SmallPinEntryPrevention, which is left to its host to follow.
+    std::uint32_t nSmallPinEntryPrevention;
 };
 
 // Shows a window of the host's own that embeds the change-PIN panel beside an OK and a Cancel
 // button, and hands out the PINs that GetChangePINInfoFromUser reads out of the panel.
-extern "C" PINHOST_FLOWS_API std::uint32_t PinHostChangePinEmbedded(
-    const PinHostChangePin* pRequest);
+extern "C" PINHOST_FLOWS_API std::uint32_t PinHostChangePinEmbedded(PinHostChangePin* pRequest);
 
 // The longest code or challenge that the card's functions give out, in bytes with the terminator.
 #define PINHOST_CODE_CAPACITY 256

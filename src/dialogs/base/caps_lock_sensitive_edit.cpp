@@ -325,6 +325,20 @@ LRESULT CCapsLockSensitiveEdit::OnGetObject(WPARAM wParam, LPARAM lParam) {
 }
 
 void CCapsLockSensitiveEdit::CreateBalloon() {
+    // No member, which would be exported with the class: a 32-bit system's callbacks have names
+    // that say so, and no export does.
+    struct Balloon {
+        static LRESULT CALLBACK Proc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+            auto* edit =
+                reinterpret_cast<CCapsLockSensitiveEdit*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
+            if (edit == nullptr) {
+                return ::DefWindowProcA(hWnd, message, wParam, lParam);
+            }
+            return mvp::Guarded(
+                LRESULT{0}, [=] { return edit->OnBalloonMessage(hWnd, message, wParam, lParam); },
+                mvp::LogException("CCapsLockSensitiveEdit::BalloonProc"));
+        }
+    };
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&classes);
     m_hBalloon =
@@ -336,7 +350,7 @@ void CCapsLockSensitiveEdit::CreateBalloon() {
     }
     SetWindowLongPtrA(m_hBalloon, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_pOldBalloonProc = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrA(m_hBalloon, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&BalloonProc)));
+        SetWindowLongPtrA(m_hBalloon, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Balloon::Proc)));
     ::SetWindowPos(m_hBalloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     AddTool();
     // The system's own delay for tool-tips.
@@ -354,17 +368,6 @@ void CCapsLockSensitiveEdit::AddTool() {
     ::GetClientRect(m_hWnd, &tool.rect);
     tool.lpszText = LPSTR_TEXTCALLBACKA;
     Send(m_hBalloon, TTM_ADDTOOLA, 0, &tool);
-}
-
-LRESULT CALLBACK CCapsLockSensitiveEdit::BalloonProc(HWND hWnd, UINT message, WPARAM wParam,
-                                                     LPARAM lParam) {
-    auto* edit = reinterpret_cast<CCapsLockSensitiveEdit*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
-    if (edit == nullptr) {
-        return ::DefWindowProcA(hWnd, message, wParam, lParam);
-    }
-    return mvp::Guarded(
-        LRESULT{0}, [=] { return edit->OnBalloonMessage(hWnd, message, wParam, lParam); },
-        mvp::LogException("CCapsLockSensitiveEdit::BalloonProc"));
 }
 
 LRESULT CCapsLockSensitiveEdit::OnBalloonMessage(HWND hWnd, UINT message, WPARAM wParam,

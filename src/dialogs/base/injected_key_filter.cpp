@@ -6,13 +6,13 @@
 #include "platform/system_library.h"
 #include "services/log.h"
 #include "services/registry_value.h"
+#include "settings/settings.h"
 
 namespace mvp {
 
 namespace {
 
-constexpr char kKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
-constexpr char kValue[] = "InjectedKeys";
+constexpr NumberSetting kSetting = settings::kInjectedKeys;
 constexpr char kAllowed[] = "only a REG_DWORD of 0 (accept), 1 (warn) or 2 (refuse) is allowed";
 
 using Kind = KeyMessage::Kind;
@@ -44,13 +44,13 @@ std::optional<Kind> KindOf(UINT message, WPARAM wParam) {
 
 InjectedKeys ReadInjectedKeys() noexcept {
     DWORD value = 0;
-    const RegistryRead read = ReadRegistry({kKey, kValue}, &value, sizeof value, REG_DWORD);
+    const RegistryRead read = ReadRegistry(ValueOf(kSetting), &value, sizeof value, REG_DWORD);
     if (read.failed == RegistryStep::OpenKey || read.error == ERROR_FILE_NOT_FOUND) {
         return InjectedKeys::Accept;
     }
     const std::optional<InjectedKeys> policy = InjectedKeysOf(value);
     if (!read || read.size != sizeof value || !policy) {
-        LogIgnoredSetting(kKey, kValue, kAllowed);
+        LogIgnoredSetting(kSetting, kAllowed);
         return InjectedKeys::Accept;
     }
     return *policy;

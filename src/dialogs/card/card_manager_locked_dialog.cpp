@@ -12,10 +12,11 @@
 #include "services/log.h"
 #include "services/registry_readers.h"
 #include "services/resource_module.h"
+#include "settings/settings.h"
 
 namespace {
 
-constexpr char kPxrmKey[] = R"(SOFTWARE\Quillon\Veskara\PXRM)";
+constexpr mvp::TextSetting kMessage = mvp::settings::kBlockedCardManagerMessage;
 constexpr int kHelpTopic = 1014;
 
 }  // namespace
@@ -27,7 +28,7 @@ END_MESSAGE_MAP()
 CCMLockedDlg::CCMLockedDlg(CWnd* pParent, const char* pszReader)
     : VKDetectCardRemovedDlg(IDD_CARD_MANAGER_LOCKED, pParent, pszReader) {
     const mvp::LogScope scope("CCMLockedDlg::CCMLockedDlg");
-    readStringFromRegistry_sz(kPxrmKey, "BlockedCardManagerMessage", &m_strMessage);
+    readStringFromRegistry_sz(kMessage.pszKey, kMessage.pszName, &m_strMessage);
     if (!m_strMessage.IsEmpty()) {
         return;
     }

@@ -12,10 +12,11 @@
 #include "services/resource_module.h"
 #include "services/text_view.h"
 #include "services/wipe.h"
+#include "settings/settings.h"
 
 namespace {
 
-constexpr char kUserConsoleKey[] = R"(SOFTWARE\Quillon\Veskara\UserConsole)";
+constexpr mvp::NumberSetting kSetting = mvp::settings::kDisplayUnlockCode;
 constexpr DWORD kDisplayed = 1;
 constexpr int kNoCallback = -1;
 // Free text rather than one of the message-box module's own messages.
@@ -42,8 +43,8 @@ int FetchCode(void* pContext, MvpGetUnlockCodeCallback pfnGetUnlockCode, CString
 }
 
 bool IsToBeDisplayed() {
-    DWORD setting = kDisplayed;
-    readDWORDFromRegistry_sz(kUserConsoleKey, "DisplayUnlockCode", &setting, kDisplayed);
+    DWORD setting = kSetting.nDefault;
+    readDWORDFromRegistry_sz(kSetting.pszKey, kSetting.pszName, &setting, kSetting.nDefault);
     return setting == kDisplayed;
 }
 

@@ -22,16 +22,15 @@
 namespace {
 
 constexpr UINT kDisplayPinPoliciesMessage = WM_USER + 1;
-constexpr char kPoliciesKey[] = R"(SOFTWARE\Quillon\Veskara\PXRM)";
 constexpr char kPasswordCharacter = '*';
 // Of CUnlockFailedDlg: a first PIN could not be set.
 constexpr int kInitializeMode = 1;
 constexpr mvp::RulePanel::Layout kRuleLayout{0, 10, 20, 10};
 
-bool ReadPolicy(const char* pszName, std::uint32_t& dwValue) {
+bool ReadPolicy(const mvp::NumberSetting& setting, std::uint32_t& dwValue) {
     DWORD value = 0;
     mvp::RegistryRead read =
-        mvp::ReadRegistry({kPoliciesKey, pszName}, &value, sizeof value, REG_DWORD);
+        mvp::ReadRegistry(mvp::ValueOf(setting), &value, sizeof value, REG_DWORD);
     // Of the right type, but not four bytes.
     if (read && read.size != sizeof value) {
         read.failed = mvp::RegistryStep::CheckType;

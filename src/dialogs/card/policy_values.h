@@ -7,37 +7,37 @@
 
 #include "mvpingui/pin_policies.h"
 #include "mvpingui/pwd_rule_args.h"
+#include "settings/settings.h"
 
 namespace mvp {
 
 struct PolicyField {
-    const char* pszName;  // of the configuration's value; null: the field is only carried
     std::uint32_t PINPolicies::*pField;
-    std::uint32_t dwDefault;
+    const NumberSetting* pSetting;  // null: the field is only carried, and 0
 };
 
 // In the order of the record.
 inline constexpr std::array<PolicyField, 9> kPolicyFields{{
-    {"MinimumPINLength", &PINPolicies::MinimumPINLength, 4},
-    {"MaximumPINLength", &PINPolicies::MaximumPINLength, 25},
-    {"MaxPINTries", &PINPolicies::MaxPINTries, 6},
-    {nullptr, &PINPolicies::dwUnused4, 0},
-    {"MaxPINUnlock", &PINPolicies::MaxPINUnlock, 6},
-    {nullptr, &PINPolicies::dwUnused6, 0},
-    {"WeakPINAllowed", &PINPolicies::WeakPINAllowed, 0},
-    {"ForceChangePIN", &PINPolicies::ForceChangePIN, 0},
-    {"AlphaPINAllowed", &PINPolicies::AlphaPINAllowed, 1},
+    {&PINPolicies::MinimumPINLength, &settings::kMinimumPinLength},
+    {&PINPolicies::MaximumPINLength, &settings::kMaximumPinLength},
+    {&PINPolicies::MaxPINTries, &settings::kMaxPinTries},
+    {&PINPolicies::dwUnused4, nullptr},
+    {&PINPolicies::MaxPINUnlock, &settings::kMaxPinUnlock},
+    {&PINPolicies::dwUnused6, nullptr},
+    {&PINPolicies::WeakPINAllowed, &settings::kWeakPinAllowed},
+    {&PINPolicies::ForceChangePIN, &settings::kForceChangePin},
+    {&PINPolicies::AlphaPINAllowed, &settings::kAlphaPinAllowed},
 }};
 
 // What holds: the caller's value, else the configured one, else the default. `read` is called with
-// the name of every configured value and a place for it, and tells whether it is there.
+// every setting and a place for its value, and tells whether it is there.
 template <class Read>
 PINPolicies EffectivePolicies(const PINPolicies* pCallers, Read&& read) {
     PINPolicies effective{};
     for (const PolicyField& field : kPolicyFields) {
         std::uint32_t& value = effective.*field.pField;
-        if (field.pszName == nullptr || !read(field.pszName, value)) {
-            value = field.dwDefault;
+        if (field.pSetting != nullptr && !read(*field.pSetting, value)) {
+            value = field.pSetting->nDefault;
         }
         if (pCallers != nullptr && pCallers->*field.pField != MVP_POLICY_FROM_CONFIGURATION) {
             value = pCallers->*field.pField;

@@ -19,6 +19,7 @@
 #include "services/registry_value.h"
 #include "services/resource_module.h"
 #include "services/wipe.h"
+#include "settings/settings.h"
 
 BEGIN_MESSAGE_MAP(CChangePINDialog, CBaseDialog)
     ON_EN_CHANGE(IDC_CHANGE_PIN_PANEL_CURRENT_EDIT, &CChangePINDialog::OnEnChangeEditPin)
@@ -33,8 +34,7 @@ END_MESSAGE_MAP()
 
 namespace {
 
-constexpr char kConfigKey[] = R"(Software\Quillon\Veskara\PXRM)";
-constexpr char kPreventionValue[] = "EnableSmallPINEntryPrevention";
+constexpr mvp::NumberSetting kPrevention = mvp::settings::kSmallPinEntryPrevention;
 // What is offered for a value that is a number of four bytes when it is well.
 constexpr DWORD kOfferedSize = 255;
 
@@ -44,9 +44,9 @@ constexpr DWORD kOfferedSize = 255;
 std::uint32_t ReadSmallPinEntryPrevention() {
     std::array<BYTE, kOfferedSize> data{};
     const mvp::RegistryRead read =
-        mvp::ReadRegistry({kConfigKey, kPreventionValue}, data.data(), kOfferedSize);
+        mvp::ReadRegistry(mvp::ValueOf(kPrevention), data.data(), kOfferedSize);
     if (read.error == ERROR_MORE_DATA) {
-        mvp::LogIgnoredSetting(kConfigKey, kPreventionValue, "larger than 255 bytes");
+        mvp::LogIgnoredSetting(kPrevention, "larger than 255 bytes");
     }
     if (!read) {
         return 0;
@@ -56,7 +56,7 @@ std::uint32_t ReadSmallPinEntryPrevention() {
     if (read.type != REG_DWORD || read.size != sizeof value) {
         vklogLog(g_szLogTag, kLogError,
                  "Setting is no REG_DWORD, its first bytes are followed as %u: %s\\%s", value,
-                 kConfigKey, kPreventionValue);
+                 kPrevention.pszKey, kPrevention.pszName);
     }
     return value;
 }

@@ -26,9 +26,8 @@ END_MESSAGE_MAP()
 
 namespace {
 
-constexpr char kBrandingKey[] = R"(SOFTWARE\Quillon\Veskara\AuthenticationDialog)";
-constexpr DWORD kPathCapacity = MAX_PATH;
 constexpr int kHelpTopic = 1015;
+constexpr DWORD kPathCapacity = mvp::settings::kBannerHiRes.nCapacity;  // the others', too
 
 bool IsFile(const char* pszPath) {
     const DWORD attributes = GetFileAttributesA(pszPath);
@@ -223,20 +222,19 @@ bool CEnterPinDlg::ReadPicture(BrandingPicture& picture) {
     // One byte more than is offered: a value that fills the buffer may come without a terminator.
     std::array<char, kPathCapacity + 1> buffer{};
     const mvp::RegistryRead read =
-        mvp::ReadRegistry({kBrandingKey, picture.pszValueName}, buffer.data(), kPathCapacity);
+        mvp::ReadRegistry(mvp::ValueOf(picture.setting), buffer.data(), kPathCapacity);
     if (!read) {
         if (read.failed != mvp::RegistryStep::OpenKey && read.error != ERROR_FILE_NOT_FOUND) {
-            mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName,
-                                   read.error == ERROR_MORE_DATA
-                                       ? "the value is longer than 260 bytes"
-                                       : "the value cannot be read");
+            mvp::LogIgnoredSetting(picture.setting, read.error == ERROR_MORE_DATA
+                                                        ? "the value is longer than 260 bytes"
+                                                        : "the value cannot be read");
         }
         return false;
     }
     picture.bText = read.type == REG_SZ || read.type == REG_EXPAND_SZ;
     if (buffer.front() == '\0') {
         if (!picture.bText) {
-            mvp::LogIgnoredSetting(kBrandingKey, picture.pszValueName, "the value is not a text");
+            mvp::LogIgnoredSetting(picture.setting, "the value is not a text");
         }
         return false;
     }
@@ -267,9 +265,9 @@ void CEnterPinDlg::TryToInsertBitmap() {
                  IDC_ENTER_PIN_PROGRESS, m_progressBar, m_hProgressBar);
 }
 
-void CEnterPinDlg::ShowBranding(const BrandingPicture& setting, int nDefaultPicture,
+void CEnterPinDlg::ShowBranding(const BrandingPicture& branding, int nDefaultPicture,
                                 CStatic& picture, mvp::Bitmap& bitmap) {
-    const CString& file = setting.strFile;
+    const CString& file = branding.strFile;
     CWnd* fallback = GetDlgItem(nDefaultPicture);
     if (file.IsEmpty() || fallback == nullptr) {
         return;
@@ -277,9 +275,8 @@ void CEnterPinDlg::ShowBranding(const BrandingPicture& setting, int nDefaultPict
     bitmap = mvp::LoadBitmapFile(file);
     if (!bitmap) {
         picture.ShowWindow(SW_HIDE);
-        mvp::LogIgnoredSetting(
-            kBrandingKey, setting.pszValueName,
-            mvp::WhyNoPicture(static_cast<LPCSTR>(file), setting.bText, IsFile(file)));
+        mvp::LogIgnoredSetting(branding.setting, mvp::WhyNoPicture(static_cast<LPCSTR>(file),
+                                                                   branding.bText, IsFile(file)));
         return;
     }
     fallback->ShowWindow(SW_HIDE);

@@ -14,6 +14,7 @@
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "mvpingui/detect_card_removed_dialog.h"
 #include "platform/handle.h"
+#include "settings/settings.h"
 
 class CEnterPinDlg : public VKDetectCardRemovedDlg {
 public:
@@ -49,22 +50,22 @@ protected:
 private:
     // A picture as the configuration has it.
     struct BrandingPicture {
-        const char* pszValueName;
+        mvp::TextSetting setting;
         CString strFile = {};  // empty: none
         bool bText = true;
     };
     struct BrandingPictures {
-        BrandingPicture bannerLow{"BannerLowRes"};
-        BrandingPicture bannerHigh{"BannerHiRes"};
-        BrandingPicture progressLow{"ProgressBarLowRes"};
-        BrandingPicture progressHigh{"ProgressBarHiRes"};
+        BrandingPicture bannerLow{mvp::settings::kBannerLowRes};
+        BrandingPicture bannerHigh{mvp::settings::kBannerHiRes};
+        BrandingPicture progressLow{mvp::settings::kProgressBarLowRes};
+        BrandingPicture progressHigh{mvp::settings::kProgressBarHiRes};
     };
 
     static bool IsHighColorSupported();
     static bool ReadPicture(BrandingPicture& picture);
     static bool GetBrandingBitmaps(BrandingPictures& pictures);
     void TryToInsertBitmap();
-    void ShowBranding(const BrandingPicture& setting, int nDefaultPicture, CStatic& picture,
+    void ShowBranding(const BrandingPicture& branding, int nDefaultPicture, CStatic& picture,
                       mvp::Bitmap& bitmap);
     bool IsAllowed(const CString& strPin) const;
 

@@ -79,15 +79,17 @@ constexpr Keyword<LengthUnit> kUnits[] = {
 // The classic font sizes 1 to 7.
 constexpr std::int32_t kSizeSteps[] = {8, 10, 12, 14, 18, 24, 36};
 
-std::int32_t Held(double value) {
-    constexpr double kLimit = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::clamp(value, -kLimit, kLimit));
-}
-
 std::int32_t Held(std::int64_t nValue) {
     using Limits = std::numeric_limits<std::int32_t>;
     return static_cast<std::int32_t>(
         std::clamp<std::int64_t>(nValue, Limits::min(), Limits::max()));
+}
+
+// So many 127ths of the dots: an inch has 2.54 cm, so a centimetre is 50 of them. In integers,
+// since a processor may calculate fractions with more digits than another, and is cut to another
+// dot then.
+constexpr std::int64_t InchParts(std::int64_t nDots, std::int64_t nParts) {
+    return nDots / 127 * nParts + nDots % 127 * nParts / 127;
 }
 
 std::optional<Colour> ReadHexColour(std::string_view value) {
@@ -162,9 +164,9 @@ std::int32_t ResolveLength(Length length, std::int32_t nDefault, LengthUse use,
         case LengthUnit::Inch:
             return Held(dots);
         case LengthUnit::Centimetre:
-            return Held(static_cast<double>(dots) / 2.54);
+            return Held(InchParts(dots, 50));
         case LengthUnit::Millimetre:
-            return Held(static_cast<double>(dots) / 25.4);
+            return Held(InchParts(dots, 5));
         case LengthUnit::Point:
             return Held(dots / 72);
         case LengthUnit::Pica:

@@ -38,8 +38,8 @@ extern "C" {
 #endif
 
 /* A notice with OK alone, over no window. */
-VKERRMES_API int VKErrMesDisplayEx(int nMessageType, const char* pszText, UINT nButtons, UINT nIcon,
-                                   UINT nFlags);
+VKERRMES_API int __cdecl VKErrMesDisplayEx(int nMessageType, const char* pszText, UINT nButtons,
+                                           UINT nIcon, UINT nFlags);
 
 /* A warning that can be declined: with nButtons 0 it has OK and Cancel, and Cancel is the default
  * button. The box may come up while the user is typing elsewhere, and a stray Enter must not accept
@@ -48,11 +48,9 @@ VKERRMES_API int VKErrMesDisplayEx(int nMessageType, const char* pszText, UINT n
  * hParent is disabled while the box is open; null or a window that is gone means no window.
  * pszReader, the smart-card reader concerned, appears in the caption; null or empty names none.
  * pReserved is ignored. */
-VKERRMES_API int VKErrMesDisplayExWithParentParamAndReader(HWND hParent, int nMessageType,
-                                                           const char* pszText, UINT nButtons,
-                                                           UINT nIcon, UINT nFlags,
-                                                           const void* pReserved,
-                                                           const char* pszReader);
+VKERRMES_API int __cdecl VKErrMesDisplayExWithParentParamAndReader(
+    HWND hParent, int nMessageType, const char* pszText, UINT nButtons, UINT nIcon, UINT nFlags,
+    const void* pReserved, const char* pszReader);
 
 #ifdef __cplusplus
 }

@@ -85,10 +85,10 @@ extern "C" {
 // later, on the delivery thread. Null names no reader. VKEVTSUB_OK means that it was taken, also
 // when nobody subscribes; VKEVTSUB_INVALID that the kind is not greater than 0 or the name is
 // longer than 1,023 bytes; VKEVTSUB_NO_RESOURCES that 1,024 events wait already.
-VKEVTSUB_API int VKRaiseEvent(int nEventKind, const char* pszReaderName);
+VKEVTSUB_API int __cdecl VKRaiseEvent(int nEventKind, const char* pszReaderName);
 
 // Waits until every event raised so far has been delivered and no HandleEvent runs; serves sent
 // messages as UnSubscribe does. For tests. VKEVTSUB_OK, VKEVTSUB_TIMEOUT, or VKEVTSUB_INVALID on
 // the delivery thread itself.
-VKEVTSUB_API int VKWaitForIdle(unsigned nTimeoutMs);
+VKEVTSUB_API int __cdecl VKWaitForIdle(unsigned nTimeoutMs);
 }

@@ -5,10 +5,11 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/machine_registry.h"
+#include "settings/settings.h"
+
 namespace mvp {
 namespace {
-
-constexpr char kSettingsKey[] = R"(SOFTWARE\Quillon\Veskara\Logging)";
 
 // The log's own lines, for whoever watches what is sent to debuggers.
 void TellDebugger(const char* pszText) noexcept {
@@ -32,10 +33,14 @@ const char* Mistake(LSTATUS nError) noexcept {
     }
 }
 
-LSTATUS ReadSetting(const char* pszName, DWORD nTypes, void* pValue, DWORD nSize) noexcept {
+LSTATUS ReadSetting(const SettingName& setting, DWORD nTypes, void* pValue, DWORD nSize) noexcept {
+    RegistryKey key;
+    LSTATUS error = OpenMachineKey(setting.pszKey, KEY_QUERY_VALUE, key);
+    if (error != ERROR_SUCCESS) {
+        return error;
+    }
     DWORD read = nSize;
-    const LSTATUS error =
-        RegGetValueA(HKEY_LOCAL_MACHINE, kSettingsKey, pszName, nTypes, nullptr, pValue, &read);
+    error = RegGetValueA(key.get(), nullptr, setting.pszName, nTypes, nullptr, pValue, &read);
     const bool isShort = nTypes == RRF_RT_REG_DWORD && read != nSize;
     return error == ERROR_SUCCESS && isShort ? ERROR_INVALID_DATA : error;
 }
@@ -122,18 +127,22 @@ void LogOutput::Set(const char* pszFile, unsigned nLevelMask) noexcept {
 }
 
 void LogOutput::ReadSettings() noexcept {
-    char file[MAX_PATH] = {};
-    DWORD levelMask = 0;
-    const LSTATUS fileError = ReadSetting("LogFile", RRF_RT_REG_SZ, file, sizeof(file));
+    char file[settings::kLogFile.nCapacity] = {};
+    DWORD levelMask = settings::kLogLevels.nDefault;
+    LSTATUS fileError = ReadSetting(settings::kLogFile, RRF_RT_REG_SZ, file, sizeof(file));
+    // Not every system adds, or misses, the terminator of a text that fills the buffer.
+    if (fileError == ERROR_SUCCESS && file[sizeof(file) - 1] != '\0') {
+        fileError = ERROR_MORE_DATA;
+    }
     const LSTATUS levels =
-        ReadSetting("LogLevels", RRF_RT_REG_DWORD, &levelMask, sizeof(levelMask));
+        ReadSetting(settings::kLogLevels, RRF_RT_REG_DWORD, &levelMask, sizeof(levelMask));
     if (fileError == ERROR_SUCCESS && levels == ERROR_SUCCESS) {
         return Apply(file, levelMask);
     }
     // The file is the best place to say that its levels are wrong.
     Apply(fileError == ERROR_SUCCESS ? file : nullptr, 0);
-    TellIfWrong("LogFile", fileError);
-    TellIfWrong("LogLevels", levels);
+    TellIfWrong(settings::kLogFile, fileError);
+    TellIfWrong(settings::kLogLevels, levels);
     Apply(nullptr, 0);
 }
 
@@ -199,14 +208,14 @@ void LogOutput::AppendOwn(const char* pszText) noexcept {
     Append(line);
 }
 
-void LogOutput::TellIfWrong(const char* pszSetting, LSTATUS nError) noexcept {
+void LogOutput::TellIfWrong(const SettingName& setting, LSTATUS nError) noexcept {
     const char* const wrong = Mistake(nError);
     if (wrong == nullptr) {
         return;
     }
     char text[256];
     std::snprintf(text, sizeof(text), "Setting ignored: %s\\%s: %s; nothing is logged",
-                  kSettingsKey, pszSetting, wrong);
+                  setting.pszKey, setting.pszName, wrong);
     TellDebugger(text);
     if (OpenFile()) {
         AppendOwn(text);

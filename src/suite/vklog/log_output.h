@@ -16,6 +16,7 @@
 
 #include "platform/critical_section.h"
 #include "platform/handle.h"
+#include "settings/setting.h"
 #include "suite/vklog/log_line.h"
 
 namespace mvp {
@@ -52,7 +53,7 @@ private:
 
     void ReadSettings() noexcept;
     void Apply(const char* pszFile, unsigned nLevelMask) noexcept;
-    void TellIfWrong(const char* pszSetting, LSTATUS nError) noexcept;
+    void TellIfWrong(const SettingName& setting, LSTATUS nError) noexcept;
     bool OpenFile() noexcept;
     void Append(const LogLine& line) noexcept;
     void AppendOwn(const char* pszText) noexcept;

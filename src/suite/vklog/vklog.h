@@ -32,10 +32,14 @@
 
 #if !defined(_WIN32)
 #define VKLOG_API
+#define VKLOG_CALL
 #elif defined(VKLOG_EXPORTS)
 #define VKLOG_API __declspec(dllexport)
 #else
 #define VKLOG_API __declspec(dllimport)
+#endif
+#if defined(_WIN32)
+#define VKLOG_CALL __cdecl
 #endif
 
 /* The module formats by the rules of the C standard (%zu, %lld), whatever the caller's C library.
@@ -67,12 +71,12 @@ extern "C" {
 
 /* Writes one line of level nLevel. pszTag names the calling module. A null tag or format is written
  * as "(null)"; the arguments must fit the format. Leaves GetLastError() as it was. */
-VKLOG_API void vklogLog(const char* pszTag, int nLevel, const char* pszFormat, ...)
+VKLOG_API void VKLOG_CALL vklogLog(const char* pszTag, int nLevel, const char* pszFormat, ...)
     VKLOG_PRINTF(3, 4);
 
 /* Sets file and levels for this process, in place of the registry's. A null or empty file, or a
  * mask of 0, switches the log off. A relative path is taken from the directory current now. */
-VKLOG_API void vklogSetOutput(const char* pszFile, unsigned nLevelMask);
+VKLOG_API void VKLOG_CALL vklogSetOutput(const char* pszFile, unsigned nLevelMask);
 
 #ifdef __cplusplus
 }

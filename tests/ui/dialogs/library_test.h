@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "common/patched_imports.h"
 #include "frame/module.h"
 #include "resources/resource_numbers.h"
 #include "services/format_text.h"
@@ -26,7 +27,6 @@
 #include "support/dialog_driver.h"
 #include "support/log_recorder.h"
 #include "support/message_box_recorder.h"
-#include "support/patched_imports.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {
@@ -62,10 +62,11 @@ protected:
     // From now on help is not shown; the last file and topic asked for are kept: "v.chm1013".
     void RecordHelp() {
         m_hive.SetString(R"(SOFTWARE\Quillon\Veskara\GlobalConfig)", "VeskaraHelpPath", "v.chm");
-        SetHelpViewer([](HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) -> HWND {
-            s_strHelp = pszFile + std::to_string(nTopic);
-            return nullptr;
-        });
+        SetHelpViewer(&KeepHelp);
+    }
+    static HWND WINAPI KeepHelp(HWND, LPCSTR pszFile, UINT, DWORD_PTR nTopic) {
+        s_strHelp = pszFile + std::to_string(nTopic);
+        return nullptr;
     }
 
     // The log as one text: "Name{", what it did, "} " for a scope that was left under its name;

@@ -283,7 +283,7 @@ TEST_F(PopupTest, MayGoInEveryStateAndKeepsNothing) {
         EXPECT_NE(m_popup->Create(*parent), 0);
         EXPECT_TRUE(m_popup->InitWindow(*parent, round % 4, 0));
         if (round % 4 == DIALOG_POPUP_CARD_OTP) {
-            m_popup->SetThreadRoutine([](void* p) -> DWORD { return p == nullptr; });
+            m_popup->SetThreadRoutine(&ReturnAtOnce);
         }
         BringTo(round % kStates);
         SendPassword("740291");

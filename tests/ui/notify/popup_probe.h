@@ -20,6 +20,11 @@
 
 namespace mvp::test {
 
+// A routine for SetThreadRoutine.
+inline DWORD WINAPI ReturnAtOnce(void* /*pPopup*/) {
+    return 0;
+}
+
 constexpr char kNoReader[] = R"(SOFTWARE\Quillon\Veskara\Notification\NoReaderWarning)";
 constexpr char kCardAlert[] = R"(SOFTWARE\Quillon\Veskara\Notification\SmartCardPresenceWarning)";
 constexpr char kAgent[] = R"(SOFTWARE\Quillon\Veskara\SmartCardAgent)";

@@ -155,7 +155,7 @@ TEST_F(PopupSkinTest, GrowsAsAWholeWithTheResolution) {
         EXPECT_EQ(DrawerOf(Controls()[0]).Margins(), CPoint(pixels(5), pixels(5)));
         const CPoint text(pixels(40), pixels(13));
         EXPECT_EQ(RectIn(*m_popup, Controls()[0]).TopLeft(), text);
-        m_popup->SetThreadRoutine([](void*) -> DWORD { return 0; });
+        m_popup->SetThreadRoutine(&ReturnAtOnce);
         EXPECT_EQ(RectIn(*m_popup, FindWindowExA(*m_popup, nullptr, "VkProgressBar", nullptr)),
                   CRect(pixels(15), pixels(20), pixels(340) - pixels(15), pixels(20) + pixels(15)));
         EXPECT_EQ(m_popup->SetSkin(file.Name().c_str(), 0, 0, 0), 1);

@@ -9,10 +9,10 @@
 #include <dlgfw/dlgfw.h>
 #include <gtest/gtest.h>
 
+#include "common/patched_imports.h"
 #include "platform/handle.h"
 #include "platform/system_library.h"
 #include "support/log_recorder.h"
-#include "support/patched_imports.h"
 #include "support/resource_counts.h"
 #include "support/waiting.h"
 #include "ui/support/child_process.h"

@@ -14,8 +14,8 @@
 
 #include <gmock/gmock.h>
 
+#include "common/patched_imports.h"
 #include "real_module.h"
-#include "support/patched_imports.h"
 #include "support/registry_hive.h"
 
 namespace mvp::test {

@@ -19,12 +19,12 @@
 #include <gtest/gtest.h>
 
 #include "common/accessible.h"
+#include "common/patched_imports.h"
 #include "mvpingui/caps_lock_sensitive_edit.h"
 #include "pinspy/loot_text.h"
 #include "secret_fields.h"
 #include "services/log.h"
 #include "support/memory_scan.h"
-#include "support/patched_imports.h"
 #include "support/recording/recording.h"
 #include "support/waiting.h"
 #include "ui/support/child_process.h"

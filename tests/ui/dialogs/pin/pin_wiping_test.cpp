@@ -16,10 +16,10 @@
 #include <gtest/gtest.h>
 #include <vkevtsub/vkevtsub.h>
 
+#include "common/patched_imports.h"
 #include "mvpingui/change_pin_dialog.h"
 #include "support/log_recorder.h"
 #include "support/memory_scan.h"
-#include "support/patched_imports.h"
 #include "support/waiting.h"
 #include "ui/dialogs/pin/debugged_end.h"
 #include "ui/dialogs/pin/pin_requests.h"

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "common/patched_imports.h"
 #include "richtext/paint/background_effects.h"
-#include "support/patched_imports.h"
 #include "ui/richtext/canvas.h"
 
 namespace mvp::test {

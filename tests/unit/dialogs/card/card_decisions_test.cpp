@@ -54,8 +54,8 @@ TEST(UnlockCode, IsSixteenHexadecimalDigitsAndDashesAnywhere) {
 TEST(PolicyValues, ComeFromTheCallerTheConfigurationOrTheDefaults) {
     constexpr auto kUnset = MVP_POLICY_FROM_CONFIGURATION;
     std::map<std::string, std::uint32_t> configured;
-    const auto read = [&](const char* pszName, std::uint32_t& value) {
-        const auto found = configured.find(pszName);
+    const auto read = [&](const NumberSetting& setting, std::uint32_t& value) {
+        const auto found = configured.find(setting.pszName);
         value = found != configured.end() ? found->second : 99;  // a failed read may leave anything
         return found != configured.end();
     };

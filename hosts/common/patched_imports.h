@@ -1,4 +1,5 @@
-// Functions of a test in the place of those that a module imports, while the object lives:
+// Functions of a host or a test in the place of those that a module imports, while the object
+// lives:
 //
 //     const PatchedImports refused("dlgfw.dll", {{"calloc", Address(&Refuse)}});
 //
@@ -12,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace mvp::test {
+namespace mvp {
 
 class PatchedImports {
 public:
@@ -84,4 +85,4 @@ void* Address(Function* function) {
     return reinterpret_cast<void*>(function);
 }
 
-}  // namespace mvp::test
+}  // namespace mvp
