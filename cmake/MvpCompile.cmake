@@ -19,20 +19,35 @@ if(WIN32)
   # A library that is loaded into foreign processes must not meet another build of the language's
   # runtime there, so every binary carries its own.
   target_link_options(mvp_options INTERFACE
-    -static -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+    -static -Wl,--dynamicbase -Wl,--nxcompat)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    target_link_options(mvp_options INTERFACE -Wl,--high-entropy-va)
+  else()
+    # The stack that a 32-bit system or host calls with stands at multiples of four bytes. Without SSE,
+    # which this target has not by default, nothing needs more; with it this compiler sees to it.
+    target_link_options(mvp_options INTERFACE -Wl,--large-address-aware)
+  endif()
   # Sections that lie in the file as they do in memory are mapped by the loader, others it may copy.
   target_link_options(mvp_options INTERFACE -Wl,--file-alignment=4096)
+  # What is built is the same bytes wherever and whenever: no folder of the machine in it, no time.
+  mvp_compile(C,CXX -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+  target_link_options(mvp_options INTERFACE -Wl,--no-insert-timestamp)
   mvp_compile(C,CXX -fstack-protector-strong)
   # The compiler's support library is linked only when the linker is told as well. The checked string
   # functions come from it; the guard's value and what ends the process are ours.
   target_link_options(mvp_options INTERFACE -fstack-protector-strong)
-  add_library(mvp_stack_guard OBJECT ${PROJECT_SOURCE_DIR}/src/platform/stack_guard.cpp)
-  target_compile_definitions(mvp_stack_guard PRIVATE
+  add_library(mvp_in_every_binary OBJECT ${PROJECT_SOURCE_DIR}/src/platform/stack_guard.cpp)
+  target_compile_definitions(mvp_in_every_binary PRIVATE
     $<TARGET_PROPERTY:mvp_options,INTERFACE_COMPILE_DEFINITIONS>)
-  target_compile_options(mvp_stack_guard PRIVATE
+  target_compile_options(mvp_in_every_binary PRIVATE
     $<TARGET_PROPERTY:mvp_options,INTERFACE_COMPILE_OPTIONS>
     -fno-stack-protector -fno-exceptions)
-  target_link_libraries(mvp_options INTERFACE $<TARGET_OBJECTS:mvp_stack_guard>)
+  target_link_libraries(mvp_options INTERFACE $<TARGET_OBJECTS:mvp_in_every_binary>)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # It finds the section of the records by its short name.
+    target_sources(mvp_in_every_binary PRIVATE ${PROJECT_SOURCE_DIR}/src/platform/frame_records.cpp)
+    target_link_options(mvp_options INTERFACE -Wl,--disable-long-section-names)
+  endif()
   if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_compile_definitions(mvp_options INTERFACE _FORTIFY_SOURCE=2)
     target_link_options(mvp_options INTERFACE -s)

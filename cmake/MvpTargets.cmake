@@ -58,7 +58,8 @@ endfunction()
 
 # mvp_ui_test(name SOURCES... [LIBS libraries...] [SCANS]): a Windows GoogleTest program, run under
 # Wine. It lies in testbin/, beside copies of the product's libraries and the recording module that
-# stands in for the suite's log. SCANS: it looks for secrets in the memory.
+# stands in for the suite's log. SCANS: it looks for secrets in the memory. The test is ui.NAME, in
+# the 32-bit build ui.NAME.32.
 function(mvp_ui_test name)
   cmake_parse_arguments(arg "SCANS" "" "LIBS" ${ARGN})
   # Padded heap blocks, so that the check after each test sees an overrun. They are filled when they
@@ -72,7 +73,11 @@ function(mvp_ui_test name)
   target_link_libraries(${name} PRIVATE mvp_options ${arg_LIBS} mvp_test_support)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
   add_dependencies(${name} test_modules)
-  add_test(NAME ui.${name} COMMAND ${name} WORKING_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
-  set_tests_properties(ui.${name} PROPERTIES TIMEOUT 240 LABELS ui RUN_SERIAL ON
+  set(test ui.${name})
+  if(MVP_SHIPPED_ALONE)
+    string(APPEND test .32)
+  endif()
+  add_test(NAME ${test} COMMAND ${name} WORKING_DIRECTORY ${PROJECT_BINARY_DIR}/testbin)
+  set_tests_properties(${test} PROPERTIES TIMEOUT 240 LABELS ui RUN_SERIAL ON
                        ENVIRONMENT WINEDEBUG=${debug})
 endfunction()
