@@ -151,7 +151,7 @@ class PinHostTest(unittest.TestCase):
         """They are the second place where the library looks."""
         program = self.copy_host("mute", "*.dll")
         french = pathlib.Path(PROGRAM[-1]).parent / "fr"
-        key = ("HKLM\\Software\\Quillon\\Veskara", "/v", "VeskaraInstallPath", "/f")
+        key = ("HKLM\\Software\\Quillon\\Veskara", "/v", "VeskaraInstallPath", "/f", "/reg:64")
         path = "Z:" + str(french).replace("/", "\\") + "\\"
         reg = [*PROGRAM[:-1], "reg.exe"]
         self.assertEqual(self.run_host("add", *key, "/d", path, program=reg).returncode, 0)

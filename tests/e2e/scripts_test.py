@@ -66,6 +66,7 @@ class ScriptsTest(unittest.TestCase):
 
     def session(self, wine, *command):
         self.write("prefix/.complete", "")
+        self.write("prefix/drive_c/windows/syswow64/kernel32.dll", "")
         self.write("bin/wine", wine, 0o755)
         self.write("bin/wineserver", "#!/bin/sh\n", 0o755)
         return self.run_script("wine-session", *command, PATH=f"{self.folder}/bin:{os.environ['PATH']}",
