@@ -52,7 +52,7 @@ function(mvp_unit_test name)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE mvp_options ${arg_LIBS} gtest_main)
-  add_test(NAME unit.${name} COMMAND ${name})
+  add_test(NAME unit.${name} COMMAND ${mvp_on_all_processors} $<TARGET_FILE:${name}>)
   set_tests_properties(unit.${name} PROPERTIES TIMEOUT 300 LABELS unit)
 endfunction()
 
