@@ -16,7 +16,12 @@ CULTURES = {"en": "en-US", "de": "de-DE", "es": "es-ES", "fr": "fr-FR", "it": "i
 IDENTIFIER = re.compile(r"[A-Za-z][A-Za-z0-9_]*")
 BRACES = re.compile(r"\{(\w+)\}")
 REGISTRY_TYPES = {"number": ["REG_DWORD"], "text": ["REG_SZ"]}
-ALL_TYPES = {"REG_DWORD", "REG_SZ", "REG_EXPAND_SZ"}
+ALL_TYPES = {"number": {"REG_DWORD"}, "text": {"REG_SZ", "REG_EXPAND_SZ"}}
+# What stands between quotation marks in the sources that are made.
+PLAIN = re.compile(r'[ !#-~]*')
+# Characters that no XML has, in whatever spelling.
+NO_XML = re.compile(r"[^\t\n\r\x20-\ud7ff\ue000-\ufffd\U00010000-\U0010ffff]")
+TABLES = {"setting", "category", "policy"}
 GREATEST = 2**32 - 1
 
 
@@ -101,10 +106,10 @@ class Source:
 class Schema:
     def __init__(self, folder=HERE):
         self.source = Source(folder / "settings.toml")
-        for name in ("root", "revision"):
-            if not isinstance(self.source.data.get(name), str):
-                raise Mistake(f"settings.toml:1: there is no text {name}")
-        self.root, self.revision = self.source.data["root"], self.source.data["revision"]
+        self.root = self.head("root", PLAIN)
+        self.revision = self.head("revision", re.compile(r"\d{1,4}\.\d{1,4}"))
+        for name in self.source.data.keys() - TABLES - {"root", "revision"}:
+            raise self.source.mistake(f"{name} is not known", rf"^(\[\[)?{re.escape(name)}\b")
         self.settings = self.records("setting", Setting)
         self.categories = self.records("category", Category)
         self.policies = self.records("policy", Policy)
@@ -114,8 +119,7 @@ class Schema:
         for one in self.policies:
             self.check_policy(one)
         for one in self.categories:
-            if one.parent and one.parent not in (other.id for other in self.categories):
-                raise self.fault("category", one, f"there is no category {one.parent}", "parent")
+            self.check_category(one)
         self.texts = {language: Source(folder / "texts" / f"{language}.toml")
                       for language in CULTURES}
         for path in sorted((folder / "texts").iterdir()):
@@ -123,6 +127,12 @@ class Schema:
                 raise Mistake(f"{path.name}:1: it is the file of no language that is known")
         for language in CULTURES:
             self.check_texts(language)
+
+    def head(self, name, pattern):
+        text = self.source.data.get(name)
+        if not isinstance(text, str) or not pattern.fullmatch(text):
+            raise self.source.mistake(f"{name} is {text!r}", rf"^{name}\b")
+        return text
 
     def fault(self, kind, one, text, field=""):
         """In the line of the field, or of the identifier where there is none."""
@@ -142,7 +152,7 @@ class Schema:
         for number, raw in enumerate(self.source.data.get(kind, [])):
             headers = [rf"^\[\[{kind}\]\]"] + [r"^id = ", rf"^\[\[{kind}\]\]"] * number
             headers += [r"^id = "] if "id" in raw else []
-            if not IDENTIFIER.fullmatch(raw.get("id", "")):
+            if not IDENTIFIER.fullmatch(str(raw.get("id", ""))):
                 raise self.source.mistake(f"a {kind} needs an id of letters and digits", *headers)
             try:
                 found.append(make(**raw))
@@ -161,6 +171,24 @@ class Schema:
             value = getattr(one, field.name)
             if not isinstance(value, field.type) or isinstance(value, bool) != (field.type is bool):
                 raise self.fault(kind, one, f"{field.name} is {value!r}", field.name)
+            if isinstance(value, list) and field.name != "limits" and (
+                    not all(isinstance(each, str) and each for each in value)
+                    or len(set(value)) < len(value)):
+                raise self.fault(kind, one, f"{field.name} is {value!r}", field.name)
+
+    def check_category(self, one):
+        above, seen = one, set()
+        while above.parent:
+            if above.id in seen:
+                raise self.fault("category", one, "it lies within itself", "parent")
+            seen.add(above.id)
+            within = [other for other in self.categories if other.id == above.parent]
+            if not within:
+                raise self.fault("category", above, f"there is no category {above.parent}", "parent")
+            above = within[0]
+        if one.id not in [each.category for each in self.policies] + [
+                each.parent for each in self.categories]:
+            raise self.fault("category", one, "nothing stands in it")
 
     def check_setting(self, one):
         def wrong(text, field=""):
@@ -169,9 +197,13 @@ class Schema:
         if one.type not in REGISTRY_TYPES:
             raise wrong(f"type {one.type} is neither number nor text", "type")
         one.registry = one.registry or REGISTRY_TYPES[one.type]
-        if one.registry != "any" and not set(one.registry) <= ALL_TYPES:
-            raise wrong(f"registry {one.registry} is not known", "registry")
-        if not one.key.lower().startswith(self.root.lower()):
+        if one.registry != "any" and not set(one.registry) <= ALL_TYPES[one.type]:
+            raise wrong(f"registry {one.registry} is none of a {one.type}", "registry")
+        for field in ("key", "value", "default", "absent"):
+            text = getattr(one, field)
+            if isinstance(text, str) and not PLAIN.fullmatch(text) or field == "value" and not text:
+                raise wrong(f"{field} is {text!r}", field)
+        if not (one.key + "\\").lower().startswith((self.root + "\\").lower()):
             raise wrong(f"its key is not below {self.root}", "key")
         if any((other.key.lower(), other.value.lower()) == (one.key.lower(), one.value.lower())
                for other in self.settings[:self.settings.index(one)]):
@@ -183,8 +215,11 @@ class Schema:
     @staticmethod
     def check_number(one, wrong):
         if one.choices:
-            if not all(type(number) is int for number in one.choices.values()):
+            numbers = list(one.choices.values())
+            if not all(type(number) is int for number in numbers):
                 raise wrong(f"its choices {one.choices} are no numbers", "choices")
+            if len(set(numbers)) < len(numbers) or not all(map(IDENTIFIER.fullmatch, one.choices)):
+                raise wrong(f"its choices {one.choices} need a name and a number each", "choices")
             one.limits = [min(one.choices.values()), max(one.choices.values())]
         if [type(limit) for limit in one.limits] != [int, int]:
             raise wrong(f"its limits {one.limits} are not two numbers", "limits")
@@ -197,6 +232,8 @@ class Schema:
             raise wrong(f"its default {one.default} is beyond its limits {one.limits}", "default")
         if one.choices and one.default not in one.choices.values():
             raise wrong(f"its default {one.default} is none of its choices", "default")
+        if one.size < 4:
+            raise wrong(f"a number has no {one.size} bytes", "size")
         if one.beyond not in ("default", "nearest", "kept"):
             raise wrong(f"beyond is {one.beyond}", "beyond")
         if one.short not in ("refused", "taken"):
@@ -231,7 +268,11 @@ class Schema:
             if any(name in [other.switch, *other.elements]
                    for other in self.policies[:self.policies.index(one)]):
                 raise wrong(f"another policy governs {name}", field)
+        if one.switch in one.elements:
+            raise wrong(f"its switch {one.switch} is one of its elements", "elements")
         if one.switch:
+            if one.on == one.off:
+                raise wrong("disabling it is the same as enabling it", "off")
             setting = self.by_id[one.switch]
             if not setting.is_number():
                 raise wrong(f"its switch {one.switch} is no number", "switch")
@@ -266,10 +307,14 @@ class Schema:
         source = self.texts[language]
         wanted = set(self.text_names())
         for names in sorted(wanted):
-            if not isinstance(self.text(language, *names), str) or not self.text(language, *names):
+            text = self.text(language, *names)
+            if not isinstance(text, str) or not text.strip():
                 headers = rf"^\[{re.escape('.'.join(names[:-1]))}\]"
                 raise source.mistake(f"there is no text {'.'.join(names)}", headers)
-            for name in BRACES.findall(self.text(language, *names)):
+            if NO_XML.search(text):
+                raise source.mistake(f"{'.'.join(names)} has a control character",
+                                     rf"^\[{re.escape('.'.join(names[:-1]))}\]", rf"^{names[-1]} =")
+            for name in BRACES.findall(text):
                 if name not in self.by_id or self.by_id[name].default is None:
                     raise source.mistake(f"no setting {name} has a default", rf"\{{{name}\}}")
 

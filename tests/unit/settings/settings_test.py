@@ -109,6 +109,13 @@ class Mistakes(unittest.TestCase):
         table = (
             ('id = "MaxPinTries"\nkey', 'id = "Max-PinTries"\nkey', "needs an id"),
             ('id = "MaxPinUnlock"\nkey', 'id = "MaxPinTries"\nkey', "there are two"),
+            ('id = "MaxPinUnlock"\nkey', 'id = 5\nkey', "needs an id"),
+            ('revision = "1.0"', 'revision = "one"', "revision is 'one'"),
+            ('revision = "1.0"\n', 'revision = "1.0"\nlanguage = "en"\n', "language is not known"),
+            ('windows = ["card-locked"]', "windows = [1]", "windows is [1]"),
+            (r"Veskara\UserConsole'", "VeskaraConsole'", "its key is not below"),
+            ('value = "ContactTel"', """value = 'Contact"Tel'""", "value is"),
+            ("size = 255", "size = 2", "has no 2 bytes"),
             ("limits = [0, 31]", "limits = [40, 31]", "its limits"),
             ("limits = [0, 31]", "limits = [31]", "not two numbers"),
             ("limits = [0, 31]", 'limits = "31"', "limits is '31'"),
@@ -120,14 +127,23 @@ class Mistakes(unittest.TestCase):
             (notice, notice.replace("text", "word"), "neither number nor text"),
             (notice, notice + 'default = "' + "x" * 512 + '"\n', "is longer than 512"),
             (notice, notice + "terminated = 1\n", "terminated is 1"),
-            ('registry = ["REG_SZ", "REG_EXPAND_SZ"]\nsize = 512', 'registry = ["REG_TEXT"]\nsize = 512', "is not known"),
+            ('registry = ["REG_SZ", "REG_EXPAND_SZ"]\nsize = 512', 'registry = ["REG_DWORD"]\nsize = 512', "is none of a text"),
             ("choices = { Accept = 0, Warn = 1,", "choices = { Accept = 0, Warn = 'one',", "no numbers"),
+            ("Warn = 1,", "Warn = 0,", "need a name and a number each"),
+            ("Warn = 1,", '"Warn them" = 1,', "need a name and a number each"),
             ("default = 0\nbeyond = \"default\"", "default = 3\nbeyond = \"default\"", "is beyond its limits"),
             ('beyond = "kept"', 'beyond = "lost"', "beyond is lost"),
             (refuse, 'switch = "InjectedKeys"', "another policy governs"),
             (refuse, 'switch = "Nothing"', "there is no setting Nothing"),
             (refuse, 'switch = "ValidityHelp"', "is no number"),
             ('elements = ["OtpTimeout"]', "elements = []", "it governs nothing"),
+            ('elements = ["OtpTimeout"]', 'elements = ["OtpTimeout", "OtpTimeout"]', "elements is"),
+            ('elements = ["NoReaderDuration"', 'elements = ["NoReaderEnable", "NoReaderDuration"',
+             "is one of its elements"),
+            ('"ForceChangePin"\non = 1\noff = 0', '"ForceChangePin"\non = 1\noff = 1', "is the same"),
+            ('id = "Product"\n', 'id = "Product"\nparent = "Pin"\n', "within itself"),
+            ('[[category]]\nid = "Notices"', '[[category]]\nid = "Empty"\n\n[[category]]\nid = "Notices"',
+             "nothing stands in it"),
             ("[[category]]\nid = \"Support\"\nparent = \"Product\"",
              "[[category]]\nid = \"Support\"\nparent = \"Produkt\"", "no category Produkt"),
         )
@@ -142,6 +158,10 @@ class Mistakes(unittest.TestCase):
     def test_a_language_has_every_text_and_no_other(self):
         text = self.refused("texts/it.toml", 'OtpTimeout = "Secondi di visualizzazione"\n', "")
         self.assertRegex(text, r"it\.toml:\d+: there is no text setting\.OtpTimeout")
+        for nothing in ("  ", "a\\u0007b"):
+            text = self.refused("texts/it.toml", 'OtpTimeout = "Secondi di visualizzazione"',
+                                f'OtpTimeout = "{nothing}"')
+            self.assertRegex(text, r"it\.toml:\d+: .*setting\.OtpTimeout")
         text = self.refused("texts/fr.toml", "{OtpTimeout}", "{OtpTimeouts}")
         self.assertRegex(text, r"fr\.toml:\d+: no setting OtpTimeouts has a default")
         text = self.refused("texts/de.toml", 'HelpPath = "Hilfedatei"',
