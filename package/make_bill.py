@@ -65,8 +65,11 @@ def runtimes(architecture):
     """What a part of is in every binary that holds code."""
     name = DEBIAN_NAMES[architecture]
     crt = f"mingw-w64-{name}-dev"
-    return [Material(f"SPDXRef-gcc-runtime-{architecture}", "libstdc++, libgcc and libssp",
-                     f"gcc-mingw-w64-{name}-posix-runtime", GCC_LICENCE,
+    return [Material(f"SPDXRef-libstdcxx-{architecture}", "libstdc++",
+                     f"g++-mingw-w64-{name}-posix", GCC_LICENCE,
+                     "Copyright (C) Free Software Foundation, Inc."),
+            Material(f"SPDXRef-libgcc-{architecture}", "libgcc and libssp",
+                     f"gcc-mingw-w64-{name}-posix", GCC_LICENCE,
                      "Copyright (C) Free Software Foundation, Inc."),
             Material(f"SPDXRef-mingw-w64-{architecture}", "mingw-w64 runtime", crt, CRT_LICENCE,
                      "Copyright (c) 2009-2016 by the mingw-w64 project"),

@@ -114,12 +114,24 @@ class Release(unittest.TestCase):
                 tools = {f"SPDXRef-compiler-{bits}", f"SPDXRef-linker-{bits}"}
                 self.assertEqual(kinds["BUILD_TOOL_OF of", ids[name]], tools)
                 runtime = {f"SPDXRef-{each}-{bits}"
-                           for each in ("gcc-runtime", "mingw-w64", "winpthreads")}
+                           for each in ("libstdcxx", "libgcc", "mingw-w64", "winpthreads")}
                 has_code = binary.entry_point != 0
                 self.assertEqual(kinds["STATIC_LINK", ids[name]], runtime if has_code else set())
         versions = {each["SPDXID"]: each["versionInfo"] for each in self.bill["packages"]}
         compiler = run("x86_64-w64-mingw32-g++-posix", "-dumpfullversion").decode().strip()
         self.assertIn(compiler[:compiler.find("-")], versions["SPDXRef-compiler-x64"])
+
+    def test_bill_names_the_debian_packages_of_what_is_linked_in(self):
+        named = {each["SPDXID"]: each["externalRefs"][0]["referenceLocator"]
+                 for each in self.bill["packages"] if "externalRefs" in each}
+        for bits, prefix in (("x64", "x86_64"), ("x86", "i686")):
+            for material, archive in (("libstdcxx", "libstdc++.a"), ("libgcc", "libgcc_eh.a"),
+                                      ("mingw-w64", "libmingw32.a"), ("winpthreads", "libpthread.a")):
+                if f"SPDXRef-{material}-{bits}" not in named:
+                    continue
+                linked = run(f"{prefix}-w64-mingw32-g++-posix", f"-print-file-name={archive}")
+                owner = run("dpkg", "-S", os.path.realpath(linked.strip())).decode().split(":")[0]
+                self.assertIn(f"/{owner}@", named[f"SPDXRef-{material}-{bits}"])
 
     def test_checksums(self):
         run("sh", "-c", 'cd "$0" && sha256sum --check --strict SHA256SUMS', self.folder)
