@@ -113,8 +113,7 @@ def add_presentation(presentations, schema, language, policy):
             default = list(setting.choices.values()).index(setting.default)
             element(made, "dropdownList", label, refId=name, noSort="true", defaultItem=default)
         elif setting.is_number():
-            shown = min(max(setting.default, setting.limits[0]), setting.limits[1])
-            element(made, "decimalTextBox", label, refId=name, defaultValue=shown)
+            element(made, "decimalTextBox", label, refId=name, defaultValue=setting.suggested())
         else:
             element(element(made, "textBox", refId=name), "label", label)
 

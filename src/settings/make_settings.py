@@ -113,7 +113,9 @@ def registry_sample(schema):
             lines += ["", f"[HKEY_LOCAL_MACHINE\\{schema.root}{key[len(schema.root):]}]"]
         text = (setting.default or "") if not setting.is_number() else ""
         text = text.replace("\\", "\\\\").replace('"', '\\"')
-        value = f"dword:{setting.default:08x}" if setting.is_number() else f'"{text}"'
+        value = f"dword:{setting.suggested():08x}" if setting.is_number() else f'"{text}"'
+        if not setting.default and setting.absent != "none":
+            lines += [f"; Without the next one: {setting.absent}."]
         lines += [f";\"{setting.value}\"={value}"]
     return ("\ufeff" + "\r\n".join(lines) + "\r\n").encode("utf-16-le")
 

@@ -53,6 +53,10 @@ class Setting:
     def is_number(self):
         return self.type == "number"
 
+    def suggested(self):
+        """What an administrator may start from: of a number, the limit next to the default."""
+        return min(max(self.default, self.limits[0]), self.limits[1])
+
 
 @dataclasses.dataclass
 class Policy:

@@ -87,6 +87,9 @@ class Template(unittest.TestCase):
         self.assertFalse([line for line in lines[1:] if line and line[0] not in ";["])
         self.assertIn(r"[HKEY_LOCAL_MACHINE\SOFTWARE\Quillon\Veskara\PXRM]", lines)
         self.assertIn(';"MaximumPINLength"=dword:00000019', lines)
+        # A missing number that stands for something of its own is no number to write.
+        at = lines.index(';"Duration"=dword:00000001')
+        self.assertEqual(lines[at - 1], "; Without the next one: it goes at once.")
 
 
 class Mistakes(unittest.TestCase):
