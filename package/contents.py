@@ -7,13 +7,17 @@ is derived from where it lies, and so stays the same from version to version.
 import dataclasses
 import pathlib
 import re
+import sys
 import uuid
 
-from stage import LANGUAGES, LIBRARIES, PINHOST
+from stage import LANGUAGES, LIBRARIES, PINHOST, TOP
+
+sys.path.append(str(TOP / "src/settings"))
+from schema import Schema  # noqa: E402
 
 NAMESPACE = uuid.UUID("7c0f2a51-6d0b-4b7e-9a3f-2f5c1f0e8d44")
-KEY = r"Software\Quillon\Veskara"
-SETUP_KEY = KEY + r"\Setup"  # what an upgrade and a repair have to know again
+INSTALL_PATH = Schema().by_id["InstallPath"]
+SETUP_KEY = INSTALL_PATH.key + r"\Setup"  # what an upgrade and a repair have to know again
 ARCHITECTURES = (("x64", ""), ("x86", "32"))
 LANGUAGE_NAMES = {"en": "English", "fr": "French", "de": "German", "es": "Spanish", "it": "Italian"}
 
@@ -101,7 +105,7 @@ class Package:
         library = "Library" + suffix
         folder = "INSTALLDIR" + suffix
         parts = [Component("Place" + suffix, "QUILLON" + suffix, [],
-                           [(KEY, "VeskaraInstallPath", f"[{folder}]"),
+                           [(INSTALL_PATH.key, INSTALL_PATH.value, f"[{folder}]"),
                             (SETUP_KEY, "Folder", f"[{folder}]")], is64),
                  Component(library, folder, [f"{architecture}/{name}" for name in LIBRARIES], [], is64)]
         if is64:

@@ -71,7 +71,7 @@ NoticeParameters ReadNotice(int nType, const NoticeSettings& settings, HrefMatch
             Milliseconds(settings.passwordTimeout.value_or(settings::kOtpTimeout.nDefault));
         return notice;
     }
-    notice.bShown = settings.enable.value_or(0) != 0;
+    notice.bShown = settings.enable != 0;
     if (!notice.bShown) {
         return notice;
     }

@@ -39,7 +39,7 @@ std::optional<std::string> NoticeText(std::string_view value, HrefMatcher pMatch
 // What the registry holds for a notice, nothing where a value cannot be read. Values that a type
 // does not have are not looked at.
 struct NoticeSettings {
-    std::optional<std::uint32_t> enable = {};           // "Enable"
+    std::uint32_t enable = 0;                           // "Enable", or what its absence means
     std::optional<std::uint32_t> duration = {};         // "Duration", seconds
     std::optional<std::string_view> message = {};       // "Message", as read
     std::optional<std::uint32_t> passwordTimeout = {};  // "OTPWindowTimeout", seconds

@@ -69,8 +69,9 @@ bool CPopupAlert::GetRegistryParameters(CString& csText, DWORD* pdwDuration, int
 
     const NoticeNames& names = iWndType == DIALOG_POPUP_CARD_ALERT ? kCardAlert : kNoReader;
     MessageBuffer buffer{};
-    mvp::NoticeSettings settings{.enable = ReadNumber(names.enable)};
-    if (settings.enable.value_or(0) != 0) {
+    mvp::NoticeSettings settings{.enable =
+                                     ReadNumber(names.enable).value_or(names.enable.nDefault)};
+    if (settings.enable != 0) {
         settings.duration = ReadNumber(names.duration);
         settings.message = ReadMessage(names.message, buffer);
     }

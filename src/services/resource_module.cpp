@@ -17,12 +17,13 @@
 #include "resources/resource_numbers.h"
 #include "services/log.h"
 #include "services/registry_readers.h"
+#include "settings/settings.h"
 
 namespace {
 
 constexpr char kBelowCurrentDirectory[] = R"(.\Resources\Localized\mvpinguirc.dll)";
 constexpr char kUnderInstallPath[] = "Resources\\Localized\\mvpinguirc.dll";
-constexpr DWORD kPathCapacity = 512;
+constexpr DWORD kPathCapacity = mvp::settings::kInstallPath.nCapacity;
 
 mvp::ModuleHandle LoadAsData(const char* pszPath) noexcept {
     return mvp::ModuleHandle(LoadLibraryExA(

@@ -25,7 +25,8 @@ def literal(text):
 def constant(setting):
     place = f"{literal(setting.key)}, {literal(setting.value)}"
     if setting.is_number():
-        return f"inline constexpr NumberSetting k{setting.id}{{{{{place}}}, {setting.default}}};"
+        return (f"inline constexpr NumberSetting k{setting.id}{{{{{place}}}, {setting.size}, "
+                f"{setting.default}}};")
     return (f"inline constexpr TextSetting k{setting.id}{{{{{place}}}, {setting.size}, "
             f"{literal(setting.default)}}};")
 

@@ -13,7 +13,8 @@ struct SettingName {
 
 // A number of 32 bits.
 struct NumberSetting : SettingName {
-    std::uint32_t nDefault;  // what a missing value stands for
+    std::uint32_t nCapacity;  // the most bytes a value may have
+    std::uint32_t nDefault;   // what a missing value stands for
 };
 
 // A text of the system's code page.

@@ -13,6 +13,7 @@ namespace mvp {
 namespace {
 
 constexpr NumberSetting kSetting = settings::kInjectedKeys;
+constexpr InjectedKeys kDefault = InjectedKeysOf(kSetting.nDefault).value();
 constexpr char kAllowed[] = "only a REG_DWORD of 0 (accept), 1 (warn) or 2 (refuse) is allowed";
 
 using Kind = KeyMessage::Kind;
@@ -46,12 +47,12 @@ InjectedKeys ReadInjectedKeys() noexcept {
     DWORD value = 0;
     const RegistryRead read = ReadRegistry(ValueOf(kSetting), &value, sizeof value, REG_DWORD);
     if (read.failed == RegistryStep::OpenKey || read.error == ERROR_FILE_NOT_FOUND) {
-        return InjectedKeys::Accept;
+        return kDefault;
     }
     const std::optional<InjectedKeys> policy = InjectedKeysOf(value);
     if (!read || read.size != sizeof value || !policy) {
         LogIgnoredSetting(kSetting, kAllowed);
-        return InjectedKeys::Accept;
+        return kDefault;
     }
     return *policy;
 }

@@ -35,21 +35,19 @@ END_MESSAGE_MAP()
 namespace {
 
 constexpr mvp::NumberSetting kPrevention = mvp::settings::kSmallPinEntryPrevention;
-// What is offered for a value that is a number of four bytes when it is well.
-constexpr DWORD kOfferedSize = 255;
 
 // A value of any type gives its first four bytes, and counts as zero beyond its end. One that is no
 // number of four bytes may not mean what its author meant, and one that does not fit is ignored:
 // the log tells of both.
 std::uint32_t ReadSmallPinEntryPrevention() {
-    std::array<BYTE, kOfferedSize> data{};
+    std::array<BYTE, kPrevention.nCapacity> data{};
     const mvp::RegistryRead read =
-        mvp::ReadRegistry(mvp::ValueOf(kPrevention), data.data(), kOfferedSize);
+        mvp::ReadRegistry(mvp::ValueOf(kPrevention), data.data(), kPrevention.nCapacity);
     if (read.error == ERROR_MORE_DATA) {
         mvp::LogIgnoredSetting(kPrevention, "larger than 255 bytes");
     }
     if (!read) {
-        return 0;
+        return kPrevention.nDefault;
     }
     std::uint32_t value = 0;
     std::memcpy(&value, data.data(), sizeof value);
