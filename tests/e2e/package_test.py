@@ -91,7 +91,7 @@ class PackageTest(unittest.TestCase):
         folder = f"C:\\{place}\\"
         self.install(self.old, "ADDLOCAL=Library,Template", "UILANGUAGE=fr", f"INSTALLDIR={folder}")
         self.expect_installed(self.old.files("Library", "Template", language="fr", folder=place))
-        self.install(self.new)
+        self.install(self.new, "INSTALLDIR=C:\\Elsewhere\\")
         self.install(self.old, code=REFUSED)
         self.expect_installed(self.new.files("Library", "Template", language="fr", folder=place))
         self.expect_dialog("fr", folder)
@@ -167,6 +167,10 @@ class PackageTest(unittest.TestCase):
         inner = "ä b c d" * 31 + "long"
         folder = f"C:\\{inner}\\"
         self.assertEqual(len(folder + "Resources\\Localized\\mvpinguirc.dll"), 259)
+        longer = folder[:-1] + "x" * 25 + "\\"
+        self.assertEqual(len(longer), 250)
+        self.install(self.old, "ADDLOCAL=Library", f"INSTALLDIR={longer}", code=REFUSED)
+        self.expect_nothing_left()
         self.install(self.old, "ADDLOCAL=Library", f"INSTALLDIR={folder}")
         self.expect_installed(self.old.files("Library", folder=inner))
         self.expect_dialog("en", folder)
