@@ -19,7 +19,7 @@ BEGIN, END = "<!-- settings: made by src/settings/make_settings.py -->", "<!-- e
 
 
 def literal(text):
-    return "nullptr" if text is None else f'R"({text})"' if "\\" in text else f'"{text}"'
+    return "nullptr" if text is None else f'R"({text})"' if {"\\", '"'} & set(text) else f'"{text}"'
 
 
 def constant(setting):

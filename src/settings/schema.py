@@ -212,8 +212,9 @@ class Schema:
         if any((other.key.lower(), other.value.lower()) == (one.key.lower(), one.value.lower())
                for other in self.settings[:self.settings.index(one)]):
             raise wrong("another setting has its key and value", "value")
-        if any(sign in one.does + one.ignored for sign in "|\n"):
-            raise wrong("a cell of a table has neither a bar nor a line break", "does")
+        for field in ("does", "ignored", "absent"):
+            if any(sign in getattr(one, field) for sign in "|\n"):
+                raise wrong("a cell of a table has neither a bar nor a line break", field)
         self.check_number(one, wrong) if one.is_number() else self.check_text(one, wrong)
 
     @staticmethod
@@ -242,13 +243,16 @@ class Schema:
             raise wrong(f"beyond is {one.beyond}", "beyond")
         if one.short not in ("refused", "taken"):
             raise wrong(f"short is {one.short}", "short")
-        if one.terminated or one.shortest or one.strictly:
-            raise wrong("a number has no terminator and no length")
+        for field in ("terminated", "shortest", "strictly"):
+            if getattr(one, field):
+                raise wrong("a number has no terminator and no length", field)
 
     @staticmethod
     def check_text(one, wrong):
-        if one.choices or one.limits != [0, GREATEST] or one.short != "refused":
-            raise wrong("a text has no choices, limits or bytes to spare", "limits")
+        for field, usual in (("choices", {}), ("limits", [0, GREATEST]), ("short", "refused"),
+                             ("beyond", "kept")):
+            if getattr(one, field) != usual:
+                raise wrong("a text has no choices, limits or bytes to spare", field)
         if one.default is not None and not isinstance(one.default, str):
             raise wrong(f"its default {one.default} is no text", "default")
         if one.default is not None and len(one.default.encode()) >= one.size:

@@ -79,10 +79,16 @@ class Template(unittest.TestCase):
             on = policy.find("p:enabledValue/p:decimal", NAMESPACES)
             self.assertEqual(on is not None, policy.get("valueName") is not None)
         self.assertEqual(len(values), len(set(values)))
+        texts = self.languages["en-US"]
+        for number in self.definitions.iterfind(".//p:decimal[@maxValue]", NAMESPACES):
+            box = texts.find(f".//p:decimalTextBox[@refId='{number.get('id')}']", NAMESPACES)
+            self.assertIn(int(box.get("defaultValue")),
+                          range(int(number.get("minValue")), int(number.get("maxValue")) + 1))
 
     def test_the_sample_changes_nothing_as_it_is(self):
-        sample = (self.root / "settings-sample.reg").read_bytes().decode("utf-16")
-        lines = sample.split("\r\n")
+        sample = (self.root / "settings-sample.reg").read_bytes()
+        self.assertEqual(sample[:2], b"\xff\xfe")
+        lines = sample.decode("utf-16").split("\r\n")
         self.assertEqual(lines[0], "Windows Registry Editor Version 5.00")
         self.assertFalse([line for line in lines[1:] if line and line[0] not in ";["])
         self.assertIn(r"[HKEY_LOCAL_MACHINE\SOFTWARE\Quillon\Veskara\PXRM]", lines)
@@ -90,6 +96,7 @@ class Template(unittest.TestCase):
         # A missing number that stands for something of its own is no number to write.
         at = lines.index(';"Duration"=dword:00000001')
         self.assertEqual(lines[at - 1], "; Without the next one: it goes at once.")
+        self.assertIn(';"ProductCode"="{5B21C0D4-7A93-4E6F-B812-3C9D0E4F6A17}"', lines)
 
 
 class Mistakes(unittest.TestCase):
@@ -108,6 +115,7 @@ class Mistakes(unittest.TestCase):
     def test_each_is_refused_with_its_line(self):
         schema = (MAKER / "settings.toml").read_text()
         refuse = 'switch = "WeakPinAllowed"'
+        force = 'switch = "ForceChangePin"\non = 1\n'
         notice = 'value = "ContactTel"\ntype = "text"\n'
         table = (
             ('id = "MaxPinTries"\nkey', 'id = "Max-PinTries"\nkey', "needs an id"),
@@ -123,14 +131,33 @@ class Mistakes(unittest.TestCase):
             ("limits = [0, 31]", "limits = [31]", "not two numbers"),
             ("limits = [0, 31]", 'limits = "31"', "limits is '31'"),
             ("limits = [0, 31]", "limit = [0, 31]", "unexpected keyword"),
+            ("limits = [0, 31]", "limits = [false, 31]", "not two numbers"),
+            ('id = "MaxPinTries"\nkey', "id = 5\nkey", "needs an id"),
+            ('id = "LogLevels"\nkey = \'SOFTWARE\\Quillon\\Veskara\\',
+             'id = "LogLevels"\nkey = \'SOFTWARE\\Quillon\\Veskara2\\', "not below"),
+            ('revision = "1.0"', "revision = 1.0", "revision is 1.0"),
+            ("more than one character, shown", "more than one | character", "neither a bar"),
+            ("or no text; told each time the unlock", "or no | text", "neither a bar"),
+            ('absent = "no number"', 'absent = "no|number"', "neither a bar"),
             ("default = 25", "default = -1", "is beyond its limits"),
             ("default = 25", 'default = "25"', "is beyond its limits"),
             ("default = 15", "default = 2147484", "is beyond its limits"),
             ('value = "ContactTel"', 'value = "VeskaraHelpPath"', "its key and value"),
             (notice, notice.replace("text", "word"), "neither number nor text"),
             (notice, notice + 'default = "' + "x" * 512 + '"\n', "is longer than 512"),
+            (notice, notice + "default = 5\n", "is no text"),
             (notice, notice + "terminated = 1\n", "terminated is 1"),
             ('registry = ["REG_SZ", "REG_EXPAND_SZ"]\nsize = 512', 'registry = ["REG_DWORD"]\nsize = 512', "is none of a text"),
+            ("shortest = 2", "shortest = true", "shortest is True"),
+            (notice, notice + "limits = [0, 1]\n", "a text has no"),
+            (notice, notice + "choices = { One = 1 }\n", "a text has no"),
+            (notice, notice + 'short = "taken"\n', "a text has no"),
+            (notice, notice + 'beyond = "nearest"\n', "a text has no"),
+            ("shortest = 2", "shortest = 512", "no text has"),
+            ("default = 25", "default = 25\nterminated = true", "a number has no"),
+            ("default = 25", "default = 25\nshortest = 1", "a number has no"),
+            ("default = 25", 'default = 25\nshort = "lost"', "short is lost"),
+            ('registry = ["REG_SZ", "REG_EXPAND_SZ"]\nsize = 512', 'registry = ["REG_TEXT"]\nsize = 512', "is none of a text"),
             ("choices = { Accept = 0, Warn = 1,", "choices = { Accept = 0, Warn = 'one',", "no numbers"),
             ("Warn = 1,", "Warn = 0,", "need a name and a number each"),
             ("Warn = 1,", '"Warn them" = 1,', "need a name and a number each"),
@@ -138,6 +165,10 @@ class Mistakes(unittest.TestCase):
             ('beyond = "kept"', 'beyond = "lost"', "beyond is lost"),
             (refuse, 'switch = "InjectedKeys"', "another policy governs"),
             (refuse, 'switch = "Nothing"', "there is no setting Nothing"),
+            (force, force.replace("ForceChangePin", "WeakPinAllowed"), "another policy governs"),
+            (force, force.replace("1", "-1"), "-1 is beyond"),
+            (force, force.replace("1", "true"), "on is True"),
+            ('"PinTries"\ncategory = "FirstPin"', '"PinTries"\ncategory = "Tries"', "no category Tries"),
             (refuse, 'switch = "ValidityHelp"', "is no number"),
             ('elements = ["OtpTimeout"]', "elements = []", "it governs nothing"),
             ('elements = ["OtpTimeout"]', 'elements = ["OtpTimeout", "OtpTimeout"]', "elements is"),
@@ -192,10 +223,15 @@ class Mistakes(unittest.TestCase):
             shutil.copytree(MAKER, copy)
             path = copy / "texts/de.toml"
             path.write_text(path.read_text().replace('Pin = "Eingabe einer PIN"', f'Pin = "{nasty}"'))
-            self.assertEqual(make("template", pathlib.Path(folder) / "made", copy).returncode, 0)
+            path = copy / "settings.toml"
+            path.write_text(path.read_text().replace('"no number"', "'no \"number\"'"))
+            for what in ("template", "header"):
+                self.assertEqual(make(what, pathlib.Path(folder) / "made", copy).returncode, 0)
             texts = ElementTree.parse(pathlib.Path(folder) / "made/de-DE/mvpingui.adml")
             found = texts.find(".//p:string[@id='Category_Pin']", NAMESPACES)
             self.assertEqual(found.text, nasty.replace("\\", ""))
+            header = (pathlib.Path(folder) / "made/settings_table.h").read_text()
+            self.assertIn('R"(no "number")"', header)
 
 
 class Reference(unittest.TestCase):
