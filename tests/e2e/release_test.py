@@ -47,10 +47,7 @@ class Release(unittest.TestCase):
         cls.scratch = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.scratch.cleanup)
         cls.folder = pathlib.Path(cls.scratch.name) / "release"
-        build32 = BUILD32 if (BUILD32 / "bin/pinhost.exe").exists() else "-"
-        subprocess.run([TOP / "scripts/release", "--from", BUILD64, build32, "--to", cls.folder],
-                       check=True, stdout=subprocess.DEVNULL,
-                       env={**os.environ, "SOURCE_DATE_EPOCH": EPOCH})
+        cls.assemble(cls.folder)
         cls.package, = cls.folder.glob("*.msi")
         archive, = cls.folder.glob("*.zip")
         bill, = cls.folder.glob("*.spdx.json")
@@ -61,6 +58,13 @@ class Release(unittest.TestCase):
                          for entry in cls.entries}
         cls.binaries = {name: PeFile(data) for name, data in cls.files.items()
                         if name.endswith((".dll", ".exe"))}
+
+    @staticmethod
+    def assemble(folder):
+        build32 = BUILD32 if (BUILD32 / "bin/pinhost.exe").exists() else "-"
+        subprocess.run([TOP / "scripts/release", "--from", BUILD64, build32, "--to", folder],
+                       check=True, stdout=subprocess.DEVNULL,
+                       env={**os.environ, "SOURCE_DATE_EPOCH": EPOCH})
 
     def test_bill_lists_every_file_of_the_archive_and_no_other(self):
         listed = {entry["fileName"]: {sum["algorithm"]: sum["checksumValue"]
@@ -73,15 +77,49 @@ class Release(unittest.TestCase):
         self.assertEqual(product["packageVerificationCode"]["packageVerificationCodeValue"],
                          digest(codes.encode(), "sha1"))
 
+    def table(self, name):
+        rows = run("msiinfo", "export", self.package, name).decode().splitlines()
+        return [dict(zip(rows[0].split("\t"), row.split("\t"))) for row in rows[3:]]
+
     def test_package_holds_the_files_of_the_bill_and_no_other(self):
-        rows = run("msiinfo", "export", self.package, "File").decode().splitlines()
-        table = [dict(zip(rows[0].split("\t"), row.split("\t"))) for row in rows[3:]]
+        table = self.table("File")
         packed = read_cabinet(run("msiinfo", "extract", self.package, "package.cab"))
         self.assertEqual({row["File"]: int(row["FileSize"]) for row in table},
                          {key: len(data) for key, data in packed.items()})
         names = {row["File"]: row["FileName"].split("|")[-1] for row in table}
         self.assertEqual({(names[key], digest(data)) for key, data in packed.items()},
                          {(name.split("/")[-1], digest(data)) for name, data in self.files.items()})
+
+    def test_package_says_what_a_silent_installation_does_not_show(self):
+        properties = {row["Property"]: row["Value"] for row in self.table("Property")}
+        self.assertLessEqual({"UILANGUAGE", "INSTALLDIR", "INSTALLDIR32"},
+                             set(properties["SecureCustomProperties"].split(";")))
+        self.assertEqual(properties["ARPNOMODIFY"], "1")
+        follows_parent_and_cannot_be_absent = 2 | 16
+        for row in self.table("Feature"):
+            expected = follows_parent_and_cannot_be_absent * row["Feature"].startswith("Language")
+            self.assertEqual(int(row["Attributes"]) & 18, expected, row["Feature"])
+
+    def test_a_stage_with_more_or_less_is_no_package(self):
+        stage = pathlib.Path(self.scratch.name) / "stage"
+        run(sys.executable, "-B", TOP / "package/stage.py", BUILD64, "-", stage)
+        for version, change, said in (
+                ("1.2", lambda: None, "1.2 is no version"),
+                ("1.2.3", lambda: (stage / "x64/more.dll").touch(), "unknown: ['x64/more.dll']"),
+                ("1.2.3", (stage / "x64/vklog.dll").unlink, "missing: ['x64/vklog.dll']")):
+            change()
+            done = subprocess.run([sys.executable, "-B", TOP / "package/make_package.py", stage,
+                                   stage.with_name("no.msi"), "--version", version],
+                                  capture_output=True, text=True, check=False)
+            self.assertEqual(done.returncode, 1)
+            self.assertIn(said, done.stderr)
+
+    def test_the_same_builds_give_the_same_release_at_another_time(self):
+        again = self.folder.with_name("again")
+        self.assemble(again)
+        self.assertEqual(list(release_check.differences(self.folder, again)), [])
+        self.assertRegex(run("msiinfo", "suminfo", self.package).decode(),
+                         r"Revision number.*: \{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\}")
 
     def test_bill_is_sound(self):
         elements = self.bill["packages"] + self.bill["files"]
@@ -168,6 +206,8 @@ class Release(unittest.TestCase):
     def test_archive_has_one_time_and_one_set_of_rights(self):
         self.assertEqual({(entry.date_time, entry.external_attr >> 16) for entry in self.entries},
                          {((2023, 11, 14, 22, 13, 20), 0o100644)})
+        parts = [entry.filename.split("/") for entry in self.entries]
+        self.assertEqual(parts, sorted(parts))
 
     def test_comparison_names_what_differs(self):
         library = bytearray(self.files["x64/mvpingui.dll"])
@@ -187,6 +227,8 @@ class Release(unittest.TestCase):
         self.assertIn(f"release.zip: mvpingui.dll differs at byte {section.offset + 5:#x}, in .rdata",
                       found)
         self.assertIn("more.txt is only in the second release", found)
+        (one / "less.txt").write_text("less")
+        self.assertIn("less.txt is only in the first release", release_check.differences(one, other))
 
 
 if __name__ == "__main__":
