@@ -172,7 +172,9 @@ class PackageTest(unittest.TestCase):
         self.install(self.old, "ADDLOCAL=Library", f"INSTALLDIR={folder}")
         self.expect_installed(self.old.files("Library", folder=inner))
         self.expect_dialog("en", folder)
-        self.install(self.old, "/x")
+        self.install(self.new)
+        self.expect_installed(self.new.files("Library", folder=inner))
+        self.install(self.new, "/x")
         self.expect_nothing_left()
 
     def test_twenty_cycles(self):
