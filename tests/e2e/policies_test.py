@@ -48,17 +48,21 @@ class Policies(unittest.TestCase):
         cls.folder.cleanup()
 
     @classmethod
-    def set(cls, states):
+    def set(cls, states, more=""):
         path = pathlib.Path(cls.folder.name) / "policies.reg"
-        path.write_bytes(("\ufeff" + cls.editor.registry_text(states)).encode("utf-16-le"))
+        path.write_bytes(("\ufeff" + cls.editor.registry_text(states) + more).encode("utf-16-le"))
         subprocess.run([EMULATOR, "reg.exe", "import", f"Z:{path}", "/reg:64"], check=True,
                        capture_output=True, timeout=60)
 
+    @staticmethod
+    def told(*options):
+        done = subprocess.run([EMULATOR, PINHOST, "settings", *options], check=True,
+                              capture_output=True, timeout=60)
+        return done.stdout.decode()
+
     def in_force(self):
         """The values that do not stand for themselves by default."""
-        done = subprocess.run([EMULATOR, PINHOST, "settings", "--json"], check=True,
-                              capture_output=True, timeout=60)
-        settings = json.loads(done.stdout)["settings"]
+        settings = json.loads(self.told("--json"))["settings"]
         self.assertEqual([one for one in settings if one["ignored"]], [])
         return {"\\".join([one["key"].rpartition("\\")[2]] * (one["name"] in "Enable Duration Message")
                           + [one["name"]]): one["value"]
@@ -74,6 +78,18 @@ class Policies(unittest.TestCase):
             r"SmartCardPresenceWarning\Enable": 0, "Enablenotificationbip": 0})
         self.set({})
         self.assertEqual(self.in_force(), {}, "a policy that is taken away gives the default back")
+
+    def test_people_read_a_key_once_and_below_it_what_counts_of_each_value(self):
+        self.set({"OtpTimeout": Enabled({"OtpTimeout": 0}), "ContactTel": Enabled({"ContactTel": "+1 ü"})},
+                 "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Quillon\\Veskara\\AuthenticationDialog]\r\n"
+                 '"InjectedKeys"=dword:9\r\n')
+        lines = self.told().splitlines()
+        keys = [line.lower() for line in lines if line and line[0] != " "]
+        self.assertEqual(len(keys), len(set(keys)))
+        for line in ("  OTPWindowTimeout = 0, registry", "  LogLevels = 0, default",
+                     '  ContactTel = "+1 ü", registry', "  VeskaraHelpPath = (no help), default",
+                     "  InjectedKeys = 0, default; 9 is beyond 0 to 2"):
+            self.assertIn(line, lines)
 
     def test_what_the_template_forbids_cannot_be_entered(self):
         for policy, element, entry in (("OtpTimeout", "OtpTimeout", 2147484),
