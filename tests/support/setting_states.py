@@ -68,7 +68,8 @@ def states_of_number(setting):
     yield State("a text", REG_SZ, b"7\0")
     yield State("bytes", REG_BINARY, dword(7))
     yield State("a number of 64 bits", REG_QWORD, dword(7) + dword(0))
-    yield State("far too large", REG_BINARY, dword(7) * 70)
+    yield State("as large as may be", REG_BINARY, dword(7).ljust(setting.size, b"x"))
+    yield State("one too large", REG_BINARY, dword(7).ljust(setting.size + 1, b"x"))
 
 
 def states_of_text(setting, text):
