@@ -11,6 +11,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -102,7 +103,8 @@ class Release(unittest.TestCase):
 
     def test_a_stage_with_more_or_less_is_no_package(self):
         stage = pathlib.Path(self.scratch.name) / "stage"
-        run(sys.executable, "-B", TOP / "package/stage.py", BUILD64, "-", stage)
+        make_stage = (sys.executable, "-B", TOP / "package/stage.py", BUILD64, "-", stage)
+        run(*make_stage)
         for version, change, said in (
                 ("1.2", lambda: None, "1.2 is no version"),
                 ("1.2.3", lambda: (stage / "x64/more.dll").touch(), "unknown: ['x64/more.dll']"),
@@ -113,6 +115,8 @@ class Release(unittest.TestCase):
                                   capture_output=True, text=True, check=False)
             self.assertEqual(done.returncode, 1)
             self.assertIn(said, done.stderr)
+        run(*make_stage)
+        self.assertFalse((stage / "x64/more.dll").exists())
 
     def test_the_same_builds_give_the_same_release_at_another_time(self):
         again = self.folder.with_name("again")
@@ -146,6 +150,8 @@ class Release(unittest.TestCase):
             kinds[one["relationshipType"], one["spdxElementId"]].add(one["relatedSpdxElement"])
             kinds[one["relationshipType"] + " of", one["relatedSpdxElement"]].add(one["spdxElementId"])
         ids = {entry["fileName"][2:]: entry["SPDXID"] for entry in self.bill["files"]}
+        licences = {each["SPDXID"]: set(re.sub("[()]", "", each["licenseConcluded"]).split(" AND "))
+                    for each in self.bill["packages"] + self.bill["files"]}
         for name, binary in self.binaries.items():
             with self.subTest(name):
                 bits = name.split("/")[0]
@@ -155,6 +161,10 @@ class Release(unittest.TestCase):
                            for each in ("libstdcxx", "libgcc", "mingw-w64", "winpthreads")}
                 has_code = binary.entry_point != 0
                 self.assertEqual(kinds["STATIC_LINK", ids[name]], runtime if has_code else set())
+                headers = {"SPDXRef-cli11", "SPDXRef-nlohmann-json"} if "pinhost.exe" in name else set()
+                self.assertEqual(kinds["GENERATED_FROM", ids[name]], {"SPDXRef-source"} | headers)
+                for material in kinds["STATIC_LINK", ids[name]] | headers:
+                    self.assertLessEqual(licences[material], licences[ids[name]], material)
         versions = {each["SPDXID"]: each["versionInfo"] for each in self.bill["packages"]}
         compiler = run("x86_64-w64-mingw32-g++-posix", "-dumpfullversion").decode().strip()
         self.assertIn(compiler[:compiler.find("-")], versions["SPDXRef-compiler-x64"])
@@ -208,6 +218,22 @@ class Release(unittest.TestCase):
                          {((2023, 11, 14, 22, 13, 20), 0o100644)})
         parts = [entry.filename.split("/") for entry in self.entries]
         self.assertEqual(parts, sorted(parts))
+
+    def test_comparison_builds_what_the_working_tree_holds(self):
+        top, copy = (pathlib.Path(self.scratch.name) / name for name in ("sources", "copy"))
+        run("git", "init", "--quiet", top)
+        for name in ("kept", "changed", "gone"):
+            (top / name).write_text(name)
+        run("git", "-C", top, "add", ".")
+        run("git", "-C", top, "-c", "user.name=x", "-c", "user.email=x@localhost", "commit", "-qm", "x")
+        (top / "changed").write_text("otherwise")
+        (top / "gone").unlink()
+        (top / "new").mkdir()
+        (top / "new/ä b").write_text("new")
+        release_check.copy_sources(top, copy)
+        shutil.rmtree(top / ".git")
+        shutil.rmtree(copy / ".git")
+        self.assertEqual(tree(copy), tree(top))
 
     def test_comparison_names_what_differs(self):
         library = bytearray(self.files["x64/mvpingui.dll"])
