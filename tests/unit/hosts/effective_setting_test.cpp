@@ -7,7 +7,7 @@
 namespace pinhost {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 const mvp::settings::SettingRow& Row(std::string_view strId) {
     for (const auto& row : mvp::settings::kSettings) {
