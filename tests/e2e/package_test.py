@@ -26,6 +26,8 @@ ALL = ("Library", "Pinhost", "Template", "Library32", "Pinhost32")
 
 
 class PackageTest(unittest.TestCase):
+    maxDiff = None  # which files are missing, or too many
+
     @classmethod
     def setUpClass(cls):
         folder = tempfile.TemporaryDirectory()
