@@ -70,10 +70,9 @@ class Release:
     def staged(self, name):
         return digest(self.stage / name)
 
-    def files(self, *features, language="en", folder="Program Files/Quillon/Veskara",
-              folder32="Program Files (x86)/Quillon/Veskara"):
+    def files(self, *features, language="en", folder="Program Files/Quillon/Veskara"):
         """What is to lie below the drive: {path: digest}."""
-        places = {"Library": ("x64", folder), "Library32": ("x86", folder32)}
+        places = {"Library": ("x64", folder), "Library32": ("x86", "Program Files (x86)/Quillon/Veskara")}
         expected = {}
         for feature in features:
             if feature in places:
