@@ -1,0 +1,92 @@
+#include "pinentry/core/askpass.h"
+
+#include "pinentry/core/escaping.h"
+
+namespace pinentry {
+namespace {
+
+int ExitCodeOf(Answer answer) {
+    switch (answer) {
+        case Answer::Confirmed:
+            return kAskpassAnswered;
+        case Answer::NotShown:
+        case Answer::NoPlaceForIt:
+            return kAskpassFailed;
+        default:
+            return kAskpassCanceled;
+    }
+}
+
+int PrintSecret(const Secret& pin, const CodePage& codePage, Channel& output) {
+    Secret line;
+    if (!codePage.ToUtf8(pin, line)) {
+        return kAskpassFailed;
+    }
+    Secret ended;
+    ended.reserve(line.size() + 1);
+    ended.assign(line.begin(), line.end());
+    ended.push_back('\n');
+    return output.Write(ended) ? kAskpassAnswered : kAskpassFailed;
+}
+
+int AskSecret(const RequestSettings& settings, const ConnectionOptions& options, Channel& output,
+              UserInterface& user, const CodePage& codePage) {
+    PinQuestion question;
+    if (!MakePinQuestion(settings, options, codePage, question)) {
+        return kAskpassFailed;
+    }
+    Secret pin;
+    const Answer answer = user.AskPin(question, pin);
+    return answer == Answer::Confirmed ? PrintSecret(pin, codePage, output) : ExitCodeOf(answer);
+}
+
+int AskYesNo(const Confirmation& confirmation, Channel& output, UserInterface& user) {
+    const Answer answer = user.Confirm(confirmation);
+    if (answer != Answer::Confirmed && answer != Answer::NotConfirmed) {
+        return ExitCodeOf(answer);
+    }
+    const std::string_view line = answer == Answer::Confirmed ? "yes\n" : "no\n";
+    return output.Write({line.data(), line.size()}) ? kAskpassAnswered : kAskpassFailed;
+}
+
+}  // namespace
+
+AskpassKind KindOf(std::string_view prompt, std::string_view hint) {
+    if (hint == "confirm") {
+        return AskpassKind::Confirm;
+    }
+    if (hint == "none") {
+        return AskpassKind::Message;
+    }
+    const bool isQuestion = prompt.find("(yes/no") != std::string_view::npos ||
+                            prompt.find("'yes' or 'no'") != std::string_view::npos;
+    return isQuestion ? AskpassKind::YesNo : AskpassKind::Typed;
+}
+
+int RunAskpass(const std::string& strPrompt, std::string_view hint,
+               const ConnectionOptions& options, Channel& output, UserInterface& user,
+               const CodePage& codePage) {
+    if (!IsUtf8(strPrompt)) {
+        return kAskpassFailed;
+    }
+    RequestSettings settings;
+    settings.texts.strDescription = strPrompt;
+    const AskpassKind kind = KindOf(strPrompt, hint);
+    if (kind == AskpassKind::Typed) {
+        return AskSecret(settings, options, output, user, codePage);
+    }
+    if (kind != AskpassKind::Message) {
+        settings.texts.strOk = "_Yes";
+    }
+    if (kind == AskpassKind::YesNo) {
+        settings.texts.strNotOk = "_No";
+    } else if (kind == AskpassKind::Confirm) {
+        settings.texts.strCancel = "_No";
+    }
+    const Confirmation confirmation =
+        MakeConfirmation(settings, options, kind == AskpassKind::Message);
+    return kind == AskpassKind::YesNo ? AskYesNo(confirmation, output, user)
+                                      : ExitCodeOf(user.Confirm(confirmation));
+}
+
+}  // namespace pinentry

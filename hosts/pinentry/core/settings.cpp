@@ -1,0 +1,227 @@
+#include "pinentry/core/settings.h"
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+
+#include "pinentry/core/escaping.h"
+
+namespace pinentry {
+namespace {
+
+// Options that change nothing here: what they ask for the system or the library does its own way.
+constexpr std::array kAccepted{
+    "grab",
+    "no-grab",
+    "debug-wait",
+    "lc-ctype",
+    "owner",
+    "touch-file",
+    "ttyalert",
+    "default-yes",
+    "default-no",
+    "default-pwmngr",
+    "default-cf-visi",
+    "default-tt-visi",
+    "default-tt-hide",
+    "default-capshint",
+    "allow-external-password-cache",
+    "invisible-char",
+    "allow-emacs-prompt",
+    "formatted-passphrase",
+    "formatted-passphrase-hint",
+    "constraints-hint-long",
+};
+
+struct TextOption {
+    const char* pszName;
+    std::string ConnectionOptions::*pText;
+};
+
+// Texts that are shown come escaped; the others are names.
+constexpr std::array kShownTexts{
+    TextOption{"default-ok", &ConnectionOptions::strDefaultOk},
+    TextOption{"default-cancel", &ConnectionOptions::strDefaultCancel},
+    TextOption{"default-prompt", &ConnectionOptions::strDefaultPrompt},
+    TextOption{"constraints-hint-short", &ConnectionOptions::strConstraintsHint},
+    TextOption{"constraints-error-title", &ConnectionOptions::strConstraintsErrorTitle},
+    TextOption{"display", &ConnectionOptions::strDisplay},
+    TextOption{"ttyname", &ConnectionOptions::strTtyName},
+    TextOption{"ttytype", &ConnectionOptions::strTtyType},
+};
+
+constexpr std::string_view kSpaces = " \t";
+
+std::string_view WithoutLeadingSpaces(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(kSpaces), text.size()));
+    return text;
+}
+
+// Two letters at the front of a locale's name, such as de_DE.UTF-8.
+std::string LanguageOf(std::string_view locale) {
+    const auto isLetter = [](char ch) { return ch >= 'a' && ch <= 'z'; };
+    const bool named = locale.size() >= 2 && isLetter(locale[0]) && isLetter(locale[1]) &&
+                       (locale.size() == 2 || !isLetter(locale[2]));
+    return named ? std::string(locale.substr(0, 2)) : "";
+}
+
+// Line feeds are kept; other control characters would be drawn as anything.
+std::string Shown(std::string text) {
+    std::erase(text, '\r');
+    std::replace_if(
+        text.begin(), text.end(),
+        [](char ch) { return (ch >= '\0' && ch < ' ' && ch != '\n') || ch == '\x7F'; }, ' ');
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
+        text.pop_back();
+    }
+    return text;
+}
+
+// One line, with an access key.
+std::string Label(const std::string& strText) {
+    std::string label;
+    const std::string shown = Shown(strText);
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        const char ch = shown[i];
+        const bool doubled = ch == '_' && i + 1 < shown.size() && shown[i + 1] == '_';
+        if (ch == '&') {
+            label.append("&&");
+        } else if (doubled) {
+            label.push_back('_');
+            ++i;
+        } else {
+            label.push_back(ch == '_' ? '&' : ch == '\n' ? ' ' : ch);
+        }
+    }
+    return label;
+}
+
+const std::string& FirstSet(const std::string& str, const std::string& strElse) {
+    return str.empty() ? strElse : str;
+}
+
+std::string Paragraphs(std::initializer_list<std::string> parts) {
+    std::string text;
+    for (const std::string& part : parts) {
+        if (!part.empty()) {
+            text.append(text.empty() ? "" : "\n\n").append(part);
+        }
+    }
+    return text;
+}
+
+void FillWindow(const RequestSettings& settings, const ConnectionOptions& options, Window& window) {
+    const RequestTexts& texts = settings.texts;
+    window.strTitle = Shown(texts.strTitle);
+    std::replace(window.strTitle.begin(), window.strTitle.end(), '\n', ' ');
+    // What was wrong is what the user has to see first.
+    window.strText = Paragraphs({Shown(texts.strError), Shown(texts.strDescription)});
+    window.strOk = Label(FirstSet(texts.strOk, options.strDefaultOk));
+    window.strCancel = Label(FirstSet(texts.strCancel, options.strDefaultCancel));
+    window.nParent = options.nParent;
+    window.nTimeout = settings.nTimeout;
+    window.strLanguage = options.strLanguage;
+}
+
+}  // namespace
+
+void RequestSettings::ForgetWindow() {
+    texts.strError.clear();
+    texts.strRepeat.clear();
+    texts.strRepeatError.clear();
+    texts.strQualityTip.clear();
+    bRepeat = false;
+    bQuality = false;
+}
+
+std::optional<ErrorCode> ConnectionOptions::Set(std::string_view option) {
+    option = WithoutLeadingSpaces(option);
+    if (option.substr(0, 2) == "--") {
+        option.remove_prefix(2);
+    }
+    const std::size_t nameEnd = std::min(option.find_first_of(" \t="), option.size());
+    const std::string_view name = option.substr(0, nameEnd);
+    if (name.empty() || name.front() == '-') {
+        return ErrorCode::Syntax;
+    }
+    std::string_view value = WithoutLeadingSpaces(option.substr(nameEnd));
+    if (!value.empty() && value.front() == '=') {
+        value = WithoutLeadingSpaces(value.substr(1));
+    }
+    return SetValue(name, value);
+}
+
+std::optional<ErrorCode> ConnectionOptions::SetValue(std::string_view name,
+                                                     std::string_view value) {
+    for (const TextOption& text : kShownTexts) {
+        if (name == text.pszName) {
+            const bool taken = Unescape(value, this->*text.pText);
+            return taken ? std::nullopt : std::optional(ErrorCode::InvalidValue);
+        }
+    }
+    if (name == "lc-messages") {
+        strLanguage = LanguageOf(value);
+        return std::nullopt;
+    }
+    if (name == "constraints-enforce") {
+        bConstraints = true;
+        return std::nullopt;
+    }
+    if (name == "parent-wid") {
+        const auto number = Number(value, UINT64_MAX);
+        nParent = number.value_or(0);
+        return number ? std::nullopt : std::optional(ErrorCode::InvalidValue);
+    }
+    const bool accepted = std::find(kAccepted.begin(), kAccepted.end(), name) != kAccepted.end();
+    return accepted ? std::nullopt : std::optional(ErrorCode::UnknownOption);
+}
+
+bool MakePinQuestion(const RequestSettings& settings, const ConnectionOptions& options,
+                     const CodePage& codePage, PinQuestion& question) {
+    FillWindow(settings, options, question);
+    question.strLabel = Label(FirstSet(settings.texts.strPrompt, options.strDefaultPrompt));
+    if (settings.bRepeat) {
+        question.strRepeatLabel = Label(settings.texts.strRepeat);
+        if (options.bConstraints) {
+            question.strText = Paragraphs({question.strText, Shown(options.strConstraintsHint)});
+        }
+    }
+    for (std::string* text : {&question.strTitle, &question.strText, &question.strOk,
+                              &question.strCancel, &question.strLabel, &question.strRepeatLabel}) {
+        const std::string utf8 = *text;
+        if (!codePage.FromUtf8(utf8, *text)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+Confirmation MakeConfirmation(const RequestSettings& settings, const ConnectionOptions& options,
+                              bool bOneButton) {
+    Confirmation confirmation;
+    FillWindow(settings, options, confirmation);
+    confirmation.bOneButton = bOneButton;
+    if (bOneButton) {
+        confirmation.strCancel.clear();
+    } else {
+        confirmation.strNotOk = Label(settings.texts.strNotOk);
+    }
+    return confirmation;
+}
+
+std::optional<std::uint64_t> Number(std::string_view text, std::uint64_t nMax) {
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    std::uint64_t number = 0;
+    for (const char ch : text) {
+        const auto digit = static_cast<std::uint64_t>(ch - '0');
+        if (ch < '0' || ch > '9' || number > (nMax - digit) / 10) {
+            return std::nullopt;
+        }
+        number = number * 10 + digit;
+    }
+    return number;
+}
+
+}  // namespace pinentry
