@@ -9,9 +9,6 @@
 namespace pinentry {
 namespace {
 
-// The longest time-out that the system's timers take, in whole seconds.
-constexpr std::uint64_t kMaxTimeout = 2'147'483;
-
 // Names and flags of the protocol are the same in either case.
 bool SameWord(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
@@ -74,13 +71,15 @@ const Session::Command* Session::Find(std::string_view name) {
 }
 
 Session::Session(Channel& channel, UserInterface& user, const CodePage& codePage,
-                 ProcessInfo process, ConnectionOptions options)
+                 ProcessInfo process, ConnectionOptions options, std::uint32_t nTimeout)
     : m_channel(channel),
       m_user(user),
       m_codePage(codePage),
       m_process(std::move(process)),
       m_responses(channel),
-      m_options(std::move(options)) {}
+      m_options(std::move(options)) {
+    m_settings.nTimeout = nTimeout;
+}
 
 void Session::Run() {
     m_bOver = !m_responses.Ok("Pleased to meet you");

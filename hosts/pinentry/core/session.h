@@ -25,9 +25,10 @@ struct ProcessInfo {
 
 class Session {
 public:
-    // Refers to the first three as long as it lives. `options` are those of the command line.
+    // Refers to the first three as long as it lives. The options are those of the command line;
+    // nTimeout, in seconds, counts until the client sets another.
     Session(Channel& channel, UserInterface& user, const CodePage& codePage, ProcessInfo process,
-            ConnectionOptions options = {});
+            ConnectionOptions options = {}, std::uint32_t nTimeout = 0);
 
     // Returns when the client has said goodbye or has gone.
     void Run();

@@ -11,6 +11,9 @@
 
 namespace pinentry {
 
+// The longest time-out that the system's timers take, in whole seconds.
+constexpr std::uint64_t kMaxTimeout = 2'147'483;
+
 // UTF-8, as the client sent it; "_" stands before the access key of a label.
 struct RequestTexts {
     std::string strTitle;

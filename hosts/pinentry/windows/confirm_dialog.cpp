@@ -1,0 +1,129 @@
+#include "pinentry/windows/confirm_dialog.h"
+
+#include <vector>
+
+#include "pinentry/windows/code_page.h"
+#include "pinentry/windows/confirm_resources.h"
+#include "pinentry/windows/window_layout.h"
+#include "platform/barrier.h"
+
+namespace pinentry {
+namespace {
+
+struct Question {
+    HWND hParent;
+    const Confirmation& confirmation;
+    bool& bClosed;
+};
+
+void SetTextIfAny(HWND hWnd, const std::string& strText) {
+    if (!strText.empty()) {
+        SetWindowTextW(hWnd, WideFromUtf8(strText).c_str());
+    }
+}
+
+RECT PlaceOfButton(HWND hDialog, int nId) {
+    RECT place{};
+    GetWindowRect(GetDlgItem(hDialog, nId), &place);
+    MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+// The buttons that are left take the places at the right.
+void ArrangeButtons(HWND hDialog, const Confirmation& confirmation) {
+    std::vector<int> shown{IDOK};
+    if (!confirmation.strNotOk.empty()) {
+        shown.push_back(IDNO);
+    }
+    if (!confirmation.bOneButton) {
+        shown.push_back(IDCANCEL);
+    }
+    WidenButtons(hDialog, {IDOK, IDNO, IDCANCEL});
+    const std::vector<RECT> places{PlaceOfButton(hDialog, IDOK), PlaceOfButton(hDialog, IDNO),
+                                   PlaceOfButton(hDialog, IDCANCEL)};
+    for (const int id : {IDNO, IDCANCEL}) {
+        ShowWindow(GetDlgItem(hDialog, id), SW_HIDE);
+        EnableWindow(GetDlgItem(hDialog, id), FALSE);
+    }
+    auto place = places.end() - static_cast<std::ptrdiff_t>(shown.size());
+    for (const int id : shown) {
+        const HWND button = GetDlgItem(hDialog, id);
+        SetWindowPos(button, nullptr, place->left, place->top, 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        EnableWindow(button, TRUE);
+        ShowWindow(button, SW_SHOW);
+        ++place;
+    }
+}
+
+// One line stands beside the middle of the icon.
+void CentreShortText(HWND hDialog) {
+    const HWND control = GetDlgItem(hDialog, IDC_CONFIRM_TEXT);
+    RECT place{};
+    GetWindowRect(control, &place);
+    const int height =
+        static_cast<int>(MeasureText(control, TextOf(control), place.right - place.left, false).cy);
+    const int above = (place.bottom - place.top - height) / 2;
+    if (above > 0) {
+        MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT*>(&place), 2);
+        SetWindowPos(control, nullptr, place.left, place.top + above, place.right - place.left,
+                     height, SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+}
+
+void OnInitDialog(HWND hDialog, const Question& question) {
+    const Confirmation& confirmation = question.confirmation;
+    const auto icon = LoadImageA(
+        nullptr, confirmation.bOneButton ? MAKEINTRESOURCEA(32516) : MAKEINTRESOURCEA(32514),
+        IMAGE_ICON, 0, 0, LR_SHARED | LR_DEFAULTSIZE);
+    SendDlgItemMessageW(hDialog, IDC_CONFIRM_ICON, STM_SETIMAGE, IMAGE_ICON,
+                        reinterpret_cast<LPARAM>(icon));
+    SetTextIfAny(hDialog, confirmation.strTitle);
+    SetTextIfAny(GetDlgItem(hDialog, IDC_CONFIRM_TEXT), confirmation.strText);
+    SetTextIfAny(GetDlgItem(hDialog, IDOK), confirmation.strOk);
+    SetTextIfAny(GetDlgItem(hDialog, IDNO), confirmation.strNotOk);
+    SetTextIfAny(GetDlgItem(hDialog, IDCANCEL), confirmation.strCancel);
+    ArrangeButtons(hDialog, confirmation);
+    GrowToText(hDialog, GetDlgItem(hDialog, IDC_CONFIRM_TEXT));
+    CentreShortText(hDialog);
+    PlaceOver(hDialog, question.hParent);
+    SetWindowPos(hDialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    SetForegroundWindow(hDialog);
+}
+
+// Esc and the close button mean IDCANCEL, whether there is such a button or not.
+INT_PTR OnCommand(HWND hDialog, WORD nId) {
+    if (nId != IDOK && nId != IDNO && nId != IDCANCEL) {
+        return FALSE;
+    }
+    EndDialog(hDialog, nId);
+    return TRUE;
+}
+
+INT_PTR CALLBACK DialogProc(HWND hDialog, UINT nMessage, WPARAM wParam, LPARAM lParam) {
+    if (nMessage == WM_INITDIALOG) {
+        SetWindowLongPtrW(hDialog, DWLP_USER, lParam);
+        const auto& question = *reinterpret_cast<const Question*>(lParam);
+        mvp::Guarded([&] { OnInitDialog(hDialog, question); }, [&] { EndDialog(hDialog, -1); });
+        return TRUE;
+    }
+    if (nMessage == WM_SYSCOMMAND && (wParam & 0xFFF0) == SC_CLOSE) {
+        const auto* question =
+            reinterpret_cast<const Question*>(GetWindowLongPtrW(hDialog, DWLP_USER));
+        question->bClosed = true;
+        return FALSE;
+    }
+    return nMessage == WM_COMMAND ? OnCommand(hDialog, LOWORD(wParam)) : FALSE;
+}
+
+}  // namespace
+
+int RunConfirmDialog(HWND hParent, const Confirmation& confirmation, bool& bClosed) {
+    bClosed = false;
+    Question question{hParent, confirmation, bClosed};
+    return static_cast<int>(DialogBoxParamW(GetModuleHandleW(nullptr),
+                                            MAKEINTRESOURCEW(IDD_CONFIRM), hParent, DialogProc,
+                                            reinterpret_cast<LPARAM>(&question)));
+}
+
+}  // namespace pinentry

@@ -1,0 +1,179 @@
+// typist: looks at dialogs of other processes and types into them, with real key strokes.
+//
+// It reads an order a line and answers each with one line of JSON: null for done, a dialog, or the
+// member "error".
+//
+//     wait           waits for a dialog that can be used, and tells its texts
+//     type TEXT      types into the edit with the focus (UTF-8)
+//     key NAME       presses enter, escape, tab, space, close (Alt+F4) or alt+LETTER
+//     picture FILE   takes a picture of the dialog
+//     gone           waits until the dialog has gone
+#include <windows.h>
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "common/crash_exit.h"
+#include "common/keyboard.h"
+#include "common/screenshot.h"
+#include "common/thread_windows.h"
+#include "common/wait_for.h"
+#include "platform/barrier.h"
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::chrono::seconds kDeadline{40};
+
+HWND g_hDialog = nullptr;
+
+std::string Converted(const std::string& str, UINT nFrom, UINT nTo) {
+    std::wstring wide(str.size(), L'\0');
+    wide.resize(static_cast<std::size_t>(
+        MultiByteToWideChar(nFrom, 0, str.data(), static_cast<int>(str.size()), wide.data(),
+                            static_cast<int>(wide.size()))));
+    std::string text(wide.size() * 4, '\0');
+    text.resize(static_cast<std::size_t>(
+        WideCharToMultiByte(nTo, 0, wide.data(), static_cast<int>(wide.size()), text.data(),
+                            static_cast<int>(text.size()), nullptr, nullptr)));
+    return text;
+}
+
+std::string TextOf(HWND hWnd) {
+    std::wstring wide(4096, L'\0');
+    // The texts of another process's controls come by message alone.
+    DWORD_PTR length = 0;
+    SendMessageTimeoutW(hWnd, WM_GETTEXT, wide.size(), reinterpret_cast<LPARAM>(wide.data()),
+                        SMTO_ABORTIFHUNG, 2000, &length);
+    std::string text(length * 4, '\0');
+    text.resize(static_cast<std::size_t>(
+        WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(length), text.data(),
+                            static_cast<int>(text.size()), nullptr, nullptr)));
+    return text;
+}
+
+BOOL CALLBACK TakeDialog(HWND hWnd, LPARAM lParam) {
+    if (!IsWindowVisible(hWnd) || !IsWindowEnabled(hWnd) || !mvp::IsDialog(hWnd)) {
+        return TRUE;
+    }
+    *reinterpret_cast<HWND*>(lParam) = hWnd;
+    return FALSE;
+}
+
+BOOL CALLBACK TellControl(HWND hWnd, LPARAM lParam) {
+    auto& dialog = *reinterpret_cast<Json*>(lParam);
+    const std::string name = mvp::ClassOf(hWnd);
+    if (!IsWindowVisible(hWnd)) {
+        return TRUE;
+    }
+    if (lstrcmpiA(name.c_str(), "Button") == 0) {
+        dialog["buttons"].push_back(TextOf(hWnd));
+    } else if (lstrcmpiA(name.c_str(), "Static") == 0) {
+        dialog["texts"].push_back(TextOf(hWnd));
+    }
+    return TRUE;
+}
+
+// Ready for keys: in the foreground, with the focus on one of its controls.
+bool IsReady(HWND hDialog) {
+    if (GetForegroundWindow() != hDialog) {
+        SetForegroundWindow(hDialog);
+        return false;
+    }
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    return GetGUIThreadInfo(GetWindowThreadProcessId(hDialog, nullptr), &info) &&
+           info.hwndFocus != nullptr && IsChild(hDialog, info.hwndFocus);
+}
+
+Json Wait() {
+    const bool found = mvp::WaitFor(kDeadline, [] {
+        g_hDialog = nullptr;
+        EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&g_hDialog));
+        return g_hDialog != nullptr && IsReady(g_hDialog);
+    });
+    if (!found) {
+        throw std::runtime_error("no dialog was opened");
+    }
+    Json dialog{{"title", TextOf(g_hDialog)}, {"texts", Json::array()}, {"buttons", Json::array()}};
+    EnumChildWindows(g_hDialog, TellControl, reinterpret_cast<LPARAM>(&dialog));
+    return dialog;
+}
+
+void Press(const std::string& strName) {
+    if (strName == "close") {
+        mvp::SendKey(VK_F4, {VK_MENU});
+    } else if (strName.rfind("alt+", 0) == 0 && strName.size() == 5) {
+        const SHORT key = VkKeyScanA(strName.back());
+        mvp::SendKey(static_cast<WORD>(key & 0xFF), {VK_MENU});
+    } else if (strName == "enter") {
+        mvp::SendKey(VK_RETURN);
+    } else if (strName == "escape") {
+        mvp::SendKey(VK_ESCAPE);
+    } else if (strName == "tab") {
+        mvp::SendKey(VK_TAB);
+    } else if (strName == "space") {
+        mvp::SendKey(VK_SPACE);
+    } else {
+        throw std::runtime_error("no such key: " + strName);
+    }
+}
+
+void TakePicture(const std::string& strFile) {
+    std::string error;
+    if (!mvp::SaveWindowPng(g_hDialog, Converted(strFile, CP_UTF8, CP_ACP), error)) {
+        throw std::runtime_error(error);
+    }
+}
+
+Json Obey(const std::string& strOrder) {
+    const std::size_t end = std::min(strOrder.find(' '), strOrder.size());
+    const std::string word = strOrder.substr(0, end);
+    const std::string rest = end < strOrder.size() ? strOrder.substr(end + 1) : "";
+    if (word == "wait") {
+        return Wait();
+    }
+    if (word == "type") {
+        mvp::SendText(Converted(rest, CP_UTF8, CP_ACP));
+    } else if (word == "key") {
+        Press(rest);
+    } else if (word == "picture") {
+        TakePicture(rest);
+    } else if (word == "gone") {
+        if (!mvp::WaitFor(kDeadline, [] { return mvp::IsGone(g_hDialog); })) {
+            throw std::runtime_error("the dialog stayed open");
+        }
+    } else {
+        throw std::runtime_error("no such order: " + strOrder);
+    }
+    return {};
+}
+
+int Main() {
+    for (std::string order; std::getline(std::cin, order);) {
+        if (!order.empty() && order.back() == '\r') {
+            order.pop_back();
+        }
+        Json answer;
+        try {
+            answer = Obey(order);
+        } catch (const std::exception& error) {
+            answer = {{"error", error.what()}};
+        }
+        std::cout << answer.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main() {
+    mvp::EndWithCodeOnCrash(4);
+    return mvp::Guarded(3, Main, [] {});
+}
