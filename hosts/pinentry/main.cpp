@@ -55,8 +55,9 @@ int Serve(const CommandLine& line) {
 int Ask(const CommandLine& line) {
     OutputChannel output(GetStdHandle(STD_OUTPUT_HANDLE));
     LibraryInterface user(nullptr, line.strLogFile);
-    return RunAskpass(*line.strPrompt, EnvironmentText("SSH_ASKPASS_PROMPT"), line.options, output,
-                      user, AnsiCodePage());
+    return RunAskpass(
+        {*line.strPrompt, EnvironmentText("SSH_ASKPASS_PROMPT"), line.options, line.nTimeout},
+        output, user, AnsiCodePage());
 }
 
 int PrintVersion() {

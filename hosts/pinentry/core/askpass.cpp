@@ -63,17 +63,17 @@ AskpassKind KindOf(std::string_view prompt, std::string_view hint) {
     return isQuestion ? AskpassKind::YesNo : AskpassKind::Typed;
 }
 
-int RunAskpass(const std::string& strPrompt, std::string_view hint,
-               const ConnectionOptions& options, Channel& output, UserInterface& user,
+int RunAskpass(const AskpassRequest& request, Channel& output, UserInterface& user,
                const CodePage& codePage) {
-    if (!IsUtf8(strPrompt)) {
+    if (!IsUtf8(request.strPrompt)) {
         return kAskpassFailed;
     }
     RequestSettings settings;
-    settings.texts.strDescription = strPrompt;
-    const AskpassKind kind = KindOf(strPrompt, hint);
+    settings.texts.strDescription = request.strPrompt;
+    settings.nTimeout = request.nTimeout;
+    const AskpassKind kind = KindOf(request.strPrompt, request.strHint);
     if (kind == AskpassKind::Typed) {
-        return AskSecret(settings, options, output, user, codePage);
+        return AskSecret(settings, request.options, output, user, codePage);
     }
     if (kind != AskpassKind::Message) {
         settings.texts.strOk = "_Yes";
@@ -84,7 +84,7 @@ int RunAskpass(const std::string& strPrompt, std::string_view hint,
         settings.texts.strCancel = "_No";
     }
     const Confirmation confirmation =
-        MakeConfirmation(settings, options, kind == AskpassKind::Message);
+        MakeConfirmation(settings, request.options, kind == AskpassKind::Message);
     return kind == AskpassKind::YesNo ? AskYesNo(confirmation, output, user)
                                       : ExitCodeOf(user.Confirm(confirmation));
 }

@@ -2,6 +2,7 @@
 // prompt is its argument, the answer goes to its standard output.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -27,9 +28,15 @@ constexpr int kAskpassAnswered = 0;
 constexpr int kAskpassCanceled = 1;
 constexpr int kAskpassFailed = 3;  // nothing could be shown, or the prompt is no text to show
 
-// Asks and prints. The prompt is UTF-8.
-int RunAskpass(const std::string& strPrompt, std::string_view hint,
-               const ConnectionOptions& options, Channel& output, UserInterface& user,
+struct AskpassRequest {
+    std::string strPrompt;  // UTF-8
+    std::string strHint;    // see KindOf
+    ConnectionOptions options;
+    std::uint32_t nTimeout = 0;  // seconds; 0: none
+};
+
+// Asks and prints. Returns the exit code.
+int RunAskpass(const AskpassRequest& request, Channel& output, UserInterface& user,
                const CodePage& codePage);
 
 }  // namespace pinentry

@@ -30,6 +30,8 @@ const char* NameOf(ErrorCode code) {
             return "Unknown command";
         case ErrorCode::Syntax:
             return "Syntax error";
+        case ErrorCode::InquiryCanceled:
+            return "Inquiry cancelled";
         case ErrorCode::Parameter:
             return "Parameter error";
     }

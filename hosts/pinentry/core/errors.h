@@ -20,6 +20,7 @@ enum class ErrorCode : std::uint32_t {
     UnexpectedCommand = 274,
     UnknownCommand = 275,
     Syntax = 276,
+    InquiryCanceled = 277,
     Parameter = 280,
 };
 

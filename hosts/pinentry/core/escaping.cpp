@@ -70,6 +70,12 @@ bool IsWhole(std::string_view character, const Sequence& sequence) {
     return true;
 }
 
+bool IsEscaped(char ch, Escapes escapes) {
+    const bool isControl = ch >= '\0' && ch < ' ';
+    return ch == '%' || ch == '\n' || ch == '\r' ||
+           (escapes == Escapes::Inquiry && (isControl || ch == ' ' || ch == '+'));
+}
+
 }  // namespace
 
 bool IsUtf8(std::string_view text) {
@@ -100,11 +106,11 @@ bool Unescape(std::string_view escaped, std::string& strText) {
 }
 
 std::size_t AppendEscaped(std::span<const char> text, std::size_t nFrom, std::size_t nRoom,
-                          Secret& escaped) {
+                          Secret& escaped, Escapes escapes) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     for (; nFrom < text.size(); ++nFrom) {
         const char ch = text[nFrom];
-        const bool isEscaped = ch == '%' || ch == '\n' || ch == '\r';
+        const bool isEscaped = IsEscaped(ch, escapes);
         const std::size_t needed = isEscaped ? 3 : 1;
         if (needed > nRoom) {
             break;

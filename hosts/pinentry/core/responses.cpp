@@ -64,12 +64,13 @@ bool Responses::Data(std::span<const char> data) {
 bool Responses::HasRoomFor(std::string_view keyword, std::span<const char> value) {
     Secret escaped;
     escaped.reserve(kMaxLine);
-    return AppendEscaped(value, 0, kMaxLine - InquiryOf(keyword).size(), escaped) == value.size();
+    return AppendEscaped(value, 0, kMaxLine - InquiryOf(keyword).size(), escaped,
+                         Escapes::Inquiry) == value.size();
 }
 
 bool Responses::Inquire(std::string_view keyword, std::span<const char> value) {
     Secret line = Begun(InquiryOf(keyword));
-    AppendEscaped(value, 0, kMaxLine - line.size(), line);
+    AppendEscaped(value, 0, kMaxLine - line.size(), line, Escapes::Inquiry);
     line.push_back('\n');
     return m_channel.Write(line);
 }

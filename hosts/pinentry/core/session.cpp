@@ -19,6 +19,38 @@ bool SameWord(std::string_view a, std::string_view b) {
     });
 }
 
+// What a line is in the answer to an inquiry.
+enum class ReplyPart { More, End, Canceled, TooLong, NoReply, ClientGone };
+
+ReplyPart TakeReply(const InputLine& line, std::string& strEscaped) {
+    const std::string_view text = line.Text();
+    if (text.substr(0, 2) == "D ") {
+        strEscaped.append(text.substr(2));
+    }
+    if (line.bTooLong || strEscaped.size() > LineReader::kMaxLine) {
+        return ReplyPart::TooLong;
+    }
+    if (text == "END" || text == "CAN") {
+        return text == "END" ? ReplyPart::End : ReplyPart::Canceled;
+    }
+    const bool isPart = text.empty() || text.front() == '#' || text.substr(0, 2) == "D ";
+    return isPart ? ReplyPart::More : ReplyPart::NoReply;
+}
+
+// An end that is told of is one whose text cannot be read.
+ErrorCode ErrorOf(ReplyPart part) {
+    switch (part) {
+        case ReplyPart::Canceled:
+            return ErrorCode::InquiryCanceled;
+        case ReplyPart::TooLong:
+            return ErrorCode::LineTooLong;
+        case ReplyPart::NoReply:
+            return ErrorCode::UnexpectedCommand;
+        default:
+            return ErrorCode::InvalidValue;
+    }
+}
+
 std::string OrDash(const std::string& str) {
     return str.empty() ? "-" : str;
 }
@@ -41,10 +73,10 @@ const Session::Command* Session::Find(std::string_view name) {
         Command{"SETCANCEL", &RequestTexts::strCancel, nullptr},
         Command{"SETNOTOK", &RequestTexts::strNotOk, nullptr},
         Command{"SETERROR", &RequestTexts::strError, nullptr},
-        Command{"SETREPEATERROR", &RequestTexts::strRepeatError, nullptr},
         Command{"SETQUALITYBAR_TT", &RequestTexts::strQualityTip, nullptr},
         Command{"SETTIMEOUT", nullptr, &Session::OnSetTimeout},
         Command{"SETREPEAT", nullptr, &Session::OnSetRepeat},
+        Command{"SETREPEATERROR", nullptr, &Session::OnAccepted},
         Command{"SETREPEATOK", nullptr, &Session::OnAccepted},
         Command{"SETQUALITYBAR", nullptr, &Session::OnSetQualityBar},
         Command{"SETGENPIN", nullptr, &Session::OnAccepted},
@@ -271,26 +303,27 @@ std::optional<bool> Session::IsNewPinTaken(const Secret& pin) {
 
 // The client checks the PIN against its own rules, and says why where it takes it not.
 std::optional<bool> Session::MeetsConstraints(const Secret& pin) {
-    const std::optional<Reply> reply = Inquire("CHECKPIN", pin);
-    if (!reply) {
+    const std::optional<std::string> reason = Inquire("CHECKPIN", pin);
+    if (!reason) {
         return std::nullopt;
     }
-    if (reply->bEnded && !reply->strText.empty()) {
-        TellRefusal(m_options.strConstraintsErrorTitle, reply->strText);
+    if (!reason->empty()) {
+        TellRefusal(m_options.strConstraintsErrorTitle, *reason);
     }
-    return reply->bEnded && reply->strText.empty();
+    return reason->empty();
 }
 
 // The library's dialog has rules in the place of a bar: only what the client calls worse than
 // nothing is refused.
 std::optional<bool> Session::IsGoodEnough(const Secret& pin) {
-    const std::optional<Reply> reply = Inquire("QUALITY", pin);
-    if (!reply) {
+    const std::optional<std::string> percent = Inquire("QUALITY", pin);
+    if (!percent) {
         return std::nullopt;
     }
-    const bool refused = reply->bEnded && reply->strText.substr(0, 1) == "-";
+    const bool refused = percent->substr(0, 1) == "-";
     if (refused) {
-        TellRefusal("", m_settings.texts.strQualityTip);
+        const std::string& tip = m_settings.texts.strQualityTip;
+        TellRefusal("", tip.empty() ? "This is too easily guessed." : tip);
     }
     return !refused;
 }
@@ -305,34 +338,27 @@ void Session::TellRefusal(const std::string& strTitle, const std::string& strTex
 }
 
 // None when the request has been answered with an error, or the client has gone.
-std::optional<Session::Reply> Session::Inquire(std::string_view keyword, const Secret& pin) {
+std::optional<std::string> Session::Inquire(std::string_view keyword, const Secret& pin) {
     if (!Responses::HasRoomFor(keyword, pin)) {
         Fail(ErrorCode::TooLarge);
         return std::nullopt;
     }
-    Sent(m_responses.Inquire(keyword, pin));
-    Reply reply;
     std::string escaped;
-    while (!m_bOver) {
+    ReplyPart part =
+        Sent(m_responses.Inquire(keyword, pin)) ? ReplyPart::More : ReplyPart::ClientGone;
+    while (part == ReplyPart::More) {
         InputLine line;
-        if (!m_channel.Read(line)) {
-            break;
-        }
-        const std::string_view text = line.Text();
-        if (text.substr(0, 2) == "D ") {
-            escaped.append(text.substr(2));
-        } else if (text == "END" || text == "CAN") {
-            reply.bEnded = text == "END" && Unescape(escaped, reply.strText);
-            return reply;
-        } else if (line.bTooLong || escaped.size() > LineReader::kMaxLine) {
-            Fail(ErrorCode::LineTooLong);
-            return std::nullopt;
-        } else if (!text.empty() && text.front() != '#') {
-            Fail(ErrorCode::UnexpectedCommand);
-            return std::nullopt;
-        }
+        part = m_channel.Read(line) ? TakeReply(line, escaped) : ReplyPart::ClientGone;
     }
-    m_bOver = true;
+    std::string reply;
+    if (part == ReplyPart::End && Unescape(escaped, reply)) {
+        return reply;
+    }
+    if (part == ReplyPart::ClientGone) {
+        m_bOver = true;
+    } else {
+        Fail(ErrorOf(part));
+    }
     return std::nullopt;
 }
 

@@ -37,12 +37,6 @@ private:
     struct Command;
     static const Command* Find(std::string_view name);
 
-    // What an inquiry brought back.
-    struct Reply {
-        bool bEnded = false;  // else it was called off or was no reply
-        std::string strText;  // UTF-8
-    };
-
     bool Handle(const InputLine& line);
     bool Dispatch(std::string_view text);
     bool SetText(const Command& command, std::string_view text);
@@ -66,7 +60,7 @@ private:
     std::optional<bool> IsNewPinTaken(const Secret& pin);
     std::optional<bool> MeetsConstraints(const Secret& pin);
     std::optional<bool> IsGoodEnough(const Secret& pin);
-    std::optional<Reply> Inquire(std::string_view keyword, const Secret& pin);
+    std::optional<std::string> Inquire(std::string_view keyword, const Secret& pin);
     void TellRefusal(const std::string& strTitle, const std::string& strText);
     bool ShowConfirmation(bool bOneButton);
     bool RefuseFor(Answer answer);

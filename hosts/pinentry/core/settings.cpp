@@ -77,21 +77,21 @@ std::string Shown(std::string text) {
     return text;
 }
 
-// One line, with an access key.
+// One line. The first "_" marks the access key, two stand for one.
 std::string Label(const std::string& strText) {
     std::string label;
+    bool hasKey = false;
     const std::string shown = Shown(strText);
     for (std::size_t i = 0; i < shown.size(); ++i) {
         const char ch = shown[i];
-        const bool doubled = ch == '_' && i + 1 < shown.size() && shown[i + 1] == '_';
-        if (ch == '&') {
-            label.append("&&");
-        } else if (doubled) {
-            label.push_back('_');
-            ++i;
-        } else {
-            label.push_back(ch == '_' ? '&' : ch == '\n' ? ' ' : ch);
+        const bool isMark = ch == '_' && i + 1 < shown.size();
+        if (isMark && shown[i + 1] != '_' && !hasKey) {
+            label.push_back('&');
+            hasKey = true;
+            continue;
         }
+        label.append(ch == '&' ? "&&" : std::string(1, ch == '\n' ? ' ' : ch));
+        i += isMark && shown[i + 1] == '_' ? 1U : 0U;
     }
     return label;
 }
@@ -128,7 +128,6 @@ void FillWindow(const RequestSettings& settings, const ConnectionOptions& option
 void RequestSettings::ForgetWindow() {
     texts.strError.clear();
     texts.strRepeat.clear();
-    texts.strRepeatError.clear();
     texts.strQualityTip.clear();
     bRepeat = false;
     bQuality = false;

@@ -24,7 +24,6 @@ struct RequestTexts {
     std::string strNotOk;
     std::string strCancel;
     std::string strRepeat;
-    std::string strRepeatError;
     std::string strQualityTip;
 };
 

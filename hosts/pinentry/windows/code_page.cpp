@@ -33,9 +33,9 @@ bool AnsiCodePage::FromUtf8(const std::string& strUtf8, std::string& strText) co
     strText.resize(wide.size() * 2);
     BOOL isMissing = FALSE;
     // No letter that merely looks alike: what is shown is what the client said.
-    const int length = WideCharToMultiByte(
-        CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), static_cast<int>(wide.size()), strText.data(),
-        static_cast<int>(strText.size()), nullptr, &isMissing);
+    const int length = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(),
+                                           static_cast<int>(wide.size()), strText.data(),
+                                           static_cast<int>(strText.size()), nullptr, &isMissing);
     strText.resize(static_cast<std::size_t>(length));
     return length > 0 && !isMissing;
 }
@@ -46,14 +46,12 @@ bool AnsiCodePage::ToUtf8(const Secret& text, Secret& utf8) const {
         return true;
     }
     WideSecret wide(text.size());
-    const int wideLength =
-        MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text.data(),
-                            static_cast<int>(text.size()), wide.data(),
-                            static_cast<int>(wide.size()));
+    const int wideLength = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text.data(),
+                                               static_cast<int>(text.size()), wide.data(),
+                                               static_cast<int>(wide.size()));
     utf8.resize(wide.size() * 3);
-    const int length =
-        WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, utf8.data(),
-                            static_cast<int>(utf8.size()), nullptr, nullptr);
+    const int length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, utf8.data(),
+                                           static_cast<int>(utf8.size()), nullptr, nullptr);
     utf8.resize(static_cast<std::size_t>(length));
     return length > 0;
 }

@@ -158,9 +158,9 @@ Answer LibraryInterface::AskNewPin(const PinQuestion& question, Secret& pin) {
     rules.dwMaxPINLen = MVP_NO_PIN_LENGTH_RULE;
     Secret typed(kNewPinCapacity);
     std::uint32_t length = 0;
-    const bool confirmed = library->GetChangePINInfoFromUser(
-                               &rules, 0, typed.data(), &length, nullptr, nullptr, kNoReader,
-                               nullptr, false) == MVPINGUI_OK;
+    const bool confirmed =
+        library->GetChangePINInfoFromUser(&rules, 0, typed.data(), &length, nullptr, nullptr,
+                                          kNoReader, nullptr, false) == MVPINGUI_OK;
     const Answer answer = watch.Result(confirmed);
     if (answer != Answer::Confirmed) {
         return answer;

@@ -76,9 +76,8 @@ void StdioChannel::ReadAll(State& state, HANDLE hInput) {
     while (isTaken &&
            ReadFile(hInput, buffer.data(), static_cast<DWORD>(buffer.size()), &length, nullptr) &&
            length > 0) {
-        reader.Feed({buffer.data(), length}, [&](InputLine&& line) {
-            isTaken = isTaken && state.Push(std::move(line));
-        });
+        reader.Feed({buffer.data(), length},
+                    [&](InputLine&& line) { isTaken = isTaken && state.Push(std::move(line)); });
         pinhost::Wipe(buffer.data(), buffer.size());
     }
 }

@@ -1,12 +1,15 @@
 #include "pinentry/windows/window_layout.h"
 
 #include <algorithm>
+#include <climits>
 #include <vector>
 
 #include "platform/handle.h"
 
 namespace pinentry {
 namespace {
+
+constexpr int kUnrelatedGap = 7;  // between controls, in dialog units
 
 RECT PlaceIn(HWND hParent, HWND hWnd) {
     RECT place{};
@@ -50,12 +53,27 @@ void MoveDownWhatIsBelow(HWND hParent, int nBottom, int nBy) {
     }
 }
 
+// Where the first visible one below begins; `nBottom` when there is none.
+int TopBelow(HWND hParent, int nBottom) {
+    int top = INT_MAX;
+    for (HWND child = GetWindow(hParent, GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        const int childTop = PlaceIn(hParent, child).top;
+        // The dialog itself is not shown yet: only the control's own style tells.
+        const bool isShown = (GetWindowLongA(child, GWL_STYLE) & WS_VISIBLE) != 0;
+        if (isShown && childTop >= nBottom) {
+            top = std::min(top, childTop);
+        }
+    }
+    return top == INT_MAX ? nBottom : top;
+}
+
 }  // namespace
 
 std::wstring TextOf(HWND hWnd) {
     std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(hWnd)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(
-        GetWindowTextW(hWnd, text.data(), static_cast<int>(text.size()))));
+    text.resize(
+        static_cast<std::size_t>(GetWindowTextW(hWnd, text.data(), static_cast<int>(text.size()))));
     return text;
 }
 
@@ -72,22 +90,26 @@ SIZE MeasureText(HWND hControl, const std::wstring& strText, int nWidth, bool bA
 }
 
 void GrowToText(HWND hDialog, HWND hControl) {
-    RECT control{};
-    GetWindowRect(hControl, &control);
+    const HWND parent = GetParent(hControl);
+    const RECT control = PlaceIn(parent, hControl);
+    const int needed =
+        MeasureText(hControl, TextOf(hControl), Width(control), false).cy - Height(control);
+    RECT gap{0, 0, 0, kUnrelatedGap};
+    MapDialogRect(hDialog, &gap);
+    const int spare =
+        std::max<int>(TopBelow(parent, control.bottom) - control.bottom - gap.bottom, 0);
     RECT dialog{};
     GetWindowRect(hDialog, &dialog);
-    const int needed = MeasureText(hControl, TextOf(hControl), Width(control), false).cy;
-    const int room = Height(WorkAreaAt(hDialog)) - Height(dialog);
-    const int growth = std::min<int>(needed - Height(control), room);
-    if (growth <= 0) {
-        return;
+    const int room = Height(WorkAreaAt(hDialog)) - Height(dialog) + spare;
+    const int growth = std::clamp<int>(needed, 0, std::max(room, 0));
+    MoveDownWhatIsBelow(parent, control.bottom, growth - spare);
+    Heighten(hControl, growth);
+    for (HWND window = parent; window != hDialog; window = GetParent(window)) {
+        const HWND outer = GetParent(window);
+        MoveDownWhatIsBelow(outer, PlaceIn(outer, window).bottom, growth - spare);
+        Heighten(window, growth - spare);
     }
-    for (HWND window = hControl; window != hDialog; window = GetParent(window)) {
-        const HWND parent = GetParent(window);
-        MoveDownWhatIsBelow(parent, PlaceIn(parent, window).bottom, growth);
-        Heighten(window, growth);
-    }
-    Heighten(hDialog, growth);
+    Heighten(hDialog, growth - spare);
 }
 
 void WidenButtons(HWND hDialog, std::initializer_list<int> ids) {
@@ -127,11 +149,10 @@ void PlaceOver(HWND hDialog, HWND hOwner) {
     const auto fit = [](int nMiddle, int nSize, LONG nFrom, LONG nTo) {
         return std::max<int>(std::min<int>(nMiddle - nSize / 2, nTo - nSize), nFrom);
     };
-    SetWindowPos(
-        hDialog, nullptr,
-        fit((below.left + below.right) / 2, Width(dialog), work.left, work.right),
-        fit((below.top + below.bottom) / 2, Height(dialog), work.top, work.bottom), 0, 0,
-        SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(hDialog, nullptr,
+                 fit((below.left + below.right) / 2, Width(dialog), work.left, work.right),
+                 fit((below.top + below.bottom) / 2, Height(dialog), work.top, work.bottom), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 }  // namespace pinentry

@@ -13,7 +13,8 @@ namespace pinentry {
 SIZE MeasureText(HWND hControl, const std::wstring& strText, int nWidth, bool bAccessKeys);
 
 // Makes a control of `hDialog`, or of a panel within it, as tall as its text needs: what stands
-// below moves down and the dialog grows, as far as the screen has room.
+// below moves down and the dialog grows, as far as the screen has room. What is hidden there gives
+// its room up.
 void GrowToText(HWND hDialog, HWND hControl);
 
 // Gives the buttons, which stand in a row from left to right, the width that the longest needs; the
