@@ -1,0 +1,169 @@
+"""Programs as the system has them ask through pinentry: a key manager, the remote shell's tools, git.
+
+Usage: clients_test.py SCRIPTS_FOLDER [EMULATOR] TYPIST.exe
+"""
+
+import contextlib
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "pinentry"))
+from typist import Typist  # noqa: E402
+
+PINENTRY = ""  # set from the command line
+TYPIST = []
+PICTURES = os.environ.get("MVP_CLIENT_PICTURES")
+GOOD = "Kanarienvogel-7351"
+NEW = "Gras.Mücke 88"
+USER = "Anna Müller <anna@example.org>"
+
+
+class ClientTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.typist = Typist(TYPIST)
+        cls.addClassCleanup(cls.typist.close)
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="mvp")
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.environment = {**os.environ, "SSH_ASKPASS": PINENTRY, "SSH_ASKPASS_REQUIRE": "force",
+                            "GIT_ASKPASS": PINENTRY, "GNUPGHOME": str(self.folder), "LC_ALL": "C.UTF-8"}
+
+    @contextlib.contextmanager
+    def running(self, *command, code=0, text=""):
+        """The program while the user serves it; afterwards its exit code is compared."""
+        program = subprocess.Popen(command, env=self.environment, stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8")
+        program.stdin.write(text)
+        program.stdin.close()
+        program.stdin = None
+        try:
+            yield program
+        except BaseException:
+            program.kill()
+            program.communicate()
+            raise
+        program.said, program.error = program.communicate(timeout=60)
+        self.assertEqual(program.returncode, code, program.error)
+
+    def run_done(self, *command, text=""):
+        with self.running(*command, text=text) as program:
+            pass
+        return program.said
+
+    def ask(self, words, *texts, key="enter", picture=""):
+        """Waits for the window that says the words, types and presses the key."""
+        dialog = self.typist.wait()
+        self.assertIn(words, "\n".join([dialog["title"], *dialog["texts"]]))
+        self.typist.type(*texts)
+        if picture and PICTURES:
+            self.typist.picture(f"{PICTURES}/{picture}.png")
+        self.typist.press(key)
+        self.typist.gone()
+
+
+class KeyManagerTest(ClientTest):
+    def setUp(self):
+        super().setUp()
+        self.addCleanup(subprocess.run, ["gpgconf", "--kill", "gpg-agent"], env=self.environment)
+        self.configure()
+
+    def configure(self, *lines):
+        (self.folder / "gpg-agent.conf").write_text("\n".join(
+            [f"pinentry-program {PINENTRY}", *lines, ""]))
+        self.run_done("gpgconf", "--kill", "gpg-agent")
+
+    def make_key(self):
+        with self.running("gpg", "--batch", "--quick-gen-key", USER, "ed25519", "sign", "never"):
+            self.ask("protect your new key", "abc", "abc", picture="1-make-key")
+            self.ask("insecure passphrase", key="escape", picture="2-too-simple")
+            self.ask("protect your new key", GOOD, GOOD)
+
+    def sign(self, code=0):
+        self.run_done("gpgconf", "--reload", "gpg-agent")  # forgets the passphrase
+        return self.running("gpg", "--batch", "--yes", "-o", str(self.folder / "signature"),
+                            "--detach-sign", "-u", USER, code=code, text="what is signed")
+
+    def test_life_of_a_key(self):
+        self.make_key()
+        with self.sign():
+            self.ask(USER, GOOD, picture="3-sign")
+        (self.folder / "data").write_text("what is signed")
+        self.run_done("gpg", "--verify", str(self.folder / "signature"), str(self.folder / "data"))
+        self.run_done("gpgconf", "--reload", "gpg-agent")
+        with self.running("gpg", "--batch", "--passwd", USER):
+            self.ask(USER, GOOD)
+            self.ask("new passphrase", NEW, NEW)
+        with self.subTest("wrong twice, then right"), self.sign():
+            self.ask(USER, GOOD)
+            self.ask("try 2 of 3", GOOD, picture="4-wrong")
+            self.ask("try 3 of 3", NEW)
+        with self.subTest("wrong three times"), self.sign(code=2) as program:
+            for words in (USER, "try 2 of 3", "try 3 of 3"):
+                self.ask(words, GOOD)
+        self.assertIn("Bad passphrase", program.error)
+        with self.subTest("cancelled"), self.sign(code=2) as program:
+            self.ask(USER, key="escape")
+        self.assertIn("cancelled", program.error)
+        self.configure("pinentry-timeout 1")
+        with self.subTest("nobody answers"), self.sign(code=2) as program:
+            self.typist.wait()
+            self.typist.gone()
+        self.assertIn("Timeout", program.error)
+
+    def test_constraints(self):
+        self.configure("enforce-passphrase-constraints", "min-passphrase-len 14")
+        with self.running("gpg", "--batch", "--quick-gen-key", USER, "ed25519", "sign", "never"):
+            self.ask("protect your new key", "Kurz-1", "Kurz-1")
+            self.ask("at least 14 characters", key="enter")
+            self.ask("protect your new key", GOOD, GOOD)
+
+
+class AskpassTest(ClientTest):
+    def test_remote_shell(self):
+        key = str(self.folder / "key")
+        self.environment["SSH_AUTH_SOCK"] = str(self.folder / "agent")
+        with self.running("ssh-keygen", "-q", "-t", "ed25519", "-f", key):
+            self.ask("Enter passphrase", NEW, picture="5-ssh-keygen")
+            self.ask("same passphrase", NEW)
+        agent = subprocess.Popen(["ssh-agent", "-D", "-a", self.environment["SSH_AUTH_SOCK"]],
+                                 env=self.environment, stdout=subprocess.PIPE, encoding="utf-8")
+        self.addCleanup(agent.communicate)
+        self.addCleanup(agent.terminate)
+        agent.stdout.readline()  # it is there
+        with self.subTest("wrong, then right"), self.running("ssh-add", "-c", key):
+            self.ask(key, "wrong")
+            self.ask("Bad passphrase", NEW)
+        signing = ("ssh-keygen", "-Y", "sign", "-n", "file", "-f", key + ".pub")
+        with self.subTest("allowed"), self.running(*signing, text="x") as program:
+            self.ask("Allow use of key", key="enter", picture="6-ssh-confirm")
+        self.assertIn("BEGIN SSH SIGNATURE", program.said)
+        with self.subTest("refused"), self.running(*signing, code=255, text="x"):
+            self.ask("Allow use of key", key="escape")
+        with self.subTest("cancelled"), self.running("ssh-add", key, code=1):
+            self.ask(key, key="escape")
+
+    def test_git(self):
+        query = "protocol=https\nhost=example.org\n\n"
+        self.environment["GIT_CONFIG_GLOBAL"] = os.devnull
+        with self.running("git", "credential", "fill", text=query) as program:
+            self.ask("Username for 'https://example.org'", "anna")
+            self.ask("Password for 'https://anna@example.org'", NEW, picture="7-git")
+        self.assertIn(f"username=anna\npassword={NEW}\n", program.said)
+
+    def test_prompt_with_umlauts(self):
+        with self.running(PINENTRY, "Passwort für Zoë:") as program:
+            self.ask("Passwort für Zoë:", NEW)
+        self.assertEqual(program.said, NEW + "\n")
+
+
+if __name__ == "__main__":
+    scripts, *TYPIST = sys.argv[1:]
+    PINENTRY = f"{scripts}/pinentry"
+    unittest.main(argv=sys.argv[:1], verbosity=2)
