@@ -70,6 +70,7 @@ int RunAskpass(const AskpassRequest& request, Channel& output, UserInterface& us
     }
     RequestSettings settings;
     settings.texts.strDescription = request.strPrompt;
+    settings.texts.strPrompt = "_Answer:";
     settings.nTimeout = request.nTimeout;
     const AskpassKind kind = KindOf(request.strPrompt, request.strHint);
     if (kind == AskpassKind::Typed) {

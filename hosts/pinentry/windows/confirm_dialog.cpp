@@ -1,5 +1,6 @@
 #include "pinentry/windows/confirm_dialog.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "pinentry/windows/code_page.h"
@@ -22,15 +23,8 @@ void SetTextIfAny(HWND hWnd, const std::string& strText) {
     }
 }
 
-RECT PlaceOfButton(HWND hDialog, int nId) {
-    RECT place{};
-    GetWindowRect(GetDlgItem(hDialog, nId), &place);
-    MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT*>(&place), 2);
-    return place;
-}
-
-// The buttons that are left take the places at the right.
-void ArrangeButtons(HWND hDialog, const Confirmation& confirmation) {
+// Of three buttons those that are asked for; the others take no keys either.
+void ShowButtons(HWND hDialog, const Confirmation& confirmation) {
     std::vector<int> shown{IDOK};
     if (!confirmation.strNotOk.empty()) {
         shown.push_back(IDNO);
@@ -38,37 +32,29 @@ void ArrangeButtons(HWND hDialog, const Confirmation& confirmation) {
     if (!confirmation.bOneButton) {
         shown.push_back(IDCANCEL);
     }
-    WidenButtons(hDialog, {IDOK, IDNO, IDCANCEL});
-    const std::vector<RECT> places{PlaceOfButton(hDialog, IDOK), PlaceOfButton(hDialog, IDNO),
-                                   PlaceOfButton(hDialog, IDCANCEL)};
     for (const int id : {IDNO, IDCANCEL}) {
-        ShowWindow(GetDlgItem(hDialog, id), SW_HIDE);
-        EnableWindow(GetDlgItem(hDialog, id), FALSE);
+        const bool isShown = std::find(shown.begin(), shown.end(), id) != shown.end();
+        ShowWindow(GetDlgItem(hDialog, id), isShown ? SW_SHOW : SW_HIDE);
+        EnableWindow(GetDlgItem(hDialog, id), isShown);
     }
-    auto place = places.end() - static_cast<std::ptrdiff_t>(shown.size());
-    for (const int id : shown) {
-        const HWND button = GetDlgItem(hDialog, id);
-        SetWindowPos(button, nullptr, place->left, place->top, 0, 0,
-                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-        EnableWindow(button, TRUE);
-        ShowWindow(button, SW_SHOW);
-        ++place;
-    }
+    ArrangeButtons(hDialog, shown);
 }
 
-// One line stands beside the middle of the icon.
-void CentreShortText(HWND hDialog) {
+// A text that is lower than the icon stands beside the icon's middle.
+void FitText(HWND hDialog) {
     const HWND control = GetDlgItem(hDialog, IDC_CONFIRM_TEXT);
     RECT place{};
     GetWindowRect(control, &place);
-    const int height =
-        static_cast<int>(MeasureText(control, TextOf(control), place.right - place.left, false).cy);
+    const int width = place.right - place.left;
+    const int height = static_cast<int>(MeasureText(control, TextOf(control), width, false).cy);
     const int above = (place.bottom - place.top - height) / 2;
-    if (above > 0) {
-        MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT*>(&place), 2);
-        SetWindowPos(control, nullptr, place.left, place.top + above, place.right - place.left,
-                     height, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (above <= 0) {
+        FitToText(hDialog, control);
+        return;
     }
+    MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT*>(&place), 2);
+    SetWindowPos(control, nullptr, place.left, place.top + above, width, height,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void OnInitDialog(HWND hDialog, const Question& question) {
@@ -83,9 +69,8 @@ void OnInitDialog(HWND hDialog, const Question& question) {
     SetTextIfAny(GetDlgItem(hDialog, IDOK), confirmation.strOk);
     SetTextIfAny(GetDlgItem(hDialog, IDNO), confirmation.strNotOk);
     SetTextIfAny(GetDlgItem(hDialog, IDCANCEL), confirmation.strCancel);
-    ArrangeButtons(hDialog, confirmation);
-    GrowToText(hDialog, GetDlgItem(hDialog, IDC_CONFIRM_TEXT));
-    CentreShortText(hDialog);
+    ShowButtons(hDialog, confirmation);
+    FitText(hDialog);
     PlaceOver(hDialog, question.hParent);
     SetWindowPos(hDialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     SetForegroundWindow(hDialog);

@@ -42,13 +42,13 @@ void DressWindow(HWND hDialog, const Window& window) {
     SetTextIfAny(hDialog, window.strTitle);
     SetTextIfAny(GetDlgItem(hDialog, IDOK), window.strOk);
     SetTextIfAny(GetDlgItem(hDialog, IDCANCEL), window.strCancel);
-    WidenButtons(hDialog, {IDOK, IDCANCEL});
+    ArrangeButtons(hDialog, {IDOK, IDCANCEL});
 }
 
 void DressEnterPin(HWND hDialog, const PinQuestion& question) {
     DressWindow(hDialog, question);
     SetLabel(GetWindow(GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT), GW_HWNDPREV), question.strLabel);
-    GrowToText(hDialog, GetDlgItem(hDialog, IDC_ENTER_PIN_PROMPT));
+    FitToText(hDialog, GetDlgItem(hDialog, IDC_ENTER_PIN_PROMPT));
     PlaceOver(hDialog, ParentOf(question));
 }
 
@@ -65,7 +65,7 @@ void DressChangePin(HWND hDialog, const PinQuestion& question) {
         SetTextIfAny(instruction, question.strText);
         SetLabel(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_NEW_LABEL), question.strLabel);
         SetLabel(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL), question.strRepeatLabel);
-        GrowToText(hDialog, instruction);
+        FitToText(hDialog, instruction);
     }
     PlaceOver(hDialog, parent);
 }

@@ -2,14 +2,20 @@
 
 #include <algorithm>
 #include <climits>
-#include <vector>
+#include <numeric>
 
 #include "platform/handle.h"
 
 namespace pinentry {
 namespace {
 
-constexpr int kUnrelatedGap = 7;  // between controls, in dialog units
+// Pixels between related controls (left, top), and between unrelated ones or to the edge (right,
+// bottom).
+RECT Gaps(HWND hDialog) {
+    RECT gaps{4, 4, 7, 7};
+    MapDialogRect(hDialog, &gaps);
+    return gaps;
+}
 
 RECT PlaceIn(HWND hParent, HWND hWnd) {
     RECT place{};
@@ -89,19 +95,17 @@ SIZE MeasureText(HWND hControl, const std::wstring& strText, int nWidth, bool bA
     return {place.right, place.bottom};
 }
 
-void GrowToText(HWND hDialog, HWND hControl) {
+void FitToText(HWND hDialog, HWND hControl) {
     const HWND parent = GetParent(hControl);
     const RECT control = PlaceIn(parent, hControl);
     const int needed =
         MeasureText(hControl, TextOf(hControl), Width(control), false).cy - Height(control);
-    RECT gap{0, 0, 0, kUnrelatedGap};
-    MapDialogRect(hDialog, &gap);
-    const int spare =
-        std::max<int>(TopBelow(parent, control.bottom) - control.bottom - gap.bottom, 0);
+    const int below = TopBelow(parent, control.bottom) - control.bottom;
+    const int spare = std::max<int>(below - Gaps(hDialog).bottom, 0);
     RECT dialog{};
     GetWindowRect(hDialog, &dialog);
     const int room = Height(WorkAreaAt(hDialog)) - Height(dialog) + spare;
-    const int growth = std::clamp<int>(needed, 0, std::max(room, 0));
+    const int growth = std::min<int>(needed, std::max(room, 0));
     MoveDownWhatIsBelow(parent, control.bottom, growth - spare);
     Heighten(hControl, growth);
     for (HWND window = parent; window != hDialog; window = GetParent(window)) {
@@ -112,29 +116,30 @@ void GrowToText(HWND hDialog, HWND hControl) {
     Heighten(hDialog, growth - spare);
 }
 
-void WidenButtons(HWND hDialog, std::initializer_list<int> ids) {
+void ArrangeButtons(HWND hDialog, const std::vector<int>& ids) {
     constexpr int kPadding = 20;
-    std::vector<HWND> buttons;
-    int width = 0;
-    for (const int id : ids) {
-        const HWND button = GetDlgItem(hDialog, id);
-        buttons.push_back(button);
-        width = std::max<int>({width, Width(PlaceIn(hDialog, button)),
-                               MeasureText(button, TextOf(button), 0, true).cx + kPadding});
-    }
-    const RECT first = PlaceIn(hDialog, buttons.front());
-    const RECT last = PlaceIn(hDialog, buttons.back());
-    const auto count = static_cast<int>(buttons.size());
-    const int gap = count > 1 ? PlaceIn(hDialog, buttons[1]).left - first.right : 0;
+    const RECT gaps = Gaps(hDialog);
     RECT client{};
     GetClientRect(hDialog, &client);
-    const int margin = client.right - last.right;
-    width = std::min<int>(width, (last.right - margin - gap * (count - 1)) / count);
-    int right = last.right;
-    for (auto it = buttons.rbegin(); it != buttons.rend(); ++it) {
-        SetWindowPos(*it, nullptr, right - width, last.top, width, Height(last),
+    std::vector<int> widths;
+    for (const int id : ids) {
+        const HWND button = GetDlgItem(hDialog, id);
+        widths.push_back(std::max<int>(Width(PlaceIn(hDialog, button)),
+                                       MeasureText(button, TextOf(button), 0, true).cx + kPadding));
+    }
+    const int count = static_cast<int>(ids.size());
+    const int room = client.right - 2 * gaps.right - gaps.left * (count - 1);
+    const int widest = *std::max_element(widths.begin(), widths.end());
+    const int sum = std::accumulate(widths.begin(), widths.end(), 0);
+    int right = client.right - gaps.right;
+    for (std::size_t i = ids.size(); i-- > 0;) {
+        const HWND button = GetDlgItem(hDialog, ids[i]);
+        const RECT place = PlaceIn(hDialog, button);
+        const int own = sum <= room ? widths[i] : room / count;
+        const int width = widest * count <= room ? widest : own;
+        SetWindowPos(button, nullptr, right - width, place.top, width, Height(place),
                      SWP_NOZORDER | SWP_NOACTIVATE);
-        right -= width + gap;
+        right -= width + gaps.left;
     }
 }
 

@@ -4,8 +4,8 @@
 
 #include <windows.h>
 
-#include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace pinentry {
 
@@ -13,13 +13,13 @@ namespace pinentry {
 SIZE MeasureText(HWND hControl, const std::wstring& strText, int nWidth, bool bAccessKeys);
 
 // Makes a control of `hDialog`, or of a panel within it, as tall as its text needs: what stands
-// below moves down and the dialog grows, as far as the screen has room. What is hidden there gives
-// its room up.
-void GrowToText(HWND hDialog, HWND hControl);
+// below moves, and the dialog grows, as far as the screen has room, or shrinks. What is hidden
+// below gives its room up.
+void FitToText(HWND hDialog, HWND hControl);
 
-// Gives the buttons, which stand in a row from left to right, the width that the longest needs; the
-// last one keeps its right edge. No more than the row has room for.
-void WidenButtons(HWND hDialog, std::initializer_list<int> ids);
+// Puts the buttons into a row that ends at the dialog's right margin, as wide as the widest of them
+// needs; where the row has no room for that, each as wide as it needs itself.
+void ArrangeButtons(HWND hDialog, const std::vector<int>& ids);
 
 // Over the middle of the owner, or of the work area; whole in the work area.
 void PlaceOver(HWND hDialog, HWND hOwner);
