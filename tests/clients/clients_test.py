@@ -1,6 +1,8 @@
 """Programs as the system has them ask through pinentry: a key manager, the remote shell's tools, git.
 
 Usage: clients_test.py SCRIPTS_FOLDER [EMULATOR] TYPIST.exe
+
+MVP_CLIENT_PICTURES names a folder for pictures of the prompts.
 """
 
 import contextlib
@@ -63,7 +65,7 @@ class ClientTest(unittest.TestCase):
         self.assertIn(words, "\n".join([dialog["title"], *dialog["texts"]]))
         self.typist.type(*texts)
         if picture and PICTURES:
-            self.typist.picture(f"{PICTURES}/{picture}.png")
+            self.typist.picture(f"{PICTURES}/pinentry-{picture}.png")
         self.typist.press(key)
         self.typist.gone()
 
