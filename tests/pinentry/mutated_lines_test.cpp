@@ -77,7 +77,7 @@ private:
 TEST(MutatedLinesTest, EachRequestIsAnsweredOnce) {
     const char* count = std::getenv("MVP_MUTATED_LINES");
     Mutator mutator;
-    for (int left = count != nullptr ? std::atoi(count) : 300'000; left > 0;) {
+    for (long left = count != nullptr ? std::strtol(count, nullptr, 10) : 300'000; left > 0;) {
         std::string bytes;
         for (std::size_t lines = 1 + mutator.Below(12); lines > 0; --lines, --left) {
             bytes += mutator.Line();

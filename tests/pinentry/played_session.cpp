@@ -159,7 +159,7 @@ private:
         m_acts.pop_front();
         m_strEvents += act + "\n";
         const std::string word = act.substr(3);
-        if (word.rfind("types ", 0) == 0 && kAnswers.count(word) == 0) {
+        if (word.rfind("types ", 0) == 0 && !kAnswers.contains(word)) {
             std::string text;
             WesternCodePage().FromUtf8(word.substr(6), text);
             pin.assign(text.begin(), text.end());

@@ -22,6 +22,25 @@ CHOSEN = ("getpin_texts", "getpin_canceled", "getpin_error_comes_first", "getpin
           "label_access_keys", "text_outside_the_code_page", "option_language")
 
 
+def memory_holds(pid, *texts):
+    """Of the texts those that stand in the memory of the process, in bytes or in wide characters."""
+    needles = {text: (text.encode(), text.encode("utf-16-le")) for text in texts}
+    found = set()
+    with open(f"/proc/{pid}/mem", "rb", buffering=0) as memory:
+        for line in pathlib.Path(f"/proc/{pid}/maps").read_text().splitlines():
+            bounds, rights = line.split()[:2]
+            begin, end = (int(number, 16) for number in bounds.split("-"))
+            if not rights.startswith("rw"):
+                continue
+            try:
+                memory.seek(begin)
+                content = memory.read(end - begin)
+            except OSError:
+                continue  # reserved only
+            found |= {text for text, forms in needles.items() if any(form in content for form in forms)}
+    return found
+
+
 class SessionTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -159,6 +178,32 @@ class SessionTest(unittest.TestCase):
             self.assertIn(b"\nERR 83886166 No pinentry\n", said)
             self.assertIn(b"cannot be", error)
             self.assertEqual(program.returncode, 0)
+
+    def test_no_pin_in_the_memory(self):
+        program = self.start()
+        self.expect(program, "OK Pleased to meet you")
+        self.request(program, "SETTITLE Gegenprobe", "OPTION constraints-enforce")
+        for request in (None, "SETREPEAT"):
+            if request:
+                self.request(program, request)
+            self.send(program, "GETPIN")
+            self.typist.wait()
+            self.typist.type(*[CANARY] * (2 if request else 1))
+            self.typist.press("enter")
+            self.typist.gone()
+            if request:
+                self.expect(program, f"INQUIRE CHECKPIN {CANARY}")
+                self.send(program, "END")
+                self.expect(program, "S PIN_REPEATED")
+            self.expect(program, f"D {CANARY}")
+            self.expect(program, "OK")
+            self.assertEqual(memory_holds(program.pid, CANARY, "Gegenprobe"), {"Gegenprobe"})
+        self.send(program, "GETPIN")
+        self.typist.wait()
+        self.typist.type(CANARY)
+        self.typist.press("escape")
+        self.expect(program, "ERR 83886179 Operation cancelled")
+        self.assertEqual(memory_holds(program.pid, CANARY, "Gegenprobe"), {"Gegenprobe"})
 
     def test_no_pin_in_the_log(self):
         with tempfile.TemporaryDirectory() as folder:

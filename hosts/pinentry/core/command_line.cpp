@@ -74,7 +74,8 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
         }
         const std::string value = hasValue ? argument.substr(nameEnd + 1) : arguments[++i];
         if (!TakeValue(name, value, line)) {
-            strFault = "not a value of --" + name + ": " + value;
+            strFault = "not a value of --";
+            strFault.append(name).append(": ").append(value);
             return std::nullopt;
         }
     }

@@ -185,14 +185,12 @@ bool MakePinQuestion(const RequestSettings& settings, const ConnectionOptions& o
             question.strText = Paragraphs({question.strText, Shown(options.strConstraintsHint)});
         }
     }
-    for (std::string* text : {&question.strTitle, &question.strText, &question.strOk,
-                              &question.strCancel, &question.strLabel, &question.strRepeatLabel}) {
-        const std::string utf8 = *text;
-        if (!codePage.FromUtf8(utf8, *text)) {
-            return false;
-        }
-    }
-    return true;
+    const std::array texts{&question.strTitle,  &question.strText,  &question.strOk,
+                           &question.strCancel, &question.strLabel, &question.strRepeatLabel};
+    return std::all_of(texts.begin(), texts.end(), [&](std::string* pText) {
+        const std::string utf8 = *pText;
+        return codePage.FromUtf8(utf8, *pText);
+    });
 }
 
 Confirmation MakeConfirmation(const RequestSettings& settings, const ConnectionOptions& options,

@@ -59,7 +59,7 @@ void FitText(HWND hDialog) {
 
 void OnInitDialog(HWND hDialog, const Question& question) {
     const Confirmation& confirmation = question.confirmation;
-    const auto icon = LoadImageA(
+    auto* const icon = LoadImageA(
         nullptr, confirmation.bOneButton ? MAKEINTRESOURCEA(32516) : MAKEINTRESOURCEA(32514),
         IMAGE_ICON, 0, 0, LR_SHARED | LR_DEFAULTSIZE);
     SendDlgItemMessageW(hDialog, IDC_CONFIRM_ICON, STM_SETIMAGE, IMAGE_ICON,

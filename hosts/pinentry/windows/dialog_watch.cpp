@@ -67,10 +67,10 @@ Answer DialogWatch::Result(bool bConfirmed) const {
 // The dialog is not ready yet. Its loop takes the posted message before it shows the dialog.
 LRESULT CALLBACK DialogWatch::OnHook(int nCode, WPARAM wParam, LPARAM lParam) {
     DialogWatch* watch = g_pWatch;
-    const auto hWnd = reinterpret_cast<HWND>(wParam);
+    auto* const window = reinterpret_cast<HWND>(wParam);
     if (nCode == HCBT_CREATEWND && watch != nullptr && watch->m_hDialog == nullptr &&
-        IsDialog(hWnd, *reinterpret_cast<const CBT_CREATEWNDA*>(lParam)->lpcs)) {
-        watch->m_hDialog = hWnd;
+        IsDialog(window, *reinterpret_cast<const CBT_CREATEWNDA*>(lParam)->lpcs)) {
+        watch->m_hDialog = window;
         PostMessageA(watch->m_hWnd, kDialogMade, 0, 0);
     }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);

@@ -20,7 +20,7 @@ constexpr std::uint32_t kMaxPin = 2048;
 constexpr std::size_t kNewPinCapacity = 32767 + 1;
 
 HWND ParentOf(const Window& window) {
-    const auto parent = reinterpret_cast<HWND>(static_cast<UINT_PTR>(window.nParent));
+    auto* const parent = reinterpret_cast<HWND>(static_cast<UINT_PTR>(window.nParent));
     return window.nParent != 0 && IsWindow(parent) ? parent : nullptr;
 }
 
