@@ -161,7 +161,7 @@ private:
         const std::string word = act.substr(3);
         if (word.rfind("types ", 0) == 0 && !kAnswers.contains(word)) {
             std::string text;
-            WesternCodePage().FromUtf8(word.substr(6), text);
+            WesternCodePage().FromUtf8(Bytes(word.substr(6)), text);
             pin.assign(text.begin(), text.end());
             return Answer::Confirmed;
         }
