@@ -22,7 +22,7 @@ public:
             std::ifstream file(entry.path());
             for (std::string line; std::getline(file, line);) {
                 if (line.rfind("C: ", 0) == 0) {
-                    lines.insert(line.substr(3));
+                    lines.insert(line.substr(3, line.find(" | ") - 3));
                 }
             }
         }

@@ -194,9 +194,14 @@ std::string WithoutComments(const std::string& strTranscript) {
     std::string text;
     std::istringstream lines(strTranscript);
     for (std::string line; std::getline(lines, line);) {
-        if (!line.empty() && line[0] != '#') {
-            text += Repeated(line) + "\n";
+        if (line.empty() || line[0] == '#') {
+            continue;
         }
+        line = Repeated(line);
+        for (std::size_t at = 0; (at = line.find(" | ", at)) != std::string::npos;) {
+            line.replace(at, 3, "\n");
+        }
+        text += line + "\n";
     }
     return text;
 }
@@ -229,7 +234,11 @@ std::string Play(const std::string& strTranscript) {
         return events + "X: " + std::to_string(code) + "\n";
     }
     Session(channel, user, codePage, {4711, "1.0.0"}, line->options, line->nTimeout).Run();
-    return events;
+    const std::size_t greeting = events.find("S: OK Pleased to meet you\n");
+    if (greeting == std::string::npos) {
+        throw std::runtime_error("the client was not greeted");
+    }
+    return events.erase(greeting, events.find('\n', greeting) + 1 - greeting);
 }
 
 }  // namespace pinentry
