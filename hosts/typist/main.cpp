@@ -4,6 +4,7 @@
 // member "error".
 //
 //     wait           waits for a dialog that can be used, and tells its texts
+//     next           the same, for another dialog than the last one
 //     type TEXT      types into the edit with the focus (UTF-8)
 //     key NAME       presses enter, escape, tab, space, close (Alt+F4) or alt+LETTER
 //     picture FILE   takes a picture of the dialog
@@ -92,16 +93,22 @@ bool IsReady(HWND hDialog) {
            info.hwndFocus != nullptr && IsChild(hDialog, info.hwndFocus);
 }
 
-Json Wait() {
-    const bool found = mvp::WaitFor(kDeadline, [] {
+// hExcept: a dialog that is not meant; may be null.
+Json WaitForDialog(HWND hExcept) {
+    const bool found = mvp::WaitFor(kDeadline, [=] {
         g_hDialog = nullptr;
         EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&g_hDialog));
-        return g_hDialog != nullptr && IsReady(g_hDialog);
+        return g_hDialog != nullptr && g_hDialog != hExcept && IsReady(g_hDialog);
     });
     if (!found) {
         throw std::runtime_error("no dialog was opened");
     }
-    Json dialog{{"title", TextOf(g_hDialog)}, {"texts", Json::array()}, {"buttons", Json::array()}};
+    const auto number = [](HWND hWnd) { return reinterpret_cast<UINT_PTR>(hWnd); };
+    Json dialog{{"window", number(g_hDialog)},
+                {"owner", number(GetWindow(g_hDialog, GW_OWNER))},
+                {"title", TextOf(g_hDialog)},
+                {"texts", Json::array()},
+                {"buttons", Json::array()}};
     EnumChildWindows(g_hDialog, TellControl, reinterpret_cast<LPARAM>(&dialog));
     return dialog;
 }
@@ -136,8 +143,8 @@ Json Obey(const std::string& strOrder) {
     const std::size_t end = std::min(strOrder.find(' '), strOrder.size());
     const std::string word = strOrder.substr(0, end);
     const std::string rest = end < strOrder.size() ? strOrder.substr(end + 1) : "";
-    if (word == "wait") {
-        return Wait();
+    if (word == "wait" || word == "next") {
+        return WaitForDialog(word == "next" ? g_hDialog : nullptr);
     }
     if (word == "type") {
         mvp::SendText(Converted(rest, CP_UTF8, CP_ACP));

@@ -148,6 +148,25 @@ class SessionTest(unittest.TestCase):
             if pin == "one":
                 self.expect(program, "OK")
 
+    def test_window_of_the_client(self):
+        client = self.start()
+        self.send(client, "CONFIRM")
+        window = self.typist.wait()["window"]
+        program = self.start()
+        self.request(program, f"OPTION parent-wid={window}")
+        for request in ("CONFIRM", "GETPIN", "SETREPEAT"):
+            with self.subTest(request):
+                if request == "SETREPEAT":
+                    self.request(program, request)
+                self.send(program, "GETPIN" if request == "SETREPEAT" else request)
+                self.assertEqual(self.typist.next()["owner"], window)
+                self.typist.press("escape")
+                self.expect(program, "ERR 83886179 Operation cancelled")
+                # It takes keys again.
+                self.assertEqual(self.typist.next()["window"], window)
+        self.typist.press("escape")
+        self.expect(client, "ERR 83886179 Operation cancelled")
+
     def test_flood_ends_the_session(self):
         program = self.start()
         self.send(program, "GETPIN" + "\nNOP" * 400)

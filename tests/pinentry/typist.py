@@ -26,6 +26,10 @@ class Typist:
         """Waits for a dialog; returns its title, texts and buttons."""
         return self.order("wait")
 
+    def next(self):
+        """The same, for another dialog than the last one."""
+        return self.order("next")
+
     def type(self, *texts):
         """Each into an edit of its own, from the one with the focus on."""
         for number, text in enumerate(texts):

@@ -23,6 +23,13 @@ void SetTextIfAny(HWND hWnd, const std::string& strText) {
     }
 }
 
+void Widen(HWND hWnd, int nBy) {
+    RECT place{};
+    GetWindowRect(hWnd, &place);
+    SetWindowPos(hWnd, nullptr, 0, 0, place.right - place.left + nBy, place.bottom - place.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 // Of three buttons those that are asked for; the others take no keys either.
 void ShowButtons(HWND hDialog, const Confirmation& confirmation) {
     std::vector<int> shown{IDOK};
@@ -37,7 +44,12 @@ void ShowButtons(HWND hDialog, const Confirmation& confirmation) {
         ShowWindow(GetDlgItem(hDialog, id), isShown ? SW_SHOW : SW_HIDE);
         EnableWindow(GetDlgItem(hDialog, id), isShown);
     }
-    ArrangeButtons(hDialog, shown);
+    const int lacking = ArrangeButtons(hDialog, shown);
+    if (lacking > 0) {
+        Widen(hDialog, lacking);
+        Widen(GetDlgItem(hDialog, IDC_CONFIRM_TEXT), lacking);
+        ArrangeButtons(hDialog, shown);
+    }
 }
 
 // A text that is lower than the icon stands beside the icon's middle.

@@ -116,16 +116,17 @@ void FitToText(HWND hDialog, HWND hControl) {
     Heighten(hDialog, growth - spare);
 }
 
-void ArrangeButtons(HWND hDialog, const std::vector<int>& ids) {
-    constexpr int kPadding = 20;
+int ArrangeButtons(HWND hDialog, const std::vector<int>& ids) {
     const RECT gaps = Gaps(hDialog);
+    RECT least{0, 0, 58, 14};
+    MapDialogRect(hDialog, &least);
     RECT client{};
     GetClientRect(hDialog, &client);
     std::vector<int> widths;
     for (const int id : ids) {
         const HWND button = GetDlgItem(hDialog, id);
-        widths.push_back(std::max<int>(Width(PlaceIn(hDialog, button)),
-                                       MeasureText(button, TextOf(button), 0, true).cx + kPadding));
+        const int needed = MeasureText(button, TextOf(button), 0, true).cx + 2 * gaps.right;
+        widths.push_back(std::max<int>(least.right, needed));
     }
     const int count = static_cast<int>(ids.size());
     const int room = client.right - 2 * gaps.right - gaps.left * (count - 1);
@@ -141,6 +142,7 @@ void ArrangeButtons(HWND hDialog, const std::vector<int>& ids) {
                      SWP_NOZORDER | SWP_NOACTIVATE);
         right -= width + gaps.left;
     }
+    return std::max(sum - room, 0);
 }
 
 void PlaceOver(HWND hDialog, HWND hOwner) {
