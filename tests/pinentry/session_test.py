@@ -62,7 +62,8 @@ class SessionTest(unittest.TestCase):
         program.stdin.flush()
 
     def expect(self, program, line):
-        self.assertEqual(program.stdout.readline().decode(), line + "\n")
+        said = program.stdout.readline().decode()
+        self.assertEqual(said, line + "\n", said or f"it ended with {program.wait(30)}")
 
     def request(self, program, *lines):
         for line in lines:
