@@ -1,18 +1,15 @@
 #include "pinhost/card_side.h"
 
 #include <cstring>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
-#include "pinhost/command.h"
-#include "pinhost/system_crypto.h"
+#include "pinhost/apdu_channel.h"
+#include "pinhost/file_card.h"
 #include "platform/barrier.h"
 
 namespace pinhost {
 namespace {
-
-constexpr std::uint32_t kMaxCounter = 255;  // what the card's file holds
 
 CardSide& SideOf(void* pContext) {
     return *static_cast<CardSide*>(pContext);
@@ -28,6 +25,29 @@ bool CopyOut(std::span<const char> text, char* pszBuffer) {
     return true;
 }
 
+std::int32_t CopyChallenge(ICard& card, char* pszChallenge) {
+    FileCard* file = card.InFile();
+    return file != nullptr && file->UsesChallenge() &&
+                   CopyOut(file->Software().strChallenge, pszChallenge)
+               ? kCardOk
+               : kCardFailed;
+}
+
+// A card that shows none is to the library one without.
+std::int32_t CopyUnlockCode(ICard& card, char* pszCode) {
+    FileCard* file = card.InFile();
+    return CopyOut(file != nullptr ? file->Software().unlockCode : Secret(), pszCode) ? kCardOk
+                                                                                      : kCardFailed;
+}
+
+std::int32_t NeverDisplayCode(ICard& card) {
+    if (FileCard* file = card.InFile()) {
+        file->Software().bUnlockCodeSeen = true;
+        file->Save();
+    }
+    return kCardOk;
+}
+
 }  // namespace
 
 // Whatever goes wrong is kept for the host; the library hears of a failure.
@@ -36,30 +56,33 @@ std::int32_t CardSide::Run(Operation&& operation) noexcept {
     return mvp::Guarded(
         kCardFailed,
         [&] {
+            m_fault = nullptr;
             try {
                 return m_nFailure != kCardOk ? m_nFailure : operation();
-            } catch (const std::exception& error) {
-                m_strFault = error.what();
-                return kCardFailed;
+            } catch (const CardGone&) {
+                return Keep(std::current_exception(), kCardAbsent);
+            } catch (const CardError&) {
+                return Keep(std::current_exception(), kCardCommunication);
+            } catch (const std::exception&) {
+                return Keep(std::current_exception(), kCardFailed);
             }
         },
         [] {});
 }
 
+std::int32_t CardSide::Keep(std::exception_ptr fault, std::int32_t nResult) noexcept {
+    m_fault = std::move(fault);
+    return nResult;
+}
+
 template <class Operation>
 std::int32_t CardSide::Change(Operation&& operation) noexcept {
-    m_nLastResult = Run([&] {
-        const std::int32_t result = operation();
-        m_save();
-        return result;
-    });
+    m_nLastResult = Run(std::forward<Operation>(operation));
     return m_nLastResult;
 }
 
-CardSide::CardSide(SoftwareCard& card, std::function<void()> save, std::string strReader,
-                   std::int32_t nFailure)
+CardSide::CardSide(ICard& card, std::string strReader, std::int32_t nFailure)
     : m_card(card),
-      m_save(std::move(save)),
       m_strReader(std::move(strReader)),
       m_nFailure(nFailure),
       m_functions{
@@ -70,10 +93,7 @@ CardSide::CardSide(SoftwareCard& card, std::function<void()> save, std::string s
               return side.Change([&] { return side.Unlock(pszUnlockCode, pszNewPin); });
           },
           [](void* pContext, char* pszChallenge) {
-              const CardSide& side = SideOf(pContext);
-              return side.m_bChallenge && CopyOut(side.m_card.strChallenge, pszChallenge)
-                         ? kCardOk
-                         : kCardFailed;
+              return CopyChallenge(SideOf(pContext).m_card, pszChallenge);
           },
           [](void* pContext, const char* pszNewPin, const PINPolicies* pPolicies) {
               CardSide& side = SideOf(pContext);
@@ -81,52 +101,49 @@ CardSide::CardSide(SoftwareCard& card, std::function<void()> save, std::string s
           },
           [](void* pContext, char* pszCode) {
               CardSide& side = SideOf(pContext);
-              return side.Run(
-                  [&] { return CopyOut(side.m_card.unlockCode, pszCode) ? kCardOk : kCardFailed; });
+              return side.Run([&] { return CopyUnlockCode(side.m_card, pszCode); });
           },
           [](void* pContext) {
               CardSide& side = SideOf(pContext);
-              side.Change([&] {
-                  side.m_card.bUnlockCodeSeen = true;
-                  return kCardOk;
-              });
+              side.Change([&] { return NeverDisplayCode(side.m_card); });
           },
       } {}
 
 void CardSide::Finish() const {
-    if (!m_strFault.empty()) {
-        throw EnvironmentError(m_strFault);
+    if (m_fault) {
+        std::rethrow_exception(m_fault);
     }
 }
 
 std::int32_t CardSide::Unlock(const char* pszUnlockCode, const char* pszNewPin) {
-    const std::string_view code = pszUnlockCode;
-    const Verdict verdict =
-        m_bChallenge ? m_card.VerifyResponse(code, HmacSha256) : m_card.VerifyUnlockCode(code);
-    if (verdict != Verdict::Accepted) {
-        return verdict == Verdict::Blocked ? kCardUnlockCodeBlocked : kCardWrongUnlockCode;
+    switch (m_card.Unlock(std::string_view(pszUnlockCode), std::string_view(pszNewPin))) {
+        case Verdict::Accepted:
+            return kCardOk;
+        case Verdict::Wrong:
+            return kCardWrongUnlockCode;
+        case Verdict::Blocked:
+            return kCardUnlockCodeBlocked;
+        case Verdict::Refused:
+            break;
     }
-    return m_card.Unlock(std::string_view(pszNewPin)) ? kCardOk : kCardPinRefused;
+    return kCardPinRefused;
 }
 
 std::int32_t CardSide::Initialize(const char* pszNewPin, const PINPolicies& policies) {
-    const auto isCounter = [](std::uint32_t dwValue) {
-        return dwValue >= 1 && dwValue <= kMaxCounter;
-    };
-    if (policies.MinimumPINLength > policies.MaximumPINLength || !isCounter(policies.MaxPINTries) ||
-        !isCounter(policies.MaxPINUnlock)) {
-        return kCardFailed;
+    const FirstPinRules rules{policies.MinimumPINLength,    policies.MaximumPINLength,
+                              policies.MaxPINTries,         policies.MaxPINUnlock,
+                              policies.WeakPINAllowed != 1, policies.ForceChangePIN == 1};
+    switch (m_card.Initialize(std::string_view(pszNewPin), rules)) {
+        case Verdict::Accepted:
+            return kCardOk;
+        case Verdict::Wrong:
+            return kCardWrongPin;
+        case Verdict::Blocked:
+            return kCardPinBlocked;
+        case Verdict::Refused:
+            break;
     }
-    if (!m_card.SetPin(std::string_view(pszNewPin))) {
-        return kCardPinRefused;
-    }
-    m_card.nTriesLeft = m_card.nMaxTries = policies.MaxPINTries;
-    m_card.nUnlocksLeft = m_card.nMaxUnlocks = policies.MaxPINUnlock;
-    m_card.policy.dwMinPinLength = policies.MinimumPINLength;
-    m_card.policy.dwMaxPinLength = policies.MaximumPINLength;
-    m_card.policy.bPreventWeakPin = policies.WeakPINAllowed != 1;
-    m_card.policy.bForceChangePin = policies.ForceChangePIN == 1;
-    return kCardOk;
+    return kCardPinRefused;
 }
 
 }  // namespace pinhost

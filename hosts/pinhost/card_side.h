@@ -1,45 +1,46 @@
-// The software card behind the flows of the card dialogs: what the library's callbacks do to it.
+// The card behind the flows of the card dialogs: what the library's callbacks do to it.
 //
-//     CardSide side(card, options);
+//     CardSide side(card, strReader, kCardOk);
 //     const bool confirmed = flows.UnlockCard(&side.Functions(), &rules) == MVPINGUI_OK;
 //     side.Finish();
 #pragma once
 
 #include <cstdint>
-#include <functional>
+#include <exception>
 #include <string>
 
+#include "pinhost/card.h"
 #include "pinhost/flows/flows.h"
-#include "pinhost/software_card.h"
 
 namespace pinhost {
 
 // Codes of the library's error texts.
 constexpr std::int32_t kCardOk = 0;
 constexpr std::int32_t kCardFailed = 1;
+constexpr std::int32_t kCardAbsent = 2;
+constexpr std::int32_t kCardWrongPin = 4;
 constexpr std::int32_t kCardWrongUnlockCode = 5;
+constexpr std::int32_t kCardPinBlocked = 6;
 constexpr std::int32_t kCardUnlockCodeBlocked = 7;
 constexpr std::int32_t kCardPinRefused = 8;
+constexpr std::int32_t kCardCommunication = 14;
 
 class CardSide {
 public:
-    // What the card does is written by `save` at once. With `nFailure` it does nothing but return
-    // that code. `strReader` is ANSI.
-    CardSide(SoftwareCard& card, std::function<void()> save, std::string strReader,
-             std::int32_t nFailure);
+    // With `nFailure` the card does nothing but return that code. `strReader` is ANSI.
+    CardSide(ICard& card, std::string strReader, std::int32_t nFailure);
     CardSide(const CardSide&) = delete;
     CardSide& operator=(const CardSide&) = delete;
     ~CardSide() = default;
 
     const PinHostCard& Functions() const { return m_functions; }
 
-    // Whether the unlock code is the response to a challenge; a fixed one at first.
-    void UseChallenge(bool bChallenge) { m_bChallenge = bChallenge; }
+    ICard& Card() const { return m_card; }
 
-    // Throws EnvironmentError when the card could not be asked, or not be written.
+    // Throws what kept the card from being asked, or from being written, the last time.
     void Finish() const;
 
-    // What the card answered last when it was to be changed; kCardOk before that.
+    // What the library was told last when the card was to be changed; kCardOk before that.
     std::int32_t LastResult() const { return m_nLastResult; }
 
 private:
@@ -50,13 +51,13 @@ private:
     std::int32_t Unlock(const char* pszUnlockCode, const char* pszNewPin);
     std::int32_t Initialize(const char* pszNewPin, const PINPolicies& policies);
 
-    SoftwareCard& m_card;
-    std::function<void()> m_save;
+    std::int32_t Keep(std::exception_ptr fault, std::int32_t nResult) noexcept;
+
+    ICard& m_card;
     std::string m_strReader;
     std::int32_t m_nFailure;
-    bool m_bChallenge = false;
     std::int32_t m_nLastResult = kCardOk;
-    std::string m_strFault;
+    std::exception_ptr m_fault;
     PinHostCard m_functions;
 };
 

@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-#include "pinhost/secret.h"
+#include "pinhost/card.h"
 
 namespace pinhost {
 
@@ -23,20 +23,6 @@ constexpr std::size_t kChallengeDigits = kChallengeBytes * 2;
 // card needs no cryptography of its own.
 using KeyedFunction = std::array<unsigned char, 32> (*)(std::span<const char> key,
                                                         std::span<const char> message);
-
-// The card's rules for a new PIN.
-struct CardPolicy {
-    bool bPreventAlphaPin = false;  // digits only
-    bool bPreventWeakPin = false;
-    bool bPreventSamePin = false;
-    std::uint32_t dwMinPinLength = 4;  // in bytes, inclusive
-    std::uint32_t dwMaxPinLength = 8;
-    bool bForceChangePin = false;  // of the first PIN, which somebody else may have chosen
-
-    friend bool operator==(const CardPolicy&, const CardPolicy&) = default;
-};
-
-enum class Verdict { Accepted, Wrong, Blocked };
 
 struct SoftwareCard {
     // A new card: PIN 1234, unlock code 0123456789ABCDEF.

@@ -28,13 +28,14 @@ Asked CardDialog::Run(const HostOptions& host, CardSide& side, const DialogFlow&
     plan.strNextScreenshot = AbsolutePath(plan.strNextScreenshot);
     const PinLibrary library(host);
     const FlowLibrary flows;
-    Asked asked = AskUser(options, plan, [&] { return flow(flows, side.Functions()); });
+    Asked asked =
+        AskUser(options, plan, side.Card(), [&] { return flow(flows, side.Functions()); });
     side.Finish();
     return asked;
 }
 
-CardSide CardDialog::SideOf(SoftwareCard& card) const {
-    return {card, [this, &card] { options.Save(card); }, options.strReader, nCardFails};
+CardSide CardDialog::SideOf(ICard& card) const {
+    return {card, options.strReader, nCardFails};
 }
 
 Secret WithoutDashes(std::span<const char> code) {

@@ -1,5 +1,5 @@
-// What the commands of the card dialogs share: options, and a flow run with the software card
-// behind it.
+// What the commands of the card dialogs share: options, and a flow run with the card behind
+// it.
 #pragma once
 
 #include <cstdint>
@@ -28,8 +28,8 @@ struct CardDialog {
     // Runs `flow` on the card for whoever holds the plan.
     Asked Run(const HostOptions& host, CardSide& side, const DialogFlow& flow);
 
-    // The card's side of a flow; the card is saved where the options say.
-    CardSide SideOf(SoftwareCard& card) const;
+    // The card's side of a flow.
+    CardSide SideOf(ICard& card) const;
 };
 
 // A code as it is typed or read out, without its dashes and spaces.

@@ -15,7 +15,7 @@ public:
     }
 
     Outcome Run(const HostOptions& options) override {
-        return RunOnCard(m_dialog.options, [&](SoftwareCard& card, Outcome& outcome) {
+        return RunOnCard(m_dialog.options, [&](ICard& card, Outcome& outcome) {
             CardSide side = m_dialog.SideOf(card);
             const auto flow = [](const FlowLibrary& flows, const PinHostCard& functions) {
                 return flows.CardManagerLocked(&functions) == MVPINGUI_OK;

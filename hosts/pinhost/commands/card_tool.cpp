@@ -19,7 +19,7 @@ public:
     }
 
     Outcome Run(const HostOptions& options) override {
-        return RunOnCard(m_dialog.options, [&](SoftwareCard& card, Outcome& outcome) {
+        return RunOnCard(m_dialog.options, [&](ICard& card, Outcome& outcome) {
             CardSide side = m_dialog.SideOf(card);
             const bool unlocking = m_strMode == "unlock";
             const auto flow = [=](const FlowLibrary& flows, const PinHostCard& functions) {

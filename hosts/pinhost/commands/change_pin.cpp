@@ -1,4 +1,4 @@
-// change-pin: asks the user for a new PIN and the current one, and changes the software card's.
+// change-pin: asks the user for a new PIN and the current one, and changes the card's.
 #include <cstdint>
 #include <optional>
 
@@ -58,8 +58,8 @@ private:
     void AddTypingTo(CLI::App& command);
     void MakePlan();
     PwdRuleArgs Rules(const CardPolicy& policy) const;
-    void AskAndChange(const PinLibrary& library, SoftwareCard& card, Outcome& outcome);
-    void Change(const ChangeRequest& request, SoftwareCard& card, Outcome& outcome) const;
+    void AskAndChange(const PinLibrary& library, ICard& card, Outcome& outcome);
+    void Change(const ChangeRequest& request, ICard& card, Outcome& outcome) const;
 
     CardOptions m_options;
     bool m_bNotWeak = false;
@@ -136,14 +136,13 @@ PwdRuleArgs ChangePinCommand::Rules(const CardPolicy& policy) const {
     return rules;
 }
 
-void ChangePinCommand::AskAndChange(const PinLibrary& library, SoftwareCard& card,
-                                    Outcome& outcome) {
-    const PwdRuleArgs rules = Rules(card.policy);
+void ChangePinCommand::AskAndChange(const PinLibrary& library, ICard& card, Outcome& outcome) {
+    const PwdRuleArgs rules = Rules(card.Policy());
     ChangeRequest request;
     // Without the current PIN no try is at stake.
-    const bool lastTry = card.IsLastTry() && !m_bNoCurrent;
+    const bool lastTry = outcome.json["lastTry"] && !m_bNoCurrent;
     const auto ask = m_bEmbedded ? &ChangeRequest::AskEmbedded : &ChangeRequest::Ask;
-    const Asked asked = AskUser(m_options, m_plan, [&] {
+    const Asked asked = AskUser(m_options, m_plan, card, [&] {
         return (request.*ask)(library, rules, lastTry, m_options.strReader, !m_bNoCurrent);
     });
     if (asked.bConfirmed) {
@@ -154,22 +153,22 @@ void ChangePinCommand::AskAndChange(const PinLibrary& library, SoftwareCard& car
     TellRemark(outcome, asked.strRemark);
 }
 
-void ChangePinCommand::Change(const ChangeRequest& request, SoftwareCard& card,
-                              Outcome& outcome) const {
-    const Verdict verdict = m_bNoCurrent ? Verdict::Accepted : card.Verify(request.OldPin());
-    if (verdict != Verdict::Accepted) {
-        TellRefusal(outcome, verdict, card);
-    } else if (card.SetPin(request.NewPin())) {
+void ChangePinCommand::Change(const ChangeRequest& request, ICard& card, Outcome& outcome) const {
+    const Verdict verdict = m_bNoCurrent ? card.InFile()->SetPin(request.NewPin())
+                                         : card.Change(request.OldPin(), request.NewPin());
+    if (verdict == Verdict::Accepted) {
         Tell(outcome, ExitCode::Accepted, "changed", "PIN changed.");
-    } else {
+    } else if (verdict == Verdict::Refused) {
         Tell(outcome, ExitCode::NotAccepted, "refused", "The card cannot store this PIN.");
+    } else {
+        TellRefusal(outcome, verdict, card);
     }
-    m_options.Save(card);
 }
 
 Outcome ChangePinCommand::Run(const HostOptions& options) {
+    m_options.RefuseOnPiv(m_bNoCurrent, "way to be opened but its PIN (--no-current)");
     MakePlan();
-    return RunOnUsableCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
+    return RunOnUsableCard(m_options, [&](ICard& card, Outcome& outcome) {
         AskAndChange(PinLibrary(options), card, outcome);
     });
 }

@@ -1,4 +1,4 @@
-// get-pin: asks the user for the card's PIN and lets the software card verify it.
+// get-pin: asks the user for the card's PIN and lets the card verify it.
 #include <cstdint>
 #include <optional>
 
@@ -38,7 +38,7 @@ public:
     Outcome Run(const HostOptions& options) override;
 
 private:
-    void AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome);
+    void AskAndVerify(const PinLibrary& library, ICard& card, Outcome& outcome);
 
     CardOptions m_options;
     std::string m_strPrompt;
@@ -61,23 +61,23 @@ CLI::App* GetPinCommand::AddTo(CLI::App& app) {
     return command;
 }
 
-void GetPinCommand::AskAndVerify(const PinLibrary& library, SoftwareCard& card, Outcome& outcome) {
+void GetPinCommand::AskAndVerify(const PinLibrary& library, ICard& card, Outcome& outcome) {
     std::optional<OwnerWindow> owner;
     if (m_bParent) {
         owner.emplace();
     }
     PinRequest request(library);
-    const Asked asked = AskUser(m_options, m_plan, [&] {
-        return request.Ask(owner ? owner->Handle() : nullptr, m_options.strReader, card.IsLastTry(),
+    const bool lastTry = outcome.json["lastTry"];
+    const Asked asked = AskUser(m_options, m_plan, card, [&] {
+        return request.Ask(owner ? owner->Handle() : nullptr, m_options.strReader, lastTry,
                            *m_options.dwMin, *m_options.dwMax);
     });
     if (asked.bConfirmed) {
         const Verdict verdict = card.Verify(request.Pin());
-        m_options.Save(card);
         if (verdict == Verdict::Accepted) {
             Tell(outcome, ExitCode::Accepted, "accepted",
-                 card.policy.bForceChangePin ? "PIN accepted. It must be changed."
-                                             : "PIN accepted.");
+                 card.Policy().bForceChangePin ? "PIN accepted. It must be changed."
+                                               : "PIN accepted.");
         } else {
             TellRefusal(outcome, verdict, card);
         }
@@ -95,7 +95,7 @@ Outcome GetPinCommand::Run(const HostOptions& options) {
         m_plan.typed = {*m_strTyped};
     }
     m_plan.strScreenshot = AbsolutePath(m_plan.strScreenshot);
-    return RunOnUsableCard(m_options, [&](SoftwareCard& card, Outcome& outcome) {
+    return RunOnUsableCard(m_options, [&](ICard& card, Outcome& outcome) {
         const PinLibrary library(options);
         library.SetPinPromptString(m_strPrompt.c_str());
         AskAndVerify(library, card, outcome);

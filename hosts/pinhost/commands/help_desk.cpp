@@ -23,6 +23,7 @@ public:
     }
 
     Outcome Run(const HostOptions& /*options*/) override {
+        m_options.RefuseOnPiv(true, "challenge");
         Secret challenge = WithoutDashes(m_strChallenge);
         const bool isHex = std::all_of(challenge.begin(), challenge.end(),
                                        [](unsigned char ch) { return std::isxdigit(ch) != 0; });
@@ -31,7 +32,8 @@ public:
         }
         std::transform(challenge.begin(), challenge.end(), challenge.begin(),
                        [](unsigned char ch) { return static_cast<char>(std::toupper(ch)); });
-        const Secret secret = m_options.Load().ResponseTo(challenge, HmacSha256);
+        const Secret secret =
+            m_options.LoadSoftware()->Software().ResponseTo(challenge, HmacSha256);
         const std::string response(secret.begin(), secret.end());
         return {ExitCode::Accepted, response, {{"result", "shown"}, {"response", response}}};
     }

@@ -1,4 +1,4 @@
-// init-pin: lets the user give a software card that has none its first PIN.
+// init-pin: lets the user give a card that has none its first PIN.
 #include <optional>
 
 #include "pinhost/commands/card_dialog.h"
@@ -15,7 +15,8 @@ public:
 
 private:
     void AddPoliciesTo(CLI::App& command);
-    void Initialize(const HostOptions& options, SoftwareCard& card, Outcome& outcome);
+    void FitPoliciesTo(const CardPolicy& policy);
+    void Initialize(const HostOptions& options, ICard& card, Outcome& outcome);
 
     static constexpr std::uint32_t kOpen = MVP_POLICY_FROM_CONFIGURATION;
 
@@ -30,6 +31,7 @@ CLI::App* InitPinCommand::AddTo(CLI::App& app) {
         app.add_subcommand("init-pin", "Let the user give a card without one its first PIN");
     m_dialog.AddTo(*command);
     m_dialog.AddCardFailsTo(*command);
+    m_dialog.options.AddTransportPinTo(*command);
     m_dialog.AddTickTo(*command);
     AddNextScreenshotOption(*command, m_dialog.plan);
     AddPoliciesTo(*command);
@@ -57,7 +59,7 @@ void InitPinCommand::AddPoliciesTo(CLI::App& command) {
     add("--alpha-allowed", m_policies.AlphaPINAllowed, "1: the PIN may hold letters");
 }
 
-void InitPinCommand::Initialize(const HostOptions& options, SoftwareCard& card, Outcome& outcome) {
+void InitPinCommand::Initialize(const HostOptions& options, ICard& card, Outcome& outcome) {
     if (m_strNew || m_strConfirmation) {
         const std::string newPin = m_strNew.value_or("");
         m_dialog.plan.typed = {newPin, m_strConfirmation.value_or(newPin)};
@@ -69,29 +71,55 @@ void InitPinCommand::Initialize(const HostOptions& options, SoftwareCard& card, 
         });
     if (asked.bConfirmed) {
         // The library does not tell the card of it.
-        if (m_policies.AlphaPINAllowed != kOpen) {
-            card.policy.bPreventAlphaPin = m_policies.AlphaPINAllowed != 1;
-            m_dialog.options.Save(card);
+        if (FileCard* file = card.InFile();
+            file != nullptr && m_policies.AlphaPINAllowed != kOpen) {
+            file->Software().policy.bPreventAlphaPin = m_policies.AlphaPINAllowed != 1;
+            file->Save();
         }
         Tell(outcome, ExitCode::Accepted, "initialized", "The card has its PIN.");
+    } else if (side.LastResult() == kCardWrongPin || side.LastResult() == kCardPinBlocked) {
+        Tell(outcome, ExitCode::NotAccepted, "refused",
+             "The card has another PIN than the transport PIN.");
     } else if (side.LastResult() != kCardOk) {
         Tell(outcome, ExitCode::NotAccepted, "refused", "The card refused the PIN.");
     } else {
         TellNotDone(outcome, asked.bCardRemoved, "The card was given no PIN.");
     }
-    outcome.json["unlockCodeSeen"] = card.bUnlockCodeSeen;
+    if (FileCard* file = card.InFile()) {
+        outcome.json["unlockCodeSeen"] = file->Software().bUnlockCodeSeen;
+    }
     TellRemark(outcome, asked.strRemark);
 }
 
+// A PIV card keeps no rules; what it takes is what the dialog asks for.
+void InitPinCommand::FitPoliciesTo(const CardPolicy& policy) {
+    const auto isGiven = [](std::uint32_t dwValue) { return dwValue != kOpen; };
+    m_dialog.options.RefuseOnPiv(isGiven(m_policies.MaxPINTries), "number of tries to set");
+    m_dialog.options.RefuseOnPiv(isGiven(m_policies.MaxPINUnlock), "number of unlocks to set");
+    m_dialog.options.RefuseOnPiv(isGiven(m_policies.ForceChangePIN), "change of its PIN to force");
+    const auto fill = [&](std::uint32_t& dwValue, std::uint32_t dwOwn) {
+        dwValue = isGiven(dwValue) ? dwValue : dwOwn;
+    };
+    fill(m_policies.MinimumPINLength, policy.dwMinPinLength);
+    fill(m_policies.MaximumPINLength, policy.dwMaxPinLength);
+    fill(m_policies.AlphaPINAllowed, policy.bPreventAlphaPin ? 0 : 1);
+}
+
 Outcome InitPinCommand::Run(const HostOptions& options) {
-    return RunOnCard(m_dialog.options, [&](SoftwareCard& card, Outcome& outcome) {
-        if (card.IsInitialized()) {
+    m_dialog.options.NeedTransportPin();
+    return RunOnCard(m_dialog.options, [&](ICard& card, Outcome& outcome) {
+        if (m_dialog.options.IsPiv()) {
+            FitPoliciesTo(card.Policy());
+        }
+        if (card.InFile() != nullptr && card.IsInitialized()) {
             Tell(outcome, ExitCode::NotAccepted, "refused",
                  "The card has a PIN. It must be reset first.");
+        } else if (card.TriesLeft() == 0U) {
+            Tell(outcome, ExitCode::NotAccepted, "blocked", "The card is blocked.");
         } else {
             Initialize(options, card, outcome);
         }
-        outcome.json["unlocksLeft"] = card.nUnlocksLeft;
+        TellUnlocksLeft(outcome, card);
     });
 }
 

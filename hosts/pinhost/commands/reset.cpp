@@ -1,4 +1,4 @@
-// reset: asks the user for the right to reset the software card, and takes its PIN away.
+// reset: asks the user for the right to reset the card, and takes its PIN away.
 #include <optional>
 
 #include "pinhost/commands/card_dialog.h"
@@ -20,9 +20,9 @@ public:
 private:
     bool IsChallenge() const { return m_strRoute == "challenge"; }
     bool IsPinRoute() const { return m_strRoute == "pin"; }
-    void MakePlan(const SoftwareCard& card);
-    void Ask(const HostOptions& options, SoftwareCard& card, Outcome& outcome);
-    void Reset(const PinHostReset& reset, SoftwareCard& card, Outcome& outcome) const;
+    void MakePlan(ICard& card);
+    void Ask(const HostOptions& options, ICard& card, Outcome& outcome);
+    void Reset(const PinHostReset& reset, ICard& card, Outcome& outcome) const;
 
     CardDialog m_dialog;
     std::string m_strRoute = "pin";
@@ -41,6 +41,7 @@ CLI::App* ResetCommand::AddTo(CLI::App& app) {
                      "a challenge, which the dialog then shows")
         ->check(OneOf({"pin", "code", "challenge"}))
         ->type_name("pin|code|challenge");
+    m_dialog.options.AddTransportPinTo(*command);
     command->add_flag("--no-pin-route", m_bNoPinRoute, "the card's PIN cannot be used");
     command->add_option("--type", m_strPin, "type this as the PIN")->type_name("PIN");
     command->add_option("--code", m_strCode,
@@ -50,11 +51,12 @@ CLI::App* ResetCommand::AddTo(CLI::App& app) {
     return command;
 }
 
-void ResetCommand::MakePlan(const SoftwareCard& card) {
+void ResetCommand::MakePlan(ICard& card) {
     UserPlan& plan = m_dialog.plan;
     plan.bSecondChoice = !IsPinRoute() && !m_bNoPinRoute;
     if (IsChallenge() && !m_strCode && plan.press == Press::Ok) {
-        const Secret response = card.ResponseTo(card.strChallenge, HmacSha256);
+        const SoftwareCard& software = card.InFile()->Software();
+        const Secret response = software.ResponseTo(software.strChallenge, HmacSha256);
         m_strCode.emplace(response.begin(), response.end());
     }
     const std::optional<std::string>& typed = IsPinRoute() ? m_strPin : m_strCode;
@@ -63,14 +65,13 @@ void ResetCommand::MakePlan(const SoftwareCard& card) {
     }
 }
 
-void ResetCommand::Ask(const HostOptions& options, SoftwareCard& card, Outcome& outcome) {
+void ResetCommand::Ask(const HostOptions& options, ICard& card, Outcome& outcome) {
     if (IsChallenge()) {
-        card.Challenge(RandomChallenge());
-        m_dialog.options.Save(card);
+        card.InFile()->UseChallenge(RandomChallenge(), HmacSha256);
     }
     MakePlan(card);
     Secret proof(kProofCapacity);
-    const std::string challenge = IsChallenge() ? card.strChallenge : "";
+    const std::string challenge = IsChallenge() ? card.InFile()->Software().strChallenge : "";
     PinHostReset reset{challenge.c_str(), m_bNoPinRoute, false, proof.data(),
                        static_cast<std::uint32_t>(proof.size())};
     CardSide side = m_dialog.SideOf(card);
@@ -86,38 +87,41 @@ void ResetCommand::Ask(const HostOptions& options, SoftwareCard& card, Outcome& 
     TellRemark(outcome, asked.strRemark);
 }
 
-void ResetCommand::Reset(const PinHostReset& reset, SoftwareCard& card, Outcome& outcome) const {
+void ResetCommand::Reset(const PinHostReset& reset, ICard& card, Outcome& outcome) const {
     const std::string_view proof = reset.pszProof;
-    const Verdict verdict = reset.bByPin    ? card.Verify(proof)
-                            : IsChallenge() ? card.VerifyResponse(WithoutDashes(proof), HmacSha256)
-                                            : card.VerifyUnlockCode(WithoutDashes(proof));
+    const Verdict verdict =
+        reset.bByPin ? card.Reset(proof, true) : card.Reset(WithoutDashes(proof), false);
     if (verdict == Verdict::Accepted) {
-        card.Reset();
-        Tell(outcome, ExitCode::Accepted, "reset", "Card reset. It has no PIN now.");
+        Tell(outcome, ExitCode::Accepted, "reset",
+             m_dialog.options.IsPiv() ? "Card reset. It has its transport PIN now."
+                                      : "Card reset. It has no PIN now.");
+    } else if (verdict == Verdict::Refused) {
+        Tell(outcome, ExitCode::NotAccepted, "refused", "The card refused its transport PIN.");
     } else if (reset.bByPin) {
         TellRefusal(outcome, verdict, card);
     } else {
         TellCodeRefusal(outcome, verdict, card);
     }
-    m_dialog.options.Save(card);
 }
 
 Outcome ResetCommand::Run(const HostOptions& options) {
     if (IsPinRoute() ? m_bNoPinRoute || m_strCode : m_strPin.has_value()) {
         throw UsageError("--route says what is typed: the PIN (--type), or else a code (--code)");
     }
-    return RunOnCard(m_dialog.options, [&](SoftwareCard& card, Outcome& outcome) {
-        const bool pinUsable = card.IsInitialized() && !card.IsBlocked();
+    m_dialog.options.RefuseOnPiv(IsChallenge(), "challenge");
+    m_dialog.options.NeedTransportPin();
+    return RunOnCard(m_dialog.options, [&](ICard& card, Outcome& outcome) {
+        const bool pinUsable = card.IsInitialized() && card.TriesLeft() != 0U;
         m_bNoPinRoute = m_bNoPinRoute || !pinUsable;
         if (IsPinRoute() && !card.IsInitialized()) {
             TellNoPinYet(outcome);
-        } else if (IsPinRoute() ? !pinUsable : card.nUnlocksLeft == 0) {
+        } else if (IsPinRoute() ? !pinUsable : card.UnlocksLeft() == 0U) {
             Tell(outcome, ExitCode::NotAccepted, "blocked",
                  IsPinRoute() ? "The card is blocked." : "The unlock code is blocked.");
         } else {
             Ask(options, card, outcome);
         }
-        outcome.json["unlocksLeft"] = card.nUnlocksLeft;
+        TellUnlocksLeft(outcome, card);
     });
 }
 

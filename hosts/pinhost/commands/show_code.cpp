@@ -16,14 +16,15 @@ public:
     }
 
     Outcome Run(const HostOptions& options) override {
-        return RunOnCard(m_dialog.options, [&](SoftwareCard& card, Outcome& outcome) {
+        m_dialog.options.RefuseOnPiv(true, "unlock code that it would show");
+        return RunOnCard(m_dialog.options, [&](ICard& card, Outcome& outcome) {
             Show(options, card, outcome);
-            outcome.json["unlockCodeSeen"] = card.bUnlockCodeSeen;
+            outcome.json["unlockCodeSeen"] = card.InFile()->Software().bUnlockCodeSeen;
         });
     }
 
 private:
-    void Show(const HostOptions& options, SoftwareCard& card, Outcome& outcome) {
+    void Show(const HostOptions& options, ICard& card, Outcome& outcome) {
         CardSide side = m_dialog.SideOf(card);
         const auto flow = [](const FlowLibrary& flows, const PinHostCard& functions) {
             return flows.ShowUnlockCode(&functions) == MVPINGUI_OK;
@@ -31,7 +32,7 @@ private:
         const Asked asked = m_dialog.Run(options, side, flow);
         if (m_dialog.nCardFails != kCardOk) {
             Tell(outcome, ExitCode::NotAccepted, "refused", "The card did not give its code.");
-        } else if (card.unlockCode.empty()) {
+        } else if (card.InFile()->Software().unlockCode.empty()) {
             Tell(outcome, ExitCode::NotAccepted, "none", "The card has no unlock code.");
         } else if (asked.bConfirmed) {
             Tell(outcome, ExitCode::Accepted, "accepted", "The user has the unlock code.");

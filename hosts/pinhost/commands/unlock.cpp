@@ -1,4 +1,4 @@
-// unlock: lets the user unblock the software card with its unlock code and a new PIN.
+// unlock: lets the user unblock the card with its unlock code and a new PIN.
 #include <optional>
 
 #include "pinhost/commands/card_dialog.h"
@@ -16,10 +16,10 @@ public:
 
 private:
     bool IsChallenge() const { return m_strMode == "challenge"; }
-    void MakePlan(const SoftwareCard& card);
+    void MakePlan(ICard& card);
     PwdRuleArgs Rules(const CardPolicy& policy) const;
-    void Unlock(const HostOptions& options, SoftwareCard& card, Outcome& outcome);
-    void TellFailure(Outcome& outcome, const CardSide& side, const SoftwareCard& card,
+    void Unlock(const HostOptions& options, ICard& card, Outcome& outcome);
+    void TellFailure(Outcome& outcome, const CardSide& side, const ICard& card,
                      bool bCardRemoved) const;
 
     CardDialog m_dialog;
@@ -48,9 +48,10 @@ CLI::App* UnlockCommand::AddTo(CLI::App& app) {
     return command;
 }
 
-void UnlockCommand::MakePlan(const SoftwareCard& card) {
+void UnlockCommand::MakePlan(ICard& card) {
     if (IsChallenge() && !m_strCode && m_dialog.plan.press == Press::Ok) {
-        const Secret response = card.ResponseTo(card.strChallenge, HmacSha256);
+        const SoftwareCard& software = card.InFile()->Software();
+        const Secret response = software.ResponseTo(software.strChallenge, HmacSha256);
         m_strCode.emplace(response.begin(), response.end());
     }
     if (m_strCode || m_strNew) {
@@ -68,7 +69,7 @@ PwdRuleArgs UnlockCommand::Rules(const CardPolicy& policy) const {
     return rules;
 }
 
-void UnlockCommand::TellFailure(Outcome& outcome, const CardSide& side, const SoftwareCard& card,
+void UnlockCommand::TellFailure(Outcome& outcome, const CardSide& side, const ICard& card,
                                 bool bCardRemoved) const {
     switch (side.LastResult()) {
         case kCardOk:
@@ -85,15 +86,13 @@ void UnlockCommand::TellFailure(Outcome& outcome, const CardSide& side, const So
     }
 }
 
-void UnlockCommand::Unlock(const HostOptions& options, SoftwareCard& card, Outcome& outcome) {
+void UnlockCommand::Unlock(const HostOptions& options, ICard& card, Outcome& outcome) {
     if (IsChallenge()) {
-        card.Challenge(RandomChallenge());
-        m_dialog.options.Save(card);
+        card.InFile()->UseChallenge(RandomChallenge(), HmacSha256);
     }
     MakePlan(card);
     CardSide side = m_dialog.SideOf(card);
-    side.UseChallenge(IsChallenge());
-    const PwdRuleArgs rules = Rules(card.policy);
+    const PwdRuleArgs rules = Rules(card.Policy());
     const Asked asked =
         m_dialog.Run(options, side, [&](const FlowLibrary& flows, const PinHostCard& functions) {
             return flows.UnlockCard(&functions, &rules) == MVPINGUI_OK;
@@ -107,15 +106,16 @@ void UnlockCommand::Unlock(const HostOptions& options, SoftwareCard& card, Outco
 }
 
 Outcome UnlockCommand::Run(const HostOptions& options) {
-    return RunOnCard(m_dialog.options, [&](SoftwareCard& card, Outcome& outcome) {
+    m_dialog.options.RefuseOnPiv(IsChallenge(), "challenge");
+    return RunOnCard(m_dialog.options, [&](ICard& card, Outcome& outcome) {
         if (!card.IsInitialized()) {
             TellNoPinYet(outcome);
-        } else if (card.nUnlocksLeft == 0) {
+        } else if (card.UnlocksLeft() == 0U) {
             Tell(outcome, ExitCode::NotAccepted, "blocked", "The unlock code is blocked.");
         } else {
             Unlock(options, card, outcome);
         }
-        outcome.json["unlocksLeft"] = card.nUnlocksLeft;
+        TellUnlocksLeft(outcome, card);
     });
 }
 
