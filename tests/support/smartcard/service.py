@@ -1,0 +1,99 @@
+"""The machine's smart-card service for a test alone: its own socket, readers and ports."""
+
+import contextlib
+import ctypes
+import os
+import pathlib
+import signal
+import socket
+import subprocess
+import tempfile
+import time
+
+DRIVER = "/usr/lib/pcsc/drivers/serial/libifdvpcd.so"
+SLOTS = 2  # of each virtual reader: a port each, one after the other
+
+
+def free_ports(count):
+    """The first of so many free ports in a row."""
+    for first in range(40000 + os.getpid() % 10000, 60000, count):
+        with contextlib.suppress(OSError), contextlib.ExitStack() as stack:
+            for port in range(first, first + count):
+                probe = stack.enter_context(socket.socket())
+                probe.bind(("", port))
+            return first
+    raise RuntimeError("no free ports")
+
+
+class SmartCardService:
+    def __init__(self, *names):
+        """`names` are those of the readers; the service appends the slot."""
+        self.folder = tempfile.TemporaryDirectory()
+        path = pathlib.Path(self.folder.name)
+        self.socket_path = str(path / "service.sock")
+        os.environ["PCSCLITE_CSOCK_NAME"] = self.socket_path  # for the library in this process
+        (path / "readers").mkdir()
+        self.ports = []
+        first = free_ports(SLOTS * len(names))
+        with (path / "readers/virtual").open("w") as file:
+            for index, name in enumerate(names):
+                port = first + SLOTS * index
+                self.ports.append(port)
+                file.write(f'FRIENDLYNAME "{name}"\nDEVICENAME /dev/null:{port}\n'
+                           f"LIBPATH {DRIVER}\nCHANNELID {port}\n\n")
+        self.log = path / "log"
+        self.process = self.listener = None
+
+    def start(self):
+        # The socket is handed to the service, so that it is one of the test's own.
+        self.listener = socket.socket(socket.AF_UNIX)
+        self.listener.bind(self.socket_path)
+        self.listener.listen(64)
+
+        def hand_over():
+            ctypes.CDLL(None).prctl(1, signal.SIGKILL)  # goes when the test does
+            os.dup2(self.listener.fileno(), 3)
+
+        with self.log.open("ab") as log:
+            self.process = subprocess.Popen(
+                ["sh", "-c", "LISTEN_PID=$$ LISTEN_FDS=1 exec pcscd --foreground --error "
+                 f"--config {self.folder.name}/readers"],
+                stdin=subprocess.DEVNULL, stdout=log, stderr=log, preexec_fn=hand_over,
+                pass_fds=(3,))
+
+    def stop(self):
+        if self.process is None:
+            return
+        # First nobody can call it any more, as when the system stops it.
+        self.listener.close()
+        os.unlink(self.socket_path)
+        self.process.kill()
+        self.process.wait()
+        self.process = None
+
+    def close(self):
+        self.stop()
+        self.folder.cleanup()
+
+
+@contextlib.contextmanager
+def library_in_place(prefix, library):
+    """Puts a winscard.dll of the test's into the prefix's system folder, and the old one back."""
+    place = pathlib.Path(prefix) / "drive_c/windows/system32/winscard.dll"
+    kept = place.with_suffix(".kept")
+    if not kept.exists():  # of a run that was killed
+        place.rename(kept)
+    place.write_bytes(pathlib.Path(library).read_bytes())
+    try:
+        yield
+    finally:
+        kept.replace(place)
+
+
+def wait_until(condition, what, seconds=20.0):
+    end = time.monotonic() + seconds
+    while not (value := condition()):
+        if time.monotonic() > end:
+            raise AssertionError(f"not in time: {what}")
+        time.sleep(0.01)
+    return value
