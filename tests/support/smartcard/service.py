@@ -10,13 +10,16 @@ import subprocess
 import tempfile
 import time
 
+from card import Slot
+
 DRIVER = "/usr/lib/pcsc/drivers/serial/libifdvpcd.so"
 SLOTS = 2  # of each virtual reader: a port each, one after the other
 
 
 def free_ports(count):
-    """The first of so many free ports in a row."""
-    for first in range(40000 + os.getpid() % 10000, 60000, count):
+    """The first of so many free ports in a row, below those that the system gives to who connects: one
+    that connects where nobody listens yet could be given that very port, and be its own partner."""
+    for first in range(20000 + os.getpid() % 10000, 32000, count):
         with contextlib.suppress(OSError), contextlib.ExitStack() as stack:
             for port in range(first, first + count):
                 probe = stack.enter_context(socket.socket())
@@ -33,12 +36,12 @@ class SmartCardService:
         self.socket_path = str(path / "service.sock")
         os.environ["PCSCLITE_CSOCK_NAME"] = self.socket_path  # for the library in this process
         (path / "readers").mkdir()
-        self.ports = []
+        self.slots = []
         first = free_ports(SLOTS * len(names))
         with (path / "readers/virtual").open("w") as file:
             for index, name in enumerate(names):
                 port = first + SLOTS * index
-                self.ports.append(port)
+                self.slots.append(Slot(port, f"{name} 00 00"))
                 file.write(f'FRIENDLYNAME "{name}"\nDEVICENAME /dev/null:{port}\n'
                            f"LIBPATH {DRIVER}\nCHANNELID {port}\n\n")
         self.log = path / "log"
@@ -74,26 +77,3 @@ class SmartCardService:
     def close(self):
         self.stop()
         self.folder.cleanup()
-
-
-@contextlib.contextmanager
-def library_in_place(prefix, library):
-    """Puts a winscard.dll of the test's into the prefix's system folder, and the old one back."""
-    place = pathlib.Path(prefix) / "drive_c/windows/system32/winscard.dll"
-    kept = place.with_suffix(".kept")
-    if not kept.exists():  # of a run that was killed
-        place.rename(kept)
-    place.write_bytes(pathlib.Path(library).read_bytes())
-    try:
-        yield
-    finally:
-        kept.replace(place)
-
-
-def wait_until(condition, what, seconds=20.0):
-    end = time.monotonic() + seconds
-    while not (value := condition()):
-        if time.monotonic() > end:
-            raise AssertionError(f"not in time: {what}")
-        time.sleep(0.01)
-    return value
