@@ -22,6 +22,8 @@ PUK, WRONG_PUK, TRANSPORT_PIN = "60413975", "60413976", "418306"
 SECRETS = (PIN, NEW_PIN, WRONG_PIN, PUK, WRONG_PUK, TRANSPORT_PIN)
 PIN_COMMANDS = {VERIFY, CHANGE, UNBLOCK}
 OK = ("--press", "ok")
+# The service appends the slot, and the name is as long as one may be: 127 bytes.
+READER = "Veskara Test Reader with a name that is as long as one may be ".ljust(121, "x")
 SESSION = None  # of the whole run
 
 
@@ -203,7 +205,7 @@ class SmartCardTest(unittest.TestCase):
 
 if __name__ == "__main__":
     LIBRARY, *PROGRAM = sys.argv[1:]
-    with Session(PROGRAM, LIBRARY) as SESSION:
+    with Session(PROGRAM, LIBRARY, READER) as SESSION:
         SESSION.start_service()
         RUN = unittest.main(argv=sys.argv[:1], exit=False)
     sys.exit(not RUN.result.wasSuccessful())

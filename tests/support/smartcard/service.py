@@ -13,7 +13,7 @@ import time
 from card import Slot
 
 DRIVER = "/usr/lib/pcsc/drivers/serial/libifdvpcd.so"
-SLOTS = 2  # of each virtual reader: a port each, one after the other
+SLOTS = 2  # of the virtual reader: a port each, one after the other
 
 
 def free_ports(count):
@@ -29,21 +29,18 @@ def free_ports(count):
 
 
 class SmartCardService:
-    def __init__(self, *names):
-        """`names` are those of the readers; the service appends the slot."""
+    def __init__(self, name):
+        """The name of a reader with two slots, which the service appends to it."""
         self.folder = tempfile.TemporaryDirectory()
         path = pathlib.Path(self.folder.name)
         self.socket_path = str(path / "service.sock")
         os.environ["PCSCLITE_CSOCK_NAME"] = self.socket_path  # for the library in this process
         (path / "readers").mkdir()
-        self.slots = []
-        first = free_ports(SLOTS * len(names))
-        with (path / "readers/virtual").open("w") as file:
-            for index, name in enumerate(names):
-                port = first + SLOTS * index
-                self.slots.append(Slot(port, f"{name} 00 00"))
-                file.write(f'FRIENDLYNAME "{name}"\nDEVICENAME /dev/null:{port}\n'
-                           f"LIBPATH {DRIVER}\nCHANNELID {port}\n\n")
+        port = free_ports(SLOTS)
+        self.slots = [Slot(port + index, f"{name} 00 {index:02}") for index in range(SLOTS)]
+        (path / "readers/virtual").write_text(
+            f'FRIENDLYNAME "{name}"\nDEVICENAME /dev/null:{port}\nLIBPATH {DRIVER}\n'
+            f"CHANNELID {port}\n")
         self.log = path / "log"
         self.process = self.listener = None
 

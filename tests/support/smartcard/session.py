@@ -10,7 +10,6 @@ import time
 from bridge import Bridge, hexadecimal
 from service import SmartCardService
 
-LONG_READER = "Veskara Test Reader with a name that is as long as one may be " + "x" * 59
 PRESENT = 0x20
 FOREVER = 0xFFFFFFFF
 
@@ -39,11 +38,11 @@ def wait_until(condition, what, seconds=20.0):
 
 
 class Session(contextlib.ExitStack):
-    def __init__(self, program, library):
+    def __init__(self, program, library, reader):
         super().__init__()
         self.program = program
         self.folder = pathlib.Path(self.enter_context(tempfile.TemporaryDirectory()))
-        self.service = SmartCardService("Veskara Test Reader", LONG_READER)
+        self.service = SmartCardService(reader)
         self.callback(self.service.close)
         self.slots = self.service.slots
         self.bridge = Bridge()
