@@ -32,6 +32,8 @@ const char* WordsFor(LONG nResult) noexcept {
             return "there is no card in the reader";
         case SCARD_E_SHARING_VIOLATION:
             return "another program has the card to itself";
+        case SCARD_E_NOT_TRANSACTED:
+        case SCARD_E_COMM_DATA_LOST:
         case SCARD_W_UNRESPONSIVE_CARD:
         case SCARD_W_UNPOWERED_CARD:
         case SCARD_W_UNSUPPORTED_CARD:

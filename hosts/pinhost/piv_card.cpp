@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <string_view>
 #include <utility>
 
 namespace pinhost {
@@ -25,15 +26,44 @@ constexpr unsigned kIncorrectData = 0x6A80;  // a new PIN that breaks the card's
 constexpr unsigned kNotFound = 0x6A82;
 }  // namespace status
 
-// A text that would be cut, or that ends in padding, is another one for the card.
-bool CanBeSent(std::span<const char> text) {
-    return !text.empty() && text.size() <= kReferenceLength &&
-           std::find(text.begin(), text.end(), static_cast<char>(kPadding)) == text.end();
+// What is sent of a text. Nothing when it would be cut or ends in padding: the card would take it
+// for another one.
+Apdu Padded(std::span<const char> text) {
+    Apdu block;
+    if (text.size() <= kReferenceLength &&
+        std::find(text.begin(), text.end(), static_cast<char>(kPadding)) == text.end()) {
+        block.reserve(kReferenceLength);
+        block.assign(text.begin(), text.end());
+        block.resize(text.empty() ? 0 : kReferenceLength, kPadding);
+    }
+    return block;
 }
 
-void AppendPadded(Apdu& data, std::span<const char> text) {
-    data.insert(data.end(), text.begin(), text.end());
-    data.insert(data.end(), kReferenceLength - text.size(), kPadding);
+// -1: no hexadecimal digit.
+int DigitValue(char ch) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const char upper = ch >= 'a' && ch <= 'f' ? static_cast<char>(ch - 'a' + 'A') : ch;
+    const std::size_t value = kDigits.find(upper);
+    return value == std::string_view::npos ? -1 : static_cast<int>(value);
+}
+
+// The dialogs take an unlock code as 16 hexadecimal digits, which stand for its 8 bytes; what is
+// shorter is its text.
+Apdu UnlockBlock(std::span<const char> code) {
+    if (code.size() != 2 * kReferenceLength) {
+        return Padded(code);
+    }
+    Apdu block;
+    block.reserve(kReferenceLength);
+    for (std::size_t i = 0; i < code.size(); i += 2) {
+        const int high = DigitValue(code[i]);
+        const int low = DigitValue(code[i + 1]);
+        if (high < 0 || low < 0) {
+            return {};
+        }
+        block.push_back(static_cast<unsigned char>(high * 16 + low));
+    }
+    return block;
 }
 
 // One exchange that no other program's commands come into.
@@ -120,12 +150,10 @@ std::optional<std::uint32_t> PivCard::TriesLeft() {
 
 Verdict PivCard::Verify(std::span<const char> pin) {
     static constexpr Instruction kVerify{0x20, 0x00, kPin, "VERIFY"};
-    if (!CanBeSent(pin)) {
+    const Apdu data = Padded(pin);
+    if (data.empty()) {
         return Verdict::Wrong;
     }
-    Apdu data;
-    data.reserve(kReferenceLength);
-    AppendPadded(data, pin);
     Exchange exchange(*m_channel);
     Select();
     std::optional<std::uint32_t> tries;
@@ -140,12 +168,12 @@ Verdict PivCard::Verify(std::span<const char> pin) {
 Verdict PivCard::Change(std::span<const char> oldPin, std::span<const char> newPin) {
     static constexpr Instruction kChange{0x24, 0x00, kPin, "CHANGE REFERENCE DATA"};
     std::optional<std::uint32_t> tries;
-    return Replace(kChange, oldPin, newPin, tries);
+    return Replace(kChange, Padded(oldPin), newPin, tries);
 }
 
 Verdict PivCard::Unlock(std::span<const char> code, std::span<const char> newPin) {
     static constexpr Instruction kUnlock{0x2C, 0x00, kPin, "RESET RETRY COUNTER"};
-    return Replace(kUnlock, code, newPin, m_unlocksLeft);
+    return Replace(kUnlock, UnlockBlock(code), newPin, m_unlocksLeft);
 }
 
 Verdict PivCard::Initialize(std::span<const char> newPin, const FirstPinRules& /*rules*/) {
@@ -182,18 +210,19 @@ PivCard::Answer PivCard::Send(const Instruction& instruction, std::span<const un
     return {instruction, static_cast<unsigned>(word[0]) << 8 | word[1]};
 }
 
-Verdict PivCard::Replace(const Instruction& instruction, std::span<const char> proof,
+Verdict PivCard::Replace(const Instruction& instruction, const Apdu& proof,
                          std::span<const char> newPin, std::optional<std::uint32_t>& triesLeft) {
-    if (!CanBeSent(newPin)) {
+    const Apdu replacement = Padded(newPin);
+    if (replacement.empty()) {
         return Verdict::Refused;
     }
-    if (!CanBeSent(proof)) {
+    if (proof.empty()) {
         return Verdict::Wrong;
     }
     Apdu data;
-    data.reserve(2 * kReferenceLength);
-    AppendPadded(data, proof);
-    AppendPadded(data, newPin);
+    data.reserve(proof.size() + replacement.size());
+    data.assign(proof.begin(), proof.end());
+    data.insert(data.end(), replacement.begin(), replacement.end());
     Exchange exchange(*m_channel);
     Select();
     const Verdict verdict = Send(instruction, data).Judge(triesLeft);

@@ -1,8 +1,9 @@
 // A real card: its PIV application (NIST SP 800-73), as far as PIN and unlock code go.
 //
-// The application's PIN has 6 to 8 digits, and its unlock code (the standard's PUK) 8 bytes. It
-// keeps no rules and no PIN-less state of its own: "initialized" means here that it has another PIN
-// than the transport PIN that it was delivered with, which it cannot be asked for.
+// The application's PIN has 6 to 8 digits, and its unlock code (the standard's PUK) 8 bytes,
+// typed as 16 hexadecimal digits or as the text that they spell. It keeps no rules and no PIN-less
+// state of its own: "initialized" means here that it has another PIN than the transport PIN that it
+// was delivered with, which it cannot be asked for.
 //
 // What a command was given is overwritten in every copy made of it. After one that the card
 // accepted it is reset, so that no other program finds it open.
@@ -40,8 +41,8 @@ private:
 
     void Select();
     Answer Send(const Instruction& instruction, std::span<const unsigned char> data);
-    Verdict Replace(const Instruction& instruction, std::span<const char> proof,
-                    std::span<const char> newPin, std::optional<std::uint32_t>& triesLeft);
+    Verdict Replace(const Instruction& instruction, const Apdu& proof, std::span<const char> newPin,
+                    std::optional<std::uint32_t>& triesLeft);
 
     std::unique_ptr<IApduChannel> m_channel;
     Secret m_transportPin;

@@ -19,7 +19,8 @@ from session import Session, wait_until  # noqa: E402
 
 PIN, NEW_PIN, WRONG_PIN = "730519", "9401857", "285174"
 PUK, WRONG_PUK, TRANSPORT_PIN = "60413975", "60413976", "418306"
-SECRETS = (PIN, NEW_PIN, WRONG_PIN, PUK, WRONG_PUK, TRANSPORT_PIN)
+CODE, WRONG_CODE = PUK.encode().hex(), WRONG_PUK.encode().hex()  # as they are typed
+SECRETS = (PIN, NEW_PIN, WRONG_PIN, PUK, WRONG_PUK, TRANSPORT_PIN, CODE, WRONG_CODE)
 PIN_COMMANDS = {VERIFY, CHANGE, UNBLOCK}
 OK = ("--press", "ok")
 # The service appends the slot, and the name is as long as one may be: 127 bytes.
@@ -38,7 +39,7 @@ class SmartCardTest(unittest.TestCase):
         return SESSION.insert(slot or self.slot, applet)
 
     def finish(self, process, code, expected):
-        output, errors = process.communicate(timeout=60)
+        output, errors = process.communicate(timeout=20)
         self.assertEqual(process.returncode, code, (output, errors))
         actual = json.loads(output)
         for name, value in expected.items():
@@ -85,9 +86,9 @@ class SmartCardTest(unittest.TestCase):
         reset = ("reset", *OK, "--transport-pin", TRANSPORT_PIN)
         init = ("init-pin", *OK, "--type-new", NEW_PIN, "--transport-pin")
         for state, code, result, pin, tries, unlocks, told, arguments in (
-                ({"tries": 0}, 0, "unlocked", NEW_PIN, 3, 3, None, (*unlock, PUK)),
-                ({"tries": 0}, 1, "wrong", PIN, 0, 2, 2, (*unlock, WRONG_PUK)),
-                ({"unlocks": 1}, 1, "blocked", PIN, 3, 0, 0, (*unlock, WRONG_PUK)),
+                ({"tries": 0}, 0, "unlocked", NEW_PIN, 3, 3, None, (*unlock, CODE)),
+                ({"tries": 0}, 1, "wrong", PIN, 0, 2, 2, (*unlock, WRONG_CODE)),
+                ({"unlocks": 1}, 1, "blocked", PIN, 3, 0, 0, (*unlock, WRONG_CODE)),
                 ({}, 0, "initialized", NEW_PIN, 3, 3, None, (*init, PIN)),
                 ({}, 1, "refused", PIN, 2, 3, None, (*init, TRANSPORT_PIN)),
                 ({}, 0, "reset", TRANSPORT_PIN, 3, 3, None, (*reset, "--type", PIN)),
@@ -126,22 +127,23 @@ class SmartCardTest(unittest.TestCase):
                  ("change-pin", "--type", PIN, "--type-new", NEW_PIN, *OK)),
                 ({"answers": {UNBLOCK: b"\x69\x85"}}, 3,
                  {**failed, "message": "RESET RETRY COUNTER with status 6985"},
-                 ("unlock", "--code", PUK, "--new-pin", NEW_PIN, *OK))):
+                 ("unlock", "--code", CODE, "--new-pin", NEW_PIN, *OK))):
             with self.subTest(expected, **changes):
                 applet = self.put_in(**changes)
                 self.expect(code, expected, *arguments)
                 self.check_card(applet, PIN, 3)
 
     def test_a_card_that_goes(self):
-        removed = {"result": "removed", "triesLeft": None}
+        # The reader has not noticed yet: it has no answer.
         for instruction, *arguments in (
                 (VERIFY, "get-pin", "--type", PIN),
-                (UNBLOCK, "unlock", "--code", PUK, "--new-pin", NEW_PIN)):
-            with self.subTest("between two commands", command=arguments[0]):
+                (UNBLOCK, "unlock", "--code", CODE, "--new-pin", NEW_PIN)):
+            with self.subTest("at a command", command=arguments[0]):
                 applet = self.put_in(vanish_before=instruction)
-                self.expect(1, removed, *arguments, *OK)
+                self.expect(3, {"result": "failed", "message": "the card"}, *arguments, *OK)
                 self.check_card(applet, PIN, 3)
                 SESSION.await_card(self.slot, is_in=False)
+        removed = {"result": "removed", "triesLeft": None}
         for command in ("get-pin", "change-pin", "unlock", "card-locked"):
             with self.subTest("under the dialog", command=command):
                 self.put_in()
@@ -185,7 +187,7 @@ class SmartCardTest(unittest.TestCase):
         for arguments in (enter, (*enter, "--log-detail"),
                           ("change-pin", "--type", PIN, "--type-new", NEW_PIN, *OK, "--log",
                            "log.txt"),
-                          ("unlock", "--code", PUK, "--new-pin", PIN, *OK, "--log", "log.txt")):
+                          ("unlock", "--code", CODE, "--new-pin", PIN, *OK, "--log", "log.txt")):
             self.expect(0, {}, *arguments)
         carried = 0
         for command in applet.trace:

@@ -91,6 +91,11 @@ TEST(PivCard, SendsPinsPaddedAndResetsWhatItOpened) {
         {kVerify, "0020008008313233343536FFFF"},
         {kChange, "0024008010313233343536FFFF3837363534333231"},
         {kUnlock, "002C0080103132333435363738363534333231FFFF"},
+        // As the unlock dialog takes it.
+        {[](PivCard& card) {
+             return card.Unlock(std::string("0123456789abcDEF"), std::string("654321"));
+         },
+         "002C0080100123456789ABCDEF363534333231FFFF"},
         {[](PivCard& card) { return card.Initialize(std::string("123456"), {}); },
          "0024008010303030303030FFFF313233343536FFFF"},
         {[](PivCard& card) { return card.Reset(std::string("123456"), true); },
@@ -160,6 +165,10 @@ TEST(PivCard, SendsNothingThatCouldBeTakenForSomethingElse) {
         EXPECT_EQ(card.Unlock(text, std::string("123456")), Verdict::Wrong) << text;
         EXPECT_EQ(line.strSent, "") << text;
     }
+    Line line{.strAnswer = "9000"};
+    PivCard card = CardOn(line);
+    EXPECT_EQ(card.Unlock(std::string("0123456789ABCDEG"), std::string("123456")), Verdict::Wrong);
+    EXPECT_EQ(line.strSent, "");
 }
 
 TEST(PivCard, TellsWhatItCannotUnderstand) {
