@@ -41,7 +41,7 @@ public:
     // The answer, its status word included. Throws CardError.
     virtual Apdu Transmit(std::span<const unsigned char> command) = 0;
 
-    // Whether the card has left the reader since the channel was opened.
+    // Whether the card has left the reader since the channel was opened, or cannot be reached.
     virtual bool IsGone() = 0;
 };
 

@@ -189,7 +189,8 @@ bool PcscChannel::IsGone() {
     if (result == SCARD_S_SUCCESS) {
         End(false);
     }
-    return result == SCARD_W_REMOVED_CARD;
+    // A service that is lost takes its cards along.
+    return result != SCARD_S_SUCCESS;
 }
 
 }  // namespace pinhost

@@ -39,6 +39,7 @@ class SmartCardTest(unittest.TestCase):
         return SESSION.insert(slot or self.slot, applet)
 
     def finish(self, process, code, expected):
+        self.addCleanup(process.kill)
         output, errors = process.communicate(timeout=20)
         self.assertEqual(process.returncode, code, (output, errors))
         actual = json.loads(output)
@@ -119,7 +120,7 @@ class SmartCardTest(unittest.TestCase):
                 ({"delay": 0.5}, 0, {"result": "accepted", "triesLeft": 3}, enter),
                 ({"answers": {VERIFY: b"\x6f\x00"}}, 3,
                  {**failed, "message": "answered VERIFY with status 6F00"}, enter),
-                ({"answers": {VERIFY: b""}}, 3, failed, enter),
+                ({"answers": {VERIFY: b"\x90"}}, 3, {**failed, "message": "without a status"}, enter),
                 ({"answers": {SELECT: b"\x6a\x82"}}, 3,
                  {**failed, "message": "no PIV application"}, enter),
                 ({"answers": {VERIFY: bytes(300)}}, 3, failed, enter),

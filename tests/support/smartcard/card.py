@@ -107,9 +107,11 @@ class Slot:
         self.applet = self.line = None
 
     def insert(self, applet, seconds=10.0):
-        """Puts a card in and returns; the service takes a moment to see it."""
+        """Puts a card in, in the place of one that is in; the service takes a moment to see it."""
         end = time.monotonic() + seconds
         self.applet = applet
+        if self.line is not None:
+            return
         while self.line is None:
             try:
                 self.line = socket.create_connection(("127.0.0.1", self.port))

@@ -74,10 +74,7 @@ class Session(contextlib.ExitStack):
                    f"the service sees the card of {slot.reader}: {is_in}")
 
     def insert(self, slot, applet):
-        """Another card in the place of one that is in costs the service no look."""
-        if slot.line is not None and self.state(slot) & PRESENT:
-            slot.applet = applet
-        else:
-            slot.insert(applet)
-            self.await_card(slot)
+        """Puts a card in and waits until the service sees it."""
+        slot.insert(applet)
+        self.await_card(slot)
         return applet

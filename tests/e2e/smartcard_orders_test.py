@@ -1,0 +1,179 @@
+"""Cards pulled out of two readers and put back in seeded random orders, with a dialog open on each.
+
+The right dialog goes, soon after the service has told of it, the other one stays, and nothing hangs;
+also when the service is stopped and started with the dialogs open. What is measured ends with the
+line that pinhost prints after its dialog has gone.
+
+Usage: smartcard_orders_test.py WINSCARD.dll [EMULATOR] PINHOST.exe
+MVP_CARD_ORDERS: how many orders (24). MVP_CARD_SEED: their seed (1).
+"""
+
+import json
+import os
+import pathlib
+import random
+import sys
+import threading
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support/smartcard"))
+
+from bridge import hexadecimal  # noqa: E402
+from card import PivApplet  # noqa: E402
+from session import PRESENT, Session, wait_until  # noqa: E402
+
+ORDERS = int(os.environ.get("MVP_CARD_ORDERS", "24"))
+SEED = int(os.environ.get("MVP_CARD_SEED", "1"))
+BOUND = 0.250  # seconds; one of a hundred may take longer
+RESTART_EVERY = 12
+# The library tries a lost service once a second, and gives its cards up after three times.
+LOST_SERVICE = 15.0
+
+
+class Watcher:
+    """When the service last told that the slot is empty."""
+
+    def __init__(self, session, slot):
+        self.session, self.slot = session, slot
+        self.empty_since = None
+        threading.Thread(target=self.run, daemon=True).start()
+
+    def run(self):
+        service = self.session.bridge.service
+        while True:
+            result, (context,) = service.establish_context()
+            known = 0
+            while result == 0:
+                result, states = service.get_status_change(
+                    context, 1000, hexadecimal(self.slot.reader.encode()), known)
+                now = time.monotonic()
+                if result == 0:
+                    known = states[0]
+                    if known & PRESENT:
+                        self.empty_since = None
+                    elif self.empty_since is None:
+                        self.empty_since = now
+                elif result == 0x8010000A:  # no change in time
+                    result = 0
+            service.release_context(context)
+            time.sleep(0.05)
+
+
+class Desk:
+    """A slot with its card, and the dialog that is open on it."""
+
+    def __init__(self, session, index):
+        self.session, self.slot = session, session.slots[index]
+        self.picture = session.folder / f"open{index}.png"
+        self.watcher = Watcher(session, self.slot)
+        self.applet = PivApplet()
+        self.process = None
+
+    def begin(self):
+        self.session.insert(self.slot, self.applet)
+        self.picture.unlink(missing_ok=True)
+        self.ended_at = self.output = None
+        self.process = self.session.start("get-pin", "--card", f"pcsc:{self.slot.reader}",
+                                          "--screenshot", self.picture.name)
+        threading.Thread(target=self.read, args=(self.process,), daemon=True).start()
+
+    def await_dialog(self):
+        wait_until(self.picture.exists, f"the dialog on {self.slot.reader} is open")
+
+    def read(self, process):
+        output = process.stdout.readline()
+        self.ended_at, self.output = time.monotonic(), output
+
+    def await_end(self, seconds=20.0):
+        wait_until(lambda: self.output is not None, f"the dialog on {self.slot.reader} goes", seconds)
+        self.process.communicate(timeout=20)
+
+    def check_removed(self):
+        result = json.loads(self.output)["result"]
+        assert result == "removed", (self.slot.reader, result)
+
+    def end(self):
+        if self.process is not None:
+            self.process.kill()
+            self.process.communicate()
+
+
+def pull_and_check(desks, pulled, rng, latencies):
+    """Pulls the cards of some desks; their dialogs go, and no others."""
+    for desk in desks:
+        assert desk.output is None, f"the dialog on {desk.slot.reader} went alone: {desk.output}"
+        desk.seen = None
+    brief = rng.random() < 0.5
+    for desk in pulled:
+        time.sleep(rng.random() * 0.1)
+        desk.slot.pull()
+    for desk in pulled:
+        desk.seen = wait_until(lambda: desk.watcher.empty_since, "the service sees the pull")
+    if brief:  # put back while the dialog is still on its way out
+        for desk in pulled:
+            desk.slot.insert(desk.applet)
+    for desk in pulled:
+        desk.await_end()
+        desk.check_removed()
+        latencies.append(desk.ended_at - desk.seen)
+    for desk in desks:
+        if desk not in pulled:
+            assert desk.output is None, f"the dialog on {desk.slot.reader} went with the other"
+
+
+def restart_service(session, desks, rng):
+    """Its dialogs may stay or go, but nothing hangs, and each can be opened again."""
+    session.service.stop()
+    time.sleep(rng.choice((0.0, 0.5, 4.0)))
+    session.start_service()
+    for desk in desks:
+        desk.slot.pull()
+    time.sleep(0.5)
+    for desk in desks:
+        desk.slot.insert(desk.applet)
+        session.await_card(desk.slot)
+    for desk in desks:
+        # One that has stayed goes with its card as before.
+        desk.slot.pull()
+    for desk in desks:
+        desk.await_end(LOST_SERVICE)
+        desk.check_removed()
+
+
+def run_orders(session):
+    rng = random.Random(SEED)
+    desks = [Desk(session, index) for index in range(2)]
+    latencies = []
+    try:
+        for order in range(ORDERS):
+            opened = [desk for desk in desks if desk.process is None or desk.output is not None]
+            for desk in opened:
+                desk.begin()
+            for desk in opened:
+                desk.await_dialog()
+            if order % RESTART_EVERY == RESTART_EVERY - 1:
+                restart_service(session, desks, rng)
+            else:
+                pulled = rng.choice(([desks[0]], [desks[1]], desks, desks[::-1]))
+                pull_and_check(desks, pulled, rng, latencies)
+    finally:
+        for desk in desks:
+            desk.end()
+    return sorted(latencies)
+
+
+def main():
+    library, *program = sys.argv[1:]
+    with Session(program, library, "Veskara Test Reader") as session:
+        session.start_service()
+        latencies = run_orders(session)
+    late = sum(latency > BOUND for latency in latencies)
+    print(f"{ORDERS} orders, seed {SEED}: {len(latencies)} dialogs went; after the service told of it: "
+          f"median {latencies[len(latencies) // 2] * 1000:.0f} ms, "
+          f"99th percentile {latencies[int(len(latencies) * 0.99)] * 1000:.0f} ms, "
+          f"most {latencies[-1] * 1000:.0f} ms; {late} later than {BOUND * 1000:.0f} ms")
+    return late > 1 + len(latencies) // 100
+
+
+if __name__ == "__main__":
+    sys.exit(main())
