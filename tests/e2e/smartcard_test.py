@@ -117,7 +117,7 @@ class SmartCardTest(unittest.TestCase):
         enter = ("get-pin", "--type", PIN, *OK)
         failed = {"result": "failed"}
         for changes, code, expected, arguments in (
-                ({"delay": 0.5}, 0, {"result": "accepted", "triesLeft": 3}, enter),
+                ({"delays": {VERIFY: 1.5}}, 0, {"result": "accepted", "triesLeft": 3}, enter),
                 ({"answers": {VERIFY: b"\x6f\x00"}}, 3,
                  {**failed, "message": "answered VERIFY with status 6F00"}, enter),
                 ({"answers": {VERIFY: b"\x90"}}, 3, {**failed, "message": "without a status"}, enter),
@@ -145,7 +145,7 @@ class SmartCardTest(unittest.TestCase):
                 self.check_card(applet, PIN, 3)
                 SESSION.await_card(self.slot, is_in=False)
         removed = {"result": "removed", "triesLeft": None}
-        for command in ("get-pin", "change-pin", "unlock", "card-locked"):
+        for command in ("get-pin", "change-pin", "unlock"):
             with self.subTest("under the dialog", command=command):
                 self.put_in()
                 process = self.open_dialog(command, "--card", f"pcsc:{self.slot.reader}")
@@ -177,7 +177,7 @@ class SmartCardTest(unittest.TestCase):
 
     def test_no_service(self):
         self.put_in()
-        SESSION.service.stop()
+        SESSION.stop_service()
         self.addCleanup(SESSION.start_service)
         self.expect(3, {"result": "failed", "message": "service does not run"}, "get-pin")
 

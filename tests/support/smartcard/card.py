@@ -22,14 +22,14 @@ def padded(text):
 
 class PivApplet:
     """What the card knows, and how it answers. `answers` gives an instruction an answer of its
-    own; at `vanish_before` the card has gone."""
+    own, `delays` the seconds until it comes; at `vanish_before` the card has gone."""
 
     def __init__(self, pin="123456", puk="12345678", tries=3):
         self.pin, self.puk = padded(pin.encode()), padded(puk.encode())
         self.tries = self.max_tries = tries
         self.unlocks = self.max_unlocks = tries
         self.is_open = self.is_selected = False
-        self.delay = 0.0
+        self.delays = {}
         self.answers = {}
         self.vanish_before = None
         self.trace = []
@@ -45,7 +45,7 @@ class PivApplet:
         meant = command.instruction if command.data else None
         if meant is not None and meant == self.vanish_before:
             return None
-        time.sleep(self.delay)
+        time.sleep(self.delays.get(meant, 0))
         if meant in self.answers:
             return self.answers[meant]
         return self.status_of(command).to_bytes(2, "big")

@@ -59,6 +59,11 @@ class Session(contextlib.ExitStack):
         self.service.start()
         self.context = wait_until(self.new_context, "the service answers")
 
+    def stop_service(self):
+        self.service.stop()
+        for slot in self.slots:
+            slot.pull()  # the readers have gone with the service
+
     def new_context(self):
         result, (context,) = self.bridge.service.establish_context()
         return context if result == 0 else None
