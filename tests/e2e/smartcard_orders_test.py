@@ -24,9 +24,6 @@ from session import PRESENT, Session, wait_until  # noqa: E402
 
 ORDERS = int(os.environ.get("MVP_CARD_ORDERS", "20"))
 SEED = int(os.environ.get("MVP_CARD_SEED", "1"))
-# What the library finds when it first looks at the readers, right after the dialog has opened, is no
-# event: somebody who pulls a card was there before.
-FIRST_LOOK = 0.1
 BOUND = 0.250  # seconds; one of a hundred may take longer
 RESTART_EVERY = 12
 # The library tries a lost service once a second, and gives its cards up after three times.
@@ -82,7 +79,8 @@ class Desk:
 
     def is_open(self):
         # A picture of it would want the foreground, which the other dialog may have.
-        return self.log.exists() and b"exit: CEnterPinDlg::OnInitDialog" in self.log.read_bytes()
+        return (self.session.has_looked(self.process) and self.log.exists() and
+                b"exit: CEnterPinDlg::OnInitDialog" in self.log.read_bytes())
 
     def await_dialog(self):
         wait_until(lambda: self.is_open() or self.output is not None,
@@ -160,7 +158,6 @@ def run_orders(session, latencies):
                 desk.begin()
             for desk in opened:
                 desk.await_dialog()
-            time.sleep(FIRST_LOOK)
             if order % RESTART_EVERY == RESTART_EVERY - 1:
                 restart_service(session, desks, rng)
             else:

@@ -63,7 +63,8 @@ class SmartCardTest(unittest.TestCase):
         picture.unlink(missing_ok=True)
         process = SESSION.start(*arguments, "--screenshot", picture.name)
         self.addCleanup(process.kill)
-        wait_until(picture.exists, f"the dialog of {arguments[0]} is open")
+        wait_until(lambda: picture.exists() and SESSION.has_looked(process),
+                   f"the dialog of {arguments[0]} is open")
         return process
 
     def test_pins(self):

@@ -35,14 +35,18 @@ class Service:
 
     def __init__(self):
         self.library = ctypes.CDLL("libpcsclite.so.1")
+        self.callers = {}  # of each context
+        self.looked = set()  # the callers that know what is in the readers
 
     def call(self, name, *arguments):
         return getattr(self.library, "SCard" + name)(*arguments) & 0xFFFFFFFF
 
-    def establish_context(self):
+    def establish_context(self, caller=""):
         context = ctypes.c_long()
-        return self.call("EstablishContext", ctypes.c_ulong(2), None, None,
-                         ctypes.byref(context)), [context.value]
+        result = self.call("EstablishContext", ctypes.c_ulong(2), None, None,
+                           ctypes.byref(context))
+        self.callers[context.value] = caller
+        return result, [context.value]
 
     def release_context(self, context):
         self.call("Cancel", ctypes.c_long(context))
@@ -65,6 +69,8 @@ class Service:
             state.current = int(current)
         result = self.call("GetStatusChange", ctypes.c_long(int(context)),
                            ctypes.c_ulong(int(timeout)), states, ctypes.c_ulong(len(states)))
+        if result == 0:
+            self.looked.add(self.callers.get(int(context)))
         return result, [state.event for state in states]
 
     def connect(self, context, reader, share, protocols):

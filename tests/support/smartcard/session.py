@@ -46,14 +46,24 @@ class Session(contextlib.ExitStack):
         self.callback(self.service.close)
         self.slots = self.service.slots
         self.bridge = Bridge()
+        self.callers = 0
         self.enter_context(library_in_place(os.environ["WINEPREFIX"], library))
         self.environment = {**os.environ, "MVP_SMARTCARD_PORT": str(self.bridge.port),
                             "WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";winscard=n"}
 
-    def start(self, *arguments, json=True):
-        return subprocess.Popen([*self.program, *(["--json"] if json else []), *arguments],
-                                cwd=self.folder, env=self.environment, stdin=subprocess.DEVNULL,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8")
+    def start(self, *arguments):
+        self.callers += 1
+        environment = {**self.environment, "MVP_SMARTCARD_CALLER": f"caller{self.callers}"}
+        process = subprocess.Popen([*self.program, "--json", *arguments], cwd=self.folder,
+                                   env=environment, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8")
+        process.caller = environment["MVP_SMARTCARD_CALLER"]
+        return process
+
+    def has_looked(self, process):
+        """Whether the library watches the readers for this process. What it finds there at first is no
+        event: somebody who pulls a card was there before."""
+        return process.caller in self.bridge.service.looked
 
     def start_service(self):
         self.service.start()

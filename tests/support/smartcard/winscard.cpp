@@ -1,7 +1,7 @@
 // winscard.dll for tests where the system has none that works: what the programs under test call on
 // Windows goes to tests/support/smartcard/bridge.py, which asks the smart-card service of the
 // machine. The variable MVP_SMARTCARD_PORT says where that listens; without one there is no
-// service.
+// service. MVP_SMARTCARD_CALLER is a name that the bridge knows the program by.
 //
 // One connection a call, so that a call that waits holds up no other; one more for each context,
 // whose end tells the bridge that the program is gone.
@@ -30,7 +30,7 @@ public:
         }
         sockaddr_in address{};
         address.sin_family = AF_INET;
-        address.sin_port = htons(static_cast<u_short>(std::atoi(port)));
+        address.sin_port = htons(static_cast<u_short>(std::strtoul(port, nullptr, 10)));
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         m_socket = socket(AF_INET, SOCK_STREAM, 0);
         m_bOpen = connect(m_socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0;
@@ -154,7 +154,8 @@ extern "C" {
 
 WINSCARDAPI LONG WINAPI SCardEstablishContext(DWORD, LPCVOID, LPCVOID, LPSCARDCONTEXT phContext) {
     auto context = std::make_unique<Context>();
-    Answer answer(context->connection, Line("EstablishContext"));
+    const char* caller = std::getenv("MVP_SMARTCARD_CALLER");
+    Answer answer(context->connection, Line("EstablishContext", caller != nullptr ? caller : ""));
     if (answer.Result() == SCARD_S_SUCCESS) {
         answer.Take(context->nId);
         *phContext = reinterpret_cast<SCARDCONTEXT>(context.release());
@@ -172,68 +173,74 @@ WINSCARDAPI LONG WINAPI SCardCancel(SCARDCONTEXT hContext) {
     return Simply("Cancel", IdOf(hContext));
 }
 
-WINSCARDAPI LONG WINAPI SCardListReadersA(SCARDCONTEXT hContext, LPCSTR, LPSTR pszList,
-                                          LPDWORD pcchList) {
+WINSCARDAPI LONG WINAPI SCardListReadersA(SCARDCONTEXT hContext, LPCSTR /*mszGroups*/,
+                                          LPSTR mszReaders, LPDWORD pcchReaders) {
     Connection connection;
     Answer answer(connection, Line("ListReaders", IdOf(hContext)));
-    return answer.Result() == SCARD_S_SUCCESS ? CopyOut(answer.TakeBytes(), pszList, pcchList)
+    return answer.Result() == SCARD_S_SUCCESS ? CopyOut(answer.TakeBytes(), mszReaders, pcchReaders)
                                               : answer.Result();
 }
 
-WINSCARDAPI LONG WINAPI SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD nTimeoutMs,
-                                              LPSCARD_READERSTATEA pStates, DWORD nStates) {
-    std::string line = Line("GetStatusChange", IdOf(hContext), nTimeoutMs);
-    for (DWORD i = 0; i < nStates; ++i) {
-        line += Line(Hex(pStates[i].szReader), pStates[i].dwCurrentState);
+WINSCARDAPI LONG WINAPI SCardGetStatusChangeA(SCARDCONTEXT hContext, DWORD dwTimeout,
+                                              LPSCARD_READERSTATEA rgReaderStates, DWORD cReaders) {
+    std::string line = Line("GetStatusChange", IdOf(hContext), dwTimeout);
+    for (DWORD i = 0; i < cReaders; ++i) {
+        line += Line(Hex(rgReaderStates[i].szReader), rgReaderStates[i].dwCurrentState);
     }
     Connection connection;
     Answer answer(connection, line);
-    for (DWORD i = 0; i < nStates && answer.Result() == SCARD_S_SUCCESS; ++i) {
-        answer.Take(pStates[i].dwEventState);
+    for (DWORD i = 0; i < cReaders && answer.Result() == SCARD_S_SUCCESS; ++i) {
+        answer.Take(rgReaderStates[i].dwEventState);
     }
     return answer.Result();
 }
 
-WINSCARDAPI LONG WINAPI SCardConnectA(SCARDCONTEXT hContext, LPCSTR pszReader, DWORD nShare,
-                                      DWORD nProtocols, LPSCARDHANDLE phCard, LPDWORD pnProtocol) {
+WINSCARDAPI LONG WINAPI SCardConnectA(SCARDCONTEXT hContext, LPCSTR szReader, DWORD dwShareMode,
+                                      DWORD dwPreferredProtocols, LPSCARDHANDLE phCard,
+                                      LPDWORD pdwActiveProtocol) {
     Connection connection;
-    Answer answer(connection, Line("Connect", IdOf(hContext), Hex(pszReader), nShare, nProtocols));
+    Answer answer(connection, Line("Connect", IdOf(hContext), Hex(szReader), dwShareMode,
+                                   dwPreferredProtocols));
     if (answer.Result() == SCARD_S_SUCCESS) {
         answer.Take(*phCard);
-        answer.Take(*pnProtocol);
+        answer.Take(*pdwActiveProtocol);
     }
     return answer.Result();
 }
 
-WINSCARDAPI LONG WINAPI SCardReconnect(SCARDHANDLE hCard, DWORD nShare, DWORD nProtocols,
-                                       DWORD nInitialization, LPDWORD pnProtocol) {
+WINSCARDAPI LONG WINAPI SCardReconnect(SCARDHANDLE hCard, DWORD dwShareMode,
+                                       DWORD dwPreferredProtocols, DWORD dwInitialization,
+                                       LPDWORD pdwActiveProtocol) {
     Connection connection;
-    Answer answer(connection, Line("Reconnect", hCard, nShare, nProtocols, nInitialization));
+    Answer answer(connection,
+                  Line("Reconnect", hCard, dwShareMode, dwPreferredProtocols, dwInitialization));
     if (answer.Result() == SCARD_S_SUCCESS) {
-        answer.Take(*pnProtocol);
+        answer.Take(*pdwActiveProtocol);
     }
     return answer.Result();
 }
 
-WINSCARDAPI LONG WINAPI SCardDisconnect(SCARDHANDLE hCard, DWORD nDisposition) {
-    return Simply("Disconnect", hCard, nDisposition);
+WINSCARDAPI LONG WINAPI SCardDisconnect(SCARDHANDLE hCard, DWORD dwDisposition) {
+    return Simply("Disconnect", hCard, dwDisposition);
 }
 
 WINSCARDAPI LONG WINAPI SCardBeginTransaction(SCARDHANDLE hCard) {
     return Simply("BeginTransaction", hCard);
 }
 
-WINSCARDAPI LONG WINAPI SCardEndTransaction(SCARDHANDLE hCard, DWORD nDisposition) {
-    return Simply("EndTransaction", hCard, nDisposition);
+WINSCARDAPI LONG WINAPI SCardEndTransaction(SCARDHANDLE hCard, DWORD dwDisposition) {
+    return Simply("EndTransaction", hCard, dwDisposition);
 }
 
-WINSCARDAPI LONG WINAPI SCardTransmit(SCARDHANDLE hCard, LPCSCARD_IO_REQUEST pProtocol,
-                                      LPCBYTE pCommand, DWORD cbCommand, LPSCARD_IO_REQUEST,
-                                      LPBYTE pAnswer, LPDWORD pcbAnswer) {
+WINSCARDAPI LONG WINAPI SCardTransmit(SCARDHANDLE hCard, LPCSCARD_IO_REQUEST pioSendPci,
+                                      LPCBYTE pbSendBuffer, DWORD cbSendLength,
+                                      LPSCARD_IO_REQUEST /*pioRecvPci*/, LPBYTE pbRecvBuffer,
+                                      LPDWORD pcbRecvLength) {
     Connection connection;
     Answer answer(connection,
-                  Line("Transmit", hCard, pProtocol->dwProtocol, Hex(pCommand, cbCommand)));
-    return answer.Result() == SCARD_S_SUCCESS ? CopyOut(answer.TakeBytes(), pAnswer, pcbAnswer)
-                                              : answer.Result();
+                  Line("Transmit", hCard, pioSendPci->dwProtocol, Hex(pbSendBuffer, cbSendLength)));
+    return answer.Result() == SCARD_S_SUCCESS
+               ? CopyOut(answer.TakeBytes(), pbRecvBuffer, pcbRecvLength)
+               : answer.Result();
 }
 }
