@@ -1,5 +1,5 @@
 // pinhost: plays the middleware of the suite on the command line. Each flow of the PIN library is a
-// command; the card behind it is a software card.
+// command; the card behind it is a software card or a real one.
 #include <windows.h>
 
 #include <algorithm>
@@ -129,7 +129,7 @@ ExitCode Main(int argc, char** argv) {
     if (std::find(argv + 1, argv + argc, std::string_view("--json")) != argv + argc) {
         EndInJson();
     }
-    CLI::App app("Plays the smart-card middleware with a software card.", "pinhost");
+    CLI::App app("Plays the smart-card middleware with a software card or a PIV card.", "pinhost");
     app.footer(kFooter);
     app.set_version_flag("--version", "pinhost " PINHOST_VERSION);
     // A word that begins with a slash is a path.
