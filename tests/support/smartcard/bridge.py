@@ -117,7 +117,10 @@ CALLS = {"EstablishContext": Service.establish_context, "Cancel": Service.cancel
 
 class Handler(socketserver.StreamRequestHandler):
     def handle(self):
-        name, *words = self.rfile.readline().decode("ascii").split()
+        line = self.rfile.readline().decode("ascii").split()
+        if not line:  # its program has ended before it asked
+            return
+        name, *words = line
         result, values = CALLS[name](self.server.service, *words)
         shown = words[-1][1:1 + 2 * HEADER] if name == "Transmit" else ""
         self.server.log.append(f"{name} {shown} {result:08X}")
