@@ -136,6 +136,9 @@ TEST(PivCard, JudgesByTheStatusWord) {
         EXPECT_EQ(kUnlock(card), change) << answer;
         EXPECT_EQ(card.UnlocksLeft(), left) << answer;
         EXPECT_EQ(line.nResets, 0) << answer;
+        line.strAnswer = "9000";
+        EXPECT_EQ(kUnlock(card), Verdict::Accepted) << answer;
+        EXPECT_EQ(card.UnlocksLeft(), std::nullopt) << answer;
     }
 }
 
