@@ -133,11 +133,13 @@ std::int32_t CardSide::Initialize(const char* pszNewPin, const PINPolicies& poli
     const FirstPinRules rules{policies.MinimumPINLength,    policies.MaximumPINLength,
                               policies.MaxPINTries,         policies.MaxPINUnlock,
                               policies.WeakPINAllowed != 1, policies.ForceChangePIN == 1};
-    switch (m_card.Initialize(std::string_view(pszNewPin), rules)) {
+    m_firstPinVerdict = m_card.Initialize(std::string_view(pszNewPin), rules);
+    switch (m_firstPinVerdict) {
         case Verdict::Accepted:
             return kCardOk;
         case Verdict::Wrong:
-            return kCardWrongPin;
+            // What was wrong is the transport PIN, which the user has not typed.
+            return kCardFailed;
         case Verdict::Blocked:
             return kCardPinBlocked;
         case Verdict::Refused:

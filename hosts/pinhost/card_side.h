@@ -18,7 +18,6 @@ namespace pinhost {
 constexpr std::int32_t kCardOk = 0;
 constexpr std::int32_t kCardFailed = 1;
 constexpr std::int32_t kCardAbsent = 2;
-constexpr std::int32_t kCardWrongPin = 4;
 constexpr std::int32_t kCardWrongUnlockCode = 5;
 constexpr std::int32_t kCardPinBlocked = 6;
 constexpr std::int32_t kCardUnlockCodeBlocked = 7;
@@ -40,6 +39,9 @@ public:
     // Throws what kept the card from being asked, or from being written, the last time.
     void Finish() const;
 
+    // What the card made of the first PIN that it was given last.
+    Verdict FirstPinVerdict() const { return m_firstPinVerdict; }
+
     // What the library was told last when the card was to be changed; kCardOk before that.
     std::int32_t LastResult() const { return m_nLastResult; }
 
@@ -57,6 +59,7 @@ private:
     std::string m_strReader;
     std::int32_t m_nFailure;
     std::int32_t m_nLastResult = kCardOk;
+    Verdict m_firstPinVerdict = Verdict::Refused;
     std::exception_ptr m_fault;
     PinHostCard m_functions;
 };

@@ -77,7 +77,8 @@ void InitPinCommand::Initialize(const HostOptions& options, ICard& card, Outcome
             file->Save();
         }
         Tell(outcome, ExitCode::Accepted, "initialized", "The card has its PIN.");
-    } else if (side.LastResult() == kCardWrongPin || side.LastResult() == kCardPinBlocked) {
+    } else if (side.FirstPinVerdict() == Verdict::Wrong ||
+               side.FirstPinVerdict() == Verdict::Blocked) {
         Tell(outcome, ExitCode::NotAccepted, "refused",
              "The card has another PIN than the transport PIN.");
     } else if (side.LastResult() != kCardOk) {
