@@ -5,7 +5,7 @@ also when the service is stopped and started with the dialogs open. What is meas
 line that pinhost prints after its dialog has gone.
 
 Usage: smartcard_orders_test.py WINSCARD.dll [EMULATOR] PINHOST.exe
-MVP_CARD_ORDERS: how many orders (20). MVP_CARD_SEED: their seed (1).
+MVP_CARD_ORDERS: how many orders (18). MVP_CARD_SEED: their seed (1).
 """
 
 import json
@@ -22,7 +22,7 @@ from bridge import hexadecimal  # noqa: E402
 from card import PivApplet  # noqa: E402
 from session import PRESENT, Session, wait_until  # noqa: E402
 
-ORDERS = int(os.environ.get("MVP_CARD_ORDERS", "20"))
+ORDERS = int(os.environ.get("MVP_CARD_ORDERS", "18"))
 SEED = int(os.environ.get("MVP_CARD_SEED", "1"))
 BOUND = 0.250  # seconds; one of a hundred may take longer
 RESTART_EVERY = 12
