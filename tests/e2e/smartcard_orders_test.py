@@ -188,7 +188,9 @@ def main():
         finally:
             latencies.sort()
             tell(latencies)
-    return sum(latency > BOUND for latency in latencies) > 1 + len(latencies) // 100
+    # 99 of 100 are what is asked for: few orders tell of a busy machine only.
+    late = sum(latency > BOUND for latency in latencies)
+    return len(latencies) >= 100 and late > 1 + len(latencies) // 100
 
 
 if __name__ == "__main__":
