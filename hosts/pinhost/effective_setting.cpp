@@ -36,7 +36,7 @@ std::string WhyUnread(const SettingRow& row, const FoundValue& found) {
         return "it has " + std::to_string(found.bytes.size()) + " bytes, not 4";
     }
     const bool filled =
-        found.bytes.size() == row.nSize && found.bytes.find('\0') == found.bytes.npos;
+        found.bytes.size() == row.nSize && found.bytes.find('\0') == std::string::npos;
     if (found.bytes.size() > row.nSize || (row.bTerminated && filled)) {
         return "it is longer than " + std::to_string(row.nSize) + " bytes";
     }
