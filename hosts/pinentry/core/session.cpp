@@ -109,7 +109,8 @@ Session::Session(Channel& channel, UserInterface& user, const CodePage& codePage
       m_codePage(codePage),
       m_process(std::move(process)),
       m_responses(channel),
-      m_options(std::move(options)) {
+      m_options(std::move(options)),
+      m_nTimeout(nTimeout) {
     m_settings.nTimeout = nTimeout;
 }
 
@@ -192,6 +193,7 @@ bool Session::OnOption(std::string_view text) {
 
 bool Session::OnReset(std::string_view /*text*/) {
     m_settings = {};
+    m_settings.nTimeout = m_nTimeout;
     return Sent(m_responses.Ok());
 }
 

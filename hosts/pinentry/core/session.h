@@ -26,7 +26,7 @@ struct ProcessInfo {
 class Session {
 public:
     // Refers to the first three as long as it lives. The options are those of the command line;
-    // nTimeout, in seconds, counts until the client sets another.
+    // nTimeout, in seconds, counts until the client sets another, and again after RESET.
     Session(Channel& channel, UserInterface& user, const CodePage& codePage, ProcessInfo process,
             ConnectionOptions options = {}, std::uint32_t nTimeout = 0);
 
@@ -75,6 +75,7 @@ private:
     Responses m_responses;
     RequestSettings m_settings;
     ConnectionOptions m_options;
+    std::uint32_t m_nTimeout;  // what RESET goes back to
     bool m_bOver = false;
 };
 
