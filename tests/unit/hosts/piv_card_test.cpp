@@ -104,7 +104,7 @@ TEST(PivCard, SendsPinsPaddedAndResetsWhatItOpened) {
          "002C0080103132333435363738303030303030FFFF"},
     };
     for (const auto& [operation, sent] : cases) {
-        Line line{.strSelected = "6110", .strAnswer = "9000"};
+        Line line{.strSelected = "4F006110", .strAnswer = "9000"};
         PivCard card = CardOn(line);
         EXPECT_EQ(operation(card), Verdict::Accepted) << sent;
         EXPECT_EQ(line.strSent, sent);
@@ -154,6 +154,8 @@ TEST(PivCard, ReadsItsTriesWithoutCostingOne) {
         EXPECT_EQ(line.strSent, "00200080");
         EXPECT_EQ(line.nResets, 0);
     }
+    Line line{.strAnswer = "6A80"};
+    EXPECT_THROW(CardOn(line).TriesLeft(), CardError) << "no answer to the question";
 }
 
 TEST(PivCard, SendsNothingThatCouldBeTakenForSomethingElse) {
@@ -168,10 +170,12 @@ TEST(PivCard, SendsNothingThatCouldBeTakenForSomethingElse) {
         EXPECT_EQ(card.Unlock(text, std::string("123456")), Verdict::Wrong) << text;
         EXPECT_EQ(line.strSent, "") << text;
     }
-    Line line{.strAnswer = "9000"};
-    PivCard card = CardOn(line);
-    EXPECT_EQ(card.Unlock(std::string("0123456789ABCDEG"), std::string("123456")), Verdict::Wrong);
-    EXPECT_EQ(line.strSent, "");
+    for (const char* code : {"0123456789ABCDEG", "G123456789ABCDEF", "0123456789ABCDEF01"}) {
+        Line line{.strAnswer = "9000"};
+        PivCard card = CardOn(line);
+        EXPECT_EQ(card.Unlock(std::string(code), std::string("123456")), Verdict::Wrong);
+        EXPECT_EQ(line.strSent, "") << code;
+    }
 }
 
 TEST(PivCard, TellsWhatItCannotUnderstand) {
