@@ -33,6 +33,7 @@ public:
         line = std::move(m_lines.front());
         m_lines.pop_front();
         Check(line.text.size() <= LineReader::kMaxLine, "a line came that is too long");
+        Check(!line.bTooLong || line.text.empty(), "a part of a line came");
         const bool isRequest =
             !m_bInquiring && (line.bTooLong || (!line.text.empty() && line.text[0] != '#'));
         Check(!isRequest || m_nOpen == 0, "a request was read before the last one was answered");
