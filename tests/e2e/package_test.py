@@ -70,7 +70,8 @@ class PackageTest(unittest.TestCase):
                          (0, [folder + "mvpingui.dll", CAPTIONS[language]], "result 0xffffffff"))
 
     def install(self, release, *arguments, code=DONE):
-        self.assertEqual(release.msiexec(*arguments), code)
+        ended, said = release.msiexec(*arguments)
+        self.assertEqual(ended, code, said)
 
     def test_each_language_installs_and_goes(self):
         for language in CAPTIONS:

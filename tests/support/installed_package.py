@@ -61,11 +61,13 @@ class Release:
         return (self.stage / "x86").exists()
 
     def msiexec(self, *arguments):
-        """Installs the package in silence, or does with it what the arguments say."""
+        """Installs the package in silence, or does with it what the arguments say: the code, and what
+        Wine has to say of its installer."""
         how = ["/i"] if not arguments or not arguments[0].startswith("/") else []
         command = [*how, *arguments]
         command.insert(1, f"Z:{self.package}")
-        return wine("msiexec", *command, "/qn").returncode
+        done = wine("msiexec", *command, "/qn", env={**os.environ, "WINEDEBUG": "-all,err+all,warn+msi"})
+        return done.returncode, done.stderr.decode(errors="replace")
 
     def staged(self, name):
         return digest(self.stage / name)
