@@ -66,8 +66,14 @@ class Release:
         how = ["/i"] if not arguments or not arguments[0].startswith("/") else []
         command = [*how, *arguments]
         command.insert(1, f"Z:{self.package}")
-        done = wine("msiexec", *command, "/qn", env={**os.environ, "WINEDEBUG": "-all,err+all,warn+msi"})
-        return done.returncode, done.stderr.decode(errors="replace")
+        environment = {**os.environ, "WINEDEBUG": "-all,err+all,warn+msi"}
+        # Once in some hundred times Wine cannot start its installer. It says so and nothing has run.
+        for _ in range(3):
+            done = wine("msiexec", *command, "/qn", env=environment)
+            said = (done.stdout + done.stderr).decode(errors="replace")
+            if "Application could not be started" not in said:
+                break
+        return done.returncode, said
 
     def staged(self, name):
         return digest(self.stage / name)
