@@ -1,4 +1,5 @@
-"""Programs as the system has them ask through pinentry: a key manager, the remote shell's tools, git.
+"""Programs as the system has them ask through pinentry: a key manager, the remote shell's tools, git, a
+smart card's client.
 
 Usage: clients_test.py SCRIPTS_FOLDER [EMULATOR] TYPIST.exe
 
@@ -58,6 +59,13 @@ class ClientTest(unittest.TestCase):
         with self.running(*command, text=text) as program:
             pass
         return program.said
+
+    def start_agent(self, *arguments):
+        agent = subprocess.Popen(["ssh-agent", "-D", "-a", self.environment["SSH_AUTH_SOCK"], *arguments],
+                                 env=self.environment, stdout=subprocess.PIPE, encoding="utf-8")
+        self.addCleanup(agent.communicate)
+        self.addCleanup(agent.terminate)
+        agent.stdout.readline()  # it is there
 
     def ask(self, words, *texts, key="enter", picture=""):
         """Waits for the window that says the words, types and presses the key."""
@@ -134,11 +142,7 @@ class AskpassTest(ClientTest):
         with self.running("ssh-keygen", "-q", "-t", "ed25519", "-f", key):
             self.ask("Enter passphrase", NEW, picture="5-ssh-keygen")
             self.ask("same passphrase", NEW)
-        agent = subprocess.Popen(["ssh-agent", "-D", "-a", self.environment["SSH_AUTH_SOCK"]],
-                                 env=self.environment, stdout=subprocess.PIPE, encoding="utf-8")
-        self.addCleanup(agent.communicate)
-        self.addCleanup(agent.terminate)
-        agent.stdout.readline()  # it is there
+        self.start_agent()
         with self.subTest("wrong, then right"), self.running("ssh-add", "-c", key):
             self.ask(key, "wrong")
             self.ask("Bad passphrase", NEW)
@@ -163,6 +167,41 @@ class AskpassTest(ClientTest):
         with self.running(PINENTRY, "Passwort für Zoë:") as program:
             self.ask("Passwort für Zoë:", NEW)
         self.assertEqual(program.said, NEW + "\n")
+
+
+class CardTest(ClientTest):
+    MODULE = "/usr/lib/softhsm/libsofthsm2.so"
+    LABEL = "Testkarte"
+
+    def setUp(self):
+        super().setUp()
+        self.tokens = self.folder / "tokens"
+        self.tokens.mkdir()
+        settings = self.folder / "softhsm2.conf"
+        settings.write_text(f"directories.tokendir = {self.tokens}\nlog.level = DEBUG\n")
+        askpass = self.folder / "askpass"
+        askpass.write_text(f'#!/bin/sh\nexec {PINENTRY} --log Z:{self.folder}/suite.log "$@"\n')
+        askpass.chmod(0o700)
+        self.environment.update(SOFTHSM2_CONF=str(settings), SSH_ASKPASS=str(askpass),
+                                SSH_AUTH_SOCK=str(self.folder / "agent"))
+        self.run_done("softhsm2-util", "--init-token", "--free", "--label", self.LABEL,
+                      "--so-pin", "87654321", "--pin", GOOD)
+        self.run_done("pkcs11-tool", "--module", self.MODULE, "--token-label", self.LABEL, "--login",
+                      "--pin", GOOD, "--keypairgen", "--key-type", "EC:prime256v1", "--label", "anna")
+
+    def test_key_on_a_card(self):
+        self.start_agent("-P", os.path.realpath(self.MODULE))
+        with self.running("ssh-add", "-s", self.MODULE, code=1) as program:
+            self.ask("Enter passphrase for PKCS#11", "1234")
+        self.assertIn("refused", program.error)
+        with self.running("ssh-add", "-s", self.MODULE):
+            self.ask("Enter passphrase for PKCS#11", GOOD, picture="8-card")
+        public = self.folder / "card.pub"
+        public.write_text(self.run_done("ssh-add", "-L"))
+        self.run_done("ssh-add", "-T", str(public))  # signs, and verifies the signature
+        self.assertIn(b"GetPINFromUser", (self.folder / "suite.log").read_bytes())
+        for path in filter(pathlib.Path.is_file, self.folder.rglob("*")):
+            self.assertNotIn(GOOD.encode(), path.read_bytes(), path)
 
 
 if __name__ == "__main__":
