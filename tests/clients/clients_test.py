@@ -9,9 +9,11 @@ MVP_CLIENT_PICTURES names a folder for pictures of the prompts.
 import contextlib
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "pinentry"))
@@ -126,6 +128,29 @@ class KeyManagerTest(ClientTest):
             self.typist.wait()
             self.typist.gone()
         self.assertIn("Timeout", program.error)
+
+    def pinentries(self):
+        """The processes of pinentry that serve this test's key manager."""
+        found = []
+        for process in pathlib.Path("/proc").glob("[0-9]*"):
+            with contextlib.suppress(OSError):
+                if (f"GNUPGHOME={self.folder}\0".encode() in (process / "environ").read_bytes()
+                        and b"pinentry" in (process / "cmdline").read_bytes()):
+                    found.append(process.name)
+        return found
+
+    def test_key_manager_killed(self):
+        agent = int(self.run_done("gpg-connect-agent", "getinfo pid", "/bye").split()[1])
+        with self.running("gpg", "--batch", "--symmetric", "-o", str(self.folder / "out"), code=2, text="x"):
+            self.typist.wait()
+            self.typist.type(GOOD)
+            self.assertTrue(self.pinentries())
+            os.kill(agent, signal.SIGKILL)
+            self.typist.gone()
+        deadline = time.monotonic() + 10
+        while self.pinentries() and time.monotonic() < deadline:
+            time.sleep(0.01)
+        self.assertEqual(self.pinentries(), [])
 
     def test_constraints(self):
         self.configure("enforce-passphrase-constraints", "min-passphrase-len 14")

@@ -137,6 +137,26 @@ class SessionTest(unittest.TestCase):
                 self.assertEqual(program.stdout.read(), b"")
                 self.typist.gone()
 
+    def test_client_that_no_longer_reads(self):
+        # The arguments, what the client sent before, what it sends, and the exit code.
+        for arguments, before, request, code in (
+                ((), (), "GETPIN", 0), ((), (), "CONFIRM", 0), ((), (), "NOP\nGETPIN", 0),
+                ((), ("SETREPEAT", "OPTION constraints-enforce"), "GETPIN", 0), (("Password:",), (), "", 3)):
+            with self.subTest(arguments=arguments, before=before, request=request):
+                program = self.start(*arguments)
+                self.request(program, *before)
+                if "NOP" not in request:
+                    self.send(program, request)
+                    self.typist.wait()
+                program.stdout.close()
+                if "NOP" in request:
+                    self.send(program, request)
+                else:
+                    self.typist.type(*[CANARY] * (0 if request == "CONFIRM" else 2 if before else 1))
+                    self.typist.press("enter")
+                    self.typist.gone()
+                self.assertEqual(program.wait(30), code)
+
     def test_requests_that_come_while_a_window_is_open_wait(self):
         program = self.start()
         self.send(program, "GETPIN\nSETDESC second\nGETPIN")
