@@ -1,5 +1,5 @@
-"""Programs as the system has them ask through pinentry: a key manager, the remote shell's tools, git, a
-smart card's client.
+"""Programs as the system has them ask through pinentry: a key manager, the remote shell's tools, git, sudo,
+and a client of a smart card.
 
 Usage: clients_test.py SCRIPTS_FOLDER [EMULATOR] TYPIST.exe
 
@@ -10,6 +10,8 @@ import contextlib
 import os
 import pathlib
 import signal
+import socket
+import struct
 import subprocess
 import sys
 import tempfile
@@ -227,6 +229,76 @@ class CardTest(ClientTest):
         self.assertIn(b"GetPINFromUser", (self.folder / "suite.log").read_bytes())
         for path in filter(pathlib.Path.is_file, self.folder.rglob("*")):
             self.assertNotIn(GOOD.encode(), path.read_bytes(), path)
+
+
+# The shell's folder and numbers follow. No other process sees what is mounted here.
+AS_ANNA = """
+cd "$1"
+mount -t tmpfs tmpfs /run
+for file in passwd shadow sudoers pam.d/sudo; do mount --bind "$(basename $file)" /etc/$file; done
+exec setpriv --reuid "$2" --regid "$2" --clear-groups sudo -k -A id -u
+"""
+# Wine's prefix is the tester's: what anna is asked goes to him.
+HANDED_OVER = """#!/usr/bin/python3
+import socket, sys
+with socket.socket(socket.AF_UNIX) as tester:
+    tester.connect({!r})
+    tester.sendall(sys.argv[1].encode())
+    tester.shutdown(socket.SHUT_WR)
+    sys.stdout.write(tester.makefile().read())
+"""
+
+
+def can_mount():
+    return subprocess.run(["unshare", "--mount", "true"], stderr=subprocess.DEVNULL).returncode == 0
+
+
+class SudoTest(ClientTest):
+    ANNA = 4711
+
+    def setUp(self):
+        super().setUp()
+        if not can_mount():
+            self.skipTest("sudo is tried with accounts of its own, which only root can mount")
+        self.folder.chmod(0o711)
+        crypted = self.run_done("openssl", "passwd", "-6", "-stdin", text=NEW).strip()
+        self.write("passwd", "root:x:0:0::/root:/bin/sh", f"anna:x:{self.ANNA}:{self.ANNA}::/:/bin/sh")
+        self.write("shadow", "root:*:19000::::::", f"anna:{crypted}:19000::::::", mode=0o600)
+        self.write("sudoers", "Defaults lecture=never, !syslog", "anna ALL=(ALL) ALL", mode=0o440)
+        self.write("sudo", "auth required pam_unix.so nodelay", "account required pam_unix.so")
+        self.listener = socket.socket(socket.AF_UNIX)
+        self.addCleanup(self.listener.close)
+        self.listener.bind(f"{self.folder}/tester")
+        self.listener.listen()
+        self.listener.settimeout(30)
+        (self.folder / "tester").chmod(0o666)
+        self.write("askpass", HANDED_OVER.format(f"{self.folder}/tester"), mode=0o755)
+        self.environment["SUDO_ASKPASS"] = str(self.folder / "askpass")
+
+    def write(self, name, *lines, mode=0o644):
+        path = self.folder / name
+        path.write_text("\n".join([*lines, ""]))
+        path.chmod(mode)
+
+    def serve(self, *texts, key="enter", code=0, picture=""):
+        client, _ = self.listener.accept()
+        with client:
+            peer = struct.unpack("3i", client.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, 12))
+            self.assertEqual(peer[1], self.ANNA)
+            with self.running(PINENTRY, client.makefile(encoding="utf-8").read(), code=code) as program:
+                self.ask("password for anna", *texts, key=key, picture=picture)
+            client.sendall(program.said.encode())
+
+    def test_sudo(self):
+        command = ("unshare", "--mount", "sh", "-ec", AS_ANNA, "sh", str(self.folder), str(self.ANNA))
+        with self.subTest("wrong, then right"), self.running(*command) as program:
+            self.serve(GOOD)
+            self.serve(NEW, picture="9-sudo")
+        self.assertEqual(program.said, "0\n")
+        self.assertIn("try again", program.error)
+        with self.subTest("cancelled"), self.running(*command, code=1) as program:
+            self.serve(key="escape", code=1)
+        self.assertEqual(program.said, "")
 
 
 if __name__ == "__main__":
