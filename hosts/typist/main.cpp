@@ -106,6 +106,7 @@ Json WaitForDialog(HWND hExcept) {
     const auto number = [](HWND hWnd) { return reinterpret_cast<UINT_PTR>(hWnd); };
     Json dialog{{"window", number(g_hDialog)},
                 {"owner", number(GetWindow(g_hDialog, GW_OWNER))},
+                {"topmost", (GetWindowLongA(g_hDialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0},
                 {"title", TextOf(g_hDialog)},
                 {"texts", Json::array()},
                 {"buttons", Json::array()}};

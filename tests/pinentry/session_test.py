@@ -16,7 +16,7 @@ PROGRAM = []  # set from the command line
 TYPIST = []
 TRANSCRIPTS = pathlib.Path(__file__).parent / "transcripts"
 CANARY = "Kanarienvogel-7351"
-CHOSEN = ("getpin_texts", "getpin_canceled", "getpin_error_comes_first", "getpin_timeout",
+CHOSEN = ("getpin_texts", "getpin_canceled", "getpin_closed", "getpin_error_comes_first", "getpin_timeout",
           "pin_with_umlauts", "pin_with_percent_signs", "new_pin_texts", "constraints_not_met",
           "confirm_refused", "confirm_closed", "confirm_any_script", "message_canceled",
           "label_access_keys", "text_outside_the_code_page", "option_language")
@@ -72,6 +72,7 @@ class SessionTest(unittest.TestCase):
 
     def check_window(self, dialog, line):
         """What the transcript names stands in the window; of what it does not, the window has its own."""
+        self.assertTrue(dialog["topmost"])
         shown = {"title": [dialog["title"]], "text": dialog["texts"], "label": dialog["texts"],
                  "repeat": dialog["texts"], "ok": dialog["buttons"], "no": dialog["buttons"],
                  "cancel": dialog["buttons"]}

@@ -68,6 +68,8 @@ void DressChangePin(HWND hDialog, const PinQuestion& question) {
         FitToText(hDialog, instruction);
     }
     PlaceOver(hDialog, parent);
+    // As the enter-PIN dialog does: a program in the background is not given the foreground.
+    SetWindowPos(hDialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 // The library's buffer, given back however the request ends.
@@ -173,15 +175,9 @@ Answer LibraryInterface::AskNewPin(const PinQuestion& question, Secret& pin) {
 }
 
 Answer LibraryInterface::Confirm(const Confirmation& confirmation) {
-    int pressed = 0;
-    bool isClosed = false;
     const DialogWatch watch(m_pChannel, confirmation.nTimeout, [](HWND) {});
-    pressed = RunConfirmDialog(ParentOf(confirmation), confirmation, isClosed);
-    if (pressed == IDNO) {
-        return Answer::NotConfirmed;
-    }
-    const Answer answer = watch.Result(pressed == IDOK);
-    return answer == Answer::Canceled && isClosed ? Answer::Closed : answer;
+    const int pressed = RunConfirmDialog(ParentOf(confirmation), confirmation);
+    return pressed == IDNO ? Answer::NotConfirmed : watch.Result(pressed == IDOK);
 }
 
 }  // namespace pinentry
