@@ -77,6 +77,10 @@ BOOL CALLBACK TellControl(HWND hWnd, LPARAM lParam) {
         dialog["buttons"].push_back(TextOf(hWnd));
     } else if (lstrcmpiA(name.c_str(), "Static") == 0) {
         dialog["texts"].push_back(TextOf(hWnd));
+    } else if (lstrcmpiA(name.c_str(), "Edit") == 0) {
+        DWORD_PTR mask = 0;
+        SendMessageTimeoutA(hWnd, EM_GETPASSWORDCHAR, 0, 0, SMTO_ABORTIFHUNG, 2000, &mask);
+        dialog["masks"].push_back(std::string(1, static_cast<char>(mask)));
     }
     return TRUE;
 }
@@ -109,6 +113,7 @@ Json WaitForDialog(HWND hExcept) {
                 {"topmost", (GetWindowLongA(g_hDialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0},
                 {"title", TextOf(g_hDialog)},
                 {"texts", Json::array()},
+                {"masks", Json::array()},
                 {"buttons", Json::array()}};
     EnumChildWindows(g_hDialog, TellControl, reinterpret_cast<LPARAM>(&dialog));
     return dialog;

@@ -113,18 +113,25 @@ public:
 
 private:
     Answer Ask(const char* pszKind, const PinQuestion& question, Secret& pin) {
-        Show(pszKind, question, {{"label", question.strLabel}, {"repeat", question.strRepeatLabel}},
-             [](const std::string& str) {
-                 Secret utf8;
-                 WesternCodePage().ToUtf8(Secret(str.begin(), str.end()), utf8);
-                 return std::string(utf8.begin(), utf8.end());
-             });
+        Show(
+            pszKind, question,
+            {{"label", question.strLabel},
+             {"repeat", question.strRepeatLabel},
+             {"differ", question.strRepeatError},
+             {"same", question.strRepeatOk}},
+            [](const std::string& str) {
+                Secret utf8;
+                WesternCodePage().ToUtf8(Secret(str.begin(), str.end()), utf8);
+                return std::string(utf8.begin(), utf8.end());
+            },
+            question.strMask);
         return Act(pin);
     }
 
     template <class ToUtf8>
     void Show(const char* pszKind, const Window& window,
-              std::vector<std::pair<const char*, std::string>> parts, ToUtf8&& toUtf8) {
+              std::vector<std::pair<const char*, std::string>> parts, ToUtf8&& toUtf8,
+              const std::string& strMask = "") {
         const auto number = [](std::uint64_t n) { return n == 0 ? "" : std::to_string(n); };
         parts.insert(parts.begin(), {{"title", window.strTitle}, {"text", window.strText}});
         parts.insert(parts.end(), {{"ok", window.strOk},
@@ -138,7 +145,7 @@ private:
                 m_strEvents += std::string("; ") + name + ": " + OneLine(toUtf8(text));
             }
         }
-        m_strEvents += "\n";
+        m_strEvents += strMask.empty() ? "\n" : "; mask: " + strMask + "\n";
     }
 
     Answer Act(Secret& pin) {

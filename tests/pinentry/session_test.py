@@ -8,6 +8,7 @@ import pathlib
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 from typist import Typist, windows_path
@@ -70,6 +71,11 @@ class SessionTest(unittest.TestCase):
             self.send(program, line)
             self.expect(program, "OK")
 
+    def await_text(self, text, gone):
+        end = time.monotonic() + 20
+        while text not in (texts := self.typist.wait()["texts"]) or gone in texts:
+            self.assertLess(time.monotonic(), end, texts)
+
     def check_window(self, dialog, line):
         """What the transcript names stands in the window; of what it does not, the window has its own."""
         self.assertTrue(dialog["topmost"])
@@ -122,6 +128,22 @@ class SessionTest(unittest.TestCase):
             self.assertIn("Abbrechen", self.typist.wait()["buttons"])
             self.typist.press("escape")
             self.expect(program, "ERR 83886179 Operation cancelled")
+
+    def test_two_entries(self):
+        program = self.start()
+        self.request(program, "OPTION invisible-char=#", "SETREPEAT", "SETREPEATERROR They differ!")
+        self.send(program, "GETPIN")
+        dialog = self.typist.wait()
+        self.assertEqual(dialog["masks"], ["#", "#"])
+        own = "New PIN and confirmation match"
+        self.typist.type("ab")
+        self.await_text("They differ!", own)
+        self.typist.press("tab")
+        self.typist.type("ab")
+        # The client has no words for that.
+        self.await_text(own, "They differ!")
+        self.typist.press("escape")
+        self.expect(program, "ERR 83886179 Operation cancelled")
 
     def test_client_goes_while_a_window_is_open(self):
         for request in ("GETPIN", "SETREPEAT", "CONFIRM"):

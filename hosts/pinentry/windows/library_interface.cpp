@@ -4,8 +4,10 @@
 #include <exception>
 #include <utility>
 
+#include "pinentry/windows/code_page.h"
 #include "pinentry/windows/confirm_dialog.h"
 #include "pinentry/windows/dialog_watch.h"
+#include "pinentry/windows/repeat_words.h"
 #include "pinentry/windows/window_layout.h"
 #include "resources/resource_numbers.h"
 
@@ -45,14 +47,23 @@ void DressWindow(HWND hDialog, const Window& window) {
     ArrangeButtons(hDialog, {IDOK, IDCANCEL});
 }
 
+void SetMask(HWND hEdit, const std::string& strMask) {
+    const std::wstring mask = WideFromUtf8(strMask);
+    if (mask.size() == 1) {
+        SendMessageW(hEdit, EM_SETPASSWORDCHAR, mask.front(), 0);
+    }
+}
+
 void DressEnterPin(HWND hDialog, const PinQuestion& question) {
     DressWindow(hDialog, question);
-    SetLabel(GetWindow(GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT), GW_HWNDPREV), question.strLabel);
+    const HWND edit = GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT);
+    SetLabel(GetWindow(edit, GW_HWNDPREV), question.strLabel);
+    SetMask(edit, question.strMask);
     FitToText(hDialog, GetDlgItem(hDialog, IDC_ENTER_PIN_PROMPT));
     PlaceOver(hDialog, ParentOf(question));
 }
 
-void DressChangePin(HWND hDialog, const PinQuestion& question) {
+void DressChangePin(HWND hDialog, const PinQuestion& question, RepeatWords& repeatWords) {
     const HWND parent = ParentOf(question);
     if (parent != nullptr) {
         SetWindowLongPtrA(hDialog, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(parent));
@@ -65,6 +76,9 @@ void DressChangePin(HWND hDialog, const PinQuestion& question) {
         SetTextIfAny(instruction, question.strText);
         SetLabel(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_NEW_LABEL), question.strLabel);
         SetLabel(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL), question.strRepeatLabel);
+        SetMask(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_NEW_EDIT), question.strMask);
+        SetMask(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_CONFIRM_EDIT), question.strMask);
+        repeatWords.Watch(hDialog, FindWindowExA(panel, nullptr, "#32770", nullptr));
         FitToText(hDialog, instruction);
     }
     PlaceOver(hDialog, parent);
@@ -152,8 +166,9 @@ Answer LibraryInterface::AskNewPin(const PinQuestion& question, Secret& pin) {
     if (library == nullptr) {
         return Answer::NotShown;
     }
+    RepeatWords repeatWords(question);
     const DialogWatch watch(m_pChannel, question.nTimeout,
-                            [&](HWND hDialog) { DressChangePin(hDialog, question); });
+                            [&](HWND hDialog) { DressChangePin(hDialog, question, repeatWords); });
     const DisabledParent parent(ParentOf(question));
     PwdRuleArgs rules{};
     rules.dwMinPINLen = MVP_NO_PIN_LENGTH_RULE;
