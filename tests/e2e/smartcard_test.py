@@ -146,19 +146,23 @@ class SmartCardTest(unittest.TestCase):
                 self.check_card(applet, PIN, 3)
                 SESSION.await_card(self.slot, is_in=False)
         removed = {"result": "removed", "triesLeft": None}
-        for command in ("get-pin", "change-pin", "unlock"):
+        transport = ("--transport-pin", TRANSPORT_PIN)
+        for command, *options in (("get-pin",), ("change-pin",), ("unlock",), ("card-tool",),
+                                  ("reset", *transport), ("init-pin", *transport)):
             with self.subTest("under the dialog", command=command):
                 self.put_in()
-                process = self.open_dialog(command, "--card", f"pcsc:{self.slot.reader}")
+                process = self.open_dialog(command, *options, "--card", f"pcsc:{self.slot.reader}")
                 self.slot.pull()
                 self.finish(process, 1, removed)
-        self.put_in()
-        process = self.open_dialog("popup", "otp", "--otp-after", "1", "--stay", "60",
-                                   "--reader", self.slot.reader)
-        begin = time.monotonic()
-        self.slot.pull()
-        self.finish(process, 0, {"result": "shown"})
-        self.assertLess(time.monotonic() - begin, 20)
+        # One of a card's reader, and one that any card takes along.
+        for options in (("otp", "--otp-after", "1", "--reader", self.slot.reader), ("card-alert",)):
+            with self.subTest("under the notice", kind=options[0]):
+                self.put_in()
+                process = self.open_dialog("popup", *options, "--stay", "60")
+                begin = time.monotonic()
+                self.slot.pull()
+                self.finish(process, 0, {"result": "shown"})
+                self.assertLess(time.monotonic() - begin, 20)
 
     def test_readers(self):
         other = SESSION.slots[1]
