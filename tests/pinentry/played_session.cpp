@@ -113,25 +113,23 @@ public:
 
 private:
     Answer Ask(const char* pszKind, const PinQuestion& question, Secret& pin) {
-        Show(
-            pszKind, question,
-            {{"label", question.strLabel},
-             {"repeat", question.strRepeatLabel},
-             {"differ", question.strRepeatError},
-             {"same", question.strRepeatOk}},
-            [](const std::string& str) {
-                Secret utf8;
-                WesternCodePage().ToUtf8(Secret(str.begin(), str.end()), utf8);
-                return std::string(utf8.begin(), utf8.end());
-            },
-            question.strMask);
+        Show(pszKind, question,
+             {{"label", question.strLabel},
+              {"repeat", question.strRepeatLabel},
+              {"differ", question.strRepeatError},
+              {"same", question.strRepeatOk},
+              {"mask", question.strMask}},
+             [](const std::string& str) {
+                 Secret utf8;
+                 WesternCodePage().ToUtf8(Secret(str.begin(), str.end()), utf8);
+                 return std::string(utf8.begin(), utf8.end());
+             });
         return Act(pin);
     }
 
     template <class ToUtf8>
     void Show(const char* pszKind, const Window& window,
-              std::vector<std::pair<const char*, std::string>> parts, ToUtf8&& toUtf8,
-              const std::string& strMask = "") {
+              std::vector<std::pair<const char*, std::string>> parts, ToUtf8&& toUtf8) {
         const auto number = [](std::uint64_t n) { return n == 0 ? "" : std::to_string(n); };
         parts.insert(parts.begin(), {{"title", window.strTitle}, {"text", window.strText}});
         parts.insert(parts.end(), {{"ok", window.strOk},
@@ -145,7 +143,7 @@ private:
                 m_strEvents += std::string("; ") + name + ": " + OneLine(toUtf8(text));
             }
         }
-        m_strEvents += strMask.empty() ? "\n" : "; mask: " + strMask + "\n";
+        m_strEvents += "\n";
     }
 
     Answer Act(Secret& pin) {

@@ -195,7 +195,10 @@ std::optional<ErrorCode> ConnectionOptions::SetValue(std::string_view name,
 bool MakePinQuestion(const RequestSettings& settings, const ConnectionOptions& options,
                      const CodePage& codePage, PinQuestion& question) {
     FillWindow(settings, options, question);
-    question.strMask = options.strMask;
+    // One that cannot be shown is no reason not to ask.
+    if (!codePage.FromUtf8(options.strMask, question.strMask)) {
+        question.strMask.clear();
+    }
     question.strLabel = Label(FirstSet(settings.texts.strPrompt, options.strDefaultPrompt));
     if (settings.bRepeat) {
         question.strRepeatLabel = Label(settings.texts.strRepeat);

@@ -39,7 +39,7 @@ struct PinQuestion : Window {
     std::string strRepeatLabel;  // of the field that repeats it
     std::string strRepeatError;  // said while the two differ
     std::string strRepeatOk;     // said when they have come to be the same
-    std::string strMask;         // UTF-8; the character that is shown for each that is typed
+    std::string strMask;         // the character that is shown for each that is typed
 };
 
 // Texts are UTF-8.

@@ -4,7 +4,6 @@
 #include <exception>
 #include <utility>
 
-#include "pinentry/windows/code_page.h"
 #include "pinentry/windows/confirm_dialog.h"
 #include "pinentry/windows/dialog_watch.h"
 #include "pinentry/windows/repeat_words.h"
@@ -48,9 +47,8 @@ void DressWindow(HWND hDialog, const Window& window) {
 }
 
 void SetMask(HWND hEdit, const std::string& strMask) {
-    const std::wstring mask = WideFromUtf8(strMask);
-    if (mask.size() == 1) {
-        SendMessageW(hEdit, EM_SETPASSWORDCHAR, mask.front(), 0);
+    if (strMask.size() == 1) {
+        SendMessageA(hEdit, EM_SETPASSWORDCHAR, static_cast<unsigned char>(strMask.front()), 0);
     }
 }
 
