@@ -97,6 +97,13 @@ bool IsReady(HWND hDialog) {
            info.hwndFocus != nullptr && IsChild(hDialog, info.hwndFocus);
 }
 
+bool IsWholeOnScreen(HWND hWnd) {
+    RECT place{};
+    GetWindowRect(hWnd, &place);
+    return place.left >= 0 && place.top >= 0 && place.right <= GetSystemMetrics(SM_CXSCREEN) &&
+           place.bottom <= GetSystemMetrics(SM_CYSCREEN);
+}
+
 // hExcept: a dialog that is not meant; may be null.
 Json WaitForDialog(HWND hExcept) {
     const bool found = mvp::WaitFor(kDeadline, [=] {
@@ -111,6 +118,7 @@ Json WaitForDialog(HWND hExcept) {
     Json dialog{{"window", number(g_hDialog)},
                 {"owner", number(GetWindow(g_hDialog, GW_OWNER))},
                 {"topmost", (GetWindowLongA(g_hDialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0},
+                {"onScreen", IsWholeOnScreen(g_hDialog)},
                 {"title", TextOf(g_hDialog)},
                 {"texts", Json::array()},
                 {"masks", Json::array()},

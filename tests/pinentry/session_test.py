@@ -129,6 +129,16 @@ class SessionTest(unittest.TestCase):
             self.typist.press("escape")
             self.expect(program, "ERR 83886179 Operation cancelled")
 
+    def test_long_texts_stay_on_the_screen(self):
+        program = self.start()
+        self.request(program, *(f"{word} {'Wort ' * 150}" for word in (
+            "SETTITLE", "SETDESC", "SETPROMPT", "SETOK", "SETNOTOK", "SETCANCEL")))
+        for request in ("GETPIN", "CONFIRM"):
+            self.send(program, request)
+            self.assertTrue(self.typist.next()["onScreen"], request)
+            self.typist.press("escape")
+            self.expect(program, "ERR 83886179 Operation cancelled")
+
     def test_two_entries(self):
         program = self.start()
         self.request(program, "OPTION invisible-char=#", "SETREPEAT", "SETREPEATERROR They differ!")
