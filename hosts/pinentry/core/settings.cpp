@@ -195,10 +195,7 @@ std::optional<ErrorCode> ConnectionOptions::SetValue(std::string_view name,
 bool MakePinQuestion(const RequestSettings& settings, const ConnectionOptions& options,
                      const CodePage& codePage, PinQuestion& question) {
     FillWindow(settings, options, question);
-    // One that cannot be shown is no reason not to ask.
-    if (!codePage.FromUtf8(options.strMask, question.strMask)) {
-        question.strMask.clear();
-    }
+    question.strMask = options.strMask;
     question.strLabel = Label(FirstSet(settings.texts.strPrompt, options.strDefaultPrompt));
     if (settings.bRepeat) {
         question.strRepeatLabel = Label(settings.texts.strRepeat);
@@ -208,13 +205,20 @@ bool MakePinQuestion(const RequestSettings& settings, const ConnectionOptions& o
             question.strText = Paragraphs({question.strText, Shown(options.strConstraintsHint)});
         }
     }
-    const std::array texts{&question.strTitle,       &question.strText,    &question.strOk,
-                           &question.strCancel,      &question.strLabel,   &question.strRepeatLabel,
-                           &question.strRepeatError, &question.strRepeatOk};
-    return std::all_of(texts.begin(), texts.end(), [&](std::string* pText) {
+    const auto convert = [&](std::string* pText) {
         const std::string utf8 = *pText;
         return codePage.FromUtf8(utf8, *pText);
-    });
+    };
+    // For these the dialog has something of its own: they are no reason not to ask.
+    for (std::string* words :
+         {&question.strRepeatError, &question.strRepeatOk, &question.strMask}) {
+        if (!convert(words)) {
+            words->clear();
+        }
+    }
+    const std::array texts{&question.strTitle,  &question.strText,  &question.strOk,
+                           &question.strCancel, &question.strLabel, &question.strRepeatLabel};
+    return std::all_of(texts.begin(), texts.end(), convert);
 }
 
 Confirmation MakeConfirmation(const RequestSettings& settings, const ConnectionOptions& options,
