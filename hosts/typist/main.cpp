@@ -77,6 +77,10 @@ BOOL CALLBACK TellControl(HWND hWnd, LPARAM lParam) {
         dialog["buttons"].push_back(TextOf(hWnd));
     } else if (lstrcmpiA(name.c_str(), "Static") == 0) {
         dialog["texts"].push_back(TextOf(hWnd));
+    } else if (lstrcmpiA(name.c_str(), "Edit") == 0) {
+        DWORD_PTR mask = 0;
+        SendMessageTimeoutA(hWnd, EM_GETPASSWORDCHAR, 0, 0, SMTO_ABORTIFHUNG, 2000, &mask);
+        dialog["masks"].push_back(std::string(1, static_cast<char>(mask)));
     }
     return TRUE;
 }
@@ -93,6 +97,13 @@ bool IsReady(HWND hDialog) {
            info.hwndFocus != nullptr && IsChild(hDialog, info.hwndFocus);
 }
 
+bool IsWholeOnScreen(HWND hWnd) {
+    RECT place{};
+    GetWindowRect(hWnd, &place);
+    return place.left >= 0 && place.top >= 0 && place.right <= GetSystemMetrics(SM_CXSCREEN) &&
+           place.bottom <= GetSystemMetrics(SM_CYSCREEN);
+}
+
 // hExcept: a dialog that is not meant; may be null.
 Json WaitForDialog(HWND hExcept) {
     const bool found = mvp::WaitFor(kDeadline, [=] {
@@ -106,8 +117,11 @@ Json WaitForDialog(HWND hExcept) {
     const auto number = [](HWND hWnd) { return reinterpret_cast<UINT_PTR>(hWnd); };
     Json dialog{{"window", number(g_hDialog)},
                 {"owner", number(GetWindow(g_hDialog, GW_OWNER))},
+                {"topmost", (GetWindowLongA(g_hDialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0},
+                {"onScreen", IsWholeOnScreen(g_hDialog)},
                 {"title", TextOf(g_hDialog)},
                 {"texts", Json::array()},
+                {"masks", Json::array()},
                 {"buttons", Json::array()}};
     EnumChildWindows(g_hDialog, TellControl, reinterpret_cast<LPARAM>(&dialog));
     return dialog;

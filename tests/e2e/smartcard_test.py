@@ -75,6 +75,7 @@ class SmartCardTest(unittest.TestCase):
                 (3, 1, "wrong", 2, PIN, (*enter, "--type", WRONG_PIN)),
                 (1, 1, "blocked", 0, PIN, (*enter, "--type", WRONG_PIN)),
                 (0, 1, "blocked", 0, PIN, (*enter, "--type", PIN)),
+                (1, 1, "cancelled", 1, PIN, ("get-pin", "--press", "cancel")),
                 (2, 0, "changed", 3, NEW_PIN, (*change, "--type", PIN)),
                 (2, 1, "wrong", 1, PIN, (*change, "--type", WRONG_PIN))):
             with self.subTest(arguments[0], result=result, tries=tries):
@@ -95,7 +96,10 @@ class SmartCardTest(unittest.TestCase):
                 ({}, 1, "refused", PIN, 2, 3, None, (*init, TRANSPORT_PIN)),
                 ({}, 0, "reset", TRANSPORT_PIN, 3, 3, None, (*reset, "--type", PIN)),
                 ({"tries": 0}, 0, "reset", TRANSPORT_PIN, 3, 3, None,
-                 (*reset, "--route", "code", "--code", PUK))):
+                 (*reset, "--route", "code", "--code", PUK)),
+                ({"tries": 1}, 1, "blocked", PIN, 0, 3, None, (*reset, "--type", WRONG_PIN)),
+                ({"tries": 0}, 1, "wrong", PIN, 0, 2, 2,
+                 (*reset, "--route", "code", "--code", WRONG_PUK))):
             with self.subTest(arguments[0], result=result, **state):
                 applet = self.put_in(**state)
                 self.expect(code, {"result": result, "triesLeft": tries, "unlocksLeft": told},
@@ -146,19 +150,23 @@ class SmartCardTest(unittest.TestCase):
                 self.check_card(applet, PIN, 3)
                 SESSION.await_card(self.slot, is_in=False)
         removed = {"result": "removed", "triesLeft": None}
-        for command in ("get-pin", "change-pin", "unlock"):
+        transport = ("--transport-pin", TRANSPORT_PIN)
+        for command, *options in (("get-pin",), ("change-pin",), ("unlock",), ("card-tool",),
+                                  ("reset", *transport), ("init-pin", *transport)):
             with self.subTest("under the dialog", command=command):
                 self.put_in()
-                process = self.open_dialog(command, "--card", f"pcsc:{self.slot.reader}")
+                process = self.open_dialog(command, *options, "--card", f"pcsc:{self.slot.reader}")
                 self.slot.pull()
                 self.finish(process, 1, removed)
-        self.put_in()
-        process = self.open_dialog("popup", "otp", "--otp-after", "1", "--stay", "60",
-                                   "--reader", self.slot.reader)
-        begin = time.monotonic()
-        self.slot.pull()
-        self.finish(process, 0, {"result": "shown"})
-        self.assertLess(time.monotonic() - begin, 20)
+        # One of a card's reader, and one that any card takes along.
+        for options in (("otp", "--otp-after", "1", "--reader", self.slot.reader), ("card-alert",)):
+            with self.subTest("under the notice", kind=options[0]):
+                self.put_in()
+                process = self.open_dialog("popup", *options, "--stay", "60")
+                begin = time.monotonic()
+                self.slot.pull()
+                self.finish(process, 0, {"result": "shown"})
+                self.assertLess(time.monotonic() - begin, 20)
 
     def test_readers(self):
         other = SESSION.slots[1]

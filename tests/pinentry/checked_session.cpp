@@ -84,6 +84,7 @@ public:
     Answer AskPin(const PinQuestion& question, Secret& pin) override {
         Look(question.strLabel);
         Look(question.strRepeatLabel);
+        Look(question.strRepeatError);
         return Act(question, pin);
     }
     Answer AskNewPin(const PinQuestion& question, Secret& pin) override {

@@ -113,7 +113,12 @@ public:
 
 private:
     Answer Ask(const char* pszKind, const PinQuestion& question, Secret& pin) {
-        Show(pszKind, question, {{"label", question.strLabel}, {"repeat", question.strRepeatLabel}},
+        Show(pszKind, question,
+             {{"label", question.strLabel},
+              {"repeat", question.strRepeatLabel},
+              {"differ", question.strRepeatError},
+              {"same", question.strRepeatOk},
+              {"mask", question.strMask}},
              [](const std::string& str) {
                  Secret utf8;
                  WesternCodePage().ToUtf8(Secret(str.begin(), str.end()), utf8);

@@ -8,6 +8,7 @@ import pathlib
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 from typist import Typist, windows_path
@@ -16,7 +17,7 @@ PROGRAM = []  # set from the command line
 TYPIST = []
 TRANSCRIPTS = pathlib.Path(__file__).parent / "transcripts"
 CANARY = "Kanarienvogel-7351"
-CHOSEN = ("getpin_texts", "getpin_canceled", "getpin_error_comes_first", "getpin_timeout",
+CHOSEN = ("getpin_texts", "getpin_canceled", "getpin_closed", "getpin_error_comes_first", "getpin_timeout",
           "pin_with_umlauts", "pin_with_percent_signs", "new_pin_texts", "constraints_not_met",
           "confirm_refused", "confirm_closed", "confirm_any_script", "message_canceled",
           "label_access_keys", "text_outside_the_code_page", "option_language")
@@ -70,8 +71,14 @@ class SessionTest(unittest.TestCase):
             self.send(program, line)
             self.expect(program, "OK")
 
+    def await_text(self, text, gone):
+        end = time.monotonic() + 20
+        while text not in (texts := self.typist.wait()["texts"]) or gone in texts:
+            self.assertLess(time.monotonic(), end, texts)
+
     def check_window(self, dialog, line):
         """What the transcript names stands in the window; of what it does not, the window has its own."""
+        self.assertTrue(dialog["topmost"])
         shown = {"title": [dialog["title"]], "text": dialog["texts"], "label": dialog["texts"],
                  "repeat": dialog["texts"], "ok": dialog["buttons"], "no": dialog["buttons"],
                  "cancel": dialog["buttons"]}
@@ -121,6 +128,32 @@ class SessionTest(unittest.TestCase):
             self.assertIn("Abbrechen", self.typist.wait()["buttons"])
             self.typist.press("escape")
             self.expect(program, "ERR 83886179 Operation cancelled")
+
+    def test_long_texts_stay_on_the_screen(self):
+        program = self.start()
+        self.request(program, *(f"{word} {'Wort ' * 150}" for word in (
+            "SETTITLE", "SETDESC", "SETPROMPT", "SETOK", "SETNOTOK", "SETCANCEL")))
+        for request in ("GETPIN", "CONFIRM"):
+            self.send(program, request)
+            self.assertTrue(self.typist.next()["onScreen"], request)
+            self.typist.press("escape")
+            self.expect(program, "ERR 83886179 Operation cancelled")
+
+    def test_two_entries(self):
+        program = self.start()
+        self.request(program, "OPTION invisible-char=#", "SETREPEAT", "SETREPEATERROR They differ!")
+        self.send(program, "GETPIN")
+        dialog = self.typist.wait()
+        self.assertEqual(dialog["masks"], ["#", "#"])
+        own = "New PIN and confirmation match"
+        self.typist.type("ab")
+        self.await_text("They differ!", own)
+        self.typist.press("tab")
+        self.typist.type("ab")
+        # The client has no words for that.
+        self.await_text(own, "They differ!")
+        self.typist.press("escape")
+        self.expect(program, "ERR 83886179 Operation cancelled")
 
     def test_client_goes_while_a_window_is_open(self):
         for request in ("GETPIN", "SETREPEAT", "CONFIRM"):

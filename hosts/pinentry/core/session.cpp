@@ -77,8 +77,8 @@ const Session::Command* Session::Find(std::string_view name) {
         Command{"SETQUALITYBAR_TT", &RequestTexts::strQualityTip, nullptr},
         Command{"SETTIMEOUT", nullptr, &Session::OnSetTimeout},
         Command{"SETREPEAT", nullptr, &Session::OnSetRepeat},
-        Command{"SETREPEATERROR", nullptr, &Session::OnAccepted},
-        Command{"SETREPEATOK", nullptr, &Session::OnAccepted},
+        Command{"SETREPEATERROR", &RequestTexts::strRepeatError, nullptr},
+        Command{"SETREPEATOK", &RequestTexts::strRepeatOk, nullptr},
         Command{"SETQUALITYBAR", nullptr, &Session::OnSetQualityBar},
         Command{"SETGENPIN", nullptr, &Session::OnAccepted},
         Command{"SETGENPIN_TT", nullptr, &Session::OnAccepted},
@@ -311,7 +311,9 @@ std::optional<bool> Session::MeetsConstraints(const Secret& pin) {
         return std::nullopt;
     }
     if (!reason->empty()) {
-        TellRefusal(m_options.strConstraintsErrorTitle, *reason);
+        const std::string& hint = m_options.strConstraintsLongHint;
+        TellRefusal(m_options.strConstraintsErrorTitle,
+                    hint.empty() ? *reason : *reason + "\n\n" + hint);
     }
     return reason->empty();
 }

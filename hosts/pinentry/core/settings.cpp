@@ -26,11 +26,9 @@ constexpr std::array kAccepted{
     "default-tt-hide",
     "default-capshint",
     "allow-external-password-cache",
-    "invisible-char",
     "allow-emacs-prompt",
     "formatted-passphrase",
     "formatted-passphrase-hint",
-    "constraints-hint-long",
 };
 
 struct TextOption {
@@ -44,6 +42,7 @@ constexpr std::array kShownTexts{
     TextOption{"default-cancel", &ConnectionOptions::strDefaultCancel},
     TextOption{"default-prompt", &ConnectionOptions::strDefaultPrompt},
     TextOption{"constraints-hint-short", &ConnectionOptions::strConstraintsHint},
+    TextOption{"constraints-hint-long", &ConnectionOptions::strConstraintsLongHint},
     TextOption{"constraints-error-title", &ConnectionOptions::strConstraintsErrorTitle},
     TextOption{"display", &ConnectionOptions::strDisplay},
     TextOption{"ttyname", &ConnectionOptions::strTtyName},
@@ -77,11 +76,23 @@ std::string Shown(std::string text) {
     return text;
 }
 
+bool IsOneCharacter(std::string_view text) {
+    const auto begins = [](char ch) { return (static_cast<unsigned char>(ch) & 0xC0U) != 0x80U; };
+    return IsUtf8(text) && Shown(std::string(text)) == text &&
+           std::count_if(text.begin(), text.end(), begins) == 1;
+}
+
+std::string OneLine(const std::string& strText) {
+    std::string line = Shown(strText);
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    return line;
+}
+
 // One line. The first "_" marks the access key, two stand for one.
 std::string Label(const std::string& strText) {
     std::string label;
     bool hasKey = false;
-    const std::string shown = Shown(strText);
+    const std::string shown = OneLine(strText);
     for (std::size_t i = 0; i < shown.size(); ++i) {
         const char ch = shown[i];
         const bool isMark = ch == '_' && i + 1 < shown.size();
@@ -90,7 +101,7 @@ std::string Label(const std::string& strText) {
             hasKey = true;
             continue;
         }
-        label.append(ch == '&' ? "&&" : std::string(1, ch == '\n' ? ' ' : ch));
+        label.append(ch == '&' ? "&&" : std::string(1, ch));
         i += isMark && shown[i + 1] == '_' ? 1U : 0U;
     }
     return label;
@@ -112,8 +123,7 @@ std::string Paragraphs(std::initializer_list<std::string> parts) {
 
 void FillWindow(const RequestSettings& settings, const ConnectionOptions& options, Window& window) {
     const RequestTexts& texts = settings.texts;
-    window.strTitle = Shown(texts.strTitle);
-    std::replace(window.strTitle.begin(), window.strTitle.end(), '\n', ' ');
+    window.strTitle = OneLine(texts.strTitle);
     // What was wrong is what the user has to see first.
     window.strText = Paragraphs({Shown(texts.strError), Shown(texts.strDescription)});
     window.strOk = Label(FirstSet(texts.strOk, options.strDefaultOk));
@@ -128,6 +138,8 @@ void FillWindow(const RequestSettings& settings, const ConnectionOptions& option
 void RequestSettings::ForgetWindow() {
     texts.strError.clear();
     texts.strRepeat.clear();
+    texts.strRepeatError.clear();
+    texts.strRepeatOk.clear();
     texts.strQualityTip.clear();
     bRepeat = false;
     bQuality = false;
@@ -162,6 +174,11 @@ std::optional<ErrorCode> ConnectionOptions::SetValue(std::string_view name,
         strLanguage = LanguageOf(value);
         return std::nullopt;
     }
+    if (name == "invisible-char") {
+        const bool taken = value.empty() || IsOneCharacter(value);
+        strMask = taken ? value : "";
+        return taken ? std::nullopt : std::optional(ErrorCode::InvalidValue);
+    }
     if (name == "constraints-enforce") {
         bConstraints = true;
         return std::nullopt;
@@ -178,19 +195,30 @@ std::optional<ErrorCode> ConnectionOptions::SetValue(std::string_view name,
 bool MakePinQuestion(const RequestSettings& settings, const ConnectionOptions& options,
                      const CodePage& codePage, PinQuestion& question) {
     FillWindow(settings, options, question);
+    question.strMask = options.strMask;
     question.strLabel = Label(FirstSet(settings.texts.strPrompt, options.strDefaultPrompt));
     if (settings.bRepeat) {
         question.strRepeatLabel = Label(settings.texts.strRepeat);
+        question.strRepeatError = OneLine(settings.texts.strRepeatError);
+        question.strRepeatOk = OneLine(settings.texts.strRepeatOk);
         if (options.bConstraints) {
             question.strText = Paragraphs({question.strText, Shown(options.strConstraintsHint)});
         }
     }
-    const std::array texts{&question.strTitle,  &question.strText,  &question.strOk,
-                           &question.strCancel, &question.strLabel, &question.strRepeatLabel};
-    return std::all_of(texts.begin(), texts.end(), [&](std::string* pText) {
+    const auto convert = [&](std::string* pText) {
         const std::string utf8 = *pText;
         return codePage.FromUtf8(utf8, *pText);
-    });
+    };
+    // For these the dialog has something of its own: they are no reason not to ask.
+    for (std::string* words :
+         {&question.strRepeatError, &question.strRepeatOk, &question.strMask}) {
+        if (!convert(words)) {
+            words->clear();
+        }
+    }
+    const std::array texts{&question.strTitle,  &question.strText,  &question.strOk,
+                           &question.strCancel, &question.strLabel, &question.strRepeatLabel};
+    return std::all_of(texts.begin(), texts.end(), convert);
 }
 
 Confirmation MakeConfirmation(const RequestSettings& settings, const ConnectionOptions& options,

@@ -24,6 +24,8 @@ struct RequestTexts {
     std::string strNotOk;
     std::string strCancel;
     std::string strRepeat;
+    std::string strRepeatError;
+    std::string strRepeatOk;
     std::string strQualityTip;
 };
 
@@ -43,11 +45,13 @@ struct ConnectionOptions {
     std::string strDefaultCancel;
     std::string strDefaultPrompt;
     std::string strConstraintsHint;
+    std::string strConstraintsLongHint;
     std::string strConstraintsErrorTitle;
     std::string strDisplay;
     std::string strTtyName;
     std::string strTtyType;
     std::string strLanguage;
+    std::string strMask;  // one character
     std::uint64_t nParent = 0;
     bool bConstraints = false;
 

@@ -37,6 +37,9 @@ struct Window {
 struct PinQuestion : Window {
     std::string strLabel;        // of the PIN's field
     std::string strRepeatLabel;  // of the field that repeats it
+    std::string strRepeatError;  // said while the two differ
+    std::string strRepeatOk;     // said when they have come to be the same
+    std::string strMask;         // the character that is shown for each that is typed
 };
 
 // Texts are UTF-8.

@@ -15,7 +15,6 @@ namespace {
 struct Question {
     HWND hParent;
     const Confirmation& confirmation;
-    bool& bClosed;
 };
 
 void SetText(HWND hWnd, const std::string& strText) {
@@ -107,25 +106,17 @@ INT_PTR OnCommand(HWND hDialog, WORD nId) {
 
 INT_PTR CALLBACK DialogProc(HWND hDialog, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     if (nMessage == WM_INITDIALOG) {
-        SetWindowLongPtrW(hDialog, DWLP_USER, lParam);
         const auto& question = *reinterpret_cast<const Question*>(lParam);
         mvp::Guarded([&] { OnInitDialog(hDialog, question); }, [&] { EndDialog(hDialog, -1); });
         return TRUE;
-    }
-    if (nMessage == WM_SYSCOMMAND && (wParam & 0xFFF0) == SC_CLOSE) {
-        const auto* question =
-            reinterpret_cast<const Question*>(GetWindowLongPtrW(hDialog, DWLP_USER));
-        question->bClosed = true;
-        return FALSE;
     }
     return nMessage == WM_COMMAND ? OnCommand(hDialog, LOWORD(wParam)) : FALSE;
 }
 
 }  // namespace
 
-int RunConfirmDialog(HWND hParent, const Confirmation& confirmation, bool& bClosed) {
-    bClosed = false;
-    Question question{hParent, confirmation, bClosed};
+int RunConfirmDialog(HWND hParent, const Confirmation& confirmation) {
+    Question question{hParent, confirmation};
     return static_cast<int>(DialogBoxParamW(GetModuleHandleW(nullptr),
                                             MAKEINTRESOURCEW(IDD_CONFIRM), hParent, DialogProc,
                                             reinterpret_cast<LPARAM>(&question)));

@@ -8,7 +8,7 @@
 namespace pinentry {
 
 // Returns IDOK, IDNO, IDCANCEL, or -1 when no window could be opened. hParent is disabled
-// meanwhile; may be null. bClosed: set when the window's close button was used.
-int RunConfirmDialog(HWND hParent, const Confirmation& confirmation, bool& bClosed);
+// meanwhile; may be null.
+int RunConfirmDialog(HWND hParent, const Confirmation& confirmation);
 
 }  // namespace pinentry

@@ -61,7 +61,10 @@ Answer DialogWatch::Result(bool bConfirmed) const {
     if (m_ending) {
         return *m_ending;
     }
-    return m_bOpen ? Answer::Canceled : Answer::NotShown;
+    if (!m_bOpen) {
+        return Answer::NotShown;
+    }
+    return m_bClosed ? Answer::Closed : Answer::Canceled;
 }
 
 // The dialog is not ready yet. Its loop takes the posted message before it shows the dialog.
@@ -72,6 +75,10 @@ LRESULT CALLBACK DialogWatch::OnHook(int nCode, WPARAM wParam, LPARAM lParam) {
         IsDialog(window, *reinterpret_cast<const CBT_CREATEWNDA*>(lParam)->lpcs)) {
         watch->m_hDialog = window;
         PostMessageA(watch->m_hWnd, kDialogMade, 0, 0);
+    }
+    // Whoever made the dialog takes its close button for the one that cancels.
+    if (nCode == HCBT_SYSCOMMAND && watch != nullptr && (wParam & 0xFFF0) == SC_CLOSE) {
+        watch->m_bClosed = true;
     }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }

@@ -49,6 +49,7 @@ private:
     std::optional<Answer> m_ending;
     HWND m_hDialog = nullptr;
     bool m_bOpen = false;
+    bool m_bClosed = false;
     HWND m_hWnd;
     HHOOK m_hHook;
 };

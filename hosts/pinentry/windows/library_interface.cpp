@@ -6,6 +6,7 @@
 
 #include "pinentry/windows/confirm_dialog.h"
 #include "pinentry/windows/dialog_watch.h"
+#include "pinentry/windows/repeat_words.h"
 #include "pinentry/windows/window_layout.h"
 #include "resources/resource_numbers.h"
 
@@ -45,14 +46,22 @@ void DressWindow(HWND hDialog, const Window& window) {
     ArrangeButtons(hDialog, {IDOK, IDCANCEL});
 }
 
+void SetMask(HWND hEdit, const std::string& strMask) {
+    if (strMask.size() == 1) {
+        SendMessageA(hEdit, EM_SETPASSWORDCHAR, static_cast<unsigned char>(strMask.front()), 0);
+    }
+}
+
 void DressEnterPin(HWND hDialog, const PinQuestion& question) {
     DressWindow(hDialog, question);
-    SetLabel(GetWindow(GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT), GW_HWNDPREV), question.strLabel);
+    const HWND edit = GetDlgItem(hDialog, IDC_ENTER_PIN_EDIT);
+    SetLabel(GetWindow(edit, GW_HWNDPREV), question.strLabel);
+    SetMask(edit, question.strMask);
     FitToText(hDialog, GetDlgItem(hDialog, IDC_ENTER_PIN_PROMPT));
     PlaceOver(hDialog, ParentOf(question));
 }
 
-void DressChangePin(HWND hDialog, const PinQuestion& question) {
+void DressChangePin(HWND hDialog, const PinQuestion& question, RepeatWords& repeatWords) {
     const HWND parent = ParentOf(question);
     if (parent != nullptr) {
         SetWindowLongPtrA(hDialog, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(parent));
@@ -65,9 +74,14 @@ void DressChangePin(HWND hDialog, const PinQuestion& question) {
         SetTextIfAny(instruction, question.strText);
         SetLabel(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_NEW_LABEL), question.strLabel);
         SetLabel(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_CONFIRM_LABEL), question.strRepeatLabel);
+        SetMask(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_NEW_EDIT), question.strMask);
+        SetMask(GetDlgItem(panel, IDC_CHANGE_PIN_PANEL_CONFIRM_EDIT), question.strMask);
+        repeatWords.Watch(hDialog, FindWindowExA(panel, nullptr, "#32770", nullptr));
         FitToText(hDialog, instruction);
     }
     PlaceOver(hDialog, parent);
+    // As the enter-PIN dialog does: a program in the background is not given the foreground.
+    SetWindowPos(hDialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 // The library's buffer, given back however the request ends.
@@ -150,8 +164,9 @@ Answer LibraryInterface::AskNewPin(const PinQuestion& question, Secret& pin) {
     if (library == nullptr) {
         return Answer::NotShown;
     }
+    RepeatWords repeatWords(question);
     const DialogWatch watch(m_pChannel, question.nTimeout,
-                            [&](HWND hDialog) { DressChangePin(hDialog, question); });
+                            [&](HWND hDialog) { DressChangePin(hDialog, question, repeatWords); });
     const DisabledParent parent(ParentOf(question));
     PwdRuleArgs rules{};
     rules.dwMinPINLen = MVP_NO_PIN_LENGTH_RULE;
@@ -173,15 +188,9 @@ Answer LibraryInterface::AskNewPin(const PinQuestion& question, Secret& pin) {
 }
 
 Answer LibraryInterface::Confirm(const Confirmation& confirmation) {
-    int pressed = 0;
-    bool isClosed = false;
     const DialogWatch watch(m_pChannel, confirmation.nTimeout, [](HWND) {});
-    pressed = RunConfirmDialog(ParentOf(confirmation), confirmation, isClosed);
-    if (pressed == IDNO) {
-        return Answer::NotConfirmed;
-    }
-    const Answer answer = watch.Result(pressed == IDOK);
-    return answer == Answer::Canceled && isClosed ? Answer::Closed : answer;
+    const int pressed = RunConfirmDialog(ParentOf(confirmation), confirmation);
+    return pressed == IDNO ? Answer::NotConfirmed : watch.Result(pressed == IDOK);
 }
 
 }  // namespace pinentry

@@ -142,7 +142,10 @@ int ArrangeButtons(HWND hDialog, const std::vector<int>& ids) {
                      SWP_NOZORDER | SWP_NOACTIVATE);
         right -= width + gaps.left;
     }
-    return std::max(sum - room, 0);
+    RECT dialog{};
+    GetWindowRect(hDialog, &dialog);
+    const int left = std::max(Width(WorkAreaAt(hDialog)) - Width(dialog), 0);
+    return std::clamp(sum - room, 0, left);
 }
 
 void PlaceOver(HWND hDialog, HWND hOwner) {

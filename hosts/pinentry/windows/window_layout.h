@@ -19,7 +19,7 @@ void FitToText(HWND hDialog, HWND hControl);
 
 // Puts the buttons into a row that ends at the dialog's right margin, as wide as the widest of them
 // needs; where the row has no room for that, each as wide as it needs itself. Returns by how much
-// the dialog is too narrow for that as well; 0: it is not.
+// the dialog is too narrow for that as well, as far as the screen has room; 0: it is not.
 int ArrangeButtons(HWND hDialog, const std::vector<int>& ids);
 
 // Over the middle of the owner, or of the work area; whole in the work area.
