@@ -43,7 +43,7 @@ class ScriptsTest(unittest.TestCase):
                                  'echo "$DISPLAY $LC_ALL $*"\n', 0o755)
         program = self.top / "build/windows/bin/pinentry.exe"
         environment = {"PATH": f"{self.folder}/tools:{os.environ['PATH']}", "MVP_WINE_SESSION": "",
-                       "MVP_WINE_PREFIX": str(self.folder / "prefix"), "DISPLAY": ":1"}
+                       "MVP_WINE_PREFIX": str(self.folder / "prefix"), "DISPLAY": ":1", "LC_ALL": "de_DE.UTF-8"}
         for made, code, words in (("prefix/.complete", 3, "not built yet"),
                                   ("top/build/windows/bin/pinentry.exe", 3, "Wine does not start")):
             self.write(made, "")
@@ -53,7 +53,8 @@ class ScriptsTest(unittest.TestCase):
         for display, *arguments in ((":1", "Zoë:"), (":2", "--display", ":2", "--debug"),
                                     (":3", "--display=:3", "--debug")):
             ended = self.run_script("pinentry", *arguments, **environment, CODE="0")
-            self.assertEqual(ended.stdout, f"{display} C.UTF-8 {program} {' '.join(arguments)}\n")
+            self.assertEqual(ended.stdout, f"{display} C.UTF-8 {program} --lc-messages=de_DE.UTF-8 "
+                                           f"{' '.join(arguments)}\n")
 
     def test_lint_passes_nothing_unchecked(self):
         for name in (".clang-format", ".clang-tidy"):

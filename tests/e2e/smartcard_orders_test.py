@@ -85,7 +85,10 @@ class Desk:
     def await_dialog(self):
         wait_until(lambda: self.is_open() or self.output is not None,
                    f"the dialog on {self.slot.reader} is open")
-        assert self.output is None, f"no dialog on {self.slot.reader}: {self.output}"
+        if self.output is not None:
+            _, error = self.process.communicate(timeout=20)
+            raise AssertionError(f"no dialog on {self.slot.reader}: code {self.process.returncode}, "
+                                 f"{self.output!r}, {error!r}")
 
     def read(self, process):
         output = process.stdout.readline()
@@ -164,9 +167,9 @@ def run_orders(session, latencies):
                 pulled = rng.choice(([desks[0]], [desks[1]], desks, desks[::-1]))
                 pull_and_check(desks, pulled, rng, latencies)
     finally:
+        print(f"{order + 1} of {ORDERS} orders, seed {SEED}")
         for desk in desks:
             desk.end()
-        print(f"{order + 1} of {ORDERS} orders, seed {SEED}")
 
 
 def tell(latencies):

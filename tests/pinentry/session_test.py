@@ -127,10 +127,11 @@ class SessionTest(unittest.TestCase):
 
     def test_own_texts_of_a_language(self):
         program = self.start("--lc-messages", "de_DE.UTF-8")
-        self.send(program, "GETPIN")
-        self.assertIn("Abbrechen", self.typist.wait()["buttons"])
-        self.typist.press("escape")
-        self.expect(program, "ERR 83886179 Operation cancelled")
+        for request in ("GETPIN", "CONFIRM"):
+            self.send(program, request)
+            self.assertIn("Abbrechen", self.typist.wait()["buttons"])
+            self.typist.press("escape")
+            self.expect(program, "ERR 83886179 Operation cancelled")
         program = self.start("--lc-messages", "xx")  # which has none
         self.send(program, "GETPIN")
         self.assertIn("Cancel", self.typist.next()["buttons"])

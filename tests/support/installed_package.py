@@ -67,13 +67,8 @@ class Release:
         command = [*how, *arguments]
         command.insert(1, f"Z:{self.package}")
         environment = {**os.environ, "WINEDEBUG": "-all,err+all,warn+msi"}
-        # Once in some hundred times Wine cannot start its installer. It says so and nothing has run.
-        for _ in range(3):
-            done = wine("msiexec", *command, "/qn", env=environment)
-            said = (done.stdout + done.stderr).decode(errors="replace")
-            if "Application could not be started" not in said:
-                break
-        return done.returncode, said
+        done = wine("msiexec", *command, "/qn", env=environment)
+        return done.returncode, (done.stdout + done.stderr).decode(errors="replace")
 
     def staged(self, name):
         return digest(self.stage / name)

@@ -1,6 +1,7 @@
 #include "pinentry/core/askpass.h"
 
 #include "pinentry/core/escaping.h"
+#include "pinentry/core/words.h"
 
 namespace pinentry {
 namespace {
@@ -68,21 +69,22 @@ int RunAskpass(const AskpassRequest& request, Channel& output, UserInterface& us
     if (!IsUtf8(request.strPrompt)) {
         return kAskpassFailed;
     }
+    const Words& words = WordsOf(request.options.strLanguage);
     RequestSettings settings;
     settings.texts.strDescription = request.strPrompt;
-    settings.texts.strPrompt = "_Answer:";
+    settings.texts.strPrompt = words.pszAnswer;
     settings.nTimeout = request.nTimeout;
     const AskpassKind kind = KindOf(request.strPrompt, request.strHint);
     if (kind == AskpassKind::Typed) {
         return AskSecret(settings, request.options, output, user, codePage);
     }
     if (kind != AskpassKind::Message) {
-        settings.texts.strOk = "_Yes";
+        settings.texts.strOk = words.pszYes;
     }
     if (kind == AskpassKind::YesNo) {
-        settings.texts.strNotOk = "_No";
+        settings.texts.strNotOk = words.pszNo;
     } else if (kind == AskpassKind::Confirm) {
-        settings.texts.strCancel = "_No";
+        settings.texts.strCancel = words.pszNo;
     }
     const Confirmation confirmation =
         MakeConfirmation(settings, request.options, kind == AskpassKind::Message);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "pinentry/core/escaping.h"
+#include "pinentry/core/words.h"
 
 namespace pinentry {
 namespace {
@@ -325,7 +326,7 @@ std::optional<bool> Session::IsGoodEnough(const Secret& pin) {
     const bool refused = percent->substr(0, 1) == "-";
     if (refused) {
         const std::string& tip = m_settings.texts.strQualityTip;
-        TellRefusal("", tip.empty() ? "This is too easily guessed." : tip);
+        TellRefusal("", tip.empty() ? WordsOf(m_options.strLanguage).pszTooSimple : tip);
     }
     return !refused;
 }

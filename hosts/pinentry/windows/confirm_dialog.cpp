@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "pinentry/core/words.h"
 #include "pinentry/windows/code_page.h"
 #include "pinentry/windows/confirm_resources.h"
 #include "pinentry/windows/window_layout.h"
@@ -17,10 +18,21 @@ struct Question {
     bool& bClosed;
 };
 
-void SetTextIfAny(HWND hWnd, const std::string& strText) {
-    if (!strText.empty()) {
-        SetWindowTextW(hWnd, WideFromUtf8(strText).c_str());
-    }
+void SetText(HWND hWnd, const std::string& strText) {
+    SetWindowTextW(hWnd, WideFromUtf8(strText).c_str());
+}
+
+const std::string& FirstSet(const std::string& str, const std::string& strElse) {
+    return str.empty() ? strElse : str;
+}
+
+void SetTexts(HWND hDialog, const Confirmation& confirmation) {
+    const Words& words = WordsOf(confirmation.strLanguage);
+    SetText(hDialog, FirstSet(confirmation.strTitle, words.pszTitle));
+    SetText(GetDlgItem(hDialog, IDC_CONFIRM_TEXT), confirmation.strText);
+    SetText(GetDlgItem(hDialog, IDOK), FirstSet(confirmation.strOk, words.pszOk));
+    SetText(GetDlgItem(hDialog, IDNO), confirmation.strNotOk);
+    SetText(GetDlgItem(hDialog, IDCANCEL), FirstSet(confirmation.strCancel, words.pszCancel));
 }
 
 void Widen(HWND hWnd, int nBy) {
@@ -77,11 +89,7 @@ void OnInitDialog(HWND hDialog, const Question& question) {
         IMAGE_ICON, 0, 0, LR_SHARED | LR_DEFAULTSIZE);
     SendDlgItemMessageW(hDialog, IDC_CONFIRM_ICON, STM_SETIMAGE, IMAGE_ICON,
                         reinterpret_cast<LPARAM>(icon));
-    SetTextIfAny(hDialog, confirmation.strTitle);
-    SetTextIfAny(GetDlgItem(hDialog, IDC_CONFIRM_TEXT), confirmation.strText);
-    SetTextIfAny(GetDlgItem(hDialog, IDOK), confirmation.strOk);
-    SetTextIfAny(GetDlgItem(hDialog, IDNO), confirmation.strNotOk);
-    SetTextIfAny(GetDlgItem(hDialog, IDCANCEL), confirmation.strCancel);
+    SetTexts(hDialog, confirmation);
     ShowButtons(hDialog, confirmation);
     FitText(hDialog);
     PlaceOver(hDialog, question.hParent);

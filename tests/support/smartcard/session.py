@@ -3,6 +3,7 @@
 import contextlib
 import os
 import pathlib
+import shutil
 import subprocess
 import tempfile
 import time
@@ -40,7 +41,8 @@ def wait_until(condition, what, seconds=20.0):
 class Session(contextlib.ExitStack):
     def __init__(self, program, library, reader):
         super().__init__()
-        self.program = program
+        # It runs in a folder of the test's.
+        self.program = [os.path.abspath(shutil.which(part) or part) for part in program]
         self.folder = pathlib.Path(self.enter_context(tempfile.TemporaryDirectory()))
         self.service = SmartCardService(reader)
         self.callback(self.service.close)
