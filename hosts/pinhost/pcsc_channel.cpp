@@ -125,8 +125,8 @@ std::string PcscChannel::ReaderWithCard() const {
     if (length > kReaderListMax) {
         Fail(SCARD_E_INSUFFICIENT_BUFFER);
     }
-    // One terminator more than there should be, in case that the last one is missing.
-    std::vector<char> list(length + 1);
+    // Two terminators more than there should be, in case that the last name lacks its own as well.
+    std::vector<char> list(length + 2);
     Expect(m_functions.pListReaders(m_hContext, nullptr, list.data(), &length));
     std::vector<SCARD_READERSTATEA> states;
     for (const char* name = list.data(); *name != '\0'; name += std::strlen(name) + 1) {

@@ -3,7 +3,7 @@
 // It reads an order a line and answers each with one line of JSON: null for done, a dialog, or the
 // member "error".
 //
-//     wait           waits for a dialog that can be used, and tells its texts
+//     wait           waits for a dialog that can be used, and tells its texts and places
 //     next           the same, for another dialog than the last one
 //     type TEXT      types into the edit with the focus (UTF-8)
 //     key NAME       presses enter, escape, tab, space, close (Alt+F4) or alt+LETTER
@@ -67,20 +67,58 @@ BOOL CALLBACK TakeDialog(HWND hWnd, LPARAM lParam) {
     return FALSE;
 }
 
+RECT PlaceOf(HWND hWnd) {
+    RECT place{};
+    GetWindowRect(hWnd, &place);
+    return place;
+}
+
+// What the windows around it, and the screen, let be seen of it.
+RECT VisiblePart(HWND hWnd) {
+    RECT part = PlaceOf(hWnd);
+    for (HWND outer = GetAncestor(hWnd, GA_PARENT); outer != nullptr;
+         outer = GetAncestor(outer, GA_PARENT)) {
+        RECT room{};
+        GetClientRect(outer, &room);
+        MapWindowPoints(outer, nullptr, reinterpret_cast<POINT*>(&room), 2);
+        const RECT seen = part;
+        IntersectRect(&part, &seen, &room);
+    }
+    return part;
+}
+
+Json Told(const RECT& rect) {
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}
+
+void TellPlace(Json& dialog, const std::string& strText, HWND hWnd) {
+    const RECT place = PlaceOf(hWnd);
+    const RECT part = VisiblePart(hWnd);
+    dialog["places"][strText] = Told(place);
+    if (!EqualRect(&place, &part)) {
+        dialog["cut"].push_back(strText);
+    }
+}
+
 BOOL CALLBACK TellControl(HWND hWnd, LPARAM lParam) {
     auto& dialog = *reinterpret_cast<Json*>(lParam);
     const std::string name = mvp::ClassOf(hWnd);
+    const bool isButton = lstrcmpiA(name.c_str(), "Button") == 0;
     if (!IsWindowVisible(hWnd)) {
         return TRUE;
     }
-    if (lstrcmpiA(name.c_str(), "Button") == 0) {
-        dialog["buttons"].push_back(TextOf(hWnd));
-    } else if (lstrcmpiA(name.c_str(), "Static") == 0) {
-        dialog["texts"].push_back(TextOf(hWnd));
-    } else if (lstrcmpiA(name.c_str(), "Edit") == 0) {
+    if (lstrcmpiA(name.c_str(), "Edit") == 0) {
         DWORD_PTR mask = 0;
         SendMessageTimeoutA(hWnd, EM_GETPASSWORDCHAR, 0, 0, SMTO_ABORTIFHUNG, 2000, &mask);
         dialog["masks"].push_back(std::string(1, static_cast<char>(mask)));
+    }
+    if (!isButton && lstrcmpiA(name.c_str(), "Static") != 0) {
+        return TRUE;
+    }
+    const std::string text = TextOf(hWnd);
+    dialog[isButton ? "buttons" : "texts"].push_back(text);
+    if (!text.empty()) {
+        TellPlace(dialog, text, hWnd);
     }
     return TRUE;
 }
@@ -115,32 +153,44 @@ Json WaitForDialog(HWND hExcept) {
         throw std::runtime_error("no dialog was opened");
     }
     const auto number = [](HWND hWnd) { return reinterpret_cast<UINT_PTR>(hWnd); };
+    const HWND owner = GetWindow(g_hDialog, GW_OWNER);
+    // `cut`: what is not seen whole.
     Json dialog{{"window", number(g_hDialog)},
-                {"owner", number(GetWindow(g_hDialog, GW_OWNER))},
+                {"owner", number(owner)},
+                {"ownerTakesInput", IsWindowEnabled(owner) != FALSE},
                 {"topmost", (GetWindowLongA(g_hDialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0},
                 {"onScreen", IsWholeOnScreen(g_hDialog)},
                 {"title", TextOf(g_hDialog)},
                 {"texts", Json::array()},
                 {"masks", Json::array()},
-                {"buttons", Json::array()}};
+                {"buttons", Json::array()},
+                {"place", Told(PlaceOf(g_hDialog))},
+                {"places", Json::object()},
+                {"cut", Json::array()}};
     EnumChildWindows(g_hDialog, TellControl, reinterpret_cast<LPARAM>(&dialog));
     return dialog;
 }
 
+void Expect(bool bSent) {
+    if (!bSent) {
+        throw std::runtime_error("the system refused the key strokes");
+    }
+}
+
 void Press(const std::string& strName) {
     if (strName == "close") {
-        mvp::SendKey(VK_F4, {VK_MENU});
+        Expect(mvp::SendKey(VK_F4, {VK_MENU}));
     } else if (strName.rfind("alt+", 0) == 0 && strName.size() == 5) {
         const SHORT key = VkKeyScanA(strName.back());
-        mvp::SendKey(static_cast<WORD>(key & 0xFF), {VK_MENU});
+        Expect(mvp::SendKey(static_cast<WORD>(key & 0xFF), {VK_MENU}));
     } else if (strName == "enter") {
-        mvp::SendKey(VK_RETURN);
+        Expect(mvp::SendKey(VK_RETURN));
     } else if (strName == "escape") {
-        mvp::SendKey(VK_ESCAPE);
+        Expect(mvp::SendKey(VK_ESCAPE));
     } else if (strName == "tab") {
-        mvp::SendKey(VK_TAB);
+        Expect(mvp::SendKey(VK_TAB));
     } else if (strName == "space") {
-        mvp::SendKey(VK_SPACE);
+        Expect(mvp::SendKey(VK_SPACE));
     } else {
         throw std::runtime_error("no such key: " + strName);
     }
@@ -161,7 +211,7 @@ Json Obey(const std::string& strOrder) {
         return WaitForDialog(word == "next" ? g_hDialog : nullptr);
     }
     if (word == "type") {
-        mvp::SendText(Converted(rest, CP_UTF8, CP_ACP));
+        Expect(mvp::SendText(Converted(rest, CP_UTF8, CP_ACP)));
     } else if (word == "key") {
         Press(rest);
     } else if (word == "picture") {

@@ -38,6 +38,24 @@ class ScriptsTest(unittest.TestCase):
         return subprocess.run([self.top / "scripts" / name, *arguments], cwd=self.top, timeout=60,
                               env={**os.environ, **environment}, capture_output=True, text=True)
 
+    def test_pinentry_finds_display_and_wine(self):
+        self.write("tools/wine", '#!/bin/sh\n[ "$1" = cmd ] && exit "$CODE"\n'
+                                 'echo "$DISPLAY $LC_ALL $*"\n', 0o755)
+        program = self.top / "build/windows/bin/pinentry.exe"
+        environment = {"PATH": f"{self.folder}/tools:{os.environ['PATH']}", "MVP_WINE_SESSION": "",
+                       "MVP_WINE_PREFIX": str(self.folder / "prefix"), "DISPLAY": ":1", "LC_ALL": "de_DE.UTF-8"}
+        for made, code, words in (("prefix/.complete", 3, "not built yet"),
+                                  ("top/build/windows/bin/pinentry.exe", 3, "Wine does not start")):
+            self.write(made, "")
+            ended = self.run_script("pinentry", "Password:", **environment, CODE="7")
+            self.assertEqual((ended.returncode, ended.stdout), (code, ""))
+            self.assertIn(words, ended.stderr)
+        for display, *arguments in ((":1", "Zoë:"), (":2", "--display", ":2", "--debug"),
+                                    (":3", "--display=:3", "--debug")):
+            ended = self.run_script("pinentry", *arguments, **environment, CODE="0")
+            self.assertEqual(ended.stdout, f"{display} C.UTF-8 {program} --lc-messages=de_DE.UTF-8 "
+                                           f"{' '.join(arguments)}\n")
+
     def test_lint_passes_nothing_unchecked(self):
         for name in (".clang-format", ".clang-tidy"):
             shutil.copy(TOP / name, self.top / name)

@@ -11,9 +11,11 @@ import pathlib
 import sys
 import time
 import unittest
+from unittest import mock
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support/smartcard"))
 
+import bridge  # noqa: E402
 from card import CHANGE, SELECT, UNBLOCK, VERIFY, PivApplet, padded  # noqa: E402
 from session import Session, wait_until  # noqa: E402
 
@@ -23,6 +25,7 @@ CODE, WRONG_CODE = PUK.encode().hex(), WRONG_PUK.encode().hex()  # as they are t
 SECRETS = (PIN, NEW_PIN, WRONG_PIN, PUK, WRONG_PUK, TRANSPORT_PIN, CODE, WRONG_CODE)
 PIN_COMMANDS = {VERIFY, CHANGE, UNBLOCK}
 OK = ("--press", "ok")
+SHARING, UNAVAILABLE, RESET, REMOVED = 0x8010000B, 0x80100017, 0x80100068, 0x80100069
 # The service appends the slot, and the name is as long as one may be: 127 bytes.
 READER = "Veskara Test Reader with a name that is as long as one may be ".ljust(121, "x")
 SESSION = None  # of the whole run
@@ -183,6 +186,29 @@ class SmartCardTest(unittest.TestCase):
         self.expect(3, {"result": "failed", "message": "no card in the reader"}, "get-pin")
         self.finish(SESSION.start("get-pin", "--card", "pcsc:None"), 3,
                     {"result": "failed", "message": "no such reader"})
+
+    def test_services_of_their_own_mind(self):
+        removed, failed = {"result": "removed"}, {"result": "failed"}
+        for call, results, code, expected, card in (
+                ("BeginTransaction", [RESET, RESET], 0, {"result": "accepted"}, None),
+                ("BeginTransaction", [RESET] * 9, 3, {**failed, "message": "(80100068)"}, None),
+                ("BeginTransaction", [UNAVAILABLE], 1, removed, None),
+                ("Transmit", [UNAVAILABLE], 1, removed, None),
+                ("Connect", [REMOVED], 3, {**failed, "message": "no card in the reader"}, None),
+                ("Connect", [SHARING], 3, {**failed, "message": "has the card to itself"}, None),
+                ("ListReaders", [0] * 2, 3, {**failed, "message": "there is no reader"}, "pcsc")):
+            with self.subTest(call, results=results):
+                applet = self.put_in()
+                left, usual = list(results), bridge.CALLS[call]
+
+                def answer(service, *words):
+                    return (left.pop(0), ["-00"]) if left else usual(service, *words)
+
+                with mock.patch.dict(bridge.CALLS, {call: answer}):
+                    self.finish(SESSION.start("get-pin", "--type", PIN, *OK, "--card",
+                                              card or f"pcsc:{self.slot.reader}"), code, expected)
+                self.check_card(applet, PIN, 3)
+                self.assertFalse(code == 3 and applet.trace)
 
     def test_no_service(self):
         self.put_in()

@@ -3,6 +3,7 @@
 Usage: session_test.py [EMULATOR] PINENTRY.exe TYPIST.exe
 """
 
+import itertools
 import os
 import pathlib
 import subprocess
@@ -16,7 +17,8 @@ from typist import Typist, windows_path
 PROGRAM = []  # set from the command line
 TYPIST = []
 TRANSCRIPTS = pathlib.Path(__file__).parent / "transcripts"
-CANARY = "Kanarienvogel-7351"
+CANARY = "Buchfink-und-Zeisig-und-Kanarienvogel-7351"
+SAID = "Haubenmeise-und-Nachtigall-2904"
 CHOSEN = ("getpin_texts", "getpin_canceled", "getpin_closed", "getpin_error_comes_first", "getpin_timeout",
           "pin_with_umlauts", "pin_with_percent_signs", "new_pin_texts", "constraints_not_met",
           "confirm_refused", "confirm_closed", "confirm_any_script", "message_canceled",
@@ -24,8 +26,9 @@ CHOSEN = ("getpin_texts", "getpin_canceled", "getpin_closed", "getpin_error_come
 
 
 def memory_holds(pid, *texts):
-    """Of the texts those that stand in the memory of the process, in bytes or in wide characters."""
-    needles = {text: (text.encode(), text.encode("utf-16-le")) for text in texts}
+    """Of the texts those that stand in the memory of the process, in bytes or in wide characters. The
+    heap writes over the beginning of what is freed: the last letters are looked for."""
+    needles = {text: (text[-10:].encode(), text[-10:].encode("utf-16-le")) for text in texts}
     found = set()
     with open(f"/proc/{pid}/mem", "rb", buffering=0) as memory:
         for line in pathlib.Path(f"/proc/{pid}/maps").read_text().splitlines():
@@ -87,6 +90,14 @@ class SessionTest(unittest.TestCase):
             if name in shown:
                 self.assertIn(text.replace("\\n", "\n"), shown[name])
 
+    def check_layout(self, dialog):
+        """Every control is seen whole, and stands over no other but its frame."""
+        self.assertEqual(dialog["cut"], [])
+        for (one, a), (other, b) in itertools.combinations(dialog["places"].items(), 2):
+            apart = a[2] <= b[0] or b[2] <= a[0] or a[3] <= b[1] or b[3] <= a[1]
+            frame = a[0] < b[0] and a[1] < b[1] and b[2] < a[2] and b[3] < a[3]
+            self.assertTrue(apart or frame, (one, other, dialog["places"]))
+
     def act(self, act, kind):
         if act.startswith("types "):
             texts = [act[6:]] * (2 if kind == "new PIN" else 1)
@@ -128,6 +139,65 @@ class SessionTest(unittest.TestCase):
             self.assertIn("Abbrechen", self.typist.wait()["buttons"])
             self.typist.press("escape")
             self.expect(program, "ERR 83886179 Operation cancelled")
+        program = self.start("--lc-messages", "xx")  # which has none
+        self.send(program, "GETPIN")
+        self.assertIn("Cancel", self.typist.next()["buttons"])
+        self.typist.press("escape")
+        self.expect(program, "ERR 83886179 Operation cancelled")
+
+    def test_command_line(self):
+        for arguments, code, said, error in ((("--version",), 0, b"pinentry (mvpingui) ", b""),
+                                             (("--timeout", "soon"), 2, b"", b"not a value")):
+            with self.subTest(arguments):
+                program = subprocess.run([*PROGRAM, *arguments], stdin=subprocess.DEVNULL, timeout=60,
+                                         capture_output=True)
+                self.assertEqual(program.returncode, code)
+                self.assertTrue(program.stdout.startswith(said) and bool(program.stdout) == bool(said))
+                self.assertIn(error, program.stderr)
+
+    def test_time_of_the_command_line(self):
+        answered = self.start("--timeout=1")
+        self.send(answered, "GETPIN")
+        self.typist.wait()
+        self.typist.press("escape")
+        self.expect(answered, "ERR 83886179 Operation cancelled")
+        self.request(answered, "SETTIMEOUT 0")
+        self.send(answered, "GETPIN")
+        prompt, program = self.start("Password:", "--timeout", "1"), self.start("--timeout", "1")
+        self.send(program, "GETPIN")
+        self.expect(program, "ERR 83886142 Timeout")
+        self.assertEqual(prompt.wait(30), 1)
+        # The time of the window that was answered is over as well, and ends no other.
+        self.typist.wait()
+        self.typist.type("late")
+        self.typist.press("enter")
+        self.expect(answered, "D late")
+
+    def test_prompt_that_is_a_question(self):
+        program = self.start("Allow?", env={**os.environ, "SSH_ASKPASS_PROMPT": "confirm"})
+        self.assertEqual(self.typist.wait()["buttons"], ["&Yes", "&No"])
+        self.typist.press("enter")
+        self.assertEqual((program.stdout.read(), program.wait(30)), (b"", 0))
+
+    def test_texts_find_room(self):
+        program = self.start()
+        for lines, request in itertools.product((12, 400), ("CONFIRM", "GETPIN", "SETREPEAT")):
+            with self.subTest(request, lines=lines):
+                text = "\n".join("x" * lines)
+                self.request(program, "SETDESC " + text.replace("\n", "%0A"), "SETOK " + "wide " * 24,
+                             "SETCANCEL as it is", "SETNOTOK Never")
+                if request == "SETREPEAT":
+                    self.request(program, request)
+                self.send(program, "CONFIRM" if request == "CONFIRM" else "GETPIN")
+                dialog = self.typist.wait()
+                self.check_layout(dialog)
+                left, top, right, bottom = dialog["places"][text]
+                self.assertGreater(bottom - top, 12 * 10)
+                if request == "CONFIRM":  # the library's dialogs keep their width
+                    self.assertGreater(right - left, 2 * len("wide " * 24) * 3)
+                self.typist.press("escape")
+                self.expect(program, "ERR 83886179 Operation cancelled")
+                self.typist.gone()
 
     def test_long_texts_stay_on_the_screen(self):
         program = self.start()
@@ -169,6 +239,11 @@ class SessionTest(unittest.TestCase):
                 self.assertEqual(program.wait(30), 0)
                 self.assertEqual(program.stdout.read(), b"")
                 self.typist.gone()
+        with self.subTest("before it is open"):
+            program = self.start()
+            self.send(program, "GETPIN")
+            program.stdin.close()
+            self.assertEqual(program.wait(30), 0)
 
     def test_client_that_no_longer_reads(self):
         # The arguments, what the client sent before, what it sends, and the exit code.
@@ -192,9 +267,10 @@ class SessionTest(unittest.TestCase):
 
     def test_requests_that_come_while_a_window_is_open_wait(self):
         program = self.start()
-        self.send(program, "GETPIN\nSETDESC second\nGETPIN")
-        for text, pin in (("", "one"), ("second", "two")):
-            self.assertIn(text, self.typist.wait()["texts"])
+        self.send(program, "SETDESC first\nGETPIN\nSETDESC\nGETPIN")
+        self.expect(program, "OK")
+        for is_first, pin in ((True, "one"), (False, "two")):
+            self.assertEqual("first" in self.typist.wait()["texts"], is_first)
             self.typist.type(pin)
             self.typist.press("enter")
             self.typist.gone()
@@ -206,19 +282,45 @@ class SessionTest(unittest.TestCase):
     def test_window_of_the_client(self):
         client = self.start()
         self.send(client, "CONFIRM")
-        window = self.typist.wait()["window"]
+        parent = self.typist.wait()
+        window = parent["window"]
         program = self.start()
+        self.request(program, "OPTION parent-wid=4711")
+        self.send(program, "CONFIRM")
+        self.assertEqual(self.typist.next()["owner"], 0)
+        self.typist.press("escape")
+        self.expect(program, "ERR 83886179 Operation cancelled")
+        self.assertEqual(self.typist.next()["window"], window)
         self.request(program, f"OPTION parent-wid={window}")
         for request in ("CONFIRM", "GETPIN", "SETREPEAT"):
             with self.subTest(request):
                 if request == "SETREPEAT":
                     self.request(program, request)
                 self.send(program, "GETPIN" if request == "SETREPEAT" else request)
-                self.assertEqual(self.typist.next()["owner"], window)
+                dialog = self.typist.next()
+                self.assertEqual((dialog["owner"], dialog["ownerTakesInput"]), (window, False))
+                for one, other in ((0, 2), (1, 3)):
+                    self.assertAlmostEqual(dialog["place"][one] + dialog["place"][other],
+                                           parent["place"][one] + parent["place"][other], delta=3)
                 self.typist.press("escape")
                 self.expect(program, "ERR 83886179 Operation cancelled")
                 # It takes keys again.
                 self.assertEqual(self.typist.next()["window"], window)
+        with self.subTest("over another window"):
+            other = self.start()
+            self.request(other, f"OPTION parent-wid={window}")
+            self.send(other, "GETPIN")
+            first = self.typist.next()["window"]
+            self.request(program, "SETREPEAT")
+            self.send(program, "GETPIN")
+            self.typist.next()
+            self.typist.press("escape")
+            self.expect(program, "ERR 83886179 Operation cancelled")
+            dialog = self.typist.next()
+            self.assertEqual((dialog["window"], dialog["ownerTakesInput"]), (first, False))
+            self.typist.press("escape")
+            self.expect(other, "ERR 83886179 Operation cancelled")
+            self.assertEqual(self.typist.next()["window"], window)
         self.typist.press("escape")
         self.expect(client, "ERR 83886179 Operation cancelled")
 
@@ -252,6 +354,7 @@ class SessionTest(unittest.TestCase):
 
     def test_no_pin_in_the_memory(self):
         program = self.start()
+        self.send(program, "# " + "what came before " * 9 + SAID)  # as a client that repeats a PIN
         self.request(program, "SETTITLE Gegenprobe", "OPTION constraints-enforce")
         for request in (None, "SETREPEAT"):
             if request:
@@ -267,7 +370,7 @@ class SessionTest(unittest.TestCase):
                 self.expect(program, "S PIN_REPEATED")
             self.expect(program, f"D {CANARY}")
             self.expect(program, "OK")
-            self.assertEqual(memory_holds(program.pid, CANARY, "Gegenprobe"), {"Gegenprobe"})
+            self.assertEqual(memory_holds(program.pid, CANARY, SAID, "Gegenprobe"), {"Gegenprobe"})
         self.send(program, "GETPIN")
         self.typist.wait()
         self.typist.type(CANARY)

@@ -29,6 +29,11 @@ bool AnsiCodePage::FromUtf8(const std::string& strUtf8, std::string& strText) co
     if (strUtf8.empty()) {
         return true;
     }
+    if (GetACP() == CP_UTF8) {
+        // It lacks no character, and the conversion to it takes neither flag nor question.
+        strText = strUtf8;
+        return true;
+    }
     const std::wstring wide = WideFromUtf8(strUtf8);
     strText.resize(wide.size() * 2);
     BOOL isMissing = FALSE;

@@ -41,7 +41,8 @@ void Widen(HWND hWnd, int nBy) {
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// Of three buttons those that are asked for; the others take no keys either.
+// Of three buttons those that are asked for; the others go, as a Cancel button that is disabled
+// would keep Esc and the close button from working.
 void ShowButtons(HWND hDialog, const Confirmation& confirmation) {
     std::vector<int> shown{IDOK};
     if (!confirmation.strNotOk.empty()) {
@@ -51,9 +52,9 @@ void ShowButtons(HWND hDialog, const Confirmation& confirmation) {
         shown.push_back(IDCANCEL);
     }
     for (const int id : {IDNO, IDCANCEL}) {
-        const bool isShown = std::find(shown.begin(), shown.end(), id) != shown.end();
-        ShowWindow(GetDlgItem(hDialog, id), isShown ? SW_SHOW : SW_HIDE);
-        EnableWindow(GetDlgItem(hDialog, id), isShown);
+        if (std::find(shown.begin(), shown.end(), id) == shown.end()) {
+            DestroyWindow(GetDlgItem(hDialog, id));
+        }
     }
     const int lacking = ArrangeButtons(hDialog, shown);
     if (lacking > 0) {
