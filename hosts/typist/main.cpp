@@ -87,15 +87,19 @@ RECT VisiblePart(HWND hWnd) {
     return part;
 }
 
+bool IsSeenWhole(HWND hWnd) {
+    const RECT place = PlaceOf(hWnd);
+    const RECT part = VisiblePart(hWnd);
+    return EqualRect(&place, &part) != FALSE;
+}
+
 Json Told(const RECT& rect) {
     return {rect.left, rect.top, rect.right, rect.bottom};
 }
 
 void TellPlace(Json& dialog, const std::string& strText, HWND hWnd) {
-    const RECT place = PlaceOf(hWnd);
-    const RECT part = VisiblePart(hWnd);
-    dialog["places"][strText] = Told(place);
-    if (!EqualRect(&place, &part)) {
+    dialog["places"][strText] = Told(PlaceOf(hWnd));
+    if (!IsSeenWhole(hWnd)) {
         dialog["cut"].push_back(strText);
     }
 }
@@ -135,13 +139,6 @@ bool IsReady(HWND hDialog) {
            info.hwndFocus != nullptr && IsChild(hDialog, info.hwndFocus);
 }
 
-bool IsWholeOnScreen(HWND hWnd) {
-    RECT place{};
-    GetWindowRect(hWnd, &place);
-    return place.left >= 0 && place.top >= 0 && place.right <= GetSystemMetrics(SM_CXSCREEN) &&
-           place.bottom <= GetSystemMetrics(SM_CYSCREEN);
-}
-
 // hExcept: a dialog that is not meant; may be null.
 Json WaitForDialog(HWND hExcept) {
     const bool found = mvp::WaitFor(kDeadline, [=] {
@@ -159,7 +156,7 @@ Json WaitForDialog(HWND hExcept) {
                 {"owner", number(owner)},
                 {"ownerTakesInput", IsWindowEnabled(owner) != FALSE},
                 {"topmost", (GetWindowLongA(g_hDialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0},
-                {"onScreen", IsWholeOnScreen(g_hDialog)},
+                {"onScreen", IsSeenWhole(g_hDialog)},
                 {"title", TextOf(g_hDialog)},
                 {"texts", Json::array()},
                 {"masks", Json::array()},

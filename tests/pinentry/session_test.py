@@ -57,6 +57,7 @@ class SessionTest(unittest.TestCase):
         self.addCleanup(program.stdout.close)
         self.addCleanup(program.wait, 30)
         self.addCleanup(program.stdin.close)
+        self.addCleanup(program.kill)
         if not arguments or arguments[0].startswith("--"):
             self.expect(program, "OK Pleased to meet you")
         return program
