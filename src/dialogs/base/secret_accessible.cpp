@@ -52,13 +52,12 @@ Label LabelOf(HWND hEdit) {
     return label;
 }
 
-// As the keyboard's driver calls it.
+// As the keyboard's driver calls it, if it has a name for it.
 std::string AltKeyName() {
     constexpr int kScanCodeAt = 16;
     char name[40] = "";
     const auto code = static_cast<LONG>(MapVirtualKeyA(VK_MENU, MAPVK_VK_TO_VSC));
-    GetKeyNameTextA(code << kScanCodeAt, name, sizeof name);
-    return name;
+    return GetKeyNameTextA(code << kScanCodeAt, name, sizeof name) > 0 ? name : "Alt";
 }
 
 }  // namespace
